@@ -1,0 +1,22 @@
+# zirk_add_backend(<name> <source>...)
+#
+# Builds the plug-in libZIRKImpl<name>.so as the target ZIRKImpl<name>. Ours and other people's
+# plug-ins are built by this one function. Only the entry points are visible in the result, so that
+# plug-ins, which all live in one process, cannot meet each other's symbols.
+set(ZIRK_BACKEND_EXPORTS "${CMAKE_CURRENT_LIST_DIR}/backend.map")
+
+function(zirk_add_backend name)
+  set(target ZIRKImpl${name})
+  add_library(${target} MODULE ${ARGN})
+  target_compile_features(${target} PRIVATE cxx_std_17)
+  target_link_libraries(${target} PRIVATE ZIRK::ZIRK)
+  set_target_properties(${target} PROPERTIES
+    PREFIX lib
+    CXX_VISIBILITY_PRESET hidden
+    VISIBILITY_INLINES_HIDDEN ON
+    BUILD_RPATH_USE_ORIGIN ON
+    INSTALL_RPATH "$ORIGIN"
+    LINK_DEPENDS "${ZIRK_BACKEND_EXPORTS}")
+  target_link_options(${target} PRIVATE
+    "LINKER:--version-script=${ZIRK_BACKEND_EXPORTS}" "LINKER:-z,defs")
+endfunction()

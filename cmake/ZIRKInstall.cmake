@@ -1,0 +1,52 @@
+# What `cmake --install` puts where: the library and its plug-ins side by side, the headers, and
+# the package for find_package(ZIRK) and pkg-config.
+include(CMakePackageConfigHelpers)
+
+set(ZIRK_PACKAGE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/ZIRK")
+
+install(TARGETS ZIRK EXPORT ZIRKTargets LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+install(EXPORT ZIRKTargets NAMESPACE ZIRK:: DESTINATION "${ZIRK_PACKAGE_DIR}")
+
+# zirk_install_plugins(<folder>): every plug-in that is built in or below it.
+function(zirk_install_plugins folder)
+  get_property(targets DIRECTORY "${folder}" PROPERTY BUILDSYSTEM_TARGETS)
+  foreach(target IN LISTS targets)
+    get_target_property(type ${target} TYPE)
+    if(type STREQUAL "MODULE_LIBRARY")
+      install(TARGETS ${target} LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+    endif()
+  endforeach()
+  get_property(folders DIRECTORY "${folder}" PROPERTY SUBDIRECTORIES)
+  foreach(sub IN LISTS folders)
+    zirk_install_plugins("${sub}")
+  endforeach()
+endfunction()
+zirk_install_plugins("${PROJECT_SOURCE_DIR}/backends")
+
+# include/zirk/impl is a link to src/impl; installed it is a folder.
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/include/zirk"
+  DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" FILES_MATCHING PATTERN "*.h" PATTERN impl EXCLUDE)
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/src/impl/"
+  DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/zirk/impl" FILES_MATCHING PATTERN "*.h")
+
+configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/ZIRKConfig.cmake.in"
+  "${PROJECT_BINARY_DIR}/ZIRKConfig.cmake" INSTALL_DESTINATION "${ZIRK_PACKAGE_DIR}")
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/ZIRKConfigVersion.cmake"
+  COMPATIBILITY SameMinorVersion)
+install(FILES
+  "${PROJECT_BINARY_DIR}/ZIRKConfig.cmake"
+  "${PROJECT_BINARY_DIR}/ZIRKConfigVersion.cmake"
+  "${PROJECT_SOURCE_DIR}/cmake/ZIRKAddBackend.cmake"
+  "${PROJECT_SOURCE_DIR}/cmake/backend.map"
+  DESTINATION "${ZIRK_PACKAGE_DIR}")
+
+# Relative to the file itself, so that the installed tree may be moved.
+set(ZIRK_PC_PREFIX "${CMAKE_INSTALL_PREFIX}")
+if(NOT IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
+  file(RELATIVE_PATH up "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
+  set(ZIRK_PC_PREFIX "\${pcfiledir}/${up}")
+endif()
+cmake_path(APPEND ZIRK_PC_LIBDIR "\${prefix}" "${CMAKE_INSTALL_LIBDIR}")
+cmake_path(APPEND ZIRK_PC_INCLUDEDIR "\${prefix}" "${CMAKE_INSTALL_INCLUDEDIR}")
+configure_file("${PROJECT_SOURCE_DIR}/cmake/zirk.pc.in" "${PROJECT_BINARY_DIR}/zirk.pc" @ONLY)
+install(FILES "${PROJECT_BINARY_DIR}/zirk.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")

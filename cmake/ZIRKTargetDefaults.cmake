@@ -1,0 +1,21 @@
+# How every target of this project is compiled: zirk_target_defaults(target).
+# Nothing of it reaches those who use the installed package.
+function(zirk_target_defaults target)
+  target_compile_features(${target} PRIVATE cxx_std_17)
+  set_target_properties(${target} PROPERTIES
+    CXX_EXTENSIONS OFF
+    POSITION_INDEPENDENT_CODE ON
+    CXX_VISIBILITY_PRESET hidden
+    VISIBILITY_INLINES_HIDDEN ON)
+  target_compile_options(${target} PRIVATE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
+    # Single precision is single precision: no fused operation rounds differently on some machine.
+    -ffp-contract=off
+    # Assertions and messages name files relative to the root, whatever the build folder.
+    "-fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=")
+  if(ZIRK_SANITIZE)
+    target_compile_options(${target} PRIVATE
+      -fsanitize=${ZIRK_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(${target} PRIVATE -fsanitize=${ZIRK_SANITIZE})
+  endif()
+endfunction()

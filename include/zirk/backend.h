@@ -1,0 +1,20 @@
+#pragma once
+
+/// Everything that a plug-in needs: the application's headers, the abstract interfaces that it
+/// implements, and the library's services for backends.
+///
+/// A graphics plug-in exports two functions with C linkage:
+///
+///     extern "C" ZIRK_API void* CreateVuGraphics(bool flag);
+///     extern "C" ZIRK_API void DestroyVuGraphics(void* graphics);
+///
+/// A compositor plug-in exports "CreateVuCompositor" and "DestroyVuCompositor" of the same shapes.
+
+#include <zirk/graphicsimplloader.h>
+#include <zirk/impl/log.h>
+#include <zirk/impl/vubitmapimpl.h>
+#include <zirk/impl/vucompositorimpl.h>
+#include <zirk/impl/vufontimpl.h>
+#include <zirk/impl/vugraphicsimpl.h>
+#include <zirk/impl/vuscreenimpl.h>
+#include <zirk/zirk.h>

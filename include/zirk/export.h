@@ -1,0 +1,4 @@
+#pragma once
+
+/// Marks what libZIRK.so exports; everything else is compiled with hidden visibility.
+#define ZIRK_API __attribute__((visibility("default")))

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <zirk/export.h>
+
+namespace ZIRK {
+
+/// One layer's configuration; the compositor plug-in defines its fields.
+struct LayerDescription;
+
+/// The process's layer compositor, in the plug-in "GLCompositor". While it is not enabled every
+/// operation does nothing and answers zero. Any thread may call; the plug-in runs without a lock.
+class ZIRK_API VuCompositor {
+ public:
+  /// Creates or drops the compositor. Enabling expects the plug-in to open: the process aborts if
+  /// it does not.
+  static void Enable(bool enable);
+  static bool IsEnabled();
+
+  /// Hands `count` layers to the compositor.
+  static void SetConfiguration(const LayerDescription* layers, int count);
+  /// Fills `layers` and sets `count`; without a compositor only sets `count` to 0.
+  static void GetConfiguration(LayerDescription* layers, int& count);
+  static void EnableLayer(signed char layer, bool enable);
+  static int GetVirtualLayerCount();
+};
+
+}  // namespace ZIRK

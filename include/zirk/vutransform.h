@@ -1,0 +1,37 @@
+#pragma once
+
+#include <zirk/export.h>
+
+namespace ZIRK {
+
+template <typename T>
+class VuTMatrix2D;
+
+/// A compact 2D transform: a point is rotated, then scaled, then translated.
+///
+/// Use it where five numbers are enough, and a VuTMatrix2D<float> for anything else; a drawing
+/// operation given a transform draws exactly as with the matrix made from it.
+struct ZIRK_API VuTransform {
+  /// The identity, (0, 0, 1, 1, 0).
+  constexpr VuTransform() = default;
+
+  constexpr VuTransform(float translateX_, float translateY_, float scaleX_, float scaleY_,
+                        float rotation_)
+      : translateX(translateX_),
+        translateY(translateY_),
+        scaleX(scaleX_),
+        scaleY(scaleY_),
+        rotation(rotation_) {}
+
+  /// Decomposes `m`. Exact while `m` has no rotation or scales uniformly; only approximate when a
+  /// rotation meets two different scales (VuTMatrix2D::decompose). Shear is lost.
+  VuTransform(VuTMatrix2D<float> m);
+
+  float translateX = 0;  ///< Pixels.
+  float translateY = 0;  ///< Pixels.
+  float scaleX = 1;
+  float scaleY = 1;
+  float rotation = 0;  ///< Degrees; positive turns counter-clockwise on the screen (y down).
+};
+
+}  // namespace ZIRK

@@ -1,0 +1,20 @@
+#pragma once
+
+/// Everything that an application needs.
+
+#include <zirk/vubitmap.h>
+#include <zirk/vubitmapinfo.h>
+#include <zirk/vucolor.h>
+#include <zirk/vucompositor.h>
+#include <zirk/vuenums.h>
+#include <zirk/vufont.h>
+#include <zirk/vugraphics.h>
+#include <zirk/vumatrix2d.h>
+#include <zirk/vuperfcounter.h>
+#include <zirk/vupoint.h>
+#include <zirk/vurect.h>
+#include <zirk/vurect2d.h>
+#include <zirk/vuscreendescription.h>
+#include <zirk/vusyslog.h>
+#include <zirk/vutransform.h>
+#include <zirk/vuvector2d.h>

@@ -1,0 +1,14 @@
+#include <zirk/impl/vugraphicsimpl.h>
+
+namespace ZIRK {
+
+// Defined here so that the class's table and type information have one home, the library.
+VuGraphicsImpl::~VuGraphicsImpl() = default;
+
+void VuGraphicsImpl::SetTerminateOnDestruct(bool) {}
+
+int VuGraphicsImpl::GetMaxTextureSize() const {
+  return 2048;
+}
+
+}  // namespace ZIRK

@@ -1,0 +1,7 @@
+#include <zirk/vucolor.h>
+
+namespace ZIRK {
+
+const VuColor white{0xFFFFFFFF};
+
+}  // namespace ZIRK

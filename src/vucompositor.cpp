@@ -1,0 +1,89 @@
+#include <zirk/graphicsimplloader.h>
+#include <zirk/impl/vucompositorimpl.h>
+#include <zirk/vucompositor.h>
+
+#include <cstdlib>
+#include <mutex>
+
+#include "assertalways.h"
+
+namespace ZIRK {
+
+namespace {
+
+// The mutex guards all of this. It is ready from the library's load on, and outlives the static
+// objects of the application, whose destructors may still call.
+std::mutex mutex;
+std::shared_ptr<VuCompositorImpl> instance;
+bool releasedAtExit = false;
+
+/// Null if the plug-in does not open. The loader is not kept: it opens the plug-in once, however
+/// often the compositor is enabled, and closes it after everything else has gone.
+std::shared_ptr<VuCompositorImpl> CreateInstance() {
+  const auto loader = GraphicsImplLoader::GetInstance();
+  return std::shared_ptr<VuCompositorImpl>(
+      static_cast<VuCompositorImpl*>(loader->CreateImplInstance("GLCompositor", false)));
+}
+
+// Registered once the plug-in is open, so it runs before the plug-in's static objects go, and long
+// before the loader closes the plug-in.
+void ReleaseAtExit() {
+  const std::lock_guard<std::mutex> lock(mutex);
+  instance.reset();
+  releasedAtExit = false;
+}
+
+}  // namespace
+
+std::shared_ptr<VuCompositorImpl> VuCompositorImpl::GetInstance() {
+  const std::lock_guard<std::mutex> lock(mutex);
+  return instance;
+}
+
+bool VuCompositor::IsEnabled() {
+  const std::lock_guard<std::mutex> lock(mutex);
+  return instance != nullptr;
+}
+
+// Each operation keeps its own share while the plug-in runs, without the mutex: Enable(false) on
+// another thread then cannot delete the object under it.
+
+void VuCompositor::SetConfiguration(const LayerDescription* layers, int count) {
+  if (const auto compositor = VuCompositorImpl::GetInstance())
+    compositor->SetConfiguration(layers, count);
+}
+
+void VuCompositor::EnableLayer(signed char layer, bool enable) {
+  if (const auto compositor = VuCompositorImpl::GetInstance())
+    compositor->EnableLayer(layer, enable);
+}
+
+// The assertion below stays on line 70: crash reports are grouped by file and line.
+void VuCompositor::Enable(bool enable) {
+  const std::lock_guard<std::mutex> lock(mutex);
+  if (!enable) {
+    instance.reset();
+    return;
+  }
+  if (instance) return;
+  instance = CreateInstance();
+  assert(instance);
+  // Anew each time, as static objects may enable it again while they are destroyed.
+  if (!releasedAtExit) releasedAtExit = std::atexit(ReleaseAtExit) == 0;
+}
+
+void VuCompositor::GetConfiguration(LayerDescription* layers, int& count) {
+  const auto compositor = VuCompositorImpl::GetInstance();
+  if (!compositor) {
+    count = 0;
+    return;
+  }
+  compositor->GetConfiguration(layers, count);
+}
+
+int VuCompositor::GetVirtualLayerCount() {
+  const auto compositor = VuCompositorImpl::GetInstance();
+  return compositor ? compositor->GetVirtualLayerCount() : 0;
+}
+
+}  // namespace ZIRK

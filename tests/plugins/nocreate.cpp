@@ -1,0 +1,3 @@
+#include <zirk/export.h>
+
+extern "C" ZIRK_API void DestroyVuGraphics(void*) {}

@@ -1,0 +1,5 @@
+#include <zirk/export.h>
+
+extern "C" ZIRK_API void* CreateVuGraphics(bool) {
+  return nullptr;
+}

@@ -1,0 +1,33 @@
+#include "support/allocations.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+std::atomic<int> allocations{0};
+
+}  // namespace
+
+void* operator new(std::size_t size) {
+  ++allocations;
+  if (void* const memory = std::malloc(size ? size : 1)) return memory;
+  throw std::bad_alloc();
+}
+
+void operator delete(void* memory) noexcept {
+  std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t) noexcept {
+  std::free(memory);
+}
+
+namespace ZIRK::support {
+
+int Allocations() {
+  return allocations;
+}
+
+}  // namespace ZIRK::support
