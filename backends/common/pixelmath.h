@@ -1,0 +1,41 @@
+#pragma once
+
+#include <zirk/vucolor.h>
+
+#include <cstdint>
+
+namespace ZIRK::backends {
+
+/// Product of two channels of 0..255 that stand for 0..1, rounded to nearest.
+constexpr uint32_t MultiplyChannel(uint32_t a, uint32_t b) {
+  const uint32_t t = a * b + 128;
+  return (t + (t >> 8)) >> 8;
+}
+
+/// Each channel of `pixel` times `factor`.
+constexpr uint32_t ScalePixel(uint32_t pixel, uint32_t factor) {
+  uint32_t result = 0;
+  for (int shift = 0; shift < 32; shift += 8)
+    result |= MultiplyChannel(pixel >> shift & 255, factor) << shift;
+  return result;
+}
+
+constexpr uint32_t Premultiply(VuColor color) {
+  const uint32_t a = color.argb >> 24;
+  if (a == 255) return color.argb;
+  return a << 24 | (ScalePixel(color.argb, a) & 0x00FFFFFFu);
+}
+
+/// source + destination * (1 - source alpha), clamped, on premultiplied pixels.
+constexpr uint32_t BlendOver(uint32_t src, uint32_t dst) {
+  const uint32_t low = 0x00FF00FFu, inverse = 255 - (src >> 24);
+  const auto scaled = [=](uint32_t pair) {
+    const uint32_t t = pair * inverse + 0x00800080u;
+    return (t + (t >> 8 & low)) >> 8 & low;
+  };
+  const auto clamped = [=](uint32_t sum) { return (sum | (sum >> 8 & low) * 255) & low; };
+  return clamped((src & low) + scaled(dst & low)) |
+         clamped((src >> 8 & low) + scaled(dst >> 8 & low)) << 8;
+}
+
+}  // namespace ZIRK::backends

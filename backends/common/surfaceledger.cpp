@@ -1,0 +1,86 @@
+#include "common/surfaceledger.h"
+
+#include <unistd.h>
+#include <zirk/impl/log.h>
+
+#include <algorithm>
+#include <limits>
+#include <ostream>
+
+#include "common/surfaceformat.h"
+
+namespace ZIRK::backends {
+
+namespace {
+
+unsigned Clamp32(uint64_t bytes) {
+  return static_cast<unsigned>(std::min<uint64_t>(bytes, std::numeric_limits<uint32_t>::max()));
+}
+
+}  // namespace
+
+uint64_t SurfaceLedger::QuarterOfMachineMemory() {
+  const long pages = sysconf(_SC_PHYS_PAGES);
+  const long pageSize = sysconf(_SC_PAGESIZE);
+  if (pages <= 0 || pageSize <= 0) return 0;
+  return static_cast<uint64_t>(pages) * static_cast<uint64_t>(pageSize) / 4;
+}
+
+std::shared_ptr<SurfaceLedger> SurfaceLedger::Create(uint64_t limit) {
+  return std::shared_ptr<SurfaceLedger>(new SurfaceLedger(limit));
+}
+
+std::unique_ptr<SurfaceLedger::Entry> SurfaceLedger::Enter(int width, int height,
+                                                           VuPixelFormat format) {
+  if (!IsValidSurface(width, height, format)) {
+    ZIRK_LOG_ERROR("cannot create a surface of %d x %d in format %d", width, height,
+                   static_cast<int>(format));
+    return nullptr;
+  }
+  const uint32_t bytes = SurfaceBytes(width, height, format);
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (bytes > limit_ - held_) {
+    ZIRK_LOG_ERROR("no memory for a surface of %d x %d: %u bytes asked, %u left", width, height,
+                   bytes, Clamp32(limit_ - held_));
+    return nullptr;
+  }
+  const auto record = records_.insert(records_.end(), Record{width, height, format, bytes, {}});
+  held_ += bytes;
+  return std::unique_ptr<Entry>(new Entry(shared_from_this(), record));
+}
+
+unsigned SurfaceLedger::Available() const {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  return Clamp32(limit_ - held_);
+}
+
+unsigned SurfaceLedger::Total() const {
+  return Clamp32(limit_);
+}
+
+void SurfaceLedger::Print(unsigned key, std::ostream& os) const {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  for (const Record& record : records_) {
+    os << "bitmap " << reinterpret_cast<const void*>(reinterpret_cast<uintptr_t>(&record) ^ key)
+       << " \"" << record.name << "\" " << record.width << "x" << record.height << " format "
+       << static_cast<int>(record.format) << " " << record.bytes << " bytes\n";
+  }
+  os.flush();
+}
+
+SurfaceLedger::Entry::Entry(std::shared_ptr<SurfaceLedger> ledger,
+                            std::list<Record>::iterator record)
+    : ledger_(std::move(ledger)), record_(record) {}
+
+SurfaceLedger::Entry::~Entry() {
+  const std::lock_guard<std::mutex> lock(ledger_->mutex_);
+  ledger_->held_ -= record_->bytes;
+  ledger_->records_.erase(record_);
+}
+
+void SurfaceLedger::Entry::Rename(const char* name) {
+  const std::lock_guard<std::mutex> lock(ledger_->mutex_);
+  record_->name = name ? name : "";
+}
+
+}  // namespace ZIRK::backends

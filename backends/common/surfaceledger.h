@@ -1,0 +1,72 @@
+#pragma once
+
+#include <zirk/vuenums.h>
+
+#include <cstdint>
+#include <iosfwd>
+#include <list>
+#include <memory>
+#include <mutex>
+#include <string>
+
+namespace ZIRK::backends {
+
+/// The live surfaces of one graphics context: what they are called and what memory they hold.
+///
+/// Shared by the context and its surfaces, so that either may go first. All operations may be
+/// called from any thread.
+class SurfaceLedger : public std::enable_shared_from_this<SurfaceLedger> {
+ public:
+  class Entry;
+
+  /// A ledger that grants `limit` bytes.
+  static std::shared_ptr<SurfaceLedger> Create(uint64_t limit = QuarterOfMachineMemory());
+  static uint64_t QuarterOfMachineMemory();
+
+  /// Enters a surface and grants its memory. Null, with an error line that says why, for a size
+  /// or format that no surface can have and for one that exceeds what is left.
+  std::unique_ptr<Entry> Enter(int width, int height, VuPixelFormat format);
+
+  /// Bytes, cut to what 32 bits hold.
+  unsigned Available() const;
+  unsigned Total() const;
+
+  /// One line per surface, oldest first. Addresses are printed XORed with `key`.
+  void Print(unsigned key, std::ostream& os) const;
+
+ private:
+  struct Record {
+    int width;
+    int height;
+    VuPixelFormat format;
+    uint32_t bytes;
+    std::string name;
+  };
+
+  explicit SurfaceLedger(uint64_t limit) : limit_(limit) {}
+
+  mutable std::mutex mutex_;
+  const uint64_t limit_;
+  uint64_t held_ = 0;
+  std::list<Record> records_;
+};
+
+/// One surface's place in the ledger, given up when the surface goes.
+class SurfaceLedger::Entry {
+ public:
+  ~Entry();
+  Entry(const Entry&) = delete;
+  Entry& operator=(const Entry&) = delete;
+
+  /// Null counts as an empty name.
+  void Rename(const char* name);
+
+ private:
+  friend class SurfaceLedger;
+  Entry(std::shared_ptr<SurfaceLedger> ledger, std::list<Record>::iterator record);
+
+  std::shared_ptr<SurfaceLedger> ledger_;
+  std::list<Record>::iterator record_;
+};
+
+}  // namespace ZIRK::backends

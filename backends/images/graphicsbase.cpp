@@ -1,0 +1,140 @@
+#include "images/graphicsbase.h"
+
+#include <zirk/impl/log.h>
+#include <zirk/impl/vuscreenimpl.h>
+
+#include <new>
+
+#include "common/surfaceformat.h"
+
+namespace ZIRK::backends {
+
+namespace {
+
+constexpr VuPixelFormat kPictureFormat = VuPixelFormat::ARGB8888;
+
+/// The owned result of `make`, or null and an error line if memory runs out on the way.
+template <typename Make>
+auto ReleaseOrNull(int width, int height, Make make) -> decltype(make().release()) {
+  try {
+    return make().release();
+  } catch (const std::bad_alloc&) {
+    ZIRK_LOG_ERROR("no memory for a surface of %d x %d", width, height);
+    return nullptr;
+  }
+}
+
+}  // namespace
+
+GraphicsBase::GraphicsBase(uint64_t memoryLimit) : ledger_(SurfaceLedger::Create(memoryLimit)) {}
+
+VuScreenImpl* GraphicsBase::CreateScreen(bool flag) {
+  return CreateScreen(VuScreenDescription{0, 0, 0, 2, VuPixelFormat::ARGB8888, flag});
+}
+
+VuScreenImpl* GraphicsBase::CreateScreen(const VuScreenDescription& description) {
+  VuScreenDescription settled = description;
+  if (settled.width <= 0 || settled.height <= 0) {
+    const ImageSize own = ScreenSize(settled.index);
+    if (own.width <= 0 || own.height <= 0) return nullptr;
+    settled.width = own.width;
+    settled.height = own.height;
+  }
+  return ReleaseOrNull(settled.width, settled.height, [&]() -> std::unique_ptr<VuScreenImpl> {
+    Entry entry = ledger_->Enter(settled.width, settled.height, settled.format);
+    return entry ? MakeScreen(std::move(entry), settled) : nullptr;
+  });
+}
+
+ImageSize GraphicsBase::ScreenSize(int) const {
+  return {1280, 720};
+}
+
+VuBitmapImpl* GraphicsBase::CreateBitmap(int width, int height, VuPixelFormat format) {
+  return ReleaseOrNull(width, height, [&]() -> std::unique_ptr<VuBitmapImpl> {
+    Entry entry = ledger_->Enter(width, height, format);
+    return entry ? MakeBitmap(std::move(entry), width, height, format) : nullptr;
+  });
+}
+
+VuBitmapImpl* GraphicsBase::CreateBitmapFromFile(const char* path) {
+  return CreatePicture(ImageSource(path), kOwnSize, VuScaleMode::Nearest);
+}
+
+VuBitmapImpl* GraphicsBase::CreateBitmapFromFile(const char* path, int width, int height,
+                                                 VuScaleMode scaleMode, VuDisplayMode displayMode) {
+  return CreatePicture(ImageSource(path), {width, height, displayMode}, scaleMode);
+}
+
+VuBitmapImpl* GraphicsBase::CreateBitmapFromMemory(const void* data, unsigned size) {
+  return CreatePicture(ImageSource(data, size), kOwnSize, VuScaleMode::Nearest);
+}
+
+VuBitmapImpl* GraphicsBase::CreateBitmapFromMemory(const void* data, unsigned size, int width,
+                                                   int height, VuScaleMode scaleMode) {
+  return CreatePicture(ImageSource(data, size), {width, height, VuDisplayMode::Stretch}, scaleMode);
+}
+
+VuBitmapImpl* GraphicsBase::CreatePicture(const ImageSource& source, const Fit& fit,
+                                          VuScaleMode scaleMode) {
+  const std::unique_ptr<Image> image = Image::Open(source);
+  if (!image) return nullptr;
+  const std::optional<ImageSize> size = image->FittedSize(fit.width, fit.height, fit.mode);
+  if (!size) return nullptr;
+  // The ledger would refuse as well, without knowing the picture's name.
+  if (SurfaceBytes(size->width, size->height, kPictureFormat) > ledger_->Available()) {
+    ZIRK_LOG_ERROR("no memory for %s: %d x %d pixels, %u bytes left", image->Name().c_str(),
+                   size->width, size->height, ledger_->Available());
+    return nullptr;
+  }
+  return ReleaseOrNull(size->width, size->height, [&]() -> std::unique_ptr<VuBitmapImpl> {
+    Entry entry = ledger_->Enter(size->width, size->height, kPictureFormat);
+    if (!entry) return nullptr;
+    return MakePicture(std::move(entry), size->width, size->height, *image, scaleMode);
+  });
+}
+
+unsigned GraphicsBase::AvailableMemory() const {
+  return ledger_->Available();
+}
+
+unsigned GraphicsBase::TotalMemory() const {
+  return ledger_->Total();
+}
+
+unsigned GraphicsBase::BitmapSize(int width, int height, VuPixelFormat format) const {
+  return SurfaceBytes(width, height, format);
+}
+
+unsigned GraphicsBase::BitmapSize(const char* path) const {
+  return PictureSize(ImageSource(path), kOwnSize);
+}
+
+unsigned GraphicsBase::BitmapSize(const char* path, int width, int height) const {
+  return PictureSize(ImageSource(path), {width, height, VuDisplayMode::Stretch});
+}
+
+unsigned GraphicsBase::BitmapSize(const void* data, unsigned size) const {
+  return PictureSize(ImageSource(data, size), kOwnSize);
+}
+
+unsigned GraphicsBase::BitmapSize(const void* data, unsigned size, int width, int height) const {
+  return PictureSize(ImageSource(data, size), {width, height, VuDisplayMode::Stretch});
+}
+
+unsigned GraphicsBase::PictureSize(const ImageSource& source, const Fit& fit) {
+  const std::unique_ptr<Image> image = Image::Open(source);
+  if (!image) return 0;
+  const std::optional<ImageSize> size = image->FittedSize(fit.width, fit.height, fit.mode);
+  return size ? SurfaceBytes(size->width, size->height, kPictureFormat) : 0;
+}
+
+void GraphicsBase::PrintBitmapList(unsigned key, std::ostream& os) {
+  ledger_->Print(key, os);
+}
+
+int GraphicsBase::GetMaxTextureSize() const {
+  return kMaxSide;
+}
+
+}  // namespace ZIRK::backends

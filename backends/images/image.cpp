@@ -1,0 +1,142 @@
+#include "images/image.h"
+
+#include <zirk/impl/log.h>
+#include <zirk/vugraphics.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <new>
+
+#include "common/pixelmath.h"
+#include "common/surfaceformat.h"
+#include "images/imagecodec.h"
+#include "images/imagestream.h"
+#include "images/resampler.h"
+
+namespace ZIRK::backends {
+
+namespace {
+
+struct Format {
+  bool (*matches)(ImageStream::Bytes head);
+  std::unique_ptr<ImageCodec> (*newCodec)(ImageStream& stream);
+};
+
+constexpr Format kFormats[] = {
+    {IsPng, NewPngCodec},
+    {IsJpeg, NewJpegCodec},
+#ifdef ZIRK_HAVE_WEBP
+    {IsWebp, NewWebpCodec},
+#endif
+};
+
+std::unique_ptr<ImageCodec> NewCodecFor(ImageStream& stream) {
+  for (const Format& format : kFormats)
+    if (format.matches(stream.Peek())) return format.newCodec(stream);
+  return nullptr;
+}
+
+/// The rows of a picture that lies in memory as a whole.
+class StoredRows {
+ public:
+  StoredRows(ImageCodec& codec)
+      : width_(codec.Width()),
+        // Sides are limited, so the product fits. Left as it comes: a broken picture of which the
+        // header claims much never touches it.
+        pixels_(new uint32_t[static_cast<size_t>(codec.Width()) *
+                             static_cast<size_t>(codec.Height())]) {}
+
+  bool ReadFrom(ImageCodec& codec) { return codec.ReadAll(pixels_.get(), width_ * 4); }
+  void Next(uint32_t* row) {
+    const uint32_t* from = RowAt(pixels_.get(), width_ * 4, rowsGiven_++);
+    std::copy(from, from + width_, row);
+  }
+
+ private:
+  int width_;
+  std::unique_ptr<uint32_t[]> pixels_;
+  int rowsGiven_ = 0;
+};
+
+}  // namespace
+
+void PremultiplyRow(uint32_t* row, int width) {
+  for (int x = 0; x < width; ++x) row[x] = Premultiply(VuColor{row[x]});
+}
+
+Image::Image(const ImageSource& source)
+    : name_(source.Name()), stream_(std::make_unique<ImageStream>(source)) {}
+
+Image::~Image() = default;
+
+std::unique_ptr<Image> Image::Open(const ImageSource& source) {
+  try {
+    std::unique_ptr<Image> image(new Image(source));
+    return image->ReadHeader() ? std::move(image) : nullptr;
+  } catch (const std::bad_alloc&) {
+    ZIRK_LOG_ERROR("cannot read %s: %s", source.Path() ? source.Path() : "image in memory",
+                   std::strerror(ENOMEM));
+    return nullptr;
+  }
+}
+
+bool Image::ReadHeader() {
+  if (stream_->Peek().size == 0) return Fail(stream_->Problem());
+  codec_ = NewCodecFor(*stream_);
+  if (!codec_) return Fail("it is in no known image format");
+  if (!codec_->ReadHeader()) return Fail(codec_->Error());
+  const auto [width, height] = Size();
+  if (IsValidSurface(width, height, VuPixelFormat::ARGB8888)) return true;
+  ZIRK_LOG_ERROR("cannot read %s: %d x %d pixels are too many", name_.c_str(), width, height);
+  return false;
+}
+
+ImageSize Image::Size() const {
+  return {codec_->Width(), codec_->Height()};
+}
+
+std::optional<ImageSize> Image::FittedSize(int width, int height, VuDisplayMode mode) const {
+  const ImageSize own = Size();
+  VuGraphics::GetScaledDimensions(own.width, own.height, width, height, mode);
+  // A picture much longer than wide keeps its last pixel.
+  const ImageSize fitted{std::max(width, 1), std::max(height, 1)};
+  if (IsValidSurface(fitted.width, fitted.height, VuPixelFormat::ARGB8888)) return fitted;
+  ZIRK_LOG_ERROR("cannot fit %s: %d x %d pixels are too many", name_.c_str(), width, height);
+  return std::nullopt;
+}
+
+bool Image::Decode(const PixelRows& target, VuScaleMode mode) {
+  try {
+    return DecodePixels(target, mode) || Fail(codec_->Error());
+  } catch (const std::bad_alloc&) {
+    return Fail(std::strerror(ENOMEM));
+  }
+}
+
+bool Image::DecodePixels(const PixelRows& target, VuScaleMode mode) {
+  const auto [width, height] = Size();
+  if (target.width == width && target.height == height)
+    return codec_->ReadAll(target.pixels, target.pitch);
+
+  const auto resample = [&](const std::function<bool(uint32_t*)>& nextRow) {
+    return Resample({width, codec_->Shrink(), target.width},
+                    {height, codec_->Shrink(), target.height}, mode, nextRow, target);
+  };
+  if (!codec_->HasRows()) {
+    StoredRows rows(*codec_);
+    return rows.ReadFrom(*codec_) && resample([&](uint32_t* row) {
+             rows.Next(row);
+             return true;
+           });
+  }
+  if (mode == VuScaleMode::Bilinear) codec_->ShrinkTowards(target.width, target.height);
+  return resample([&](uint32_t* row) { return codec_->ReadRow(row); });
+}
+
+bool Image::Fail(const char* reason) const {
+  ZIRK_LOG_ERROR("cannot read %s: %s", name_.c_str(), reason);
+  return false;
+}
+
+}  // namespace ZIRK::backends

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <zirk/vuenums.h>
+
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include "images/image.h"
+
+namespace ZIRK::backends {
+
+/// One side of a picture and the length that it is brought to.
+struct AxisFit {
+  int length;  ///< Pixels of the original.
+  int shrink;  ///< How many of them each pixel of the given rows stands for.
+  int wanted;
+};
+
+/// For each of an axis's pixels the pixels that it is made of, and their shares.
+///
+/// Shares of a pixel are never negative and add up to exactly kWhole: a flat colour stays what it
+/// is, nothing rings, and no colour channel outgrows its alpha.
+class AxisFilter {
+ public:
+  static constexpr uint32_t kWhole = 65536;
+
+  struct Taps {
+    int first;
+    int count;
+    const uint32_t* shares;
+  };
+
+  AxisFilter(AxisFit fit, VuScaleMode mode);
+
+  Taps At(int i) const {
+    const Span& span = spans_[static_cast<size_t>(i)];
+    return {span.first, span.count, &shares_[span.shares]};
+  }
+
+ private:
+  struct Span {
+    int first;
+    int count;
+    size_t shares;
+  };
+
+  void AddNearest(AxisFit fit, int i);
+  void AddLinear(AxisFit fit, int i);
+  void AddArea(AxisFit fit, int i);
+  void Begin(int first);
+  void Add(uint32_t share);
+
+  std::vector<Span> spans_;
+  std::vector<uint32_t> shares_;
+};
+
+/// Brings a picture that arrives row by row to another size, and fills `target` with it. Holds no
+/// more than a few rows. `nextRow` is asked for every row; false from it ends the work. With
+/// Bilinear, what becomes larger is interpolated and what becomes smaller is averaged over the
+/// area that each pixel covers.
+bool Resample(AxisFit horizontal, AxisFit vertical, VuScaleMode mode,
+              const std::function<bool(uint32_t*)>& nextRow, const PixelRows& target);
+
+}  // namespace ZIRK::backends

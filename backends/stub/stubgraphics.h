@@ -1,0 +1,24 @@
+#pragma once
+
+#include "images/graphicsbase.h"
+
+namespace ZIRK::backends {
+
+/// A context whose surfaces remember everything but pixels.
+class StubGraphics final : public GraphicsBase {
+ public:
+  using GraphicsBase::GraphicsBase;
+
+  void Flush() override {}
+  int GetGraphicsType() const override { return 4; }
+
+ protected:
+  std::unique_ptr<VuScreenImpl> MakeScreen(Entry entry,
+                                           const VuScreenDescription& description) override;
+  std::unique_ptr<VuBitmapImpl> MakeBitmap(Entry entry, int width, int height,
+                                           VuPixelFormat format) override;
+  std::unique_ptr<VuBitmapImpl> MakePicture(Entry entry, int width, int height, Image& image,
+                                            VuScaleMode scaleMode) override;
+};
+
+}  // namespace ZIRK::backends
