@@ -1,0 +1,46 @@
+#include "fb/fbgraphics.h"
+
+#include <zirk/impl/log.h>
+
+#include <string>
+#include <utility>
+
+#include "fb/fbscreen.h"
+#include "fb/framebufferdevice.h"
+#include "software/softwarebitmap.h"
+
+namespace ZIRK::backends {
+
+ImageSize FbGraphics::ScreenSize(int index) const {
+  std::string error;
+  const auto device = FramebufferDevice::Open(FramebufferDevice::PathOf(index), {}, error);
+  // A device that is not there is reported when the screen is made.
+  return device ? ImageSize{device->Width(), device->Height()} : GraphicsBase::ScreenSize(index);
+}
+
+std::unique_ptr<VuScreenImpl> FbGraphics::MakeScreen(Entry entry,
+                                                     const VuScreenDescription& description) {
+  std::string error;
+  auto device = FramebufferDevice::Open(
+      FramebufferDevice::PathOf(description.index),
+      {description.width, description.height, description.buffers > 1}, error);
+  if (!device) ZIRK_LOG_WARNING("%s: the screen stays in memory", error.c_str());
+  return std::make_unique<FbScreen>(std::move(entry), description, std::move(device));
+}
+
+std::unique_ptr<VuBitmapImpl> FbGraphics::MakeBitmap(Entry entry, int width, int height,
+                                                     VuPixelFormat format) {
+  return std::make_unique<SoftwareBitmap>(std::move(entry), width, height, format);
+}
+
+std::unique_ptr<VuBitmapImpl> FbGraphics::MakePicture(Entry entry, int width, int height,
+                                                      Image& image, VuScaleMode scaleMode) {
+  auto bitmap =
+      std::make_unique<SoftwareBitmap>(std::move(entry), width, height, VuPixelFormat::ARGB8888);
+  PixelBuffer& pixels = bitmap->Pixels();
+  const PixelRows rows = {pixels.Row32(0), pixels.Pitch(), width, height};
+  if (!image.Decode(rows, scaleMode)) return nullptr;
+  return bitmap;
+}
+
+}  // namespace ZIRK::backends

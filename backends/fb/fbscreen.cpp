@@ -1,0 +1,38 @@
+#include "fb/fbscreen.h"
+
+#include <zirk/vuperfcounter.h>
+
+#include <utility>
+
+namespace ZIRK::backends {
+
+FbScreen::FbScreen(std::unique_ptr<SurfaceLedger::Entry> entry,
+                   const VuScreenDescription& description,
+                   std::unique_ptr<FramebufferDevice> device)
+    : SoftwareSurface(std::move(entry), description.width, description.height, description.format),
+      singleBuffered_(description.buffers < 2),
+      device_(std::move(device)) {}
+
+void FbScreen::SwapBuffers() {
+  Present();
+  if (LogFPS) ShowFPS();
+}
+
+void FbScreen::Finish() {
+  if (singleBuffered_) Present();
+}
+
+void FbScreen::Flush() {
+  if (singleBuffered_) Present();
+}
+
+void FbScreen::Present() {
+  const DrawTimer timer = DrawTimer::Swapping();
+  const Box damage = TakeDamage();
+  if (!device_) return;
+  const PixelBuffer& pixels = Pixels();
+  device_->Present(pixels.Row(0), pixels.Pitch(), pixels.Format(),
+                   {damage.x0, damage.y0, damage.Width(), damage.Height()});
+}
+
+}  // namespace ZIRK::backends

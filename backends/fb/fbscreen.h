@@ -1,0 +1,32 @@
+#pragma once
+
+#include <zirk/vuscreendescription.h>
+
+#include <memory>
+
+#include "fb/framebufferdevice.h"
+#include "software/softwarebitmap.h"
+
+namespace ZIRK::backends {
+
+/// A screen: drawn in cached memory, and copied to the device when the frame is done.
+class FbScreen final : public SoftwareSurface<VuScreenImpl> {
+ public:
+  /// `device` is null where there is none: the picture then stays in memory.
+  FbScreen(std::unique_ptr<SurfaceLedger::Entry> entry, const VuScreenDescription& description,
+           std::unique_ptr<FramebufferDevice> device);
+
+  void SwapBuffers() override;
+
+  /// On a single-buffered screen drawing is seen without a swap.
+  void Finish() override;
+  void Flush() override;
+
+ private:
+  void Present();
+
+  const bool singleBuffered_;
+  const std::unique_ptr<FramebufferDevice> device_;
+};
+
+}  // namespace ZIRK::backends

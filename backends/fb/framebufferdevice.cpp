@@ -1,0 +1,244 @@
+#include "fb/framebufferdevice.h"
+
+#include <unistd.h>
+#include <zirk/impl/log.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <utility>
+
+#include "common/surfaceformat.h"
+
+namespace ZIRK::backends {
+
+namespace {
+
+int64_t Area(const Box& box) {
+  return box.IsEmpty() ? 0 : int64_t{box.Width()} * box.Height();
+}
+
+fb_bitfield Bits(unsigned offset, unsigned length) {
+  fb_bitfield field{};
+  field.offset = offset;
+  field.length = length;
+  return field;
+}
+
+/// The usual layout of 32 or 16 bits, as a proposal: drivers put their own in its place.
+void ProposeDepth(fb_var_screeninfo& mode, unsigned bits) {
+  mode.bits_per_pixel = bits;
+  mode.grayscale = 0;
+  mode.red = bits == 32 ? Bits(16, 8) : Bits(11, 5);
+  mode.green = bits == 32 ? Bits(8, 8) : Bits(5, 6);
+  mode.blue = bits == 32 ? Bits(0, 8) : Bits(0, 5);
+  mode.transp = Bits(0, 0);
+}
+
+}  // namespace
+
+std::string FramebufferDevice::PathOf(int display) {
+  const char* const path = std::getenv("ZIRK_FB_DEVICE");
+  return path && *path ? path : "/dev/fb" + std::to_string(display);
+}
+
+std::unique_ptr<FramebufferDevice> FramebufferDevice::Open(const std::string& path,
+                                                           const Request& request,
+                                                           std::string& error,
+                                                           std::shared_ptr<FramebufferIo> io) {
+  const int fd = io->Open(path.c_str());
+  if (fd < 0) {
+    error = path + ": " + std::strerror(errno);
+    return nullptr;
+  }
+  std::unique_ptr<FramebufferDevice> device(new FramebufferDevice(path, std::move(io), fd));
+  if (!device->Prepare(request, error)) return nullptr;
+  return device;
+}
+
+FramebufferDevice::FramebufferDevice(std::string path, std::shared_ptr<FramebufferIo> io, int fd)
+    : path_(std::move(path)), io_(std::move(io)), fd_(fd) {}
+
+FramebufferDevice::~FramebufferDevice() {
+  Restore();
+  if (mapping_) io_->Unmap(mapping_, mappedBytes_);
+  io_->Close(fd_);
+}
+
+bool FramebufferDevice::Prepare(const Request& request, std::string& error) {
+  if (!ReadMode()) {
+    error = Reason("is no framebuffer device");
+    return false;
+  }
+  found_ = mode_;
+  if (!FindTrueColour()) {
+    error = path_ + ": has no true-colour mode of 32 or 16 bits";
+    return false;
+  }
+  if (!TrySize(request.width, request.height)) {
+    error = Reason("does not go back to its mode");
+    return false;
+  }
+  if (!MapMemory()) {
+    error = Reason("cannot map its memory");
+    return false;
+  }
+  converter_.emplace(*layout_, Width());
+  SetUpPages(request.doubleBuffer);
+  vsync_.emplace(io_, fd_, path_.c_str());
+  return true;
+}
+
+// --- Modes --------------------------------------------------------------------------------------
+
+bool FramebufferDevice::ReadMode() {
+  if (!io_->Control(fd_, FBIOGET_VSCREENINFO, &mode_)) return false;
+  if (!io_->Control(fd_, FBIOGET_FSCREENINFO, &fixed_)) return false;
+  layout_ = LayoutOf(mode_, fixed_);
+  if (layout_ && !FitsMemory(uint64_t{mode_.yoffset} + mode_.yres)) layout_.reset();
+  return true;
+}
+
+/// Whether the driver took the mode, or one like it that can be drawn to.
+bool FramebufferDevice::TryMode(const fb_var_screeninfo& mode) {
+  fb_var_screeninfo asked = mode;
+  asked.activate = FB_ACTIVATE_NOW;
+  if (!io_->Control(fd_, FBIOPUT_VSCREENINFO, &asked)) return false;
+  modeChanged_ = true;
+  return ReadMode() && layout_;
+}
+
+bool FramebufferDevice::FindTrueColour() {
+  if (layout_) return true;
+  for (const unsigned bits : {32u, 16u}) {
+    fb_var_screeninfo asked = found_;
+    ProposeDepth(asked, bits);
+    if (TryMode(asked)) return true;
+  }
+  return false;
+}
+
+/// False if a refused size has left the device without a mode that can be drawn to.
+bool FramebufferDevice::TrySize(int width, int height) {
+  if (width <= 0 || height <= 0 || width > kMaxSide || height > kMaxSide) return true;
+  if (width == Width() && height == Height()) return true;
+  const fb_var_screeninfo before = mode_;
+  fb_var_screeninfo asked = mode_;
+  asked.xres = static_cast<uint32_t>(width);
+  asked.yres = static_cast<uint32_t>(height);
+  asked.xres_virtual = asked.xres;
+  asked.yres_virtual = std::max(asked.yres, before.yres_virtual);
+  asked.xoffset = 0;
+  asked.yoffset = 0;
+  return TryMode(asked) || layout_ || TryMode(before);
+}
+
+/// Whether the device's memory has the first `rows` rows of the virtual screen.
+bool FramebufferDevice::FitsMemory(uint64_t rows) const {
+  const uint64_t rowBytes = (uint64_t{mode_.xoffset} + mode_.xres) * mode_.bits_per_pixel / 8;
+  return mode_.xres > 0 && mode_.yres > 0 && mode_.xres <= kMaxSide && mode_.yres <= kMaxSide &&
+         rowBytes <= fixed_.line_length && rows * fixed_.line_length <= fixed_.smem_len;
+}
+
+void FramebufferDevice::Restore() {
+  fb_var_screeninfo mode = found_;
+  mode.activate = FB_ACTIVATE_NOW;
+  if (modeChanged_ && !io_->Control(fd_, FBIOPUT_VSCREENINFO, &mode))
+    ZIRK_LOG_ERROR("%s", Reason("cannot restore its mode").c_str());
+  if (panned_ && !io_->Control(fd_, FBIOPAN_DISPLAY, &mode))
+    ZIRK_LOG_ERROR("%s", Reason("cannot restore its offset").c_str());
+}
+
+std::string FramebufferDevice::Reason(const char* what) const {
+  return path_ + ": " + what + ": " + std::strerror(errno);
+}
+
+// --- Memory and pages ---------------------------------------------------------------------------
+
+bool FramebufferDevice::MapMemory() {
+  // A mapping starts on the page that the memory starts on.
+  const auto page = static_cast<unsigned long>(sysconf(_SC_PAGESIZE));
+  const size_t start = fixed_.smem_start % page;
+  mappedBytes_ = start + fixed_.smem_len;
+  mapping_ = static_cast<uint8_t*>(io_->Map(fd_, mappedBytes_));
+  if (!mapping_) return false;
+  memory_ = mapping_ + start;
+  return true;
+}
+
+/// Pages only in a virtual screen that is there: drivers that grant one on request may show the
+/// wrong part of it.
+void FramebufferDevice::SetUpPages(bool wanted) {
+  const auto hasTwo = [](const fb_var_screeninfo& mode) {
+    return mode.yres_virtual / 2 >= mode.yres;
+  };
+  const bool possible = hasTwo(found_) && hasTwo(mode_) && FitsMemory(2 * uint64_t{mode_.yres}) &&
+                        fixed_.ypanstep != 0 && mode_.yres % fixed_.ypanstep == 0;
+  twoPages_ = wanted && possible && ShowPage(0);
+  const unsigned firstRow = twoPages_ ? 0 : mode_.yoffset;
+  const unsigned rows = twoPages_ ? 2 * mode_.yres : mode_.yres;
+  const size_t rowBytes = size_t{mode_.xres} * layout_->BytesPerPixel();
+  uint8_t* row = memory_ + size_t{firstRow} * fixed_.line_length +
+                 size_t{mode_.xoffset} * layout_->BytesPerPixel();
+  for (unsigned y = 0; y < rows; ++y, row += fixed_.line_length) std::memset(row, 0, rowBytes);
+}
+
+bool FramebufferDevice::ShowPage(unsigned page) {
+  fb_var_screeninfo mode = mode_;
+  mode.yoffset = page * mode_.yres;
+  mode.activate = FB_ACTIVATE_VBL;
+  if (!io_->Control(fd_, FBIOPAN_DISPLAY, &mode)) return false;
+  panned_ = true;
+  shownPage_ = page;
+  mode_.yoffset = mode.yoffset;
+  return true;
+}
+
+// --- Frames -------------------------------------------------------------------------------------
+
+void FramebufferDevice::Present(const uint8_t* pixels, int pitch, VuPixelFormat format,
+                                VuRect damage) {
+  const Box box = Intersection(ToBox(damage), {0, 0, Width(), Height()});
+  if (box.IsEmpty()) return vsync_->Wait();
+  const Box seen = Union(box, lastDamage_);
+  if (!converter_->SetSource(pixels, pitch, format, seen.x1, seen.y1)) {
+    ZIRK_LOG_ERROR("%s: cannot show pixels of format %d", path_.c_str(), static_cast<int>(format));
+    return;
+  }
+  if (twoPages_) return Flip(box);
+  vsync_->Wait();
+  Copy(box, mode_.yoffset);
+}
+
+/// Brings the page that is not shown up to date, and shows it.
+void FramebufferDevice::Flip(const Box& damage) {
+  const unsigned page = 1 - shownPage_;
+  const unsigned firstRow = page * mode_.yres;
+  const Box both = Union(damage, lastDamage_);
+  if (Area(both) <= Area(damage) + Area(lastDamage_)) {
+    Copy(both, firstRow);
+  } else {
+    Copy(lastDamage_, firstRow);
+    Copy(damage, firstRow);
+  }
+  lastDamage_ = damage;
+  if (ShowPage(page)) return vsync_->Wait();
+
+  // The page that goes on being shown lacks this frame's changes only.
+  ZIRK_LOG_WARNING("%s", Reason("does not show its second page: drawing to one").c_str());
+  twoPages_ = false;
+  lastDamage_ = {};
+  Copy(damage, mode_.yoffset);
+}
+
+void FramebufferDevice::Copy(const Box& box, unsigned firstRow) {
+  const size_t pixelBytes = layout_->BytesPerPixel();
+  const size_t bytes = static_cast<size_t>(box.Width()) * pixelBytes;
+  uint8_t* to = memory_ + (size_t{firstRow} + static_cast<size_t>(box.y0)) * fixed_.line_length +
+                (size_t{mode_.xoffset} + static_cast<size_t>(box.x0)) * pixelBytes;
+  for (int y = box.y0; y < box.y1; ++y, to += fixed_.line_length)
+    std::memcpy(to, converter_->Row(box.x0, y, box.Width()), bytes);
+}
+
+}  // namespace ZIRK::backends

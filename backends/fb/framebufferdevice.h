@@ -1,0 +1,97 @@
+#pragma once
+
+#include <linux/fb.h>
+#include <zirk/vuenums.h>
+#include <zirk/vurect.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "fb/devicelayout.h"
+#include "fb/framebufferio.h"
+#include "fb/rowconverter.h"
+#include "fb/vsyncwait.h"
+#include "software/box.h"
+
+namespace ZIRK::backends {
+
+/// A display that the kernel offers as a framebuffer device, in one of its true-colour modes.
+///
+/// The device's memory is only ever written. A picture that is larger or smaller than the display
+/// is shown from the top-left corner. The mode that was found comes back in the destructor.
+class FramebufferDevice {
+ public:
+  struct Request {
+    int width = 0;  ///< Pixels; with zero or less in either side, the size the device has.
+    int height = 0;
+    /// Two pages, where the device has the memory for them and can show either.
+    bool doubleBuffer = false;
+  };
+
+  /// "/dev/fb0" for display 0 and so on, or the device that the environment variable
+  /// `ZIRK_FB_DEVICE` names.
+  static std::string PathOf(int display);
+
+  /// Opens the device in `path` and makes its memory ready, black. The size asked for is tried;
+  /// what the driver grants is in Width() and Height(). Null, with the reason in `error`, if there
+  /// is no such device or it has no mode that can be drawn to.
+  static std::unique_ptr<FramebufferDevice> Open(
+      const std::string& path, const Request& request, std::string& error,
+      std::shared_ptr<FramebufferIo> io = SystemFramebufferIo());
+
+  ~FramebufferDevice();
+  FramebufferDevice(const FramebufferDevice&) = delete;
+  FramebufferDevice& operator=(const FramebufferDevice&) = delete;
+
+  /// Size of the display, in pixels.
+  int Width() const { return static_cast<int>(mode_.xres); }
+  int Height() const { return static_cast<int>(mode_.yres); }
+
+  /// Shows what changed since the last call: the part `damage` of a picture whose rows are `pitch`
+  /// bytes apart, a multiple of four. Waits for the display's vertical sync, where it has one.
+  void Present(const uint8_t* pixels, int pitch, VuPixelFormat format, VuRect damage);
+
+ private:
+  FramebufferDevice(std::string path, std::shared_ptr<FramebufferIo> io, int fd);
+
+  bool Prepare(const Request& request, std::string& error);
+  bool ReadMode();
+  bool TryMode(const fb_var_screeninfo& mode);
+  bool FindTrueColour();
+  bool TrySize(int width, int height);
+  bool FitsMemory(uint64_t rows) const;
+  bool MapMemory();
+  void SetUpPages(bool wanted);
+  bool ShowPage(unsigned page);
+  void Restore();
+
+  void Flip(const Box& damage);
+  void Copy(const Box& box, unsigned firstRow);
+  std::string Reason(const char* what) const;
+
+  const std::string path_;
+  const std::shared_ptr<FramebufferIo> io_;
+  const int fd_;
+
+  fb_var_screeninfo found_{};  ///< As it was when the device was opened.
+  fb_var_screeninfo mode_{};
+  fb_fix_screeninfo fixed_{};
+  std::optional<DeviceLayout> layout_;
+  bool modeChanged_ = false;
+  bool panned_ = false;
+
+  uint8_t* mapping_ = nullptr;
+  size_t mappedBytes_ = 0;
+  uint8_t* memory_ = nullptr;  ///< The first pixel of the virtual screen, inside the mapping.
+
+  std::optional<RowConverter> converter_;
+  std::optional<VsyncWait> vsync_;
+
+  bool twoPages_ = false;
+  unsigned shownPage_ = 0;
+  Box lastDamage_;  ///< What the page that is not shown lacks of the one that is.
+};
+
+}  // namespace ZIRK::backends

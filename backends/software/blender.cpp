@@ -1,0 +1,201 @@
+#include "software/blender.h"
+
+#include <algorithm>
+
+#include "common/pixelmath.h"
+#include "software/pixelrows.h"
+#include "software/texture.h"
+
+namespace ZIRK::backends {
+
+namespace {
+
+using Factor = VuBlendingFactor;
+
+bool SameForAlpha(const BlendFactors& f) {
+  return f.srcColor == f.srcAlpha && f.dstColor == f.dstAlpha;
+}
+
+bool Are(const BlendFactors& f, Factor src, Factor dst) {
+  return SameForAlpha(f) && f.srcColor == src && f.dstColor == dst;
+}
+
+constexpr uint32_t Repeat(uint32_t channel) {
+  return channel * 0x01010101u;
+}
+
+/// A factor for each channel of one pixel, 0 to 255.
+uint32_t FactorOf(Factor factor, uint32_t src, uint32_t dst, uint32_t blendColor) {
+  switch (factor) {
+    case Factor::Zero:
+      return 0;
+    case Factor::One:
+      return ~0u;
+    case Factor::SrcColor:
+      return src;
+    case Factor::OneMinusSrcColor:
+      return ~src;
+    case Factor::SrcAlpha:
+      return Repeat(src >> 24);
+    case Factor::OneMinusSrcAlpha:
+      return Repeat(~src >> 24);
+    case Factor::DstAlpha:
+      return Repeat(dst >> 24);
+    case Factor::OneMinusDstAlpha:
+      return Repeat(~dst >> 24);
+    case Factor::DstColor:
+      return dst;
+    case Factor::OneMinusDstColor:
+      return ~dst;
+    case Factor::SrcAlphaSaturate:
+      return (Repeat(std::min(src >> 24, ~dst >> 24)) & 0x00FFFFFFu) | 0xFF000000u;
+    case Factor::BlendColor:
+      return blendColor;
+    case Factor::OneMinusBlendColor:
+      return ~blendColor;
+    case Factor::BlendAlpha:
+      return Repeat(blendColor >> 24);
+    case Factor::OneMinusBlendAlpha:
+      return Repeat(~blendColor >> 24);
+  }
+  return 0;
+}
+
+/// The alpha channel of one factor and the colour channels of another.
+uint32_t Join(uint32_t color, uint32_t alpha) {
+  return (color & 0x00FFFFFFu) | (alpha & 0xFF000000u);
+}
+
+std::optional<pixman_op_t> PixmanOperator(const BlendFactors& f) {
+  struct Row {
+    Factor src, dst;
+    pixman_op_t op;
+  };
+  static constexpr Row kRows[] = {
+      {Factor::Zero, Factor::Zero, PIXMAN_OP_CLEAR},
+      {Factor::Zero, Factor::One, PIXMAN_OP_DST},
+      {Factor::OneMinusDstAlpha, Factor::One, PIXMAN_OP_OVER_REVERSE},
+      {Factor::DstAlpha, Factor::Zero, PIXMAN_OP_IN},
+      {Factor::Zero, Factor::SrcAlpha, PIXMAN_OP_IN_REVERSE},
+      {Factor::OneMinusDstAlpha, Factor::Zero, PIXMAN_OP_OUT},
+      {Factor::Zero, Factor::OneMinusSrcAlpha, PIXMAN_OP_OUT_REVERSE},
+      {Factor::DstAlpha, Factor::OneMinusSrcAlpha, PIXMAN_OP_ATOP},
+      {Factor::OneMinusDstAlpha, Factor::SrcAlpha, PIXMAN_OP_ATOP_REVERSE},
+      {Factor::OneMinusDstAlpha, Factor::OneMinusSrcAlpha, PIXMAN_OP_XOR},
+      {Factor::One, Factor::One, PIXMAN_OP_ADD},
+  };
+  for (const Row& row : kRows)
+    if (Are(f, row.src, row.dst)) return row.op;
+  return std::nullopt;
+}
+
+struct UnrefImage {
+  void operator()(pixman_image_t* image) const { pixman_image_unref(image); }
+};
+using ImagePtr = std::unique_ptr<pixman_image_t, UnrefImage>;
+
+ImagePtr SolidImage(uint32_t color) {
+  const auto channel = [color](int shift) {
+    return static_cast<uint16_t>((color >> shift & 255u) * 257u);
+  };
+  const pixman_color_t wide = {channel(16), channel(8), channel(0), channel(24)};
+  return ImagePtr(pixman_image_create_solid_fill(&wide));
+}
+
+}  // namespace
+
+void BlendByFactors(uint32_t* dst, const uint32_t* src, int count, const BlendFactors& f,
+                    uint32_t blendColor) {
+  for (int i = 0; i < count; ++i) {
+    const uint32_t s = src[i], d = dst[i];
+    const uint32_t sf =
+        Join(FactorOf(f.srcColor, s, d, blendColor), FactorOf(f.srcAlpha, s, d, blendColor));
+    const uint32_t df =
+        Join(FactorOf(f.dstColor, s, d, blendColor), FactorOf(f.dstAlpha, s, d, blendColor));
+    uint32_t result = 0;
+    for (int shift = 0; shift < 32; shift += 8) {
+      const uint32_t sum =
+          (s >> shift & 255u) * (sf >> shift & 255u) + (d >> shift & 255u) * (df >> shift & 255u);
+      result |= std::min((sum + 127u) / 255u, 255u) << shift;
+    }
+    dst[i] = result;
+  }
+}
+
+void Blender::Update(const SurfaceState& state) {
+  const bool over = Are(state.factors, Factor::One, Factor::OneMinusSrcAlpha);
+  const bool source = !state.blendEnabled || Are(state.factors, Factor::One, Factor::Zero);
+  operator_ = over && !source ? Kernels::Over : Kernels::Source;
+  factors_.reset();
+  if (!over && !source) factors_ = state.factors;
+  blendColor_ = Premultiply(state.blendColor);
+}
+
+void Blender::Run(const PixelSpan& span, Kernels::Operator op) const {
+  const bool covered = span.coverage != nullptr;
+  if (span.src)
+    kernels_.blit[op][span.color != 0xFFFFFFFFu][covered](span);
+  else
+    kernels_.fill[op][covered](span);
+}
+
+void Blender::Draw(const Box& box, PixelSpan& shading, bool opaque) {
+  if (IsDirect()) {
+    shading.dst = target_.Row32(box.y0) + box.x0;
+    shading.dstPitch = target_.Pitch32();
+    shading.width = box.Width();
+    shading.height = box.Height();
+    shading.opaque = target_.OpaqueBits();
+    return Run(shading, Simplified(opaque));
+  }
+  PixelSpan span = shading;
+  span.height = 1;
+  for (int y = box.y0; y < box.y1; ++y) {
+    const int row = y - box.y0;
+    for (int x = box.x0; x < box.x1; x += kChunk) {
+      span.width = std::min(kChunk, box.x1 - x);
+      if (shading.src) span.src = shading.src + row * shading.srcPitch + (x - box.x0);
+      if (shading.coverage)
+        span.coverage = shading.coverage + row * shading.coveragePitch + (x - box.x0);
+      DrawIndirect(x, y, span, opaque);
+    }
+  }
+}
+
+/// Part of one row, by way of pixels that the kernels know.
+void Blender::DrawIndirect(int x, int y, PixelSpan span, bool opaque) {
+  uint32_t shaded[kChunk];
+  uint32_t pixels[kChunk];
+  uint8_t* row = target_.Row(y);
+  const Kernels::Operator op = factors_ ? Kernels::Source : Simplified(opaque);
+  span.dst = factors_ ? shaded : pixels;
+  if (factors_ || op == Kernels::Over) WidenRow(target_.Format(), row, x, span.width, pixels);
+  Run(span, op);
+  if (factors_) BlendByFactors(pixels, shaded, span.width, *factors_, blendColor_);
+  NarrowRow(target_.Format(), pixels, span.width, row, x);
+}
+
+bool Blender::DrawByPixman(const Box& box, const PixmanSource& s, bool opaque) {
+  const std::optional<Kernels::Operator> simple = Operator(opaque);
+  const std::optional<pixman_op_t> op = !simple                    ? PixmanOperator(*factors_)
+                                        : *simple == Kernels::Over ? PIXMAN_OP_OVER
+                                                                   : PIXMAN_OP_SRC;
+  // An A8 source is white of that alpha for us, black for Pixman. As a mask it is the same to both.
+  const bool whiteSource = s.source && s.source->Format() == VuPixelFormat::A8;
+  const bool tinted = s.source && !whiteSource && s.color != 0xFFFFFFFFu;
+  if (!op || tinted || (whiteSource && s.mask)) return false;
+
+  const ImagePtr solid = s.source && !whiteSource ? nullptr : SolidImage(s.color);
+  pixman_image_t* const image = solid ? solid.get() : s.source->Image();
+  const PixelBuffer* const mask = whiteSource ? s.source : s.mask;
+  pixman_image_t* const maskImage = mask ? mask->Image() : nullptr;
+  pixman_image_t* const target = target_.Image();
+  if (!image || !target || (mask && !maskImage)) return false;
+  const int maskX = whiteSource ? s.sourceX : s.maskX, maskY = whiteSource ? s.sourceY : s.maskY;
+  pixman_image_composite32(*op, image, maskImage, target, s.sourceX, s.sourceY, maskX, maskY,
+                           box.x0, box.y0, box.Width(), box.Height());
+  target_.RestoreOpaqueBits(box);
+  return true;
+}
+
+}  // namespace ZIRK::backends

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <pixman.h>
+
+#include <optional>
+
+#include "common/surfacestate.h"
+#include "software/kernels.h"
+#include "software/pixelbuffer.h"
+
+namespace ZIRK::backends {
+
+/// source * factor + destination * factor, per channel, on `count` premultiplied pixels.
+/// `blendColor` is premultiplied.
+void BlendByFactors(uint32_t* dst, const uint32_t* src, int count, const BlendFactors& factors,
+                    uint32_t blendColor);
+
+/// Puts shaded pixels onto a surface as its state says.
+///
+/// Where a source is said to be opaque, it is so in every pixel, and covers every pixel wholly.
+class Blender {
+ public:
+  explicit Blender(PixelBuffer& target) : target_(target), kernels_(BestKernels()) {}
+
+  /// Takes the blending function from `state`. Comes before everything else.
+  void Update(const SurfaceState& state);
+
+  /// The operator that does, where one does.
+  std::optional<Kernels::Operator> Operator(bool opaque) const {
+    return factors_ ? std::nullopt : std::optional(Simplified(opaque));
+  }
+
+  /// Whether Draw() works on the target's own pixels, any number of rows at a time.
+  bool IsDirect() const { return !factors_ && target_.Is32Bit(); }
+
+  /// Draws `shading` on the pixels of `box`, which lie on the target. Of `shading` only the source
+  /// (pixels, colour, coverage) is looked at; the rest is filled in. Colour alone draws a flat
+  /// colour; with source pixels it is multiplied with them.
+  void Draw(const Box& box, PixelSpan& shading, bool opaque);
+
+  /// The same by Pixman, which has fast paths for narrow formats and for the usual operators:
+  /// `source` pixels from (sourceX, sourceY) on, or `color` where there are none, through an A8
+  /// `mask` from (maskX, maskY) on where there is one. False if that cannot be said in its terms.
+  struct PixmanSource {
+    const PixelBuffer* source = nullptr;
+    int sourceX = 0, sourceY = 0;
+    uint32_t color = 0xFFFFFFFFu;
+    const PixelBuffer* mask = nullptr;
+    int maskX = 0, maskY = 0;
+  };
+  bool DrawByPixman(const Box& box, const PixmanSource& source, bool opaque);
+
+ private:
+  Kernels::Operator Simplified(bool opaque) const { return opaque ? Kernels::Source : operator_; }
+  void Run(const PixelSpan& span, Kernels::Operator op) const;
+  void DrawIndirect(int x, int y, PixelSpan span, bool opaque);
+
+  PixelBuffer& target_;
+  const Kernels& kernels_;
+  Kernels::Operator operator_ = Kernels::Source;
+  std::optional<BlendFactors> factors_;  ///< Set where neither operator will do.
+  uint32_t blendColor_ = 0;
+};
+
+}  // namespace ZIRK::backends

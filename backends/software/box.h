@@ -1,0 +1,46 @@
+#pragma once
+
+#include <zirk/vurect.h>
+
+#include <algorithm>
+#include <cstdint>
+
+namespace ZIRK::backends {
+
+/// Whole pixels from (x0, y0) up to, not including, (x1, y1).
+struct Box {
+  int x0 = 0, y0 = 0, x1 = 0, y1 = 0;
+
+  bool IsEmpty() const { return x0 >= x1 || y0 >= y1; }
+  int Width() const { return x1 - x0; }
+  int Height() const { return y1 - y0; }
+
+  bool Contains(const Box& b) const { return x0 <= b.x0 && y0 <= b.y0 && b.x1 <= x1 && b.y1 <= y1; }
+  bool Contains(int x, int y) const { return x0 <= x && x < x1 && y0 <= y && y < y1; }
+
+  bool operator==(const Box& b) const {
+    return x0 == b.x0 && y0 == b.y0 && x1 == b.x1 && y1 == b.y1;
+  }
+};
+
+inline Box Intersection(const Box& a, const Box& b) {
+  return {std::max(a.x0, b.x0), std::max(a.y0, b.y0), std::min(a.x1, b.x1), std::min(a.y1, b.y1)};
+}
+
+/// The smallest box around both; an empty one does not count.
+inline Box Union(const Box& a, const Box& b) {
+  if (a.IsEmpty()) return b;
+  if (b.IsEmpty()) return a;
+  return {std::min(a.x0, b.x0), std::min(a.y0, b.y0), std::max(a.x1, b.x1), std::max(a.y1, b.y1)};
+}
+
+/// `r` cut to what an int holds; empty if `r` is.
+inline Box ToBox(const VuRect& r) {
+  if (r.width <= 0 || r.height <= 0) return {};
+  const auto end = [](int32_t start, int32_t extent) {
+    return static_cast<int>(std::min<int64_t>(int64_t{start} + extent, INT32_MAX));
+  };
+  return {r.x, r.y, end(r.x, r.width), end(r.y, r.height)};
+}
+
+}  // namespace ZIRK::backends

@@ -1,0 +1,488 @@
+// Compiled once for the base instruction set and again for each better one (CMakeLists.txt).
+// Nothing here may instantiate an inline function that another file also uses: the linker would
+// keep one copy of it, perhaps the one for a processor that is not there. So: no standard library.
+
+#include "kernels.h"
+
+#if defined(__AVX2__)
+#include <immintrin.h>
+#endif
+
+#ifndef ZIRK_KERNELS
+#error "ZIRK_KERNELS names the table that this build defines"
+#endif
+
+namespace ZIRK::backends {
+
+namespace {
+
+// As many pixels as a vector has room for, and their channels in pairs: red and blue, or alpha and
+// green, in 16-bit lanes.
+#if defined(__AVX512BW__)
+constexpr int kLanes = 16;
+#else
+constexpr int kLanes = 8;
+#endif
+using Pixels = uint32_t __attribute__((vector_size(4 * kLanes)));
+using Integers = int32_t __attribute__((vector_size(4 * kLanes)));
+using Channels = uint16_t __attribute__((vector_size(4 * kLanes)));
+using Bytes = uint8_t __attribute__((vector_size(4 * kLanes)));
+using Pairs = uint64_t __attribute__((vector_size(4 * kLanes)));
+using Coverage = uint8_t __attribute__((vector_size(kLanes)));
+
+#define ZIRK_INLINE inline __attribute__((always_inline))
+#define ZIRK_INLINE_LAMBDA __attribute__((always_inline))
+
+constexpr uint32_t kLow = 0x00FF00FFu;
+
+ZIRK_INLINE void Load(Pixels& v, const uint32_t* p) {
+  __builtin_memcpy(&v, p, sizeof v);
+}
+ZIRK_INLINE void Store(uint32_t* p, const Pixels& v) {
+  __builtin_memcpy(p, &v, sizeof v);
+}
+
+ZIRK_INLINE Pixels Splat(uint32_t c) {
+  return Pixels{} + c;
+}
+
+/// 0, 1, 2 and so on.
+ZIRK_INLINE Pixels Indices() {
+  Pixels index;
+  for (uint32_t i = 0; i < kLanes; ++i) index[i] = i;
+  return index;
+}
+
+/// All bits of the first `n` lanes.
+ZIRK_INLINE Pixels FirstLanes(int n) {
+  return (Pixels)(Indices() < static_cast<uint32_t>(n));
+}
+
+// --- What the compiler does not find by itself ---------------------------------------------------
+
+/// Each lane, a product of two channels, divided by 255 and rounded.
+ZIRK_INLINE Channels DivideBy255(Channels t) {
+#if defined(__AVX512BW__)
+  return (Channels)_mm512_mulhi_epu16((__m512i)(t + 128), _mm512_set1_epi16(257));
+#elif defined(__AVX2__)
+  return (Channels)_mm256_mulhi_epu16((__m256i)(t + 128), _mm256_set1_epi16(257));
+#else
+  t += 128;
+  return (t + (t >> 8)) >> 8;
+#endif
+}
+
+ZIRK_INLINE Pixels AddClamped(Pixels a, Pixels b) {
+#if defined(__AVX512BW__)
+  return (Pixels)_mm512_adds_epu8((__m512i)a, (__m512i)b);
+#elif defined(__AVX2__)
+  return (Pixels)_mm256_adds_epu8((__m256i)a, (__m256i)b);
+#else
+  const Bytes sum = (Bytes)a + (Bytes)b;
+  return (Pixels)(sum | (Bytes)(sum < (Bytes)a));
+#endif
+}
+
+/// Each pixel's alpha, in both 16-bit halves.
+ZIRK_INLINE Pixels Alphas(Pixels p) {
+#if defined(__AVX512BW__)
+  return (Pixels)_mm512_shuffle_epi8(
+      (__m512i)p, _mm512_set4_epi32(-0x7FF07FF1, -0x7FF47FF5, -0x7FF87FF9, -0x7FFC7FFD));
+#elif defined(__AVX2__)
+  return (Pixels)_mm256_shuffle_epi8(
+      (__m256i)p, _mm256_setr_epi32(-0x7FFC7FFD, -0x7FF87FF9, -0x7FF47FF5, -0x7FF07FF1, -0x7FFC7FFD,
+                                    -0x7FF87FF9, -0x7FF47FF5, -0x7FF07FF1));
+#else
+  const Pixels a = p >> 24;
+  return a | (a << 16);
+#endif
+}
+
+/// The first `n` pixels, fewer than a vector has; the others are transparent.
+ZIRK_INLINE Pixels LoadSome(const uint32_t* p, int n) {
+#if defined(__AVX512BW__)
+  return (Pixels)_mm512_maskz_loadu_epi32(static_cast<__mmask16>((1u << n) - 1), p);
+#elif defined(__AVX2__)
+  return (Pixels)_mm256_maskload_epi32(reinterpret_cast<const int*>(p), (__m256i)FirstLanes(n));
+#else
+  Pixels v = {};
+  for (int i = 0; i < n; ++i) v[i] = p[i];
+  return v;
+#endif
+}
+
+ZIRK_INLINE void StoreSome(uint32_t* p, Pixels v, int n) {
+#if defined(__AVX512BW__)
+  _mm512_mask_storeu_epi32(p, static_cast<__mmask16>((1u << n) - 1), (__m512i)v);
+#elif defined(__AVX2__)
+  _mm256_maskstore_epi32(reinterpret_cast<int*>(p), (__m256i)FirstLanes(n), (__m256i)v);
+#else
+  for (int i = 0; i < n; ++i) p[i] = v[i];
+#endif
+}
+
+/// The pixels at some offsets.
+ZIRK_INLINE Pixels Gather(const uint32_t* p, Integers at) {
+#if defined(__AVX512BW__)
+  return (Pixels)_mm512_i32gather_epi32((__m512i)at, p, 4);
+#elif defined(__AVX2__)
+  return (Pixels)_mm256_i32gather_epi32(reinterpret_cast<const int*>(p), (__m256i)at, 4);
+#else
+  Pixels v = {};
+  for (int i = 0; i < kLanes; ++i) v[i] = p[at[i]];
+  return v;
+#endif
+}
+
+ZIRK_INLINE Pixels Widen(Coverage c) {
+#if defined(__AVX512BW__)
+  return (Pixels)_mm512_cvtepu8_epi32((__m128i)c);
+#elif defined(__AVX2__)
+  return (Pixels)_mm256_cvtepu8_epi32(_mm_cvtsi64_si128((long long)c));
+#else
+  return __builtin_convertvector(c, Pixels);
+#endif
+}
+
+ZIRK_INLINE bool IsZero(Pixels v) {
+#if defined(__AVX512BW__)
+  return _mm512_test_epi32_mask((__m512i)v, (__m512i)v) == 0;
+#elif defined(__AVX2__)
+  return _mm256_testz_si256((__m256i)v, (__m256i)v);
+#else
+  uint32_t any = 0;
+  for (int i = 0; i < kLanes; ++i) any |= v[i];
+  return any == 0;
+#endif
+}
+
+// -------------------------------------------------------------------------------------------------
+
+ZIRK_INLINE Pixels LowPair(Pixels p) {
+  return p & kLow;
+}
+ZIRK_INLINE Pixels HighPair(Pixels p) {
+  return (Pixels)((Channels)p >> 8);
+}
+ZIRK_INLINE Pixels JoinPairs(Pixels low, Pixels high) {
+  return low | (Pixels)((Channels)high << 8);
+}
+
+/// Both channels of each pair of `a` times those of `b`, divided by 255.
+ZIRK_INLINE Pixels MultiplyPairs(Pixels a, Pixels b) {
+  return (Pixels)DivideBy255((Channels)a * (Channels)b);
+}
+
+/// Each channel of `p` times the 0 to 255 in `factor`, which has it in both 16-bit halves.
+ZIRK_INLINE Pixels Scale(Pixels p, Pixels factor) {
+  return JoinPairs(MultiplyPairs(LowPair(p), factor), MultiplyPairs(HighPair(p), factor));
+}
+
+/// Each channel of `p` times the same channel of `q`.
+ZIRK_INLINE Pixels Multiply(Pixels p, Pixels q) {
+  return JoinPairs(MultiplyPairs(LowPair(p), LowPair(q)), MultiplyPairs(HighPair(p), HighPair(q)));
+}
+
+ZIRK_INLINE Pixels BothHalves(Pixels v) {
+  return v | (v << 16);
+}
+
+ZIRK_INLINE Pixels BlendOver(Pixels s, Pixels d) {
+  return AddClamped(s, Scale(d, Alphas(s) ^ kLow));
+}
+
+/// A whole vector of pixels, or the `n` that are left of a row.
+ZIRK_INLINE Pixels LoadUpTo(const uint32_t* p, int n) {
+  if (n < kLanes) return LoadSome(p, n);
+  Pixels v;
+  Load(v, p);
+  return v;
+}
+
+ZIRK_INLINE void StoreUpTo(uint32_t* p, const Pixels& v, int n) {
+  if (n < kLanes) return StoreSome(p, v, n);
+  Store(p, v);
+}
+
+ZIRK_INLINE Pixels LoadCoverageUpTo(const uint8_t* p, int n) {
+  Coverage c = {};
+  if (n >= kLanes)
+    __builtin_memcpy(&c, p, sizeof c);
+  else
+    for (int i = 0; i < n; ++i) c[i] = p[i];
+  return BothHalves(Widen(c));
+}
+
+/// How a row is cut up: whole vectors lie between `head` and `tail`.
+struct Columns {
+  int head, tail;
+};
+
+/// Where memory is only written, the vectors start on their own boundaries: stores that straddle
+/// two cache lines are what such a loop spends its time on.
+ZIRK_INLINE Columns ColumnsOf(const PixelSpan& s, bool aligned) {
+  int head = 0;
+  if (aligned && s.width >= 3 * kLanes) {
+    const auto past = reinterpret_cast<uintptr_t>(s.dst) % sizeof(Pixels) / sizeof(uint32_t);
+    head = (kLanes - static_cast<int>(past)) % kLanes;
+  }
+  return {head, head + (s.width - head) / kLanes * kLanes};
+}
+
+/// A vector of the row, or what is left of it.
+template <bool kOver, bool kCovered>
+ZIRK_INLINE void FillSome(const PixelSpan& s, Pixels color, Pixels inverse, uint32_t* dst,
+                          const uint8_t* coverage, int n) {
+  Pixels shade = color;
+  if constexpr (kCovered) {
+    const Pixels covered = LoadCoverageUpTo(coverage, n);
+    if (kOver && IsZero(covered)) return;
+    shade = Scale(color, covered);
+    if constexpr (!kOver) shade |= s.opaque;
+    if constexpr (kOver) inverse = Alphas(shade) ^ kLow;
+  }
+  if constexpr (kOver) shade = AddClamped(shade, Scale(LoadUpTo(dst, n), inverse));
+  StoreUpTo(dst, shade, n);
+}
+
+template <bool kOver, bool kCovered>
+void Fill(const PixelSpan& span) {
+  const PixelSpan s = span;  // a copy, which no store can reach
+  const Pixels color = Splat(kOver || kCovered ? s.color : s.color | s.opaque);
+  const Pixels inverse = Alphas(color) ^ kLow;
+  const Columns columns = ColumnsOf(s, !kOver && !kCovered);
+  for (int y = 0; y < s.height; ++y) {
+    uint32_t* dst = s.dst + y * s.dstPitch;
+    const uint8_t* coverage = kCovered ? s.coverage + y * s.coveragePitch : nullptr;
+    const auto some = [&](int x, int n) ZIRK_INLINE_LAMBDA {
+      FillSome<kOver, kCovered>(s, color, inverse, dst + x, kCovered ? coverage + x : nullptr, n);
+    };
+    if (columns.head > 0) some(0, columns.head);
+    int x = columns.head;
+    for (; x < columns.tail; x += kLanes) some(x, kLanes);
+    if (x < s.width) some(x, s.width - columns.tail);
+  }
+}
+
+template <bool kOver, bool kTinted, bool kCovered>
+ZIRK_INLINE void BlitSome(const PixelSpan& s, Pixels color, const uint32_t* src, uint32_t* dst,
+                          const uint8_t* coverage, int n) {
+  Pixels p = LoadUpTo(src, n);
+  // Sprites have transparent margins, which cost less than the rest.
+  if (kOver && !kTinted && IsZero(p)) return;
+  if constexpr (kTinted) p = Multiply(p, color);
+  if constexpr (kCovered) p = Scale(p, LoadCoverageUpTo(coverage, n));
+  if constexpr (kOver)
+    p = BlendOver(p, LoadUpTo(dst, n));
+  else
+    p |= s.opaque;
+  StoreUpTo(dst, p, n);
+}
+
+template <bool kOver, bool kTinted, bool kCovered>
+void Blit(const PixelSpan& span) {
+  const PixelSpan s = span;  // a copy, which no store can reach
+  const Pixels color = Splat(s.color);
+  const Columns columns = ColumnsOf(s, !kOver && !kTinted && !kCovered);
+  for (int y = 0; y < s.height; ++y) {
+    uint32_t* dst = s.dst + y * s.dstPitch;
+    const uint32_t* src = s.src + y * s.srcPitch;
+    const uint8_t* coverage = kCovered ? s.coverage + y * s.coveragePitch : nullptr;
+    const auto some = [&](int x, int n) ZIRK_INLINE_LAMBDA {
+      BlitSome<kOver, kTinted, kCovered>(s, color, src + x, dst + x,
+                                         kCovered ? coverage + x : nullptr, n);
+    };
+    if (columns.head > 0) some(0, columns.head);
+    int x = columns.head;
+    for (; x < columns.tail; x += kLanes) some(x, kLanes);
+    if (x < s.width) some(x, s.width - columns.tail);
+  }
+}
+
+ZIRK_INLINE int Clamp(int v, int low, int high) {
+  return v < low ? low : v > high ? high : v;
+}
+ZIRK_INLINE Integers Clamp(Integers v, int low, int high) {
+  const Integers raised = v < low ? Integers{} + low : v;
+  return raised > high ? Integers{} + high : raised;
+}
+
+void SampleNearest(const SampleRow& s, uint32_t* out, int count) {
+  uint32_t x = static_cast<uint32_t>(s.x);
+  uint32_t y = static_cast<uint32_t>(s.y);
+  for (int i = 0; i < count; ++i) {
+    const int px = Clamp(static_cast<int32_t>(x) >> 16, s.minX, s.maxX);
+    const int py = Clamp(static_cast<int32_t>(y) >> 16, s.minY, s.maxY);
+    out[i] = s.pixels[py * s.pitch + px];
+    x += static_cast<uint32_t>(s.stepX);
+    y += static_cast<uint32_t>(s.stepY);
+  }
+}
+
+/// a + (b - a) * w / 256 in each channel of a pair; `w` has the weight in both halves.
+ZIRK_INLINE Pixels MixPairs(Pixels a, Pixels b, Pixels w) {
+  const Channels wb = (Channels)w;
+  return (Pixels)(((Channels)a * (256 - wb) + (Channels)b * wb + 128) >> 8);
+}
+
+ZIRK_INLINE Pixels Mix(Pixels a, Pixels b, Pixels w) {
+  return JoinPairs(MixPairs(LowPair(a), LowPair(b), w), MixPairs(HighPair(a), HighPair(b), w));
+}
+
+/// Groups of four neighbouring pixels.
+struct Neighbours {
+  Pixels topLeft, topRight, bottomLeft, bottomRight;
+};
+
+ZIRK_INLINE Pixels Mix(const Neighbours& n, Pixels wx, Pixels wy) {
+  const Pixels low = MixPairs(MixPairs(LowPair(n.topLeft), LowPair(n.topRight), wx),
+                              MixPairs(LowPair(n.bottomLeft), LowPair(n.bottomRight), wx), wy);
+  const Pixels high = MixPairs(MixPairs(HighPair(n.topLeft), HighPair(n.topRight), wx),
+                               MixPairs(HighPair(n.bottomLeft), HighPair(n.bottomRight), wx), wy);
+  return JoinPairs(low, high);
+}
+
+/// Positions along a row, 16.16 fixed point.
+struct Positions {
+  uint32_t start;
+  uint32_t step;
+
+  ZIRK_INLINE int Whole(int i) const {
+    return static_cast<int32_t>(start + static_cast<uint32_t>(i) * step) >> 16;
+  }
+  /// A vector of them, from position `i` on.
+  ZIRK_INLINE Pixels From(int i) const {
+    return start + (Indices() + static_cast<uint32_t>(i)) * step;
+  }
+};
+
+ZIRK_INLINE Integers Whole(Pixels positions) {
+  return (Integers)positions >> 16;
+}
+
+/// The weights of positions, each in both halves.
+ZIRK_INLINE Pixels Weights(Pixels positions) {
+  return BothHalves((positions >> 8) & 0xFF);
+}
+
+/// The pixels at some offsets, and those to their right.
+ZIRK_INLINE void LoadPairs(const uint32_t* p, Integers at, Pixels& left, Pixels& right) {
+  Pairs low, high;
+#if defined(__AVX512BW__)
+  low = (Pairs)_mm512_i32gather_epi64(_mm512_castsi512_si256((__m512i)at), p, 4);
+  high = (Pairs)_mm512_i32gather_epi64(_mm512_extracti64x4_epi64((__m512i)at, 1), p, 4);
+#elif defined(__AVX2__)
+  const auto* pairs = reinterpret_cast<const long long*>(p);
+  low = (Pairs)_mm256_i32gather_epi64(pairs, _mm256_castsi256_si128((__m256i)at), 4);
+  high = (Pairs)_mm256_i32gather_epi64(pairs, _mm256_extracti128_si256((__m256i)at, 1), 4);
+#else
+  for (int i = 0; i < kLanes / 2; ++i) {
+    uint64_t pair;
+    __builtin_memcpy(&pair, p + at[i], sizeof pair);
+    low[i] = pair;
+    __builtin_memcpy(&pair, p + at[i + kLanes / 2], sizeof pair);
+    high[i] = pair;
+  }
+#endif
+  const Pixels even = Indices() * 2, odd = even + 1;
+  constexpr bool kLittleEndian = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__;
+  left = __builtin_shuffle((Pixels)low, (Pixels)high, kLittleEndian ? even : odd);
+  right = __builtin_shuffle((Pixels)low, (Pixels)high, kLittleEndian ? odd : even);
+}
+
+/// Some of the neighbours may lie beyond the limits.
+ZIRK_INLINE void LoadClamped(const SampleRow& s, Integers x, Integers y, Neighbours& n) {
+  const auto pitch = static_cast<int32_t>(s.pitch);
+  const Integers left = Clamp(x, s.minX, s.maxX), right = Clamp(x + 1, s.minX, s.maxX);
+  const Integers top = Clamp(y, s.minY, s.maxY) * pitch;
+  const Integers bottom = Clamp(y + 1, s.minY, s.maxY) * pitch;
+  n.topLeft = Gather(s.pixels, top + left);
+  n.topRight = Gather(s.pixels, top + right);
+  n.bottomLeft = Gather(s.pixels, bottom + left);
+  n.bottomRight = Gather(s.pixels, bottom + right);
+}
+
+void SampleSlanted(const SampleRow& s, Positions px, Positions py, uint32_t* out, int count) {
+  // A row is a straight line: if its ends have all their neighbours inside the limits, all have.
+  const auto inside = [&](int i) {
+    const int x = px.Whole(i), y = py.Whole(i);
+    return x >= s.minX && x < s.maxX && y >= s.minY && y < s.maxY;
+  };
+  for (int i = 0; i < count; i += kLanes) {
+    const Pixels x = px.From(i), y = py.From(i);
+    Neighbours n;
+    if (inside(i) && inside(i + kLanes - 1)) {
+      const Integers at = Whole(y) * static_cast<int32_t>(s.pitch) + Whole(x);
+      LoadPairs(s.pixels, at, n.topLeft, n.topRight);
+      LoadPairs(s.pixels + s.pitch, at, n.bottomLeft, n.bottomRight);
+    } else {
+      LoadClamped(s, Whole(x), Whole(y), n);
+    }
+    StoreUpTo(out + i, Mix(n, Weights(x), Weights(y)), count - i);
+  }
+}
+
+/// Source pixels that an enlarged row can need.
+constexpr int kEnlargedColumns = kSampleLimit + 2 + kLanes;
+
+/// Columns `first` to `first + count` of two rows, mixed. Beyond the limits the last column goes
+/// on.
+ZIRK_INLINE void MixRows(const SampleRow& s, int y, Pixels weight, int first, int count,
+                         uint32_t* out) {
+  const uint32_t* top = s.pixels + Clamp(y, s.minY, s.maxY) * s.pitch;
+  const uint32_t* bottom = s.pixels + Clamp(y + 1, s.minY, s.maxY) * s.pitch;
+  // Columns inside the limits, or else the one that is nearest to them.
+  const int begin = Clamp(s.minX - first, 0, count - 1);
+  const int end = Clamp(s.maxX + 1 - first, begin + 1, count);
+  const int column = Clamp(first + begin, s.minX, s.maxX) - begin;
+  for (int i = begin; i < end; i += kLanes)
+    StoreUpTo(
+        out + i,
+        Mix(LoadUpTo(top + column + i, end - i), LoadUpTo(bottom + column + i, end - i), weight),
+        end - i);
+  for (int i = 0; i < begin; ++i) out[i] = out[begin];
+  for (int i = end; i < count; ++i) out[i] = out[end - 1];
+}
+
+/// A row that runs along one of the image's, enlarged: the two rows are mixed once, and then
+/// neighbours within.
+void SampleEnlarged(const SampleRow& s, Positions px, uint32_t* out, int count) {
+  uint32_t columns[kEnlargedColumns];
+  const int a = px.Whole(0), b = px.Whole(count - 1);
+  const int first = a < b ? a : b, last = a < b ? b : a;
+  MixRows(s, s.y >> 16, BothHalves(Splat(static_cast<uint32_t>(s.y) >> 8 & 0xFF)), first,
+          last - first + 2, columns);
+  for (int i = 0; i < count; i += kLanes) {
+    const Pixels x = px.From(i);
+    Pixels left, right;
+    // Positions beyond the row may lie beyond the columns.
+    LoadPairs(columns, Clamp(Whole(x) - first, 0, last - first), left, right);
+    StoreUpTo(out + i, Mix(left, right, Weights(x)), count - i);
+  }
+}
+
+void SampleBilinear(const SampleRow& s, uint32_t* out, int count) {
+  const Positions px = {static_cast<uint32_t>(s.x), static_cast<uint32_t>(s.stepX)};
+  const Positions py = {static_cast<uint32_t>(s.y), static_cast<uint32_t>(s.stepY)};
+  const bool enlarged = s.stepX <= 65536 && s.stepX >= -65536;
+  if (s.stepY == 0 && enlarged && count <= kSampleLimit)
+    SampleEnlarged(s, px, out, count);
+  else
+    SampleSlanted(s, px, py, out, count);
+}
+
+}  // namespace
+
+extern const Kernels ZIRK_KERNELS;
+
+const Kernels ZIRK_KERNELS = {
+    {{Fill<false, false>, Fill<false, true>}, {Fill<true, false>, Fill<true, true>}},
+    {{{Blit<false, false, false>, Blit<false, false, true>},
+      {Blit<false, true, false>, Blit<false, true, true>}},
+     {{Blit<true, false, false>, Blit<true, false, true>},
+      {Blit<true, true, false>, Blit<true, true, true>}}},
+    SampleNearest,
+    SampleBilinear,
+};
+
+}  // namespace ZIRK::backends

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+/// The inner loops on 32-bit premultiplied pixels (0xAARRGGBB), for whole rectangles at a time:
+/// small operations are the common ones, and each call costs more than a few pixels.
+///
+/// Pitches count elements, not bytes. Products are rounded to nearest, sums are clamped.
+
+namespace ZIRK::backends {
+
+/// A rectangle of destination pixels and what is drawn on it. Unused fields are ignored.
+struct PixelSpan {
+  uint32_t* dst;
+  ptrdiff_t dstPitch;
+  int width;
+  int height;
+  const uint32_t* src = nullptr;  ///< A pixel for each of the destination's.
+  ptrdiff_t srcPitch = 0;
+  uint32_t color = 0;                 ///< Colour drawn, or multiplied with each source pixel.
+  const uint8_t* coverage = nullptr;  ///< 0 to 255 for each pixel.
+  ptrdiff_t coveragePitch = 0;
+  uint32_t opaque = 0;  ///< 0xFF000000 for a destination without alpha, else 0.
+};
+
+/// Where a row of pixels is read from an image: 16.16 fixed point positions in pixels, `x` and `y`
+/// of the first and the steps from one to the next. Bilinear positions are those of the top-left
+/// of the four pixels. Positions beyond the limits read the nearest pixel inside.
+struct SampleRow {
+  const uint32_t* pixels;
+  ptrdiff_t pitch;
+  int minX, minY, maxX, maxY;  ///< Inclusive.
+  int32_t x, y, stepX, stepY;
+};
+
+/// Most pixels of a row that are sampled at a time.
+constexpr int kSampleLimit = 256;
+
+/// One build of the loops for one instruction set.
+struct Kernels {
+  using SpanKernel = void (*)(const PixelSpan&);
+  using SampleKernel = void (*)(const SampleRow&, uint32_t* out, int count);
+
+  /// Replace (`Source`) or blend by source + destination * (1 - source alpha) (`Over`).
+  enum Operator { Source = 0, Over = 1 };
+
+  /// One colour, without and with coverage: [operator][has coverage].
+  SpanKernel fill[2][2];
+  /// Source pixels: [operator][multiplied by the colour][has coverage].
+  SpanKernel blit[2][2][2];
+
+  SampleKernel sampleNearest;
+  SampleKernel sampleBilinear;
+};
+
+/// The fastest build that this processor runs.
+const Kernels& BestKernels();
+
+/// Every build that this processor runs, for tests; ends with null.
+const Kernels* const* RunnableKernels();
+
+}  // namespace ZIRK::backends

@@ -1,0 +1,213 @@
+#include "software/painter.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "common/pixelmath.h"
+#include "software/coverage.h"
+#include "software/pixelrows.h"
+
+namespace ZIRK::backends {
+
+namespace {
+
+bool IsOpaque(uint32_t color) {
+  return color >> 24 == 255;
+}
+
+}  // namespace
+
+Painter::Painter(PixelBuffer& target, const SurfaceState& state)
+    : target_(target), state_(state), blender_(target), revision_(state.revision - 1) {}
+
+void Painter::Refresh() {
+  if (revision_ == state_.revision) return;
+  revision_ = state_.revision;
+  blender_.Update(state_);
+  clip_ = Intersection(ToBox(state_.clip), target_.Bounds());
+}
+
+void Painter::DrawRect(const Extent& rect, VuColor color, const MatrixF& m,
+                       const OptionalMask& mask) {
+  Refresh();
+  if (!mask)
+    if (const std::optional<Box> box = PlaceUpright(rect, m))
+      return PaintBox(*box, nullptr, Premultiply(color));
+  const std::optional<Placement> placement = Place(rect, m, Edges::OnWholePixels);
+  if (placement) Paint(*placement, *placement, nullptr, Premultiply(color), mask);
+}
+
+void Painter::DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m,
+                        const OptionalMask& mask) {
+  Refresh();
+  const double side = static_cast<double>(size);
+  const Extent square = {p.x + 0.5 - side / 2, p.y + 0.5 - side / 2, side, side};
+  const std::optional<Placement> placement = Place(square, m, Edges::OnWholePixels);
+  if (!placement) return;
+  uint32_t shade = Premultiply(color);
+  if (mask) {
+    const Point at = {static_cast<double>(mask->coords->x()),
+                      static_cast<double>(mask->coords->y())};
+    shade = ScalePixel(shade, MaskPoints(mask->mask).AlphaAt(at));
+  }
+  Paint(*placement, *placement, nullptr, shade, std::nullopt);
+}
+
+void Painter::DrawObject(const Extent& dst, const Operand& src, const Extent& srcRect, Edges edges,
+                         const MatrixF& m, VuColor color, const OptionalMask& mask) {
+  Refresh();
+  if (!(srcRect.width > 0 && srcRect.height > 0)) return;
+  if (edges == Edges::OnWholePixels && !mask && DrawUnscaled(dst, src, srcRect, m, color)) return;
+  const std::optional<Placement> whole = Place(dst, m, edges);
+  const Extent visible = Cut(srcRect, src.pixels->Bounds());
+  if (!whole || !(visible.width > 0 && visible.height > 0)) return;
+
+  const auto u = [&](double x) { return (x - srcRect.x) / srcRect.width; };
+  const auto v = [&](double y) { return (y - srcRect.y) / srcRect.height; };
+  const Placement part = whole->Part(u(visible.x), v(visible.y), u(visible.x + visible.width),
+                                     v(visible.y + visible.height));
+  const Affine toSource = {{srcRect.x, srcRect.y}, {srcRect.width, 0}, {0, srcRect.height}};
+  const Texture texture(*src.pixels, Around(visible), src.scaleMode,
+                        Compose(toSource, whole->toUnit), Visible(part.box));
+  Paint(part, *whole, &texture, Premultiply(color), mask);
+}
+
+/// Whether the source needs no resampling; then it has been drawn.
+bool Painter::DrawUnscaled(const Extent& dst, const Operand& src, const Extent& srcRect,
+                           const MatrixF& m, VuColor color) {
+  const std::optional<Box> box = PlaceUpright(dst, m);
+  if (!box || box->Width() != srcRect.width || box->Height() != srcRect.height) return false;
+  if (srcRect.x < 0 || srcRect.y < 0 || srcRect.x + srcRect.width > src.pixels->Width() ||
+      srcRect.y + srcRect.height > src.pixels->Height())
+    return false;
+  const Texture texture(*src.pixels, static_cast<int>(srcRect.x) - box->x0,
+                        static_cast<int>(srcRect.y) - box->y0);
+  PaintBox(*box, &texture, Premultiply(color));
+  return true;
+}
+
+/// Whole pixels of one colour, or of an aligned texture.
+void Painter::PaintBox(const Box& whole, const Texture* texture, uint32_t color) {
+  const Box box = Visible(whole);
+  if (box.IsEmpty()) return;
+  Touch(box);
+  const bool opaque = IsOpaque(color) && (!texture || texture->Pixels().IsOpaque());
+  if (PaintAligned(box, texture, color, nullptr, opaque)) return;
+  PaintRows(box, texture, color, nullptr);
+}
+
+/// Draws `placement`, a part of `whole`, over which the mask lies.
+void Painter::Paint(const Placement& placement, const Placement& whole, const Texture* texture,
+                    uint32_t color, const OptionalMask& maskArgument) {
+  const Box box = Visible(placement.box);
+  if (box.IsEmpty()) return;
+  const std::optional<Mask> mask =
+      maskArgument ? Mask::Create(maskArgument->mask, maskArgument->coords, whole, box)
+                   : std::nullopt;
+  if (maskArgument && !mask) return;
+  Touch(box);
+  const Mask* const maskOrNull = mask ? &*mask : nullptr;
+  if (!placement.hardEdged) return PaintSlanted(placement, box, texture, color, maskOrNull);
+  const bool opaque = IsOpaque(color) && (!texture || texture->Pixels().IsOpaque()) && !mask;
+  if (PaintAligned(box, texture, color, maskOrNull, opaque)) return;
+  PaintRows(box, texture, color, maskOrNull);
+}
+
+/// All rows at once, where source and mask, if any, need no resampling.
+bool Painter::PaintAligned(const Box& box, const Texture* texture, uint32_t color, const Mask* mask,
+                           bool opaque) {
+  if ((texture && !texture->IsAligned()) || (mask && !mask->IsInPlace())) return false;
+  if (!blender_.IsDirect()) {
+    Blender::PixmanSource source;
+    source.color = color;
+    if (texture) {
+      source.source = &texture->Pixels();
+      source.sourceX = texture->AlignedX(box.x0);
+      source.sourceY = texture->AlignedY(box.y0);
+    }
+    if (mask) {
+      source.mask = &mask->Source().Pixels();
+      source.maskX = mask->Source().AlignedX(box.x0);
+      source.maskY = mask->Source().AlignedY(box.y0);
+    }
+    return blender_.DrawByPixman(box, source, opaque);
+  }
+  if (texture && !texture->Pixels().Is32Bit()) return false;
+  PixelSpan span = {};
+  span.color = color;
+  if (texture) {
+    span.src = texture->Row(box.x0, box.y0, box.Width(), nullptr);
+    span.srcPitch = texture->Pixels().Pitch32();
+  }
+  if (mask) {
+    span.coverage = mask->Row(box.x0, box.y0, box.Width(), nullptr);
+    span.coveragePitch = mask->Pitch();
+  }
+  blender_.Draw(box, span, opaque);
+  return true;
+}
+
+void Painter::PaintRows(const Box& box, const Texture* texture, uint32_t color, const Mask* mask) {
+  const QuadCoverage::Row row = {box.x0, box.x0, box.x1, box.x1};
+  for (int y = box.y0; y < box.y1; ++y) PaintRow(row, y, texture, color, mask, nullptr);
+}
+
+void Painter::PaintSlanted(const Placement& placement, const Box& box, const Texture* texture,
+                           uint32_t color, const Mask* mask) {
+  // In a short row the solid part is drawn with the edges: one operation costs less than three.
+  constexpr int kShort = 192;
+  QuadCoverage coverage(placement.corners, box, scratch_);
+  for (int y = box.y0; y < box.y1; ++y) {
+    QuadCoverage::Row row = coverage.Compute(y);
+    if (row.solidEnd - row.solidBegin < kShort) row.solidBegin = row.solidEnd = row.end;
+    PaintRow(row, y, texture, color, mask, &coverage);
+  }
+}
+
+/// The pixels of row `y` that a shape covers; without `coverage` all of them are solid.
+void Painter::PaintRow(const QuadCoverage::Row& row, int y, const Texture* texture, uint32_t color,
+                       const Mask* mask, const QuadCoverage* coverage) {
+  uint32_t scratch[kChunk];
+  for (int x0 = row.begin; x0 < row.end; x0 += kChunk) {
+    const int x1 = std::min(x0 + kChunk, row.end);
+    const uint32_t* const pixels = texture ? texture->Row(x0, y, x1 - x0, scratch) : nullptr;
+    const auto paint = [&](int begin, int end, bool solid) {
+      begin = std::max(begin, x0);
+      end = std::min(end, x1);
+      if (begin >= end) return;
+      PaintRun(begin, end, y, pixels ? pixels + (begin - x0) : nullptr, color, mask,
+               solid ? nullptr : coverage->Alpha(begin));
+    };
+    paint(row.begin, row.solidBegin, false);
+    paint(row.solidBegin, row.solidEnd, true);
+    paint(row.solidEnd, row.end, false);
+  }
+}
+
+/// At most kChunk pixels, from `x0` to `x1` of row `y`: those at `pixels`, or of one colour where
+/// there are none. `alpha` is the shape's coverage, null where it is whole.
+void Painter::PaintRun(int x0, int x1, int y, const uint32_t* pixels, uint32_t color,
+                       const Mask* mask, const uint8_t* alpha) {
+  // Pixels that are not covered at all stay as they are even where blending is off.
+  while (alpha && x0 < x1 && *alpha == 0) {
+    ++x0;
+    ++alpha;
+    if (pixels) ++pixels;
+  }
+  while (alpha && x0 < x1 && alpha[x1 - x0 - 1] == 0) --x1;
+  if (x0 >= x1) return;
+  PixelSpan span = {};
+  span.src = pixels;
+  span.color = color;
+  span.coverage = alpha;
+  uint8_t masked[kChunk];
+  if (mask) {
+    const uint8_t* row = mask->Row(x0, y, x1 - x0, masked);
+    for (int i = 0; alpha && i < x1 - x0; ++i)
+      masked[i] = static_cast<uint8_t>(MultiplyChannel(row[i], alpha[i]));
+    span.coverage = alpha ? masked : row;
+  }
+  blender_.Draw({x0, y, x1, y + 1}, span, false);
+}
+
+}  // namespace ZIRK::backends

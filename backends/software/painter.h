@@ -1,0 +1,81 @@
+#pragma once
+
+#include <zirk/vucolor.h>
+#include <zirk/vumatrix2d.h>
+#include <zirk/vupoint.h>
+
+#include <optional>
+#include <utility>
+
+#include "common/surfacestate.h"
+#include "software/blender.h"
+#include "software/coverage.h"
+#include "software/mask.h"
+#include "software/pixelbuffer.h"
+#include "software/placement.h"
+
+namespace ZIRK::backends {
+
+/// The drawing operations on pixels in memory. Sources and masks are not the target: who calls has
+/// made a copy if they were. May throw std::bad_alloc.
+class Painter {
+ public:
+  using MatrixF = VuTMatrix2D<float>;
+
+  /// A mask with its coordinates: as many as the primitive has, or null.
+  struct MaskArgument {
+    Operand mask;
+    const VuTVector2D<float>* coords;
+  };
+  using OptionalMask = std::optional<MaskArgument>;
+
+  /// Both live as long as the painter; operations go by what `state` is at the time.
+  Painter(PixelBuffer& target, const SurfaceState& state);
+
+  void DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m, const OptionalMask& mask);
+  void DrawLine(VuPoint from, VuPoint to, VuColor color, const MatrixF& m,
+                const OptionalMask& mask);
+  /// A rectangle of one colour, with its edges on whole pixels where it comes out axis-aligned.
+  void DrawRect(const Extent& rect, VuColor color, const MatrixF& m, const OptionalMask& mask);
+  /// The part `srcRect` of `src` in the place of `dst`.
+  void DrawObject(const Extent& dst, const Operand& src, const Extent& srcRect, Edges edges,
+                  const MatrixF& m, VuColor color, const OptionalMask& mask);
+
+  /// The pixels that may have changed since the last call.
+  Box TakeTouched() { return std::exchange(touched_, Box()); }
+  /// Counts pixels that somebody else changed.
+  void Touch(const Box& box) { touched_ = Union(touched_, box); }
+
+ private:
+  struct Segment;
+
+  bool DrawUnscaled(const Extent& dst, const Operand& src, const Extent& srcRect, const MatrixF& m,
+                    VuColor color);
+  void PaintBox(const Box& whole, const Texture* texture, uint32_t color);
+  void Paint(const Placement& placement, const Placement& whole, const Texture* texture,
+             uint32_t color, const OptionalMask& mask);
+  bool PaintAligned(const Box& box, const Texture* texture, uint32_t color, const Mask* mask,
+                    bool opaque);
+  void PaintRows(const Box& box, const Texture* texture, uint32_t color, const Mask* mask);
+  void PaintSlanted(const Placement& placement, const Box& box, const Texture* texture,
+                    uint32_t color, const Mask* mask);
+  void PaintRow(const QuadCoverage::Row& row, int y, const Texture* texture, uint32_t color,
+                const Mask* mask, const QuadCoverage* coverage);
+  void PaintRun(int x0, int x1, int y, const uint32_t* pixels, uint32_t color, const Mask* mask,
+                const uint8_t* alpha);
+  void DrawSlantedLine(const Segment& line, uint32_t color);
+  void DrawMaskedLine(const Segment& line, uint32_t color, const Operand& mask, Point first,
+                      Point last);
+  void Refresh();
+  Box Visible(const Box& box) const { return Intersection(box, clip_); }
+
+  PixelBuffer& target_;
+  const SurfaceState& state_;
+  Blender blender_;
+  Box clip_;
+  unsigned revision_;  ///< Of the state that blender and clip are up to.
+  Box touched_;
+  QuadCoverage::Scratch scratch_;
+};
+
+}  // namespace ZIRK::backends

@@ -1,0 +1,54 @@
+#include "software/pixelbuffer.h"
+
+#include <new>
+
+#include "common/surfaceformat.h"
+
+namespace ZIRK::backends {
+
+PixelBuffer::PixelBuffer(int width, int height, VuPixelFormat format)
+    : width_(width),
+      height_(height),
+      format_(format),
+      pitch_(RowPitch(width, format)),
+      data_(static_cast<uint8_t*>(
+          std::calloc(static_cast<size_t>(height), static_cast<size_t>(pitch_)))) {
+  if (!data_) throw std::bad_alloc();
+  RestoreOpaqueBits(Bounds());
+}
+
+void PixelBuffer::RestoreOpaqueBits(const Box& box) {
+  if (OpaqueBits() == 0) return;
+  for (int y = box.y0; y < box.y1; ++y) {
+    uint32_t* row = Row32(y);
+    for (int x = box.x0; x < box.x1; ++x) row[x] |= 0xFF000000u;
+  }
+}
+
+pixman_image_t* PixelBuffer::Image() const {
+  if (!image_)
+    image_.reset(pixman_image_create_bits_no_clear(
+        PixmanFormat(format_), width_, height_,
+        reinterpret_cast<uint32_t*>(const_cast<uint8_t*>(Row(0))), pitch_));
+  return image_.get();
+}
+
+pixman_format_code_t PixmanFormat(VuPixelFormat format) {
+  switch (format) {
+    case VuPixelFormat::ARGB8888:
+      return PIXMAN_a8r8g8b8;
+    case VuPixelFormat::XRGB8888:
+      return PIXMAN_x8r8g8b8;
+    case VuPixelFormat::RGB565:
+      return PIXMAN_r5g6b5;
+    case VuPixelFormat::ARGB4444:
+      return PIXMAN_a4r4g4b4;
+    case VuPixelFormat::ARGB1555:
+      return PIXMAN_a1r5g5b5;
+    case VuPixelFormat::A8:
+      break;
+  }
+  return PIXMAN_a8;
+}
+
+}  // namespace ZIRK::backends

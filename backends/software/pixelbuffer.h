@@ -1,0 +1,67 @@
+#pragma once
+
+#include <pixman.h>
+#include <zirk/vuenums.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+
+#include "software/box.h"
+
+namespace ZIRK::backends {
+
+/// The pixels of a surface in memory, premultiplied. The X byte of XRGB8888 is always 255, so that
+/// its pixels are also opaque ARGB8888 ones.
+class PixelBuffer {
+ public:
+  /// Transparent, or black where there is no alpha. Expects a size and format that a surface can
+  /// have; throws std::bad_alloc.
+  PixelBuffer(int width, int height, VuPixelFormat format);
+
+  int Width() const { return width_; }
+  int Height() const { return height_; }
+  int Pitch() const { return pitch_; }  ///< Bytes.
+  VuPixelFormat Format() const { return format_; }
+  Box Bounds() const { return {0, 0, width_, height_}; }
+
+  uint8_t* Row(int y) { return data_.get() + int64_t{y} * pitch_; }
+  const uint8_t* Row(int y) const { return data_.get() + int64_t{y} * pitch_; }
+
+  /// For the 32-bit formats.
+  bool Is32Bit() const {
+    return format_ == VuPixelFormat::ARGB8888 || format_ == VuPixelFormat::XRGB8888;
+  }
+  uint32_t* Row32(int y) { return reinterpret_cast<uint32_t*>(Row(y)); }
+  const uint32_t* Row32(int y) const { return reinterpret_cast<const uint32_t*>(Row(y)); }
+  ptrdiff_t Pitch32() const { return pitch_ / 4; }
+  /// What to set in every pixel stored, to keep the X byte.
+  uint32_t OpaqueBits() const { return format_ == VuPixelFormat::XRGB8888 ? 0xFF000000u : 0; }
+  /// Sets the X bytes again after somebody else wrote into `box`.
+  void RestoreOpaqueBits(const Box& box);
+
+  /// Whether every pixel is opaque by its format.
+  bool IsOpaque() const {
+    return format_ == VuPixelFormat::XRGB8888 || format_ == VuPixelFormat::RGB565;
+  }
+
+  /// The same memory as Pixman's image, made when first asked for; null if memory runs out.
+  pixman_image_t* Image() const;
+
+ private:
+  struct Free {
+    void operator()(uint8_t* p) const { std::free(p); }
+    void operator()(pixman_image_t* p) const { pixman_image_unref(p); }
+  };
+
+  int width_;
+  int height_;
+  VuPixelFormat format_;
+  int pitch_;
+  std::unique_ptr<uint8_t, Free> data_;
+  mutable std::unique_ptr<pixman_image_t, Free> image_;
+};
+
+pixman_format_code_t PixmanFormat(VuPixelFormat format);
+
+}  // namespace ZIRK::backends

@@ -1,0 +1,99 @@
+#include "software/pixeltransfer.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "common/pixelmath.h"
+#include "common/surfaceformat.h"
+#include "software/kernels.h"
+#include "software/pixelrows.h"
+#include "software/texture.h"
+
+namespace ZIRK::backends {
+
+namespace {
+
+size_t RowBytes(const PixelBuffer& pixels, int count) {
+  return static_cast<size_t>(count) * static_cast<size_t>(BytesPerPixel(pixels.Format()));
+}
+
+int64_t ByteOffset(const PixelBuffer& pixels, int x) {
+  return int64_t{x} * BytesPerPixel(pixels.Format());
+}
+
+void ConvertRow(PixelBuffer& dst, int dstX, int dstY, const PixelBuffer& src, int srcX, int srcY,
+                int count) {
+  uint32_t wide[kChunk];
+  for (int done = 0; done < count; done += kChunk) {
+    const int n = std::min(kChunk, count - done);
+    WidenRow(src.Format(), src.Row(srcY), srcX + done, n, wide);
+    NarrowRow(dst.Format(), wide, n, dst.Row(dstY), dstX + done);
+  }
+}
+
+}  // namespace
+
+bool GetPixels(const PixelBuffer& pixels, const VuRect& rect, void* dst) {
+  if (!dst || !IsInside(rect, pixels.Width(), pixels.Height())) return false;
+  const Box box = ToBox(rect);
+  const size_t bytes = RowBytes(pixels, box.Width());
+  auto* out = static_cast<uint8_t*>(dst);
+  for (int y = box.y0; y < box.y1; ++y, out += bytes)
+    std::memcpy(out, pixels.Row(y) + ByteOffset(pixels, box.x0), bytes);
+  return true;
+}
+
+bool SetPixels(PixelBuffer& pixels, const VuRect& rect, const void* src, unsigned pitch) {
+  if (!src || !IsInside(rect, pixels.Width(), pixels.Height())) return false;
+  const Box box = ToBox(rect);
+  const size_t bytes = RowBytes(pixels, box.Width());
+  const auto* in = static_cast<const uint8_t*>(src);
+  for (int y = box.y0; y < box.y1; ++y, in += pitch)
+    std::memcpy(pixels.Row(y) + ByteOffset(pixels, box.x0), in, bytes);
+  pixels.RestoreOpaqueBits(box);
+  return true;
+}
+
+Box CopyPixels(PixelBuffer& dst, VuPoint at, const PixelBuffer& src, const VuRect& srcRect) {
+  const Box wanted = Intersection(ToBox(srcRect), src.Bounds());
+  if (wanted.IsEmpty()) return {};
+  const int64_t moveX = int64_t{at.x} - srcRect.x, moveY = int64_t{at.y} - srcRect.y;
+  const auto cut = [](int64_t v, int limit) {
+    return static_cast<int>(std::clamp<int64_t>(v, 0, limit));
+  };
+  const Box box = {cut(wanted.x0 + moveX, dst.Width()), cut(wanted.y0 + moveY, dst.Height()),
+                   cut(wanted.x1 + moveX, dst.Width()), cut(wanted.y1 + moveY, dst.Height())};
+  if (box.IsEmpty()) return {};
+  const int srcX = static_cast<int>(box.x0 - moveX), srcY = static_cast<int>(box.y0 - moveY);
+  const bool sameFormat = dst.Format() == src.Format();
+  // Within one surface rows are copied from the side that is overwritten last.
+  const bool upwards = &dst == &src && box.y0 > srcY;
+  for (int i = 0; i < box.Height(); ++i) {
+    const int row = upwards ? box.Height() - 1 - i : i;
+    if (sameFormat)
+      std::memmove(dst.Row(box.y0 + row) + ByteOffset(dst, box.x0),
+                   src.Row(srcY + row) + ByteOffset(src, srcX), RowBytes(dst, box.Width()));
+    else
+      ConvertRow(dst, box.x0, box.y0 + row, src, srcX, srcY + row, box.Width());
+  }
+  return box;
+}
+
+void ClearPixels(PixelBuffer& pixels, VuColor color) {
+  const uint32_t shade = Premultiply(color);
+  if (pixels.Is32Bit()) {
+    PixelSpan span = {pixels.Row32(0), pixels.Pitch32(), pixels.Width(), pixels.Height()};
+    span.color = shade;
+    span.opaque = pixels.OpaqueBits();
+    BestKernels().fill[Kernels::Source][false](span);
+    return;
+  }
+  uint32_t wide[kChunk];
+  std::fill_n(wide, kChunk, shade);
+  for (int x = 0; x < pixels.Width(); x += kChunk)
+    NarrowRow(pixels.Format(), wide, std::min(kChunk, pixels.Width() - x), pixels.Row(0), x);
+  for (int y = 1; y < pixels.Height(); ++y)
+    std::memcpy(pixels.Row(y), pixels.Row(0), RowBytes(pixels, pixels.Width()));
+}
+
+}  // namespace ZIRK::backends

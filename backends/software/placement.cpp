@@ -1,0 +1,141 @@
+#include "software/placement.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace ZIRK::backends {
+
+namespace {
+
+// Deviations below this, in pixels, are rounding: the sine of half a turn is not quite zero.
+constexpr double kTolerance = 1.0 / 512;
+
+bool IsFinite(Point p) {
+  return std::isfinite(p.x) && std::isfinite(p.y);
+}
+
+double NearestWhole(double v) {
+  return std::floor(v + 0.5);
+}
+
+int CutToFar(double v) {
+  return static_cast<int>(std::clamp(v, -kFar, kFar));
+}
+
+/// Of a value not beyond kFar: without the library call that floor() is on many processors.
+int NearestPixel(double v) {
+  const int towardZero = static_cast<int>(v + 0.5);
+  return towardZero - (v + 0.5 < towardZero);
+}
+
+bool IsNear(double v) {
+  return std::abs(v) <= kFar;
+}
+
+/// Whether the sides run along the axes, whichever way round.
+bool IsAxisAligned(const Affine& a) {
+  const bool upright = std::abs(a.dx.y) < kTolerance && std::abs(a.dy.x) < kTolerance;
+  const bool turned = std::abs(a.dx.x) < kTolerance && std::abs(a.dy.y) < kTolerance;
+  return upright || turned;
+}
+
+/// Corner by corner, so that rectangles that share an edge still do.
+Affine MoveToWholePixels(const Affine& a) {
+  const auto snap = [](Point p) { return Point{NearestWhole(p.x), NearestWhole(p.y)}; };
+  const Point origin = snap(a.origin);
+  return {origin, snap(a.origin + a.dx) - origin, snap(a.origin + a.dy) - origin};
+}
+
+bool IsOnWholePixels(const Affine& a) {
+  const Affine whole = MoveToWholePixels(a);
+  const Point far = a.origin + a.dx + a.dy;
+  const Point wholeFar = whole.origin + whole.dx + whole.dy;
+  return std::abs(whole.origin.x - a.origin.x) < kTolerance &&
+         std::abs(whole.origin.y - a.origin.y) < kTolerance &&
+         std::abs(wholeFar.x - far.x) < kTolerance && std::abs(wholeFar.y - far.y) < kTolerance;
+}
+
+double Determinant(const Affine& a) {
+  return a.dx.x * a.dy.y - a.dy.x * a.dx.y;
+}
+
+Affine Inverse(const Affine& a) {
+  const double d = 1 / Determinant(a);
+  const Affine linear = {{0, 0}, {a.dy.y * d, -a.dx.y * d}, {-a.dy.x * d, a.dx.x * d}};
+  return {linear(a.origin.x, a.origin.y) * -1, linear.dx, linear.dy};
+}
+
+void SetCorners(Placement& p, double u0, double v0, double u1, double v1) {
+  p.corners[0] = p.toSurface(u0, v0);
+  p.corners[1] = p.toSurface(u1, v0);
+  p.corners[2] = p.toSurface(u1, v1);
+  p.corners[3] = p.toSurface(u0, v1);
+  const auto [left, right] =
+      std::minmax({p.corners[0].x, p.corners[1].x, p.corners[2].x, p.corners[3].x});
+  const auto [top, bottom] =
+      std::minmax({p.corners[0].y, p.corners[1].y, p.corners[2].y, p.corners[3].y});
+  if (p.hardEdged)
+    p.box = {CutToFar(NearestWhole(left)), CutToFar(NearestWhole(top)),
+             CutToFar(NearestWhole(right)), CutToFar(NearestWhole(bottom))};
+  else
+    p.box = {CutToFar(std::floor(left)), CutToFar(std::floor(top)), CutToFar(std::ceil(right)),
+             CutToFar(std::ceil(bottom))};
+}
+
+}  // namespace
+
+Extent Cut(const Extent& r, const Box& bounds) {
+  const double x0 = std::max<double>(r.x, bounds.x0), y0 = std::max<double>(r.y, bounds.y0);
+  const double x1 = std::min<double>(r.x + r.width, bounds.x1);
+  const double y1 = std::min<double>(r.y + r.height, bounds.y1);
+  return {x0, y0, x1 - x0, y1 - y0};
+}
+
+Box Around(const Extent& r) {
+  return {static_cast<int>(std::floor(r.x)), static_cast<int>(std::floor(r.y)),
+          static_cast<int>(std::ceil(r.x + r.width)), static_cast<int>(std::ceil(r.y + r.height))};
+}
+
+Placement Placement::Part(double u0, double v0, double u1, double v1) const {
+  Placement part = *this;
+  SetCorners(part, u0, v0, u1, v1);
+  return part;
+}
+
+std::optional<Box> PlaceUpright(const Extent& r, const VuTMatrix2D<float>& m) {
+  if (m.hasRotation() || !(r.width > 0 && r.height > 0)) return std::nullopt;
+  const float* e = m.get();
+  const double scaleX = static_cast<double>(e[0]), scaleY = static_cast<double>(e[4]);
+  const double moveX = static_cast<double>(e[6]), moveY = static_cast<double>(e[7]);
+  const double x0 = r.x * scaleX + moveX, x1 = (r.x + r.width) * scaleX + moveX;
+  const double y0 = r.y * scaleY + moveY, y1 = (r.y + r.height) * scaleY + moveY;
+  if (!(IsNear(x0) && IsNear(x1) && IsNear(y0) && IsNear(y1)) || x1 < x0 || y1 < y0)
+    return std::nullopt;
+  return Box{NearestPixel(x0), NearestPixel(y0), NearestPixel(x1), NearestPixel(y1)};
+}
+
+Point Map(const VuTMatrix2D<float>& m, double x, double y) {
+  const float* e = m.get();
+  return {x * e[0] + y * e[3] + e[6], x * e[1] + y * e[4] + e[7]};
+}
+
+std::optional<Placement> Place(const Extent& r, const VuTMatrix2D<float>& m, Edges edges) {
+  Placement p;
+  if (!(r.width > 0 && r.height > 0)) return std::nullopt;
+  const Point origin = Map(m, r.x, r.y);
+  // From corner to corner, not extent times element: a neighbour computes the same corner.
+  p.toSurface = {origin, Map(m, r.x + r.width, r.y) - origin, Map(m, r.x, r.y + r.height) - origin};
+  if (!IsFinite(p.toSurface.origin) || !IsFinite(p.toSurface.dx) || !IsFinite(p.toSurface.dy))
+    return std::nullopt;
+
+  p.hardEdged =
+      IsAxisAligned(p.toSurface) && (edges == Edges::OnWholePixels || IsOnWholePixels(p.toSurface));
+  if (p.hardEdged) p.toSurface = MoveToWholePixels(p.toSurface);
+  const double area = std::abs(Determinant(p.toSurface));
+  if (!(area > 1e-9) || !std::isfinite(area)) return std::nullopt;
+  p.toUnit = Inverse(p.toSurface);
+  SetCorners(p, 0, 0, 1, 1);
+  return p;
+}
+
+}  // namespace ZIRK::backends

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <zirk/vumatrix2d.h>
+
+#include <optional>
+
+#include "software/box.h"
+
+namespace ZIRK::backends {
+
+struct Point {
+  double x, y;
+
+  friend Point operator+(Point a, Point b) { return {a.x + b.x, a.y + b.y}; }
+  friend Point operator-(Point a, Point b) { return {a.x - b.x, a.y - b.y}; }
+  friend Point operator*(Point a, double k) { return {a.x * k, a.y * k}; }
+};
+
+/// An affine function of a position: origin + x * dx + y * dy.
+struct Affine {
+  Point origin, dx, dy;
+
+  Point operator()(double x, double y) const { return origin + dx * x + dy * y; }
+};
+
+/// `outer` of `inner`.
+inline Affine Compose(const Affine& outer, const Affine& inner) {
+  const auto linear = [&outer](Point p) { return outer.dx * p.x + outer.dy * p.y; };
+  return {outer(inner.origin.x, inner.origin.y), linear(inner.dx), linear(inner.dy)};
+}
+
+/// A rectangle in the coordinates of a primitive.
+struct Extent {
+  double x, y, width, height;
+};
+
+/// The part of `r` that lies inside `bounds`; without extent if there is none.
+Extent Cut(const Extent& r, const Box& bounds);
+
+/// All pixels that `r`, which has been cut, touches.
+Box Around(const Extent& r);
+
+/// Where a rectangle of a primitive comes to lie on the surface.
+///
+/// The unit square stands for the rectangle: (0, 0) is its top-left corner, (1, 1) its bottom-right
+/// one. `toSurface` takes the unit square to the surface, `toUnit` is its inverse.
+struct Placement {
+  Affine toSurface;
+  Affine toUnit;
+  bool hardEdged;  ///< The edges lie on whole pixels: those of `box`, and need no anti-aliasing.
+  Box box;         ///< All pixels that are touched; far edges are cut, see kFar.
+
+  /// The same with only the part `u0`..`u1`, `v0`..`v1` of the unit square drawn.
+  Placement Part(double u0, double v0, double u1, double v1) const;
+
+  /// Corners of the drawn part on the surface: top-left, top-right, bottom-right, bottom-left.
+  Point corners[4];
+};
+
+/// Pixels beyond this never matter: no surface reaches there.
+constexpr double kFar = 1 << 24;
+
+enum class Edges { OnWholePixels, SubPixel };
+
+/// Places `r` by `m`. An axis-aligned result is moved to the nearest whole pixels when `edges`
+/// asks for it. Nothing for what has no area or is not finite.
+std::optional<Placement> Place(const Extent& r, const VuTMatrix2D<float>& m, Edges edges);
+
+/// The usual case, worked out quickly: where `r` comes to lie, on whole pixels, by a matrix without
+/// rotation. Nothing, which says nothing, in any other case.
+std::optional<Box> PlaceUpright(const Extent& r, const VuTMatrix2D<float>& m);
+
+/// A position through `m`, in double precision.
+Point Map(const VuTMatrix2D<float>& m, double x, double y);
+
+}  // namespace ZIRK::backends

@@ -1,0 +1,133 @@
+#include "software/texture.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "software/kernels.h"
+#include "software/pixelrows.h"
+
+namespace ZIRK::backends {
+
+namespace {
+
+constexpr double kOne = 65536;        // 1 in 16.16 fixed point
+constexpr int32_t kHalfWeight = 128;  // half of the step between two bilinear weights
+
+int32_t ToFixed(double v) {
+  constexpr double kLimit = 32766;
+  const double fixed = std::clamp(v, -kLimit, kLimit) * kOne;
+  return static_cast<int32_t>(fixed + (fixed < 0 ? -0.5 : 0.5));
+}
+
+/// a + (b - a) * w / 256 per channel.
+uint32_t Mix(uint32_t a, uint32_t b, uint32_t w) {
+  const auto pair = [w](uint32_t p, uint32_t q) {
+    return ((p & 0x00FF00FFu) * (256 - w) + (q & 0x00FF00FFu) * w + 0x00800080u) >> 8 & 0x00FF00FFu;
+  };
+  return pair(a, b) | pair(a >> 8, b >> 8) << 8;
+}
+
+/// What the kernels do, for any format.
+template <typename Traits>
+void SampleAny(const PixelBuffer& pixels, const SampleRow& s, bool bilinear, int count,
+               uint32_t* out) {
+  const auto pixel = [&](int x, int y) {
+    const auto* row =
+        reinterpret_cast<const typename Traits::Stored*>(pixels.Row(std::clamp(y, s.minY, s.maxY)));
+    return Traits::Widen(row[std::clamp(x, s.minX, s.maxX)]);
+  };
+  uint32_t fixedX = static_cast<uint32_t>(s.x), fixedY = static_cast<uint32_t>(s.y);
+  for (int i = 0; i < count; ++i) {
+    const int x = static_cast<int32_t>(fixedX) >> 16, y = static_cast<int32_t>(fixedY) >> 16;
+    if (bilinear) {
+      const uint32_t weightX = fixedX >> 8 & 255, weightY = fixedY >> 8 & 255;
+      out[i] = Mix(Mix(pixel(x, y), pixel(x + 1, y), weightX),
+                   Mix(pixel(x, y + 1), pixel(x + 1, y + 1), weightX), weightY);
+    } else {
+      out[i] = pixel(x, y);
+    }
+    fixedX += static_cast<uint32_t>(s.stepX);
+    fixedY += static_cast<uint32_t>(s.stepY);
+  }
+}
+
+/// Whether a value that ought to be `whole` is, for the precision of bilinear weights.
+bool IsNear(double v, double whole) {
+  return std::abs(v - whole) < 1.0 / 512;
+}
+
+}  // namespace
+
+Texture::Texture(const PixelBuffer& pixels, const Box& limits, VuScaleMode mode,
+                 const Affine& toTexture, const Box& area)
+    : pixels_(pixels),
+      limits_(limits),
+      bilinear_(mode == VuScaleMode::Bilinear),
+      toTexture_(toTexture),
+      stepX_(ToFixed(toTexture.dx.x)),
+      stepY_(ToFixed(toTexture.dx.y)) {
+  // Two opposite corners that keep their distance to the texture keep it everywhere between.
+  const Point first = toTexture(area.x0, area.y0), last = toTexture(area.x1, area.y1);
+  const double offsetX = std::floor(first.x - area.x0 + 0.5);
+  const double offsetY = std::floor(first.y - area.y0 + 0.5);
+  aligned_ = toTexture.dx.x > 0.5 && toTexture.dy.y > 0.5 && IsNear(first.x, area.x0 + offsetX) &&
+             IsNear(first.y, area.y0 + offsetY) && IsNear(last.x, area.x1 + offsetX) &&
+             IsNear(last.y, area.y1 + offsetY);
+  if (!aligned_) return;
+  offsetX_ = static_cast<int>(offsetX);
+  offsetY_ = static_cast<int>(offsetY);
+  aligned_ = limits.Contains(
+      Box{AlignedX(area.x0), AlignedY(area.y0), AlignedX(area.x1), AlignedY(area.y1)});
+}
+
+Texture::Texture(const PixelBuffer& pixels, int offsetX, int offsetY)
+    : pixels_(pixels),
+      limits_(pixels.Bounds()),
+      bilinear_(false),
+      toTexture_{{double(offsetX), double(offsetY)}, {1, 0}, {0, 1}},
+      stepX_(65536),
+      stepY_(0),
+      aligned_(true),
+      offsetX_(offsetX),
+      offsetY_(offsetY) {}
+
+void Texture::Sample(Point position, int count, uint32_t* out) const {
+  const double toCentre = bilinear_ ? 0.5 : 0;
+  const int32_t rounding = bilinear_ ? kHalfWeight : 0;
+  const SampleRow s = {pixels_.Row32(0),
+                       pixels_.Pitch32(),
+                       limits_.x0,
+                       limits_.y0,
+                       limits_.x1 - 1,
+                       limits_.y1 - 1,
+                       ToFixed(position.x - toCentre) + rounding,
+                       ToFixed(position.y - toCentre) + rounding,
+                       stepX_,
+                       stepY_};
+  if (pixels_.Is32Bit()) {
+    const Kernels& kernels = BestKernels();
+    (bilinear_ ? kernels.sampleBilinear : kernels.sampleNearest)(s, out, count);
+    return;
+  }
+  WithPixelTraits(pixels_.Format(), [&](auto traits) {
+    SampleAny<decltype(traits)>(pixels_, s, bilinear_, count, out);
+  });
+}
+
+const uint32_t* Texture::Row(int x, int y, int count, uint32_t* scratch) const {
+  if (!aligned_) {
+    Sample(toTexture_(x + 0.5, y + 0.5), count, scratch);
+    return scratch;
+  }
+  if (pixels_.Is32Bit()) return pixels_.Row32(AlignedY(y)) + AlignedX(x);
+  WidenRow(pixels_.Format(), pixels_.Row(AlignedY(y)), AlignedX(x), count, scratch);
+  return scratch;
+}
+
+uint32_t Texture::At(Point position) const {
+  uint32_t pixel;
+  Sample(position, 1, &pixel);
+  return pixel;
+}
+
+}  // namespace ZIRK::backends

@@ -1,0 +1,144 @@
+// Every build of the inner loops against one pixel at a time.
+
+#include "software/kernels.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+#include <vector>
+
+#include "common/pixelmath.h"
+
+namespace ZIRK::backends {
+namespace {
+
+constexpr int kPitch = 40, kRows = 3;
+
+/// Random pixels, with many of the extreme ones; `valid` means no channel above its alpha.
+std::vector<uint32_t> RandomPixels(unsigned seed, bool valid) {
+  std::mt19937 random(seed);
+  std::vector<uint32_t> pixels(kPitch * kRows);
+  for (uint32_t& p : pixels) {
+    const uint32_t extremes[] = {0, 0xFFFFFFFFu, static_cast<uint32_t>(random()),
+                                 static_cast<uint32_t>(random())};
+    p = extremes[random() % 4];
+    if (valid) p = Premultiply(VuColor{p});
+  }
+  return pixels;
+}
+
+uint32_t MultiplyPixels(uint32_t a, uint32_t b) {
+  uint32_t result = 0;
+  for (int shift = 0; shift < 32; shift += 8)
+    result |= MultiplyChannel(a >> shift & 255, b >> shift & 255) << shift;
+  return result;
+}
+
+struct Case {
+  Kernels::Operator op;
+  bool blit, tinted, covered, opaque;
+};
+
+void CheckSpan(const Kernels& kernels, const Case& c, int width) {
+  const std::vector<uint32_t> before = RandomPixels(1, true), src = RandomPixels(2, false);
+  std::vector<uint32_t> dst = before;
+  std::vector<uint8_t> coverage(kPitch * kRows);
+  for (size_t i = 0; i < coverage.size(); ++i)
+    coverage[i] = static_cast<uint8_t>(i % 3 == 0 ? 255 : i % 7 == 0 ? 0 : i * 37);
+
+  PixelSpan span = {dst.data() + 1, kPitch, width, kRows};
+  span.color = c.blit && !c.tinted ? 0xFFFFFFFFu : 0x90708010u;
+  if (c.blit) span.src = src.data() + 1;
+  span.srcPitch = kPitch;
+  if (c.covered) span.coverage = coverage.data() + 1;
+  span.coveragePitch = kPitch;
+  if (c.opaque) span.opaque = 0xFF000000u;
+  if (c.blit)
+    kernels.blit[c.op][c.tinted][c.covered](span);
+  else
+    kernels.fill[c.op][c.covered](span);
+
+  for (int i = 0; i < kPitch * kRows; ++i) {
+    const auto at = static_cast<size_t>(i);
+    const int x = i % kPitch - 1;
+    uint32_t expected = before[at];
+    if (x >= 0 && x < width) {
+      uint32_t shade = c.blit ? src[at] : span.color;
+      if (c.blit && c.tinted) shade = MultiplyPixels(shade, span.color);
+      if (c.covered) shade = ScalePixel(shade, coverage[at]);
+      expected = c.op == Kernels::Over ? BlendOver(shade, before[at]) : shade | span.opaque;
+    }
+    ASSERT_EQ(dst[at], expected) << "x " << x << " row " << i / kPitch << " width " << width
+                                 << " operator " << c.op << " blit " << c.blit << " tinted "
+                                 << c.tinted << " covered " << c.covered;
+  }
+}
+
+TEST(Kernels, FillAndBlitEveryWidth) {
+  for (const Kernels* const* kernels = RunnableKernels(); *kernels; ++kernels)
+    for (int flags = 0; flags < 32; ++flags) {
+      const bool over = flags & 1, blit = flags & 2, tinted = flags & 4;
+      // An operator that blends keeps what an opaque destination has in its X byte.
+      const bool opaque = (flags & 16) && !over;
+      if (tinted && !blit) continue;
+      const Case c = {over ? Kernels::Over : Kernels::Source, blit, tinted, (flags & 8) != 0,
+                      opaque};
+      for (int width = 1; width < kPitch - 1; ++width) CheckSpan(**kernels, c, width);
+    }
+}
+
+/// What the samplers read: a gradient, inside a margin that they must not touch.
+struct Image {
+  static constexpr int kSize = 12, kMargin = 3, kStride = kSize + 2 * kMargin;
+  std::vector<uint32_t> pixels = std::vector<uint32_t>(kStride * kStride, 0xFFFFFFFFu);
+
+  Image() {
+    for (int y = 0; y < kSize; ++y)
+      for (int x = 0; x < kSize; ++x) At(x, y) = static_cast<uint32_t>(x * 20) << 16 | (y * 20u);
+  }
+  uint32_t& At(int x, int y) {
+    return pixels[static_cast<size_t>((y + kMargin) * kStride + x + kMargin)];
+  }
+  SampleRow Row() { return {&At(0, 0), kStride, 0, 0, kSize - 1, kSize - 1, 0, 0, 0, 0}; }
+};
+
+TEST(Kernels, SamplersFollowTheGradientAndStayInside) {
+  constexpr int kCount = 37;
+  struct {
+    double x, y, stepX, stepY;
+  } const rows[] = {{-2, 3.5, 0.37, 0},  {14, 3.25, -0.4, 0}, {-3, -2, 0.4, 0.4},
+                    {0, 0, 1, 0},        {2, 13, 0.2, 0},     {5, 14, 0.1, -0.45},
+                    {-20, 5, 2.5, 0.01}, {30, 30, 0, 0},      {11.5, 0.5, -0.3, 0.3}};
+  for (const Kernels* const* kernels = RunnableKernels(); *kernels; ++kernels)
+    for (const auto& r : rows)
+      for (const bool bilinear : {false, true}) {
+        Image image;
+        SampleRow row = image.Row();
+        const auto fixed = [](double v) { return static_cast<int32_t>(std::lround(v * 65536)); };
+        row.x = fixed(r.x);
+        row.y = fixed(r.y);
+        row.stepX = fixed(r.stepX);
+        row.stepY = fixed(r.stepY);
+        std::vector<uint32_t> out(kCount + 1, 0x12345678u);
+        ((*kernels)->*(bilinear ? &Kernels::sampleBilinear : &Kernels::sampleNearest))(
+            row, out.data(), kCount);
+        for (int i = 0; i < kCount; ++i) {
+          const auto expected = [&](double v) {
+            const double inside = std::fmin(std::fmax(v, 0), Image::kSize - 1);
+            return 20 * (bilinear ? inside : std::fmin(std::fmax(std::floor(v), 0), 11));
+          };
+          const uint32_t p = out[static_cast<size_t>(i)];
+          const double tolerance = bilinear ? 1.1 : 0;
+          ASSERT_NEAR(p >> 16 & 255, expected(row.x / 65536.0 + i * (row.stepX / 65536.0)),
+                      tolerance)
+              << "from " << r.x << ", " << r.y << " pixel " << i;
+          ASSERT_NEAR(p & 255, expected(row.y / 65536.0 + i * (row.stepY / 65536.0)), tolerance);
+          ASSERT_EQ(p & 0xFF00FF00u, 0u) << "read outside the image";
+        }
+        EXPECT_EQ(out[kCount], 0x12345678u);
+      }
+}
+
+}  // namespace
+}  // namespace ZIRK::backends
