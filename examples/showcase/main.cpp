@@ -1,0 +1,318 @@
+// The picture of the README: a balloonist's dashboard. Photographs as rotated cards, sprites in
+// front of them, and on the right panels of glass with a chart, a dial, line art and bars.
+
+#include <zirk/zirk.h>
+
+#include <cmath>
+#include <memory>
+#include <string>
+
+#include "showcase/brushes.h"
+#include "support/pngfile.h"
+
+using namespace ZIRK;
+using namespace ZIRK::showcase;
+
+namespace {
+
+constexpr int kWidth = 1280, kHeight = 720;
+constexpr float kPi = 3.14159265f;
+
+constexpr VuColor kCoral{0xFFFF7A5C}, kGold{0xFFFFC857}, kMint{0xFF5CE1C4}, kSky{0xFF5AB0FF},
+    kViolet{0xFFA27BFF};
+
+const std::string kMedia = ZIRK_EXAMPLE_MEDIA;
+
+/// What several parts of the picture draw with.
+struct Studio {
+  VuGraphics& graphics;
+  VuBitmap& screen;
+  BitmapPtr photo, balloon, glow, disc;
+};
+
+BitmapPtr LoadPicture(VuGraphics& graphics, const char* name) {
+  BitmapPtr picture(graphics.CreateBitmapFromFile((kMedia + name).c_str()));
+  if (picture) picture->SetScaleMode(VuScaleMode::Bilinear);
+  return picture;
+}
+
+/// A number in 0..1 that looks like chance and is the same in every run.
+float Chance(uint32_t n) {
+  n = (n ^ n >> 16) * 0x7FEB352Du;
+  n = (n ^ n >> 15) * 0x846CA68Bu;
+  return static_cast<float>((n ^ n >> 16) >> 8) / 16777216.0f;
+}
+
+void DrawGlow(const Studio& s, float x, float y, float size, VuColor color) {
+  const Additive light(s.screen);
+  const VuRect all = s.glow->GetBounds();
+  s.screen.DrawObject({-all.width / 2, -all.height / 2, all.width, all.height}, *s.glow, all,
+                      At(x, y, 0, size / static_cast<float>(all.width)), color);
+}
+
+// --- Behind everything --------------------------------------------------------------------------
+
+void DrawBackground(const Studio& s) {
+  const BitmapPtr night = MakeGradient(s.graphics, {0xFF0A1230}, {0xFF35164F});
+  s.screen.DrawObject({0, 0, kWidth, kHeight}, *night);
+  DrawGlow(s, 120, 700, 1100, {0xFF7A2A4C});
+  DrawGlow(s, 1240, 40, 1000, {0xFF17426E});
+  DrawGlow(s, 640, 380, 900, {0xFF2A1C5A});
+  for (uint32_t i = 0; i < 150; ++i) {
+    const auto x = static_cast<int>(Chance(3 * i) * kWidth);
+    const auto y = static_cast<int>(Chance(3 * i + 1) * kHeight);
+    const auto alpha = static_cast<uint32_t>(30 + 130 * Chance(3 * i + 2));
+    s.screen.DrawPoint({x, y}, i % 9 == 0 ? 2.0f : 1.0f, {alpha << 24 | 0xFFFFFF});
+  }
+}
+
+/// Two families of lines, each the other's mirror image, that touch a curve none of them is.
+void DrawLineArt(const Studio& s) {
+  const Additive light(s.screen);
+  constexpr int kLines = 44;
+  for (int i = 0; i <= kLines; ++i) {
+    const float t = static_cast<float>(i) / kLines;
+    const auto down = static_cast<int>(t * 420), right = static_cast<int>(t * 620);
+    s.screen.DrawLine({0, 300 + down}, {right, kHeight - 1}, Mix({0xFF3A1430}, {0xFF16284E}, t));
+    s.screen.DrawLine({kWidth - 1, 420 - down}, {kWidth - 1 - right, 0},
+                      Mix({0xFF12304A}, {0xFF241240}, t));
+  }
+}
+
+// --- Photographs --------------------------------------------------------------------------------
+
+struct Card {
+  float x, y, degrees;
+  VuRect part;  ///< Of the photograph.
+  VuColor tint;
+};
+
+void DrawCards(const Studio& s) {
+  constexpr int kCardWidth = 600, kCardHeight = 390, kFrame = 12, kShadow = 60;
+  const BitmapPtr paper = MakeRounded(s.graphics, {kCardWidth, kCardHeight, 22});
+  const BitmapPtr window =
+      MakeRounded(s.graphics, {kCardWidth - 2 * kFrame, kCardHeight - 2 * kFrame, 12});
+  const BitmapPtr shadow = MakeRounded(
+      s.graphics, {kCardWidth + 2 * kShadow, kCardHeight + 2 * kShadow, 30, kShadow, 70});
+  const VuRect sheet{-kCardWidth / 2, -kCardHeight / 2, kCardWidth, kCardHeight};
+  const VuRect picture{sheet.x + kFrame, sheet.y + kFrame, sheet.width - 2 * kFrame,
+                       sheet.height - 2 * kFrame};
+  const VuRect shade{sheet.x - kShadow, sheet.y - kShadow, sheet.width + 2 * kShadow,
+                     sheet.height + 2 * kShadow};
+  const Card cards[] = {
+      {452, 322, -13, {300, 0, 660, 420}, kMint},
+      {428, 316, -5, {0, 0, 760, 480}, kViolet},
+      {404, 312, 3, {60, 30, 860, 545}, white},
+  };
+  for (const Card& card : cards) {
+    s.screen.DrawRect(shade, {0xB0040212}, At(card.x + 6, card.y + 22, card.degrees), *shadow,
+                      nullptr);
+    const Matrix place = At(card.x, card.y, card.degrees);
+    s.screen.DrawRect(sheet, {0xFFF8F4EC}, place, *paper, nullptr);
+    s.screen.DrawObject(picture, *s.photo, card.part, place, card.tint, *window, nullptr);
+  }
+}
+
+/// A balloon with its burner alight.
+void DrawBalloon(const Studio& s, float x, float y, float degrees, float scale, VuColor tint) {
+  const VuRect all = s.balloon->GetBounds();
+  const VuRect centred{-all.width / 2, -all.height / 2, all.width, all.height};
+  const Matrix place = At(x, y, degrees, scale);
+  s.screen.DrawObject(centred, *s.balloon, all, place, tint);
+  const VuTVector2D<float> burner = place.transformVector(VuTVector2D<float>(0, 95));
+  DrawGlow(s, burner.x(), burner.y(), 150 * scale, {0xFFFFA040});
+  DrawGlow(s, burner.x(), burner.y(), 60 * scale, {0xFFFFE0A0});
+}
+
+void DrawBalloons(const Studio& s) {
+  DrawBalloon(s, 196, 300, -2, 0.17f, {0xE8FFD9C0});
+  DrawBalloon(s, 300, 236, 3, 0.22f, {0xF0FFE3A0});
+  DrawBalloon(s, 372, 318, -4, 0.14f, {0xD8E0D0FF});
+  DrawBalloon(s, 246, 190, 5, 0.38f, {0xFF86E8D2});
+  DrawBalloon(s, 100, 470, 8, 0.62f, {0xFFFFCB66});
+  DrawBalloon(s, 664, 232, -6, 1.16f, {0xFFFF8464});
+}
+
+// --- Below the photographs ----------------------------------------------------------------------
+
+/// Round portraits, each cut out of its picture by a mask.
+void DrawAvatars(const Studio& s) {
+  constexpr int kSize = 84;
+  const VuColor skies[] = {kSky, kGold, kViolet, kMint, kCoral};
+  const VuColor tints[] = {{0xFFFF8464}, white, {0xFFFFCB66}, {0xFFB79BFF}, {0xFF86E8D2}};
+  for (int i = 0; i < 5; ++i) {
+    const int x = 150 + i * 70, y = 586;
+    s.screen.DrawRect({x - 5, y - 5, kSize + 10, kSize + 10}, {0xFF21143E}, VuTransform(), *s.disc,
+                      nullptr);
+    const BitmapPtr sky = MakeGradient(s.graphics, Mix(skies[i], white, 0.45f), skies[i]);
+    s.screen.DrawObject({x, y, kSize, kSize}, *sky, sky->GetBounds(), VuTransform(), white, *s.disc,
+                        nullptr);
+    s.screen.DrawObject({x, y, kSize, kSize}, *s.balloon, {-40, -40, 320, 320}, VuTransform(),
+                        tints[i], *s.disc, nullptr);
+  }
+}
+
+/// Bars whose filled part is cut off by the clipping rectangle.
+void DrawProgress(const Studio& s) {
+  const VuRect pill{560, 590, 208, 14};
+  const BitmapPtr shape = MakeRounded(s.graphics, {pill.width, pill.height, 7});
+  const VuColor colors[][2] = {{kCoral, kGold}, {kViolet, kSky}, {kSky, kMint}};
+  const float parts[] = {0.86f, 0.62f, 0.41f};
+  for (int i = 0; i < 3; ++i) {
+    const VuRect bar{pill.x, pill.y + i * 32, pill.width, pill.height};
+    const auto filled = static_cast<int>(parts[i] * static_cast<float>(bar.width));
+    s.screen.DrawRect(bar, {0x2CFFFFFF}, VuTransform(), *shape, nullptr);
+    const BitmapPtr strip = MakeGradient(s.graphics, colors[i][0], colors[i][1], false);
+    {
+      const Clipped part(s.screen, {bar.x, bar.y, filled, bar.height});
+      s.screen.DrawObject(bar, *strip, strip->GetBounds(), VuTransform(), white, *shape, nullptr);
+    }
+    DrawGlow(s, static_cast<float>(bar.x + filled), static_cast<float>(bar.y) + 7, 54,
+             colors[i][1]);
+  }
+}
+
+// --- Panels of glass ----------------------------------------------------------------------------
+
+void DrawPanel(const Studio& s, const VuRect& r) {
+  constexpr int kShadow = 40;
+  constexpr float kRadius = 20;
+  const BitmapPtr shape = MakeRounded(s.graphics, {r.width, r.height, kRadius});
+  const BitmapPtr outline = MakeOutline(s.graphics, {r.width, r.height, kRadius}, 1.2f);
+  const BitmapPtr shadow = MakeRounded(
+      s.graphics, {r.width + 2 * kShadow, r.height + 2 * kShadow, kRadius, kShadow, 50});
+  const BitmapPtr sheen = MakeGradient(s.graphics, {0x30C8D8FF}, {0x0CC8D8FF});
+  s.screen.DrawRect(
+      {r.x - kShadow, r.y - kShadow + 12, r.width + 2 * kShadow, r.height + 2 * kShadow},
+      {0x70040212}, VuTransform(), *shadow, nullptr);
+  s.screen.DrawRect(r, {0xB0141434}, VuTransform(), *shape, nullptr);
+  s.screen.DrawObject(r, *sheen, sheen->GetBounds(), VuTransform(), white, *shape, nullptr);
+  s.screen.DrawRect(r, {0x50C8D8FF}, VuTransform(), *outline, nullptr);
+}
+
+/// Height of a curve of the chart, 0 to 1.
+float Climb(float t, float phase) {
+  return 0.46f + 0.24f * std::sin(5.2f * t + phase) + 0.12f * std::sin(13 * t + 2.2f * phase) +
+         0.22f * (t - 0.5f);
+}
+
+void DrawCurve(const Studio& s, const VuRect& r, float phase, VuColor color) {
+  const auto yAt = [&](float x) {
+    const float t = (x - static_cast<float>(r.x)) / static_cast<float>(r.width);
+    return static_cast<float>(r.y) + static_cast<float>(r.height) * (1 - Climb(t, phase));
+  };
+  const BitmapPtr fade =
+      MakeGradient(s.graphics, {(color.argb & 0xFFFFFF) | 0x78000000}, {color.argb & 0xFFFFFF});
+  const int bottom = r.y + r.height;
+  for (int x = r.x; x < r.x + r.width; ++x) {
+    const auto top = static_cast<int>(std::lround(yAt(static_cast<float>(x) + 0.5f)));
+    s.screen.DrawObject({x, top, 1, bottom - top}, *fade);
+  }
+  constexpr float kStep = 4;
+  const auto end = static_cast<float>(r.x + r.width);
+  for (auto x = static_cast<float>(r.x); x < end; x += kStep)
+    DrawStroke(s.screen, {x, yAt(x)}, {x + kStep + 0.4f, yAt(x + kStep + 0.4f)}, 2.6f, color);
+  DrawGlow(s, end, yAt(end), 70, color);
+  s.screen.DrawRect({-50, -50, 100, 100}, white, At(end, yAt(end), 0, 0.1f), *s.disc, nullptr);
+}
+
+void DrawChart(const Studio& s, const VuRect& panel) {
+  DrawPanel(s, panel);
+  const VuRect r{panel.x + 24, panel.y + 26, panel.width - 56, panel.height - 50};
+  for (int i = 0; i <= 4; ++i)
+    s.screen.DrawRect({r.x, r.y + i * r.height / 4, r.width, 1}, {0x1CFFFFFF});
+  DrawCurve(s, r, 3.6f, kViolet);
+  DrawCurve(s, r, 0.7f, kCoral);
+}
+
+/// Ticks turned around the centre, and the sun of the photograph in the middle.
+void DrawDial(const Studio& s, const VuRect& panel) {
+  DrawPanel(s, panel);
+  const float x = static_cast<float>(panel.x) + static_cast<float>(panel.width) / 2;
+  const float y = static_cast<float>(panel.y) + static_cast<float>(panel.height) / 2;
+  constexpr int kTicks = 60, kLit = 44;
+  for (int i = 0; i < kTicks; ++i) {
+    const float t = static_cast<float>(i) / (kTicks - 1);
+    const float degrees = 240 - 300 * t;
+    const VuColor lit = t < 0.5f ? Mix(kMint, kSky, t * 2) : Mix(kSky, kViolet, t * 2 - 1);
+    const VuColor color = i < kLit ? lit : VuColor{0x30FFFFFF};
+    s.screen.DrawRect({620, -18, 180, 36}, color, At(x, y, degrees, 0.1f));
+    if (i == kLit - 1) {
+      const auto end = At(x, y, degrees).transformVector(VuTVector2D<float>(71, 0));
+      DrawGlow(s, end.x(), end.y(), 80, lit);
+    }
+  }
+  const auto left = static_cast<int>(x) - 50, top = static_cast<int>(y) - 50;
+  s.screen.DrawObject({left, top, 100, 100}, *s.photo, {514, 60, 220, 220}, VuTransform(), white,
+                      *s.disc, nullptr);
+}
+
+/// Chords of a circle, each from a point to the one twice as far round: their envelope is a heart.
+void DrawChords(const Studio& s, const VuRect& panel) {
+  DrawPanel(s, panel);
+  const float x = static_cast<float>(panel.x) + static_cast<float>(panel.width) / 2;
+  const float y = static_cast<float>(panel.y) + static_cast<float>(panel.height) / 2;
+  const auto pointAt = [&](float turn) {
+    return VuPoint{static_cast<int>(std::lround(x + 80 * std::cos(2 * kPi * turn))),
+                   static_cast<int>(std::lround(y - 80 * std::sin(2 * kPi * turn)))};
+  };
+  const Additive light(s.screen);
+  constexpr int kChords = 110;
+  for (int i = 0; i < kChords; ++i) {
+    const float t = static_cast<float>(i) / kChords;
+    const VuColor color = Mix({0xFF70301C}, {0xFF1C4470}, 0.5f + 0.5f * std::cos(2 * kPi * t));
+    s.screen.DrawLine(pointAt(t), pointAt(2 * t), color);
+  }
+}
+
+void DrawBars(const Studio& s, const VuRect& panel) {
+  DrawPanel(s, panel);
+  const BitmapPtr usual = MakeGradient(s.graphics, kMint, {0xFF2B5BD0});
+  const BitmapPtr chosen = MakeGradient(s.graphics, kGold, kCoral);
+  const BitmapPtr mirrored = MakeGradient(s.graphics, {0x503C8CE0}, {0x003C8CE0});
+  constexpr int kBars = 22, kPitch = 16;
+  const int bottom = panel.y + panel.height - 42, left = panel.x + 28;
+  for (int i = 0; i < kBars; ++i) {
+    const float wave = 0.5f + 0.5f * std::sin(0.55f * static_cast<float>(i) - 1.1f);
+    const float size = 22 + 84 * wave + 34 * Chance(static_cast<uint32_t>(i) + 900);
+    const auto height = static_cast<int>(size);
+    const int x = left + i * kPitch;
+    s.screen.DrawObject({x, bottom - height, 10, height}, i == 15 ? *chosen : *usual);
+    s.screen.DrawObject({x, bottom + 3, 10, 24}, *mirrored);
+    s.screen.DrawRect({x, bottom - height - 6, 10, 2}, {0x90FFFFFF});
+    if (i == 15)
+      DrawGlow(s, static_cast<float>(x) + 5, static_cast<float>(bottom - height), 90, kGold);
+  }
+}
+
+void DrawPoster(const Studio& s) {
+  DrawBackground(s);
+  DrawLineArt(s);
+  DrawCards(s);
+  DrawAvatars(s);
+  DrawProgress(s);
+  DrawChart(s, {836, 52, 392, 194});
+  DrawDial(s, {836, 266, 186, 186});
+  DrawChords(s, {1042, 266, 186, 186});
+  DrawBars(s, {836, 472, 392, 196});
+  DrawBalloons(s);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const std::unique_ptr<VuGraphics> graphics(VuGraphics::Create("FB", false));
+  if (!graphics) return 1;
+  const BitmapPtr screen(graphics->CreateScreen(kWidth, kHeight, true));
+  if (!screen) return 1;
+  const Studio studio{*graphics,
+                      *screen,
+                      LoadPicture(*graphics, "lake.jpg"),
+                      LoadPicture(*graphics, "balloon.png"),
+                      MakeGlow(*graphics, 256),
+                      MakeRounded(*graphics, {200, 200, 100})};
+  if (!studio.photo || !studio.balloon) return 1;
+  DrawPoster(studio);
+  screen->SwapBuffers();
+  return argc < 2 || examples::WritePng(argv[1], *screen) ? 0 : 1;
+}
