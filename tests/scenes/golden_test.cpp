@@ -1,0 +1,111 @@
+// Every scene by every backend, against one set of pictures. `ZIRK_UPDATE_GOLDEN=1` in the
+// environment writes the pictures anew instead, with the first backend.
+
+#include <support/pngfile.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <tuple>
+
+#include "scenes/backends.h"
+#include "scenes/scenes.h"
+
+namespace ZIRK::scenes {
+namespace {
+
+using examples::Picture;
+
+bool UpdatesGolden() {
+  const char* const value = std::getenv("ZIRK_UPDATE_GOLDEN");
+  return value && std::string(value) == "1";
+}
+
+std::string GoldenFile(const Scene& scene) {
+  return std::string(ZIRK_GOLDEN) + scene.name + ".png";
+}
+
+struct Difference {
+  double worst = 0;
+  double mean = 0;
+  size_t firstPixel = 0;  ///< That goes beyond the scene's limit.
+  Picture picture;        ///< Eight times the difference, opaque.
+};
+
+/// Channels are compared premultiplied, as they are seen.
+std::array<double, 4> Channels(uint32_t argb) {
+  const double alpha = argb >> 24;
+  return {alpha, (argb >> 16 & 255) * alpha / 255, (argb >> 8 & 255) * alpha / 255,
+          (argb & 255) * alpha / 255};
+}
+
+Difference Compare(const Picture& drawn, const Picture& golden, double limit) {
+  Difference result;
+  result.firstPixel = drawn.pixels.size();
+  result.picture = drawn;
+  for (size_t i = 0; i < drawn.pixels.size(); ++i) {
+    const auto a = Channels(drawn.pixels[i]), b = Channels(golden.pixels[i]);
+    uint32_t shown = 0xFF000000u;
+    for (size_t c = 0; c < 4; ++c) {
+      // Halves of a step come from the file, which is not premultiplied.
+      const double difference = std::max(0.0, std::abs(a[c] - b[c]) - 0.5);
+      result.worst = std::max(result.worst, difference);
+      result.mean += difference / (4.0 * static_cast<double>(drawn.pixels.size()));
+      if (difference > limit) result.firstPixel = std::min(result.firstPixel, i);
+      if (c > 0) shown |= static_cast<uint32_t>(std::min(255.0, difference * 8)) << (8 * (3 - c));
+    }
+    result.picture.pixels[i] = shown;
+  }
+  return result;
+}
+
+using Parameter = std::tuple<const char*, Scene>;
+
+class Golden : public testing::TestWithParam<Parameter> {};
+
+std::string NameOf(const testing::TestParamInfo<Parameter>& test) {
+  return std::string(std::get<0>(test.param)) + "_" + std::get<1>(test.param).name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Scenes, Golden,
+                         testing::Combine(testing::ValuesIn(kBackends),
+                                          testing::ValuesIn(Scenes())),
+                         NameOf);
+
+TEST_P(Golden, Scene) {
+  const auto& [backend, scene] = GetParam();
+  const std::unique_ptr<VuGraphics> graphics = Open(backend);
+  ASSERT_NE(graphics, nullptr);
+  const std::unique_ptr<VuBitmap> target(
+      graphics->CreateBitmap(kWidth, kHeight, VuPixelFormat::ARGB8888));
+  ASSERT_NE(target, nullptr);
+  target->Clear(VuColor{0xFF182838});
+  scene.draw(*graphics, *target);
+  target->Finish();
+  const Picture drawn = examples::PictureOf(*target);
+
+  const std::string file = GoldenFile(scene);
+  if (UpdatesGolden() && backend == kBackends[0]) {
+    ASSERT_TRUE(examples::WritePng(file.c_str(), drawn));
+    GTEST_SKIP() << "wrote " << file;
+  }
+  const std::optional<Picture> golden = examples::ReadPng(file.c_str());
+  ASSERT_TRUE(golden) << "make it with ZIRK_UPDATE_GOLDEN=1, and look at it";
+  ASSERT_EQ(golden->pixels.size(), drawn.pixels.size());
+
+  const Difference difference = Compare(drawn, *golden, scene.worst);
+  if (difference.worst <= scene.worst && difference.mean <= scene.mean) return;
+  const std::string stem = std::string(scene.name) + "_" + backend;
+  examples::WritePng((stem + "_drawn.png").c_str(), drawn);
+  examples::WritePng((stem + "_difference.png").c_str(), difference.picture);
+  const size_t at = std::min(difference.firstPixel, drawn.pixels.size() - 1);
+  FAIL() << "worst difference " << difference.worst << " (" << scene.worst << " allowed), mean "
+         << difference.mean << " (" << scene.mean << " allowed); first at (" << at % kWidth << ", "
+         << at / kWidth << "): drawn " << std::hex << drawn.pixels[at] << ", golden "
+         << golden->pixels[at] << "; see " << stem << "_drawn.png and _difference.png in "
+         << std::filesystem::current_path();
+}
+
+}  // namespace
+}  // namespace ZIRK::scenes

@@ -1,0 +1,259 @@
+#include "scenes/model.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+
+namespace ZIRK::model {
+
+namespace {
+
+Pixel Decode(VuPixelFormat format, const uint8_t* p) {
+  const uint32_t v16 = static_cast<uint32_t>(p[0] | p[1] << 8);
+  const auto field = [v16](int shift, uint32_t most) { return double(v16 >> shift & most) / most; };
+  switch (format) {
+    case VuPixelFormat::ARGB8888:
+      return {p[2] / 255.0, p[1] / 255.0, p[0] / 255.0, p[3] / 255.0};
+    case VuPixelFormat::XRGB8888:
+      return {p[2] / 255.0, p[1] / 255.0, p[0] / 255.0, 1};
+    case VuPixelFormat::RGB565:
+      return {field(11, 31), field(5, 63), field(0, 31), 1};
+    case VuPixelFormat::ARGB4444:
+      return {field(8, 15), field(4, 15), field(0, 15), field(12, 15)};
+    case VuPixelFormat::ARGB1555:
+      return {field(10, 31), field(5, 31), field(0, 31), field(15, 1)};
+    case VuPixelFormat::A8:
+      return {p[0] / 255.0, p[0] / 255.0, p[0] / 255.0, p[0] / 255.0};
+  }
+  return {};
+}
+
+int BytesPerPixel(VuPixelFormat format) {
+  if (format == VuPixelFormat::A8) return 1;
+  return format == VuPixelFormat::ARGB8888 || format == VuPixelFormat::XRGB8888 ? 4 : 2;
+}
+
+struct Vec {
+  double x, y;
+};
+
+Pixel Premultiplied(VuColor c) {
+  const double a = (c.argb >> 24) / 255.0;
+  return {(c.argb >> 16 & 255) / 255.0 * a, (c.argb >> 8 & 255) / 255.0 * a,
+          (c.argb & 255) / 255.0 * a, a};
+}
+
+/// Where the unit square of the operation lies: corner 0, and the ways to corners 1 and 3.
+struct Shape {
+  Vec origin, across, down;
+  bool hard;
+
+  explicit Shape(const Operation& op) {
+    const float* m = op.matrix.get();
+    const auto map = [m](double x, double y) {
+      return Vec{x * double(m[0]) + y * double(m[3]) + double(m[6]),
+                 x * double(m[1]) + y * double(m[4]) + double(m[7])};
+    };
+    Vec c0 = map(op.x, op.y), c1 = map(op.x + op.width, op.y), c3 = map(op.x, op.y + op.height);
+    const auto near = [](double a, double b) { return std::abs(a - b) < 0.002; };
+    const bool aligned =
+        (near(c0.y, c1.y) && near(c0.x, c3.x)) || (near(c0.x, c1.x) && near(c0.y, c3.y));
+    hard = aligned && !op.subPixel;
+    for (Vec* c : {&c0, &c1, &c3})
+      if (hard) *c = {std::floor(c->x + 0.5), std::floor(c->y + 0.5)};
+    origin = c0;
+    across = {c1.x - c0.x, c1.y - c0.y};
+    down = {c3.x - c0.x, c3.y - c0.y};
+  }
+
+  Vec Unit(double x, double y) const {
+    const double det = across.x * down.y - across.y * down.x;
+    const double dx = x - origin.x, dy = y - origin.y;
+    return {(dx * down.y - dy * down.x) / det, (dy * across.x - dx * across.y) / det};
+  }
+};
+
+/// The part of the unit square for which there is any source.
+struct Part {
+  double u0 = 0, v0 = 0, u1 = 1, v1 = 1;
+
+  explicit Part(const Operation& op) {
+    if (!op.source.picture) return;
+    u0 = std::max(u0, -op.srcX / op.srcWidth);
+    v0 = std::max(v0, -op.srcY / op.srcHeight);
+    u1 = std::min(u1, (op.source.picture->width - op.srcX) / op.srcWidth);
+    v1 = std::min(v1, (op.source.picture->height - op.srcY) / op.srcHeight);
+  }
+
+  /// Whether one of its edges runs through the middle of the pixel at `unit`.
+  bool CutsThrough(Vec unit, const Shape& shape) const {
+    const double sizeU = std::hypot(shape.across.x, shape.across.y);
+    const double sizeV = std::hypot(shape.down.x, shape.down.y);
+    return std::abs(unit.x - u0) * sizeU < 0.01 || std::abs(unit.x - u1) * sizeU < 0.01 ||
+           std::abs(unit.y - v0) * sizeV < 0.01 || std::abs(unit.y - v1) * sizeV < 0.01;
+  }
+};
+
+/// Whether an edge of the part comes near the pixel: none slips through, as slivers may between the
+/// points that coverage is measured with.
+bool IsNearEdge(const Shape& shape, const Part& part, int x, int y) {
+  const double det = std::abs(shape.across.x * shape.down.y - shape.across.y * shape.down.x);
+  const double reachU = 0.75 * std::hypot(shape.down.x, shape.down.y) / det;
+  const double reachV = 0.75 * std::hypot(shape.across.x, shape.across.y) / det;
+  const Vec unit = shape.Unit(x + 0.5, y + 0.5);
+  const double depthU = std::min(unit.x - part.u0, part.u1 - unit.x);
+  const double depthV = std::min(unit.y - part.v0, part.v1 - unit.y);
+  return depthU > -reachU && depthV > -reachV && !(depthU > reachU && depthV > reachV);
+}
+
+/// Of the pixel, the share that lies in the part.
+double Coverage(const Shape& shape, const Part& part, int x, int y) {
+  const int samples = shape.hard ? 1 : 16;
+  int inside = 0;
+  for (int i = 0; i < samples * samples; ++i) {
+    const Vec unit =
+        shape.Unit(x + (i % samples + 0.5) / samples, y + (i / samples + 0.5) / samples);
+    inside += unit.x > part.u0 && unit.x < part.u1 && unit.y > part.v0 && unit.y < part.v1;
+  }
+  return double(inside) / (samples * samples);
+}
+
+struct Limits {
+  int x0, y0, x1, y1;
+};
+
+Pixel Sample(const Operand& o, Vec at, const Limits& limits, bool& ambiguous) {
+  const auto pixel = [&](int x, int y) {
+    return o.picture->At(std::clamp(x, limits.x0, limits.x1 - 1),
+                         std::clamp(y, limits.y0, limits.y1 - 1));
+  };
+  if (!o.bilinear) {
+    const auto nearBorder = [](double v) { return std::abs(v - std::round(v)) < 0.01; };
+    ambiguous = ambiguous || nearBorder(at.x) || nearBorder(at.y);
+    return pixel(static_cast<int>(std::floor(at.x)), static_cast<int>(std::floor(at.y)));
+  }
+  const double fx = at.x - 0.5, fy = at.y - 0.5;
+  const int ix = static_cast<int>(std::floor(fx)), iy = static_cast<int>(std::floor(fy));
+  const double wx = fx - ix, wy = fy - iy;
+  Pixel result{};
+  for (size_t c = 0; c < 4; ++c)
+    result[c] = (pixel(ix, iy)[c] * (1 - wx) + pixel(ix + 1, iy)[c] * wx) * (1 - wy) +
+                (pixel(ix, iy + 1)[c] * (1 - wx) + pixel(ix + 1, iy + 1)[c] * wx) * wy;
+  return result;
+}
+
+Pixel SourceColor(const Operation& op, Vec unit, bool& ambiguous) {
+  Pixel color = Premultiplied(op.color);
+  if (!op.source.picture) return color;
+  const Picture& p = *op.source.picture;
+  const Limits limits = {std::max(0, static_cast<int>(std::floor(op.srcX))),
+                         std::max(0, static_cast<int>(std::floor(op.srcY))),
+                         std::min(p.width, static_cast<int>(std::ceil(op.srcX + op.srcWidth))),
+                         std::min(p.height, static_cast<int>(std::ceil(op.srcY + op.srcHeight)))};
+  const Vec at = {op.srcX + unit.x * op.srcWidth, op.srcY + unit.y * op.srcHeight};
+  const Pixel sample = Sample(op.source, at, limits, ambiguous);
+  for (size_t c = 0; c < 4; ++c) color[c] *= sample[c];
+  return color;
+}
+
+double MaskAlpha(const Operation& op, Vec unit, bool& ambiguous) {
+  if (!op.mask.picture) return 1;
+  const double w = op.mask.picture->width, h = op.mask.picture->height;
+  Vec corner[4] = {{0, 0}, {w, 0}, {w, h}, {0, h}};
+  for (int i = 0; op.maskCoords && i < 4; ++i)
+    corner[i] = {double(op.maskCoords[i].x()), double(op.maskCoords[i].y())};
+  const double weight[4] = {(1 - unit.x) * (1 - unit.y), unit.x * (1 - unit.y), unit.x * unit.y,
+                            (1 - unit.x) * unit.y};
+  Vec at = {0, 0};
+  for (int i = 0; i < 4; ++i) {
+    at.x += corner[i].x * weight[i];
+    at.y += corner[i].y * weight[i];
+  }
+  return Sample(op.mask, at, {0, 0, op.mask.picture->width, op.mask.picture->height}, ambiguous)[3];
+}
+
+double FactorValue(VuBlendingFactor f, const Pixel& s, const Pixel& d, const Pixel& k, size_t c) {
+  switch (f) {
+    case VuBlendingFactor::Zero:
+      return 0;
+    case VuBlendingFactor::One:
+      return 1;
+    case VuBlendingFactor::SrcColor:
+      return s[c];
+    case VuBlendingFactor::OneMinusSrcColor:
+      return 1 - s[c];
+    case VuBlendingFactor::SrcAlpha:
+      return s[3];
+    case VuBlendingFactor::OneMinusSrcAlpha:
+      return 1 - s[3];
+    case VuBlendingFactor::DstAlpha:
+      return d[3];
+    case VuBlendingFactor::OneMinusDstAlpha:
+      return 1 - d[3];
+    case VuBlendingFactor::DstColor:
+      return d[c];
+    case VuBlendingFactor::OneMinusDstColor:
+      return 1 - d[c];
+    case VuBlendingFactor::SrcAlphaSaturate:
+      return c == 3 ? 1 : std::min(s[3], 1 - d[3]);
+    case VuBlendingFactor::BlendColor:
+      return k[c];
+    case VuBlendingFactor::OneMinusBlendColor:
+      return 1 - k[c];
+    case VuBlendingFactor::BlendAlpha:
+      return k[3];
+    case VuBlendingFactor::OneMinusBlendAlpha:
+      return 1 - k[3];
+  }
+  return 0;
+}
+
+Pixel Blend(const Operation& op, const Pixel& s, const Pixel& d) {
+  if (!op.blend) return s;
+  const Pixel k = Premultiplied(op.blendColor);
+  Pixel result{};
+  for (size_t c = 0; c < 4; ++c) {
+    const double sf = FactorValue(c == 3 ? op.factors.srcAlpha : op.factors.srcColor, s, d, k, c);
+    const double df = FactorValue(c == 3 ? op.factors.dstAlpha : op.factors.dstColor, s, d, k, c);
+    result[c] = std::min(1.0, s[c] * sf + d[c] * df);
+  }
+  return result;
+}
+
+}  // namespace
+
+Picture::Picture(VuBitmap& bitmap) {
+  const VuRect bounds = bitmap.GetBounds();
+  width = bounds.width;
+  height = bounds.height;
+  format = bitmap.GetInfo().format;
+  const size_t bytes = static_cast<size_t>(BytesPerPixel(format));
+  std::vector<uint8_t> raw(static_cast<size_t>(width * height) * bytes + 1);
+  bitmap.GetPixels(bounds, raw.data());
+  for (size_t i = 0; i < static_cast<size_t>(width * height); ++i)
+    pixels.push_back(Decode(format, &raw[i * bytes]));
+}
+
+Outcome Draw(const Operation& op, const Picture& target, int x, int y) {
+  const Pixel& before = target.At(x, y);
+  const int64_t right = int64_t{op.clip.x} + op.clip.width;
+  const int64_t bottom = int64_t{op.clip.y} + op.clip.height;
+  const bool clipped = x < op.clip.x || y < op.clip.y || x >= right || y >= bottom;
+  const Shape shape(op);
+  const Part part(op);
+  const Vec unit = shape.Unit(x + 0.5, y + 0.5);
+  const double coverage = clipped ? 0 : Coverage(shape, part, x, y);
+  const bool near = !clipped && !shape.hard && IsNearEdge(shape, part, x, y);
+  const bool ambiguous = !clipped && shape.hard && part.CutsThrough(unit, shape);
+  // So little may be rounded to nothing, or to something, which is much where blending is off.
+  const bool touched = coverage > (shape.hard ? 0 : 0.01);
+  if (!touched) return {before, false, near, false, ambiguous};
+  Outcome outcome{{}, true, true, near || coverage < 1, ambiguous};
+  Pixel source = SourceColor(op, unit, outcome.ambiguous);
+  const double masked = coverage * MaskAlpha(op, unit, outcome.ambiguous);
+  for (double& channel : source) channel *= masked;
+  outcome.value = Blend(op, source, before);
+  return outcome;
+}
+
+}  // namespace ZIRK::model

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <zirk/zirk.h>
+
+#include <array>
+#include <vector>
+
+/// What drawing means, written down once more: slowly, pixel by pixel, in double precision, and
+/// without a thought for speed. It shares no code with any backend.
+
+namespace ZIRK::model {
+
+/// Red, green, blue, alpha; premultiplied, 0 to 1.
+using Pixel = std::array<double, 4>;
+
+struct Picture {
+  int width, height;
+  VuPixelFormat format;
+  std::vector<Pixel> pixels;
+
+  /// What `bitmap` holds.
+  explicit Picture(VuBitmap& bitmap);
+
+  const Pixel& At(int x, int y) const { return pixels[static_cast<size_t>(y * width + x)]; }
+};
+
+struct Factors {
+  VuBlendingFactor srcColor, dstColor, srcAlpha, dstAlpha;
+};
+
+/// A source or a mask.
+struct Operand {
+  const Picture* picture = nullptr;
+  bool bilinear = false;
+};
+
+/// One drawing operation: a rectangle of one colour, or of a source's pixels times that colour.
+struct Operation {
+  double x = 0, y = 0, width = 0, height = 0;
+  bool subPixel = false;  ///< Axis-aligned edges are anti-aliased instead of moved.
+  VuTMatrix2D<float> matrix{};
+  VuColor color{0xFFFFFFFF};
+
+  Operand source{};
+  double srcX = 0, srcY = 0, srcWidth = 0, srcHeight = 0;
+
+  Operand mask{};
+  const VuTVector2D<float>* maskCoords = nullptr;  ///< Four, or null.
+
+  bool blend = true;
+  Factors factors{VuBlendingFactor::One, VuBlendingFactor::OneMinusSrcAlpha, VuBlendingFactor::One,
+                  VuBlendingFactor::OneMinusSrcAlpha};
+  VuColor blendColor{0};
+  VuRect clip{0, 0, 0, 0};
+};
+
+/// What becomes of one pixel.
+struct Outcome {
+  Pixel value;
+  bool touched;    ///< The operation covers some of it.
+  bool near;       ///< An edge comes so close that it may cover some.
+  bool partly;     ///< At the edge, where coverage is a matter of precision.
+  bool ambiguous;  ///< A sample or a cut edge lies so near a border that either side will do.
+};
+
+Outcome Draw(const Operation& op, const Picture& target, int x, int y);
+
+}  // namespace ZIRK::model

@@ -1,0 +1,291 @@
+// Backends against the model, pixel by pixel.
+
+#include <cmath>
+#include <limits>
+
+#include "scenes/backends.h"
+#include "scenes/trial.h"
+
+namespace ZIRK::scenes {
+namespace {
+
+using Factor = VuBlendingFactor;
+using Format = VuPixelFormat;
+
+constexpr Format kFormats[] = {Format::ARGB8888, Format::XRGB8888, Format::RGB565,
+                               Format::ARGB4444, Format::ARGB1555, Format::A8};
+
+class Model : public testing::TestWithParam<const char*> {
+ protected:
+  void SetUp() override {
+    graphics_ = Open(GetParam());
+    ASSERT_NE(graphics_, nullptr);
+  }
+
+  std::unique_ptr<VuBitmap> Noise(int width, int height, Format format, unsigned seed,
+                                  VuScaleMode mode = VuScaleMode::Nearest) {
+    std::unique_ptr<VuBitmap> bitmap(graphics_->CreateBitmap(width, height, format));
+    FillWithNoise(*bitmap, seed);
+    bitmap->SetScaleMode(mode);
+    return bitmap;
+  }
+
+  std::unique_ptr<VuGraphics> graphics_;
+};
+
+INSTANTIATE_TEST_SUITE_P(Backends, Model, testing::ValuesIn(kBackends),
+                         [](const auto& test) { return std::string(test.param); });
+
+TEST_P(Model, EveryPairOfBlendingFactors) {
+  const auto src = Noise(9, 9, Format::ARGB8888, 7);
+  const auto mask = Noise(9, 9, Format::A8, 8);
+  for (const Format format : {Format::ARGB8888, Format::RGB565, Format::A8}) {
+    Trial trial(*graphics_, 20, 20, format);
+    trial.SetBlendColor(VuColor{0xA0C04020});
+    for (int s = 0; s <= 14 && !HasFailure(); ++s)
+      for (int d = 0; d <= 14 && !HasFailure(); ++d) {
+        SCOPED_TRACE("factors " + std::to_string(s) + ", " + std::to_string(d) + " format " +
+                     std::to_string(int(format)));
+        FillWithNoise(trial.Target(), static_cast<unsigned>(s * 15 + d));
+        trial.SetFactors({Factor(s), Factor(d), Factor(s), Factor(d)});
+        trial.DrawRect({1, 1, 18, 9}, VuColor{0x80FF4010});
+        trial.DrawObject({1, 10, 9, 9}, *src, {0, 0, 9, 9});
+        trial.DrawObject({11, 10, 9, 9}, *src, {0, 0, 9, 9}, {}, VuColor{0xC0FFFF00}, {mask.get()});
+      }
+  }
+}
+
+TEST_P(Model, SeparateFactorsForAlpha) {
+  const auto src = Noise(9, 9, Format::ARGB8888, 7);
+  Random random(5);
+  Trial trial(*graphics_, 20, 20, Format::ARGB8888);
+  trial.SetBlendColor(VuColor{0x60204080});
+  for (int i = 0; i < 60 && !HasFailure(); ++i) {
+    FillWithNoise(trial.Target(), static_cast<unsigned>(i));
+    const auto factor = [&] { return Factor(random() % 15); };
+    trial.SetFactors({factor(), factor(), factor(), factor()});
+    trial.DrawRect({1, 1, 18, 9}, VuColor{0x9040C0FF});
+    trial.DrawObject({4, 10, 9, 9}, *src, {0, 0, 9, 9});
+  }
+}
+
+TEST_P(Model, EveryFormatOntoEveryFormat) {
+  for (const Format to : kFormats)
+    for (const Format from : kFormats) {
+      if (HasFailure()) return;
+      SCOPED_TRACE("from " + std::to_string(int(from)) + " to " + std::to_string(int(to)));
+      const auto nearest = Noise(13, 11, from, 3);
+      const auto bilinear = Noise(13, 11, from, 4, VuScaleMode::Bilinear);
+      Trial trial(*graphics_, 32, 28, to);
+      trial.DrawObject({2, 2, 13, 11}, *nearest, {0, 0, 13, 11});
+      trial.DrawObject({2, 2, 13, 11}, *nearest, {0, 0, 13, 11}, {}, VuColor{0xB0FF8040});
+      trial.DrawObject({1, 1, 30, 17}, *nearest, {0, 0, 13, 11});
+      trial.DrawObject({1, 1, 30, 26}, *bilinear, {0, 0, 13, 11});
+      trial.DrawObject({-7, -6, 13, 11}, *bilinear, {0, 0, 13, 11}, VuTransform(16, 14, 1, 1, 33));
+      trial.DrawRect({3, 3, 20, 20}, VuColor{0x70102030}, VuTransform(4, -2, 1, 1, -10));
+      trial.Target().SetBlendEnabled(false);
+      trial.DrawObject({3, 4, 13, 11}, *nearest, {0, 0, 13, 11});
+      trial.DrawRect({20, 3, 9, 9}, VuColor{0x50FFFFFF});
+    }
+}
+
+struct Transform {
+  const char* name;
+  VuTransform transform;
+};
+
+constexpr Transform kTransforms[] = {
+    {"identity", {0, 0, 1, 1, 0}},
+    {"moved by part of a pixel", {3.4f, -2.7f, 1, 1, 0}},
+    {"enlarged", {-5, -5, 1.7f, 2.3f, 0}},
+    {"shrunk", {9, 9, 0.41f, 0.73f, 0}},
+    {"mirrored across", {40, 0, -1, 1, 0}},
+    {"mirrored both ways, enlarged", {50, 50, -1.25f, -1.5f, 0}},
+    {"a quarter turn", {0, 40, 1, 1, 90}},
+    {"half a turn", {40, 40, 1, 1, 180}},
+    {"three quarters, moved by part of a pixel", {40.3f, 0.6f, 1, 1, 270}},
+    {"slanted", {2, 22, 1, 1, 33}},
+    {"slanted, enlarged unevenly", {-12, 20, 2, 1.3f, 20}},
+    {"slanted, mirrored", {44, 8, -1, 1, 12}},
+    {"nearly flat", {8, 8, 1, 0.02f, 3}},
+};
+
+TEST_P(Model, Transforms) {
+  for (const VuScaleMode mode : {VuScaleMode::Nearest, VuScaleMode::Bilinear})
+    for (const Transform& t : kTransforms) {
+      if (HasFailure()) return;
+      SCOPED_TRACE(std::string(t.name) + ", scale mode " + std::to_string(int(mode)));
+      const auto src = Noise(24, 18, Format::ARGB8888, 3, mode);
+      Trial trial(*graphics_, 48, 48, Format::ARGB8888);
+      trial.DrawRect({10, 10, 17, 12}, VuColor{0x9080FF20}, t.transform);
+      trial.DrawObject({6, 8, 24, 18}, *src, {0, 0, 24, 18}, t.transform);
+      trial.DrawObject({6, 8, 24, 18}, *src, {3, 4, 9, 7}, t.transform, VuColor{0xC0FF80FF});
+      trial.DrawSubPixel(VuTRect2D<float>(6.3f, 8.6f, 21.5f, 15.8f), *src,
+                         VuTRect2D<float>(2.25f, 3.5f, 17.5f, 11.25f), t.transform);
+    }
+}
+
+TEST_P(Model, SourcesThatReachBeyondTheirBitmap) {
+  const auto src = Noise(16, 12, Format::ARGB8888, 9, VuScaleMode::Bilinear);
+  Trial trial(*graphics_, 40, 40, Format::ARGB8888);
+  constexpr VuRect kRects[] = {{-5, -4, 20, 20}, {8, 6, 20, 20}, {-3, 2, 40, 5}, {20, 0, 5, 5}};
+  for (const VuRect& r : kRects) {
+    trial.DrawObject({4, 4, 30, 30}, *src, r);
+    trial.DrawObject({4, 4, r.width, r.height}, *src, r);
+    trial.DrawObject({-10, -10, 20, 20}, *src, r, VuTransform(20, 20, 1, 1, 25));
+  }
+}
+
+TEST_P(Model, Masks) {
+  VuTVector2D<float> part[4] = {{3, 2}, {11, 2}, {11, 9}, {3, 9}};
+  VuTVector2D<float> turned[4] = {{14, 1}, {14, 10}, {2, 10}, {2, 1}};
+  VuTVector2D<float> twisted[4] = {{0, 0}, {16, 3}, {9, 12}, {-4, 7}};
+  for (const Format format : kFormats)
+    for (const VuScaleMode mode : {VuScaleMode::Nearest, VuScaleMode::Bilinear})
+      for (VuTVector2D<float>* coords :
+           {static_cast<VuTVector2D<float>*>(nullptr), part, turned, twisted}) {
+        if (HasFailure()) return;
+        const auto mask = Noise(16, 12, format, 5, mode);
+        const auto src = Noise(16, 12, Format::ARGB8888, 6);
+        Trial trial(*graphics_, 40, 36, Format::ARGB8888);
+        const MaskArgument argument{mask.get(), coords};
+        trial.DrawRect({2, 2, 16, 12}, VuColor{0xE0FF2040}, {}, argument);
+        trial.DrawRect({2, 2, 35, 30}, VuColor{0xFF40FF40}, {}, argument);
+        trial.DrawObject({20, 20, 16, 12}, *src, {0, 0, 16, 12}, {}, white, argument);
+        trial.DrawObject({-8, -6, 16, 12}, *src, {0, 0, 16, 12},
+                         VuTransform(18, 16, 1.5f, 1.5f, 40), white, argument);
+        trial.DrawObject({4, 4, 16, 12}, *src, {-4, -3, 16, 12}, {}, white, argument);
+      }
+}
+
+TEST_P(Model, OntoItself) {
+  Trial trial(*graphics_, 40, 36, Format::ARGB8888);
+  trial.Target().SetScaleMode(VuScaleMode::Bilinear);
+  VuBitmap& self = trial.Target();
+  trial.DrawObject({6, 4, 20, 20}, self, {2, 3, 20, 20});
+  trial.DrawObject({0, 0, 20, 20}, self, {-6, 20, 30, 30});
+  trial.DrawObject({3, 3, 30, 25}, self, {8, 9, 12, 10}, VuTransform(4, 6, 1, 1, -15));
+  trial.DrawRect({5, 5, 30, 20}, VuColor{0xE0FF2040}, {}, {&self});
+  trial.DrawObject({2, 1, 36, 30}, self, {5, 6, 30, 20}, {}, white, {&self});
+  trial.DrawObject({0, 0, 20, 20}, self, {50, 50, 10, 10});
+}
+
+TEST_P(Model, ClippingRectangles) {
+  const auto src = Noise(20, 20, Format::ARGB8888, 9, VuScaleMode::Bilinear);
+  const auto mask = Noise(20, 20, Format::A8, 9);
+  constexpr VuRect kClips[] = {{5, 6, 9, 8},
+                               {-10, -10, 20, 20},
+                               {25, 25, 100, 100},
+                               {0, 0, 0, 10},
+                               {10, 10, -5, -5},
+                               {50, 0, 10, 10},
+                               {INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX},
+                               {1, 1, INT32_MAX, INT32_MAX}};
+  for (const VuRect& clip : kClips) {
+    Trial trial(*graphics_, 32, 32, Format::ARGB8888);
+    trial.Target().SetClippingRect(clip);
+    trial.DrawRect({-3, -3, 40, 40}, VuColor{0x80FFFFFF});
+    trial.DrawObject({2, 2, 20, 20}, *src, {0, 0, 20, 20}, {}, white, {mask.get()});
+    trial.DrawObject({-10, -10, 20, 20}, *src, {0, 0, 20, 20}, VuTransform(16, 16, 1.4f, 1.4f, 30));
+  }
+}
+
+TEST_P(Model, WhatHasNoExtentOrNoPlaceDrawsNothing) {
+  const float infinity = std::numeric_limits<float>::infinity();
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  const auto src = Noise(8, 8, Format::ARGB8888, 2);
+  Trial trial(*graphics_, 16, 16, Format::ARGB8888);
+  VuBitmap& target = trial.Target();
+  const model::Picture before(target);
+  for (const VuTransform& t :
+       {VuTransform(0, 0, 0, 1, 0), VuTransform(0, 0, 1, 0, 30), VuTransform(0, 0, 0, 0, 0),
+        VuTransform(nan, 0, 1, 1, 0), VuTransform(0, infinity, 1, 1, 0),
+        VuTransform(0, 0, infinity, 1, 0), VuTransform(0, 0, 1, 1, nan)}) {
+    target.DrawRect({2, 2, 8, 8}, white, t);
+    target.DrawObject({2, 2, 8, 8}, *src, {0, 0, 8, 8}, t);
+    target.DrawPoint({5, 5}, 4, white, t);
+    target.DrawLine({1, 1}, {9, 5}, white, t);
+  }
+  for (const VuRect& r : {VuRect{2, 2, 0, 5}, VuRect{2, 2, 5, 0}, VuRect{9, 9, -4, -4},
+                          VuRect{100, 100, 5, 5}, VuRect{INT32_MIN, 0, 5, 5}}) {
+    target.DrawRect(r, white);
+    target.DrawObject(r, *src);
+    target.DrawObject({2, 2, 5, 5}, *src, r);
+  }
+  for (const float size : {0.0f, -3.0f, nan, infinity}) target.DrawPoint({5, 5}, size, white);
+  target.DrawObject(VuTRect2D<float>(nan, 0, 5, 5), *src, VuTRect2D<float>(0, 0, 5, 5),
+                    VuTMatrix2D<float>(), white);
+  target.DrawObject(VuTRect2D<float>(0, 0, 5, 5), *src, VuTRect2D<float>(0, nan, 5, 5),
+                    VuTMatrix2D<float>(), white);
+  EXPECT_EQ(before.pixels, model::Picture(target).pixels);
+}
+
+TEST_P(Model, FilteringNeverReadsTheNeighbours) {
+  // Sprites of one colour side by side: whatever the scale and offset, no other colour appears.
+  std::unique_ptr<VuBitmap> sheet(graphics_->CreateBitmap(24, 8, Format::ARGB8888));
+  sheet->Clear(VuColor{0xFFFF0000});
+  sheet->DrawRect({8, 0, 8, 8}, VuColor{0xFF00FF00});
+  sheet->SetScaleMode(VuScaleMode::Bilinear);
+  for (const float scale : {0.3f, 0.5f, 1.0f, 1.3f, 2.0f, 5.7f})
+    for (const float offset : {0.0f, 0.25f, 0.5f, 0.75f}) {
+      std::unique_ptr<VuBitmap> target(graphics_->CreateBitmap(64, 64, Format::ARGB8888));
+      target->DrawObject({0, 0, 8, 8}, *sheet, {8, 0, 8, 8},
+                         VuTransform(offset, offset, scale, scale, 0));
+      target->DrawObject(VuTRect2D<float>(0, 0, 8, 8), *sheet, VuTRect2D<float>(8, 0, 8, 8),
+                         VuTransform(20 + offset, 12, scale, scale, 20), white);
+      for (const model::Pixel& p : model::Picture(*target).pixels)
+        ASSERT_TRUE(p[0] == 0 && p[2] == 0) << "scale " << scale << " offset " << offset;
+    }
+}
+
+TEST_P(Model, TilesMeetWithoutAGapOrAnOverlap) {
+  std::unique_ptr<VuBitmap> target(graphics_->CreateBitmap(200, 40, Format::ARGB8888));
+  const auto tile = Noise(10, 10, Format::XRGB8888, 1, VuScaleMode::Bilinear);
+  for (const float scale : {0.37f, 0.8f, 1.0f, 1.43f, 1.9f})
+    for (const float offset : {0.0f, 0.3f, 0.5f}) {
+      target->Clear();
+      for (int i = 0; i < 10; ++i)
+        target->DrawRect({i * 10, 0, 10, 20}, VuColor{0x80FFFFFF},
+                         VuTransform(offset, 0, scale, 1, 0));
+      const model::Picture picture(*target);
+      const int end = static_cast<int>(std::floor(100 * scale + offset));
+      for (int x = static_cast<int>(std::floor(offset + 0.5f)); x < end; ++x)
+        ASSERT_NEAR(picture.At(x, 5)[3] * 255, 128, 0.1) << "at " << x << " scale " << scale;
+    }
+}
+
+TEST_P(Model, RandomOperations) {
+  Random random(2024);
+  const auto number = [&](int low, int high) {
+    return low + static_cast<int>(random() % static_cast<unsigned>(high - low + 1));
+  };
+  const auto real = [&](float low, float high) {
+    return low + static_cast<float>(random() % 1000) / 1000 * (high - low);
+  };
+  for (int round = 0; round < 300 && !HasFailure(); ++round) {
+    SCOPED_TRACE("round " + std::to_string(round));
+    Trial trial(*graphics_, number(10, 60), number(10, 60), kFormats[random() % 6]);
+    const auto src = Noise(number(1, 30), number(1, 30), kFormats[random() % 6], random(),
+                           VuScaleMode(random() % 2));
+    const auto mask = Noise(number(1, 30), number(1, 30), kFormats[random() % 6], random(),
+                            VuScaleMode(random() % 2));
+    trial.Target().SetBlendEnabled(random() % 4 != 0);
+    if (random() % 3 == 0)
+      trial.SetFactors({Factor(random() % 15), Factor(random() % 15), Factor(random() % 15),
+                        Factor(random() % 15)});
+    trial.SetBlendColor(VuColor{random()});
+
+    const VuTransform t(real(-5, 30), real(-5, 30), real(-2, 2), real(-2, 2),
+                        random() % 2 ? 0 : real(-180, 180));
+    const MaskArgument masked{random() % 2 ? mask.get() : nullptr};
+    const VuColor color{random()};
+    trial.DrawRect({number(-9, 40), number(-9, 40), number(1, 40), number(1, 40)}, color, t,
+                   masked);
+    trial.DrawObject({number(-9, 40), number(-9, 40), number(1, 40), number(1, 40)}, *src,
+                     {number(-3, 5), number(-3, 5), number(1, 30), number(1, 30)}, t, color,
+                     masked);
+  }
+}
+
+}  // namespace
+}  // namespace ZIRK::scenes

@@ -1,0 +1,174 @@
+#include "scenes/trial.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+namespace ZIRK::scenes {
+
+namespace {
+
+// Roundings on the way: of the colour, of its product with coverage, of the blend.
+constexpr double kSteps = 2.01;
+// A filter's weights have 8 bits, which is half a step more for each axis.
+constexpr double kFilterSteps = 3.01;
+// The model looks at 16 x 16 points of a pixel; a slanted edge may miss a row of them.
+constexpr double kEdgeSteps = 13;
+
+/// Bits of each channel.
+std::array<int, 4> ChannelBits(VuPixelFormat format) {
+  switch (format) {
+    case VuPixelFormat::ARGB8888:
+    case VuPixelFormat::XRGB8888:
+    case VuPixelFormat::A8:
+      return {8, 8, 8, 8};
+    case VuPixelFormat::RGB565:
+      return {5, 6, 5, 8};
+    case VuPixelFormat::ARGB4444:
+      return {4, 4, 4, 4};
+    case VuPixelFormat::ARGB1555:
+      return {5, 5, 5, 1};
+  }
+  return {};
+}
+
+/// Which doubles the error that the source came with.
+bool MultipliesSourceByItself(const model::Factors& f) {
+  const auto depends = [](VuBlendingFactor factor) {
+    return (factor >= VuBlendingFactor::SrcColor && factor <= VuBlendingFactor::OneMinusSrcAlpha) ||
+           factor == VuBlendingFactor::SrcAlphaSaturate;
+  };
+  return depends(f.srcColor) || depends(f.srcAlpha);
+}
+
+bool HasAlpha(VuPixelFormat format) {
+  return format != VuPixelFormat::XRGB8888 && format != VuPixelFormat::RGB565;
+}
+
+}  // namespace
+
+Trial::Trial(VuGraphics& graphics, int width, int height, VuPixelFormat format)
+    : target_(graphics.CreateBitmap(width, height, format)) {
+  FillWithNoise(*target_, 1);
+}
+
+void Trial::SetFactors(model::Factors f) {
+  factors_ = f;
+  target_->SetBlendingFunc(f.srcColor, f.dstColor, f.srcAlpha, f.dstAlpha);
+}
+
+void Trial::SetBlendColor(VuColor color) {
+  target_->SetBlendColor(color);
+}
+
+void Trial::DrawRect(VuRect r, VuColor color, VuTMatrix2D<float> m, MaskArgument mask) {
+  model::Operation op{double(r.x), double(r.y), double(r.width), double(r.height)};
+  op.matrix = m;
+  op.color = color;
+  Check(op, nullptr, mask, [&] {
+    if (mask.bitmap)
+      target_->DrawRect(r, color, m, *mask.bitmap, mask.coords);
+    else
+      target_->DrawRect(r, color, m);
+  });
+}
+
+void Trial::DrawObject(VuRect dst, VuBitmap& src, VuRect srcRect, VuTMatrix2D<float> m,
+                       VuColor color, MaskArgument mask) {
+  model::Operation op{double(dst.x), double(dst.y), double(dst.width), double(dst.height)};
+  op.matrix = m;
+  op.color = color;
+  op.srcX = srcRect.x;
+  op.srcY = srcRect.y;
+  op.srcWidth = srcRect.width;
+  op.srcHeight = srcRect.height;
+  Check(op, &src, mask, [&] {
+    if (mask.bitmap)
+      target_->DrawObject(dst, src, srcRect, m, color, *mask.bitmap, mask.coords);
+    else
+      target_->DrawObject(dst, src, srcRect, m, color);
+  });
+}
+
+void Trial::DrawSubPixel(VuTRect2D<float> dst, VuBitmap& src, VuTRect2D<float> srcRect,
+                         VuTMatrix2D<float> m, VuColor color, MaskArgument mask) {
+  model::Operation op{double(dst.x()), double(dst.y()), double(dst.width()), double(dst.height())};
+  op.subPixel = true;
+  op.matrix = m;
+  op.color = color;
+  op.srcX = double(srcRect.x());
+  op.srcY = double(srcRect.y());
+  op.srcWidth = double(srcRect.width());
+  op.srcHeight = double(srcRect.height());
+  Check(op, &src, mask, [&] {
+    if (mask.bitmap)
+      target_->DrawObject(dst, src, srcRect, m, color, *mask.bitmap, mask.coords);
+    else
+      target_->DrawObject(dst, src, srcRect, m, color);
+  });
+}
+
+template <typename F>
+void Trial::Check(model::Operation op, VuBitmap* src, const MaskArgument& mask, F&& draw) {
+  const model::Picture before(*target_);
+  std::unique_ptr<model::Picture> source, masked;
+  if (src) {
+    source = std::make_unique<model::Picture>(*src);
+    op.source = {source.get(), src->GetScaleMode() == VuScaleMode::Bilinear};
+  }
+  if (mask.bitmap) {
+    masked = std::make_unique<model::Picture>(const_cast<VuBitmap&>(*mask.bitmap));
+    op.mask = {masked.get(), mask.bitmap->GetScaleMode() == VuScaleMode::Bilinear};
+    op.maskCoords = mask.coords;
+  }
+  op.blend = target_->GetBlendEnabled();
+  op.factors = factors_;
+  op.blendColor = target_->GetBlendColor();
+  op.clip = target_->GetClippingRect();
+  draw();
+  const model::Picture after(*target_);
+  for (int y = 0; y < after.height && !testing::Test::HasFailure(); ++y)
+    for (int x = 0; x < after.width && !testing::Test::HasFailure(); ++x)
+      CheckPixel(op, before, after, x, y);
+}
+
+void Trial::CheckPixel(const model::Operation& op, const model::Picture& before,
+                       const model::Picture& after, int x, int y) {
+  const model::Outcome expected = model::Draw(op, before, x, y);
+  if (!expected.touched && expected.near) return;
+  if (expected.ambiguous) return;
+  const std::array<int, 4> bits = ChannelBits(after.format);
+  const bool filtered = op.source.bilinear || op.mask.bilinear;
+  const double precision =
+      (filtered ? kFilterSteps : kSteps) * (MultipliesSourceByItself(op.factors) ? 2 : 1);
+  const double tolerance = expected.partly ? kEdgeSteps : expected.touched ? precision : 0.01;
+  for (size_t c = after.format == VuPixelFormat::A8 ? 3 : 0; c < (HasAlpha(after.format) ? 4 : 3);
+       ++c) {
+    // A narrow channel stands for all values that it may have been narrowed from, by dropping
+    // bits or by rounding.
+    const double step = bits[c] == 8 ? 0 : 256 >> bits[c];
+    const double level = std::round(after.At(x, y)[c] * ((1 << bits[c]) - 1));
+    const double low = step > 0 ? level * step - step / 2 : level;
+    const double high = step > 0 ? level * step + step : level;
+    const double value = expected.value[c] * 255;
+    ASSERT_TRUE(value >= low - tolerance && value <= high + tolerance)
+        << "pixel (" << x << ", " << y << ") channel "
+        << "RGBA"[c] << ": drawn " << after.At(x, y)[c] * 255 << ", expected " << value
+        << ", before " << before.At(x, y)[c] * 255;
+  }
+}
+
+void FillWithNoise(VuBitmap& bitmap, unsigned seed) {
+  const VuRect bounds = bitmap.GetBounds();
+  Random random(seed);
+  const bool blended = bitmap.GetBlendEnabled();
+  bitmap.SetBlendEnabled(false);
+  for (int y = 0; y < bounds.height; ++y)
+    for (int x = 0; x < bounds.width; ++x) {
+      const uint32_t alphas[] = {0xFF000000u, 0, random() & 0xFF000000u, 0x80000000u};
+      bitmap.DrawRect(VuRect{x, y, 1, 1}, VuColor{alphas[random() % 4] | (random() & 0x00FFFFFFu)});
+    }
+  bitmap.SetBlendEnabled(blended);
+}
+
+}  // namespace ZIRK::scenes

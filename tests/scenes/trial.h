@@ -1,0 +1,61 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <zirk/zirk.h>
+
+#include <cstdint>
+#include <memory>
+#include <random>
+
+#include "scenes/model.h"
+
+namespace ZIRK::scenes {
+
+/// Numbers that are the same everywhere.
+class Random {
+ public:
+  explicit Random(uint32_t seed) : engine_(seed) {}
+  uint32_t operator()() { return static_cast<uint32_t>(engine_()); }
+
+ private:
+  std::mt19937 engine_;
+};
+
+struct MaskArgument {
+  const VuBitmap* bitmap = nullptr;
+  VuTVector2D<float>* coords = nullptr;  ///< Four, or null.
+};
+
+/// Draws on a bitmap and checks every pixel after every operation against the model. The model
+/// starts each time from what the bitmap held, so that errors do not add up.
+class Trial {
+ public:
+  Trial(VuGraphics& graphics, int width, int height, VuPixelFormat format);
+
+  /// The bitmap, to set its state.
+  VuBitmap& Target() { return *target_; }
+
+  void SetFactors(model::Factors factors);
+  void SetBlendColor(VuColor color);
+
+  void DrawRect(VuRect rect, VuColor color, VuTMatrix2D<float> m = {}, MaskArgument mask = {});
+  void DrawObject(VuRect dst, VuBitmap& src, VuRect srcRect, VuTMatrix2D<float> m = {},
+                  VuColor color = white, MaskArgument mask = {});
+  void DrawSubPixel(VuTRect2D<float> dst, VuBitmap& src, VuTRect2D<float> srcRect,
+                    VuTMatrix2D<float> m = {}, VuColor color = white, MaskArgument mask = {});
+
+ private:
+  template <typename F>
+  void Check(model::Operation op, VuBitmap* src, const MaskArgument& mask, F&& draw);
+  void CheckPixel(const model::Operation& op, const model::Picture& before,
+                  const model::Picture& after, int x, int y);
+
+  std::unique_ptr<VuBitmap> target_;
+  model::Factors factors_{VuBlendingFactor::One, VuBlendingFactor::OneMinusSrcAlpha,
+                          VuBlendingFactor::One, VuBlendingFactor::OneMinusSrcAlpha};
+};
+
+/// Fills `bitmap` with many colours and alphas, the same every time.
+void FillWithNoise(VuBitmap& bitmap, unsigned seed);
+
+}  // namespace ZIRK::scenes
