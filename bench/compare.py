@@ -1,0 +1,96 @@
+#!/usr/bin/env python3
+"""Runs zirk_bench and prints this library's speed as ratios to its peers of the same run.
+
+usage: compare.py path/to/zirk_bench [benchmark options]
+"""
+
+import collections
+import json
+import subprocess
+import sys
+import tempfile
+
+OURS = "ZIRK"
+# Operation, peer: how many times as fast this library means to be.
+TARGETS = {
+    ("FillRect8", "Cairo"): 5,
+    ("BlitAlpha16", "Cairo"): 2.5,
+    ("BlitTinted64", "Cairo"): 8,
+    ("Line100", "Cairo"): 4,
+}
+FRONT_END_LIMIT = 2  # nanoseconds
+
+
+def measure(binary, options):
+    """Median results by operation and variant, in the order in which they are registered."""
+    with tempfile.NamedTemporaryFile(suffix=".json") as out:
+        subprocess.run(
+            [binary, "--benchmark_repetitions=9", "--benchmark_min_time=0.03",
+             "--benchmark_enable_random_interleaving=true",
+             "--benchmark_report_aggregates_only=true",
+             "--benchmark_out_format=json", f"--benchmark_out={out.name}", *options],
+            check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        runs = json.load(out)["benchmarks"]
+    failed = [run["run_name"] for run in runs if run.get("error_occurred")]
+    if failed:
+        sys.exit("failed: " + ", ".join(failed))
+    groups = collections.defaultdict(dict)
+    for run in sorted(runs, key=lambda run: run["family_index"]):
+        if run.get("aggregate_name") == "median":
+            operation, variant = run["run_name"].split("/")
+            groups[operation][variant] = run
+    return groups
+
+
+def print_operations(groups):
+    peers = list(dict.fromkeys(peer for runs in groups.values() for peer in runs if peer != OURS))
+    print("Drawing: items a second, and how many times as many as each peer")
+    print(f"{'operation':<17}{'items/s':>12}{'alloc.':>8}"
+          + "".join(f"{peer:>9}" for peer in peers) + "   best peer  target")
+    for operation, runs in groups.items():
+        ours = runs[OURS]
+        ratios = {peer: ours["items_per_second"] / run["items_per_second"]
+                  for peer, run in runs.items() if peer != OURS}
+        line = f"{operation:<17}{ours['items_per_second']:>12.0f}{ours['allocations']:>8.2g}"
+        line += "".join(f"{ratios[peer]:>9.2f}" if peer in ratios else f"{'-':>9}" for peer in peers)
+        best = min((peer for peer in ratios if peer != "memset"), key=ratios.get)
+        line += f"   {best:<9}"
+        for (name, peer), target in TARGETS.items():
+            if name == operation and peer in ratios:
+                verdict = "met" if ratios[peer] >= target else "MISSED"
+                line += f"  {target} x {peer}: {verdict}"
+        print(line)
+
+
+def print_front_end(groups):
+    print("\nFront end: nanoseconds a call, and what goes to the front end")
+    for operation, runs in groups.items():
+        through, direct = (runs[way]["cpu_time"] for way in ("VuBitmap", "direct"))
+        verdict = "met" if through - direct <= FRONT_END_LIMIT else "MISSED"
+        print(f"{operation[8:]:<17}{through:7.2f}{direct:7.2f}{through - direct:7.2f}"
+              f"  at most {FRONT_END_LIMIT}: {verdict}")
+
+
+def print_geometry(groups):
+    print("\nGeometry: nanoseconds by kind of matrix, and how many times as fast as full arithmetic")
+    for operation, runs in groups.items():
+        full = runs["full"]["cpu_time"]
+        cells = (f"{kind} {run['cpu_time']:.2f} ({full / run['cpu_time']:.1f}x)"
+                 for kind, run in runs.items() if kind != "full")
+        print(f"{operation[8:]:<17}" + "  ".join(cells) + f"  full {full:.2f}")
+
+
+def main():
+    if len(sys.argv) < 2:
+        sys.exit(__doc__)
+    groups = measure(sys.argv[1], sys.argv[2:])
+    sections = {"FrontEnd": print_front_end, "Geometry": print_geometry, "": print_operations}
+    for prefix in ("", "FrontEnd", "Geometry"):
+        chosen = {name: runs for name, runs in groups.items()
+                  if next(p for p in sections if name.startswith(p)) == prefix}
+        if chosen:
+            sections[prefix](chosen)
+
+
+if __name__ == "__main__":
+    main()
