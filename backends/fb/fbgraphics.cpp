@@ -12,10 +12,9 @@
 namespace ZIRK::backends {
 
 ImageSize FbGraphics::ScreenSize(int index) const {
-  std::string error;
-  const auto device = FramebufferDevice::Open(FramebufferDevice::PathOf(index), {}, error);
+  const auto size = FramebufferDevice::SizeOf(FramebufferDevice::PathOf(index));
   // A device that is not there is reported when the screen is made.
-  return device ? ImageSize{device->Width(), device->Height()} : GraphicsBase::ScreenSize(index);
+  return size ? ImageSize{size->width, size->height} : GraphicsBase::ScreenSize(index);
 }
 
 std::unique_ptr<VuScreenImpl> FbGraphics::MakeScreen(Entry entry,

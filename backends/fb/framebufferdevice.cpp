@@ -43,6 +43,17 @@ std::string FramebufferDevice::PathOf(int display) {
   return path && *path ? path : "/dev/fb" + std::to_string(display);
 }
 
+std::optional<FramebufferDevice::Size> FramebufferDevice::SizeOf(
+    const std::string& path, std::shared_ptr<FramebufferIo> io) {
+  const int fd = io->Open(path.c_str());
+  if (fd < 0) return std::nullopt;
+  fb_var_screeninfo mode{};
+  const bool known = io->Control(fd, FBIOGET_VSCREENINFO, &mode);
+  io->Close(fd);
+  if (!known || mode.xres > kMaxSide || mode.yres > kMaxSide) return std::nullopt;
+  return Size{static_cast<int>(mode.xres), static_cast<int>(mode.yres)};
+}
+
 std::unique_ptr<FramebufferDevice> FramebufferDevice::Open(const std::string& path,
                                                            const Request& request,
                                                            std::string& error,

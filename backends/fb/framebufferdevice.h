@@ -23,6 +23,12 @@ namespace ZIRK::backends {
 /// is shown from the top-left corner. The mode that was found comes back in the destructor.
 class FramebufferDevice {
  public:
+  /// Pixels.
+  struct Size {
+    int width;
+    int height;
+  };
+
   struct Request {
     int width = 0;  ///< Pixels; with zero or less in either side, the size the device has.
     int height = 0;
@@ -33,6 +39,10 @@ class FramebufferDevice {
   /// "/dev/fb0" for display 0 and so on, or the device that the environment variable
   /// `ZIRK_FB_DEVICE` names.
   static std::string PathOf(int display);
+
+  /// The size of the display as it is now; nothing if there is no such device.
+  static std::optional<Size> SizeOf(const std::string& path,
+                                    std::shared_ptr<FramebufferIo> io = SystemFramebufferIo());
 
   /// Opens the device in `path` and makes its memory ready, black. The size asked for is tried;
   /// what the driver grants is in Width() and Height(). Null, with the reason in `error`, if there

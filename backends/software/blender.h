@@ -38,6 +38,14 @@ class Blender {
   /// colour; with source pixels it is multiplied with them.
   void Draw(const Box& box, PixelSpan& shading, bool opaque);
 
+  /// The same with one colour, where IsDirect().
+  void FillDirect(const Box& box, uint32_t color, bool opaque) {
+    PixelSpan span{target_.Row32(box.y0) + box.x0, target_.Pitch32(), box.Width(), box.Height()};
+    span.color = color;
+    span.opaque = target_.OpaqueBits();
+    kernels_.fill[Simplified(opaque)][false](span);
+  }
+
   /// The same by Pixman, which has fast paths for narrow formats and for the usual operators:
   /// `source` pixels from (sourceX, sourceY) on, or `color` where there are none, through an A8
   /// `mask` from (maskX, maskY) on where there is one. False if that cannot be said in its terms.

@@ -26,7 +26,8 @@ struct PixelSpan {
 
 /// Where a row of pixels is read from an image: 16.16 fixed point positions in pixels, `x` and `y`
 /// of the first and the steps from one to the next. Bilinear positions are those of the top-left
-/// of the four pixels. Positions beyond the limits read the nearest pixel inside.
+/// of the four pixels. Positions beyond the limits read the nearest pixel inside; the first one
+/// lies within kFarthestSample.
 struct SampleRow {
   const uint32_t* pixels;
   ptrdiff_t pitch;
@@ -36,6 +37,9 @@ struct SampleRow {
 
 /// Most pixels of a row that are sampled at a time.
 constexpr int kSampleLimit = 256;
+
+/// Whole part of a first position: from here no enlarged row reaches where positions wrap around.
+constexpr int kFarthestSample = 32000;
 
 /// One build of the loops for one instruction set.
 struct Kernels {

@@ -91,6 +91,7 @@ void Painter::PaintBox(const Box& whole, const Texture* texture, uint32_t color)
   const Box box = Visible(whole);
   if (box.IsEmpty()) return;
   Touch(box);
+  if (!texture && blender_.IsDirect()) return blender_.FillDirect(box, color, IsOpaque(color));
   const bool opaque = IsOpaque(color) && (!texture || texture->Pixels().IsOpaque());
   if (PaintAligned(box, texture, color, nullptr, opaque)) return;
   PaintRows(box, texture, color, nullptr);

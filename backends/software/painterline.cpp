@@ -143,8 +143,8 @@ void Painter::DrawMaskedLine(const Segment& line, uint32_t color, const Operand&
   const int steps = line.Steps();
   Walk(line, clip_, [&](int x, int y, int step) {
     const Point at = first + (last - first) * (steps ? static_cast<double>(step) / steps : 0);
-    const auto alpha = static_cast<uint8_t>(points.AlphaAt(at));
-    PaintRun(x, x + 1, y, nullptr, color, nullptr, &alpha);
+    const uint32_t shade = ScalePixel(color, points.AlphaAt(at));
+    PaintRun(x, x + 1, y, nullptr, shade, nullptr, nullptr);
   });
 }
 

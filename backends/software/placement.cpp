@@ -104,11 +104,14 @@ Placement Placement::Part(double u0, double v0, double u1, double v1) const {
 
 std::optional<Box> PlaceUpright(const Extent& r, const VuTMatrix2D<float>& m) {
   if (m.hasRotation() || !(r.width > 0 && r.height > 0)) return std::nullopt;
+  const double farX = r.x + r.width, farY = r.y + r.height;
+  if (m.isIdentity() && IsNear(r.x) && IsNear(r.y) && IsNear(farX) && IsNear(farY))
+    return Box{NearestPixel(r.x), NearestPixel(r.y), NearestPixel(farX), NearestPixel(farY)};
   const float* e = m.get();
   const double scaleX = static_cast<double>(e[0]), scaleY = static_cast<double>(e[4]);
   const double moveX = static_cast<double>(e[6]), moveY = static_cast<double>(e[7]);
-  const double x0 = r.x * scaleX + moveX, x1 = (r.x + r.width) * scaleX + moveX;
-  const double y0 = r.y * scaleY + moveY, y1 = (r.y + r.height) * scaleY + moveY;
+  const double x0 = r.x * scaleX + moveX, x1 = farX * scaleX + moveX;
+  const double y0 = r.y * scaleY + moveY, y1 = farY * scaleY + moveY;
   if (!(IsNear(x0) && IsNear(x1) && IsNear(y0) && IsNear(y1)) || x1 < x0 || y1 < y0)
     return std::nullopt;
   return Box{NearestPixel(x0), NearestPixel(y0), NearestPixel(x1), NearestPixel(y1)};

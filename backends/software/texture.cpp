@@ -13,8 +13,9 @@ namespace {
 constexpr double kOne = 65536;        // 1 in 16.16 fixed point
 constexpr int32_t kHalfWeight = 128;  // half of the step between two bilinear weights
 
+/// `v`, cut to what the samplers can count with.
 int32_t ToFixed(double v) {
-  constexpr double kLimit = 32766;
+  constexpr double kLimit = kFarthestSample;
   const double fixed = std::clamp(v, -kLimit, kLimit) * kOne;
   return static_cast<int32_t>(fixed + (fixed < 0 ? -0.5 : 0.5));
 }
