@@ -19,7 +19,7 @@ namespace ZIRK {
 // --- Handle ---------------------------------------------------------------------------------
 
 // Owns the surface from here on, so there has to be one.
-// The assertion stays on line 24: crash reports are grouped by file and line.
+// The assertion stays on line 24: its message is known by file and line.
 VuBitmap::VuBitmap(VuBitmapImpl* impl_) : impl(impl_) {
   assert(impl);
 }

@@ -58,7 +58,7 @@ void VuCompositor::EnableLayer(signed char layer, bool enable) {
     compositor->EnableLayer(layer, enable);
 }
 
-// The assertion below stays on line 70: crash reports are grouped by file and line.
+// The assertion below stays on line 70: its message is known by file and line.
 void VuCompositor::Enable(bool enable) {
   const std::lock_guard<std::mutex> lock(mutex);
   if (!enable) {

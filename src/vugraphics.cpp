@@ -86,7 +86,7 @@ VuGraphics* VuGraphics::Create(const char* name, bool flag) {
   if (!name) return Create();
   if (IsBackendName(name)) return Wrap(CreateImpl(*loader, name, flag));
   if (EqualIgnoringCase(name, "Default")) return Create();
-  // The low half of the pointer and not the text: what this line has always shown.
+  // A number, not the text: the low half of the pointer.
   ZIRK_LOG_ERROR("ZIRK implementation type %d is not supported on this platform",
                  static_cast<int>(reinterpret_cast<intptr_t>(name)));
   return nullptr;

@@ -32,8 +32,8 @@ class DrawTimer {
 
   // Nanoseconds left over from last time: one drawing operation often takes less than a
   // microsecond.
-  static inline uint64_t drawRemainder_ = 0;
-  static inline uint64_t swapRemainder_ = 0;
+  static inline thread_local uint64_t drawRemainder_ = 0;
+  static inline thread_local uint64_t swapRemainder_ = 0;
 
   uint32_t& microseconds_;
   uint64_t& remainder_;

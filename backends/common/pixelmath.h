@@ -20,6 +20,10 @@ constexpr uint32_t ScalePixel(uint32_t pixel, uint32_t factor) {
   return result;
 }
 
+constexpr bool IsOpaque(uint32_t pixel) {
+  return pixel >> 24 == 255;
+}
+
 constexpr uint32_t Premultiply(VuColor color) {
   const uint32_t a = color.argb >> 24;
   if (a == 255) return color.argb;

@@ -50,7 +50,8 @@ std::optional<FramebufferDevice::Size> FramebufferDevice::SizeOf(
   fb_var_screeninfo mode{};
   const bool known = io->Control(fd, FBIOGET_VSCREENINFO, &mode);
   io->Close(fd);
-  if (!known || mode.xres > kMaxSide || mode.yres > kMaxSide) return std::nullopt;
+  const auto valid = [](uint32_t side) { return side > 0 && side <= kMaxSide; };
+  if (!known || !valid(mode.xres) || !valid(mode.yres)) return std::nullopt;
   return Size{static_cast<int>(mode.xres), static_cast<int>(mode.yres)};
 }
 
@@ -97,7 +98,7 @@ bool FramebufferDevice::Prepare(const Request& request, std::string& error) {
   }
   converter_.emplace(*layout_, Width());
   SetUpPages(request.doubleBuffer);
-  vsync_.emplace(io_, fd_, path_.c_str());
+  vsync_.emplace(io_, path_);
   return true;
 }
 

@@ -9,20 +9,17 @@
 
 #include <cerrno>
 #include <chrono>
-#include <future>
-#include <string>
-#include <system_error>
-#include <thread>
+#include <condition_variable>
+#include <exception>
+#include <mutex>
 #include <utility>
 
 namespace ZIRK::backends {
 
 namespace {
 
-/// A display of ten frames a second is slower than any in use.
-constexpr std::chrono::milliseconds kLongestFrame{100};
-
-constexpr int kLongWaitsAllowed = 2;
+/// Twice the frame of a display of ten frames a second, which is slower than any in use.
+constexpr std::chrono::milliseconds kPatience{200};
 
 bool WaitOnce(FramebufferIo& io, int fd) {
   uint32_t display = 0;
@@ -36,56 +33,97 @@ void StayLoaded() {
   dlopen(self.dli_fname, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE);
 }
 
-/// A thread that no signal of the application's is delivered to; none if the system has no more.
-std::thread StartQuietThread(std::packaged_task<bool()> task) {
-  sigset_t all, before;
-  sigfillset(&all);
-  pthread_sigmask(SIG_SETMASK, &all, &before);
-  std::thread thread;
-  try {
-    thread = std::thread(std::move(task));
-  } catch (const std::system_error& error) {
-    ZIRK_LOG_WARNING("no thread to try the wait for vertical sync on: %s", error.what());
+/// No signal of the application's is delivered to a thread that starts meanwhile.
+class SignalsBlocked {
+ public:
+  SignalsBlocked() {
+    sigset_t all;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &before_);
   }
-  pthread_sigmask(SIG_SETMASK, &before, nullptr);
-  return thread;
-}
+  ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
 
-/// Whether the first wait comes back, and without an error. The thread has a descriptor of its
-/// own, which it may keep for longer than the device is in use.
-bool ComesBack(const std::shared_ptr<FramebufferIo>& io, const char* path) {
-  std::packaged_task<bool()> task([io, path = std::string(path)] {
-    const int fd = io->Open(path.c_str());
-    if (fd < 0) return false;
-    const bool waited = WaitOnce(*io, fd);
-    io->Close(fd);
-    return waited;
-  });
-  std::future<bool> result = task.get_future();
-  std::thread thread = StartQuietThread(std::move(task));
-  if (!thread.joinable()) return false;
-  if (result.wait_for(2 * kLongestFrame) == std::future_status::ready) {
-    thread.join();
-    return result.get();
-  }
-  StayLoaded();
-  thread.detach();
-  ZIRK_LOG_WARNING("%s: the wait for vertical sync does not return: doing without it", path);
-  return false;
-}
+ private:
+  sigset_t before_;
+};
 
 }  // namespace
 
-VsyncWait::VsyncWait(std::shared_ptr<FramebufferIo> io, int fd, const char* path)
-    : io_(std::move(io)), fd_(fd), supported_(ComesBack(io_, path)) {}
+/// What the two threads share. It stays for as long as either needs it.
+struct VsyncWait::Worker {
+  enum class State { Idle, Asked, Failed, Stopped };
+
+  /// Waits whenever asked, on a descriptor of its own.
+  void Run() {
+    const int fd = io->Open(path.c_str());
+    std::unique_lock<std::mutex> lock(mutex);
+    for (;;) {
+      changed.wait(lock, [this] { return state == State::Asked || state == State::Stopped; });
+      if (state == State::Stopped) break;
+      lock.unlock();
+      const bool waited = fd >= 0 && WaitOnce(*io, fd);
+      lock.lock();
+      if (state == State::Asked) state = waited ? State::Idle : State::Failed;
+      changed.notify_all();
+    }
+    if (fd >= 0) io->Close(fd);
+  }
+
+  /// Once stopped, it goes when it comes back.
+  void Stop() {
+    const std::lock_guard<std::mutex> lock(mutex);
+    state = State::Stopped;
+    changed.notify_all();
+  }
+
+  const std::shared_ptr<FramebufferIo> io;
+  const std::string path;
+  std::mutex mutex;
+  std::condition_variable changed;
+  State state = State::Idle;
+};
+
+VsyncWait::VsyncWait(std::shared_ptr<FramebufferIo> io, const std::string& path) {
+  try {
+    Start(std::move(io), path);
+  } catch (const std::exception& error) {
+    ZIRK_LOG_WARNING("%s: no thread to wait for vertical sync on: %s", path.c_str(), error.what());
+    worker_.reset();
+  }
+  Wait();
+}
+
+void VsyncWait::Start(std::shared_ptr<FramebufferIo> io, const std::string& path) {
+  worker_.reset(new Worker{std::move(io), path, {}, {}});
+  const SignalsBlocked blocked;
+  thread_ = std::thread([worker = worker_] { worker->Run(); });
+}
+
+VsyncWait::~VsyncWait() {
+  if (!worker_) return;
+  worker_->Stop();
+  thread_.join();
+}
 
 void VsyncWait::Wait() {
-  if (!supported_) return;
-  const auto start = std::chrono::steady_clock::now();
-  const bool waited = WaitOnce(*io_, fd_);
-  const bool wasLong = std::chrono::steady_clock::now() - start > kLongestFrame;
-  longWaits_ = wasLong ? longWaits_ + 1 : 0;
-  supported_ = waited && longWaits_ <= kLongWaitsAllowed;
+  if (!worker_) return;
+  std::unique_lock<std::mutex> lock(worker_->mutex);
+  worker_->state = Worker::State::Asked;
+  worker_->changed.notify_all();
+  const bool back = worker_->changed.wait_for(
+      lock, kPatience, [this] { return worker_->state != Worker::State::Asked; });
+  if (back && worker_->state == Worker::State::Idle) return;
+  lock.unlock();
+  worker_->Stop();
+  if (back) {
+    thread_.join();
+  } else {
+    StayLoaded();
+    thread_.detach();
+    ZIRK_LOG_WARNING("%s: the wait for vertical sync does not return: doing without it",
+                     worker_->path.c_str());
+  }
+  worker_.reset();
 }
 
 }  // namespace ZIRK::backends

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <memory>
+#include <string>
+#include <thread>
 
 #include "fb/framebufferio.h"
 
@@ -8,25 +10,27 @@ namespace ZIRK::backends {
 
 /// Waits for a display's vertical sync, where its driver can do so.
 ///
-/// Some drivers never return from the wait. So the first one is made on a thread of its own, which
-/// is left behind if it is not back in time; the waits after that are made directly. The first
-/// error ends the waiting for good, and so do three waits in a row that are longer than any
-/// display's frame: one alone may only mean that the process was not running.
+/// Some drivers never return from the wait. So it is made on a thread of its own, which is left
+/// behind if it is not back in time. That, or an error, ends the waiting for good.
 class VsyncWait {
  public:
-  /// `fd` stays open as long as the object lives; `path` names the device to try the wait on.
-  VsyncWait(std::shared_ptr<FramebufferIo> io, int fd, const char* path);
+  /// Tries a wait on the device in `path`.
+  VsyncWait(std::shared_ptr<FramebufferIo> io, const std::string& path);
+  ~VsyncWait();
+  VsyncWait(const VsyncWait&) = delete;
+  VsyncWait& operator=(const VsyncWait&) = delete;
 
-  /// Returns at the next vertical sync, or at once where there is no waiting for it.
+  /// Returns at the next vertical sync, after a fifth of a second at the latest, and at once where
+  /// there is no waiting for it.
   void Wait();
 
-  bool IsSupported() const { return supported_; }
-
  private:
-  std::shared_ptr<FramebufferIo> io_;
-  const int fd_;
-  bool supported_;
-  int longWaits_ = 0;  ///< In a row.
+  struct Worker;
+
+  void Start(std::shared_ptr<FramebufferIo> io, const std::string& path);
+
+  std::shared_ptr<Worker> worker_;  ///< Null where there is no waiting.
+  std::thread thread_;
 };
 
 }  // namespace ZIRK::backends

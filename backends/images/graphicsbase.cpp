@@ -81,6 +81,13 @@ VuBitmapImpl* GraphicsBase::CreatePicture(const ImageSource& source, const Fit& 
   if (!image) return nullptr;
   const std::optional<ImageSize> size = image->FittedSize(fit.width, fit.height, fit.mode);
   if (!size) return nullptr;
+  // Pictures are decoded row by row as far as their kind allows, but some kinds need it all.
+  const ImageSize own = image->Size();
+  if (SurfaceBytes(own.width, own.height, kPictureFormat) > ledger_->Total()) {
+    ZIRK_LOG_ERROR("%s: %d x %d pixels are more than memory allows", image->Name().c_str(),
+                   own.width, own.height);
+    return nullptr;
+  }
   // The ledger would refuse as well, without knowing the picture's name.
   if (SurfaceBytes(size->width, size->height, kPictureFormat) > ledger_->Available()) {
     ZIRK_LOG_ERROR("no memory for %s: %d x %d pixels, %u bytes left", image->Name().c_str(),

@@ -23,7 +23,8 @@ ImageStream::ImageStream(const ImageSource& source) {
     return;
   }
   buffer_ = std::make_unique<uint8_t[]>(kBufferSize);
-  file_ = open(source.Path(), O_RDONLY | O_CLOEXEC);
+  // Of a pipe that nobody writes to nothing is read, instead of waiting for it.
+  file_ = open(source.Path(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
   if (file_ < 0) problem_ = std::strerror(errno);
 }
 

@@ -38,7 +38,8 @@ struct SampleRow {
 /// Most pixels of a row that are sampled at a time.
 constexpr int kSampleLimit = 256;
 
-/// Whole part of a first position: from here no enlarged row reaches where positions wrap around.
+/// Whole part of a first position. From here no enlarged row reaches where positions wrap around;
+/// another row that does reads the wrong pixels inside the limits.
 constexpr int kFarthestSample = 32000;
 
 /// One build of the loops for one instruction set.

@@ -4,15 +4,13 @@
 #include <cmath>
 
 #include "common/pixelmath.h"
-#include "software/coverage.h"
-#include "software/pixelrows.h"
 
 namespace ZIRK::backends {
 
 namespace {
 
-bool IsOpaque(uint32_t color) {
-  return color >> 24 == 255;
+bool IsFinite(const Extent& r) {
+  return std::isfinite(r.x + r.width) && std::isfinite(r.y + r.height);
 }
 
 }  // namespace
@@ -56,7 +54,7 @@ void Painter::DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m,
 void Painter::DrawObject(const Extent& dst, const Operand& src, const Extent& srcRect, Edges edges,
                          const MatrixF& m, VuColor color, const OptionalMask& mask) {
   Refresh();
-  if (!(srcRect.width > 0 && srcRect.height > 0)) return;
+  if (!(srcRect.width > 0 && srcRect.height > 0) || !IsFinite(srcRect)) return;
   if (edges == Edges::OnWholePixels && !mask && DrawUnscaled(dst, src, srcRect, m, color)) return;
   const std::optional<Placement> whole = Place(dst, m, edges);
   const Extent visible = Cut(srcRect, src.pixels->Bounds());

@@ -7,7 +7,7 @@
 
 #include "common/pixelmath.h"
 #include "software/painter.h"
-#include "software/pixelrows.h"
+#include "software/pixeltraits.h"
 
 namespace ZIRK::backends {
 
@@ -23,7 +23,7 @@ struct Painter::Segment {
 namespace {
 
 /// Cuts the line to the coordinates that can be counted with; false if nothing is left.
-bool CutToFar(Point& a, Point& b) {
+bool CutLine(Point& a, Point& b) {
   const Point d = b - a;
   double first = 0, last = 1;
   const auto cut = [&](double start, double delta) {
@@ -34,13 +34,13 @@ bool CutToFar(Point& a, Point& b) {
     return true;
   };
   if (!cut(a.x, d.x) || !cut(a.y, d.y) || first > last) return false;
-  b = a + d * last;
-  a = a + d * first;
+  // Cut once more for what precision has lost of huge coordinates.
+  const auto near = [](Point p) {
+    return Point{std::clamp(p.x, -kFar, kFar), std::clamp(p.y, -kFar, kFar)};
+  };
+  b = near(a + d * last);
+  a = near(a + d * first);
   return true;
-}
-
-int NearestPixel(double v) {
-  return static_cast<int>(std::floor(v + 0.5));
 }
 
 bool IsSingular(const VuTMatrix2D<float>& m) {
@@ -69,7 +69,7 @@ void Walk(const Segment& s, const Box& clip, F&& pixel) {
   if (first > last) return;
 
   // other + across * step / length, rounded to nearest, as a whole part and a remainder.
-  const int64_t unit = 2 * length;
+  const int64_t unit = std::max<int64_t>(2 * length, 1);
   int64_t remainder = 2 * across * first + length;
   int64_t whole = remainder >= 0 ? remainder / unit : -((-remainder + unit - 1) / unit);
   remainder -= whole * unit;
@@ -113,7 +113,7 @@ void Painter::DrawLine(VuPoint from, VuPoint to, VuColor color, const MatrixF& m
   Point a = Map(m, from.x, from.y), b = Map(m, to.x, to.y);
   const bool finite =
       std::isfinite(a.x) && std::isfinite(a.y) && std::isfinite(b.x) && std::isfinite(b.y);
-  if (IsSingular(m) || !finite || !CutToFar(a, b)) return;
+  if (IsSingular(m) || !finite || !CutLine(a, b)) return;
   Segment line = {NearestPixel(a.x), NearestPixel(a.y), NearestPixel(b.x), NearestPixel(b.y),
                   false};
   if (std::pair(line.y0, line.x0) > std::pair(line.y1, line.x1)) {
@@ -149,7 +149,7 @@ void Painter::DrawMaskedLine(const Segment& line, uint32_t color, const Operand&
 }
 
 void Painter::DrawSlantedLine(const Segment& line, uint32_t color) {
-  const std::optional<Kernels::Operator> op = blender_.Operator(color >> 24 == 255);
+  const std::optional<Kernels::Operator> op = blender_.Operator(IsOpaque(color));
   if (!op) {
     Walk(line, clip_,
          [&](int x, int y, int) { PaintRun(x, x + 1, y, nullptr, color, nullptr, nullptr); });

@@ -6,7 +6,7 @@
 #include "common/pixelmath.h"
 #include "common/surfaceformat.h"
 #include "software/kernels.h"
-#include "software/pixelrows.h"
+#include "software/pixeltraits.h"
 #include "software/texture.h"
 
 namespace ZIRK::backends {

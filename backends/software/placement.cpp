@@ -22,12 +22,6 @@ int CutToFar(double v) {
   return static_cast<int>(std::clamp(v, -kFar, kFar));
 }
 
-/// Of a value not beyond kFar: without the library call that floor() is on many processors.
-int NearestPixel(double v) {
-  const int towardZero = static_cast<int>(v + 0.5);
-  return towardZero - (v + 0.5 < towardZero);
-}
-
 bool IsNear(double v) {
   return std::abs(v) <= kFar;
 }

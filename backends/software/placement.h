@@ -60,6 +60,12 @@ struct Placement {
 /// Pixels beyond this never matter: no surface reaches there.
 constexpr double kFar = 1 << 24;
 
+/// Of a value not beyond kFar: without the library call that floor() is on many processors.
+inline int NearestPixel(double v) {
+  const int towardZero = static_cast<int>(v + 0.5);
+  return towardZero - (v + 0.5 < towardZero);
+}
+
 enum class Edges { OnWholePixels, SubPixel };
 
 /// Places `r` by `m`. An axis-aligned result is moved to the nearest whole pixels when `edges`

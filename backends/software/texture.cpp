@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "software/kernels.h"
-#include "software/pixelrows.h"
+#include "software/pixeltraits.h"
 
 namespace ZIRK::backends {
 
@@ -13,11 +13,16 @@ namespace {
 constexpr double kOne = 65536;        // 1 in 16.16 fixed point
 constexpr int32_t kHalfWeight = 128;  // half of the step between two bilinear weights
 
-/// `v`, cut to what the samplers can count with.
+/// `v`, cut to what the samplers can count with; the least for not-a-number.
 int32_t ToFixed(double v) {
   constexpr double kLimit = kFarthestSample;
-  const double fixed = std::clamp(v, -kLimit, kLimit) * kOne;
+  const double cut = v > -kLimit ? std::min(v, kLimit) : -kLimit;
+  const double fixed = cut * kOne;
   return static_cast<int32_t>(fixed + (fixed < 0 ? -0.5 : 0.5));
+}
+
+bool IsNearby(Point p) {
+  return std::abs(p.x) < kFarthestSample && std::abs(p.y) < kFarthestSample;
 }
 
 /// a + (b - a) * w / 256 per channel.
@@ -74,6 +79,8 @@ Texture::Texture(const PixelBuffer& pixels, const Box& limits, VuScaleMode mode,
   aligned_ = toTexture.dx.x > 0.5 && toTexture.dy.y > 0.5 && IsNear(first.x, area.x0 + offsetX) &&
              IsNear(first.y, area.y0 + offsetY) && IsNear(last.x, area.x1 + offsetX) &&
              IsNear(last.y, area.y1 + offsetY);
+  // Nor does anything lie so far away.
+  aligned_ = aligned_ && IsNearby({offsetX, offsetY});
   if (!aligned_) return;
   offsetX_ = static_cast<int>(offsetX);
   offsetY_ = static_cast<int>(offsetY);
@@ -117,7 +124,13 @@ void Texture::Sample(Point position, int count, uint32_t* out) const {
 
 const uint32_t* Texture::Row(int x, int y, int count, uint32_t* scratch) const {
   if (!aligned_) {
-    Sample(toTexture_(x + 0.5, y + 0.5), count, scratch);
+    const Point first = toTexture_(x + 0.5, y + 0.5);
+    if (IsNearby(first) && IsNearby(first + toTexture_.dx * count)) {
+      Sample(first, count, scratch);
+    } else {
+      // Positions would wrap around on the way, so each is worked out by itself.
+      for (int i = 0; i < count; ++i) scratch[i] = At(toTexture_(x + i + 0.5, y + 0.5));
+    }
     return scratch;
   }
   if (pixels_.Is32Bit()) return pixels_.Row32(AlignedY(y)) + AlignedX(x);

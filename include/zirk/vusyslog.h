@@ -12,8 +12,9 @@ extern ZIRK_API int LogBurst;
 extern ZIRK_API int LogInterval;
 
 /// Writes one line, "<tag.levelName>: message", to standard error, and to /dev/kmsg as well when
-/// `level` is 3 or less. `fmt` and what follows are as for printf. A line of more than 1023
-/// characters is cut and then ends without a newline. Does not allocate. Any thread may call.
+/// `level` is 3 or less. `fmt` and what follows are as for printf. A line that, with its
+/// newline, has more than 1023 characters is cut to 1023 and ends without one. Does not allocate.
+/// Any thread may call.
 ZIRK_API void _vuSysLog(int level, const char* levelName, const char* tag, const char* fmt, ...)
     __attribute__((format(printf, 4, 5)));
 

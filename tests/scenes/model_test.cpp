@@ -140,10 +140,11 @@ TEST_P(Model, Masks) {
   VuTVector2D<float> part[4] = {{3, 2}, {11, 2}, {11, 9}, {3, 9}};
   VuTVector2D<float> turned[4] = {{14, 1}, {14, 10}, {2, 10}, {2, 1}};
   VuTVector2D<float> twisted[4] = {{0, 0}, {16, 3}, {9, 12}, {-4, 7}};
+  VuTVector2D<float> far[4] = {{3, 2}, {1e5f, 2}, {1e5f, 9}, {3, 9}};
   for (const Format format : kFormats)
     for (const VuScaleMode mode : {VuScaleMode::Nearest, VuScaleMode::Bilinear})
       for (VuTVector2D<float>* coords :
-           {static_cast<VuTVector2D<float>*>(nullptr), part, turned, twisted}) {
+           {static_cast<VuTVector2D<float>*>(nullptr), part, turned, twisted, far}) {
         if (HasFailure()) return;
         const auto mask = Noise(16, 12, format, 5, mode);
         const auto src = Noise(16, 12, Format::ARGB8888, 6);
@@ -218,6 +219,31 @@ TEST_P(Model, WhatHasNoExtentOrNoPlaceDrawsNothing) {
   target.DrawObject(VuTRect2D<float>(0, 0, 5, 5), *src, VuTRect2D<float>(0, nan, 5, 5),
                     VuTMatrix2D<float>(), white);
   EXPECT_EQ(before.pixels, model::Picture(target).pixels);
+}
+
+TEST_P(Model, AbsurdGeometryIsHarmless) {
+  const auto src = Noise(300, 40, Format::ARGB8888, 2, VuScaleMode::Bilinear);
+  const auto mask = Noise(31, 300, Format::XRGB8888, 3, VuScaleMode::Bilinear);
+  std::unique_ptr<VuBitmap> target(graphics_->CreateBitmap(300, 30, Format::ARGB8888));
+  target->DrawLine(VuPoint{5, 5}, VuPoint{5, 5}, white, VuTransform(), *mask, nullptr);
+  target->DrawLine(VuPoint{9, 5}, VuPoint{12, 5}, white, VuTransform(0, 0, 0.1f, 0.1f, 0), *mask,
+                   nullptr);
+  const float infinity = std::numeric_limits<float>::infinity();
+  target->DrawObject(VuTRect2D<float>(0, 0, 9, 9), *src, VuTRect2D<float>(0, 0, infinity, infinity),
+                     VuTMatrix2D<float>(), white);
+  const float sizes[] = {1e-6f, 0.003f, 1, 70.5f, 32767, 1e9f};
+  for (const float size : sizes)
+    for (const float other : sizes)
+      for (const float turn : {0.0f, 0.3f, 45.0f, 180.0f}) {
+        const VuTransform t(150, 15, size / 100, other / 100, turn);
+        VuTVector2D<float> coords[4] = {{-size, other}, {size, other}, {other, size}, {-other, 0}};
+        target->DrawObject(VuRect{-150, -20, 300, 40}, *src, t);
+        target->DrawObject(VuTRect2D<float>(-size, -other, 2 * size, other), *src,
+                           VuTRect2D<float>(-1, 1, size, other), t, white, *mask, coords);
+        target->DrawRect(VuRect{0, 0, 300, 30}, white, VuTransform(), *mask, coords);
+        target->DrawLine(VuPoint{INT32_MIN, 5}, VuPoint{INT32_MAX, 9}, white, t, *mask, coords);
+        target->DrawPoint(VuPoint{INT32_MAX, INT32_MIN}, size, white, t, *mask, coords[0]);
+      }
 }
 
 TEST_P(Model, FilteringNeverReadsTheNeighbours) {

@@ -140,5 +140,23 @@ TEST(Kernels, SamplersFollowTheGradientAndStayInside) {
       }
 }
 
+TEST(Kernels, SamplersStayInsideHoweverFarTheyStep) {
+  std::mt19937 random(6);
+  const auto number = [&] { return static_cast<int32_t>(random()); };
+  for (const Kernels* const* kernels = RunnableKernels(); *kernels; ++kernels)
+    for (int i = 0; i < 3000; ++i) {
+      Image image;
+      SampleRow row = image.Row();
+      row.x = number() % (kFarthestSample << 16);
+      row.y = number() % (kFarthestSample << 16);
+      row.stepX = number() >> (i % 32);
+      row.stepY = i % 3 == 0 ? 0 : number() >> (i % 29);
+      std::vector<uint32_t> out(kSampleLimit);
+      (*kernels)->sampleNearest(row, out.data(), kSampleLimit);
+      (*kernels)->sampleBilinear(row, out.data(), kSampleLimit);
+      for (const uint32_t p : out) ASSERT_EQ(p & 0xFF00FF00u, 0u);
+    }
+}
+
 }  // namespace
 }  // namespace ZIRK::backends
