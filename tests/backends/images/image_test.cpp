@@ -1,11 +1,17 @@
 #include "images/image.h"
 
-#include <gtest/gtest.h>
+#include <png.h>
+#include <unistd.h>
+#include <zlib.h>
 
-#include <cstdlib>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <optional>
+#include <random>
+#include <vector>
 
 #include "backends/common/oneerror.h"
-#include "backends/images/samples.h"
 #include "images/imagestream.h"
 
 namespace ZIRK::tests {
@@ -13,152 +19,285 @@ namespace {
 
 using backends::Image;
 using backends::ImageSource;
+using Bytes = std::vector<uint8_t>;
 
-uint32_t Premultiplied(const Rgba& c) {
-  const auto channel = [&](int v) { return static_cast<uint32_t>((v * c.a + 127) / 255); };
-  return static_cast<uint32_t>(c.a) << 24 | channel(c.r) << 16 | channel(c.g) << 8 | channel(c.b);
+/// Channels of 0 to 255, not premultiplied.
+struct Rgba {
+  int r, g, b, a;
+};
+
+/// What the files of tests/images show, 29 x 19: smooth, so that lossy formats keep it.
+Rgba Gradient(int x, int y) {
+  const int r = 255 * x / 28, g = 255 * y / 18;
+  return {r, g, 255 - (r + g) / 2, 255 * (x + y) / (28 + 18)};
 }
 
-int WorstChannel(uint32_t a, uint32_t b) {
+// What becomes of it, by kind of file.
+constexpr auto kAll = [](Rgba c) { return c; };
+constexpr auto kOpaque = [](Rgba c) { return Rgba{c.r, c.g, c.b, 255}; };
+constexpr auto kGrey = [](Rgba c) { return Rgba{c.r, c.r, c.r, 255}; };
+constexpr auto kGreyAlpha = [](Rgba c) { return Rgba{c.r, c.r, c.r, c.a}; };
+constexpr auto kPrinted = [](Rgba c) { return Rgba{c.r * 4 / 5, c.g * 4 / 5, c.b * 4 / 5, 255}; };
+
+const struct Sample {
+  const char* file;
+  Rgba (*kind)(Rgba);
+  int tolerance = 0;  ///< Steps per channel that the kind's losses may cost.
+  int block = 1;      ///< Pixels a side that share one colour.
+} kSamples[] = {
+    {"rgba8.png", kAll},
+    {"rgba8interlaced.png", kAll},
+    {"greyalpha16.png", kGreyAlpha},
+    {"palette8.png", kAll, 0, 4},
+    {"rgb.jpg", kOpaque, 14},
+    {"grey.jpg", kGrey, 3},
+    {"cmykinverted.jpg", kPrinted, 5},
+#ifdef ZIRK_HAVE_WEBP
+    {"lossless.webp", kAll},
+#endif
+};
+
+Bytes ReadSample(const std::string& file) {
+  std::ifstream in(ZIRK_TEST_IMAGES + file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
+
+uint32_t Argb(const Rgba& c) {
+  return static_cast<uint32_t>(c.a) << 24 | static_cast<uint32_t>(c.r << 16 | c.g << 8 | c.b);
+}
+
+/// Every colour channel times alpha, rounded to nearest.
+uint32_t Premultiplied(const Rgba& c) {
+  const auto times = [&](int channel) { return (channel * c.a + 127) / 255; };
+  return Argb({times(c.r), times(c.g), times(c.b), c.a});
+}
+
+/// 0xAARRGGBB words, with a gap behind every row that nothing should write to.
+struct Pixels {
+  Pixels(int w, int h, const std::function<uint32_t(int x, int y)>& colour = nullptr)
+      : width(w), height(h), pitch(w + 3), data(static_cast<size_t>(pitch * h), 0xDEADBEEF) {
+    for (int y = 0; y < h; ++y)
+      for (int x = 0; x < w; ++x) At(x, y) = colour ? colour(x, y) : 0;
+  }
+  uint32_t& At(int x, int y) { return data[static_cast<size_t>(y * pitch + x)]; }
+
+  int width, height, pitch;
+  std::vector<uint32_t> data;
+};
+
+/// The largest difference of a channel, in the gaps too.
+int Difference(const Pixels& a, const Pixels& b) {
+  const auto* p = reinterpret_cast<const uint8_t*>(a.data.data());
+  const auto* q = reinterpret_cast<const uint8_t*>(b.data.data());
   int worst = 0;
-  for (const int shift : {0, 8, 16, 24})
-    worst = std::max(worst, std::abs(Channel(a, shift) - Channel(b, shift)));
+  for (size_t i = 0; i < a.data.size() * 4; ++i) worst = std::max(worst, std::abs(p[i] - q[i]));
   return worst;
 }
 
-class SampleTest : public testing::TestWithParam<Sample> {
- protected:
-  const std::string path_ = std::string(ZIRK_TEST_IMAGES) + GetParam().file;
-};
+std::optional<Pixels> Decode(const ImageSource& source, int width, int height, VuScaleMode mode) {
+  Pixels pixels(width, height);
+  const auto image = Image::Open(source);
+  if (!image || !image->Decode({pixels.data.data(), pixels.pitch * 4, width, height}, mode))
+    return std::nullopt;
+  return pixels;
+}
 
-TEST_P(SampleTest, ShowsItsPictureFromFileAndMemory) {
-  const std::vector<uint8_t> bytes = ReadSample(GetParam().file);
-  for (const auto& source : {ImageSource(path_.c_str()), ImageSource(bytes.data(), bytes.size())}) {
-    const Pixels pixels = DecodeTo(source, kPictureWidth, kPictureHeight, VuScaleMode::Bilinear);
-    for (int y = 0; y < kPictureHeight; ++y) {
-      for (int x = 0; x < kPictureWidth; ++x) {
-        const uint32_t expected = Premultiplied(GetParam().picture(x, y));
-        ASSERT_LE(WorstChannel(pixels.At(x, y), expected), GetParam().tolerance)
-            << source.Name() << " at " << x << ", " << y << std::hex << ": " << pixels.At(x, y)
-            << ", expected " << expected;
-      }
+Pixels Shown(const ImageSource& source, int width, int height, VuScaleMode mode) {
+  const auto pixels = Decode(source, width, height, mode);
+  EXPECT_TRUE(pixels) << source.Name();
+  return pixels.value_or(Pixels(width, height));
+}
+
+/// The same after a PNG file has been made of the pixels, which are not premultiplied.
+Pixels Scaled(const Pixels& original, int width, int height, VuScaleMode mode) {
+  png_image image{};
+  image.version = PNG_IMAGE_VERSION;
+  image.width = static_cast<png_uint_32>(original.width);
+  image.height = static_cast<png_uint_32>(original.height);
+  image.format = PNG_FORMAT_BGRA;
+  png_alloc_size_t size = PNG_IMAGE_PNG_SIZE_MAX(image);
+  Bytes file(size);
+  EXPECT_TRUE(png_image_write_to_memory(&image, file.data(), &size, 0, original.data.data(),
+                                        original.pitch * 4, nullptr));
+  return Shown(ImageSource(file.data(), size), width, height, mode);
+}
+
+TEST(Image, ShowsEverySampleInItsOwnSizeAndSmaller) {
+  for (const Sample& sample : kSamples) {
+    const auto colour = [&](int x, int y) {
+      return sample.kind(Gradient(x - x % sample.block, y - y % sample.block));
+    };
+    const Pixels original(29, 19, [&](int x, int y) { return Argb(colour(x, y)); });
+    const Pixels expected(29, 19, [&](int x, int y) { return Premultiplied(colour(x, y)); });
+    const std::string path = std::string(ZIRK_TEST_IMAGES) + sample.file;
+    const Bytes bytes = ReadSample(sample.file);
+    const ImageSource file(path.c_str()), memory(bytes.data(), bytes.size());
+    for (const auto mode : {VuScaleMode::Nearest, VuScaleMode::Bilinear}) {
+      SCOPED_TRACE(path);
+      EXPECT_LE(Difference(Shown(file, 29, 19, mode), expected), sample.tolerance);
+      // The ways to a smaller picture differ by format: whole or by rows, or from larger steps.
+      EXPECT_LE(Difference(Shown(memory, 5, 3, mode), Scaled(original, 5, 3, mode)),
+                sample.tolerance);
     }
   }
 }
-
-// The ways to a smaller picture differ by format: whole or by rows, or from larger steps.
-TEST_P(SampleTest, ShrinksLikeTheSamePictureInAnyFormat) {
-  Pixels original(kPictureWidth, kPictureHeight);
-  for (int y = 0; y < kPictureHeight; ++y)
-    for (int x = 0; x < kPictureWidth; ++x) {
-      const Rgba c = GetParam().picture(x, y);
-      original.data[static_cast<size_t>(y * kPictureWidth + x)] =
-          static_cast<uint32_t>(c.a << 24 | c.r << 16 | c.g << 8 | c.b);
-    }
-  const std::vector<uint8_t> png = EncodePng(original);
-  for (const auto mode : {VuScaleMode::Nearest, VuScaleMode::Bilinear}) {
-    const Pixels expected = DecodeTo(ImageSource(png.data(), png.size()), 5, 3, mode);
-    const Pixels actual = DecodeTo(ImageSource(path_.c_str()), 5, 3, mode);
-    for (size_t i = 0; i < expected.data.size(); ++i)
-      EXPECT_LE(WorstChannel(actual.data[i], expected.data[i]), GetParam().tolerance)
-          << "pixel " << i << " in mode " << static_cast<int>(mode);
-  }
-}
-
-TEST_P(SampleTest, KeepsToTheRowsItIsGiven) {
-  Pixels wide(kPictureWidth + 3, kPictureHeight);
-  backends::PixelRows rows = wide.Rows();
-  rows.width = kPictureWidth;
-  const auto image = Image::Open(ImageSource(path_.c_str()));
-  ASSERT_TRUE(image && image->Decode(rows, VuScaleMode::Nearest));
-  const Pixels tight =
-      DecodeTo(ImageSource(path_.c_str()), kPictureWidth, kPictureHeight, VuScaleMode::Nearest);
-  for (int y = 0; y < kPictureHeight; ++y)
-    for (int x = 0; x < wide.width; ++x)
-      ASSERT_EQ(wide.At(x, y), x < kPictureWidth ? tight.At(x, y) : 0xDEADBEEF) << x << ", " << y;
-}
-
-INSTANTIATE_TEST_SUITE_P(Samples, SampleTest, testing::ValuesIn(kSamples),
-                         [](const auto& c) { return NameOf(c.param.file); });
 
 TEST(Image, MultipliesByAlphaWithExactRounding) {
-  Pixels original(256, 256);  // Every alpha with every value.
-  for (uint32_t i = 0; i < 65536; ++i) original.data[i] = i << 16 | (i & 255) << 8 | (i & 255);
-  const std::vector<uint8_t> png = EncodePng(original);
-  const Pixels pixels =
-      DecodeTo(ImageSource(png.data(), png.size()), 256, 256, VuScaleMode::Nearest);
-  for (int a = 0; a < 256; ++a)
-    for (int v = 0; v < 256; ++v)
-      ASSERT_EQ(pixels.At(v, a), Premultiplied({v, v, v, a})) << v << " at alpha " << a;
+  const auto every = [](int x, int y) { return Rgba{x, 255 - x, x ^ y, y}; };
+  const Pixels original(256, 256, [&](int x, int y) { return Argb(every(x, y)); });
+  const Pixels expected(256, 256, [&](int x, int y) { return Premultiplied(every(x, y)); });
+  EXPECT_EQ(Difference(Scaled(original, 256, 256, VuScaleMode::Nearest), expected), 0);
 }
 
-// Samples fit into one piece of a stream; these do not. Nor does their name tell the format.
 TEST(Image, IsReadInPieces) {
-  Pixels noise(120, 120);
-  uint32_t seed = 1;
-  for (uint32_t& pixel : noise.data) pixel = 0xFF000000u | (seed = seed * 1664525 + 1013904223);
-  const TempFile file(EncodePng(noise));
-  EXPECT_EQ(DecodeTo(ImageSource(file.Path()), 120, 120, VuScaleMode::Nearest).data, noise.data);
-}
+  const Bytes plain = ReadSample("rgb.jpg");
+  Bytes bytes = {0xFF, 0xD8, 0xFF, 0xFE, 60000 >> 8, 60000 & 255};  // A long comment.
+  for (unsigned i = 2; i < 60000; ++i) bytes.push_back(static_cast<uint8_t>(i * i >> 7));
+  bytes.insert(bytes.end(), plain.begin() + 2, plain.end());
+  const std::string path = testing::TempDir() + "zirk-image-" + std::to_string(getpid());
+  std::ofstream(path, std::ios::binary)
+      .write(reinterpret_cast<const char*>(bytes.data()), static_cast<int>(bytes.size()));
+  const ImageSource file(path.c_str()), memory(plain.data(), plain.size());
 
-TEST(Image, MayBeginWithMuchElse) {
-  std::vector<uint8_t> bytes = ReadSample("rgb.jpg");
-  std::vector<uint8_t> comment(60002);
-  Put(comment, 0, 4, 0xFFFE0000u | 60000);
-  bytes.insert(bytes.begin() + 2, comment.begin(), comment.end());
-  const TempFile file(bytes);
-  EXPECT_EQ(DecodeTo(ImageSource(file.Path()), 5, 5, VuScaleMode::Nearest).data,
-            DecodeTo(ImageSource(ZIRK_TEST_IMAGES "rgb.jpg"), 5, 5, VuScaleMode::Nearest).data);
-}
-
-TEST(ImageStream, JoinsThePiecesOfAFile) {
-  std::vector<uint8_t> bytes(50000);
-  for (size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<uint8_t>(i * i >> 7);
-  const TempFile file(bytes);
-  backends::ImageStream stream{ImageSource(file.Path())};
-  std::vector<uint8_t> joined(20000);
-  ASSERT_TRUE(stream.Read(joined.data(), joined.size()));
+  backends::ImageStream stream(file);
+  Bytes joined(20000);
+  EXPECT_TRUE(stream.Read(joined.data(), joined.size()));
   const auto rest = stream.TakeUpTo(1000000);
   joined.insert(joined.end(), rest.data, rest.data + rest.size);
   EXPECT_EQ(joined, bytes);
-  EXPECT_FALSE(stream.Read(joined.data(), 1));
+  EXPECT_EQ(Shown(file, 5, 5, {}).data, Shown(memory, 5, 5, {}).data);
+  unlink(path.c_str());
 }
 
-struct FitCase {
-  const char* name;
-  int width, height;
-  VuDisplayMode mode;
-  int fittedWidth, fittedHeight;
-};
-
-class FittedSize : public testing::TestWithParam<FitCase> {};
-
-TEST_P(FittedSize, IsThatOfTheDisplayMode) {
-  const FitCase& c = GetParam();
-  const auto image = Image::Open(ImageSource(ZIRK_TEST_IMAGES "rgb8.png"));
-  const auto size = image->FittedSize(c.width, c.height, c.mode);
-  ASSERT_TRUE(size);
-  EXPECT_EQ(size->width, c.fittedWidth);
-  EXPECT_EQ(size->height, c.fittedHeight);
-}
-
-const FitCase kFitCases[] = {
-    {"NoBox", 0, 50, VuDisplayMode::Fit, 29, 19},
-    {"Stretch", 10, 50, VuDisplayMode::Stretch, 10, 50},
-    {"Fit", 58, 50, VuDisplayMode::Fit, 58, 38},
-    {"FitLessThanARow", 1, 50, VuDisplayMode::Fit, 1, 1},
-    {"Natural", 100, 100, VuDisplayMode::Natural, 29, 19},
-    {"UnknownMode", 7, 8, static_cast<VuDisplayMode>(-5), 7, 8},
-    {"FillBeyondAnyBox", 16384, 16384, VuDisplayMode::Fill, 29, 19},
-};
-INSTANTIATE_TEST_SUITE_P(Modes, FittedSize, testing::ValuesIn(kFitCases),
-                         [](const auto& c) { return c.param.name; });
-
-TEST(Image, FitsNoBoxThatNoSurfaceCanFill) {
-  const auto image = Image::Open(ImageSource(ZIRK_TEST_IMAGES "rgb8.png"));
-  EXPECT_TRUE(LogsOneError("rgb8.png: 16385 x 1 pixels", [&] {
+TEST(Image, FitsABoxThatASurfaceCanFill) {
+  const auto image = Image::Open(ImageSource(ZIRK_TEST_IMAGES "rgba8.png"));
+  EXPECT_EQ(image->FittedSize(1, 50, VuDisplayMode::Fit)->height, 1);
+  EXPECT_TRUE(LogsOneError("rgba8.png: 16385 x 1 pixels", [&] {
     EXPECT_FALSE(image->FittedSize(16385, 1, VuDisplayMode::Stretch));
   }));
+}
+
+TEST(Scaling, AveragesACheckerboardToGreyEverywhere) {
+  const auto field = [](int x, int y) { return (x + y) % 2 ? 0xFFFFFFFF : 0xFF000000; };
+  const Pixels grey(8, 8, [](int, int) { return 0xFF808080; });
+  for (const int size : {64, 61, 127})  // An eighth, and less even parts.
+    EXPECT_LE(Difference(Scaled({size, size, field}, 8, 8, VuScaleMode::Bilinear), grey),
+              size == 64 ? 0 : 4);
+}
+
+TEST(Scaling, KeepsAFlatColourExactly) {
+  const auto flat = [](int, int) { return 0xFF01FE7F; };
+  for (const int to : {1, 3, 7, 8, 13, 14, 100})
+    for (const auto mode : {VuScaleMode::Nearest, VuScaleMode::Bilinear})
+      EXPECT_EQ(Difference(Scaled({13, 13, flat}, to, to, mode), {to, to, flat}), 0);
+}
+
+TEST(Scaling, NeitherBleedsNorRingsAtAnEdgeOfAlpha) {
+  const auto halves = [](int x, int) { return x < 6 ? 0xFFFF0000 : 0x0000FF00; };
+  for (const int to : {5, 31}) {
+    Pixels pixels = Scaled({13, 13, halves}, to, to, VuScaleMode::Bilinear);
+    EXPECT_EQ(pixels.At(0, 0), 0xFFFF0000);
+    EXPECT_EQ(pixels.At(to - 1, 0), 0u);
+    for (int x = 0; x < to; ++x) {
+      EXPECT_EQ(pixels.At(x, 0), (pixels.At(x, 0) >> 24) * 0x01010000) << "premultiplied red";
+      EXPECT_LE(pixels.At(x, 0), pixels.At(std::max(x - 1, 0), 0));
+    }
+  }
+}
+
+TEST(Scaling, InterpolatesBetweenCentresOrTakesTheNearest) {
+  const auto step = [](int x, int) { return x ? 0xFF0000C8 : 0xFF000000; };
+  const uint32_t between[] = {0xFF000000, 0xFF000032, 0xFF000096, 0xFF0000C8};
+  const Pixels expected(4, 2, [&](int x, int) { return between[x]; });
+  EXPECT_EQ(Difference(Scaled({2, 1, step}, 4, 2, VuScaleMode::Bilinear), expected), 0);
+
+  constexpr auto numbered = [](int x, int y) { return Argb({0, x, y, 255}); };
+  for (const auto& [from, sources] :
+       {std::pair(3, std::vector{0, 0, 1, 1, 2, 2}), {4, {1, 3}}, {7, {1, 3, 5}}}) {
+    const int to = static_cast<int>(sources.size());
+    const Pixels scaled = Scaled({from, from, numbered}, to, to, VuScaleMode::Nearest);
+    const auto nearest = [=, at = sources.data()](int x, int y) { return numbered(at[x], at[y]); };
+    EXPECT_EQ(Difference(scaled, {to, to, nearest}), 0) << from << " to " << to;
+  }
+}
+
+TEST(BrokenImage, IsReportedByPathAndReason) {
+  const std::string longPath = std::string(3000, 'd') + "/last.png";
+  const struct {
+    const char *path, *message;
+  } cases[] = {{nullptr, "cannot read (null): there is no path"},
+               {ZIRK_TEST_IMAGES "no.png", "images/no.png: No such file or directory"},
+               {ZIRK_TEST_IMAGES, "images/: Is a directory"},
+               {"/dev/null", "cannot read /dev/null: there is nothing in it"},
+               {ZIRK_TEST_IMAGES "README.md", "README.md: it is in no known image format"},
+               {longPath.c_str(), "d/last.png: File name too long"}};
+  for (const auto& c : cases)
+    EXPECT_TRUE(
+        LogsOneError(c.message, [&] { EXPECT_FALSE(Decode(ImageSource(c.path), 9, 9, {})); }));
+}
+
+/// Writes a big-endian number of `size` bytes.
+void Put(Bytes& bytes, size_t at, size_t size, uint64_t value) {
+  for (; size > 0; value >>= 8) bytes[at + --size] = static_cast<uint8_t>(value);
+}
+
+/// Sets a PNG's width, with the check sum that goes with it.
+void SetPngWidth(Bytes& png, uint32_t width) {
+  Put(png, 16, 4, width);
+  Put(png, 29, 4, crc32(0, &png[12], 17));
+}
+
+constexpr size_t kJpegHeight = 163;  // Where rgb.jpg has its height.
+
+TEST(BrokenImage, IsReportedBySizeAndReason) {
+  const struct {
+    const char *sample, *reason;
+    std::function<void(Bytes&)> spoil;
+  } cases[] = {
+      {"rgba8.png", "IDAT: CRC error", [](Bytes& b) { b[b.size() - 13] ^= 1; }},
+      {"rgba8.png", "20000 x 19 pixels", [](Bytes& b) { SetPngWidth(b, 20000); }},
+      {"rgba8.png", "", [](Bytes& b) { SetPngWidth(b, 16384); }},
+      {"rgb.jpg", "Empty JPEG image", [](Bytes& b) { Put(b, kJpegHeight, 2, 0); }},
+      {"rgb.jpg", "29 x 20000 pixels", [](Bytes& b) { Put(b, kJpegHeight, 2, 20000); }},
+      {"rgb.jpg", "Corrupt JPEG data: bad Huffman code",
+       [](Bytes& b) { Put(b, b.size() - 100, 8, 0xFF00FF00FF00FF00); }},
+  };
+  for (const auto& c : cases) {
+    Bytes bytes = ReadSample(c.sample);
+    c.spoil(bytes);
+    const ImageSource source(bytes.data(), bytes.size());
+    EXPECT_TRUE(LogsOneError("cannot read " + source.Name() + ": " + c.reason,
+                             [&] { EXPECT_FALSE(Decode(source, 29, 19, {})); }));
+  }
+}
+
+TEST(BrokenImage, FailsWithOneLineWhereverItIsCut) {
+  for (const Sample& sample : kSamples) {
+    const Bytes whole = ReadSample(sample.file);
+    for (size_t cut = 4; cut < whole.size() - 1; cut += whole.size() / 16) {
+      const Bytes bytes(whole.data(), whole.data() + cut);
+      const ImageSource source(bytes.data(), cut);
+      for (const int side : {19, 1})  // One pixel needs but one row.
+        EXPECT_TRUE(
+            LogsOneError(source.Name(), [&] { EXPECT_FALSE(Decode(source, side, side, {})); }))
+            << sample.file << " cut at " << cut;
+    }
+  }
+}
+
+// For the sanitizers: what comes out does not matter, that nothing breaks does.
+TEST(BrokenImage, SurvivesFlippedBits) {
+  std::mt19937 random(20250117);
+  const support::Tunables restored;
+  LogLevel = 0;
+  for (const Sample& sample : kSamples)
+    for (int round = 0; round < 200; ++round) {
+      Bytes bytes = ReadSample(sample.file);
+      for (auto flips = random() % 6 + 1; flips > 0; --flips)
+        bytes[random() % bytes.size()] ^= static_cast<uint8_t>(1u << random() % 8);
+      const ImageSource source(bytes.data(), bytes.size());
+      Decode(source, 40, 7, static_cast<VuScaleMode>(round & 1));
+    }
 }
 
 }  // namespace
