@@ -1,17 +1,12 @@
 #include <zirk/export.h>
 
-#include <new>
-
+#include "common/entrypoints.h"
 #include "fb/fbgraphics.h"
 
 extern "C" ZIRK_API void* CreateVuGraphics(bool /*flag*/) {
-  try {
-    return static_cast<ZIRK::VuGraphicsImpl*>(new ZIRK::backends::FbGraphics);
-  } catch (const std::bad_alloc&) {
-    return nullptr;
-  }
+  return ZIRK::backends::CreateGraphics<ZIRK::backends::FbGraphics>();
 }
 
 extern "C" ZIRK_API void DestroyVuGraphics(void* graphics) {
-  delete static_cast<ZIRK::VuGraphicsImpl*>(graphics);
+  ZIRK::backends::DestroyGraphics(graphics);
 }

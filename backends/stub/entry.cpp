@@ -1,17 +1,12 @@
 #include <zirk/export.h>
 
-#include <new>
-
+#include "common/entrypoints.h"
 #include "stub/stubgraphics.h"
 
 extern "C" ZIRK_API void* CreateVuGraphics(bool /*flag*/) {
-  try {
-    return static_cast<ZIRK::VuGraphicsImpl*>(new ZIRK::backends::StubGraphics);
-  } catch (const std::bad_alloc&) {
-    return nullptr;
-  }
+  return ZIRK::backends::CreateGraphics<ZIRK::backends::StubGraphics>();
 }
 
 extern "C" ZIRK_API void DestroyVuGraphics(void* graphics) {
-  delete static_cast<ZIRK::VuGraphicsImpl*>(graphics);
+  ZIRK::backends::DestroyGraphics(graphics);
 }
