@@ -1,155 +1,106 @@
-// A plug-in built from its own copy of the interface, which calls nothing of the library. Each
-// operation prints its number and enough of its arguments to see that they arrived.
+// A plug-in as somebody writes it from the documentation alone, without our headers: the same
+// classes in the same order, with types of its own. It says what happens to it.
 
-#include "independent.h"
-
-#include <cstdarg>
+#include <cstdint>
 #include <cstdio>
 #include <ostream>
 
 #define ENTRY_POINT extern "C" __attribute__((visibility("default")))
+/// An operation that nobody calls here, in its place.
+#define UNUSED(entry) \
+  virtual void Unused##entry() {}
 
 namespace ZIRK {
-namespace {
 
-__attribute__((format(printf, 1, 2))) void Say(const char* format, ...) {
-  va_list args;
-  va_start(args, format);
-  vfprintf(stderr, format, args);
-  va_end(args);
-  fputc(';', stderr);
+struct Rect {
+  int32_t x, y, width, height;
+};
+struct Matrix {
+  float m[9];
+  uint8_t flags;
+};
+struct LayerDescription {
+  void (*inside)();
+};
+
+[[gnu::destructor]] static void SayClosing() {
+  fputs("plug-in closed\n", stderr);
 }
 
-double D(float f) {
-  return static_cast<double>(f);
-}
-
-template <class Base>
-class Surface : public Base {
+// clang-format off
+class VuBitmapImpl {
  public:
-  ~Surface() override { Say("gone"); }
-  void Reserved() override { Say("3"); }
-  void SetName(const char* name) override { Say("4 %s", name); }
-  void ClearAll() override { Say("5"); }
-  void Clear(Color c) override { Say("6 %x", c.argb); }
-  Info GetInfo() const override { return Say("7"), Info{1, 2, 3, 4, nullptr}; }
-  uint32_t GetSize() const override { return Say("8"), 8; }
-  Rect GetBounds() const override { return Say("9"), Rect{0, 0, 10, 10}; }
-  Rect GetClippingRect() const override { return Say("10"), Rect{1, 2, 3, 4}; }
-  void SetClippingRect(Rect r) override { Say("11 %d %d", r.x, r.height); }
-  void GetBlendingFunc(int32_t& s, int32_t& d) const override { Say("12"), s = 1, d = 2; }
-  void SetBlendingFunc2(int32_t s, int32_t d) override { Say("13 %d %d", s, d); }
-  void SetBlendingFunc4(int32_t a, int32_t b, int32_t c, int32_t d) override {
-    Say("14 %d %d %d %d", a, b, c, d);
+  virtual ~VuBitmapImpl() { fputs("surface destroyed\n", stderr); }
+  UNUSED(3) UNUSED(4) UNUSED(5) UNUSED(6) UNUSED(7) UNUSED(8)
+  virtual Rect GetBounds() const { return {0, 0, 8, 4}; }
+  UNUSED(10) UNUSED(11) UNUSED(12) UNUSED(13) UNUSED(14) UNUSED(15) UNUSED(16) UNUSED(17)
+  UNUSED(18) UNUSED(19) UNUSED(20) UNUSED(21) UNUSED(22) UNUSED(23) UNUSED(24) UNUSED(25)
+  virtual void DrawRect(Rect r, uint32_t color, Matrix m, VuBitmapImpl* mask, void*) {
+    const auto y = static_cast<double>(m.m[7]);
+    fprintf(stderr, "DrawRect %d %x %g %d %d\n", r.height, color, y, m.flags, mask == this);
   }
-  bool GetBlendEnabled() const override { return Say("15"), true; }
-  void SetBlendEnabled(bool b) override { Say("16 %d", b); }
-  Color GetBlendColor() const override { return Say("17"), Color{17}; }
-  void SetBlendColor(Color c) override { Say("18 %x", c.argb); }
-  int32_t GetScaleMode() const override { return Say("19"), 19; }
-  void SetScaleMode(int32_t m) override { Say("20 %d", m); }
-  void DrawPointT(Point p, float s, Color, Transform t, VuBitmapImpl*, Vector v) override {
-    Say("21 %d %g %g %g", p.y, D(s), D(t.scaleY), D(v.y));
-  }
-  void DrawPointM(Point p, float s, Color, Matrix m, VuBitmapImpl*, Vector v) override {
-    Say("22 %d %g %g %d %g", p.y, D(s), D(m.m[4]), m.flags, D(v.y));
-  }
-  void DrawLineT(Point p, Point q, Color, Transform t, VuBitmapImpl*, Vector* v) override {
-    Say("23 %d %d %g %g", p.y, q.y, D(t.scaleY), D(v->y));
-  }
-  void DrawLineM(Point p, Point q, Color, Matrix m, VuBitmapImpl*, Vector* v) override {
-    Say("24 %d %d %g %g", p.y, q.y, D(m.m[4]), D(v->y));
-  }
-  void DrawRectT(Rect r, Color, Transform t, VuBitmapImpl*, Vector* v) override {
-    Say("25 %d %g %g", r.height, D(t.scaleY), D(v->y));
-  }
-  void DrawRectM(Rect r, Color, Matrix m, VuBitmapImpl*, Vector* v) override {
-    Say("26 %d %g %g", r.height, D(m.m[4]), D(v->y));
-  }
-  void DrawObjectT(Rect r, VuBitmapImpl* src, Rect s, Transform t, Color, VuBitmapImpl* mask,
-                   Vector* v) override {
-    Say("27 %d %d %g %d %g", r.height, s.x, D(t.scaleY), src == mask, D(v->y));
-  }
-  void DrawObjectM(Rect r, VuBitmapImpl* src, Rect s, Matrix m, Color, VuBitmapImpl* mask,
-                   Vector* v) override {
-    Say("28 %d %d %g %d %g", r.height, s.x, D(m.m[4]), src == mask, D(v->y));
-  }
-  void DrawObjectF(RectF r, VuBitmapImpl* src, RectF s, Matrix m, Color, VuBitmapImpl* mask,
-                   Vector* v) override {
-    Say("29 %g %g %g %d %g", D(r.max.y), D(s.min.x), D(m.m[4]), src == mask, D(v->y));
-  }
-  void DrawTextT(VuFontImpl*, const char* text, Point p, Color, Transform t, VuBitmapImpl*, Vector*,
-                 Rect r) override {
-    Say("30 %s %d %g %d", text, p.y, D(t.scaleY), r.height);
-  }
-  void DrawTextM(VuFontImpl*, const char* text, Point p, Color, Matrix m, VuBitmapImpl*, Vector*,
-                 Rect r) override {
-    Say("31 %s %d %g %d", text, p.y, D(m.m[4]), r.height);
-  }
-  bool Lock(bool b) override { return Say("32 %d", b), true; }
-  bool Unlock() override { return Say("33"), true; }
-  void Finish() override { Say("34 of %u", this->overdrawPixels); }
-  void Flush() override { Say("35"); }
-  bool GetPixels(Rect r, void*) override { return Say("36 %d", r.height), true; }
-  bool SetPixels(Rect r, const void*, unsigned n) override {
-    return Say("37 %d %u", r.height, n), true;
-  }
-  bool CopyPixels(Point p, VuBitmapImpl* src, Rect r) override {
-    return Say("38 %d %d %d", p.y, src == this, r.height), true;
-  }
-  bool IsTextureBacked() const override { return Say("39"), false; }
+  UNUSED(27) UNUSED(28) UNUSED(29) UNUSED(30) UNUSED(31) UNUSED(32) UNUSED(33)
+  virtual void Finish() { fprintf(stderr, "Finish after %u\n", overdrawPixels); }
+  UNUSED(35) UNUSED(36) UNUSED(37) UNUSED(38)
+  virtual bool IsTextureBacked() const { return false; }
+  uint32_t overdrawPixels = 0;
 };
 
-class OnScreen final : public Surface<VuScreenImpl> {
-  void SwapBuffers() override { Say("screen 3"); }
-};
-
-class Graphics final : public VuGraphicsImpl {
+class VuScreenImpl : public virtual VuBitmapImpl {
  public:
-  ~Graphics() override { Say("gone"); }
-  VuScreenImpl* CreateScreen(bool b) override { return Say("3 %d", b), new OnScreen; }
-  VuScreenImpl* CreateDescribedScreen(const Screen& s) override {
-    return Say("4 %d %d %d %d %d %d", s.width, s.height, s.index, s.buffers, s.format, s.option),
-           nullptr;
-  }
-  VuBitmapImpl* CreateBitmap(int w, int h, int32_t f) override {
-    return Say("5 %d %d %d", w, h, f), new Surface<VuBitmapImpl>;
-  }
-  VuBitmapImpl* FromFile(const char* p) override { return Say("6 %s", p), nullptr; }
-  VuBitmapImpl* FromFileFitted(const char* p, int w, int h, int32_t s, int32_t d) override {
-    return Say("7 %s %d %d %d %d", p, w, h, s, d), nullptr;
-  }
-  VuBitmapImpl* FromMemory(const void*, unsigned n) override { return Say("8 %u", n), nullptr; }
-  VuBitmapImpl* FromMemoryFitted(const void*, unsigned n, int w, int h, int32_t s) override {
-    return Say("9 %u %d %d %d", n, w, h, s), nullptr;
-  }
-  unsigned AvailableMemory() const override { return Say("10"), 10; }
-  unsigned TotalMemory() const override { return Say("11"), 11; }
-  unsigned SizeOf(int w, int h, int32_t f) const override {
-    return Say("12 %d %d %d", w, h, f), 12;
-  }
-  unsigned SizeOfFile(const char* p) const override { return Say("13 %s", p), 13; }
-  unsigned SizeOfFileFitted(const char* p, int w, int h) const override {
-    return Say("14 %s %d %d", p, w, h), 14;
-  }
-  unsigned SizeOfMemory(const void*, unsigned n) const override { return Say("15 %u", n), 15; }
-  unsigned SizeOfMemoryFitted(const void*, unsigned n, int w, int h) const override {
-    return Say("16 %u %d %d", n, w, h), 16;
-  }
-  void PrintBitmapList(unsigned key, std::ostream& os) override { Say("17 %u", key), os << "list"; }
-  void Flush() override { Say("18"); }
-  void SetTerminateOnDestruct(bool b) override { Say("19 %d", b); }
-  int GetGraphicsType() const override { return Say("20"), 20; }
-  int GetMaxTextureSize() const override { return Say("21"), 21; }
+  ~VuScreenImpl() override = default;
+  virtual void SwapBuffers() { fprintf(stderr, "SwapBuffers after %u\n", overdrawPixels); }
 };
 
-}  // namespace
+class VuGraphicsImpl {
+ public:
+  virtual ~VuGraphicsImpl() { fputs("context destroyed\n", stderr); }
+  virtual VuScreenImpl* CreateScreen(bool flag) { return flag ? new VuScreenImpl : nullptr; }
+  UNUSED(4)
+  virtual VuBitmapImpl* CreateBitmap(int, int, int32_t) { return new VuBitmapImpl; }
+  UNUSED(6) UNUSED(7) UNUSED(8) UNUSED(9)
+  virtual unsigned AvailableMemory() const { return 30; }
+  virtual unsigned TotalMemory() const { return 100; }
+  UNUSED(12) UNUSED(13) UNUSED(14) UNUSED(15) UNUSED(16)
+  virtual void PrintBitmapList(unsigned key, std::ostream& os) { os << "bitmaps " << key << '\n'; }
+  UNUSED(18) UNUSED(19) UNUSED(20)
+  virtual int GetMaxTextureSize() const { return 21; }
+};
+// clang-format on
+
+class VuCompositorImpl {
+ public:
+  virtual ~VuCompositorImpl() { fputs("compositor destroyed\n", stderr); }
+  virtual void SetConfiguration(const LayerDescription* layers, int count) {
+    count_ = count;
+    if (layers) layers->inside();
+  }
+  virtual void GetConfiguration(LayerDescription*, int& count) { count = count_; }
+  virtual void EnableLayer(signed char layer, bool enable) {
+    fprintf(stderr, "EnableLayer %d %d\n", layer, enable);
+  }
+  virtual int GetVirtualLayerCount() { return 2 * count_; }
+
+ private:
+  int count_ = 0;
+};
+
 }  // namespace ZIRK
 
-ENTRY_POINT void* CreateVuGraphics(bool) {
-  return static_cast<ZIRK::VuGraphicsImpl*>(new ZIRK::Graphics);
+ENTRY_POINT void* CreateVuGraphics(bool flag) {
+  fprintf(stderr, "CreateVuGraphics %d\n", flag);
+  return new ZIRK::VuGraphicsImpl;
 }
 
 ENTRY_POINT void DestroyVuGraphics(void* graphics) {
+  fputs("DestroyVuGraphics\n", stderr);
   delete static_cast<ZIRK::VuGraphicsImpl*>(graphics);
 }
+
+ENTRY_POINT void* CreateVuCompositor(bool flag) {
+  fprintf(stderr, "CreateVuCompositor %d\n", flag);
+  return new ZIRK::VuCompositorImpl;
+}
+
+// Never called: the library deletes the compositor.
+ENTRY_POINT void DestroyVuCompositor(void*) {}

@@ -1,9 +1,9 @@
-#include <zirk/export.h>
-
 // Complete, but has no device to draw on.
 
-extern "C" ZIRK_API void* CreateVuGraphics(bool) {
+#define ENTRY_POINT extern "C" __attribute__((visibility("default")))
+
+ENTRY_POINT void* CreateVuGraphics(bool) {
   return nullptr;
 }
 
-extern "C" ZIRK_API void DestroyVuGraphics(void*) {}
+ENTRY_POINT void DestroyVuGraphics(void*) {}

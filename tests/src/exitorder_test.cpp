@@ -6,6 +6,7 @@
 
 #include <cstdlib>
 #include <memory>
+#include <utility>
 
 #include "support/plugins.h"
 
@@ -25,62 +26,47 @@ std::unique_ptr<VuGraphics> graphics;
 std::unique_ptr<VuBitmap> bitmap;
 std::shared_ptr<VuCompositorImpl> compositor;
 
-class ExitOrderDeathTest : public testing::Test {
- protected:
-  void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
-
-  static void CreateAll() {
-    LogLevel = 2;
-    support::InstallAnnouncing("Hybrid");
-    graphics.reset(VuGraphics::Create());
-    bitmap.reset(graphics->CreateBitmap(1, 1, VuPixelFormat::ARGB8888));
-    support::InstallAnnouncingCompositor();
-    VuCompositor::Enable(true);
-  }
-};
-
-TEST_F(ExitOrderDeathTest, HandlesInStaticObjects) {
+/// A process creates one of each, calls `leave` and exits.
+void ExpectAtExit(void (*leave)(), const char* said) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
   EXPECT_EXIT(
       {
-        CreateAll();
-        enablesAtExit.armed = true;
+        LogLevel = 2;
+        support::Install("Hybrid");
+        support::Install("GLCompositor", "Independent", "VuCompositor");
+        graphics.reset(VuGraphics::Create());
+        bitmap.reset(graphics->CreateBitmap(1, 1, VuPixelFormat::ARGB8888));
+        VuCompositor::Enable(true);
+        leave();
         exit(0);
       },
-      testing::ExitedWithCode(0),
-      "compositor deleted\n.*bitmap deleted\n.*context deleted\n.*layers at exit: 0\n"
-      "CreateVuCompositor 0\ncompositor deleted\nplug-in closed\n$");
+      testing::ExitedWithCode(0), said);
 }
 
-TEST_F(ExitOrderDeathTest, HandlesThatAreNeverDestroyed) {
-  EXPECT_EXIT(
-      {
-        CreateAll();
-        static VuBitmap* const leftBitmap = bitmap.release();
-        static VuGraphics* const leftGraphics = graphics.release();
-        exit(leftBitmap && leftGraphics ? 0 : 1);
-      },
-      testing::ExitedWithCode(0), "CreateVuCompositor 0\ncompositor deleted\nplug-in closed\n$");
+TEST(ExitOrderDeathTest, HandlesInStaticObjects) {
+  ExpectAtExit([] { enablesAtExit.armed = true; },
+               "compositor destroyed\nsurface destroyed\ncontext destroyed\nlayers at exit: 0\n"
+               "CreateVuCompositor 0\ncompositor destroyed\nplug-in closed\n$");
 }
 
-TEST_F(ExitOrderDeathTest, AShareInTheCompositor) {
-  EXPECT_EXIT(
-      {
-        CreateAll();
-        compositor = VuCompositorImpl::GetInstance();
-        exit(0);
-      },
-      testing::ExitedWithCode(0), "compositor deleted\n.*plug-in closed\n$");
+TEST(ExitOrderDeathTest, HandlesThatAreNeverDestroyed) {
+  ExpectAtExit(
+      [] { [[maybe_unused]] static const std::pair left(bitmap.release(), graphics.release()); },
+      "CreateVuCompositor 0\ncompositor destroyed\nplug-in closed\n$");
 }
 
-TEST_F(ExitOrderDeathTest, AContextHeldByTheOverride) {
-  EXPECT_EXIT(
-      {
-        CreateAll();
+TEST(ExitOrderDeathTest, AShareInTheCompositor) {
+  ExpectAtExit([] { compositor = VuCompositorImpl::GetInstance(); },
+               "compositor destroyed\n.*plug-in closed\n$");
+}
+
+TEST(ExitOrderDeathTest, AContextHeldByTheOverride) {
+  ExpectAtExit(
+      [] {
         VuGraphics::SetGraphicsOverride([held = std::shared_ptr<VuGraphics>(VuGraphics::Create())](
                                             bool) { return held.get(); });
-        exit(0);
       },
-      testing::ExitedWithCode(0), "context deleted\n.*context deleted\n");
+      "context destroyed\n.*context destroyed\n.*plug-in closed\n$");
 }
 
 }  // namespace

@@ -1,272 +1,271 @@
-// What goes through unchanged in one form only is in independentplugin_test.cpp.
+// Plug-ins are built apart from the library and meet it by position only: each operation of a
+// handle calls one entry of its implementation's table, with the application's arguments.
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <zirk/backend.h>
 
 #include <limits>
+#include <sstream>
+#include <tuple>
+#include <utility>
 
-#include "doubles/fakefont.h"
-#include "doubles/recordingsurface.h"
+#include "doubles/fakeobject.h"
 #include "support/logged.h"
 
 namespace ZIRK {
 namespace {
 
-using doubles::Line;
-using doubles::Recorder;
+using doubles::FakeObject;
 using Vector = VuTVector2D<float>;
-using Matrix = VuTMatrix2D<float>;
 using RectF = VuTRect2D<float>;
+using Factor = VuBlendingFactor;
 
-static_assert(sizeof(VuBitmap) == sizeof(void*), "a handle is its implementation's pointer");
+constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 
-class VuBitmapTest : public testing::Test {
+// A handle is its implementation's pointer.
+static_assert(sizeof(VuBitmap) + sizeof(VuGraphics) + sizeof(VuFont) == 3 * sizeof(void*));
+
+VuRect Whole(void*) {
+  return {1, 2, 100, 100};
+}
+int measured = 0;
+int TextWidth(void*, const char*) {
+  return ++measured, 30;
+}
+int TextHeight(void*) {
+  return 12;
+}
+
+/// EXPECT_DRAWN(call, overdraw, entry, arguments...)
+#define EXPECT_DRAWN(call, ...) ExpectDrawn([&] { call; }, __VA_ARGS__)
+
+class Slots : public testing::Test {
  protected:
-  /// `draw` arrives at the surface as `call`, and counts `overdraw` pixels while, and only while,
-  /// that is switched on.
-  template <typename F>
-  void ExpectDrawing(F draw, const std::string& call, uint32_t overdraw) {
+  Slots() {
+    source.Set(9, &Whole);
+    fontObject.Set(4, &TextWidth);
+    fontObject.Set(5, &TextHeight);
+  }
+
+  /// As EXPECT_ENTRY. Counts `overdraw` pixels while, and only while, that is switched on.
+  template <typename F, typename... Args>
+  void ExpectDrawn(F draw, uint32_t overdraw, int entry, Args... args) {
     const support::Tunables restored;
     for (const bool counted : {false, true}) {
       LogOverdraw = counted;
-      impl->overdrawPixels = 7;
-      draw();
-      EXPECT_EQ(recorder.Take(), call);
-      EXPECT_EQ(impl->overdrawPixels, counted ? 7 + overdraw : 7) << call;
+      surface.fields[0] = 7;
+      measured = 0;
+      ExpectEntry(draw, surface, entry, args...);
+      EXPECT_EQ(surface.fields[0], counted ? 7 + overdraw : 7) << "entry " << entry;
+      EXPECT_EQ(measured, counted && entry >= 30 ? 1 : 0) << "entry " << entry;
     }
   }
 
-  Recorder recorder;
-  Recorder sourceRecorder;
-  doubles::RecordingBitmap* impl = new doubles::RecordingBitmap(recorder);
-  doubles::RecordingBitmap* sourceImpl = new doubles::RecordingBitmap(sourceRecorder);
-  VuBitmap bitmap{impl};
-  VuBitmap other{sourceImpl};
+  FakeObject<VuBitmapImpl> surface, source;
+  FakeObject<VuFontImpl> fontObject;
+  VuBitmap b{surface.get()};
+  const VuBitmap src{source.get()};
+  VuFont font{fontObject.get()};
 
   // As the surface receives them.
-  VuBitmapImpl* const source = sourceImpl;
-  VuBitmapImpl* const none = nullptr;
-  Vector* const noCoords = nullptr;
-  const VuTransform identity{0, 0, 1, 1, 0};
+  void* const own = surface.get();
+  void* const from = source.get();
+  void* const f = fontObject.get();
+  void* const nil = nullptr;
+  const VuTransform id{0, 0, 1, 1, 0};
+  const VuRect whole = Whole(nullptr);
 
-  const VuPoint p{1, 2};
-  const VuPoint q{3, 4};
-  const VuRect r{5, 6, 10, 20};
-  const VuRect part{7, 8, 9, 10};
+  const VuPoint p{1, 2}, q{3, 4};
+  const VuRect r{5, 6, 10, 20}, part{7, 8, 9, 10}, all{};
   const VuColor c{0x80112233};
-  const VuTransform t{5, 5, 2, 3, 0};
-  const Matrix m{t};
-  Vector coords[4] = {{0.5f, 1.5f}, {}, {}, {}};
+  const float size = 4;
+  const char* const text = "text";
+  Vector v{0.5f, 1.5f};
 };
 
-TEST_F(VuBitmapTest, DrawPointCountsItsScaleOnlyWhenMasked) {
-  ExpectDrawing([&] { bitmap.DrawPoint(p, 4, c); },
-                Line("DrawPoint", p, 4, c, identity, none, Vector()), 16);
-  ExpectDrawing([&] { bitmap.DrawPoint(p, 4, c, t); },
-                Line("DrawPoint", p, 4, c, t, none, Vector()), 16);
-  ExpectDrawing([&] { bitmap.DrawPoint(p, 4, c, t, other, coords[0]); },
-                Line("DrawPoint", p, 4, c, t, source, coords[0]), 96);
-  ExpectDrawing([&] { bitmap.DrawPoint(p, 4, c, m); },
-                Line("DrawPoint", p, 4, c, m, none, Vector()), 16);
-  ExpectDrawing([&] { bitmap.DrawPoint(p, 4, c, m, other, coords[0]); },
-                Line("DrawPoint", p, 4, c, m, source, coords[0]), 96);
+TEST_F(Slots, Bitmap) {
+  Factor one{1}, two{2};
+  EXPECT_ENTRY(b.SetName(text), surface, 4, text);
+  EXPECT_ENTRY(b.Clear(), surface, 5);
+  EXPECT_ENTRY(b.Clear(c), surface, 6, c);
+  EXPECT_ENTRY(b.GetInfo(), surface, 7);
+  EXPECT_ENTRY(b.GetSize(), surface, 8);
+  EXPECT_ENTRY(b.GetBounds(), surface, 9);
+  EXPECT_ENTRY(b.GetClippingRect(), surface, 10);
+  EXPECT_ENTRY(b.SetClippingRect(r), surface, 11, r);
+  EXPECT_ENTRY(b.GetBlendingFunc(one, two), surface, 12, &one, &two);
+  EXPECT_ENTRY(b.SetBlendingFunc(one, two), surface, 13, 1, 2);
+  EXPECT_ENTRY(b.SetBlendingFunc(one, two, Factor{3}, Factor{4}), surface, 14, 1, 2, 3, 4);
+  EXPECT_ENTRY(b.GetBlendEnabled(), surface, 15);
+  EXPECT_ENTRY(b.SetBlendEnabled(true), surface, 16, true);
+  EXPECT_ENTRY(b.GetBlendColor(), surface, 17);
+  EXPECT_ENTRY(b.SetBlendColor(c), surface, 18, c);
+  EXPECT_ENTRY(b.GetScaleMode(), surface, 19);
+  EXPECT_ENTRY(b.SetScaleMode(VuScaleMode{9}), surface, 20, 9);
+  EXPECT_ENTRY(b.Lock(), surface, 32, true);
+  EXPECT_ENTRY(b.Lock(false), surface, 32, false);
+  EXPECT_ENTRY(b.Unlock(), surface, 33);
+  EXPECT_ENTRY(b.Finish(), surface, 34);
+  EXPECT_ENTRY(b.SwapBuffers(), surface, 34);
+  EXPECT_ENTRY(b.Flush(), surface, 35);
+  EXPECT_ENTRY(b.GetPixels(r, &v), surface, 36, r, &v);
+  EXPECT_ENTRY(b.SetPixels(r, text, 3), surface, 37, r, text, 3u);
+  EXPECT_ENTRY(b.CopyPixels(p, src, r), surface, 38, p, from, r);
+  EXPECT_ENTRY(b.IsTextureBacked(), surface, 39);
+  EXPECT_TRUE(surface.get()->VuBitmapImpl::IsTextureBacked());
 }
 
-TEST_F(VuBitmapTest, DrawLineNeverCounts) {
-  ExpectDrawing([&] { bitmap.DrawLine(p, q, c); },
-                Line("DrawLine", p, q, c, identity, none, noCoords), 0);
-  ExpectDrawing([&] { bitmap.DrawLine(p, q, c, t); }, Line("DrawLine", p, q, c, t, none, noCoords),
-                0);
-  ExpectDrawing([&] { bitmap.DrawLine(p, q, c, t, other, coords); },
-                Line("DrawLine", p, q, c, t, source, &coords[0]), 0);
-  ExpectDrawing([&] { bitmap.DrawLine(p, q, c, m); }, Line("DrawLine", p, q, c, m, none, noCoords),
-                0);
-  ExpectDrawing([&] { bitmap.DrawLine(p, q, c, m, other, coords); },
-                Line("DrawLine", p, q, c, m, source, &coords[0]), 0);
+TEST_F(Slots, Drawing) {
+  EXPECT_DRAWN(b.DrawPoint(p, size, c), 16, 21, p, size, c, id, nil, Vector());
+  EXPECT_DRAWN(b.DrawLine(p, q, c), 0, 23, p, q, c, id, nil, nil);
+  EXPECT_DRAWN(b.DrawRect(r, c), 200, 25, r, c, id, nil, nil);
+  EXPECT_DRAWN(b.DrawObject(r, src), 200, 27, r, from, whole, id, white, nil, nil);
+  EXPECT_DRAWN(b.DrawObject(r, src, part), 200, 27, r, from, part, id, white, nil, nil);
+  EXPECT_DRAWN(b.DrawText(font, text, p, c), 360, 30, f, text, p, c, id, nil, nil, all);
+  const auto draw = [&](const auto t, int i) {
+    EXPECT_DRAWN(b.DrawPoint(p, size, c, t), 16, 21 + i, p, size, c, t, nil, Vector());
+    EXPECT_DRAWN(b.DrawPoint(p, size, c, t, b, v), 96, 21 + i, p, size, c, t, own, v);
+    EXPECT_DRAWN(b.DrawLine(p, q, c, t), 0, 23 + i, p, q, c, t, nil, nil);
+    EXPECT_DRAWN(b.DrawLine(p, q, c, t, b, &v), 0, 23 + i, p, q, c, t, own, &v);
+    EXPECT_DRAWN(b.DrawRect(r, c, t), 1200, 25 + i, r, c, t, nil, nil);
+    EXPECT_DRAWN(b.DrawRect(r, c, t, b, &v), 1200, 25 + i, r, c, t, own, &v);
+    EXPECT_DRAWN(b.DrawObject(r, src, t), 1200, 27 + i, r, from, whole, t, white, nil, nil);
+    EXPECT_DRAWN(b.DrawObject(r, src, part, t), 1200, 27 + i, r, from, part, t, white, nil, nil);
+    EXPECT_DRAWN(b.DrawObject(r, src, part, t, c), 1200, 27 + i, r, from, part, t, c, nil, nil);
+    EXPECT_DRAWN(b.DrawObject(r, src, part, t, c, b, &v), 1200, 27 + i, r, from, part, t, c, own,
+                 &v);
+    EXPECT_DRAWN(b.DrawText(font, text, p, c, t), 2160, 30 + i, f, text, p, c, t, nil, nil, all);
+    EXPECT_DRAWN(b.DrawText(font, text, p, c, t, b, &v, r), 2160, 30 + i, f, text, p, c, t, own, &v,
+                 r);
+  };
+  draw(VuTransform{5, 5, 2, 3, 0}, 0);
+  draw(VuTMatrix2D<float>(VuTransform{5, 5, 2, 3, 0}), 1);
 }
 
-TEST_F(VuBitmapTest, DrawRect) {
-  ExpectDrawing([&] { bitmap.DrawRect(r, c); }, Line("DrawRect", r, c, identity, none, noCoords),
-                200);
-  ExpectDrawing([&] { bitmap.DrawRect(r, c, t); }, Line("DrawRect", r, c, t, none, noCoords), 1200);
-  ExpectDrawing([&] { bitmap.DrawRect(r, c, t, other, coords); },
-                Line("DrawRect", r, c, t, source, &coords[0]), 1200);
-  ExpectDrawing([&] { bitmap.DrawRect(r, c, m); }, Line("DrawRect", r, c, m, none, noCoords), 1200);
-  ExpectDrawing([&] { bitmap.DrawRect(r, c, m, other, coords); },
-                Line("DrawRect", r, c, m, source, &coords[0]), 1200);
-}
-
-TEST_F(VuBitmapTest, DrawObjectWithTransform) {
-  const VuRect whole = sourceImpl->bounds;
-  ExpectDrawing([&] { bitmap.DrawObject(r, other); },
-                Line("DrawObject", r, source, whole, identity, white, none, noCoords), 200);
-  ExpectDrawing([&] { bitmap.DrawObject(r, other, part); },
-                Line("DrawObject", r, source, part, identity, white, none, noCoords), 200);
-  ExpectDrawing([&] { bitmap.DrawObject(r, other, t); },
-                Line("DrawObject", r, source, whole, t, white, none, noCoords), 1200);
-  ExpectDrawing([&] { bitmap.DrawObject(r, other, part, t); },
-                Line("DrawObject", r, source, part, t, white, none, noCoords), 1200);
-  ExpectDrawing([&] { bitmap.DrawObject(r, other, part, t, c); },
-                Line("DrawObject", r, source, part, t, c, none, noCoords), 1200);
-  ExpectDrawing([&] { bitmap.DrawObject(r, other, part, t, c, other, coords); },
-                Line("DrawObject", r, source, part, t, c, source, &coords[0]), 1200);
-}
-
-TEST_F(VuBitmapTest, DrawObjectWithMatrix) {
-  const VuRect whole = sourceImpl->bounds;
-  ExpectDrawing([&] { bitmap.DrawObject(r, other, m); },
-                Line("DrawObject", r, source, whole, m, white, none, noCoords), 1200);
-  ExpectDrawing([&] { bitmap.DrawObject(r, other, part, m); },
-                Line("DrawObject", r, source, part, m, white, none, noCoords), 1200);
-  ExpectDrawing([&] { bitmap.DrawObject(r, other, part, m, c); },
-                Line("DrawObject", r, source, part, m, c, none, noCoords), 1200);
-  ExpectDrawing([&] { bitmap.DrawObject(r, other, part, m, c, other, coords); },
-                Line("DrawObject", r, source, part, m, c, source, &coords[0]), 1200);
-}
-
-TEST_F(VuBitmapTest, DrawObjectWithFloatRectangles) {
-  const RectF dst(0.5f, 0.5f, 2.5f, 4);
-  const RectF src(1, 1, 2, 2);
-  ExpectDrawing([&] { bitmap.DrawObject(dst, other, src, m, c); },
-                Line("DrawObject", dst, source, src, m, c, none, noCoords), 60);
-  ExpectDrawing([&] { bitmap.DrawObject(dst, other, src, m, c, other, coords); },
-                Line("DrawObject", dst, source, src, m, c, source, &coords[0]), 60);
-  for (const RectF& inverted : {RectF({2, 0}, {1, 5}), RectF({0, 2}, {5, 1}), RectF()}) {
-    ExpectDrawing([&] { bitmap.DrawObject(inverted, other, src, m, c); },
-                  Line("DrawObject", inverted, source, src, m, c, none, noCoords), 0);
+TEST_F(Slots, DrawingWithFloatRectangles) {
+  const VuTMatrix2D<float> m(VuTransform{5, 5, 2, 3, 0});
+  const RectF s(1, 1, 2, 2);
+  const std::pair<RectF, uint32_t> cases[] = {
+      {{{0.5f, 0.5f}, {3, 4.5f}}, 60}, {{{2, 0}, {1, 5}}, 0}, {{{0, 2}, {5, 1}}, 0}, {{}, 0}};
+  for (const auto& test : cases) {
+    const RectF& d = test.first;
+    EXPECT_DRAWN(b.DrawObject(d, src, s, m, c), test.second, 29, d, from, s, m, c, nil, nil);
+    EXPECT_DRAWN(b.DrawObject(d, src, s, m, c, b, &v), test.second, 29, d, from, s, m, c, own, &v);
   }
 }
 
-TEST_F(VuBitmapTest, ABitmapMayBeItsOwnSourceAndMask) {
-  VuBitmapImpl* const self = impl;
-  bitmap.DrawObject(r, bitmap, part, t, c, bitmap, nullptr);
-  EXPECT_EQ(recorder.Take(), Line("DrawObject", r, self, part, t, c, self, noCoords));
-}
-
-TEST_F(VuBitmapTest, DrawTextMeasuresOnlyToCount) {
-  const support::Tunables restored;
-  Recorder fontRecorder;
-  auto* const fontImpl = new doubles::FakeFont(fontRecorder);
-  const VuFont font(fontImpl);
-  VuFontImpl* const f = fontImpl;
-  const char* const text = "text";
-  const VuRect all{};
-  const VuTransform wide{0, 0, 2, 1, 0};
-
-  ExpectDrawing([&] { bitmap.DrawText(font, text, p, c); },
-                Line("DrawText", f, text, p, c, identity, none, noCoords, all), 360);
-  EXPECT_EQ(fontRecorder.Take(), Line("GetOneLineWidth", text) + Line("GetOneLineHeight"));
-  ExpectDrawing([&] { bitmap.DrawText(font, text, p, c, wide); },
-                Line("DrawText", f, text, p, c, wide, none, noCoords, all), 720);
-  ExpectDrawing([&] { bitmap.DrawText(font, text, p, c, wide, other, coords, r); },
-                Line("DrawText", f, text, p, c, wide, source, &coords[0], r), 720);
-  ExpectDrawing([&] { bitmap.DrawText(font, text, p, c, Matrix(wide)); },
-                Line("DrawText", f, text, p, c, Matrix(wide), none, noCoords, all), 720);
-  ExpectDrawing([&] { bitmap.DrawText(font, text, p, c, Matrix(wide), other, coords, r); },
-                Line("DrawText", f, text, p, c, Matrix(wide), source, &coords[0], r), 720);
-}
-
-TEST_F(VuBitmapTest, OverdrawCounterAtItsLimits) {
+TEST_F(Slots, OverdrawIsCountedInSinglePrecision) {
+  surface.Set(25, &doubles::Entry<void, VuRect, VuColor, VuTransform, void*, void*>);
   const support::Tunables restored;
   LogOverdraw = true;
-  struct Case {
-    const char* name;
-    uint32_t before;
-    VuRect rect;
-    VuTransform transform;
-    uint32_t after;
+  const std::tuple<const char*, uint32_t, VuRect, float, uint32_t> cases[] = {
+      {"a negative extent takes away", 1000, {0, 0, -10, 20}, 1, 800},
+      {"never below zero", 100, {0, 0, -10, 20}, 1, 0},
+      {"single precision", 1u << 24, {0, 0, 1, 1}, 1, 1u << 24},
+      {"the product wraps", 0, {0, 0, 65536, 65537}, 1, 65536},
+      {"no more than fits", 0, {0, 0, 40000, 40000}, 9, 0xFFFFFFFF},
+      {"not a number", 5, {0, 0, 1, 1}, kNaN, 0},
+      {"fractions are cut off", 0, {0, 0, 1, 1}, 1.9f, 1},
   };
-  const Case cases[] = {
-      {"a negative extent takes away", 1000, {0, 0, -10, 20}, {0, 0, 1, 1, 0}, 800},
-      {"never below zero", 100, {0, 0, -10, 20}, {0, 0, 1, 1, 0}, 0},
-      {"single precision", 1u << 24, {0, 0, 1, 1}, {0, 0, 1, 1, 0}, 1u << 24},
-      {"the product wraps", 0, {0, 0, 65536, 65537}, {0, 0, 1, 1, 0}, 65536},
-      {"no more than fits", 0, {0, 0, 40000, 40000}, {0, 0, 9, 9, 0}, 0xFFFFFFFF},
-      {"not a number", 5, {0, 0, 1, 1}, {0, 0, std::numeric_limits<float>::quiet_NaN(), 1, 0}, 0},
-      {"fractions are cut off", 0, {0, 0, 1, 1}, {0, 0, 1.9f, 1, 0}, 1},
-  };
-  for (const Case& test : cases) {
-    impl->overdrawPixels = test.before;
-    bitmap.DrawRect(test.rect, c, test.transform);
-    EXPECT_EQ(impl->overdrawPixels, test.after) << test.name;
+  for (const auto& [name, before, rect, scale, after] : cases) {
+    surface.fields[0] = before;
+    b.DrawRect(rect, white, VuTransform(0, 0, scale, 1, 0));
+    EXPECT_EQ(surface.fields[0], after) << name;
   }
 }
 
-TEST_F(VuBitmapTest, PixelsAreTheSurfaces) {
-  char pixels[4] = {};
-  VuBitmapImpl* const self = impl;
-  for (const bool answer : {true, false}) {
-    impl->answer = answer;
-    EXPECT_EQ(bitmap.GetBlendEnabled(), answer);
-    EXPECT_EQ(bitmap.IsTextureBacked(), answer);
-    recorder.Take();
-    EXPECT_EQ(bitmap.Lock(), answer);
-    EXPECT_EQ(bitmap.Lock(false), answer);
-    EXPECT_EQ(bitmap.Unlock(), answer);
-    EXPECT_EQ(bitmap.GetPixels(r, pixels), answer);
-    EXPECT_EQ(bitmap.SetPixels(r, pixels, 3), answer);
-    EXPECT_EQ(bitmap.CopyPixels(p, bitmap, r), answer);
-    EXPECT_EQ(recorder.Take(), Line("Lock", true) + Line("Lock", false) + Line("Unlock") +
-                                   Line("GetPixels", r, &pixels[0]) +
-                                   Line("SetPixels", r, &pixels[0], 3) +
-                                   Line("CopyPixels", p, self, r));
-  }
-}
-
-TEST_F(VuBitmapTest, FinishReportsTheFramesOverdraw) {
+TEST_F(Slots, OverdrawIsReportedAtTheEndOfAFrame) {
+  surface.Set(34, &doubles::Entry<void>);
   const support::Tunables restored;
-  struct Case {
-    const char* name;
-    bool counting;
-    int level;
-    const char* line;
-    uint32_t left;
-    std::string calls;
+  const auto empty = [](void*) { return VuRect{}; };
+  const std::tuple<bool, int, VuRect (*)(void*), const char*, uint32_t> cases[] = {
+      {false, 4, &Whole, "", 25000},
+      {true, 4, &Whole, "<ZIRK.warning>: Overdraw: 2.500000x\n", 0},
+      {true, 4, empty, "<ZIRK.warning>: Overdraw: infx\n", 0},
+      {true, 3, &Whole, "", 0},
   };
-  const Case cases[] = {
-      {"off", false, 4, "", 25000, Line("Finish")},
-      {"on", true, 4, "<ZIRK.warning>: Overdraw: 2.500000x\n", 0,
-       Line("Finish") + Line("GetBounds")},
-      {"quiet", true, 3, "", 0, Line("Finish") + Line("GetBounds")},
-  };
-  for (const Case& test : cases) {
-    LogOverdraw = test.counting;
-    for (const bool swap : {false, true}) {
-      impl->overdrawPixels = 25000;
-      const auto end = [&] { swap ? bitmap.SwapBuffers() : bitmap.Finish(); };
-      EXPECT_EQ(support::LoggedAt(test.level, end), test.line) << test.name;
-      EXPECT_EQ(impl->overdrawPixels, test.left) << test.name;
-      EXPECT_EQ(recorder.Take(), test.calls) << test.name;
-    }
+  for (const auto& [counting, level, bounds, line, left] : cases) {
+    LogOverdraw = counting;
+    surface.Set(9, bounds);
+    surface.fields[0] = 25000;
+    EXPECT_EQ(support::LoggedAt(level, [&] { b.Finish(); }), line);
+    EXPECT_EQ(surface.fields[0], left) << line;
   }
 }
 
-TEST_F(VuBitmapTest, OverdrawOfASurfaceWithoutArea) {
-  const support::Tunables restored;
-  LogOverdraw = true;
-  impl->bounds = {0, 0, 0, 0};
-  impl->overdrawPixels = 1;
-  EXPECT_EQ(support::LoggedAt(4, [&] { bitmap.Finish(); }), "<ZIRK.warning>: Overdraw: infx\n");
-}
-
-TEST_F(VuBitmapTest, AScreenSwapsInsteadOfFinishing) {
-  VuBitmap screen(new doubles::RecordingScreen(recorder));
-  screen.SwapBuffers();
-  EXPECT_EQ(recorder.Take(), Line("SwapBuffers"));
-  screen.Finish();
-  EXPECT_EQ(recorder.Take(), Line("Finish"));
-}
-
-TEST(VuBitmapDeathTest, NeedsASurface) {
+TEST(SlotsDeathTest, NeedsASurface) {
   EXPECT_DEATH(VuBitmap(nullptr),
                "src/vubitmap.cpp:24: ZIRK::VuBitmap::VuBitmap\\(ZIRK::VuBitmapImpl\\*\\): "
                "Assertion `impl' failed");
 }
 
-TEST(VuBitmapLife, TheHandleDestroysItsSurfaceOnce) {
-  Recorder recorder;
-  { VuBitmap bitmap(new doubles::RecordingScreen(recorder)); }
-  EXPECT_EQ(recorder.Take(), Line("destroyed"));
+TEST_F(Slots, Graphics) {
+  FakeObject<VuGraphicsImpl> impl;
+  VuGraphics g(impl.get());
+  const void* const data = text;
+  const VuScaleMode scale{4};
+  std::ostringstream stream;
+  std::ostream& os = stream;
+  const VuScreenDescription d{1, 2, 3, 4, VuPixelFormat{5}, true};
+  const VuScreenDescription full{-1, 0, 44, 2, VuPixelFormat{2}, true};
+  const VuScreenDescription option{8, 9, 1, 1, VuPixelFormat::ARGB8888, true};
+  const VuScreenDescription index{8, 9, 44, 1, VuPixelFormat::ARGB8888, false};
+  const VuScreenDescription least{8, 9, 0, 2, VuPixelFormat::ARGB8888, false};
+  EXPECT_ENTRY(g.CreateScreen(true), impl, 3, true);
+  EXPECT_ENTRY(g.CreateScreen(d), impl, 4, &d);
+  EXPECT_ENTRY(g.CreateScreen(-1, 0, true, 300, true, VuPixelFormat{2}), impl, 4, &full);
+  EXPECT_ENTRY(g.CreateScreen(8, 9, false, 1, true), impl, 4, &option);
+  EXPECT_ENTRY(g.CreateScreen(8, 9, false, 300), impl, 4, &index);
+  EXPECT_ENTRY(g.CreateScreen(8, 9, true), impl, 4, &least);
+  EXPECT_ENTRY(g.CreateBitmap(-1, 2, VuPixelFormat{9}), impl, 5, -1, 2, 9);
+  EXPECT_ENTRY(g.CreateBitmapFromFile(text), impl, 6, text);
+  EXPECT_ENTRY(g.CreateBitmapFromFile(text, 1, 2, scale, VuDisplayMode{7}), impl, 7, text, 1, 2, 4,
+               7);
+  EXPECT_ENTRY(g.CreateBitmapFromFile(text, 1, 2, scale), impl, 7, text, 1, 2, 4, 0);
+  EXPECT_ENTRY(g.CreateBitmapFromMemory(data, 5), impl, 8, data, 5u);
+  EXPECT_ENTRY(g.CreateBitmapFromMemory(data, 5, 1, 2, scale), impl, 9, data, 5u, 1, 2, 4);
+  EXPECT_ENTRY(g.AvailableMemory(), impl, 10);
+  EXPECT_ENTRY(g.TotalMemory(), impl, 11);
+  EXPECT_ENTRY(g.BitmapSize(1, 2, VuPixelFormat{3}), impl, 12, 1, 2, 3);
+  EXPECT_ENTRY(g.BitmapSize(text), impl, 13, text);
+  EXPECT_ENTRY(g.BitmapSize(text, 1, 2), impl, 14, text, 1, 2);
+  EXPECT_ENTRY(g.BitmapSize(data, 5), impl, 15, data, 5u);
+  EXPECT_ENTRY(g.BitmapSize(data, 5, 1, 2), impl, 16, data, 5u, 1, 2);
+  EXPECT_ENTRY(g.PrintBitmapList(os), impl, 17, 0u, &os);
+  EXPECT_ENTRY(g.Flush(), impl, 18);
+  EXPECT_ENTRY(g.SetTerminateOnDestruct(true), impl, 19, true);
+  EXPECT_ENTRY(g.GetGraphicsType(), impl, 20);
+  EXPECT_ENTRY(g.GetMaxTextureSize(), impl, 21);
+  EXPECT_EQ(impl.get()->VuGraphicsImpl::GetMaxTextureSize(), 2048);
+}
+
+TEST_F(Slots, Font) {
+  int i = 0, j = 0, k = 0, n = 0;
+  EXPECT_ENTRY(font.GetFontMetrics(i, j, k, n), fontObject, 3, &i, &j, &k, &n);
+  EXPECT_ENTRY(font.GetOneLineWidth(text), fontObject, 4, text);
+  EXPECT_ENTRY(font.GetOneLineHeight(), fontObject, 5);
+  EXPECT_ENTRY(font.GetAscent(), fontObject, 6);
+  EXPECT_ENTRY(font.GetDescent(), fontObject, 7);
+  EXPECT_ENTRY(font.GetMaxAdvance(), fontObject, 8);
+  EXPECT_ENTRY(font.GetUnderlineMetrics(i, j), fontObject, 9, &i, &j);
+  EXPECT_ENTRY(font.SetOutlineType(VuFont::OutlineType{2}), fontObject, 10, 2);
+  EXPECT_ENTRY(font.SetOutlineThickness(1.5f), fontObject, 11, 1.5f);
+  EXPECT_ENTRY(font.SetFallbackGlyph(0x20AC), fontObject, 12, 0x20ACu);
+  EXPECT_ENTRY(font.SetFallbackFont(&font), fontObject, 13, f);
+  EXPECT_ENTRY(font.SetFallbackFont(nullptr), fontObject, 13, nil);
+}
+
+TEST_F(Slots, OutlineIsStoredAndItsThicknessCutTo26Dot6) {
+  const std::pair<float, int> cases[] = {
+      {1.5f, 96}, {0.01f, 0}, {-1.99f, -127}, {1e30f, 0x7FFFFFFF}, {kNaN, 0}};
+  fontObject.get()->VuFontImpl::SetOutlineType(VuFont::OutlineType{2});
+  fontObject.get()->VuFontImpl::SetFallbackGlyph(0xFFFD);
+  for (const auto& [pixels, stored] : cases) {
+    fontObject.get()->VuFontImpl::SetOutlineThickness(pixels);
+    EXPECT_THAT(fontObject.fields,
+                testing::ElementsAre(2, static_cast<uint32_t>(stored), 0xFFFD, 0));
+  }
 }
 
 }  // namespace

@@ -1,47 +1,47 @@
 #include <gtest/gtest.h>
 #include <zirk/vumatrix2d.h>
+#include <zirk/vurect2d.h>
+#include <zirk/vutransform.h>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
-#include <ostream>
-#include <string>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "support/logged.h"
 
 namespace ZIRK {
-
-void PrintTo(const VuTMatrix2D<float>& m, std::ostream* os) {
-  for (int i = 0; i < 9; ++i) *os << m.get()[i] << ' ';
-  *os << m.hasTranslation() << m.hasScale() << m.hasRotation();
-}
-
 namespace {
 
 using Matrix = VuTMatrix2D<float>;
 using Vector = VuTVector2D<float>;
 using VectorI = VuTVector2D<int>;
+using RectF = VuTRect2D<float>;
+using RectI = VuTRect2D<int>;
+using Nine = std::array<float, 9>;
 
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+constexpr int kMax = std::numeric_limits<int>::max();
+constexpr int kMin = std::numeric_limits<int>::min();
 
-std::array<float, 9> Elements(const Matrix& m) {
-  std::array<float, 9> e{};
+Nine Elements(const Matrix& m) {
+  Nine e{};
   std::copy(m.get(), m.get() + 9, e.begin());
   return e;
 }
 
+std::array<bool, 3> Flags(const Matrix& m) {
+  return {m.hasTranslation(), m.hasScale(), m.hasRotation()};
+}
+
 Matrix Translation(float x, float y) {
-  Matrix m;
-  m.translate({x, y});
-  return m;
+  return VuTransform(x, y, 1, 1, 0);
 }
 Matrix Scale(float x, float y) {
-  Matrix m;
-  m.scale({x, y});
-  return m;
+  return VuTransform(0, 0, x, y, 0);
 }
 Matrix Rotation(float angle) {
   Matrix m;
@@ -57,211 +57,206 @@ std::vector<Matrix> EveryKind() {
   return {Matrix(), t, s, s * t, r, r * t, r * s, r * s * t};
 }
 
-std::array<float, 9> FullProduct(const Matrix& a, const Matrix& b) {
-  const float* const p = a.get();
-  const float* const q = b.get();
+Nine FullProduct(const Nine& p, const Nine& q) {
   return {p[0] * q[0] + p[1] * q[3],        p[0] * q[1] + p[1] * q[4],        0,
           p[3] * q[0] + p[4] * q[3],        p[3] * q[1] + p[4] * q[4],        0,
           p[6] * q[0] + p[7] * q[3] + q[6], p[6] * q[1] + p[7] * q[4] + q[7], 1};
 }
 
-TEST(VuMatrix, EveryShortcutEqualsTheFullProduct) {
+TEST(VuMatrix, EveryShortcutEqualsTheFullOperation) {
   for (const Matrix& a : EveryKind()) {
+    const Nine e = Elements(a);
+    EXPECT_EQ(a.transformVector(Vector(7, 11)),
+              Vector(7 * e[0] + 11 * e[3] + e[6], 7 * e[1] + 11 * e[4] + e[7]));
     for (const Matrix& b : EveryKind()) {
       Matrix right = a;
       right.multRight(b);
-      EXPECT_EQ(Elements(right), FullProduct(a, b))
-          << testing::PrintToString(a) << " right by " << testing::PrintToString(b);
+      EXPECT_EQ(Elements(right), FullProduct(e, Elements(b)));
+      for (size_t i = 0; i < 3; ++i) EXPECT_EQ(Flags(right)[i], Flags(a)[i] || Flags(b)[i]);
       Matrix left = b;
       left.multLeft(a);
       EXPECT_EQ(left, right);
       EXPECT_EQ(a * b, right);
-      EXPECT_EQ(right.hasTranslation(), a.hasTranslation() || b.hasTranslation());
-      EXPECT_EQ(right.hasScale(), a.hasScale() || b.hasScale());
-      EXPECT_EQ(right.hasRotation(), a.hasRotation() || b.hasRotation());
     }
-  }
-}
-
-TEST(VuMatrix, MultipliesByItself) {
-  for (const Matrix& m : EveryKind()) {
-    Matrix square = m;
+    Matrix square = a;
     square *= square;
-    EXPECT_EQ(square, m * m);
-    square = m;
+    EXPECT_EQ(square, a * a);
+    square = a;
     square.multLeft(square);
-    EXPECT_EQ(square, m * m);
+    EXPECT_EQ(square, a * a);
   }
 }
 
-TEST(VuMatrix, ProductsLeaveTheThirdColumnAlone) {
-  Matrix odd = Rotation(1);
-  for (const int i : {2, 5, 8}) const_cast<float*>(odd.get())[i] = 0.25f;
-  for (const Matrix& m : EveryKind()) {
-    Matrix product = odd;
-    product.multRight(m);
-    product.multLeft(m);
-    for (const int i : {2, 5, 8}) EXPECT_EQ(product.get()[i], 0.25f);
-  }
-}
-
-TEST(VuMatrix, NeutralStepsSetNoFlag) {
+TEST(VuMatrix, FlagsTellWhatWasDoneNotWhatIsLeft) {
   Matrix m;
   m.translate({0, -0.0f});
   m.scale({1, 1});
   m.rotate(0);
   EXPECT_TRUE(m.isIdentity());
+  m.scale({2, 2});
+  m.scale({0.5f, 0.5f});
   EXPECT_EQ(Elements(m), Elements(Matrix()));
-}
-
-TEST(VuMatrix, FlagsStay) {
-  Matrix m;
-  m.rotate(0.7f);
-  m.rotate(-0.7f);
-  EXPECT_TRUE(m.hasRotation());
-  EXPECT_FALSE(m.isIdentity());
-  EXPECT_NEAR(m.get()[1], 0, 1e-6);
+  EXPECT_NE(m, Scale(1, 1));
   m.makeIdentity();
-  EXPECT_TRUE(m.isIdentity());
   EXPECT_EQ(m, Matrix());
 }
 
-TEST(VuMatrix, StepsArePrepended) {
-  Matrix m;
-  m.translate({5, 0});
-  m.scale({2, 2});
-  EXPECT_EQ(Elements(m), (std::array<float, 9>{2, 0, 0, 0, 2, 0, 5, 0, 1}));
-  EXPECT_EQ(m.transformVector(Vector(1, 1)), Vector(7, 2));
-}
-
-TEST(VuMatrix, RotatesInDoublePrecision) {
-  const float angle = 100.25f;
-  const Matrix m = Rotation(angle);
+TEST(VuMatrix, StepsArePrependedAndRotationsDouble) {
+  const auto angle = static_cast<float>(33.0f * 3.141592653589793 / 180.0);
   const auto s = static_cast<float>(std::sin(double{angle}));
   const auto c = static_cast<float>(std::cos(double{angle}));
-  EXPECT_EQ(Elements(m), (std::array<float, 9>{c, -s, 0, s, c, 0, 0, 0, 1}));
+  Matrix m;
+  m.translate({5, 7});
+  m.scale({2, 3});
+  m.rotate(angle);
+  EXPECT_EQ(Elements(m), (Nine{c * 2, -s * 3, 0, s * 2, c * 3, 0, 5, 7, 1}));
+  EXPECT_EQ(Matrix(VuTransform(5, 7, 2, 3, 33)), m);
+  EXPECT_EQ(Flags(VuTransform(0, 5, 1, 1, 0)), (std::array{true, false, false}));
 }
 
-TEST(VuMatrix, ComparesBitsAndFlags) {
+TEST(VuMatrix, ComparesBits) {
   EXPECT_NE(Scale(0, 2), Scale(-0.0f, 2));
   EXPECT_EQ(Scale(kNaN, 2), Scale(kNaN, 2));
-  Matrix flagged = Scale(2, 2);
-  flagged.scale({0.5f, 0.5f});
-  EXPECT_EQ(Elements(flagged), Elements(Matrix()));
-  EXPECT_NE(flagged, Matrix());
+}
+
+TEST(VuVector, ComputesAndComparesValues) {
+  EXPECT_EQ(Vector(4, 1) * 3 + Vector(1, 1) - Vector(0, 5), Vector(13, -1));
+  EXPECT_EQ(VectorI(5, -5) * 0.5f, VectorI(2, -2));
+  EXPECT_EQ(Vector(0, 0), Vector(-0.0f, 0));
+  EXPECT_NE(Vector(kNaN, 0), Vector(kNaN, 0));
 }
 
 TEST(VuMatrix, InversesBySpecialCase) {
-  struct Case {
-    const char* name;
-    Matrix m;
-    std::array<float, 9> inverse;
-  };
   const Matrix r = Rotation(0.5f);
-  const Case cases[] = {
-      {"identity", Matrix(), {1, 0, 0, 0, 1, 0, 0, 0, 1}},
-      {"translation", Translation(3, -5), {1, 0, 0, 0, 1, 0, -3, 5, 1}},
-      {"scale", Scale(2, -4), {0.5f, 0, 0, 0, -0.25f, 0, 0, 0, 1}},
-      {"no scale", Scale(0, 2), {kInfinity, 0, 0, 0, 0.5f, 0, 0, 0, 1}},
-      {"scale and translation",
-       Scale(2, -4) * Translation(3, -5),
-       {0.5f, 0, 0, 0, -0.25f, 0, -1.5f, -1.25f, 1}},
-      {"rotation", r, {r.get()[0], r.get()[3], 0, r.get()[1], r.get()[4], 0, 0, 0, 1}},
+  const std::pair<Matrix, Nine> cases[] = {
+      {Matrix(), {1, 0, 0, 0, 1, 0, 0, 0, 1}},
+      {Translation(3, -5), {1, 0, 0, 0, 1, 0, -3, 5, 1}},
+      {Scale(2, -4), {0.5f, 0, 0, 0, -0.25f, 0, 0, 0, 1}},
+      {Scale(0, 2), {HUGE_VALF, 0, 0, 0, 0.5f, 0, 0, 0, 1}},
+      {Scale(2, -4) * Translation(3, -5), {0.5f, 0, 0, 0, -0.25f, 0, -1.5f, -1.25f, 1}},
+      {r, {r.get()[0], r.get()[3], 0, r.get()[1], r.get()[4], 0, 0, 0, 1}},
   };
-  for (const Case& test : cases) {
-    const Matrix inverse = test.m.inverse();
-    EXPECT_EQ(Elements(inverse), test.inverse) << test.name;
-    EXPECT_EQ(inverse.hasTranslation(), test.m.hasTranslation()) << test.name;
-    EXPECT_EQ(inverse.hasScale(), test.m.hasScale()) << test.name;
-    EXPECT_EQ(inverse.hasRotation(), test.m.hasRotation()) << test.name;
+  for (const auto& [m, inverse] : cases) {
+    EXPECT_EQ(Elements(m.inverse()), inverse);
+    EXPECT_EQ(Flags(m.inverse()), Flags(m));
   }
 }
 
 TEST(VuMatrix, GeneralInverse) {
   const Matrix m = Rotation(0.5f) * Scale(2, -4) * Translation(3, -5);
-  const Matrix inverse = m.inverse();
-  const Matrix product = m * inverse;
+  const Matrix product = m * m.inverse();
   for (int i = 0; i < 9; ++i) EXPECT_NEAR(product.get()[i], Matrix().get()[i], 1e-5) << i;
   EXPECT_TRUE((Rotation(0.5f) * Translation(1, 1)).inverse().hasScale());
-}
-
-TEST(VuMatrix, SingularMatrixInvertsToTheIdentity) {
-  const Matrix singular = Rotation(0.5f) * Scale(0, 0) * Translation(3, 4);
-  EXPECT_EQ(singular.inverse(), Matrix());
-  EXPECT_TRUE(singular.inverse().isIdentity());
-}
-
-TEST(VuMatrix, Decomposes) {
-  Vector scale;
-  Vector translation;
-  float angle = 9;
-  (Scale(-2, 3) * Translation(4, 5)).decompose(scale, angle, translation);
-  EXPECT_EQ(scale, Vector(-2, 3));
-  EXPECT_EQ(angle, 0);
-  EXPECT_EQ(translation, Vector(4, 5));
-
-  Rotation(0.5f).decompose(scale, angle, translation);
-  EXPECT_EQ(scale, Vector(1, 1));
-  EXPECT_FLOAT_EQ(angle, 0.5f);
-
-  // With two scales the angle mixes them: -m[1] over the second, m[0] over the first.
-  const Matrix m = Rotation(0.5f) * Scale(2, 5);
-  m.decompose(scale, angle, translation);
-  const float* const e = m.get();
-  EXPECT_EQ(scale.x(), std::sqrt(e[0] * e[0] + e[1] * e[1]));
-  EXPECT_EQ(scale.y(), std::sqrt(e[3] * e[3] + e[4] * e[4]));
-  EXPECT_EQ(angle, std::atan2(-e[1] / scale.y(), e[0] / scale.x()));
+  EXPECT_EQ((Rotation(0.5f) * Scale(0, 0) * Translation(3, 4)).inverse(), Matrix());
 }
 
 TEST(VuMatrix, TransformsIntegersByTruncation) {
-  EXPECT_EQ(Scale(0.6f, 0.6f).transformVector(VectorI(1, 1)), VectorI(0, 0));
-  EXPECT_EQ(Scale(-0.6f, -1.9f).transformVector(VectorI(1, 1)), VectorI(0, -1));
-  EXPECT_EQ(Scale(1e20f, -1e20f).transformVector(VectorI(1, 1)),
-            VectorI(std::numeric_limits<int>::max(), std::numeric_limits<int>::min()));
-  EXPECT_EQ(Scale(kNaN, 1).transformVector(VectorI(1, 1)), VectorI(0, 1));
+  const VectorI one(1, 1);
+  EXPECT_EQ(Scale(0.6f, 1.9f).transformVector(one), VectorI(0, 1));
+  EXPECT_EQ(Scale(-0.6f, -1.9f).transformVector(one), VectorI(0, -1));
+  EXPECT_EQ(Scale(1e20f, -1e20f).transformVector(one), VectorI(kMax, kMin));
+  EXPECT_EQ(Scale(kNaN, 1).transformVector(one), VectorI(0, 1));
 }
 
-TEST(VuMatrix, TransformsByKind) {
-  for (const Matrix& m : EveryKind()) {
-    const float* const e = m.get();
-    EXPECT_EQ(m.transformVector(Vector(7, 11)),
-              Vector(7 * e[0] + 11 * e[3] + e[6], 7 * e[1] + 11 * e[4] + e[7]))
-        << testing::PrintToString(m);
-  }
-}
-
-TEST(VuMatrix, Elements) {
-  const Matrix m = Scale(2, 3) * Translation(4, 5);
-  EXPECT_EQ(m.getElement(1, 1), 3);
-  EXPECT_EQ(m.getElement(2, 0), 4);
-}
-
-TEST(VuMatrixDeathTest, ElementsOutside) {
-  const Matrix m;
+TEST(VuMatrixDeathTest, ElementsAreByRowAndColumn) {
+  const Matrix m = Translation(5, 7);
+  EXPECT_EQ(m.getElement(2, 1), 7);
   EXPECT_DEATH(m.getElement(3, 0), "src/vumatrix2d.cpp:[0-9]+: .*Assertion `row < 3' failed");
   EXPECT_DEATH(m.getElement(0, 3), "src/vumatrix2d.cpp:[0-9]+: .*Assertion `col < 3' failed");
 }
 
-TEST(VuMatrix, Prints) {
-  const Matrix m = Scale(2, 3) * Translation(40.5f, -5);
-  EXPECT_EQ(support::LoggedAt(3, [&] { m.print("view"); }),
-            "<ZIRK.error>: matrix view 1:  2.000  0.000  0.000\n"
-            "<ZIRK.error>: matrix view 2:  0.000  3.000  0.000\n"
-            "<ZIRK.error>: matrix view 3: 40.500 -5.000  1.000\n");
-  EXPECT_EQ(support::LoggedAt(2, [&] { m.print("view"); }), "");
-  EXPECT_NE(support::LoggedAt(3, [&] { m.print(); }).find("matrix (null) 1:"), std::string::npos);
+TEST(Geometry, Prints) {
+  const auto print = [] {
+    (Scale(2, 3) * Translation(40.5f, -5)).print();
+    RectI(1, 2, 9, 8).print("clip");
+  };
+  EXPECT_EQ(support::LoggedAt(3, print),
+            "<ZIRK.error>: matrix (null) 1:  2.000  0.000  0.000\n"
+            "<ZIRK.error>: matrix (null) 2:  0.000  3.000  0.000\n"
+            "<ZIRK.error>: matrix (null) 3: 40.500 -5.000  1.000\n"
+            "<ZIRK.error>: rect clip -- min  1.000  2.000\n"
+            "<ZIRK.error>: rect clip -- max  10.000 10.000\n");
 }
 
-TEST(VuVector, Arithmetic) {
-  Vector v(1, 2);
-  v.translateX(3);
-  v.translateY(-1);
-  EXPECT_EQ(v, Vector(4, 1));
-  EXPECT_EQ(v * 3, Vector(12, 3));
-  EXPECT_EQ(v * 0.5f, Vector(2, 0.5f));
-  EXPECT_EQ(v + Vector(1, 1) - Vector(0, 5), Vector(5, -3));
-  EXPECT_EQ(Vector(0, 0), Vector(-0.0f, 0));
-  EXPECT_NE(Vector(kNaN, 0), Vector(kNaN, 0));
+TEST(VuTransformTest, RoundTrips) {
+  for (const VuTransform& t : {VuTransform(0, 0, 1, 1, 0), VuTransform(10, 20, -2, 3, 0),
+                               VuTransform(0, 0, 2, 2, 90), VuTransform(5, 6, 1, 1, -30)}) {
+    const VuTransform back{Matrix(t)};
+    EXPECT_NEAR(back.translateX, t.translateX, 1e-5);
+    EXPECT_NEAR(back.translateY, t.translateY, 1e-5);
+    EXPECT_NEAR(back.scaleX, t.scaleX, 1e-5);
+    EXPECT_NEAR(back.scaleY, t.scaleY, 1e-5);
+    EXPECT_NEAR(back.rotation, t.rotation, 1e-5);
+  }
+}
+
+TEST(VuTransformTest, TwoScalesAreMixedInTheAngle) {
+  const Nine e = Elements(Rotation(0.5f) * Scale(2, 5));
+  const VuTransform t(Rotation(0.5f) * Scale(2, 5));
+  EXPECT_EQ(t.scaleX, std::sqrt(e[0] * e[0] + e[1] * e[1]));
+  EXPECT_EQ(t.scaleY, std::sqrt(e[3] * e[3] + e[4] * e[4]));
+  EXPECT_EQ(t.rotation, std::atan2(-e[1] / t.scaleY, e[0] / t.scaleX) * 57.29578f);
+}
+
+TEST(VuTransformTest, ARotationByNothingHasNoSign) {
+  Matrix flagged = Rotation(0.5f);
+  std::copy_n(Matrix().get(), 9, const_cast<float*>(flagged.get()));
+  EXPECT_FALSE(std::signbit(VuTransform(flagged).rotation));
+}
+
+TEST(VuRect, GrowsMovesAndShrinks) {
+  RectI r;
+  r.expand(RectI());
+  EXPECT_TRUE(r.isEmpty());
+  r.addPoint({3, -4});
+  EXPECT_FALSE(r.isEmpty());
+  r.addPoint({1, 5});
+  r.expand(RectI());
+  EXPECT_EQ(r, RectI({1, -4}, {3, 5}));
+  r.translate(1, 2);
+  EXPECT_EQ(r, RectI({2, -2}, {4, 7}));
+  EXPECT_EQ(r.height(), 9);
+  r.inset({-1, 5});
+  EXPECT_EQ(r, RectI({1, 3}, {5, 2}));
+  EXPECT_TRUE(r.isEmpty());
+  EXPECT_EQ(r.width(), 0);
+}
+
+TEST(VuRect, OverlapAndContainment) {
+  const RectF square(0, 0, 10, 10);
+  const std::tuple<const char*, RectF, RectF, bool, bool> cases[] = {
+      {"itself", square, square, true, true},
+      {"outside around", {2, 2, 3, 3}, square, true, false},
+      {"inside", square, {2, 2, 3, 3}, true, true},
+      {"corner touches", square, {10, 10, 5, 5}, true, false},
+      {"beside", square, {11, 0, 5, 5}, false, false},
+      {"below", square, {0, 11, 5, 5}, false, false},
+      {"crossing", square, {2, -5, 2, 20}, true, false},
+      {"point", square, {10, 10, 0, 0}, true, true},
+      {"empty in it", square, {}, false, false},
+      {"in an empty one", {}, square, false, false},
+  };
+  for (const auto& [name, a, b, overlap, aContainsB] : cases) {
+    EXPECT_EQ(a.overlaps(b), overlap) << name;
+    EXPECT_EQ(b.overlaps(a), overlap) << name;
+    EXPECT_EQ(a.contains(b), aContainsB) << name;
+  }
+}
+
+TEST(VuRect, Extremes) {
+  // Summed as integers: 2^24 + 1 has no float, 2^24 + 2 does.
+  EXPECT_EQ(RectF(VuRect{(1 << 24) + 1, 0, 1, 0}).maxPoint().x(), 16777218.0f);
+  EXPECT_EQ(RectI(VuRect{kMax, 0, 1, 0}).maxPoint().x(), kMin);
+  EXPECT_EQ(RectI(), RectI({kMax, kMax}, {kMin, kMin}));
+  EXPECT_EQ(RectF(), RectF({2147483648.0f, 2147483648.0f}, {-2147483648.0f, -2147483648.0f}));
+}
+
+TEST(VuRect, TransformedByKind) {
+  const Matrix flip = Scale(-1, -2);
+  EXPECT_EQ(RectF({1, 1}, {3, 2}).transform(flip), RectF({-3, -4}, {-1, -2}));
+  EXPECT_EQ(RectI({3, 3}, {1, 9}).transform(flip), RectI({3, 3}, {1, 9}));
+  EXPECT_EQ(RectI({1, 0}, {3, 2}).transform(Translation(1.75f, -0.75f)), RectI({2, 0}, {4, 1}));
+  EXPECT_EQ(RectI(0, 0, 100, 100).transform(Rotation(0.785398163f)), RectI({0, -70}, {141, 70}));
 }
 
 }  // namespace

@@ -5,9 +5,7 @@
 #include <new>
 
 namespace {
-
 std::atomic<int> allocations{0};
-
 }  // namespace
 
 void* operator new(std::size_t size) {

@@ -7,20 +7,15 @@
 namespace ZIRK::support {
 
 /// The file of the test plug-in `name`.
-inline std::string Plugin(const char* name) {
-  return std::string(ZIRK_TEST_PLUGINS "/libZIRKImplTest") + name + ".so";
+inline std::string Plugin(const std::string& name) {
+  return ZIRK_TEST_PLUGINS "/libZIRKImplTest" + name + ".so";
 }
 
-/// Lets the announcing plug-in stand in for the backend `name`.
-inline void InstallAnnouncing(const char* name) {
-  GraphicsImplLoader::GetInstance()->SetupGfxImpl(name, Plugin("Announcing"), {0, 0}, false);
-}
-
-/// And for the compositor's.
-inline void InstallAnnouncingCompositor() {
-  GraphicsImplLoader::GetInstance()->SetupGfxImpl("GLCompositor", Plugin("Announcing"),
-                                                  "CreateVuCompositor", "DestroyVuCompositor",
-                                                  {0, 0}, false);
+/// Lets the test plug-in `plugin` stand in for the backend `name`; what is created is a `product`.
+inline void Install(const std::string& name, const std::string& plugin = "Independent",
+                    const std::string& product = "VuGraphics") {
+  GraphicsImplLoader::GetInstance()->SetupGfxImpl(name, Plugin(plugin), "Create" + product,
+                                                  "Destroy" + product, {1, 2}, false);
 }
 
 }  // namespace ZIRK::support

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "doubles/recordingsurface.h"
+#include "stub/stubbitmap.h"
 #include "support/logged.h"
 
 namespace ZIRK::backends {
@@ -120,8 +120,7 @@ TEST_F(SoftwareBitmaps, CopyPixelsWithinOneBitmapAsIfThroughAnother) {
 
 TEST_F(SoftwareBitmaps, RefuseSurfacesOfOthers) {
   const auto bitmap = New(4, 4);
-  doubles::Recorder record;
-  doubles::RecordingBitmap stranger(record);
+  StubBitmap stranger(ledger_->Enter(4, 4, Format::ARGB8888), 4, 4, Format::ARGB8888);
   const VuTMatrix2D<float> identity;
   EXPECT_NE(support::LoggedAt(3,
                               [&] {

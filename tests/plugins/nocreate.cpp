@@ -1,3 +1,0 @@
-#include <zirk/export.h>
-
-extern "C" ZIRK_API void DestroyVuGraphics(void*) {}

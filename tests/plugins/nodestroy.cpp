@@ -1,5 +1,0 @@
-#include <zirk/export.h>
-
-extern "C" ZIRK_API void* CreateVuGraphics(bool) {
-  return nullptr;
-}
