@@ -49,15 +49,13 @@ TEST(ExitOrderDeathTest, HandlesInStaticObjects) {
                "CreateVuCompositor 0\ncompositor destroyed\nplug-in closed\n$");
 }
 
-TEST(ExitOrderDeathTest, HandlesThatAreNeverDestroyed) {
+TEST(ExitOrderDeathTest, AShareInTheCompositorAndHandlesThatAreNeverDestroyed) {
   ExpectAtExit(
-      [] { [[maybe_unused]] static const std::pair left(bitmap.release(), graphics.release()); },
+      [] {
+        compositor = VuCompositorImpl::GetInstance();
+        [[maybe_unused]] static const std::pair left(bitmap.release(), graphics.release());
+      },
       "CreateVuCompositor 0\ncompositor destroyed\nplug-in closed\n$");
-}
-
-TEST(ExitOrderDeathTest, AShareInTheCompositor) {
-  ExpectAtExit([] { compositor = VuCompositorImpl::GetInstance(); },
-               "compositor destroyed\n.*plug-in closed\n$");
 }
 
 TEST(ExitOrderDeathTest, AContextHeldByTheOverride) {

@@ -74,23 +74,31 @@ TEST_F(Loader, AnOpenPluginOutlivesItsReplacement) {
   EXPECT_EQ(loader.loadImpl("X"), -2);
 }
 
+TEST_F(Loader, ClosesItsPluginsWhenItGoes) {
+  const std::string dso = Plugin("Nothing");
+  {
+    GraphicsImplLoader shortLived;
+    shortLived.SetupGfxImpl("X", dso, {0, 0}, false);
+    // This one opens, and declines to make a context.
+    EXPECT_EQ(LoggedAt(3, [&] { shortLived.CreateImplInstance("X", false); }), "");
+  }
+  EXPECT_EQ(dlopen(dso.c_str(), RTLD_LAZY | RTLD_NOLOAD), nullptr);
+}
+
 /// Files in /tmp, which the two probed folders reach through "../../tmp".
 TEST_F(Loader, LooksOnDiskForPathsBelow30Characters) {
   const std::string unique = std::to_string(getpid());
   const std::string longest = unique + std::string(14 - unique.size(), 'z');  // 29 in all
   for (const std::string& name : {longest, longest + "z"}) std::ofstream("/tmp/" + name) << "x";
   loader.SetupGfxImpl("X", "../../tmp/" + longest, {0, 0}, true);
-  loader.SetupGfxImpl("Y", "../../tmp/" + longest, {0, 0}, true);
   loader.SetupGfxImpl("Not looked for", "../../tmp/" + longest, {0, 0}, false);
   // What is left of it after 29 characters exists.
   loader.SetupGfxImpl("Too long", "../../tmp/" + longest + "z", {0, 0}, true);
   for (const std::string& name : {longest, longest + "z"}) unlink(("/tmp/" + name).c_str());
   EXPECT_TRUE(loader.IsLibraryAvailable("X"));
-  EXPECT_FALSE(loader.IsLibraryAvailable("Too long"));
   unsigned count = 0;
   const char* const* const names = loader.GetBackends(count);
-  EXPECT_THAT(std::vector<std::string>(names, names + count),
-              testing::UnorderedElementsAre("X", "Y"));
+  EXPECT_THAT(std::vector<std::string>(names, names + count), testing::ElementsAre("X"));
 }
 
 // What only a process shows that has not asked for the loader yet.

@@ -18,7 +18,6 @@ namespace {
 
 using doubles::FakeObject;
 using Vector = VuTVector2D<float>;
-using RectF = VuTRect2D<float>;
 using Factor = VuBlendingFactor;
 
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
@@ -51,7 +50,6 @@ class Slots : public testing::Test {
   /// As EXPECT_ENTRY. Counts `overdraw` pixels while, and only while, that is switched on.
   template <typename F, typename... Args>
   void ExpectDrawn(F draw, uint32_t overdraw, int entry, Args... args) {
-    const support::Tunables restored;
     for (const bool counted : {false, true}) {
       LogOverdraw = counted;
       surface.fields[0] = 7;
@@ -62,6 +60,7 @@ class Slots : public testing::Test {
     }
   }
 
+  const support::Tunables restored;
   FakeObject<VuBitmapImpl> surface, source;
   FakeObject<VuFontImpl> fontObject;
   VuBitmap b{surface.get()};
@@ -106,7 +105,6 @@ TEST_F(Slots, Bitmap) {
   EXPECT_ENTRY(b.Lock(), surface, 32, true);
   EXPECT_ENTRY(b.Lock(false), surface, 32, false);
   EXPECT_ENTRY(b.Unlock(), surface, 33);
-  EXPECT_ENTRY(b.Finish(), surface, 34);
   EXPECT_ENTRY(b.SwapBuffers(), surface, 34);
   EXPECT_ENTRY(b.Flush(), surface, 35);
   EXPECT_ENTRY(b.GetPixels(r, &v), surface, 36, r, &v);
@@ -145,11 +143,11 @@ TEST_F(Slots, Drawing) {
 
 TEST_F(Slots, DrawingWithFloatRectangles) {
   const VuTMatrix2D<float> m(VuTransform{5, 5, 2, 3, 0});
-  const RectF s(1, 1, 2, 2);
-  const std::pair<RectF, uint32_t> cases[] = {
+  const VuTRect2D<float> s(1, 1, 2, 2);
+  const std::pair<VuTRect2D<float>, uint32_t> cases[] = {
       {{{0.5f, 0.5f}, {3, 4.5f}}, 60}, {{{2, 0}, {1, 5}}, 0}, {{{0, 2}, {5, 1}}, 0}, {{}, 0}};
   for (const auto& test : cases) {
-    const RectF& d = test.first;
+    const VuTRect2D<float>& d = test.first;
     EXPECT_DRAWN(b.DrawObject(d, src, s, m, c), test.second, 29, d, from, s, m, c, nil, nil);
     EXPECT_DRAWN(b.DrawObject(d, src, s, m, c, b, &v), test.second, 29, d, from, s, m, c, own, &v);
   }
@@ -157,7 +155,6 @@ TEST_F(Slots, DrawingWithFloatRectangles) {
 
 TEST_F(Slots, OverdrawIsCountedInSinglePrecision) {
   surface.Set(25, &doubles::Entry<void, VuRect, VuColor, VuTransform, void*, void*>);
-  const support::Tunables restored;
   LogOverdraw = true;
   const std::tuple<const char*, uint32_t, VuRect, float, uint32_t> cases[] = {
       {"a negative extent takes away", 1000, {0, 0, -10, 20}, 1, 800},
@@ -177,12 +174,10 @@ TEST_F(Slots, OverdrawIsCountedInSinglePrecision) {
 
 TEST_F(Slots, OverdrawIsReportedAtTheEndOfAFrame) {
   surface.Set(34, &doubles::Entry<void>);
-  const support::Tunables restored;
-  const auto empty = [](void*) { return VuRect{}; };
   const std::tuple<bool, int, VuRect (*)(void*), const char*, uint32_t> cases[] = {
       {false, 4, &Whole, "", 25000},
       {true, 4, &Whole, "<ZIRK.warning>: Overdraw: 2.500000x\n", 0},
-      {true, 4, empty, "<ZIRK.warning>: Overdraw: infx\n", 0},
+      {true, 4, [](void*) { return VuRect{}; }, "<ZIRK.warning>: Overdraw: infx\n", 0},
       {true, 3, &Whole, "", 0},
   };
   for (const auto& [counting, level, bounds, line, left] : cases) {

@@ -49,11 +49,10 @@ TEST(ShowFps, ReportsAtOnceThenAveragesOncePerSecond) {
   const support::Tunables restored;
   LogPerf = true;
   const auto run = [] {
-    EXPECT_NE(LoggedAt(4, ShowFPS), "");
+    EXPECT_THAT(LoggedAt(4, ShowFPS), testing::HasSubstr("fps in 1.0 secs\n"));
     draw_time = 30015;
     swap_time = 90000;
     for (int i = 0; i < 9; ++i) EXPECT_EQ(LoggedAt(4, ShowFPS), "");
-    EXPECT_EQ(draw_time, 30015u);
     sleep_for(1s);
     EXPECT_THAT(LoggedAt(4, ShowFPS),
                 testing::MatchesRegex(

@@ -85,6 +85,15 @@ TEST(Log, NothingIsAllocated) {
   EXPECT_EQ(allocated, 0);
 }
 
+TEST(Log, AnyThreadMayCall) {
+  LoggedAt(4, [] {
+    LogInterval = 1000;
+    std::thread other([] { ZIRK_LOG_WARNING("x"); });
+    ZIRK_LOG_WARNING("y");
+    other.join();
+  });
+}
+
 TEST(Log, OnlyErrorsReachTheKernelLog) {
   std::string kernelLog(1 << 20, '\0');
   const auto read = [&] { return klogctl(3, kernelLog.data(), 1 << 20); };  // All there is.
