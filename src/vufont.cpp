@@ -1,7 +1,53 @@
 #include <zirk/impl/vufontimpl.h>
 #include <zirk/vufont.h>
+#include <zirk/vufontatlas.h>
+
+#include <utility>
 
 namespace ZIRK {
+
+namespace {
+
+std::function<VuFont*(const char*, int, int, bool, bool)> fontOverride;
+
+}  // namespace
+
+VuFont* VuFont::CreateFont(const char* path, int faceIndex, int pixelSize) {
+  return CreateFontEx(path, faceIndex, pixelSize, false, false);
+}
+
+VuFont* VuFont::CreateFontEx(const char* path, int faceIndex, int pixelSize, bool bold,
+                             bool italic) {
+  if (fontOverride) return fontOverride(path, faceIndex, pixelSize, bold, italic);
+  return new VuFont(path, faceIndex, pixelSize, bold, italic);
+}
+
+VuFont* VuFont::CreateFontFromMemory(const unsigned char* data, unsigned int size, int faceIndex,
+                                     int pixelSize) {
+  return new VuFont(data, size, faceIndex, pixelSize);
+}
+
+VuFont* VuFont::CreateFontFromMemoryEx(const unsigned char* data, unsigned int size, int faceIndex,
+                                       int pixelSize, bool bold, bool italic) {
+  return new VuFont(data, size, faceIndex, pixelSize, bold, italic);
+}
+
+void VuFont::SetFontOverride(std::function<VuFont*(const char*, int, int, bool, bool)> fn) {
+  fontOverride = std::move(fn);
+}
+
+VuFont::VuFont(const char* path, int faceIndex, int pixelSize)
+    : VuFont(path, faceIndex, pixelSize, false, false) {}
+
+VuFont::VuFont(const char* path, int faceIndex, int pixelSize, bool bold, bool italic)
+    : VuFont(new VuFontAtlas(path, faceIndex, pixelSize, bold, italic)) {}
+
+VuFont::VuFont(const unsigned char* data, unsigned int size, int faceIndex, int pixelSize)
+    : VuFont(data, size, faceIndex, pixelSize, false, false) {}
+
+VuFont::VuFont(const unsigned char* data, unsigned int size, int faceIndex, int pixelSize,
+               bool bold, bool italic)
+    : VuFont(new VuFontAtlas(data, size, faceIndex, pixelSize, bold, italic)) {}
 
 VuFont::VuFont(VuFontImpl* impl_) : impl(impl_) {}
 

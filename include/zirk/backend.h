@@ -10,11 +10,17 @@
 ///
 /// A compositor plug-in exports "CreateVuCompositor" and "DestroyVuCompositor" of the same shapes.
 
+#include <zirk/glyph.h>
 #include <zirk/graphicsimplloader.h>
 #include <zirk/impl/log.h>
 #include <zirk/impl/vubitmapimpl.h>
 #include <zirk/impl/vucompositorimpl.h>
 #include <zirk/impl/vufontimpl.h>
+#include <zirk/impl/vufontregistryimpl.h>
 #include <zirk/impl/vugraphicsimpl.h>
 #include <zirk/impl/vuscreenimpl.h>
+#include <zirk/maxrectsbinpack.h>
+#include <zirk/utf8.h>
+#include <zirk/vufontatlas.h>
+#include <zirk/vutextureatlasimpl.h>
 #include <zirk/zirk.h>

@@ -3,12 +3,20 @@
 #include <zirk/export.h>
 
 #include <cstdint>
+#include <functional>
 
 namespace ZIRK {
 
 class VuFontImpl;
 
-/// A font to draw text with: a handle that owns one implementation. All measures are in pixels.
+/// A font to draw text with: one face of a font file at one size. A handle that owns one
+/// implementation. All measures are in pixels.
+///
+///     std::unique_ptr<VuFont> font(VuFont::CreateFont("/usr/share/fonts/sans.ttf", 0, 24));
+///     screen->DrawText(*font, "Hello", VuPoint{10, 10}, VuColor{0xFFFFFFFF});
+///
+/// A font whose file cannot be opened is said so in an error line; its measures are 0 and it draws
+/// nothing. Any thread may measure; the setters may not run at the same time as another call.
 class ZIRK_API VuFont {
  public:
   enum class OutlineType : int32_t {
@@ -18,6 +26,33 @@ class ZIRK_API VuFont {
     Inner = 3,    ///< The inner border only.
   };
 
+  /// Create a font, which the caller owns. Those from a file return what SetFontOverride()
+  /// installed instead, if anything.
+  ///
+  /// `faceIndex` counts the faces of a font file from 0; `pixelSize` is the nominal height of the
+  /// letters, from 1. `bold` makes a face that is not bold bolder where it is drawn, but not where
+  /// it is measured; `italic` slants nothing. A font file in memory, of `size` bytes, is copied. A
+  /// null path raises std::logic_error.
+  static VuFont* CreateFont(const char* path, int faceIndex, int pixelSize);
+  static VuFont* CreateFontEx(const char* path, int faceIndex, int pixelSize, bool bold,
+                              bool italic);
+  static VuFont* CreateFontFromMemory(const unsigned char* data, unsigned int size, int faceIndex,
+                                      int pixelSize);
+  static VuFont* CreateFontFromMemoryEx(const unsigned char* data, unsigned int size, int faceIndex,
+                                        int pixelSize, bool bold, bool italic);
+
+  /// Makes CreateFont(), as not bold and not italic, and CreateFontEx() return whatever `fn` does,
+  /// null included; an empty `fn` ends that. To be set before several threads create fonts.
+  static void SetFontOverride(
+      std::function<VuFont*(const char* path, int faceIndex, int pixelSize, bool bold, bool italic)>
+          fn);
+
+  /// The same as the functions above, without the override.
+  VuFont(const char* path, int faceIndex, int pixelSize);
+  VuFont(const char* path, int faceIndex, int pixelSize, bool bold, bool italic);
+  VuFont(const unsigned char* data, unsigned int size, int faceIndex, int pixelSize);
+  VuFont(const unsigned char* data, unsigned int size, int faceIndex, int pixelSize, bool bold,
+         bool italic);
   /// Wraps `impl` and owns it.
   explicit VuFont(VuFontImpl* impl);
   ~VuFont();

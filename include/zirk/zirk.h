@@ -8,6 +8,7 @@
 #include <zirk/vucompositor.h>
 #include <zirk/vuenums.h>
 #include <zirk/vufont.h>
+#include <zirk/vufontregistry.h>
 #include <zirk/vugraphics.h>
 #include <zirk/vumatrix2d.h>
 #include <zirk/vuperfcounter.h>

@@ -55,8 +55,8 @@ struct FakeObject {
 
   FakeObject() { Set(2, &Delete); }
 
-  template <typename R, typename... Args>
-  void Set(int entry, R (*function)(void*, Args...)) {
+  template <typename R, typename Self, typename... Args>
+  void Set(int entry, R (*function)(Self*, Args...)) {
     entries[entry - 1] = reinterpret_cast<void*>(function);
   }
 

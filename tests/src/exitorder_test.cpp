@@ -8,6 +8,7 @@
 #include <memory>
 #include <utility>
 
+#include "support/fonts.h"
 #include "support/plugins.h"
 
 namespace ZIRK {
@@ -65,6 +66,20 @@ TEST(ExitOrderDeathTest, AContextHeldByTheOverride) {
                                             bool) { return held.get(); });
       },
       "context destroyed\n.*context destroyed\n.*plug-in closed\n$");
+}
+
+TEST(ExitOrderDeathTest, AnAtlasHeldByTheFontOverride) {
+  ExpectAtExit(
+      [] {
+        const std::shared_ptr<VuGraphicsImpl> impl(static_cast<VuGraphicsImpl*>(
+            GraphicsImplLoader::GetInstance()->CreateImplInstance("Hybrid", false)));
+        auto* const atlas =
+            new VuFontAtlas(support::FontFile("sans.ttf").c_str(), 0, 9, false, false);
+        atlas->GetAtlas(impl.get());
+        VuFont::SetFontOverride(
+            [impl, font = std::make_shared<VuFont>(atlas)](auto...) { return font.get(); });
+      },
+      "context destroyed\nsurface destroyed\ncontext destroyed\nplug-in closed\n$");
 }
 
 }  // namespace

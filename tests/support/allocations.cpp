@@ -8,9 +8,13 @@ namespace {
 std::atomic<int> allocations{0};
 }  // namespace
 
-void* operator new(std::size_t size) {
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
   ++allocations;
-  if (void* const memory = std::malloc(size ? size : 1)) return memory;
+  return std::malloc(size ? size : 1);
+}
+
+void* operator new(std::size_t size) {
+  if (void* const memory = operator new(size, std::nothrow)) return memory;
   throw std::bad_alloc();
 }
 

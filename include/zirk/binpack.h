@@ -1,0 +1,46 @@
+#pragma once
+
+#include <zirk/export.h>
+
+#include <cstdint>
+#include <vector>
+
+namespace ZIRK {
+
+/// A free or placed rectangle. A result whose height is 0 says that nothing was placed.
+struct BinRect {
+  int32_t x;
+  int32_t y;
+  int32_t width;
+  int32_t height;
+};
+
+struct BinSize {
+  int32_t width;
+  int32_t height;
+};
+
+/// Places rectangles into a bin, in pixels. Not thread-safe. The order of the operations is fixed.
+class ZIRK_API BinPack {
+ public:
+  BinPack(int width, int height) : binWidth(width), binHeight(height) {}
+  virtual ~BinPack();  // slots 1 and 2
+  BinPack(const BinPack&) = delete;
+  BinPack& operator=(const BinPack&) = delete;
+
+  /// Places as many of `rects` as fit, the best fitting first, and removes these from it. `dst` is
+  /// left empty: where they went shows only in the implementation.
+  virtual void Insert(std::vector<BinSize>& rects, std::vector<BinRect>& dst) = 0;
+  /// All zeros if there is no room.
+  virtual BinRect Insert(int width, int height) = 0;
+  /// The largest right and bottom edge of what was placed.
+  virtual BinSize GetUsedSize() = 0;
+  /// Grows the bin; a side that would shrink stays as it is.
+  virtual void Resize(int width, int height) = 0;
+
+ protected:
+  int32_t binWidth;
+  int32_t binHeight;
+};
+
+}  // namespace ZIRK

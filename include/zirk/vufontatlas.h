@@ -1,0 +1,105 @@
+#pragma once
+
+#include <zirk/export.h>
+#include <zirk/glyph.h>
+#include <zirk/impl/vufontimpl.h>
+
+#include <cstdint>
+#include <memory>
+
+/// FreeType's own name for its vector, so that this header does without FreeType's. Who calls
+/// VuFontAtlas::GetKerning() includes that.
+typedef struct FT_Vector_ FT_Vector;
+
+namespace ZIRK {
+
+class VuGraphicsImpl;
+class VuTextureAtlasImpl;
+
+/// A walk along one line of UTF-8 text, from glyph to glyph. See VuFontAtlas::NextGlyph().
+struct TextCursor {
+  explicit TextCursor(const char* text_) : text(text_), next(text_) {}
+
+  const char* text;                 ///< The whole string. Null is an empty one.
+  const char* next;                 ///< What is still to be read.
+  const Glyph* previous = nullptr;  ///< The glyph that was returned last.
+  int64_t pen = 0;    ///< Where that glyph's pen stands, in pixels from the line's beginning.
+  int64_t width = 0;  ///< Where the pen stands after it: the width so far.
+};
+
+/// The font that the library makes: a FreeType face at one size, its glyphs, and the atlas that
+/// they are drawn from.
+///
+/// A font that could not be opened has no face: its metrics are 0 and it has no glyphs.
+///
+/// Any thread may call GetGlyph(), NextGlyph(), GetKerning(), GetOneLineWidth(), GetAtlas() and
+/// the metrics; the setters, and what is said to be for the font's own use, may not run at the
+/// same time as another call. A backend that draws on several threads keeps those that draw from
+/// one atlas apart: where a glyph lies is read after GetGlyph() has returned, and rendering
+/// another one may move it.
+class ZIRK_API VuFontAtlas : public VuFontImpl {
+ public:
+  /// Free pixels on the right of and below each glyph in the atlas.
+  static const int margin_;
+
+  /// `pixelSize` is FreeType's nominal height. `bold` emboldens a face that is not bold when its
+  /// glyphs are rendered; `italic` is only recorded. `path` is not null.
+  VuFontAtlas(const char* path, int faceIndex, int pixelSize, bool bold, bool italic);
+  /// A font file in memory, which is copied.
+  VuFontAtlas(const unsigned char* data, unsigned int size, int faceIndex, int pixelSize, bool bold,
+              bool italic);
+  ~VuFontAtlas() override;
+
+  void GetFontMetrics(int& height, int& ascender, int& descender, int& maxAdvance) const override;
+  int GetOneLineWidth(const char* text) const override;
+  int GetOneLineHeight() const override;
+  int GetAscent() const override;
+  int GetDescent() const override;
+  int GetMaxAdvance() const override;
+  void GetUnderlineMetrics(int& position, int& thickness) const override;
+
+  /// Opens a face of this font's own on the other font's file, at its size. A font that is no
+  /// VuFontAtlas, or null, leaves this one without. All cached glyphs are forgotten.
+  void SetFallbackFont(const VuFontImpl* font) override;
+
+  /// The face, null if there is none.
+  FT_Face GetFontFace() const;
+
+  // For backends that draw text.
+
+  /// The font's atlas, of VuPixelFormat::A8. The first call makes it, with `graphics`, which has
+  /// to outlive its bitmap, and places all glyphs that were measured so far; later ones return the
+  /// same whatever `graphics` is. Empty without a face.
+  std::shared_ptr<VuTextureAtlasImpl> GetAtlas(VuGraphicsImpl* graphics) const;
+
+  /// The glyph for a code point with the present outline. With `render` it has been placed in the
+  /// atlas, where there is one and it has room. A code point that neither this font nor the
+  /// fallback font has gives the fallback glyph or the shape for what is missing. Null without a
+  /// face.
+  const Glyph* GetGlyph(unsigned long charcode, bool render) const;
+
+  /// In 1/64 pixel; zeros for glyphs of different faces and in a face without kerning.
+  FT_Vector GetKerning(const Glyph& left, const Glyph& right) const;
+
+  /// Walks on to the line's next glyph, with kerning, exactly as GetOneLineWidth() measures; null
+  /// at its end. Bytes that are no UTF-8 are skipped, with an info line.
+  const Glyph* NextGlyph(TextCursor& cursor, bool render) const;
+
+  // For the font's own use.
+
+  int NewFace(const char* path, int faceIndex, int pixelSize, FT_Face* face);
+  int NewFaceFromMemory(int faceIndex, int pixelSize, FT_Face* face);
+  void AddGlyph(unsigned int charcode, bool render) const;
+  void LoadGlyph(Glyph& glyph, bool render) const;
+  /// Marks all glyphs as not in the atlas and empties that.
+  void ResetGlyphs() const;
+  /// Forgets all glyphs, kerning and the atlas.
+  void ClearGlyphs() const;
+
+ private:
+  struct State;
+
+  std::unique_ptr<State> state_;
+};
+
+}  // namespace ZIRK

@@ -1,0 +1,110 @@
+#pragma once
+
+#include <zirk/glyph.h>
+
+#include <ft2build.h>
+#include FT_FREETYPE_H
+
+#include <cstdint>
+
+#include "publishedtable.h"
+
+namespace ZIRK {
+
+/// Addresses of faces differ in these bits.
+inline uintptr_t FaceWord(FT_Face face) {
+  return reinterpret_cast<uintptr_t>(face) >> 4;
+}
+
+/// The glyph that a code point has been resolved to.
+struct ResolvedChar {
+  struct Key {
+    uint32_t code;
+    bool operator==(const Key& other) const { return code == other.code; }
+    uint64_t Hash() const { return code; }
+  };
+  static Key KeyOf(const ResolvedChar& entry) { return {entry.code}; }
+
+  /// The glyph that it has with one outline, that of the latest look-up; null before. Only read and
+  /// written through these two, by any thread.
+  const Glyph* Recent() const { return __atomic_load_n(&recent, __ATOMIC_ACQUIRE); }
+  void Remember(const Glyph* glyph) { __atomic_store_n(&recent, glyph, __ATOMIC_RELEASE); }
+
+  uint32_t code;
+  uint32_t index;
+  FT_Face face;
+  const Glyph* recent = nullptr;
+};
+
+struct GlyphTraits {
+  struct Key {
+    Key(FT_Face face_, uint32_t index_, int outlineType_, int outlineThickness_)
+        : face(face_),
+          index(index_),
+          outlineType(outlineType_),
+          outlineThickness(outlineType_ == 0 ? 0 : outlineThickness_) {}
+    bool operator==(const Key& other) const {
+      return index == other.index && face == other.face && outlineType == other.outlineType &&
+             outlineThickness == other.outlineThickness;
+    }
+    uint64_t Hash() const {
+      const auto outline =
+          static_cast<uint32_t>(outlineThickness) << 3 ^ static_cast<uint32_t>(outlineType);
+      return (uint64_t(outline) << 32) + FaceWord(face) + index;
+    }
+
+    FT_Face face;
+    uint32_t index;
+    int outlineType;
+    int outlineThickness;  ///< 0 for filled glyphs, whatever is set.
+  };
+  static Key KeyOf(const Glyph& glyph) {
+    return {glyph.face, glyph.index, glyph.outlineType, glyph.outlineThickness};
+  }
+};
+
+/// The kerning between two glyphs, as FreeType says it.
+struct KerningPair {
+  struct Key {
+    FT_Face leftFace;
+    uint32_t left;
+    FT_Face rightFace;
+    uint32_t right;
+    bool operator==(const Key& other) const {
+      return left == other.left && right == other.right && leftFace == other.leftFace &&
+             rightFace == other.rightFace;
+    }
+    uint64_t Hash() const {
+      return (uint64_t(left) << 32 ^ FaceWord(leftFace) ^ FaceWord(rightFace) << 8) + right;
+    }
+  };
+  static const Key& KeyOf(const KerningPair& entry) { return entry.key; }
+
+  Key key;
+  FT_Vector kerning;
+};
+
+/// The number of an outline, by which the steps of the pen are told apart.
+struct NumberedOutline {
+  struct Key {
+    int type;
+    int thickness;
+    bool operator==(const Key& other) const {
+      return type == other.type && thickness == other.thickness;
+    }
+    uint64_t Hash() const {
+      return uint64_t(static_cast<uint32_t>(type)) << 32 | static_cast<uint32_t>(thickness);
+    }
+  };
+  static const Key& KeyOf(const NumberedOutline& entry) { return entry.key; }
+
+  Key key;
+  unsigned number;
+};
+
+using CharTable = PublishedTable<ResolvedChar, ResolvedChar>;
+using GlyphTable = PublishedTable<Glyph, GlyphTraits>;
+using KerningTable = PublishedTable<KerningPair, KerningPair>;
+using OutlineTable = PublishedTable<NumberedOutline, NumberedOutline>;
+
+}  // namespace ZIRK

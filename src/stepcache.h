@@ -1,0 +1,81 @@
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <new>
+#include <optional>
+
+namespace ZIRK {
+
+/// How far a code point moves the pen after another one, kerning included: what measuring a line
+/// adds up. A cache without locks that forgets what finds no room, so that a line is measured with
+/// one look-up a character.
+///
+/// One word holds key and value, so that no reader sees half of an entry: two code points of 22 and
+/// 21 bits, an outline of 9, and a step of 12.
+class StepCache {
+ public:
+  /// Stands for the code point before the first; no sequence of UTF-8 gives it.
+  static constexpr uint32_t kNone = 0x200000;
+  /// Outlines are told apart by numbers below this; steps of others are not kept.
+  static constexpr unsigned kOutlines = 1 << 9;
+
+  ~StepCache() { delete slots_.load(); }
+
+  std::optional<int> Find(uint32_t previous, uint32_t code, unsigned outline) const {
+    const Slots* const slots = slots_.load(std::memory_order_acquire);
+    if (!slots) return std::nullopt;
+    const uint64_t key = Key(previous, code, outline);
+    for (size_t i : Places(key)) {
+      const uint64_t word = (*slots)[i].load(std::memory_order_relaxed);
+      if (word >> kStepBits == key && word != 0)
+        return static_cast<int>(word & kStepMask) - kStepBias;
+    }
+    return std::nullopt;
+  }
+
+  void Store(uint32_t previous, uint32_t code, unsigned outline, int step) {
+    if (outline >= kOutlines || step <= -kStepBias || step >= kStepBias) return;
+    Slots* const slots = EnsureSlots();
+    if (!slots) return;
+    const uint64_t key = Key(previous, code, outline);
+    const auto places = Places(key);
+    const bool firstTaken = (*slots)[places[0]].load(std::memory_order_relaxed) != 0;
+    (*slots)[places[firstTaken]].store(key << kStepBits | uint64_t(step + kStepBias),
+                                       std::memory_order_relaxed);
+  }
+
+  /// Only while nothing else uses the cache.
+  void Clear() { delete slots_.exchange(nullptr); }
+
+ private:
+  static constexpr int kCodeBits = 21, kOutlineBits = 9, kStepBits = 12, kSlotBits = 10;
+  static constexpr int kStepBias = 1 << (kStepBits - 1);
+  static constexpr uint64_t kStepMask = (1 << kStepBits) - 1;
+  using Slots = std::array<std::atomic<uint64_t>, size_t(1) << kSlotBits>;
+
+  static uint64_t Key(uint32_t previous, uint32_t code, unsigned outline) {
+    return (uint64_t(previous) << kCodeBits | code) << kOutlineBits | outline;
+  }
+  /// Neighbours, which share a line of the processor's cache.
+  static std::array<size_t, 2> Places(uint64_t key) {
+    const auto i = static_cast<size_t>(key * 0x9E3779B97F4A7C15u >> (64 - kSlotBits));
+    return {i, i ^ 1};
+  }
+  /// Null if there is no memory: then nothing is kept.
+  Slots* EnsureSlots() {
+    Slots* slots = slots_.load(std::memory_order_acquire);
+    if (slots) return slots;
+    auto* const fresh = new (std::nothrow) Slots();
+    if (!fresh || slots_.compare_exchange_strong(slots, fresh)) return fresh;
+    delete fresh;
+    return slots;
+  }
+
+  std::atomic<Slots*> slots_{nullptr};
+};
+
+}  // namespace ZIRK

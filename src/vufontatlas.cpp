@@ -1,0 +1,525 @@
+#include <zirk/impl/log.h>
+#include <zirk/impl/vugraphicsimpl.h>
+#include <zirk/utf8.h>
+#include <zirk/vufontatlas.h>
+#include <zirk/vutextureatlasimpl.h>
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <mutex>
+#include <string>
+#include <utility>
+
+#include "floattoint.h"
+#include "freetypeerror.h"
+#include "glyphimage.h"
+#include "glyphtables.h"
+#include "stepcache.h"
+
+namespace ZIRK {
+
+namespace {
+
+constexpr int kAtlasWidth = 2048;
+constexpr int kAtlasHeightLimit = 2048;
+
+/// `inAtlas` is asked for without a lock, too: who finds it set sees where the glyph lies.
+bool IsInAtlas(const Glyph& glyph) {
+  return __atomic_load_n(&glyph.inAtlas, __ATOMIC_ACQUIRE);
+}
+void SetInAtlas(Glyph& glyph, bool inAtlas) {
+  __atomic_store_n(&glyph.inAtlas, inAtlas, __ATOMIC_RELEASE);
+}
+
+/// The thickness of no outline does not matter.
+bool HasOutline(const Glyph& glyph, int type, int thickness) {
+  return glyph.outlineType == type && (type == 0 || glyph.outlineThickness == thickness);
+}
+
+/// Others may be reading a glyph that is loaded again, so what stays the same is not written.
+void Change(int32_t& field, int64_t value) {
+  if (field != value) field = static_cast<int32_t>(value);
+}
+
+/// Design units in pixels: twice the value plus one, halved, with divisions toward zero.
+int ToPixels(int designUnits, int pixelSize, int unitsPerEm) {
+  // A font of bitmaps alone has no such units.
+  if (unitsPerEm == 0) return 0;
+  return (WrappingProduct(WrappingProduct(pixelSize, designUnits), 2) / unitsPerEm + 1) / 2;
+}
+
+/// Reads the line's next code point; false at its end. Bytes that are none are skipped.
+bool ReadChar(const char* function, const char* text, const char*& next, uint32_t& code) {
+  if (!text) return false;
+  for (;; ++next) {
+    const auto byte = static_cast<unsigned char>(*next);
+    if (byte == 0) return false;
+    if (byte < 0x80) {
+      code = byte;
+      ++next;
+      return true;
+    }
+    int length = 0;
+    code = GetUtf8Char(next, &length);
+    next += length;
+    if (length > 0) return true;
+    ZIRK_LOG_INFO("%s: encountered invalid UTF-8 encoding at 0x%x in the string '%s'", function,
+                  byte, text);
+  }
+}
+
+}  // namespace
+
+const int VuFontAtlas::margin_ = 2;
+
+struct VuFontAtlas::State {
+  State(std::string fileName_, int faceIndex_, int pixelSize_, bool bold_, bool italic_)
+      : faceIndex(faceIndex_),
+        fileName(std::move(fileName_)),
+        pixelSize(pixelSize_),
+        bold(bold_),
+        italic(italic_) {}
+  ~State();
+  State(const State&) = delete;
+  State& operator=(const State&) = delete;
+
+  void ReadMetrics(const char* source);
+  bool InitLibrary();
+  int FinishFace(const char* function, const char* source, FT_Error opened, int size,
+                 FT_Face* face) const;
+  std::pair<FT_Face, uint32_t> Resolve(uint32_t code, uint32_t fallbackGlyph) const;
+  unsigned OutlineNumber(int type, int thickness);
+  BinRect FindRoom(int width, int height, uint32_t index, const VuFontAtlas& font);
+
+  FT_Library library = nullptr;
+  FT_Face face = nullptr;
+  const int faceIndex;
+  const std::string fileName;
+  std::unique_ptr<uint8_t[]> buffer;  ///< A font given in memory.
+  unsigned bufferSize = 0;
+  const int pixelSize;
+
+  int lineHeight = 0;
+  int ascender = 0;
+  int descender = 0;  ///< Negative below the baseline.
+  int maxAdvance = 0;
+  int underlinePosition = 0;
+  int underlineThickness = 0;
+
+  const bool bold;
+  const bool italic;
+  FT_Face fallbackFace = nullptr;
+
+  // The tables and the cache are searched without a lock; what they lack is looked for again, and
+  // then added, under one.
+  CharTable chars;
+  GlyphTable glyphs;
+  KerningTable kerning;
+  StepCache steps;
+  OutlineTable outlines;
+
+  std::shared_ptr<VuTextureAtlasImpl> atlas;
+  int maxGlyphHeight = 0;
+
+  std::mutex glyphMutex;  ///< Guards characters, glyphs, outlines and atlas, and all loading.
+  std::mutex kerningMutex;
+};
+
+VuFontAtlas::State::~State() {
+  if (fallbackFace) FT_Done_Face(fallbackFace);
+  if (face) FT_Done_Face(face);
+  if (library) FT_Done_FreeType(library);
+}
+
+bool VuFontAtlas::State::InitLibrary() {
+  const FT_Error error = FT_Init_FreeType(&library);
+  if (!error) return true;
+  library = nullptr;
+  const FreeTypeError entry(error);
+  ZIRK_LOG_ERROR("%s: cannot init FreeType library FT_Error (0x%02x) : %s", "VuFontAtlas",
+                 entry.code, entry.message);
+  return false;
+}
+
+void VuFontAtlas::State::ReadMetrics(const char* source) {
+  const FT_Size_Metrics& metrics = face->size->metrics;
+  ascender = static_cast<int>(metrics.ascender >> 6);
+  descender = static_cast<int>(metrics.descender >> 6);
+  maxAdvance = static_cast<int>(metrics.max_advance >> 6);
+  lineHeight = std::abs(descender) + ascender + 1;
+  underlinePosition = ToPixels(face->underline_position, pixelSize, face->units_per_EM);
+  underlineThickness = ToPixels(face->underline_thickness, pixelSize, face->units_per_EM);
+  ZIRK_LOG_INFO("%s: font %s size %d, ascender %d, descender %d, height %d, maxadvance %d",
+                "VuFontAtlas", source, pixelSize, ascender, descender, lineHeight, maxAdvance);
+}
+
+VuFontAtlas::VuFontAtlas(const char* path, int faceIndex, int pixelSize, bool bold, bool italic)
+    : state_(std::make_unique<State>(path, faceIndex, pixelSize, bold, italic)) {
+  if (!state_->InitLibrary()) return;
+  NewFace(path, faceIndex, pixelSize, &state_->face);
+  if (state_->face) state_->ReadMetrics(path);
+}
+
+VuFontAtlas::VuFontAtlas(const unsigned char* data, unsigned int size, int faceIndex, int pixelSize,
+                         bool bold, bool italic)
+    : state_(std::make_unique<State>(std::string(), faceIndex, pixelSize, bold, italic)) {
+  if (!data) {
+    ZIRK_LOG_ERROR("%s: Failed to create font buffer", "VuFontAtlas");
+    return;
+  }
+  state_->buffer.reset(new uint8_t[size]);
+  state_->bufferSize = size;
+  if (size > 0) std::memcpy(state_->buffer.get(), data, size);
+  if (!state_->InitLibrary()) return;
+  NewFaceFromMemory(faceIndex, pixelSize, &state_->face);
+  if (state_->face) state_->ReadMetrics("[memory]");
+}
+
+VuFontAtlas::~VuFontAtlas() = default;
+
+int VuFontAtlas::NewFace(const char* path, int faceIndex, int pixelSize, FT_Face* face) {
+  const FT_Error error = FT_New_Face(state_->library, path, faceIndex, face);
+  return state_->FinishFace("NewFace", path, error, pixelSize, face);
+}
+
+int VuFontAtlas::NewFaceFromMemory(int faceIndex, int pixelSize, FT_Face* face) {
+  const FT_Error error =
+      FT_New_Memory_Face(state_->library, state_->buffer.get(),
+                         static_cast<FT_Long>(state_->bufferSize), faceIndex, face);
+  return state_->FinishFace("NewFaceFromMemory", "[memory]", error, pixelSize, face);
+}
+
+/// Settles the character map and the size of a face that was opened, or logs why it was not.
+int VuFontAtlas::State::FinishFace(const char* function, const char* source, FT_Error opened,
+                                   int size, FT_Face* newFace) const {
+  if (!opened && !(*newFace)->size) {
+    // A negative index opens a face that only tells how many there are.
+    FT_Done_Face(*newFace);
+    opened = FT_Err_Invalid_Argument;
+  }
+  if (opened) {
+    *newFace = nullptr;
+    const FreeTypeError entry(opened);
+    if (opened == FT_Err_Unknown_File_Format)
+      ZIRK_LOG_ERROR("%s: font format is unsupported %s FT_Error (0x%02x) : %s", function, source,
+                     opened, "unknown file format");
+    else
+      ZIRK_LOG_ERROR("%s: error %d creating FT font from file %s FT_Error (0x%02x) : %s", function,
+                     opened, source, entry.code, entry.message);
+    return opened;
+  }
+  if (FT_Select_Charmap(*newFace, FT_ENCODING_UNICODE)) {
+    ZIRK_LOG_INFO("%s: couldn't select Unicode encoding, falling back to Latin1", function);
+    if (const FT_Error error = FT_Select_Charmap(*newFace, FT_ENCODING_ADOBE_LATIN_1)) {
+      const FreeTypeError entry(error);
+      ZIRK_LOG_ERROR("%s: couldn't fallback to Latin1, error %d FT_Error (0x%02x) : %s", function,
+                     error, entry.code, entry.message);
+    }
+  }
+  const FT_Error error = FT_Set_Pixel_Sizes(*newFace, 0, static_cast<FT_UInt>(size));
+  if (error) {
+    const FreeTypeError entry(error);
+    ZIRK_LOG_ERROR(
+        "%s: cannot set desired pixel height %d error %d filename %s FT_Error (0x%02x) : %s",
+        function, size, error, source, entry.code, entry.message);
+  }
+  return error;
+}
+
+FT_Face VuFontAtlas::GetFontFace() const {
+  return state_->face;
+}
+
+void VuFontAtlas::GetFontMetrics(int& height, int& ascender, int& descender,
+                                 int& maxAdvance) const {
+  height = state_->lineHeight;
+  ascender = state_->ascender;
+  descender = state_->descender;
+  maxAdvance = state_->maxAdvance;
+}
+
+int VuFontAtlas::GetOneLineHeight() const {
+  return state_->lineHeight;
+}
+
+int VuFontAtlas::GetAscent() const {
+  return state_->ascender;
+}
+
+int VuFontAtlas::GetDescent() const {
+  return std::abs(state_->descender);
+}
+
+int VuFontAtlas::GetMaxAdvance() const {
+  return state_->maxAdvance;
+}
+
+void VuFontAtlas::GetUnderlineMetrics(int& position, int& thickness) const {
+  position = state_->underlinePosition;
+  thickness = state_->underlineThickness;
+}
+
+void VuFontAtlas::SetFallbackFont(const VuFontImpl* font) {
+  const auto* const other = dynamic_cast<const VuFontAtlas*>(font);
+  ClearGlyphs();
+  if (state_->fallbackFace) FT_Done_Face(std::exchange(state_->fallbackFace, nullptr));
+  if (!other || !other->state_->face) return;
+  const State& theirs = *other->state_;
+  NewFace(theirs.fileName.c_str(), theirs.faceIndex, theirs.pixelSize, &state_->fallbackFace);
+}
+
+/// The face and the index of a code point's glyph, or of what stands in for it.
+std::pair<FT_Face, uint32_t> VuFontAtlas::State::Resolve(uint32_t code,
+                                                         uint32_t fallbackGlyph) const {
+  if (const FT_UInt index = FT_Get_Char_Index(face, code)) return {face, index};
+  if (fallbackFace) {
+    if (const FT_UInt index = FT_Get_Char_Index(fallbackFace, code)) {
+      ZIRK_LOG_DEBUG("%s: replace with fallback face -- index %d", "AddGlyph",
+                     static_cast<int>(index));
+      return {fallbackFace, index};
+    }
+  }
+  if (fallbackGlyph == 0) return {face, 0};
+  const FT_UInt index = FT_Get_Char_Index(face, fallbackGlyph);
+  ZIRK_LOG_DEBUG("%s: replace with fallback code 0x%x index %d", "AddGlyph", fallbackGlyph,
+                 static_cast<int>(index));
+  return {face, index};
+}
+
+void VuFontAtlas::AddGlyph(unsigned int charcode, bool render) const {
+  State& s = *state_;
+  if (!s.face) return;
+  const auto [face, index] = s.Resolve(charcode, fallbackGlyph_);
+  const int type = static_cast<int>(outlineType_);
+  if (!s.glyphs.Find({face, index, type, outlineThickness_})) {
+    Glyph glyph = {};
+    glyph.face = face;
+    glyph.charcode = charcode;
+    glyph.index = index;
+    glyph.outlineType = type;
+    glyph.outlineThickness = outlineThickness_;
+    LoadGlyph(glyph, render);
+    ZIRK_LOG_DEBUG("%s: inserting glyph %d outline type %d outline thickness %d", "AddGlyph",
+                   static_cast<int>(index), type, outlineThickness_);
+    s.glyphs.Insert(glyph);
+  }
+  ZIRK_LOG_DEBUG("%s: inserting charcode %d index %d", "AddGlyph", static_cast<int>(charcode),
+                 static_cast<int>(index));
+  if (!s.chars.Find({charcode})) s.chars.Insert({charcode, index, face});
+  ZIRK_LOG_INFO("%s: total chars %d glyphs %d", "AddGlyph", static_cast<int>(s.chars.Size()),
+                static_cast<int>(s.glyphs.Size()));
+}
+
+const Glyph* VuFontAtlas::GetGlyph(unsigned long charcode, bool render) const {
+  State& s = *state_;
+  if (!s.face) return nullptr;
+  const auto code = static_cast<uint32_t>(charcode);
+  const int type = static_cast<int>(outlineType_);
+  const auto find = [&](const ResolvedChar& entry) {
+    return s.glyphs.Find({entry.face, entry.index, type, outlineThickness_});
+  };
+  if (ResolvedChar* const known = s.chars.Find({code})) {
+    const Glyph* glyph = known->Recent();
+    if (!glyph || !HasOutline(*glyph, type, outlineThickness_)) {
+      glyph = find(*known);
+      known->Remember(glyph);
+    }
+    if (glyph && (!render || IsInAtlas(*glyph))) return glyph;
+  }
+
+  const std::lock_guard lock(s.glyphMutex);
+  const ResolvedChar* entry = s.chars.Find({code});
+  if (!entry) {
+    AddGlyph(code, render);
+    entry = s.chars.Find({code});
+  }
+  if (!entry) {
+    ZIRK_LOG_INFO("%s: charcode 0x%x not found", "GetGlyph", code);
+    return nullptr;
+  }
+  Glyph* glyph = find(*entry);
+  if (!glyph) {
+    AddGlyph(code, render);
+    glyph = find(*entry);
+  }
+  if (!glyph) {
+    // The words are followed by the value of the word before, the face standing first.
+    ZIRK_LOG_INFO("%s: glyph %d outline type %d outline thickness %d not found", "GetGlyph",
+                  static_cast<int>(reinterpret_cast<intptr_t>(entry->face)),
+                  static_cast<int>(entry->index), type);
+    return nullptr;
+  }
+  if (render && !IsInAtlas(*glyph)) LoadGlyph(*glyph, true);
+  return glyph;
+}
+
+void VuFontAtlas::LoadGlyph(Glyph& glyph, bool render) const {
+  State& s = *state_;
+  const int index = static_cast<int>(glyph.index);
+  const int code = static_cast<int>(glyph.charcode);
+  ZIRK_LOG_DEBUG("%s: font %s %d load glyph %d", "LoadGlyph", s.fileName.c_str(), s.lineHeight,
+                 index);
+  GlyphImage image(s.library);
+  if (!image.Render(glyph)) return;
+  if (render && s.bold && !(glyph.face->style_flags & FT_STYLE_FLAG_BOLD)) image.Embolden(glyph);
+
+  const FT_Bitmap& bitmap = image.Bitmap();
+  Change(glyph.left, image.Left());
+  Change(glyph.width, bitmap.width);
+  Change(glyph.height, bitmap.rows);
+  Change(glyph.advance, glyph.face->glyph->advance.x >> 6);
+  Change(glyph.top, s.ascender - image.Top());
+  s.maxGlyphHeight = std::max(s.maxGlyphHeight, glyph.height);
+  ZIRK_LOG_DEBUG("%s: '%c' charcode 0x%x index %d width %d advance %d left %d height %d top %d",
+                 "LoadGlyph", code, glyph.charcode, index, glyph.width, glyph.advance, glyph.left,
+                 glyph.height, glyph.top);
+  if (!render || !s.atlas) return;
+
+  const std::optional<GlyphImage::Coverage> coverage = image.ToCoverage();
+  if (!coverage) return;
+  const BinRect region =
+      s.FindRoom(glyph.width + margin_, glyph.height + margin_, glyph.index, *this);
+  if (region.height == 0) return;
+  const auto atlasWidth = static_cast<float>(s.atlas->GetWidth());
+  const auto atlasHeight = static_cast<float>(s.atlas->GetHeight());
+  glyph.x = region.x;
+  glyph.y = region.y;
+  glyph.u0 = static_cast<float>(glyph.x) / atlasWidth;
+  glyph.v0 = 1.0f - static_cast<float>(glyph.y) / atlasHeight;
+  glyph.u1 = static_cast<float>(glyph.x + glyph.width) / atlasWidth;
+  glyph.v1 = 1.0f - static_cast<float>(glyph.y + glyph.height) / atlasHeight;
+  ZIRK_LOG_DEBUG(
+      "%s: font %s %d render glyph '%c' charcode 0x%x index %d at %d,%d %dx%d pitch %d buffer %p",
+      "LoadGlyph", s.fileName.c_str(), s.lineHeight, code, glyph.charcode, index, glyph.x, glyph.y,
+      glyph.width, glyph.height, bitmap.pitch, static_cast<const void*>(bitmap.buffer));
+  s.atlas->SetRegion(glyph.x, glyph.y, glyph.width, glyph.height, coverage->pixels,
+                     coverage->pitch);
+  SetInAtlas(glyph, true);
+}
+
+/// A region of the atlas, which grows if it has to. Of height 0 if there is no room.
+BinRect VuFontAtlas::State::FindRoom(int width, int height, uint32_t index,
+                                     const VuFontAtlas& font) {
+  if (atlas->GetHeight() == 0) {
+    ZIRK_LOG_INFO("%s: texture atlas allocation failure", "LoadGlyph");
+    return {};
+  }
+  BinRect region = atlas->GetRegion(width, height);
+  if (region.height != 0) return region;
+  const int glyph = static_cast<int>(index);
+  ZIRK_LOG_INFO("%s: GetRegion(%dx%d) for glyph %d returned %dx%d", "LoadGlyph", width, height,
+                glyph, region.width, 0);
+  const int wanted = std::min(atlas->GetHeight() + maxGlyphHeight + margin_, kAtlasHeightLimit);
+  const bool losesContents = atlas->GetGraphics()->GetGraphicsType() == 0;
+  // An atlas of full height gains nothing by another bitmap of its size, save where that is what
+  // empties it.
+  const bool resizes = wanted != atlas->GetHeight() || losesContents;
+  const int granted = resizes ? atlas->Resize(kAtlasWidth, wanted).height : wanted;
+  if (losesContents || granted != wanted) font.ResetGlyphs();
+  region = atlas->GetRegion(width, height);
+  if (region.height == 0)
+    ZIRK_LOG_WARNING("%s: GetRegion(%dx%d) returned %dx%d.  No room to fit glyph %d after resize",
+                     "LoadGlyph", width, height, region.width, 0, glyph);
+  return region;
+}
+
+void VuFontAtlas::ResetGlyphs() const {
+  for (Glyph& glyph : state_->glyphs) SetInAtlas(glyph, false);
+  if (state_->atlas) state_->atlas->Reset();
+}
+
+void VuFontAtlas::ClearGlyphs() const {
+  State& s = *state_;
+  {
+    const std::lock_guard lock(s.glyphMutex);
+    s.chars.Clear();
+    s.glyphs.Clear();
+    s.steps.Clear();
+    s.atlas.reset();
+    s.maxGlyphHeight = 0;
+  }
+  const std::lock_guard lock(s.kerningMutex);
+  s.kerning.Clear();
+}
+
+std::shared_ptr<VuTextureAtlasImpl> VuFontAtlas::GetAtlas(VuGraphicsImpl* graphics) const {
+  State& s = *state_;
+  if (!s.face) return nullptr;
+  const std::lock_guard lock(s.glyphMutex);
+  if (s.atlas) return s.atlas;
+  const int height = std::min(s.maxGlyphHeight + margin_, kAtlasHeightLimit);
+  s.atlas = std::make_shared<VuTextureAtlasImpl>(graphics, kAtlasWidth, height, VuPixelFormat::A8);
+  s.atlas->SetName((s.fileName + ' ' + std::to_string(s.lineHeight)).c_str());
+  for (Glyph& glyph : s.glyphs)
+    if (!IsInAtlas(glyph)) LoadGlyph(glyph, true);
+  return s.atlas;
+}
+
+FT_Vector VuFontAtlas::GetKerning(const Glyph& left, const Glyph& right) const {
+  if (!FT_HAS_KERNING(left.face) || right.face != left.face || right.index == 0) return {0, 0};
+  State& s = *state_;
+  const KerningPair::Key key = {left.face, left.index, right.face, right.index};
+  if (const KerningPair* const known = s.kerning.Find(key)) return known->kerning;
+
+  const std::lock_guard lock(s.kerningMutex);
+  if (const KerningPair* const known = s.kerning.Find(key)) return known->kerning;
+  FT_Vector kerning = {0, 0};
+  FT_Get_Kerning(left.face, left.index, right.index, FT_KERNING_DEFAULT, &kerning);
+  s.kerning.Insert({key, kerning});
+  return kerning;
+}
+
+const Glyph* VuFontAtlas::NextGlyph(TextCursor& cursor, bool render) const {
+  uint32_t code;
+  while (ReadChar("NextGlyph", cursor.text, cursor.next, code)) {
+    const Glyph* const glyph = GetGlyph(code, render);
+    if (!glyph) continue;
+    cursor.pen = cursor.width;
+    if (cursor.previous) cursor.pen += GetKerning(*cursor.previous, *glyph).x >> 6;
+    cursor.width = cursor.pen + glyph->advance;
+    cursor.previous = glyph;
+    return glyph;
+  }
+  return nullptr;
+}
+
+/// A number for an outline, 0 for none. Those for which no number is left share one.
+unsigned VuFontAtlas::State::OutlineNumber(int type, int thickness) {
+  if (type == 0) return 0;
+  const NumberedOutline::Key key = {type, thickness};
+  if (const NumberedOutline* const known = outlines.Find(key)) return known->number;
+
+  const std::lock_guard lock(glyphMutex);
+  if (const NumberedOutline* const known = outlines.Find(key)) return known->number;
+  const auto number = static_cast<unsigned>(outlines.Size()) + 1;
+  if (number < StepCache::kOutlines) outlines.Insert({key, number});
+  return number;
+}
+
+int VuFontAtlas::GetOneLineWidth(const char* text) const {
+  State& s = *state_;
+  if (!s.face) return 0;
+  const unsigned outline = s.OutlineNumber(static_cast<int>(outlineType_), outlineThickness_);
+  int64_t width = 0;
+  uint32_t previous = StepCache::kNone;
+  uint32_t code;
+  for (const char* next = text; ReadChar("GetOneLineWidth", text, next, code);) {
+    std::optional<int> step = s.steps.Find(previous, code, outline);
+    if (!step) {
+      const Glyph* const glyph = GetGlyph(code, false);
+      if (!glyph) continue;
+      step = glyph->advance;
+      const Glyph* const before =
+          previous == StepCache::kNone ? nullptr : GetGlyph(previous, false);
+      if (before) *step += static_cast<int>(GetKerning(*before, *glyph).x >> 6);
+      s.steps.Store(previous, code, outline, *step);
+    }
+    width += *step;
+    previous = code;
+  }
+  return static_cast<int>(
+      std::clamp<int64_t>(width, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
+}
+
+}  // namespace ZIRK

@@ -1,0 +1,182 @@
+#!/usr/bin/env python3
+"""Makes the test fonts in this folder from installed ones. See README.md."""
+
+import os
+
+from fontTools.subset import Options, Subsetter
+from fontTools.ttLib import TTFont
+from fontTools.ttLib.tables._c_m_a_p import cmap_format_4
+from fontTools.ttLib.tables._g_l_y_f import Glyph, GlyphComponent
+from fontTools.pens.ttGlyphPen import TTGlyphPen
+from fontTools.ttLib.ttCollection import TTCollection
+
+FOLDER = os.path.dirname(os.path.abspath(__file__))
+DEJAVU = "/usr/share/fonts/truetype/dejavu/DejaVuSans%s.ttf"
+MICROHEI = "/usr/share/fonts/truetype/wqy/wqy-microhei.ttc"
+
+ASCII = range(0x20, 0x7F)
+LATIN = [*ASCII, *range(0xA0, 0x180), *range(0x2010, 0x2028), 0x20AC]
+SANS = [*LATIN, *range(0x386, 0x3CF), *range(0x400, 0x460), *range(0x2190, 0x2200),
+        0x300, 0x301, 0x308]
+CJK = [ord(c) for c in "こんにちは世界你好안녕하세요日本語中文한국어、。「」"
+       "あいうえおかきくけアイウエオカキクケ一二三四五六七八九十人山川水火木金土月東西南北大小上下"]
+OMEGA, OHM = 0x3A9, 0x2126
+LETTERS = [chr(c) for c in (*range(0x41, 0x5B), *range(0x61, 0x7B))]
+
+
+def cut_down(path, codes, keep_hints=True, number=0):
+    """The font with these code points only, and its kerning as the old table."""
+    font = TTFont(path, fontNumber=number, recalcTimestamp=False)
+    options = Options()
+    options.hinting = keep_hints
+    options.legacy_kern = True
+    options.layout_features = []
+    options.notdef_outline = True
+    options.drop_tables += ["GDEF", "GPOS", "GSUB", "MATH", "FFTM", "vhea", "vmtx"]
+    cutter = Subsetter(options)
+    cutter.populate(unicodes=codes)
+    cutter.subset(font)
+    return font
+
+
+def rename(font, family, style, more=None):
+    """Leaves the copyright, the licence and these names."""
+    names = font["name"]
+    kept = {id: names.getDebugName(id) for id in (0, 13)}
+    names.names = []
+    own = {1: family, 2: style, 3: f"{family} {style}", 4: f"{family} {style}", 5: "Version 1.0",
+           6: f"{family}-{style}".replace(" ", "")}
+    for id, text in sorted({**kept, **own, **(more or {})}.items()):
+        if text:
+            names.setName(text, id, 3, 1, 0x409)
+
+
+def save(font, name):
+    font.save(os.path.join(FOLDER, name))
+
+
+def make_sans():
+    font = cut_down(DEJAVU % "", SANS)
+    rename(font, "ZIRK Test Sans", "Regular")
+    for table in font["cmap"].tables:
+        table.cmap[OHM] = table.cmap[OMEGA]
+    save(font, "sans.ttf")
+
+    font = cut_down(DEJAVU % "-Bold", LATIN)
+    rename(font, "ZIRK Test Sans", "Bold", {16: "ZIRK Test Superfamily", 17: "Heavy"})
+    save(font, "sansbold.ttf")
+
+    font = cut_down(DEJAVU % "-Oblique", LATIN)
+    rename(font, "ZIRK Test Sans", "Oblique")
+    save(font, "sansoblique.ttf")
+
+
+def make_cjk():
+    font = cut_down(MICROHEI, CJK)
+    rename(font, "ZIRK Test CJK", "Regular")
+    save(font, "cjk.ttf")
+
+
+def make_collection():
+    collection = TTCollection()
+    for family, codes in (("ZIRK Test One", "AB"), ("ZIRK Test Two", "CD")):
+        font = cut_down(DEJAVU % "", [ord(c) for c in codes], keep_hints=False)
+        rename(font, family, "Regular")
+        collection.fonts.append(font)
+    collection.save(os.path.join(FOLDER, "collection.ttc"))
+
+
+def square(size, line):
+    """An outlined square on the line's lower edge."""
+    pen = TTGlyphPen(None)
+    for low, high in ((0, size), (line, size - line)):
+        corners = [(low, low), (low, high), (high, high), (high, low)]
+        if low:
+            corners.reverse()
+        pen.moveTo(corners[0])
+        for corner in corners[1:]:
+            pen.lineTo(corner)
+        pen.closePath()
+    return pen.glyph()
+
+
+def component(name, x, y):
+    part = GlyphComponent()
+    part.glyphName, part.x, part.y = name, x, y
+    part.flags = 0
+    return part
+
+
+def make_symbols():
+    """Every pair of letters in a square as large as the em, from U+E000 on."""
+    font = cut_down(DEJAVU % "", [ord(c) for c in LETTERS], keep_hints=False)
+    rename(font, "ZIRK Test Symbols", "Regular")
+    em = font["head"].unitsPerEm
+    shapes, widths, metrics = font["glyf"], font["hmtx"].metrics, font["OS/2"]
+    # Half as large, so that two letters stand side by side in the square.
+    for letter in LETTERS:
+        points = shapes[letter].getCoordinates(shapes)[0]
+        points.scale((0.5, 0.5))
+        shapes[letter].coordinates = points
+        shapes[letter].coordinates.toInt()
+    order = font.getGlyphOrder() + ["square"]
+    shapes["square"] = square(em, em // 24)
+    code = 0xE000
+    cmap = {}
+    for left in LETTERS:
+        for right in LETTERS:
+            name = f"u{code:04X}"
+            glyph = Glyph()
+            glyph.numberOfContours = -1
+            glyph.components = [component("square", 0, 0), component(left, em // 12, em // 3),
+                                component(right, em * 13 // 24, em // 3)]
+            shapes[name] = glyph
+            cmap[code] = name
+            order.append(name)
+            code += 1
+    font.setGlyphOrder(order)
+    shapes.glyphOrder = order
+    for name in order:
+        shapes[name].recalcBounds(shapes)
+        widths[name] = (em, getattr(shapes[name], "xMin", 0))
+    if "kern" in font:
+        del font["kern"]
+    table = cmap_format_4(4)
+    table.platformID, table.platEncID, table.language = 3, 1, 0
+    table.cmap = {**{ord(c): c for c in LETTERS}, **cmap}
+    font["cmap"].tables = [table]
+    font["post"].formatType = 3.0
+    metrics.usLastCharIndex = code - 1
+    save(font, "symbols.ttf")
+
+
+BITMAPS = {
+    # A square with a hole, a slope, a bar that lies to the left of the pen, and nothing.
+    0x41: (8, (0, 0, 6, 6), ["FC", "84", "84", "84", "84", "FC"]),
+    0x42: (5, (1, -2, 4, 4), ["80", "40", "20", "10"]),
+    0xE9: (9, (-1, 3, 12, 2), ["FFF0", "FFF0"]),
+    0x20: (4, (0, 0, 0, 0), []),
+}
+
+
+def make_bitmaps(file, family, registry, encoding):
+    lines = ["STARTFONT 2.1",
+             f"FONT -ZIRK-{family}-Medium-R-Normal--10-100-72-72-P-70-{registry}-{encoding}",
+             "SIZE 10 72 72", "FONTBOUNDINGBOX 13 10 -1 -2", "STARTPROPERTIES 6",
+             f'FAMILY_NAME "{family}"', f'CHARSET_REGISTRY "{registry}"',
+             f'CHARSET_ENCODING "{encoding}"', "FONT_ASCENT 8", "FONT_DESCENT 2",
+             "DEFAULT_CHAR 65", "ENDPROPERTIES", f"CHARS {len(BITMAPS)}"]
+    for code, (advance, (left, bottom, width, height), rows) in sorted(BITMAPS.items()):
+        lines += [f"STARTCHAR u{code:04X}", f"ENCODING {code}", f"SWIDTH {advance * 100} 0",
+                  f"DWIDTH {advance} 0", f"BBX {width} {height} {left} {bottom}", "BITMAP", *rows,
+                  "ENDCHAR"]
+    with open(os.path.join(FOLDER, file), "w") as out:
+        out.write("\n".join([*lines, "ENDFONT", ""]))
+
+
+make_sans()
+make_cjk()
+make_collection()
+make_symbols()
+make_bitmaps("bitmap.bdf", "ZIRK Test Bitmap", "ISO10646", "1")
+make_bitmaps("nounicode.bdf", "ZIRK Test No Unicode", "FontSpecific", "0")

@@ -1,0 +1,473 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <zirk/backend.h>
+
+#include <ft2build.h>
+#include FT_BITMAP_H
+#include FT_FREETYPE_H
+#include FT_STROKER_H
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cmath>
+#include <future>
+#include <memory>
+#include <random>
+#include <set>
+#include <string>
+#include <thread>
+#include <tuple>
+#include <vector>
+
+#include "doubles/memorygraphics.h"
+#include "support/fonts.h"
+#include "support/logged.h"
+
+namespace ZIRK {
+namespace {
+
+using doubles::MemoryBitmap;
+using doubles::MemoryGraphics;
+using support::FontFile;
+using support::LoggedAt;
+using Type = VuFont::OutlineType;
+
+/// Left, top, advance, width, height and coverage.
+using Picture = std::tuple<int, int, int, int, int, std::vector<uint8_t>>;
+
+/// FreeType, asked without the library.
+struct FreeType {
+  FT_Library library = nullptr;
+  FT_Face face = nullptr;
+
+  FreeType(const char* file, int size) {
+    FT_Init_FreeType(&library);
+    EXPECT_EQ(FT_New_Face(library, FontFile(file).c_str(), 0, &face), 0);
+    FT_Set_Pixel_Sizes(face, 0, static_cast<FT_UInt>(size));
+  }
+  ~FreeType() {
+    FT_Done_Face(face);
+    FT_Done_FreeType(library);
+  }
+
+  Picture Render(unsigned index, Type type = Type::None, int radius = 0, bool bold = false) const {
+    const bool filled = type == Type::None;
+    FT_GlyphSlot const slot = face->glyph;
+    EXPECT_EQ(FT_Load_Glyph(face, index, filled ? FT_LOAD_RENDER : FT_LOAD_NO_BITMAP), 0);
+    FT_Glyph glyph;
+    FT_Get_Glyph(slot, &glyph);
+    if (!filled) {
+      FT_Stroker stroker;
+      FT_Stroker_New(library, &stroker);
+      FT_Stroker_Set(stroker, radius, FT_STROKER_LINECAP_ROUND, FT_STROKER_LINEJOIN_ROUND, 0);
+      if (type == Type::Stroked) FT_Glyph_Stroke(&glyph, stroker, true);
+      if (type == Type::Outer) FT_Glyph_StrokeBorder(&glyph, stroker, false, true);
+      if (type == Type::Inner) FT_Glyph_StrokeBorder(&glyph, stroker, true, true);
+      FT_Stroker_Done(stroker);
+      FT_Glyph_To_Bitmap(&glyph, FT_RENDER_MODE_NORMAL, nullptr, true);
+    }
+    const auto rendered = reinterpret_cast<FT_BitmapGlyph>(glyph);
+    FT_Bitmap& map = rendered->bitmap;
+    const FT_Pos strength = face->size->metrics.height / 50;
+    if (bold) FT_Bitmap_Embolden(library, &map, strength, strength);
+    const bool mono = map.pixel_mode == FT_PIXEL_MODE_MONO;
+    const int top = int(face->size->metrics.ascender >> 6) - rendered->top;
+    Picture picture(rendered->left, top, slot->advance.x >> 6, map.width, map.rows, 0);
+    for (unsigned y = 0; y < map.rows; ++y)
+      for (unsigned x = 0; x < map.width; ++x) {
+        const unsigned char* const row = map.buffer + int(y) * map.pitch;
+        const int pixel = mono ? (row[x / 8] << x % 8 & 0x80 ? 255 : 0) : row[x];
+        std::get<5>(picture).push_back(uint8_t(pixel));
+      }
+    FT_Done_Glyph(glyph);
+    return picture;
+  }
+};
+
+const MemoryBitmap& Surface(const VuTextureAtlasImpl& atlas) {
+  return *reinterpret_cast<const MemoryBitmap*>(atlas.GetBitmap().get());
+}
+
+Picture Placed(const Glyph& g, const VuTextureAtlasImpl& atlas) {
+  EXPECT_TRUE(g.inAtlas);
+  const auto pixels = Surface(atlas).At({g.x, g.y, g.width, g.height});
+  return {g.left, g.top, g.advance, g.width, g.height, pixels};
+}
+
+class FontAtlas : public testing::Test {
+ protected:
+  FontAtlas() { LogLevel = 2; }
+
+  static VuFontAtlas Open(const char* file, int size, bool bold = false) {
+    return VuFontAtlas(FontFile(file).c_str(), 0, size, bold, false);
+  }
+  static const Glyph* Add(const VuFontAtlas& font, unsigned code) {
+    return font.GetGlyph(code, false);
+  }
+
+  const support::Tunables restored;
+  MemoryGraphics graphics;
+  const VuFontAtlas cjk = Open("cjk.ttf", 30);
+};
+
+TEST_F(FontAtlas, Metrics) {
+  const std::tuple<const char*, int, std::array<int, 6>> cases[] = {
+      {"sans.ttf", 37, {45, 35, -9, 40, -1, 2}},       {"sans.ttf", 0, {3, 1, -1, 1, 0, 0}},
+      {"cjk.ttf", 300, {353, 281, -71, 300, -44, 15}}, {"cjk.ttf", 16, {20, 15, -4, 16, -1, 1}},
+      {"bitmap.bdf", 10, {11, 8, -2, 12, 0, 0}},       {"bitmap.bdf", 11, {1, 0, 0, 0, 0, 0}},
+  };
+  for (const auto& [file, size, expected] : cases) {
+    const VuFontAtlas font = Open(file, size);
+    std::array<int, 6> m;
+    font.GetFontMetrics(m[0], m[1], m[2], m[3]);
+    font.GetUnderlineMetrics(m[4], m[5]);
+    EXPECT_EQ(m, expected) << file << size;
+    EXPECT_EQ(font.GetOneLineHeight(), m[0]);
+    EXPECT_EQ(font.GetAscent(), m[1]);
+    EXPECT_EQ(font.GetDescent(), -m[2]);
+    EXPECT_EQ(font.GetMaxAdvance(), m[3]);
+  }
+}
+
+TEST_F(FontAtlas, FontsThatDoNotOpen) {
+  const std::string text = FontFile("README.md"), pair = FontFile("collection.ttc");
+  const std::vector<unsigned char> bytes = support::FontBytes("README.md");
+  const std::string unsupported = ": font format is unsupported ",
+                    format = " FT_Error (0x02) : unknown file format\n",
+                    error6 = "NewFace: error 6 creating FT font from file " + pair +
+                             " FT_Error (0x06) : invalid argument\n";
+  const std::tuple<std::string, int, std::string> cases[] = {
+      {text, 0, "NewFace" + unsupported + text + format},
+      {"", 0, "NewFace: error 1 creating FT font from file  FT_Error (0x01) : cannot open resou"},
+      {pair, 2, error6},
+      {pair, -1, error6},
+      {"memory", int(bytes.size()), "NewFaceFromMemory" + unsupported + "[memory]" + format},
+      {"memory", 0, "NewFaceFromMemory: error "},
+  };
+  for (const auto& [path, number, logged] : cases) {
+    const auto run = [&, p = path, n = number] {
+      const VuFontAtlas font = p == "memory"
+                                   ? VuFontAtlas(bytes.data(), unsigned(n), 0, 9, true, false)
+                                   : VuFontAtlas(p.c_str(), n, 9, false, false);
+      EXPECT_EQ(font.GetFontFace(), nullptr);
+      EXPECT_EQ(font.GetOneLineHeight() + font.GetAscent() + font.GetMaxAdvance(), 0);
+      EXPECT_EQ(font.GetOneLineWidth("text"), 0);
+      EXPECT_EQ(font.GetGlyph('A', true), nullptr);
+      EXPECT_EQ(font.GetAtlas(graphics.get()), nullptr);
+    };
+    const std::string lines = LoggedAt(7, run);
+    EXPECT_THAT(lines, testing::StartsWith("<ZIRK.error>: " + logged));
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), '\n'), 1) << lines;
+  }
+}
+
+TEST_F(FontAtlas, TruncatedFonts) {
+  for (const auto& [file, step] : {std::pair("collection.ttc", size_t(1)), {"sans.ttf", 1009}}) {
+    const std::vector<unsigned char> whole = support::FontBytes(file);
+    for (size_t size = whole.size() % step; size <= whole.size(); size += step) {
+      const std::vector<unsigned char> part(whole.begin(), whole.begin() + ptrdiff_t(size));
+      const VuFontAtlas font(part.data(), unsigned(size), 0, 20, true, false);
+      font.GetAtlas(graphics.get());
+      EXPECT_EQ(font.GetGlyph('A', true) != nullptr, font.GetFontFace() != nullptr);
+    }
+  }
+}
+
+TEST_F(FontAtlas, OddFaces) {
+  const auto unmapped = [] { EXPECT_EQ(Open("nounicode.bdf", 10).GetOneLineWidth("A"), 8); };
+  EXPECT_THAT(LoggedAt(6, unmapped),
+              testing::StartsWith(
+                  "<ZIRK.info>: NewFace: couldn't select Unicode encoding, falling back to Latin1\n"
+                  "<ZIRK.error>: NewFace: couldn't fallback to Latin1, error 6 FT_Error (0x06) : "
+                  "invalid argument\n<ZIRK.info>: VuFontAtlas: font "));
+  // What stands in the table's place 23 is another error's entry.
+  const auto unsized = [] { EXPECT_EQ(Open("bitmap.bdf", 11).GetOneLineHeight(), 1); };
+  EXPECT_EQ(LoggedAt(3, unsized),
+            "<ZIRK.error>: NewFace: cannot set desired pixel height 11 error 23 filename " +
+                FontFile("bitmap.bdf") + " FT_Error (0x21) : invalid library handle\n");
+  // The largest size makes glyphs that FreeType refuses; the other ones that no atlas holds.
+  for (const int size : {-1, 10000}) {
+    const VuFontAtlas font = Open("sans.ttf", size);
+    font.GetAtlas(graphics.get());
+    const auto render = [&] { EXPECT_FALSE(font.GetGlyph('A', true)->inAtlas); };
+    EXPECT_THAT(LoggedAt(4, render),
+                testing::HasSubstr(size < 0 ? "LoadGlyph: failed to load glyph from face ZIRK Test "
+                                              "Sans Regular glyph 34 FT_Error (0x"
+                                            : ".  No room to fit glyph 34 after resize\n"));
+  }
+}
+
+TEST_F(FontAtlas, GlyphsAsFreeTypeRendersThem) {
+  const std::tuple<const char*, int, bool, Type, float> cases[] = {
+      {"sans.ttf", 16, false, Type::None, 0},     {"sans.ttf", 16, false, Type::None, 2},
+      {"sans.ttf", 300, true, Type::None, 0},     {"sansbold.ttf", 48, true, Type::None, 0},
+      {"sans.ttf", 24, false, Type::Stroked, 2},  {"sans.ttf", 24, false, Type::Outer, 1.3f},
+      {"sans.ttf", 24, false, Type::Inner, 0.5f}, {"sans.ttf", 48, true, Type::Outer, 2},
+      {"sans.ttf", 24, false, Type{7}, 2},        {"bitmap.bdf", 10, false, Type::None, 0},
+  };
+  for (const auto& [file, size, bold, type, thickness] : cases) {
+    SCOPED_TRACE(testing::Message() << file << size << bold << int(type));
+    const FreeType reference(file, size);
+    VuFontAtlas font = Open(file, size, bold);
+    font.SetOutlineType(type);
+    font.SetOutlineThickness(thickness);
+    const bool emboldened = bold && !(reference.face->style_flags & FT_STYLE_FLAG_BOLD);
+    const std::vector<unsigned> codes = {'A', 'B', 0xE9, ' '};
+    const auto expected = [&](unsigned code, bool drawn) {
+      const unsigned index = FT_Get_Char_Index(reference.face, code);
+      return reference.Render(index, type, int(thickness * 64), drawn && emboldened);
+    };
+    int tallest = 0;
+    for (const unsigned code : codes) {
+      const Glyph* const g = font.GetGlyph(code, false);
+      Picture measured = expected(code, false);
+      tallest = std::max(tallest, g->height);
+      std::get<5>(measured).clear();
+      EXPECT_EQ(Picture(g->left, g->top, g->advance, g->width, g->height, {}), measured);
+      EXPECT_FALSE(g->inAtlas);
+    }
+    const auto atlas = font.GetAtlas(graphics.get());
+    EXPECT_EQ(Surface(*atlas).name, FontFile(file) + ' ' + std::to_string(font.GetOneLineHeight()));
+    EXPECT_EQ(graphics.heights[0], tallest + 2);
+    graphics.heights.clear();
+    for (const unsigned code : codes)
+      EXPECT_EQ(Placed(*font.GetGlyph(code, false), *atlas), expected(code, true)) << code;
+  }
+}
+
+TEST_F(FontAtlas, WhatStandsInForMissingGlyphs) {
+  constexpr unsigned kHan = 0x65E5, kMissing = 0x1F600, kOmega = 0x3A9, kOhm = 0x2126;
+  const std::string cjkFile = FontFile("cjk.ttf");
+  const unsigned han = FT_Get_Char_Index(cjk.GetFontFace(), kHan);
+  VuFontAtlas font = Open("sans.ttf", 20);
+  const unsigned mark = FT_Get_Char_Index(font.GetFontFace(), '?');
+  EXPECT_EQ(Add(font, kHan)->index, 0u);
+  font.SetFallbackGlyph('?');
+  EXPECT_EQ(Add(font, kHan)->index, 0u) << "known already";
+  EXPECT_EQ(Add(font, kMissing)->charcode, kMissing);
+  EXPECT_EQ(Add(font, kMissing)->index, mark);
+  EXPECT_EQ(Add(font, '?'), Add(font, kMissing));
+  EXPECT_EQ(Add(font, kOhm), Add(font, kOmega));
+
+  const std::vector<unsigned char> bytes = support::FontBytes("cjk.ttf");
+  const VuFontAtlas fromMemory(bytes.data(), unsigned(bytes.size()), 0, 30, false, false);
+  doubles::FakeObject<VuFontImpl> foreign;
+  const char* const nothing =
+      "<ZIRK.error>: NewFace: error 1 creating FT font from file  FT_Error (0x01) : cannot open "
+      "resource\n";
+  const std::pair<const VuFontImpl*, const char*> without[] = {
+      {nullptr, ""}, {foreign.get(), ""}, {&fromMemory, nothing}};
+  for (const auto& [none, logged] : without) {
+    font.SetFallbackFont(std::make_unique<VuFontAtlas>(cjkFile.c_str(), 0, 30, true, false).get());
+    const auto atlas = font.GetAtlas(graphics.get());
+    const Glyph* const glyph = font.GetGlyph(kHan, true);
+    EXPECT_EQ(glyph->index, han);
+    EXPECT_EQ(std::get<5>(Placed(*glyph, *atlas)),
+              std::get<5>(FreeType("cjk.ttf", 30).Render(han)));
+    EXPECT_EQ(glyph->top, font.GetAscent() - glyph->face->glyph->bitmap_top);
+    EXPECT_EQ(font.GetOneLineWidth("\u65E5"), 30);
+    EXPECT_EQ(LoggedAt(6, [&, n = none] { font.SetFallbackFont(n); }), logged);
+    EXPECT_EQ(Add(font, kHan)->index, mark);
+    EXPECT_EQ(font.GetOneLineWidth("\u65E5"), font.GetOneLineWidth("?"));
+    EXPECT_NE(font.GetAtlas(graphics.get()), atlas);
+  }
+}
+
+TEST_F(FontAtlas, GlyphsStayWhereTheyAre) {
+  VuFontAtlas font = Open("sans.ttf", 16);
+  std::set<const Glyph*> found;
+  for (const Type type : {Type::None, Type::Stroked, Type::Outer, Type::Inner})
+    for (const float thickness : {1.0f, 2.0f, 3.0f}) {
+      font.SetOutlineType(type);
+      font.SetOutlineThickness(thickness);
+      found.insert(Add(font, 'A'));
+    }
+  EXPECT_EQ(found.size(), 10u) << "without an outline its thickness is nothing";
+  font.SetOutlineType(Type::None);
+  const Glyph* const a = Add(font, 'A');
+  EXPECT_EQ(found.count(a), 1u);
+  for (unsigned code = ' '; code < 0x460; ++code) Add(font, code);
+  EXPECT_EQ(Add(font, 'A'), a);
+  EXPECT_EQ(a->advance, 11);
+}
+
+TEST_F(FontAtlas, WhatIsLookedUpIsLogged) {
+  VuFontAtlas font = Open("sans.ttf", 16);
+  const auto lookUp = [&] { Add(font, 0x4E41); };
+  font.SetFallbackGlyph('?');
+  EXPECT_EQ(LoggedAt(7, lookUp),
+            "<ZIRK.debug>: AddGlyph: replace with fallback code 0x3f index 32\n"
+            "<ZIRK.debug>: LoadGlyph: font " +
+                FontFile("sans.ttf") +
+                " 20 load glyph 32\n"
+                "<ZIRK.debug>: LoadGlyph: 'A' charcode 0x4e41 index 32 width 7 advance 9 left 1 "
+                "height 12 top 3\n"
+                "<ZIRK.debug>: AddGlyph: inserting glyph 32 outline type 0 outline thickness 0\n"
+                "<ZIRK.debug>: AddGlyph: inserting charcode 20033 index 32\n"
+                "<ZIRK.info>: AddGlyph: total chars 1 glyphs 1\n");
+  EXPECT_EQ(LoggedAt(7, lookUp), "");
+  EXPECT_EQ(font.GetOneLineWidth("\u4E41"), 9);
+  // What is known of the code point is not what is loaded for the new outline.
+  font.SetOutlineType(Type::Outer);
+  font.SetOutlineThickness(2);
+  font.SetFallbackGlyph('!');
+  const auto face = static_cast<int>(reinterpret_cast<intptr_t>(font.GetFontFace()));
+  EXPECT_EQ(LoggedAt(6, lookUp),
+            "<ZIRK.info>: AddGlyph: total chars 1 glyphs 2\n<ZIRK.info>: GetGlyph: glyph " +
+                std::to_string(face) + " outline type 32 outline thickness 2 not found\n");
+  EXPECT_EQ(font.GetOneLineWidth("\u4E41"), 0);
+  const auto measure = [&] { EXPECT_EQ(font.GetOneLineWidth("\x80\xFF"), 0); };
+  EXPECT_EQ(LoggedAt(6, measure),
+            "<ZIRK.info>: invalid header byte: 0x80\n<ZIRK.info>: GetOneLineWidth: encountered "
+            "invalid UTF-8 encoding at 0x80 in the string '\x80\xFF'\n"
+            "<ZIRK.info>: invalid header byte: 0xff\n<ZIRK.info>: GetOneLineWidth: encountered "
+            "invalid UTF-8 encoding at 0xff in the string '\x80\xFF'\n");
+}
+
+/// The width of a line, glyph by glyph.
+int WidthOf(const VuFontAtlas& font, const std::string& text) {
+  int width = 0;
+  const Glyph* previous = nullptr;
+  for (size_t at = 0; at < text.size();) {
+    int n = 0;
+    const unsigned code = GetUtf8Char(&text[at], &n);
+    at += size_t(std::max(n, 1));
+    const Glyph* const glyph = n > 0 ? font.GetGlyph(code, false) : nullptr;
+    if (!glyph) continue;
+    if (previous) width += int(font.GetKerning(*previous, *glyph).x >> 6);
+    width += glyph->advance;
+    previous = glyph;
+  }
+  return width;
+}
+
+TEST_F(FontAtlas, WidthsWithKerning) {
+  VuFontAtlas font = Open("sans.ttf", 48);
+  const auto width = [&](const std::string& text) { return font.GetOneLineWidth(text.c_str()); };
+  FT_Vector kern;
+  FT_Get_Kerning(font.GetFontFace(), Add(font, 'A')->index, Add(font, 'V')->index, 0, &kern);
+  EXPECT_LT(kern.x, 0);
+  EXPECT_EQ(font.GetKerning(*Add(font, 'A'), *Add(Open("sans.ttf", 48), 'V')).x, 0);
+  EXPECT_EQ(width("AV"), width("A") + width("V") + int(std::floor(double(kern.x) / 64)));
+  EXPECT_EQ(width("") + font.GetOneLineWidth(nullptr), 0);
+  const int many = 1 << 20;
+  EXPECT_EQ(width(std::string(many, 'n')), width("n") * many);
+
+  font.SetFallbackFont(&cjk);
+  std::vector<std::string> parts = {"\u65E5", "\u042F", "\U0001F600", "\xC3", "\xE2\x82"};
+  for (const char byte : {'A', 'V', 'T', 'o', '.', '\x80', '\xFF'}) parts.emplace_back(1, byte);
+  std::mt19937 random(1);
+  for (int round = 0; round < 2000; ++round) {
+    font.SetOutlineType(Type(round % 4));
+    font.SetOutlineThickness(float(round % 600) / 64);
+    std::string text;
+    for (int part = 0; part < 12; ++part) text += parts[random() % parts.size()];
+    const int expected = WidthOf(font, text);
+    ASSERT_EQ(width(text), expected) << testing::PrintToString(text);
+    TextCursor cursor(text.c_str());
+    while (font.NextGlyph(cursor, false)) continue;
+    ASSERT_EQ(cursor.width, expected) << testing::PrintToString(text);
+  }
+}
+
+TEST_F(FontAtlas, MeasuringWhatIsKnownWaitsForNobody) {
+  VuFontAtlas font = Open("sans.ttf", 16);
+  for (const Type type : {Type::None, Type::Outer}) {
+    font.SetFallbackFont(nullptr);
+    font.SetOutlineType(type);
+    font.GetOneLineWidth("AVA");
+    std::future<int> width;
+    // While the font loads its glyphs.
+    graphics.onCreate = [&] {
+      width = std::async(std::launch::async, [&] { return font.GetOneLineWidth("AVA"); });
+      EXPECT_EQ(width.wait_for(std::chrono::seconds(10)), std::future_status::ready);
+    };
+    font.GetAtlas(graphics.get());
+  }
+}
+
+TEST_F(FontAtlas, TheAtlasGrowsUntilItIsFull) {
+  const FreeType reference("symbols.ttf", 48);
+  for (const int type : {5, 0}) {
+    graphics.type = type;
+    graphics.heights.clear();
+    const VuFontAtlas font = Open("symbols.ttf", 48);
+    const auto atlas = font.GetAtlas(graphics.get());
+    EXPECT_EQ(font.GetAtlas(nullptr), atlas);
+    EXPECT_EQ(graphics.format, VuPixelFormat::A8);
+    std::vector<const Glyph*> glyphs;
+    const std::string full = LoggedAt(4, [&] {
+      for (unsigned code = 0xE000; code < 0xE000 + 2704; ++code) {
+        const Glyph* const g = font.GetGlyph(code, true);
+        glyphs.push_back(g);
+        const auto x = float(g->x), y = float(g->y), height = float(atlas->GetHeight());
+        if (!g->inAtlas) continue;
+        EXPECT_THAT((std::array{g->u0, g->v0}), testing::ElementsAre(x / 2048, 1 - y / height));
+        EXPECT_EQ(g->u1, (x + float(g->width)) / 2048);
+        EXPECT_EQ(g->v1, 1 - (y + float(g->height)) / height);
+      }
+    });
+    size_t there = 0;
+    for (const Glyph* const g : glyphs) {
+      if (!g->inAtlas) continue;
+      ASSERT_EQ(Placed(*g, *atlas), reference.Render(g->index)) << g->charcode;
+      ++there;
+    }
+    // 40 go into a row of 50 pixels. Those that begin anew with each row never fill the atlas.
+    for (size_t i = 0; i < 10; ++i) EXPECT_EQ(graphics.heights[i], 2 + 50 * int(i));
+    EXPECT_EQ(atlas->GetHeight(), type == 5 ? 2048 : 602);
+    EXPECT_GE(there, type == 5 ? 1560u : 40u);
+    EXPECT_EQ(full.find("LoadGlyph: GetRegion(50x50) returned 0x0.  No room to fit glyph 2700 "
+                        "after resize\n") != std::string::npos,
+              type == 5);
+  }
+}
+
+TEST_F(FontAtlas, WithoutMemoryForTheAtlas) {
+  const VuFontAtlas font = Open("sans.ttf", 24);
+  const auto atlas = font.GetAtlas(graphics.get());
+  EXPECT_EQ(LoggedAt(6, [&] { font.GetGlyph('A', true); }),
+            "<ZIRK.info>: LoadGlyph: GetRegion(19x20) for glyph 34 returned 0x0\n"
+            "<ZIRK.info>: AddGlyph: total chars 1 glyphs 1\n");
+  // Where it cannot grow, it begins anew.
+  graphics.highest = 60;
+  unsigned code = 'A';
+  while (Add(font, 'A')->inAtlas) ASSERT_TRUE(font.GetGlyph(++code, true)->inAtlas);
+  EXPECT_GT(code, unsigned('Z'));
+  const FreeType reference("sans.ttf", 24);
+  for (const unsigned c : {code, unsigned('A')}) {
+    const Glyph* const g = font.GetGlyph(c, true);
+    EXPECT_EQ(Placed(*g, *atlas), reference.Render(g->index));
+  }
+
+  const VuFontAtlas none = Open("sans.ttf", 24);
+  graphics.highest = 0;
+  EXPECT_EQ(none.GetAtlas(graphics.get())->GetHeight(), 0);
+  EXPECT_THAT(LoggedAt(6, [&] { EXPECT_FALSE(none.GetGlyph('A', true)->inAtlas); }),
+              testing::StartsWith("<ZIRK.info>: LoadGlyph: texture atlas allocation failure\n"));
+}
+
+TEST_F(FontAtlas, ThreadsShareAFont) {
+  VuFontAtlas font = Open("sans.ttf", 16);
+  font.SetOutlineType(Type::Outer);
+  const auto atlas = font.GetAtlas(graphics.get());
+  std::vector<std::future<int>> sums;
+  for (int thread = 0; thread < 8; ++thread)
+    sums.push_back(std::async(std::launch::async, [&font, thread] {
+      int sum = 0;
+      for (unsigned code = ' '; code < 0x460; ++code) {
+        font.GetGlyph(code, thread % 2);
+        const std::string text{'A', char('A' + code % 60), 'V'};
+        sum += font.GetOneLineWidth(text.c_str());
+      }
+      return sum;
+    }));
+  const int first = sums[0].get();
+  for (size_t thread = 1; thread < sums.size(); ++thread) EXPECT_EQ(sums[thread].get(), first);
+  const Glyph* const a = font.GetGlyph('A', true);
+  EXPECT_EQ(Placed(*a, *atlas), FreeType("sans.ttf", 16).Render(a->index, Type::Outer));
+}
+
+}  // namespace
+}  // namespace ZIRK

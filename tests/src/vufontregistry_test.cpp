@@ -1,0 +1,152 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <zirk/zirk.h>
+
+#include <fstream>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <tuple>
+
+#include "support/fonts.h"
+#include "support/logged.h"
+
+namespace ZIRK {
+namespace {
+
+using support::FontFile;
+using support::LoggedAt;
+
+const std::string kRegular = FontFile("sans.ttf"), kBold = FontFile("sansbold.ttf"),
+                  kOblique = FontFile("sansoblique.ttf");
+constexpr char kSans[] = "ZIRK Test Sans";
+
+/// What the factory was last asked for: file, face and size.
+std::string opened;
+VuFont* Note(const char* path, int faceIndex, int pixelSize) {
+  opened = path + (' ' + std::to_string(faceIndex) + ' ' + std::to_string(pixelSize));
+  return nullptr;
+}
+
+/// The file that a request is given; empty for none.
+std::string Found(VuFontRegistry& registry, const char* family, bool bold, bool italic) {
+  opened.clear();
+  EXPECT_EQ(registry.GetFont(family, 7, bold, italic), nullptr);
+  return opened.substr(0, opened.find(" 0 7"));
+}
+
+TEST(FontRegistry, TheBestFaceOfTheFamily) {
+  const std::string collection = FontFile("collection.ttc"), again = FontFile("./sansbold.ttf");
+  const std::tuple<std::vector<std::string>, const char*, bool, bool, std::string> cases[] = {
+      {{kRegular, kBold, kOblique}, kSans, false, false, kRegular},
+      {{kRegular, kBold, kOblique}, kSans, true, false, kBold},
+      {{kRegular, kBold, kOblique}, kSans, false, true, kOblique},
+      {{kOblique, kRegular}, kSans, true, false, kRegular},
+      {{kRegular, kOblique}, kSans, true, true, kOblique},
+      // One agreement is as good as the other, so that the first wins.
+      {{kRegular, kOblique, kBold}, kSans, true, true, kOblique},
+      {{kRegular, kBold, kOblique}, kSans, true, true, kBold},
+      {{kBold}, kSans, false, true, kBold},
+      {{again, kBold}, kSans, true, false, again},
+      {{kRegular}, "zirk test sans", true, false, ""},
+      {{kRegular}, "ZIRK Test", true, false, ""},
+      {{kRegular}, "", true, false, ""},
+      {{kBold}, "ZIRK Test Superfamily", true, false, ""},
+      // The first face of a collection stands for all.
+      {{kRegular, collection}, "ZIRK Test One", false, false, collection},
+      {{kRegular, collection}, "ZIRK Test Two", false, false, ""},
+  };
+  for (const auto& [files, family, bold, italic, expected] : cases) {
+    const std::unique_ptr<VuFontRegistry> registry(VuFontRegistry::Create(&Note));
+    for (const std::string& file : files) EXPECT_TRUE(registry->Register(file.c_str()));
+    EXPECT_EQ(Found(*registry, family, bold, italic), expected) << family << bold << italic;
+  }
+}
+
+TEST(FontRegistry, UnregisteredByTheVeryPath) {
+  VuFontRegistry registry(&Note);
+  for (const std::string& file : {kBold, kRegular, kBold}) registry.Register(file.c_str());
+  const std::string longer = kBold + "2";
+  for (const char* const other : {"none", longer.c_str(), static_cast<const char*>(nullptr)})
+    EXPECT_EQ(LoggedAt(7, [&] { registry.Unregister(other); }), "");
+  EXPECT_EQ(Found(registry, kSans, true, false), kBold);
+  registry.Unregister(kBold.c_str());
+  EXPECT_EQ(Found(registry, kSans, true, false), kRegular);
+}
+
+TEST(FontRegistry, WithoutAFactory) {
+  std::unique_ptr<VuFont> font;
+  {
+    const std::unique_ptr<VuFontRegistry> registry(VuFontRegistry::Create());
+    registry->Register(kRegular.c_str());
+    std::string asked;
+    VuFont::SetFontOverride([&](const char* path, int, int size, bool bold, bool italic) {
+      asked = path + (' ' + std::to_string(size)) + (bold ? " bold" : "") + (italic ? " it" : "");
+      return nullptr;
+    });
+    EXPECT_EQ(registry->GetFont(kSans, 9, true, true), nullptr);
+    EXPECT_EQ(asked, kRegular + " 9 bold it");
+    VuFont::SetFontOverride(nullptr);
+    font.reset(registry->GetFont(kSans, 48, false, false));
+  }
+  EXPECT_EQ(font->GetOneLineHeight(), 58);
+}
+
+TEST(FontRegistry, Log) {
+  VuFontRegistry registry(&Note);
+  EXPECT_EQ(LoggedAt(7, [&] { EXPECT_TRUE(registry.Register(kBold.c_str())); }),
+            "<ZIRK.info>: FTFontRegistry: inspecting file: " + kBold +
+                "\n<ZIRK.info>: face: (0,ZIRK Test Sans,Bold,italic:0,bold:1)\n"
+                "<ZIRK.info>: asc:1901, desc:-483, height:2384, bbox(-891,2241,-489,1914)\n"
+                "<ZIRK.info>: done inspecting file: " +
+                kBold + "\n<ZIRK.info>: FTFontRegistry: Added font " + kBold + "\n");
+  for (const auto& [path, error] : {std::pair(FontFile("README.md"), "2"), {"none", "1"}})
+    EXPECT_EQ(LoggedAt(4, [&, p = path] { EXPECT_FALSE(registry.Register(p.c_str())); }),
+              "<ZIRK.error>: FTFontRegistry: error #" + std::string(error) +
+                  " opening font\n<ZIRK.error>: FTFontRegistry: Corrupt or invalid font file: " +
+                  path + "\n");
+  const std::string match = "<ZIRK.info>: FTFontRegistry: found best match ";
+  EXPECT_EQ(LoggedAt(6, [&] { registry.GetFont("sans", 9, true, false); }),
+            match +
+                "(-1,,,italic:0,bold:0)\n"
+                "<ZIRK.error>: FTFontRegistry: Cannot find font family <sans> bold 1 italic 0\n");
+  EXPECT_EQ(LoggedAt(7, [&] { registry.GetFont(kSans, 9, false, true); }),
+            match + "(0,ZIRK Test Sans,Bold,italic:0,bold:1)\n");
+}
+
+TEST(FontRegistry, AFontWithoutNamesIsOfTheEmptyFamily) {
+  const std::vector<unsigned char> font = support::FontBytes("bitmap.bdf");
+  std::string text(font.begin(), font.end());
+  const size_t name = text.find("FAMILY_NAME");
+  text.replace(name, text.find('\n', name) - name, "COMMENT none");
+  const std::string path = testing::TempDir() + "/zirk_nameless.bdf";
+  std::ofstream(path) << text;
+  VuFontRegistry registry(&Note);
+  EXPECT_TRUE(registry.Register(path.c_str()));
+  EXPECT_EQ(Found(registry, "", false, false), path);
+}
+
+TEST(FontRegistry, NullNamesAreThrownBackWithoutTheLock) {
+  VuFontRegistry registry(&Note);
+  EXPECT_THROW(registry.Register(nullptr), std::logic_error);
+  EXPECT_THROW(registry.GetFont(nullptr, 1, false, false), std::logic_error);
+  EXPECT_TRUE(registry.Register(kRegular.c_str()));
+}
+
+TEST(FontRegistry, FontsComeAndGoWhileTheyAreAskedFor) {
+  const support::Tunables restored;
+  LogLevel = 2;
+  VuFontRegistry registry(&Note);
+  std::thread other([&] {
+    for (int round = 0; round < 200; ++round) registry.GetFont(kSans, 9, false, false);
+  });
+  for (int round = 0; round < 50; ++round) {
+    registry.Register(kRegular.c_str());
+    registry.Unregister(kRegular.c_str());
+  }
+  other.join();
+}
+
+}  // namespace
+}  // namespace ZIRK

@@ -1,0 +1,81 @@
+#include <gtest/gtest.h>
+#include <zirk/backend.h>
+
+#include "doubles/fakeobject.h"
+#include "support/logged.h"
+
+namespace ZIRK {
+namespace {
+
+using namespace doubles;
+using support::LoggedAt;
+
+const std::string kFailed = ": bitmap allocation failed\n";
+const BinSize old{100, 50}, grown{2048, 2048};
+
+/// Atlases of 100 x 50. A call that no test expects crashes.
+struct TextureAtlas : testing::Test {
+  static VuBitmapImpl* Create(void*, int width, int height, VuPixelFormat format) {
+    return Entry<void>(nullptr, width, height, format), next;
+  }
+  VuTextureAtlasImpl Make(VuBitmapImpl* bitmap) {
+    next = bitmap;
+    graphics.Set(5, &Create);
+    return VuTextureAtlasImpl(graphics.get(), 100, 50, VuPixelFormat::A8);
+  }
+  static inline VuBitmapImpl* next;
+  FakeObject<VuBitmapImpl> first, second;
+  FakeObject<VuGraphicsImpl> graphics;
+};
+
+TEST_F(TextureAtlas, SharesOutItsBitmap) {
+  VuTextureAtlasImpl atlas = Make(first.get());
+  atlas.GetRegion(100, 50);
+  EXPECT_ENTRY(atlas.SetRegion(1, 2, 3, 4, this, 5), first, 37, VuRect{1, 2, 3, 4}, this, 5u);
+  first.entries[36] = nullptr;
+  const auto use = [&] {
+    atlas.SetRegion(1, 2, 3, 4, nullptr, 5), atlas.Reset(), atlas.GetRegion(1, 2);
+  };
+  EXPECT_EQ(LoggedAt(7, use),
+            "<ZIRK.debug>: SetRegion:  1,2 3x4\n"
+            "<ZIRK.debug>: GetRegion:  1x2\n<ZIRK.debug>: Insert: 0,0 1x2\n");
+}
+
+TEST_F(TextureAtlas, GrowsToANewBitmapOrNotAtAll) {
+  VuTextureAtlasImpl atlas = Make(first.get());
+  EXPECT_EQ(Bytes(atlas.GetRegion(100, 50)), Bytes(BinRect{0, 0, 100, 50}));
+  next = nullptr;
+  for (const BinSize s : {BinSize{2049, 10}, {10, 2049}, {100, 60}}) {
+    const auto tooMuch = [&] { EXPECT_EQ(Bytes(atlas.Resize(s.width, s.height)), Bytes(old)); };
+    EXPECT_EQ(LoggedAt(4, tooMuch), s.width == 100 ? "<ZIRK.warning>: Resize" + kFailed : "");
+  }
+  EXPECT_EQ(Bytes(atlas.GetRegion(1, 1)), Bytes(BinRect{}));
+  const auto note = +[](void*, const char* name) { received += name; };
+  for (auto* surface : {&first, &second}) surface->Set(4, note);
+  atlas.SetName("font");
+  first.entries[3] = nullptr;
+  first.Set(9, &Entry<VuRect>);
+  second.Set(38, &Entry<bool, VuPoint, void*, VuRect>);
+  received.clear();
+  next = second.get();
+  EXPECT_EQ(Bytes(atlas.Resize(2048, 2048)), Bytes(grown));
+  EXPECT_EQ(received, "called " + Bytes(grown) + Bytes(VuPixelFormat::A8) + "font" + "called " +
+                          "called " + Bytes(VuPoint{}) + Bytes(first.get()) +
+                          Bytes(Answer<VuRect>()));
+  EXPECT_EQ(first.deleted, 1);
+  EXPECT_EQ(Bytes(atlas.GetRegion(100, 1998)), Bytes(BinRect{0, 50, 100, 1998}));
+}
+
+TEST_F(TextureAtlas, HasNoRegionsWithoutABitmap) {
+  const auto use = [&] {
+    VuTextureAtlasImpl atlas = Make(nullptr);
+    next = first.get();
+    atlas.SetName(nullptr);
+    atlas.SetRegion(1, 2, 3, 4, this, 5);
+    EXPECT_EQ(atlas.Resize(10, 10).width + atlas.GetHeight() + atlas.GetRegion(-1, -1).height, 0);
+  };
+  EXPECT_EQ(LoggedAt(4, use), "<ZIRK.warning>: VuTextureAtlasImpl" + kFailed);
+}
+
+}  // namespace
+}  // namespace ZIRK
