@@ -11,6 +11,8 @@
 
 namespace ZIRK::backends {
 
+FbGraphics::FbGraphics() : atlases_(std::make_shared<AtlasGraphics>(Ledger(), kType)) {}
+
 ImageSize FbGraphics::ScreenSize(int index) const {
   const auto size = FramebufferDevice::SizeOf(FramebufferDevice::PathOf(index));
   // A device that is not there is reported when the screen is made.
@@ -24,18 +26,18 @@ std::unique_ptr<VuScreenImpl> FbGraphics::MakeScreen(Entry entry,
       FramebufferDevice::PathOf(description.index),
       {description.width, description.height, description.buffers > 1}, error);
   if (!device) ZIRK_LOG_WARNING("%s: the screen stays in memory", error.c_str());
-  return std::make_unique<FbScreen>(std::move(entry), description, std::move(device));
+  return std::make_unique<FbScreen>(std::move(entry), description, std::move(device), atlases_);
 }
 
 std::unique_ptr<VuBitmapImpl> FbGraphics::MakeBitmap(Entry entry, int width, int height,
                                                      VuPixelFormat format) {
-  return std::make_unique<SoftwareBitmap>(std::move(entry), width, height, format);
+  return std::make_unique<SoftwareBitmap>(std::move(entry), width, height, format, atlases_);
 }
 
 std::unique_ptr<VuBitmapImpl> FbGraphics::MakePicture(Entry entry, int width, int height,
                                                       Image& image, VuScaleMode scaleMode) {
-  auto bitmap =
-      std::make_unique<SoftwareBitmap>(std::move(entry), width, height, VuPixelFormat::ARGB8888);
+  auto bitmap = std::make_unique<SoftwareBitmap>(std::move(entry), width, height,
+                                                 VuPixelFormat::ARGB8888, atlases_);
   PixelBuffer& pixels = bitmap->Pixels();
   const PixelRows rows = {pixels.Row32(0), pixels.Pitch(), width, height};
   if (!image.Decode(rows, scaleMode)) return nullptr;

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <memory>
+
 #include "images/graphicsbase.h"
+#include "software/atlasgraphics.h"
 
 namespace ZIRK::backends {
 
@@ -8,10 +11,10 @@ namespace ZIRK::backends {
 /// the kernel's framebuffer device.
 class FbGraphics final : public GraphicsBase {
  public:
-  using GraphicsBase::GraphicsBase;
+  FbGraphics();
 
   void Flush() override {}
-  int GetGraphicsType() const override { return 5; }
+  int GetGraphicsType() const override { return kType; }
 
  protected:
   ImageSize ScreenSize(int index) const override;
@@ -21,6 +24,11 @@ class FbGraphics final : public GraphicsBase {
                                            VuPixelFormat format) override;
   std::unique_ptr<VuBitmapImpl> MakePicture(Entry entry, int width, int height, Image& image,
                                             VuScaleMode scaleMode) override;
+
+ private:
+  static constexpr int kType = 5;
+
+  const std::shared_ptr<AtlasGraphics> atlases_;
 };
 
 }  // namespace ZIRK::backends

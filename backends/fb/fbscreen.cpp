@@ -8,8 +8,10 @@ namespace ZIRK::backends {
 
 FbScreen::FbScreen(std::unique_ptr<SurfaceLedger::Entry> entry,
                    const VuScreenDescription& description,
-                   std::unique_ptr<FramebufferDevice> device)
-    : SoftwareSurface(std::move(entry), description.width, description.height, description.format),
+                   std::unique_ptr<FramebufferDevice> device,
+                   std::shared_ptr<AtlasGraphics> atlases)
+    : SoftwareSurface(std::move(entry), description.width, description.height, description.format,
+                      std::move(atlases)),
       singleBuffered_(description.buffers < 2),
       device_(std::move(device)) {}
 

@@ -4,6 +4,7 @@
 #include <zirk/impl/vuscreenimpl.h>
 
 #include <new>
+#include <utility>
 
 #include "common/surfaceformat.h"
 
@@ -27,6 +28,8 @@ auto ReleaseOrNull(int width, int height, Make make) -> decltype(make().release(
 }  // namespace
 
 GraphicsBase::GraphicsBase(uint64_t memoryLimit) : ledger_(SurfaceLedger::Create(memoryLimit)) {}
+
+GraphicsBase::GraphicsBase(std::shared_ptr<SurfaceLedger> ledger) : ledger_(std::move(ledger)) {}
 
 VuScreenImpl* GraphicsBase::CreateScreen(bool flag) {
   return CreateScreen(VuScreenDescription{0, 0, 0, 2, VuPixelFormat::ARGB8888, flag});

@@ -15,6 +15,8 @@ class GraphicsBase : public VuGraphicsImpl {
  public:
   /// `memoryLimit` is what all surfaces together may take, in bytes.
   explicit GraphicsBase(uint64_t memoryLimit = SurfaceLedger::QuarterOfMachineMemory());
+  /// One whose surfaces are in the same books as another's.
+  explicit GraphicsBase(std::shared_ptr<SurfaceLedger> ledger);
 
   /// The device's own size in ARGB8888, double-buffered. `flag` becomes the `option`.
   VuScreenImpl* CreateScreen(bool flag) final;
@@ -40,6 +42,8 @@ class GraphicsBase : public VuGraphicsImpl {
   int GetMaxTextureSize() const override;
 
  protected:
+  const std::shared_ptr<SurfaceLedger>& Ledger() const { return ledger_; }
+
   using Entry = std::unique_ptr<SurfaceLedger::Entry>;
 
   // What makes a surface takes its place in the ledger. It returns null after an error line, and
@@ -71,7 +75,7 @@ class GraphicsBase : public VuGraphicsImpl {
   VuBitmapImpl* CreatePicture(const ImageSource& source, const Fit& fit, VuScaleMode scaleMode);
   static unsigned PictureSize(const ImageSource& source, const Fit& fit);
 
-  std::shared_ptr<SurfaceLedger> ledger_;
+  const std::shared_ptr<SurfaceLedger> ledger_;
 };
 
 }  // namespace ZIRK::backends

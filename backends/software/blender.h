@@ -46,9 +46,20 @@ class Blender {
     kernels_.fill[Simplified(opaque)][false](span);
   }
 
-  /// The same by Pixman, which has fast paths for narrow formats and for the usual operators:
-  /// `source` pixels from (sourceX, sourceY) on, or `color` where there are none, through an A8
-  /// `mask` from (maskX, maskY) on where there is one. False if that cannot be said in its terms.
+  /// One colour through coverage, where IsDirect().
+  void CoverDirect(const Box& box, const uint8_t* coverage, ptrdiff_t pitch, uint32_t color) {
+    PixelSpan span{target_.Row32(box.y0) + box.x0, target_.Pitch32(), box.Width(), box.Height()};
+    span.color = color;
+    span.coverage = coverage;
+    span.coveragePitch = pitch;
+    span.opaque = target_.OpaqueBits();
+    kernels_.fill[operator_][true](span);
+  }
+
+  /// The same as Draw() by Pixman, which has fast paths for narrow formats and for the usual
+  /// operators: `source` pixels from (sourceX, sourceY) on, or `color` where there are none,
+  /// through an A8 `mask` from (maskX, maskY) on where there is one. False if that cannot be said
+  /// in its terms.
   struct PixmanSource {
     const PixelBuffer* source = nullptr;
     int sourceX = 0, sourceY = 0;

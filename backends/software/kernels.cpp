@@ -152,13 +152,29 @@ ZIRK_INLINE Pixels Gather(const uint32_t* p, Integers at) {
 #endif
 }
 
-ZIRK_INLINE Pixels Widen(Coverage c) {
+ZIRK_INLINE Pixels BothHalves(Pixels v) {
+  return v | (v << 16);
+}
+
+/// Each byte in both 16-bit halves of its pixel.
+ZIRK_INLINE Pixels Spread(Coverage c) {
 #if defined(__AVX512BW__)
-  return (Pixels)_mm512_cvtepu8_epi32((__m128i)c);
+  return BothHalves((Pixels)_mm512_cvtepu8_epi32((__m128i)c));
 #elif defined(__AVX2__)
-  return (Pixels)_mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(&c)));
+  return BothHalves(
+      (Pixels)_mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(&c))));
 #else
-  return __builtin_convertvector(c, Pixels);
+  using Words = uint16_t __attribute__((vector_size(16)));
+  using Half = uint8_t __attribute__((vector_size(16)));
+  Half b = {};
+  __builtin_memcpy(&b, &c, sizeof c);
+  const auto w = (Words)__builtin_shufflevector(b, Half{}, 0, 16, 1, 16, 2, 16, 3, 16, 4, 16, 5, 16,
+                                                6, 16, 7, 16);
+  const Words halves[] = {__builtin_shufflevector(w, w, 0, 0, 1, 1, 2, 2, 3, 3),
+                          __builtin_shufflevector(w, w, 4, 4, 5, 5, 6, 6, 7, 7)};
+  Pixels v;
+  __builtin_memcpy(&v, halves, sizeof v);
+  return v;
 #endif
 }
 
@@ -168,9 +184,8 @@ ZIRK_INLINE bool IsZero(Pixels v) {
 #elif defined(__AVX2__)
   return _mm256_testz_si256((__m256i)v, (__m256i)v);
 #else
-  uint32_t any = 0;
-  for (int i = 0; i < kLanes; ++i) any |= v[i];
-  return any == 0;
+  const Pairs p = (Pairs)v;
+  return (p[0] | p[1] | p[2] | p[3]) == 0;
 #endif
 }
 
@@ -201,10 +216,6 @@ ZIRK_INLINE Pixels Multiply(Pixels p, Pixels q) {
   return JoinPairs(MultiplyPairs(LowPair(p), LowPair(q)), MultiplyPairs(HighPair(p), HighPair(q)));
 }
 
-ZIRK_INLINE Pixels BothHalves(Pixels v) {
-  return v | (v << 16);
-}
-
 ZIRK_INLINE Pixels BlendOver(Pixels s, Pixels d) {
   return AddClamped(s, Scale(d, Alphas(s) ^ kLow));
 }
@@ -212,12 +223,66 @@ ZIRK_INLINE Pixels BlendOver(Pixels s, Pixels d) {
 ZIRK_INLINE Pixels LoadCoverage(const uint8_t* p, Whole) {
   Coverage c;
   __builtin_memcpy(&c, p, sizeof c);
-  return BothHalves(Widen(c));
+  return Spread(c);
 }
+#if defined(__AVX2__)
 ZIRK_INLINE Pixels LoadCoverage(const uint8_t* p, const Rest& rest) {
+#if defined(__AVX512BW__)
+  return Spread((Coverage)_mm_maskz_loadu_epi8(rest.lanes, p));
+#else
+  uint64_t bytes;
+  if (rest.count >= 4) {
+    // Two halves, which overlap in the middle.
+    uint32_t begin, end;
+    __builtin_memcpy(&begin, p, 4);
+    __builtin_memcpy(&end, p + rest.count - 4, 4);
+    bytes = uint64_t{end} << (rest.count - 4) * 8 | begin;
+  } else {
+    bytes = uint64_t{p[0]} | uint64_t{p[rest.count / 2]} << rest.count / 2 * 8 |
+            uint64_t{p[rest.count - 1]} << (rest.count - 1) * 8;
+  }
+  return Spread((Coverage)bytes);
+#endif
+}
+#else
+/// A number of pixels that is known beforehand, which makes them cheap to load and store.
+template <int kCount>
+struct Piece {};
+
+template <int kCount>
+ZIRK_INLINE Pixels Load(const uint32_t* p, Piece<kCount>) {
+  Pixels v = {};
+  __builtin_memcpy(&v, p, kCount * sizeof *p);
+  return v;
+}
+template <int kCount>
+ZIRK_INLINE void Store(uint32_t* p, const Pixels& v, Piece<kCount>) {
+  __builtin_memcpy(p, &v, kCount * sizeof *p);
+}
+template <int kCount>
+ZIRK_INLINE Pixels LoadCoverage(const uint8_t* p, Piece<kCount>) {
   Coverage c = {};
-  for (int i = 0; i < rest.count; ++i) c[i] = p[i];
-  return BothHalves(Widen(c));
+  __builtin_memcpy(&c, p, kCount);
+  return Spread(c);
+}
+#endif
+
+/// Calls `f` for the pixels of `rest`, of which there are some.
+template <typename F>
+ZIRK_INLINE void ForRest(int x, int y, const Rest& rest, F&& f) {
+#if defined(__AVX2__)
+  f(x, y, rest);
+#else
+  if (rest.count & 4) {
+    f(x, y, Piece<4>());
+    x += 4;
+  }
+  if (rest.count & 2) {
+    f(x, y, Piece<2>());
+    x += 2;
+  }
+  if (rest.count & 1) f(x, y, Piece<1>());
+#endif
 }
 
 /// Calls `f(x, y, pixels)` for all of the span, with whole vectors as far as they go.
@@ -234,18 +299,75 @@ ZIRK_INLINE void ForEach(const PixelSpan& s, bool aligned, F&& f) {
   const int tail = head + (s.width - head) / kLanes * kLanes;
   const Rest first(head), last(s.width - tail);
   for (int y = 0; y < s.height; ++y) {
-    if (head > 0) f(0, y, first);
+    if (head > 0) ForRest(0, y, first, f);
     for (int x = head; x < tail; x += kLanes) f(x, y, Whole());
-    if (tail < s.width) f(tail, y, last);
+    if (tail < s.width) ForRest(tail, y, last, f);
   }
+}
+
+#if defined(__AVX512BW__)
+/// The pixels of two rows, side by side in one vector, where each takes up half of it at most.
+struct TwoRows {
+  static constexpr int kWidth = kLanes / 2;
+
+  __mmask16 first;
+  __mmask16 second;
+  ptrdiff_t pitch;
+  ptrdiff_t coveragePitch;
+
+  ZIRK_INLINE explicit TwoRows(const PixelSpan& s)
+      : first(static_cast<__mmask16>((1u << s.width) - 1)),
+        second(static_cast<__mmask16>(first << kWidth)),
+        // What is left out of a vector is not read, nor written, wherever it is.
+        pitch(s.dstPitch - kWidth),
+        coveragePitch(s.coveragePitch - kWidth) {}
+};
+
+ZIRK_INLINE Pixels Load(const uint32_t* p, const TwoRows& rows) {
+  const __m512i v = _mm512_maskz_loadu_epi32(rows.first, p);
+  return (Pixels)_mm512_mask_loadu_epi32(v, rows.second, p + rows.pitch);
+}
+ZIRK_INLINE void Store(uint32_t* p, const Pixels& v, const TwoRows& rows) {
+  _mm512_mask_storeu_epi32(p, rows.first, (__m512i)v);
+  _mm512_mask_storeu_epi32(p + rows.pitch, rows.second, (__m512i)v);
+}
+ZIRK_INLINE Pixels LoadCoverage(const uint8_t* p, const TwoRows& rows) {
+  const __m128i v = _mm_maskz_loadu_epi8(rows.first, p);
+  return Spread((Coverage)_mm_mask_loadu_epi8(v, rows.second, p + rows.coveragePitch));
+}
+
+/// Narrow spans, such as glyphs.
+template <typename F>
+ZIRK_INLINE void ForEachTwoRows(const PixelSpan& s, F&& f) {
+  const TwoRows rows(s);
+  int y = 0;
+  for (; y + 1 < s.height; y += 2) f(0, y, rows);
+  if (y < s.height) f(0, y, Rest(s.width));
+}
+#endif
+
+/// Whether it is worth leaving the pixels out.
+ZIRK_INLINE bool IsAllZero(Pixels coverage, Whole) {
+  return IsZero(coverage);
+}
+template <typename Some>
+ZIRK_INLINE bool IsAllZero(Pixels, const Some&) {
+  return false;
+}
+
+/// Both channels of each pair: a * u + b * v, divided by 255.
+ZIRK_INLINE Pixels MixPairs(Pixels a, Pixels u, Pixels b, Pixels v) {
+  return (Pixels)DivideBy255((Channels)a * (Channels)u + (Channels)b * (Channels)v);
 }
 
 template <bool kOver, bool kCovered>
 void Fill(const PixelSpan& span) {
   const PixelSpan s = span;  // a copy, which no store can reach
   const Pixels color = Splat(kOver || kCovered ? s.color : s.color | s.opaque);
-  const Pixels inverse = Alphas(color) ^ kLow;
-  ForEach(s, !kOver && !kCovered, [&](int x, int y, auto pixels) ZIRK_INLINE_LAMBDA {
+  const Pixels alpha = Alphas(color), inverse = alpha ^ kLow;
+  const Pixels lowColor = LowPair(color), highColor = HighPair(color);
+  const bool isOpaque = s.color >> 24 == 255;
+  const auto draw = [&](int x, int y, auto pixels) ZIRK_INLINE_LAMBDA {
     uint32_t* const dst = s.dst + y * s.dstPitch + x;
     if constexpr (!kCovered) {
       Pixels shade = color;
@@ -253,14 +375,22 @@ void Fill(const PixelSpan& span) {
       return Store(dst, shade, pixels);
     }
     const Pixels coverage = LoadCoverage(s.coverage + y * s.coveragePitch + x, pixels);
-    if (kOver && IsZero(coverage)) return;
-    Pixels shade = Scale(color, coverage);
-    if constexpr (kOver)
-      shade = BlendOver(shade, Load(dst, pixels));
-    else
-      shade |= s.opaque;
-    Store(dst, shade, pixels);
-  });
+    if constexpr (kOver) {
+      if (IsAllZero(coverage, pixels)) return;
+      const Pixels d = Load(dst, pixels);
+      const Pixels rest = (isOpaque ? coverage : MultiplyPairs(alpha, coverage)) ^ kLow;
+      const Pixels low = MixPairs(lowColor, coverage, LowPair(d), rest);
+      const Pixels high = MixPairs(highColor, coverage, HighPair(d), rest);
+      Store(dst, JoinPairs(low, high), pixels);
+    } else {
+      Store(dst, Scale(color, coverage) | s.opaque, pixels);
+    }
+  };
+#if defined(__AVX512BW__)
+  if constexpr (kCovered)
+    if (s.width <= TwoRows::kWidth) return ForEachTwoRows(s, draw);
+#endif
+  ForEach(s, !kOver && !kCovered, draw);
 }
 
 /// Copies rows, 64 bytes at a time to boundaries of 16: measured to be faster than memcpy(), than

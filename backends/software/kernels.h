@@ -6,7 +6,8 @@
 /// The inner loops on 32-bit premultiplied pixels (0xAARRGGBB), for whole rectangles at a time:
 /// small operations are the common ones, and each call costs more than a few pixels.
 ///
-/// Pitches count elements, not bytes. Products are rounded to nearest, sums are clamped.
+/// Pitches count elements, not bytes. Products are rounded to nearest, sums are clamped. A colour
+/// that is blended through coverage is rounded once, together with what it is blended with.
 
 namespace ZIRK::backends {
 

@@ -18,8 +18,7 @@ bool IsFinite(const Extent& r) {
 Painter::Painter(PixelBuffer& target, const SurfaceState& state)
     : target_(target), state_(state), blender_(target), revision_(state.revision - 1) {}
 
-void Painter::Refresh() {
-  if (revision_ == state_.revision) return;
+void Painter::TakeState() {
   revision_ = state_.revision;
   blender_.Update(state_);
   clip_ = Intersection(ToBox(state_.clip), target_.Bounds());
@@ -84,6 +83,12 @@ bool Painter::DrawUnscaled(const Extent& dst, const Operand& src, const Extent& 
   return true;
 }
 
+void Painter::DrawCoverageIndirect(const Box& box, const PixelBuffer& src, int moveX, int moveY,
+                                   uint32_t color) {
+  const Texture texture(src, moveX, moveY);
+  if (!PaintAligned(box, &texture, color, nullptr, false)) PaintRows(box, &texture, color, nullptr);
+}
+
 /// Whole pixels of one colour, or of an aligned texture.
 void Painter::PaintBox(const Box& whole, const Texture* texture, uint32_t color) {
   const Box box = Visible(whole);
@@ -101,7 +106,8 @@ void Painter::Paint(const Placement& placement, const Placement& whole, const Te
   const Box box = Visible(placement.box);
   if (box.IsEmpty()) return;
   const std::optional<Mask> mask =
-      maskArgument ? Mask::Create(maskArgument->mask, maskArgument->coords, whole, box)
+      maskArgument ? Mask::Create(maskArgument->mask, maskArgument->coords,
+                                  maskArgument->primitive ? *maskArgument->primitive : whole, box)
                    : std::nullopt;
   if (maskArgument && !mask) return;
   Touch(box);
@@ -130,6 +136,12 @@ bool Painter::PaintAligned(const Box& box, const Texture* texture, uint32_t colo
       source.maskY = mask->Source().AlignedY(box.y0);
     }
     return blender_.DrawByPixman(box, source, opaque);
+  }
+  // White of an alpha, times a colour, is that colour with that coverage.
+  if (texture && !mask && texture->Pixels().Format() == VuPixelFormat::A8) {
+    const uint8_t* const row = texture->Pixels().Row(texture->AlignedY(box.y0));
+    blender_.CoverDirect(box, row + texture->AlignedX(box.x0), texture->Pixels().Pitch(), color);
+    return true;
   }
   if (texture && !texture->Pixels().Is32Bit()) return false;
   PixelSpan span = {};

@@ -26,6 +26,7 @@ class Painter {
   struct MaskArgument {
     Operand mask;
     const VuTVector2D<float>* coords;
+    const Placement* primitive = nullptr;  ///< If more than what is drawn at a time.
   };
   using OptionalMask = std::optional<MaskArgument>;
 
@@ -40,11 +41,25 @@ class Painter {
   /// The part `srcRect` of `src` in the place of `dst`.
   void DrawObject(const Extent& dst, const Operand& src, const Extent& srcRect, Edges edges,
                   const MatrixF& m, VuColor color, const OptionalMask& mask);
+  /// The A8 `src` from (srcX, srcY) on, pixel for pixel in the place of `box`, which may lie
+  /// anywhere. `color` is premultiplied.
+  void DrawCoverage(const Box& box, const PixelBuffer& src, int srcX, int srcY, uint32_t color) {
+    Refresh();
+    const Box visible = Visible(box);
+    if (visible.IsEmpty()) return;
+    Touch(visible);
+    const int moveX = srcX - box.x0, moveY = srcY - box.y0;
+    if (!blender_.IsDirect()) return DrawCoverageIndirect(visible, src, moveX, moveY, color);
+    const uint8_t* const coverage = src.Row(visible.y0 + moveY) + visible.x0 + moveX;
+    blender_.CoverDirect(visible, coverage, src.Pitch(), color);
+  }
 
   /// The pixels that may have changed since the last call.
   Box TakeTouched() { return std::exchange(touched_, Box()); }
   /// Counts pixels that somebody else changed.
-  void Touch(const Box& box) { touched_ = Union(touched_, box); }
+  void Touch(const Box& box) {
+    if (!touched_.Contains(box)) touched_ = Union(touched_, box);
+  }
 
  private:
   struct Segment;
@@ -66,7 +81,12 @@ class Painter {
   void DrawSlantedLine(const Segment& line, uint32_t color);
   void DrawMaskedLine(const Segment& line, uint32_t color, const Operand& mask, Point first,
                       Point last);
-  void Refresh();
+  void Refresh() {
+    if (revision_ != state_.revision) TakeState();
+  }
+  void TakeState();
+  void DrawCoverageIndirect(const Box& box, const PixelBuffer& src, int moveX, int moveY,
+                            uint32_t color);
   Box Visible(const Box& box) const { return Intersection(box, clip_); }
 
   PixelBuffer& target_;

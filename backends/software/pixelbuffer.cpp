@@ -6,13 +6,23 @@
 
 namespace ZIRK::backends {
 
-PixelBuffer::PixelBuffer(int width, int height, VuPixelFormat format)
+namespace {
+
+void* Allocate(size_t rows, size_t pitch, PixelBuffer::Contents contents) {
+  if (contents == PixelBuffer::Contents::Clear) return std::calloc(rows, pitch);
+  // Less than 4 GiB, as every surface.
+  return std::malloc(rows * pitch);
+}
+
+}  // namespace
+
+PixelBuffer::PixelBuffer(int width, int height, VuPixelFormat format, Contents contents)
     : width_(width),
       height_(height),
       format_(format),
       pitch_(RowPitch(width, format)),
       data_(static_cast<uint8_t*>(
-          std::calloc(static_cast<size_t>(height), static_cast<size_t>(pitch_)))) {
+          Allocate(static_cast<size_t>(height), static_cast<size_t>(pitch_), contents))) {
   if (!data_) throw std::bad_alloc();
   RestoreOpaqueBits(Bounds());
 }

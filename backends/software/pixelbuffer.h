@@ -15,9 +15,13 @@ namespace ZIRK::backends {
 /// its pixels are also opaque ARGB8888 ones.
 class PixelBuffer {
  public:
-  /// Transparent, or black where there is no alpha. Expects a size and format that a surface can
-  /// have; throws std::bad_alloc.
-  PixelBuffer(int width, int height, VuPixelFormat format);
+  enum class Contents {
+    Clear,      ///< Transparent, or black where there is no alpha.
+    Undefined,  ///< For who reads no pixel that was not written.
+  };
+
+  /// Expects a size and format that a surface can have; throws std::bad_alloc.
+  PixelBuffer(int width, int height, VuPixelFormat format, Contents contents = Contents::Clear);
 
   int Width() const { return width_; }
   int Height() const { return height_; }

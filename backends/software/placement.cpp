@@ -111,6 +111,15 @@ std::optional<Box> PlaceUpright(const Extent& r, const VuTMatrix2D<float>& m) {
   return Box{NearestPixel(x0), NearestPixel(y0), NearestPixel(x1), NearestPixel(y1)};
 }
 
+std::optional<VuPoint> WholePixelMove(const VuTMatrix2D<float>& m) {
+  if (m.isIdentity()) return VuPoint{0, 0};
+  const float* e = m.get();
+  const double moveX = static_cast<double>(e[6]), moveY = static_cast<double>(e[7]);
+  if (m.hasRotation() || e[0] != 1.0f || e[4] != 1.0f || !IsNear(moveX) || !IsNear(moveY))
+    return std::nullopt;
+  return VuPoint{NearestPixel(moveX), NearestPixel(moveY)};
+}
+
 Point Map(const VuTMatrix2D<float>& m, double x, double y) {
   const float* e = m.get();
   return {x * e[0] + y * e[3] + e[6], x * e[1] + y * e[4] + e[7]};

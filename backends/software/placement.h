@@ -1,6 +1,7 @@
 #pragma once
 
 #include <zirk/vumatrix2d.h>
+#include <zirk/vupoint.h>
 
 #include <optional>
 
@@ -75,6 +76,10 @@ std::optional<Placement> Place(const Extent& r, const VuTMatrix2D<float>& m, Edg
 /// The usual case, worked out quickly: where `r` comes to lie, on whole pixels, by a matrix without
 /// rotation. Nothing, which says nothing, in any other case.
 std::optional<Box> PlaceUpright(const Extent& r, const VuTMatrix2D<float>& m);
+
+/// By how much `m` moves everything, if that is all it does, rounded as PlaceUpright() rounds what
+/// lies on whole pixels.
+std::optional<VuPoint> WholePixelMove(const VuTMatrix2D<float>& m);
 
 /// A position through `m`, in double precision.
 Point Map(const VuTMatrix2D<float>& m, double x, double y);

@@ -12,8 +12,11 @@
 #include "common/bitmapbase.h"
 #include "common/drawtimer.h"
 #include "common/surfaceformat.h"
+#include "common/textlayout.h"
+#include "software/atlasgraphics.h"
 #include "software/painter.h"
 #include "software/pixeltransfer.h"
+#include "software/textdrawing.h"
 
 namespace ZIRK::backends {
 
@@ -31,14 +34,17 @@ class SoftwareSurface : public BitmapBase<Base> {
   using State::DrawRect;
   using State::DrawText;
 
-  /// Throws std::bad_alloc.
+  /// `atlases` makes the atlases of fonts that are first drawn with here. Throws std::bad_alloc.
   SoftwareSurface(std::unique_ptr<SurfaceLedger::Entry> entry, int width, int height,
-                  VuPixelFormat format)
+                  VuPixelFormat format, std::shared_ptr<AtlasGraphics> atlases,
+                  PixelBuffer::Contents contents = PixelBuffer::Contents::Clear)
       : State(std::move(entry), width, height, format),
-        pixels_(width, height, format),
-        painter_(pixels_, this->state_) {}
+        pixels_(width, height, format, contents),
+        painter_(pixels_, this->state_),
+        atlases_(std::move(atlases)) {}
 
   PixelBuffer& Pixels() { return pixels_; }
+  const PixelBuffer& Pixels() const { return pixels_; }
   Operand AsOperand() const { return {&pixels_, this->state_.scaleMode}; }
 
   void Clear() final { Clear(VuColor{0}); }
@@ -84,9 +90,13 @@ class SoftwareSurface : public BitmapBase<Base> {
     DrawObject(ToExtent(dst), src, ToExtent(srcRect), Edges::SubPixel, m, color, mask, maskCoords);
   }
 
-  void DrawText(VuFontImpl*, const char*, VuPoint, VuColor, VuTMatrix2D<float>, VuBitmapImpl*,
-                VuTVector2D<float>*, VuRect) final {
-    ZIRK_LOG_DEBUG("DrawText: the font has no glyph atlas, nothing is drawn");
+  void DrawText(VuFontImpl* font, const char* text, VuPoint pos, VuColor color,
+                VuTMatrix2D<float> m, VuBitmapImpl* mask, VuTVector2D<float>* maskCoords,
+                VuRect rect) final {
+    Draw(nullptr, {}, mask, maskCoords, [&](const Source&, const auto& masked) {
+      TextLayout line(font, atlases_.get(), text, pos, rect);
+      backends::DrawText(painter_, *atlases_, line, color, m, masked);
+    });
   }
 
   bool Lock(bool write) final {
@@ -200,6 +210,7 @@ class SoftwareSurface : public BitmapBase<Base> {
 
   PixelBuffer pixels_;
   Painter painter_;
+  const std::shared_ptr<AtlasGraphics> atlases_;
   Locked lock_ = Locked::No;
 };
 

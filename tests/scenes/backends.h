@@ -1,6 +1,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <zirk/vufontatlas.h>
 #include <zirk/zirk.h>
 
 #include <memory>
@@ -16,5 +17,28 @@ inline constexpr const char* kBackends[] = {
 inline std::unique_ptr<VuGraphics> Open(const char* backend) {
   return std::unique_ptr<VuGraphics>(VuGraphics::Create(backend, false));
 }
+
+inline std::string FontFile(const char* name) {
+  return ZIRK_TEST_FONTS + std::string(name);
+}
+
+struct TestFont : VuFont {
+  TestFont(const char* name, int size, bool bold = false)
+      : VuFont(new VuFontAtlas(FontFile(name).c_str(), 0, size, bold, false)) {}
+};
+
+/// A test that runs with a context of each backend.
+class OnEachBackend : public testing::TestWithParam<const char*> {
+ protected:
+  void SetUp() override {
+    graphics_ = Open(GetParam());
+    ASSERT_NE(graphics_, nullptr);
+  }
+  std::unique_ptr<VuBitmap> New(int width, int height, VuPixelFormat format = {}) {
+    return std::unique_ptr<VuBitmap>(graphics_->CreateBitmap(width, height, format));
+  }
+
+  std::unique_ptr<VuGraphics> graphics_;
+};
 
 }  // namespace ZIRK::scenes

@@ -15,22 +15,15 @@ using Format = VuPixelFormat;
 constexpr Format kFormats[] = {Format::ARGB8888, Format::XRGB8888, Format::RGB565,
                                Format::ARGB4444, Format::ARGB1555, Format::A8};
 
-class Model : public testing::TestWithParam<const char*> {
+class Model : public OnEachBackend {
  protected:
-  void SetUp() override {
-    graphics_ = Open(GetParam());
-    ASSERT_NE(graphics_, nullptr);
-  }
-
   std::unique_ptr<VuBitmap> Noise(int width, int height, Format format, unsigned seed,
                                   VuScaleMode mode = VuScaleMode::Nearest) {
-    std::unique_ptr<VuBitmap> bitmap(graphics_->CreateBitmap(width, height, format));
+    std::unique_ptr<VuBitmap> bitmap = New(width, height, format);
     FillWithNoise(*bitmap, seed);
     bitmap->SetScaleMode(mode);
     return bitmap;
   }
-
-  std::unique_ptr<VuGraphics> graphics_;
 };
 
 INSTANTIATE_TEST_SUITE_P(Backends, Model, testing::ValuesIn(kBackends),

@@ -266,23 +266,27 @@ void Images(VuGraphics& g, VuBitmap& t) {
 }  // namespace
 
 const std::vector<Scene>& Scenes() {
-  static const std::vector<Scene> scenes = {
-      {"points", Points},
-      {"lines", Lines},
-      {"rectangles", Rectangles},
-      {"turned_rectangles", TurnedRectangles},
-      {"blits", Blits},
-      {"scaled", Scaled, 3, 0.5, "weights of a filter have few bits"},
-      {"turned", Turned, 3, 0.5, "weights of a filter have few bits"},
-      {"sub_pixel", SubPixel, 3, 0.5, "weights of a filter have few bits"},
-      {"masked", Masked, 3, 0.5, "weights of a filter have few bits"},
-      {"blending", Blending, 2, 0.5, "rounded once for the layer and once for the target"},
-      {"blending_off", BlendingOff, 2, 0.5, "rounded once for the layer and once for the target"},
-      {"clipped", Clipped, 3, 0.5, "weights of a filter have few bits"},
-      {"onto_itself", OntoItself},
-      {"formats", Formats, 17, 1, "one step of four bits"},
-      {"images", Images, 6, 0.5, "decoders of JPEG round differently"},
-  };
+  static const std::vector<Scene> scenes = [] {
+    std::vector<Scene> all = {
+        {"points", Points},
+        {"lines", Lines},
+        {"rectangles", Rectangles},
+        {"turned_rectangles", TurnedRectangles},
+        {"blits", Blits},
+        {"scaled", Scaled, 3, 0.5, "weights of a filter have few bits"},
+        {"turned", Turned, 3, 0.5, "weights of a filter have few bits"},
+        {"sub_pixel", SubPixel, 3, 0.5, "weights of a filter have few bits"},
+        {"masked", Masked, 3, 0.5, "weights of a filter have few bits"},
+        {"blending", Blending, 2, 0.5, "rounded once for the layer and once for the target"},
+        {"blending_off", BlendingOff, 2, 0.5, "rounded once for the layer and once for the target"},
+        {"clipped", Clipped, 3, 0.5, "weights of a filter have few bits"},
+        {"onto_itself", OntoItself},
+        {"formats", Formats, 17, 1, "one step of four bits"},
+        {"images", Images, 6, 0.5, "decoders of JPEG round differently"},
+    };
+    for (const Scene& scene : TextScenes()) all.push_back(scene);
+    return all;
+  }();
   return scenes;
 }
 

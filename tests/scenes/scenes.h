@@ -22,5 +22,7 @@ constexpr int kWidth = 192;
 constexpr int kHeight = 144;
 
 const std::vector<Scene>& Scenes();
+/// Those of text, which are among them.
+std::vector<Scene> TextScenes();
 
 }  // namespace ZIRK::scenes

@@ -35,6 +35,16 @@ uint32_t MultiplyPixels(uint32_t a, uint32_t b) {
   return result;
 }
 
+/// A colour blended through coverage, with the result alone rounded.
+uint32_t BlendCovered(uint32_t color, uint32_t coverage, uint32_t dst) {
+  const uint32_t inverse = 255 - MultiplyChannel(color >> 24, coverage);
+  uint32_t result = 0;
+  for (int shift = 0; shift < 32; shift += 8)
+    result |= ((color >> shift & 255) * coverage + (dst >> shift & 255) * inverse + 127) / 255
+              << shift;
+  return result;
+}
+
 struct Case {
   Kernels::Operator op;
   bool blit, tinted, covered, opaque;
@@ -48,7 +58,7 @@ void CheckSpan(const Kernels& kernels, const Case& c, int width) {
     coverage[i] = static_cast<uint8_t>(i % 3 == 0 ? 255 : i % 7 == 0 ? 0 : i * 37);
 
   PixelSpan span = {dst.data() + 1, kPitch, width, kRows};
-  span.color = c.blit && !c.tinted ? 0xFFFFFFFFu : 0x90708010u;
+  span.color = c.blit && !c.tinted ? 0xFFFFFFFFu : width % 2 ? 0xFF70F010u : 0x90708010u;
   if (c.blit) span.src = src.data() + 1;
   span.srcPitch = kPitch;
   if (c.covered) span.coverage = coverage.data() + 1;
@@ -68,6 +78,8 @@ void CheckSpan(const Kernels& kernels, const Case& c, int width) {
       if (c.blit && c.tinted) shade = MultiplyPixels(shade, span.color);
       if (c.covered) shade = ScalePixel(shade, coverage[at]);
       expected = c.op == Kernels::Over ? BlendOver(shade, before[at]) : shade | span.opaque;
+      if (c.op == Kernels::Over && c.covered && !c.blit)
+        expected = BlendCovered(span.color, coverage[at], before[at]);
     }
     ASSERT_EQ(dst[at], expected) << "x " << x << " row " << i / kPitch << " width " << width
                                  << " operator " << c.op << " blit " << c.blit << " tinted "

@@ -22,10 +22,11 @@ class SoftwareBitmaps : public testing::Test {
  protected:
   std::unique_ptr<SoftwareBitmap> New(int width, int height, Format format = Format::ARGB8888) {
     return std::make_unique<SoftwareBitmap>(ledger_->Enter(width, height, format), width, height,
-                                            format);
+                                            format, atlases_);
   }
 
   std::shared_ptr<SurfaceLedger> ledger_ = SurfaceLedger::Create(1 << 24);
+  std::shared_ptr<AtlasGraphics> atlases_ = std::make_shared<AtlasGraphics>(ledger_, 5);
 };
 
 TEST_F(SoftwareBitmaps, StartTransparentOrBlack) {

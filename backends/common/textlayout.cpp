@@ -1,0 +1,63 @@
+#include "common/textlayout.h"
+
+#include <zirk/impl/log.h>
+
+#include <algorithm>
+#include <cstdint>
+
+namespace ZIRK::backends {
+
+namespace {
+
+const VuFontAtlas* ToAtlasFont(const VuFontImpl* font) {
+  const auto* const atlasFont = dynamic_cast<const VuFontAtlas*>(font);
+  if (!atlasFont) ZIRK_LOG_DEBUG("DrawText: the font has no glyph atlas, nothing is drawn");
+  return atlasFont;
+}
+
+bool IsZero(const VuRect& r) {
+  return r.x == 0 && r.y == 0 && r.width == 0 && r.height == 0;
+}
+
+/// Cuts a glyph's extent in one direction.
+void Cut(int32_t& source, int32_t& start, int32_t& extent, int32_t clipStart, int32_t clipExtent) {
+  const int64_t first = std::max<int64_t>(start, clipStart);
+  const int64_t end = std::min(int64_t{start} + extent, int64_t{clipStart} + clipExtent);
+  if (first >= end) {
+    extent = 0;
+    return;
+  }
+  source += static_cast<int32_t>(first - start);
+  start = static_cast<int32_t>(first);
+  extent = static_cast<int32_t>(end - first);
+}
+
+}  // namespace
+
+TextLayout::TextLayout(const VuFontImpl* font, VuGraphicsImpl* graphics, const char* text,
+                       VuPoint pos, const VuRect& rect)
+    : font_(ToAtlasFont(font)), cursor_(text), pos_(pos) {
+  if (!IsZero(rect)) clip_ = rect;
+  const bool clippedAway = clip_ && (rect.width <= 0 || rect.height <= 0);
+  if (font_ && text && *text && !clippedAway) atlas_ = font_->GetAtlas(graphics);
+}
+
+VuGraphicsImpl* TextLayout::Owner() const {
+  return atlas_ ? atlas_->GetGraphics() : nullptr;
+}
+
+VuRect TextLayout::Box() const {
+  return {pos_.x, pos_.y, font_->GetOneLineWidth(cursor_.text), font_->GetOneLineHeight()};
+}
+
+/// False if nothing is left.
+bool TextLayout::CutToClip(Glyph& glyph) const {
+  VuRect &to = glyph.destination, &from = glyph.source;
+  Cut(from.x, to.x, to.width, clip_->x, clip_->width);
+  Cut(from.y, to.y, to.height, clip_->y, clip_->height);
+  from.width = to.width;
+  from.height = to.height;
+  return to.width > 0 && to.height > 0;
+}
+
+}  // namespace ZIRK::backends

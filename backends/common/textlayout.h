@@ -1,0 +1,79 @@
+#pragma once
+
+#include <zirk/glyph.h>
+#include <zirk/vufontatlas.h>
+#include <zirk/vupoint.h>
+#include <zirk/vurect.h>
+#include <zirk/vutextureatlasimpl.h>
+
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <optional>
+
+namespace ZIRK {
+class VuBitmapImpl;
+class VuGraphicsImpl;
+}  // namespace ZIRK
+
+namespace ZIRK::backends {
+
+/// Lays out one line of text: which parts of the font's atlas go where, in the text's own
+/// coordinates.
+///
+/// A glyph is drawn before the next one is asked for, since that one may move the atlas to another
+/// bitmap, or empty it. All that draw from one atlas take turns, a line at a time.
+class TextLayout {
+ public:
+  struct Glyph {
+    const VuBitmapImpl* atlas;
+    VuRect source;       ///< In the atlas.
+    VuRect destination;  ///< Of the same size.
+  };
+
+  /// The pen starts at `pos`, the top-left corner of the line. A `rect` that is not all zeros cuts
+  /// the glyphs. `graphics` makes the font's atlas if it has none yet. May throw std::bad_alloc.
+  TextLayout(const VuFontImpl* font, VuGraphicsImpl* graphics, const char* text, VuPoint pos,
+             const VuRect& rect);
+
+  /// What made the font's atlas; null if there is nothing to draw. It may have gone if the atlas
+  /// has no bitmap.
+  VuGraphicsImpl* Owner() const;
+
+  /// The line, as wide as it is measured.
+  VuRect Box() const;
+
+  /// The next glyph that has pixels to draw, false at the end. Where Owner() is null it is not
+  /// asked for. May throw std::bad_alloc.
+  bool Next(Glyph& placed) {
+    while (const ZIRK::Glyph* const glyph = font_->NextGlyph(cursor_, true))
+      if (Place(*glyph, placed)) return true;
+    return false;
+  }
+
+ private:
+  bool Place(const ZIRK::Glyph& glyph, Glyph& placed) const {
+    if (!glyph.inAtlas || glyph.width <= 0 || glyph.height <= 0) return false;
+    const int64_t x = pos_.x + cursor_.pen + glyph.left, y = int64_t{pos_.y} + glyph.top;
+    if (!Fits(x, glyph.width) || !Fits(y, glyph.height)) return false;
+    placed.atlas = atlas_->GetBitmap().get();
+    placed.source = {glyph.x, glyph.y, glyph.width, glyph.height};
+    placed.destination = {static_cast<int32_t>(x), static_cast<int32_t>(y), glyph.width,
+                          glyph.height};
+    return !clip_ || CutToClip(placed);
+  }
+  /// Whether the extent's end, too, is a position that exists.
+  static bool Fits(int64_t start, int extent) {
+    return start >= std::numeric_limits<int32_t>::min() &&
+           start + extent <= std::numeric_limits<int32_t>::max();
+  }
+  bool CutToClip(Glyph& glyph) const;
+
+  const VuFontAtlas* font_;
+  std::shared_ptr<VuTextureAtlasImpl> atlas_;
+  TextCursor cursor_;
+  const VuPoint pos_;
+  std::optional<VuRect> clip_;
+};
+
+}  // namespace ZIRK::backends

@@ -1,0 +1,59 @@
+#include "software/atlasgraphics.h"
+
+#include <zirk/impl/log.h>
+#include <zirk/impl/vuscreenimpl.h>
+
+#include <type_traits>
+#include <utility>
+
+#include "software/softwarebitmap.h"
+
+namespace ZIRK::backends {
+
+namespace {
+
+std::mutex listMutex;
+static_assert(std::is_trivially_destructible_v<std::mutex>);
+
+AtlasGraphics* first = nullptr;  // of the list
+
+}  // namespace
+
+AtlasGraphics::AtlasGraphics(std::shared_ptr<SurfaceLedger> ledger, int graphicsType)
+    : GraphicsBase(std::move(ledger)), graphicsType_(graphicsType) {
+  const std::lock_guard lock(listMutex);
+  next_ = std::exchange(first, this);
+}
+
+AtlasGraphics::~AtlasGraphics() {
+  const std::lock_guard lock(listMutex);
+  AtlasGraphics** link = &first;
+  while (*link != this) link = &(*link)->next_;
+  *link = next_;
+}
+
+std::shared_ptr<AtlasGraphics> AtlasGraphics::Find(const VuGraphicsImpl* graphics) {
+  const std::lock_guard lock(listMutex);
+  for (AtlasGraphics* known = first; known; known = known->next_)
+    if (known == graphics) return known->weak_from_this().lock();
+  return nullptr;
+}
+
+std::unique_ptr<VuScreenImpl> AtlasGraphics::MakeScreen(Entry, const VuScreenDescription&) {
+  ZIRK_LOG_ERROR("the maker of glyph atlases makes no screens");
+  return nullptr;
+}
+
+std::unique_ptr<VuBitmapImpl> AtlasGraphics::MakeBitmap(Entry entry, int width, int height,
+                                                        VuPixelFormat format) {
+  // Of an atlas only the glyphs are read, and clearing it would take longer than packing them.
+  return std::make_unique<SoftwareBitmap>(std::move(entry), width, height, format,
+                                          shared_from_this(), PixelBuffer::Contents::Undefined);
+}
+
+std::unique_ptr<VuBitmapImpl> AtlasGraphics::MakePicture(Entry, int, int, Image&, VuScaleMode) {
+  ZIRK_LOG_ERROR("the maker of glyph atlases reads no pictures");
+  return nullptr;
+}
+
+}  // namespace ZIRK::backends

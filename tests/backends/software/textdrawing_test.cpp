@@ -1,0 +1,72 @@
+// Text on surfaces in memory, where glyph atlases come to their limits.
+
+#include <gtest/gtest.h>
+#include <zirk/vutextureatlasimpl.h>
+
+#include <string>
+#include <vector>
+
+#include "software/softwarebitmap.h"
+#include "stub/stubgraphics.h"
+#include "support/logged.h"
+
+namespace ZIRK::backends {
+namespace {
+
+constexpr int kWidth = 160, kHeight = 60;
+
+VuFontAtlas Symbols() {
+  return {(ZIRK_TEST_FONTS + std::string("symbols.ttf")).c_str(), 0, 48, false, false};
+}
+
+/// A context's books, and what makes atlases in them.
+struct Context {
+  explicit Context(uint64_t bytes) : ledger(SurfaceLedger::Create(bytes)) {}
+
+  std::vector<uint32_t> Draw(VuFontImpl& font, const char* text) const {
+    SoftwareBitmap target(SurfaceLedger::Create(1 << 20)->Enter(kWidth, kHeight, {}), kWidth,
+                          kHeight, VuPixelFormat::ARGB8888, atlases);
+    target.DrawText(&font, text, {2, 2}, white, VuTMatrix2D<float>(), nullptr, nullptr, {});
+    std::vector<uint32_t> pixels(kWidth * kHeight);
+    target.GetPixels({0, 0, kWidth, kHeight}, pixels.data());
+    return pixels;
+  }
+
+  std::shared_ptr<SurfaceLedger> ledger;
+  std::shared_ptr<AtlasGraphics> atlases = std::make_shared<AtlasGraphics>(ledger, 5);
+};
+
+const std::vector<uint32_t> kNothing(kWidth* kHeight);
+
+TEST(TextDrawing, AnAtlasThatMayNotGrowIsEmptiedAndFilledAgain) {
+  VuFontAtlas tight = Symbols(), free = Symbols();
+  // Room for one row of glyphs, and not for the copy that growth takes.
+  tight.GetOneLineWidth("\xEE\x80\x80");
+  const Context small(2048 * 60), large(1 << 24);
+  for (int i = 0; i < 120; ++i) {
+    std::string text;
+    for (int code = i; code < i + 3; ++code)
+      text += {'\xEE', char(0x80 + code % 100 / 64), char(0x80 + code % 100 % 64)};
+    const std::vector<uint32_t> expected = large.Draw(free, text.c_str());
+    ASSERT_NE(expected, kNothing);
+    ASSERT_EQ(small.Draw(tight, text.c_str()), expected) << i;
+  }
+  EXPECT_LT(small.ledger->Available(), 2048u * 20);
+}
+
+TEST(TextDrawing, NeedsAnAtlasOfItsOwnKind) {
+  StubGraphics stub;
+  VuFontAtlas foreign = Symbols(), orphan = Symbols();
+  foreign.GetAtlas(&stub);
+  const Context context(1 << 24);
+  // The other font's atlas got no bitmap, and whoever was to make it has gone.
+  EXPECT_EQ(Context(100).Draw(orphan, "A"), kNothing);
+  for (VuFontAtlas* font : {&foreign, &orphan}) {
+    const std::string log = support::LoggedAt(3, [&] { context.Draw(*font, "AB"); });
+    EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 1) << log;
+    EXPECT_EQ(context.Draw(*font, "AB"), kNothing);
+  }
+}
+
+}  // namespace
+}  // namespace ZIRK::backends

@@ -1,0 +1,358 @@
+// Text by every backend, against glyphs that FreeType rendered for the test and the model of
+// drawing; and text when fonts, atlases and contexts come and go.
+
+#include <zirk/utf8.h>
+
+#include <ft2build.h>
+#include FT_BITMAP_H
+#include FT_FREETYPE_H
+#include FT_GLYPH_H
+#include FT_STROKER_H
+
+#include <algorithm>
+#include <atomic>
+#include <deque>
+#include <limits>
+#include <thread>
+
+#include "scenes/backends.h"
+#include "scenes/trial.h"
+
+namespace ZIRK::scenes {
+namespace {
+
+using Factor = VuBlendingFactor;
+using Format = VuPixelFormat;
+using Outline = VuFont::OutlineType;
+using Pixels = std::vector<uint32_t>;
+
+/// A glyph as FreeType renders it when it is asked directly.
+struct Letter {
+  FT_UInt index;
+  int x, y, width, height;  ///< From the pen's position at the top of the line.
+  int advance;
+  std::vector<uint8_t> coverage;
+};
+
+struct Typeface {
+  Typeface(const char* name, int size) {
+    FT_Init_FreeType(&library);
+    FT_New_Face(library, FontFile(name).c_str(), 0, &face);
+    FT_Set_Pixel_Sizes(face, 0, static_cast<FT_UInt>(size));
+  }
+  ~Typeface() { FT_Done_FreeType(library); }
+  int Ascender() const { return static_cast<int>(face->size->metrics.ascender >> 6); }
+
+  Letter Render(uint32_t code, int ascender, Outline outline = {}, float thickness = 0,
+                bool bold = false) const {
+    const FT_UInt index = FT_Get_Char_Index(face, code);
+    const bool filled = outline == Outline::None;
+    FT_Load_Glyph(
+        face, index,
+        (filled ? FT_LOAD_RENDER : FT_LOAD_NO_BITMAP) | FT_LOAD_IGNORE_GLOBAL_ADVANCE_WIDTH);
+    FT_GlyphSlot slot = face->glyph;
+    const FT_Pos strength = bold && filled ? face->size->metrics.height / 50 : 0;
+    if (strength && !FT_GlyphSlot_Own_Bitmap(slot))
+      FT_Bitmap_Embolden(library, &slot->bitmap, strength, strength);
+    FT_Stroker stroker;
+    FT_Stroker_New(library, &stroker);
+    FT_Stroker_Set(stroker, int(thickness * 64), FT_STROKER_LINECAP_ROUND,
+                   FT_STROKER_LINEJOIN_ROUND, 0);
+    FT_Glyph glyph;
+    FT_Get_Glyph(slot, &glyph);
+    if (outline == Outline::Stroked)
+      FT_Glyph_Stroke(&glyph, stroker, true);
+    else if (!filled)
+      FT_Glyph_StrokeBorder(&glyph, stroker, outline == Outline::Inner, true);
+    FT_Glyph_To_Bitmap(&glyph, FT_RENDER_MODE_NORMAL, nullptr, true);
+    const auto* const image = reinterpret_cast<FT_BitmapGlyph>(glyph);
+    const FT_Bitmap& b = image->bitmap;
+    const int width = int(b.width), height = int(b.rows), advance = int(slot->advance.x >> 6);
+    Letter letter{index, image->left, ascender - image->top, width, height, advance, {}};
+    for (int y = 0; y < letter.height; ++y)
+      letter.coverage.insert(letter.coverage.end(), b.buffer + y * b.pitch,
+                             b.buffer + y * b.pitch + b.width);
+    FT_Done_Glyph(glyph);
+    FT_Stroker_Done(stroker);
+    return letter;
+  }
+
+  FT_Library library;
+  FT_Face face;
+};
+
+using Text = OnEachBackend;
+
+INSTANTIATE_TEST_SUITE_P(Backends, Text, testing::ValuesIn(kBackends),
+                         [](const auto& test) { return std::string(test.param); });
+
+Pixels PixelsOf(VuBitmap& bitmap) {
+  const VuRect bounds = bitmap.GetBounds();
+  Pixels pixels(static_cast<size_t>(bounds.width) * static_cast<size_t>(bounds.height));
+  bitmap.GetPixels(bounds, pixels.data());
+  return pixels;
+}
+
+enum class Mode { Usual, BlendingOff, OtherFactors, Clipped, Narrow, Bold };
+
+struct Line {
+  const char* name;
+  const char* text;
+  int size = 16;
+  Mode mode = Mode::Usual;
+  Outline outline = Outline::None;
+  float thickness = 0;
+  VuTransform transform{};
+  bool masked = false;
+  VuRect rect{0, 0, 0, 0};
+};
+
+const Line kLines[] = {
+    {"kerning, bytes that are no text", "AV\xFF\x41To\x80\xFE LT"},
+    {"missing glyphs and those of the fallback font", "V日Aé☃VЖ本."},
+    {"large", "Åj", 40},
+    {"stroked", "Rej", 24, {}, Outline::Stroked, 1},
+    {"outer border", "Rej", 24, {}, Outline::Outer, 2.5f},
+    {"inner border", "Rej", 24, {}, Outline::Inner, 1.5f},
+    {"made bold", "Bold日", 30, Mode::Bold},
+    {"moved by part of a pixel", "Halves", 16, {}, {}, 0, {0.5f, 6.49f, 1, 1, 0}},
+    {"enlarged", "Wag", 12, {}, {}, 0, {2, -4, 1.7f, 2.3f, 0}},
+    {"shrunk and mirrored", "Wag", 24, {}, {}, 0, {90, 0, -0.7f, 0.8f, 0}},
+    {"quarter turn", "Quart", 14, {}, {}, 0, {4, 46, 1, 1, 90}},
+    {"slanted", "Slant", 14, {}, {}, 0, {4, 24, 1, 1, 23}},
+    {"cut by a rectangle", "Rectangle", 20, {}, {}, 0, {}, false, {9, 8, 51, 9}},
+    {"masked", "Masked", 20, {}, {}, 0, {}, true},
+    {"masked, cut, turned", "Mask", 20, {}, {}, 0, {4, 20, 1, 1, 20}, true, {5, 8, 41, 9}},
+    {"blending off", "Off, Ag", 20, Mode::BlendingOff},
+    {"other factors", "Others", 20, Mode::OtherFactors},
+    {"clipped", "Clipped", 22, Mode::Clipped},
+    {"narrow format", "Narrow", 20, Mode::Narrow},
+};
+
+constexpr VuPoint kPosition{3, 2};
+constexpr VuColor kColor{0xC0F0A040};
+
+/// The letters, where they belong; `width` becomes the line's.
+std::vector<Letter> LayOut(const Line& l, int& width) {
+  const Typeface sans("sans.ttf", l.size), cjk("cjk.ttf", l.size + 4);
+  FT_Face previousFace = nullptr;
+  FT_UInt previous = 0;
+  std::vector<Letter> letters;
+  width = 0;
+  int length;
+  for (const char* next = l.text; *next; next += std::max(length, 1)) {
+    const uint32_t code = GetUtf8Char(next, &length);
+    if (length == 0) continue;
+    const bool lent = !FT_Get_Char_Index(sans.face, code) && FT_Get_Char_Index(cjk.face, code);
+    const Typeface& from = lent ? cjk : sans;
+    Letter letter =
+        from.Render(code, sans.Ascender(), l.outline, l.thickness, l.mode == Mode::Bold);
+    FT_Vector kerning = {0, 0};
+    if (from.face == previousFace && letter.index != 0)
+      FT_Get_Kerning(from.face, previous, letter.index, FT_KERNING_DEFAULT, &kerning);
+    width += static_cast<int>(kerning.x >> 6);
+    letter.x += kPosition.x + width;
+    letter.y += kPosition.y;
+    letters.push_back(letter);
+    width += letter.advance;
+    previousFace = from.face;
+    previous = letter.index;
+  }
+  return letters;
+}
+
+/// Draws a letter as a bitmap, on which the model keeps an eye. `mask` lies over the whole line,
+/// which is `lineWidth` by `lineHeight`.
+void DrawLetter(Trial& trial, const Line& l, const Letter& letter, VuBitmap& coverage,
+                const VuBitmap* mask, float lineWidth, float lineHeight) {
+  coverage.SetPixels(coverage.GetBounds(), letter.coverage.data(),
+                     static_cast<unsigned>(letter.width));
+  coverage.SetScaleMode(VuScaleMode::Bilinear);
+  // The rectangle is cut before the matrix, destination and source alike.
+  const VuRect r = l.rect.width != 0 ? l.rect : VuRect{-99, -99, 999, 999};
+  const int x0 = std::max(letter.x, r.x), x1 = std::min(letter.x + letter.width, r.x + r.width);
+  const int y0 = std::max(letter.y, r.y), y1 = std::min(letter.y + letter.height, r.y + r.height);
+  VuTVector2D<float> coords[4];
+  for (int i = 0; i < 4; ++i)
+    coords[i] = {float((i == 1 || i == 2 ? x1 : x0) - kPosition.x) / lineWidth * 8,
+                 float((i >= 2 ? y1 : y0) - kPosition.y) / lineHeight * 4};
+  trial.DrawObject({x0, y0, x1 - x0, y1 - y0}, coverage,
+                   {x0 - letter.x, y0 - letter.y, x1 - x0, y1 - y0},
+                   VuTMatrix2D<float>(l.transform), kColor, {mask, coords});
+}
+
+void Prepare(VuBitmap& bitmap, Mode mode) {
+  FillWithNoise(bitmap, 1);
+  bitmap.SetBlendEnabled(mode != Mode::BlendingOff);
+  if (mode == Mode::OtherFactors)
+    bitmap.SetBlendingFunc(Factor::DstAlpha, Factor::OneMinusSrcColor);
+  if (mode == Mode::Clipped) bitmap.SetClippingRect(VuRect{13, 9, 31, 8});
+}
+
+TEST_P(Text, IsItsLettersDrawnOneByOne) {
+  const auto mask = New(8, 4, Format::A8), solid = New(1, 1, Format::A8);
+  FillWithNoise(*mask, 3);
+  mask->SetScaleMode(VuScaleMode::Bilinear);
+  solid->Clear(white);
+  for (const Line& l : kLines) {
+    SCOPED_TRACE(l.name);
+    TestFont font("sans.ttf", l.size, l.mode == Mode::Bold);
+    const TestFont cjk("cjk.ttf", l.size + 4);
+    font.SetFallbackFont(&cjk);
+    font.SetOutlineType(l.outline);
+    font.SetOutlineThickness(l.thickness);
+    const Format format = l.mode == Mode::Narrow ? Format::RGB565 : Format::ARGB8888;
+    Trial trial(*graphics_, 96, 48, format);
+    if (l.mode == Mode::OtherFactors)
+      trial.SetFactors(
+          {Factor::DstAlpha, Factor::OneMinusSrcColor, Factor::DstAlpha, Factor::OneMinusSrcColor});
+    Prepare(trial.Target(), l.mode);
+    int width = 0;
+    const std::vector<Letter> letters = LayOut(l, width);
+    for (const Letter& letter : letters)
+      if (!letter.coverage.empty())
+        DrawLetter(trial, l, letter, *New(letter.width, letter.height, Format::A8),
+                   l.masked ? mask.get() : nullptr, float(width), float(font.GetOneLineHeight()));
+    const model::Picture expected(trial.Target());
+    // Only what goes through a mask is rounded at other places.
+    const bool through = l.masked || l.rect.width != 0;
+    // First the atlas is made, and grows at every other glyph; then all glyphs are there.
+    for (const char* time : {"first time", "again"}) {
+      const auto target = New(96, 48, format);
+      Prepare(*target, l.mode);
+      if (through)
+        target->DrawText(font, l.text, kPosition, kColor, l.transform, l.masked ? *mask : *solid,
+                         nullptr, l.rect);
+      else
+        target->DrawText(font, l.text, kPosition, kColor, l.transform);
+      const model::Picture drawn(*target);
+      for (size_t i = 0; i < drawn.pixels.size() && !HasFailure(); ++i)
+        for (size_t c = 0; c < 4; ++c)
+          ASSERT_NEAR(drawn.pixels[i][c] * 255, expected.pixels[i][c] * 255, through ? 1.1 : 0)
+              << "pixel (" << i % 96 << ", " << i / 96 << ") channel " << c << ", " << time;
+    }
+    EXPECT_EQ(font.GetOneLineWidth(l.text), width);
+  }
+}
+
+Pixels Drawn(VuGraphics& graphics, const VuFont& font, const char* text) {
+  const std::unique_ptr<VuBitmap> target(graphics.CreateBitmap(160, 40, Format::ARGB8888));
+  target->DrawText(font, text, VuPoint{2, 2}, white);
+  return PixelsOf(*target);
+}
+
+TEST_P(Text, WhatTheAtlasHoldsIsRightAndTheRestIsLeftOut) {
+  constexpr int kCell = 72;
+  const TestFont font("symbols.ttf", 48);
+  const Typeface face("symbols.ttf", 48);
+  const auto target = New(kCell, kCell);
+  int drawn = 0;
+  for (uint32_t code = 0xE000; code < 0xE000 + 2704; ++code) {
+    const Letter letter = face.Render(code, face.Ascender());
+    Pixels expected(kCell * kCell), nothing = expected;
+    for (int i = 0; i < letter.width * letter.height; ++i)
+      expected[size_t((6 + letter.y + i / letter.width) * kCell + 6 + letter.x +
+                      i % letter.width)] = letter.coverage[size_t(i)] * 0x01010101u;
+    const char text[] = {char(0xE0 | code >> 12), char(0x80 | (code >> 6 & 63)),
+                         char(0x80 | (code & 63)), 0};
+    target->Clear();
+    target->DrawText(font, text, VuPoint{6, 6}, white);
+    const Pixels found = PixelsOf(*target);
+    ASSERT_TRUE(found == expected || found == nothing) << std::hex << code;
+    drawn += found == expected;
+  }
+  EXPECT_GT(drawn, 1400);
+  EXPECT_LT(drawn, 2704);
+}
+
+TEST_P(Text, FallbackFontsComeAndGo) {
+  TestFont font("sans.ttf", 20);
+  auto cjk = std::make_unique<TestFont>("cjk.ttf", 20);
+  const Pixels without = Drawn(*graphics_, font, "A日B");
+  font.SetFallbackFont(cjk.get());
+  const Pixels with = Drawn(*graphics_, font, "A日B");
+  cjk.reset();
+  EXPECT_EQ(Drawn(*graphics_, font, "A日B"), with);
+  font.SetFallbackFont(nullptr);
+  EXPECT_EQ(Drawn(*graphics_, font, "A日B"), without);
+  EXPECT_NE(with, without);
+}
+
+TEST_P(Text, ThreadsShareAFontAndChangeTheirOwn) {
+  const char* const kTexts[] = {"Sphinx of black", "quartz, judge my", "ÅÉÑ ΩЖД vow", "0123456789"};
+  const TestFont reference("sans.ttf", 18);
+  // New ones for every round, with glyphs to be rendered.
+  std::deque<TestFont> shared;
+  for (int i = 0; i < 12; ++i) shared.emplace_back("sans.ttf", 18);
+  const auto outlined = [&](TestFont& font, int type) {
+    font.SetOutlineType(Outline(type));
+    font.SetOutlineThickness(1.5f);
+    return Drawn(*graphics_, font, "Rim");
+  };
+  std::vector<Pixels> texts, outlines;
+  for (const char* text : kTexts) texts.push_back(Drawn(*graphics_, reference, text));
+  TestFont changing("sans.ttf", 20);
+  for (int type = 0; type < 4; ++type) outlines.push_back(outlined(changing, type));
+  // Every other thread has a context of its own; contexts are made on one.
+  std::vector<std::unique_ptr<VuGraphics>> contexts(8);
+  for (size_t t = 1; t < contexts.size(); t += 2) contexts[t] = Open(GetParam());
+  std::atomic<int> ready{0};
+  std::vector<std::thread> threads;
+  for (unsigned t = 0; t < 8; ++t)
+    threads.emplace_back([&, t] {
+      VuGraphics* const context = contexts[t].get();
+      TestFont own("sans.ttf", 20);
+      for (++ready; ready < 8;) std::this_thread::yield();
+      for (unsigned i = t; i < t + 12; ++i) {
+        const TestFont& font = shared[i - t];
+        EXPECT_EQ(Drawn(context ? *context : *graphics_, font, kTexts[i % 4]), texts[i % 4]);
+        EXPECT_EQ(font.GetOneLineWidth(kTexts[t / 2]), reference.GetOneLineWidth(kTexts[t / 2]));
+        EXPECT_EQ(outlined(own, int(i % 4)), outlines[i % 4]);
+      }
+    });
+  for (std::thread& thread : threads) thread.join();
+}
+
+TEST_P(Text, FontsOutliveContextsAndTheOtherWayRound) {
+  auto font = std::make_unique<TestFont>("sans.ttf", 20);
+  const Pixels first = Drawn(*graphics_, *font, "First");
+  graphics_ = Open(GetParam());
+  // The atlas grows where its context has gone.
+  font->SetOutlineType(Outline::Stroked);
+  font->SetOutlineThickness(8);
+  Drawn(*graphics_, *font, "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789");
+  font->SetOutlineType(Outline::None);
+  EXPECT_EQ(Drawn(*graphics_, *font, "First"), first);
+  const auto bitmap = New(160, 40);
+  graphics_.reset();
+  bitmap->DrawText(*font, "First", VuPoint{2, 2}, white);
+  font.reset();
+  EXPECT_EQ(PixelsOf(*bitmap), first);
+}
+
+TEST_P(Text, HostileArgumentsDrawNothing) {
+  const TestFont font("sans.ttf", 20), none("absent.ttf", 20);
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  const auto target = New(80, 40), mask = New(4, 4, Format::A8);
+  mask->Clear(white);
+  const auto draw = [&](VuPoint at, VuTransform t, VuRect rect = {}, const char* text = "Text") {
+    if (rect.x == 0) target->DrawText(font, text, at, white, t);
+    target->DrawText(font, text, at, white, t, *mask, nullptr, rect);
+  };
+  draw({2, 2}, {}, {}, nullptr);
+  draw({2, 2}, {}, {}, "");
+  target->DrawText(none, "Text", VuPoint{2, 2}, white);
+  for (const int32_t far : {INT32_MIN, INT32_MIN + 9, INT32_MAX - 30, INT32_MAX}) {
+    draw({far, 2}, {-9, 5, 1, 1, 0});
+    draw({2, far}, {2e9f, -2e9f, 1, 1, 0});
+    draw({far, far}, {0, 0, 2, 2, 30});
+    draw({2, 2}, {}, {far, far, 9, 9});
+  }
+  for (const float bad : {nan, 0.0f}) draw({2, 2}, {0, 0, bad, 1, 0});
+  for (const VuRect& rect : {VuRect{2, 2, 0, 9}, VuRect{2, 2, 30, -9}, VuRect{1, 1, 0, 0}})
+    draw({2, 2}, {}, rect);
+  EXPECT_EQ(PixelsOf(*target), Pixels(80 * 40));
+}
+
+}  // namespace
+}  // namespace ZIRK::scenes
