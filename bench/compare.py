@@ -18,12 +18,23 @@ TARGETS = {
     ("BlitAlpha16", "Cairo"): 2.5,
     ("BlitTinted64", "Cairo"): 8,
     ("Line100", "Cairo"): 4,
+    ("TextMeasure", "FreeType"): 100,
+    ("TextMeasure", "Cairo"): 5,
+    ("TextMeasure", "SDL_ttf"): 5,
+    ("TextMeasure", "DirectFB"): 2,
+    ("TextDraw", "Pixman"): 1.5,
+    ("TextDraw", "Cairo"): 2,
+    ("TextDraw", "SDL_ttf"): 5,
+    ("TextOpen", "FreeType"): 0.91,
 }
 # Operations in which it means to be level with the best peer, within what runs differ by.
 LEVEL = ("FillRect200Half", "BlitOpaque64", "BlitAlpha64", "Mask", "MaskBlit", "ScaleBilinear",
          "Rotate128")
 LEVEL_RATIO = 0.95
 FRONT_END_LIMIT = 2  # nanoseconds
+PACKER_RULE = "ShortSide"  # the one that atlases use
+PACKER_LIMIT = 30  # milliseconds
+CACHE_LIMIT = 300  # bytes a glyph
 
 
 def measure(binary, options):
@@ -42,19 +53,18 @@ def measure(binary, options):
     groups = collections.defaultdict(dict)
     for run in sorted(runs, key=lambda run: run["family_index"]):
         if run.get("aggregate_name") == "median":
-            operation, variant = run["run_name"].split("/")
+            operation, variant = run["run_name"].split("/")[:2]
             groups[operation][variant] = run
     return groups
 
 
-def print_operations(groups):
+def print_operations(groups, title="Drawing: items"):
+    groups = {name: runs for name, runs in groups.items() if OURS in runs and len(runs) > 1}
     peers = list(dict.fromkeys(peer for runs in groups.values() for peer in runs if peer != OURS))
-    print("Drawing: items a second, and how many times as many as each peer")
+    print(f"\n{title} a second, and how many times as many as each peer")
     print(f"{'operation':<17}{'items/s':>12}{'alloc.':>8}"
           + "".join(f"{peer:>9}" for peer in peers) + "   best peer  target")
     for operation, runs in groups.items():
-        if OURS not in runs or len(runs) < 2:
-            continue
         ours = runs[OURS]
         ratios = {peer: ours["items_per_second"] / run["items_per_second"]
                   for peer, run in runs.items() if peer != OURS}
@@ -89,12 +99,38 @@ def print_geometry(groups):
         print(f"{operation[8:]:<17}" + "  ".join(cells) + f"  full {full:.2f}")
 
 
+def print_text(groups):
+    print_operations(groups, "Text: lines of 40 characters, or fonts opened,")
+    threads = groups.get("TextThreads")
+    if threads:
+        one, eight = (threads[count]["items_per_second"] for count in ("one", "eight"))
+        verdict = "met" if eight >= one else "MISSED"
+        print(f"Eight threads measure with one font {eight / one:.2f} times as many lines as one"
+              f"  at least 1: {verdict}")
+    if "TextCache" in groups:
+        size = groups["TextCache"][OURS]["bytes"]
+        verdict = "met" if size <= CACHE_LIMIT else "MISSED"
+        print(f"A cached glyph takes {size:.0f} bytes  at most {CACHE_LIMIT}: {verdict}")
+
+
+def print_packer(groups):
+    print("\nPacker: milliseconds for 2000 rectangles of a glyph's size, by rule")
+    for runs in groups.values():
+        for rule, run in runs.items():
+            line = f"{rule:<17}{run['cpu_time']:7.2f}"
+            if rule == PACKER_RULE:
+                verdict = "met" if run["cpu_time"] <= PACKER_LIMIT else "MISSED"
+                line += f"  at most {PACKER_LIMIT}: {verdict}"
+            print(line)
+
+
 def main():
     if len(sys.argv) < 2:
         sys.exit(__doc__)
     groups = measure(sys.argv[1], sys.argv[2:])
-    sections = {"FrontEnd": print_front_end, "Geometry": print_geometry, "": print_operations}
-    for prefix in ("", "FrontEnd", "Geometry"):
+    sections = {"FrontEnd": print_front_end, "Geometry": print_geometry, "Text": print_text,
+                "Packer": print_packer, "": print_operations}
+    for prefix in ("", "Text", "FrontEnd", "Geometry", "Packer"):
         chosen = {name: runs for name, runs in groups.items()
                   if next(p for p in sections if name.startswith(p)) == prefix}
         if chosen:

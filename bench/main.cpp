@@ -1,10 +1,13 @@
 #include <benchmark/benchmark.h>
+#include <malloc.h>
 #include <zirk/vusyslog.h>
 
 #include <cstdio>
 #include <cstring>
+#include <stdexcept>
 
 #include "operations.h"
+#include "textpeer.h"
 
 namespace {
 
@@ -28,19 +31,54 @@ Peers MakePeers() {
   return peers;
 }
 
+/// The same for text. Whoever does not start is left out: DirectFB's fonts are a package of their
+/// own.
+TextPeers MakeTextPeers() {
+  TextPeers peers;
+  for (const auto make : {
+           MakeZirkText,
+           MakeFreeTypeText,
+           MakePixmanText,
+#ifdef ZIRK_BENCH_CAIRO
+           MakeCairoText,
+#endif
+#ifdef ZIRK_BENCH_SDL_TTF
+           MakeSdlText,
+#endif
+#ifdef ZIRK_BENCH_DIRECTFB
+           MakeDirectFbText,
+#endif
+       }) {
+    try {
+      peers.push_back(make());
+    } catch (const std::runtime_error& error) {
+      std::fprintf(stderr, "a peer is left out: %s\n", error.what());
+    }
+  }
+  return peers;
+}
+
 }  // namespace
 
 /// `--verify` compares the pictures instead of measuring, and fails if they differ.
 int main(int argc, char** argv) {
   ZIRK::LogLevel = 3;
+  // What is measured is not how the allocator gives memory back to the kernel.
+  mallopt(M_TRIM_THRESHOLD, 64 << 20);
+  mallopt(M_MMAP_THRESHOLD, 64 << 20);
   const Peers peers = MakePeers();
   if (peers.empty()) {
     std::fprintf(stderr, "the FB backend does not open\n");
     return 1;
   }
-  if (argc == 2 && std::strcmp(argv[1], "--verify") == 0) return Verify(peers) ? 0 : 1;
+  const TextPeers textPeers = MakeTextPeers();
+  if (argc == 2 && std::strcmp(argv[1], "--verify") == 0) {
+    const bool same = Verify(peers);
+    return VerifyText(textPeers) && same ? 0 : 1;
+  }
 
   RegisterOperations(peers);
+  RegisterText(textPeers);
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
   benchmark::RunSpecifiedBenchmarks();

@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "operations.h"
+#include "textpeer.h"
 
 namespace ZIRK::bench {
 
@@ -47,8 +48,8 @@ struct Difference {
 };
 
 /// Of the squares in which either shows more than the background.
-Difference Compare(const Surface& a, const Surface& b, int cell) {
-  const Surface plain(a.size(), kBackground.argb);
+Difference Compare(const Surface& a, const Surface& b, int cell, VuColor behind = kBackground) {
+  const Surface plain(a.size(), behind.argb);
   const Channels background = MeanOf(plain, 0, 0, 1);
   Difference result;
   int drawn = 0;
@@ -84,7 +85,50 @@ bool VerifyOperation(const Operation& operation, const Peers& peers) {
   return good;
 }
 
+/// Libraries differ in how they hint and where they round, but not in what is written where.
+constexpr double kTextWidths = 0.02;
+constexpr int kTextCell = 8;
+constexpr double kTextTolerance = 8;
+
+/// What the peer has drawn, from its black surface on; empty if it cannot draw.
+Surface DrawnText(TextPeer& peer, const TextLines& lines) {
+  Surface surface(size_t{kWidth} * kHeight);
+  if (!peer.Draw(lines) || !peer.Read(surface.data())) surface.clear();
+  return surface;
+}
+
+bool VerifyWidths(double reference, TextPeer& peer, const TextLines& lines) {
+  const double width = peer.Measure(lines);
+  if (width < 0) return true;
+  const bool within = std::abs(width / reference - 1) <= kTextWidths;
+  std::printf("%-16s %-8s %.3f of ours  %s\n", "TextMeasure", peer.Name(), width / reference,
+              within ? "ok" : "DIFFERS");
+  return within;
+}
+
+bool VerifyDrawnText(const Surface& reference, TextPeer& peer, const TextLines& lines) {
+  const Surface surface = DrawnText(peer, lines);
+  if (surface.empty()) return true;
+  const Difference difference = Compare(reference, surface, kTextCell, VuColor{0xFF000000});
+  const bool within = difference.mean <= kTextTolerance;
+  std::printf("%-16s %-8s mean %6.3f worst %6.2f  %s\n", "TextDraw", peer.Name(), difference.mean,
+              difference.worst, within ? "ok" : "DIFFERS");
+  return within;
+}
+
 }  // namespace
+
+bool VerifyText(const TextPeers& peers) {
+  const TextLines lines = MakeTextLines();
+  const double width = peers[0]->Measure(lines);
+  const Surface reference = DrawnText(*peers[0], lines);
+  bool good = true;
+  for (size_t i = 1; i < peers.size(); ++i) {
+    good = VerifyWidths(width, *peers[i], lines) && good;
+    good = VerifyDrawnText(reference, *peers[i], lines) && good;
+  }
+  return good;
+}
 
 bool Verify(const Peers& peers) {
   bool good = true;
