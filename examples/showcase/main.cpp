@@ -1,5 +1,6 @@
 // The picture of the README: a balloonist's dashboard. Photographs as rotated cards, sprites in
-// front of them, and on the right panels of glass with a chart, a dial, line art and bars.
+// front of them, on the right panels of glass with a chart, a dial, line art and bars, and all of
+// it lettered in several scripts.
 
 #include <zirk/zirk.h>
 
@@ -8,6 +9,7 @@
 #include <string>
 
 #include "showcase/brushes.h"
+#include "showcase/lettering.h"
 #include "support/pngfile.h"
 
 using namespace ZIRK;
@@ -19,7 +21,7 @@ constexpr int kWidth = 1280, kHeight = 720;
 constexpr float kPi = 3.14159265f;
 
 constexpr VuColor kCoral{0xFFFF7A5C}, kGold{0xFFFFC857}, kMint{0xFF5CE1C4}, kSky{0xFF5AB0FF},
-    kViolet{0xFFA27BFF};
+    kViolet{0xFFA27BFF}, kPale{0xB0FFFFFF};
 
 const std::string kMedia = ZIRK_EXAMPLE_MEDIA;
 
@@ -27,6 +29,7 @@ const std::string kMedia = ZIRK_EXAMPLE_MEDIA;
 struct Studio {
   VuGraphics& graphics;
   VuBitmap& screen;
+  Lettering& lettering;
   BitmapPtr photo, balloon, glow, disc;
 };
 
@@ -113,6 +116,14 @@ void DrawCards(const Studio& s) {
   }
 }
 
+/// On the uppermost photograph, turned as that is.
+void DrawTitle(const Studio& s) {
+  const Matrix place = At(404, 312, 3);
+  s.lettering.Title(s.screen, "Above the lake", {-216, 62}, {0xFFFFF2D8}, {0xC0241038}, place);
+  s.lettering.Caption(s.screen, "Grüße · привет · γειά · こんにちは · 你好 · 안녕하세요",
+                      {-212, 126}, {0xE0FFF2D8}, place);
+}
+
 /// A balloon with its burner alight.
 void DrawBalloon(const Studio& s, float x, float y, float degrees, float scale, VuColor tint) {
   const VuRect all = s.balloon->GetBounds();
@@ -140,8 +151,10 @@ void DrawAvatars(const Studio& s) {
   constexpr int kSize = 84;
   const VuColor skies[] = {kSky, kGold, kViolet, kMint, kCoral};
   const VuColor tints[] = {{0xFFFF8464}, white, {0xFFFFCB66}, {0xFFB79BFF}, {0xFF86E8D2}};
+  const char* names[] = {"Zoë", "Юлия", "Χλόη", "Åse", "あい"};
   for (int i = 0; i < 5; ++i) {
     const int x = 150 + i * 70, y = 586;
+    s.lettering.Label(s.screen, names[i], {x + kSize / 2, y + kSize + 9}, kPale, Align::Centre);
     s.screen.DrawRect({x - 5, y - 5, kSize + 10, kSize + 10}, {0xFF21143E}, VuTransform(), *s.disc,
                       nullptr);
     const BitmapPtr sky = MakeGradient(s.graphics, Mix(skies[i], white, 0.45f), skies[i]);
@@ -158,8 +171,12 @@ void DrawProgress(const Studio& s) {
   const BitmapPtr shape = MakeRounded(s.graphics, {pill.width, pill.height, 7});
   const VuColor colors[][2] = {{kCoral, kGold}, {kViolet, kSky}, {kSky, kMint}};
   const float parts[] = {0.86f, 0.62f, 0.41f};
+  const char* labels[][2] = {{"Gas", "86 %"}, {"Ballast", "62 %"}, {"Wind", "4.1 m/s"}};
   for (int i = 0; i < 3; ++i) {
-    const VuRect bar{pill.x, pill.y + i * 32, pill.width, pill.height};
+    const VuRect bar{pill.x, pill.y + i * 38, pill.width, pill.height};
+    s.lettering.Label(s.screen, labels[i][0], {bar.x + 2, bar.y - 18}, kPale);
+    s.lettering.Label(s.screen, labels[i][1], {bar.x + bar.width - 2, bar.y - 18}, kPale,
+                      Align::Right);
     const auto filled = static_cast<int>(parts[i] * static_cast<float>(bar.width));
     s.screen.DrawRect(bar, {0x2CFFFFFF}, VuTransform(), *shape, nullptr);
     const BitmapPtr strip = MakeGradient(s.graphics, colors[i][0], colors[i][1], false);
@@ -218,7 +235,10 @@ void DrawCurve(const Studio& s, const VuRect& r, float phase, VuColor color) {
 
 void DrawChart(const Studio& s, const VuRect& panel) {
   DrawPanel(s, panel);
-  const VuRect r{panel.x + 24, panel.y + 26, panel.width - 56, panel.height - 50};
+  s.lettering.Heading(s.screen, "Altitude", {panel.x + 24, panel.y + 14}, white);
+  s.lettering.Label(s.screen, "↑ 1240 m", {panel.x + panel.width - 32, panel.y + 14}, kViolet,
+                    Align::Right);
+  const VuRect r{panel.x + 24, panel.y + 42, panel.width - 56, panel.height - 66};
   for (int i = 0; i <= 4; ++i)
     s.screen.DrawRect({r.x, r.y + i * r.height / 4, r.width, 1}, {0x1CFFFFFF});
   DrawCurve(s, r, 3.6f, kViolet);
@@ -242,6 +262,8 @@ void DrawDial(const Studio& s, const VuRect& panel) {
       DrawGlow(s, end.x(), end.y(), 80, lit);
     }
   }
+  s.lettering.Heading(s.screen, "73 %", {static_cast<int>(x), static_cast<int>(y) + 62}, white,
+                      Align::Centre);
   const auto left = static_cast<int>(x) - 50, top = static_cast<int>(y) - 50;
   s.screen.DrawObject({left, top, 100, 100}, *s.photo, {514, 60, 220, 220}, VuTransform(), white,
                       *s.disc, nullptr);
@@ -267,6 +289,7 @@ void DrawChords(const Studio& s, const VuRect& panel) {
 
 void DrawBars(const Studio& s, const VuRect& panel) {
   DrawPanel(s, panel);
+  s.lettering.Heading(s.screen, "Flights a week", {panel.x + 24, panel.y + 14}, white);
   const BitmapPtr usual = MakeGradient(s.graphics, kMint, {0xFF2B5BD0});
   const BitmapPtr chosen = MakeGradient(s.graphics, kGold, kCoral);
   const BitmapPtr mirrored = MakeGradient(s.graphics, {0x503C8CE0}, {0x003C8CE0});
@@ -274,14 +297,16 @@ void DrawBars(const Studio& s, const VuRect& panel) {
   const int bottom = panel.y + panel.height - 42, left = panel.x + 28;
   for (int i = 0; i < kBars; ++i) {
     const float wave = 0.5f + 0.5f * std::sin(0.55f * static_cast<float>(i) - 1.1f);
-    const float size = 22 + 84 * wave + 34 * Chance(static_cast<uint32_t>(i) + 900);
+    const float size = 22 + 70 * wave + 26 * Chance(static_cast<uint32_t>(i) + 900);
     const auto height = static_cast<int>(size);
     const int x = left + i * kPitch;
     s.screen.DrawObject({x, bottom - height, 10, height}, i == 15 ? *chosen : *usual);
     s.screen.DrawObject({x, bottom + 3, 10, 24}, *mirrored);
     s.screen.DrawRect({x, bottom - height - 6, 10, 2}, {0x90FFFFFF});
-    if (i == 15)
+    if (i == 15) {
       DrawGlow(s, static_cast<float>(x) + 5, static_cast<float>(bottom - height), 90, kGold);
+      s.lettering.Label(s.screen, "118", {x + 5, bottom - height - 26}, kGold, Align::Centre);
+    }
   }
 }
 
@@ -289,6 +314,7 @@ void DrawPoster(const Studio& s) {
   DrawBackground(s);
   DrawLineArt(s);
   DrawCards(s);
+  DrawTitle(s);
   DrawAvatars(s);
   DrawProgress(s);
   DrawChart(s, {836, 52, 392, 194});
@@ -305,8 +331,10 @@ int main(int argc, char** argv) {
   if (!graphics) return 1;
   const BitmapPtr screen(graphics->CreateScreen(kWidth, kHeight, true));
   if (!screen) return 1;
+  Lettering lettering(ZIRK_EXAMPLE_FONTS);
   const Studio studio{*graphics,
                       *screen,
+                      lettering,
                       LoadPicture(*graphics, "lake.jpg"),
                       LoadPicture(*graphics, "balloon.png"),
                       MakeGlow(*graphics, 256),

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "showcase/brushes.h"
+
+namespace ZIRK::showcase {
+
+enum class Align { Left, Centre, Right };
+
+/// The fonts of the picture, and text set with them. Each has a fallback font for the scripts that
+/// it lacks.
+class Lettering {
+ public:
+  /// `folder` ends in a slash.
+  explicit Lettering(const std::string& folder);
+
+  /// Small letters; (x, y) is the top of the line's left end, middle or right end.
+  void Label(VuBitmap& target, const char* text, VuPoint at, VuColor color,
+             Align align = Align::Left) const;
+  /// The same in bold.
+  void Heading(VuBitmap& target, const char* text, VuPoint at, VuColor color,
+               Align align = Align::Left) const;
+  /// Middle-sized letters, placed and turned by a matrix.
+  void Caption(VuBitmap& target, const char* text, VuPoint at, VuColor color,
+               const Matrix& place) const;
+  /// Large letters with an outline.
+  void Title(VuBitmap& target, const char* text, VuPoint at, VuColor color, VuColor outline,
+             const Matrix& place);
+
+ private:
+  std::unique_ptr<VuFont> label_, heading_, caption_, title_;
+};
+
+}  // namespace ZIRK::showcase
