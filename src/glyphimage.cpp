@@ -5,6 +5,7 @@
 
 #include FT_BITMAP_H
 
+#include <algorithm>
 #include <memory>
 
 #include "freetypeerror.h"
@@ -17,6 +18,17 @@ struct StrokerDone {
   void operator()(FT_Stroker stroker) const { FT_Stroker_Done(stroker); }
 };
 using StrokerHandle = std::unique_ptr<FT_StrokerRec_, StrokerDone>;
+
+/// A bitmap of FreeType's that is given back whatever happens.
+struct GreyBitmap {
+  explicit GreyBitmap(FT_Library library_) : library(library_) { FT_Bitmap_Init(&bitmap); }
+  ~GreyBitmap() { FT_Bitmap_Done(library, &bitmap); }
+  GreyBitmap(const GreyBitmap&) = delete;
+  GreyBitmap& operator=(const GreyBitmap&) = delete;
+
+  FT_Library library;
+  FT_Bitmap bitmap;
+};
 
 /// For "return Failed(...)": false, after the line.
 bool Failed(const char* format, FT_Error error) {
@@ -87,10 +99,16 @@ bool GlyphImage::Stroke(FT_Stroker stroker, int outlineType) {
   return error == 0 || Failed("%s: failed to FT_Error (0x%02x) : %s", error);
 }
 
-void GlyphImage::Embolden(const Glyph& glyph) {
+void GlyphImage::Embolden(const Glyph& glyph, int limit) {
+  const FT_Pos strength = glyph.face->size->metrics.height / 50;
+  // In whole pixels, as FreeType rounds it.
+  const auto added = static_cast<int>((strength + 32) >> 6);
+  if (std::max(Width(), Height()) + added > limit) {
+    missing_ = added;
+    return;
+  }
   // Otherwise the slot's bitmap may belong to the rasteriser.
   if (FT_GlyphSlot_Own_Bitmap(glyph.face->glyph)) return;
-  const FT_Pos strength = glyph.face->size->metrics.height / 50;
   FT_Bitmap_Embolden(library_, bitmap_, strength, strength);
 }
 
@@ -100,8 +118,8 @@ std::optional<GlyphImage::Coverage> GlyphImage::ToCoverage() {
   if (isCoverage && bitmap.pitch >= 0)
     return Coverage{bitmap.buffer, static_cast<unsigned>(bitmap.pitch)};
   // Bitmaps of 1, 2 or 4 bits, and of colours.
-  FT_Bitmap grey;
-  FT_Bitmap_Init(&grey);
+  GreyBitmap converted(library_);
+  FT_Bitmap& grey = converted.bitmap;
   if (const FT_Error error = FT_Bitmap_Convert(library_, bitmap_, &grey, 1)) {
     Failed("%s: FT_Error (0x%02x) : %s", error);
     return std::nullopt;
@@ -113,9 +131,7 @@ std::optional<GlyphImage::Coverage> GlyphImage::ToCoverage() {
     for (unsigned x = 0; x < grey.width; ++x)
       converted_[size_t(y) * grey.width + x] =
           static_cast<uint8_t>(row[x] * 255 / (grey.num_grays - 1));
-  const unsigned pitch = grey.width;
-  FT_Bitmap_Done(library_, &grey);
-  return Coverage{converted_.data(), pitch};
+  return Coverage{converted_.data(), grey.width};
 }
 
 }  // namespace ZIRK

@@ -23,10 +23,14 @@ class GlyphImage {
 
   /// Renders what `glyph` names. False after an error line.
   bool Render(const Glyph& glyph);
-  /// Makes the strokes bolder, by an amount that goes with the face's size.
-  void Embolden(const Glyph& glyph);
+  /// Makes the strokes bolder, by an amount that goes with the face's size. A bitmap that would
+  /// exceed `limit` on a side only gets the size: the pixels could take minutes.
+  void Embolden(const Glyph& glyph, int limit);
 
   const FT_Bitmap& Bitmap() const { return *bitmap_; }
+  /// Of the bitmap; where it was too large to be made bolder, what it would have then.
+  int64_t Width() const { return int64_t{bitmap_->width} + missing_; }
+  int64_t Height() const { return int64_t{bitmap_->rows} + missing_; }
   int Left() const { return left_; }
   int Top() const { return top_; }
 
@@ -47,6 +51,7 @@ class GlyphImage {
   FT_Bitmap* bitmap_ = nullptr;
   int left_ = 0;
   int top_ = 0;
+  int missing_ = 0;  ///< Columns and rows that emboldening would have added.
   std::vector<uint8_t> converted_;
 };
 

@@ -27,7 +27,7 @@ class StepCache {
 
   std::optional<int> Find(uint32_t previous, uint32_t code, unsigned outline) const {
     const Slots* const slots = slots_.load(std::memory_order_acquire);
-    if (!slots) return std::nullopt;
+    if (!slots || outline >= kOutlines) return std::nullopt;
     const uint64_t key = Key(previous, code, outline);
     for (size_t i : Places(key)) {
       const uint64_t word = (*slots)[i].load(std::memory_order_relaxed);

@@ -5,9 +5,11 @@
 #include <zirk/vutextureatlasimpl.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -42,7 +44,7 @@ void Change(int32_t& field, int64_t value) {
   if (field != value) field = static_cast<int32_t>(value);
 }
 
-/// Design units in pixels: twice the value plus one, halved, with divisions toward zero.
+/// Design units in pixels, rounded half up where they are positive: the divisions go toward zero.
 int ToPixels(int designUnits, int pixelSize, int unitsPerEm) {
   // A font of bitmaps alone has no such units.
   if (unitsPerEm == 0) return 0;
@@ -362,13 +364,16 @@ void VuFontAtlas::LoadGlyph(Glyph& glyph, bool render) const {
                  index);
   GlyphImage image(s.library);
   if (!image.Render(glyph)) return;
-  if (render && s.bold && !(glyph.face->style_flags & FT_STYLE_FLAG_BOLD)) image.Embolden(glyph);
+  if (render && s.bold && !(glyph.face->style_flags & FT_STYLE_FLAG_BOLD))
+    image.Embolden(glyph, kAtlasHeightLimit);
 
   const FT_Bitmap& bitmap = image.Bitmap();
   Change(glyph.left, image.Left());
-  Change(glyph.width, bitmap.width);
-  Change(glyph.height, bitmap.rows);
-  Change(glyph.advance, glyph.face->glyph->advance.x >> 6);
+  Change(glyph.width, image.Width());
+  Change(glyph.height, image.Height());
+  // Who measures reads the advance of a glyph in the table, and remembers it.
+  if (s.glyphs.Find(GlyphTraits::KeyOf(glyph)) != &glyph)
+    glyph.advance = static_cast<int32_t>(glyph.face->glyph->advance.x >> 6);
   Change(glyph.top, s.ascender - image.Top());
   s.maxGlyphHeight = std::max(s.maxGlyphHeight, glyph.height);
   ZIRK_LOG_DEBUG("%s: '%c' charcode 0x%x index %d width %d advance %d left %d height %d top %d",
@@ -412,8 +417,8 @@ BinRect VuFontAtlas::State::FindRoom(int width, int height, uint32_t index,
                 glyph, region.width, 0);
   const int wanted = std::min(atlas->GetHeight() + maxGlyphHeight + margin_, kAtlasHeightLimit);
   const bool losesContents = atlas->GetGraphics()->GetGraphicsType() == 0;
-  // An atlas of full height gains nothing by another bitmap of its size, save where that is what
-  // empties it.
+  // An atlas of full height is not moved to another bitmap of its size, 4 MiB for every glyph that
+  // finds no room, save where that is what empties it.
   const bool resizes = wanted != atlas->GetHeight() || losesContents;
   const int granted = resizes ? atlas->Resize(kAtlasWidth, wanted).height : wanted;
   if (losesContents || granted != wanted) font.ResetGlyphs();

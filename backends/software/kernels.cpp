@@ -12,6 +12,8 @@
 #error "ZIRK_KERNELS names the table that this build defines"
 #endif
 
+static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "vectors are taken apart as bytes");
+
 namespace ZIRK::backends {
 
 namespace {
@@ -526,9 +528,8 @@ ZIRK_INLINE void LoadPairs(const uint32_t* p, Integers at, Pixels& left, Pixels&
   }
 #endif
   const Pixels even = Indices() * 2, odd = even + 1;
-  constexpr bool kLittleEndian = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__;
-  left = __builtin_shuffle((Pixels)low, (Pixels)high, kLittleEndian ? even : odd);
-  right = __builtin_shuffle((Pixels)low, (Pixels)high, kLittleEndian ? odd : even);
+  left = __builtin_shuffle((Pixels)low, (Pixels)high, even);
+  right = __builtin_shuffle((Pixels)low, (Pixels)high, odd);
 }
 
 /// Some of the neighbours may lie beyond the limits.

@@ -16,7 +16,8 @@ class VuFontImpl;
 ///     screen->DrawText(*font, "Hello", VuPoint{10, 10}, VuColor{0xFFFFFFFF});
 ///
 /// A font whose file cannot be opened is said so in an error line; its measures are 0 and it draws
-/// nothing. Any thread may measure; the setters may not run at the same time as another call.
+/// nothing. Any thread may measure and draw with it; the setters may not run at the same time as
+/// another call.
 class ZIRK_API VuFont {
  public:
   enum class OutlineType : int32_t {
@@ -42,7 +43,8 @@ class ZIRK_API VuFont {
                                         int pixelSize, bool bold, bool italic);
 
   /// Makes CreateFont(), as not bold and not italic, and CreateFontEx() return whatever `fn` does,
-  /// null included; an empty `fn` ends that. To be set before several threads create fonts.
+  /// null included; an empty `fn` ends that. To be set before several threads create fonts, and not
+  /// by `fn` itself.
   static void SetFontOverride(
       std::function<VuFont*(const char* path, int faceIndex, int pixelSize, bool bold, bool italic)>
           fn);
