@@ -30,7 +30,7 @@ class BitmapBase : public Base {
 
   void Reserved() final {}
 
-  void SetName(const char* name) final { entry_->Rename(name); }
+  void SetName(const char* name) override { entry_->Rename(name); }
 
   VuRect GetBounds() const final { return {0, 0, state_.width, state_.height}; }
 
@@ -78,10 +78,13 @@ class BitmapBase : public Base {
   }
   void DrawRect(VuRect rect, VuColor color, VuTransform t, VuBitmapImpl* mask,
                 VuTVector2D<float>* maskCoords) final {
+    if (IsIdentity(t)) return this->DrawRect(rect, color, kIdentity, mask, maskCoords);
     this->DrawRect(rect, color, VuTMatrix2D<float>(t), mask, maskCoords);
   }
   void DrawObject(VuRect dst, VuBitmapImpl* src, VuRect srcRect, VuTransform t, VuColor color,
                   VuBitmapImpl* mask, VuTVector2D<float>* maskCoords) final {
+    if (IsIdentity(t))
+      return this->DrawObject(dst, src, srcRect, kIdentity, color, mask, maskCoords);
     this->DrawObject(dst, src, srcRect, VuTMatrix2D<float>(t), color, mask, maskCoords);
   }
   void DrawText(VuFontImpl* font, const char* text, VuPoint pos, VuColor color, VuTransform t,
@@ -93,6 +96,13 @@ class BitmapBase : public Base {
   SurfaceState state_;
 
  private:
+  // The usual transform is not made into a matrix each time.
+  static inline const VuTMatrix2D<float> kIdentity;
+  static bool IsIdentity(const VuTransform& t) {
+    return t.translateX == 0 && t.translateY == 0 && t.scaleX == 1 && t.scaleY == 1 &&
+           t.rotation == 0;
+  }
+
   std::unique_ptr<SurfaceLedger::Entry> entry_;
 };
 

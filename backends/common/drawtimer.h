@@ -9,15 +9,19 @@ namespace ZIRK::backends {
 /// Adds the time of the scope it stands in to `draw_time` or `swap_time` while LogPerf is set.
 class DrawTimer {
  public:
-  static DrawTimer Drawing() { return DrawTimer(draw_time, drawRemainder_); }
-  static DrawTimer Swapping() { return DrawTimer(swap_time, swapRemainder_); }
+  static DrawTimer Drawing() {
+    return LogPerf ? DrawTimer(draw_time, drawRemainder_) : DrawTimer();
+  }
+  static DrawTimer Swapping() {
+    return LogPerf ? DrawTimer(swap_time, swapRemainder_) : DrawTimer();
+  }
 
   ~DrawTimer() {
-    if (!running_) return;
+    if (!microseconds_) return;
     const auto spent = std::chrono::nanoseconds(Clock::now() - start_).count();
-    remainder_ += static_cast<uint64_t>(spent);
-    microseconds_ += static_cast<uint32_t>(remainder_ / 1000);
-    remainder_ %= 1000;
+    *remainder_ += static_cast<uint64_t>(spent);
+    *microseconds_ += static_cast<uint32_t>(*remainder_ / 1000);
+    *remainder_ %= 1000;
   }
   DrawTimer(const DrawTimer&) = delete;
   DrawTimer& operator=(const DrawTimer&) = delete;
@@ -25,20 +29,20 @@ class DrawTimer {
  private:
   using Clock = std::chrono::steady_clock;
 
+  DrawTimer() = default;
   DrawTimer(uint32_t& microseconds, uint64_t& remainder)
-      : microseconds_(microseconds), remainder_(remainder), running_(LogPerf) {
-    if (running_) start_ = Clock::now();
-  }
+      : microseconds_(&microseconds), remainder_(&remainder), start_(Clock::now()) {}
 
   // Nanoseconds left over from last time: one drawing operation often takes less than a
   // microsecond.
   static inline thread_local uint64_t drawRemainder_ = 0;
   static inline thread_local uint64_t swapRemainder_ = 0;
 
-  uint32_t& microseconds_;
-  uint64_t& remainder_;
-  const bool running_;
-  Clock::time_point start_{};
+  // Null where nothing is measured: to find out where a thread's own variables lie takes longer
+  // than a small operation.
+  uint32_t* const microseconds_ = nullptr;
+  uint64_t* const remainder_ = nullptr;
+  const Clock::time_point start_{};
 };
 
 }  // namespace ZIRK::backends

@@ -11,7 +11,7 @@
 
 namespace ZIRK::backends {
 
-FbGraphics::FbGraphics() : atlases_(std::make_shared<AtlasGraphics>(Ledger(), kType)) {}
+FbGraphics::FbGraphics() : atlases_(std::make_shared<SoftwareAtlases>(Ledger(), kType)) {}
 
 ImageSize FbGraphics::ScreenSize(int index) const {
   const auto size = FramebufferDevice::SizeOf(FramebufferDevice::PathOf(index));

@@ -2,8 +2,8 @@
 
 #include <memory>
 
+#include "images/atlasgraphics.h"
 #include "images/graphicsbase.h"
-#include "software/atlasgraphics.h"
 
 namespace ZIRK::backends {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "common/pixelmath.h"
-#include "software/pixeltraits.h"
+#include "common/pixeltraits.h"
 #include "software/texture.h"
 
 namespace ZIRK::backends {

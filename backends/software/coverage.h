@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "software/box.h"
-#include "software/placement.h"
+#include "common/box.h"
+#include "common/placement.h"
 
 namespace ZIRK::backends {
 

@@ -7,12 +7,13 @@
 #include <optional>
 #include <utility>
 
+#include "common/hairline.h"
+#include "common/placement.h"
 #include "common/surfacestate.h"
 #include "software/blender.h"
 #include "software/coverage.h"
 #include "software/mask.h"
 #include "software/pixelbuffer.h"
-#include "software/placement.h"
 
 namespace ZIRK::backends {
 
@@ -62,8 +63,6 @@ class Painter {
   }
 
  private:
-  struct Segment;
-
   bool DrawUnscaled(const Extent& dst, const Operand& src, const Extent& srcRect, const MatrixF& m,
                     VuColor color);
   void PaintBox(const Box& whole, const Texture* texture, uint32_t color);
@@ -78,9 +77,9 @@ class Painter {
                 const Mask* mask, const QuadCoverage* coverage);
   void PaintRun(int x0, int x1, int y, const uint32_t* pixels, uint32_t color, const Mask* mask,
                 const uint8_t* alpha);
-  void DrawSlantedLine(const Segment& line, uint32_t color);
-  void DrawMaskedLine(const Segment& line, uint32_t color, const Operand& mask, Point first,
-                      Point last);
+  void DrawSlantedLine(const Hairline& line, uint32_t color);
+  void DrawMaskedLine(const Hairline& line, uint32_t color, const Operand& mask,
+                      const LineEnds& ends);
   void Refresh() {
     if (revision_ != state_.revision) TakeState();
   }

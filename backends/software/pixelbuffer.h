@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <memory>
 
-#include "software/box.h"
+#include "common/box.h"
 
 namespace ZIRK::backends {
 

@@ -4,9 +4,9 @@
 #include <cstring>
 
 #include "common/pixelmath.h"
+#include "common/pixeltraits.h"
 #include "common/surfaceformat.h"
 #include "software/kernels.h"
-#include "software/pixeltraits.h"
 #include "software/texture.h"
 
 namespace ZIRK::backends {
@@ -55,16 +55,8 @@ bool SetPixels(PixelBuffer& pixels, const VuRect& rect, const void* src, unsigne
 }
 
 Box CopyPixels(PixelBuffer& dst, VuPoint at, const PixelBuffer& src, const VuRect& srcRect) {
-  const Box wanted = Intersection(ToBox(srcRect), src.Bounds());
-  if (wanted.IsEmpty()) return {};
-  const int64_t moveX = int64_t{at.x} - srcRect.x, moveY = int64_t{at.y} - srcRect.y;
-  const auto cut = [](int64_t v, int limit) {
-    return static_cast<int>(std::clamp<int64_t>(v, 0, limit));
-  };
-  const Box box = {cut(wanted.x0 + moveX, dst.Width()), cut(wanted.y0 + moveY, dst.Height()),
-                   cut(wanted.x1 + moveX, dst.Width()), cut(wanted.y1 + moveY, dst.Height())};
+  const auto [box, srcX, srcY] = PlanCopy(at.x, at.y, dst.Bounds(), srcRect, src.Bounds());
   if (box.IsEmpty()) return {};
-  const int srcX = static_cast<int>(box.x0 - moveX), srcY = static_cast<int>(box.y0 - moveY);
   const bool sameFormat = dst.Format() == src.Format();
   // Within one surface rows are copied from the side that is overwritten last.
   const bool upwards = &dst == &src && box.y0 > srcY;

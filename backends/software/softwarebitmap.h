@@ -13,7 +13,7 @@
 #include "common/drawtimer.h"
 #include "common/surfaceformat.h"
 #include "common/textlayout.h"
-#include "software/atlasgraphics.h"
+#include "images/atlasgraphics.h"
 #include "software/painter.h"
 #include "software/pixeltransfer.h"
 #include "software/textdrawing.h"
@@ -218,6 +218,20 @@ class SoftwareSurface : public BitmapBase<Base> {
 class SoftwareBitmap final : public SoftwareSurface<VuBitmapImpl> {
  public:
   using SoftwareSurface::SoftwareSurface;
+};
+
+/// Makes the atlases' bitmaps.
+class SoftwareAtlases final : public AtlasGraphics {
+ public:
+  using AtlasGraphics::AtlasGraphics;
+
+ protected:
+  std::unique_ptr<VuBitmapImpl> MakeBitmap(Entry entry, int width, int height,
+                                           VuPixelFormat format) override {
+    // Clearing it would take longer than packing the glyphs.
+    return std::make_unique<SoftwareBitmap>(std::move(entry), width, height, format,
+                                            shared_from_this(), PixelBuffer::Contents::Undefined);
+  }
 };
 
 template <class Base>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "common/textlayout.h"
-#include "software/atlasgraphics.h"
+#include "images/atlasgraphics.h"
 #include "software/painter.h"
 
 namespace ZIRK::backends {

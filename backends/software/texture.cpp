@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "common/pixeltraits.h"
 #include "software/kernels.h"
-#include "software/pixeltraits.h"
 
 namespace ZIRK::backends {
 

@@ -5,10 +5,10 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "software/box.h"
+#include "common/box.h"
+#include "common/placement.h"
 #include "software/kernels.h"
 #include "software/pixelbuffer.h"
-#include "software/placement.h"
 
 namespace ZIRK::backends {
 

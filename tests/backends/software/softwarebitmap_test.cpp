@@ -26,7 +26,7 @@ class SoftwareBitmaps : public testing::Test {
   }
 
   std::shared_ptr<SurfaceLedger> ledger_ = SurfaceLedger::Create(1 << 24);
-  std::shared_ptr<AtlasGraphics> atlases_ = std::make_shared<AtlasGraphics>(ledger_, 5);
+  std::shared_ptr<AtlasGraphics> atlases_ = std::make_shared<SoftwareAtlases>(ledger_, 5);
 };
 
 TEST_F(SoftwareBitmaps, StartTransparentOrBlack) {

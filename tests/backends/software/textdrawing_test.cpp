@@ -33,7 +33,7 @@ struct Context {
   }
 
   std::shared_ptr<SurfaceLedger> ledger;
-  std::shared_ptr<AtlasGraphics> atlases = std::make_shared<AtlasGraphics>(ledger, 5);
+  std::shared_ptr<AtlasGraphics> atlases = std::make_shared<SoftwareAtlases>(ledger, 5);
 };
 
 const std::vector<uint32_t> kNothing(kWidth* kHeight);

@@ -1,12 +1,10 @@
-#include "software/atlasgraphics.h"
+#include "images/atlasgraphics.h"
 
 #include <zirk/impl/log.h>
 #include <zirk/impl/vuscreenimpl.h>
 
 #include <type_traits>
 #include <utility>
-
-#include "software/softwarebitmap.h"
 
 namespace ZIRK::backends {
 
@@ -42,13 +40,6 @@ std::shared_ptr<AtlasGraphics> AtlasGraphics::Find(const VuGraphicsImpl* graphic
 std::unique_ptr<VuScreenImpl> AtlasGraphics::MakeScreen(Entry, const VuScreenDescription&) {
   ZIRK_LOG_ERROR("the maker of glyph atlases makes no screens");
   return nullptr;
-}
-
-std::unique_ptr<VuBitmapImpl> AtlasGraphics::MakeBitmap(Entry entry, int width, int height,
-                                                        VuPixelFormat format) {
-  // Of an atlas only the glyphs are read, and clearing it would take longer than packing them.
-  return std::make_unique<SoftwareBitmap>(std::move(entry), width, height, format,
-                                          shared_from_this(), PixelBuffer::Contents::Undefined);
 }
 
 std::unique_ptr<VuBitmapImpl> AtlasGraphics::MakePicture(Entry, int, int, Image&, VuScaleMode) {

@@ -1,4 +1,4 @@
-#include "software/placement.h"
+#include "common/placement.h"
 
 #include <algorithm>
 #include <cmath>

@@ -11,9 +11,9 @@ namespace ZIRK::backends {
 ///
 /// A font keeps whoever made its atlas's bitmap, to make a larger one, and may outlive the context.
 /// So that is not the context but this, which every surface of the context and every bitmap of an
-/// atlas hold on to.
-class AtlasGraphics final : public GraphicsBase,
-                            public std::enable_shared_from_this<AtlasGraphics> {
+/// atlas hold on to. What is left to a backend is to make a bitmap, which need not be cleared: only
+/// the glyphs are read.
+class AtlasGraphics : public GraphicsBase, public std::enable_shared_from_this<AtlasGraphics> {
  public:
   /// The bitmaps are in the context's books. `graphicsType` is the context's. Owned by a
   /// std::shared_ptr.
@@ -29,15 +29,12 @@ class AtlasGraphics final : public GraphicsBase,
   void Flush() override {}
   int GetGraphicsType() const override { return graphicsType_; }
 
- protected:
-  std::unique_ptr<VuScreenImpl> MakeScreen(Entry entry,
-                                           const VuScreenDescription& description) override;
-  std::unique_ptr<VuBitmapImpl> MakeBitmap(Entry entry, int width, int height,
-                                           VuPixelFormat format) override;
-  std::unique_ptr<VuBitmapImpl> MakePicture(Entry entry, int width, int height, Image& image,
-                                            VuScaleMode scaleMode) override;
-
  private:
+  std::unique_ptr<VuScreenImpl> MakeScreen(Entry entry,
+                                           const VuScreenDescription& description) final;
+  std::unique_ptr<VuBitmapImpl> MakePicture(Entry entry, int width, int height, Image& image,
+                                            VuScaleMode scaleMode) final;
+
   const int graphicsType_;
   std::mutex drawingMutex_;
   AtlasGraphics* next_;  ///< In the list of all that exist.

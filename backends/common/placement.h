@@ -5,7 +5,7 @@
 
 #include <optional>
 
-#include "software/box.h"
+#include "common/box.h"
 
 namespace ZIRK::backends {
 

@@ -43,4 +43,26 @@ inline Box ToBox(const VuRect& r) {
   return {r.x, r.y, end(r.x, r.width), end(r.y, r.height)};
 }
 
+/// A copy of pixels, cut to what both surfaces have: `box` of the destination is filled from
+/// (srcX, srcY) of the source on.
+struct CopyPlan {
+  Box box;
+  int srcX, srcY;
+};
+
+/// For `srcRect` that is to come to (toX, toY); its box is empty if there is nothing to copy.
+inline CopyPlan PlanCopy(int toX, int toY, const Box& target, const VuRect& srcRect,
+                         const Box& source) {
+  const Box wanted = Intersection(ToBox(srcRect), source);
+  if (wanted.IsEmpty()) return {};
+  const int64_t moveX = int64_t{toX} - srcRect.x, moveY = int64_t{toY} - srcRect.y;
+  const auto cut = [](int64_t v, int limit) {
+    return static_cast<int>(std::clamp<int64_t>(v, 0, limit));
+  };
+  const Box box = {cut(wanted.x0 + moveX, target.x1), cut(wanted.y0 + moveY, target.y1),
+                   cut(wanted.x1 + moveX, target.x1), cut(wanted.y1 + moveY, target.y1)};
+  if (box.IsEmpty()) return {};
+  return {box, static_cast<int>(box.x0 - moveX), static_cast<int>(box.y0 - moveY)};
+}
+
 }  // namespace ZIRK::backends
