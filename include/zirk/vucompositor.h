@@ -4,7 +4,8 @@
 
 namespace ZIRK {
 
-/// One layer's configuration; the compositor plug-in defines its fields.
+/// One layer's configuration: <zirk/layerdescription.h> has the one of our compositor. It is handed
+/// on to the plug-in as it is.
 struct LayerDescription;
 
 /// The process's layer compositor, in the plug-in "GLCompositor". While it is not enabled every
@@ -18,7 +19,8 @@ class ZIRK_API VuCompositor {
 
   /// Hands `count` layers to the compositor.
   static void SetConfiguration(const LayerDescription* layers, int count);
-  /// Fills `layers` and sets `count`; without a compositor only sets `count` to 0.
+  /// Fills `layers`, which has room for GetVirtualLayerCount() of them or is null, and sets
+  /// `count`; without a compositor only sets `count` to 0.
   static void GetConfiguration(LayerDescription* layers, int& count);
   static void EnableLayer(signed char layer, bool enable);
   static int GetVirtualLayerCount();

@@ -2,6 +2,7 @@
 
 /// Everything that an application needs.
 
+#include <zirk/layerdescription.h>
 #include <zirk/vubitmap.h>
 #include <zirk/vubitmapinfo.h>
 #include <zirk/vucolor.h>

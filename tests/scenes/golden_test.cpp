@@ -76,7 +76,8 @@ INSTANTIATE_TEST_SUITE_P(Scenes, Golden,
 TEST_P(Golden, Scene) {
   const auto& [backend, scene] = GetParam();
   const std::unique_ptr<VuGraphics> graphics = Open(backend);
-  ASSERT_NE(graphics, nullptr);
+  ASSERT_TRUE(graphics || MayBeMissing(backend));
+  if (!graphics) GTEST_SKIP() << backend << " does not run here";
   const std::unique_ptr<VuBitmap> target(
       graphics->CreateBitmap(kWidth, kHeight, VuPixelFormat::ARGB8888));
   ASSERT_NE(target, nullptr);
@@ -86,7 +87,7 @@ TEST_P(Golden, Scene) {
   const Picture drawn = examples::PictureOf(*target);
 
   const std::string file = GoldenFile(scene);
-  if (UpdatesGolden() && backend == kBackends[0]) {
+  if (UpdatesGolden() && IsReference(backend)) {
     ASSERT_TRUE(examples::WritePng(file.c_str(), drawn));
     GTEST_SKIP() << "wrote " << file;
   }
@@ -94,13 +95,14 @@ TEST_P(Golden, Scene) {
   ASSERT_TRUE(golden) << "make it with ZIRK_UPDATE_GOLDEN=1, and look at it";
   ASSERT_EQ(golden->pixels.size(), drawn.pixels.size());
 
-  const Difference difference = Compare(drawn, *golden, scene.worst);
-  if (difference.worst <= scene.worst && difference.mean <= scene.mean) return;
+  const double worst = IsReference(backend) ? scene.worst : std::max(scene.worst, scene.elsewhere);
+  const Difference difference = Compare(drawn, *golden, worst);
+  if (difference.worst <= worst && difference.mean <= scene.mean) return;
   const std::string stem = std::string(scene.name) + "_" + backend;
   examples::WritePng((stem + "_drawn.png").c_str(), drawn);
   examples::WritePng((stem + "_difference.png").c_str(), difference.picture);
   const size_t at = std::min(difference.firstPixel, drawn.pixels.size() - 1);
-  FAIL() << "worst difference " << difference.worst << " (" << scene.worst << " allowed), mean "
+  FAIL() << "worst difference " << difference.worst << " (" << worst << " allowed), mean "
          << difference.mean << " (" << scene.mean << " allowed); first at (" << at % kWidth << ", "
          << at / kWidth << "): drawn " << std::hex << drawn.pixels[at] << ", golden "
          << golden->pixels[at] << "; see " << stem << "_drawn.png and _difference.png in "

@@ -33,7 +33,7 @@ TEST_P(Model, EveryPairOfBlendingFactors) {
   const auto src = Noise(9, 9, Format::ARGB8888, 7);
   const auto mask = Noise(9, 9, Format::A8, 8);
   for (const Format format : {Format::ARGB8888, Format::RGB565, Format::A8}) {
-    Trial trial(*graphics_, 20, 20, format);
+    Trial trial(*graphics_, 20, 20, format, GetParam());
     trial.SetBlendColor(VuColor{0xA0C04020});
     for (int s = 0; s <= 14 && !HasFailure(); ++s)
       for (int d = 0; d <= 14 && !HasFailure(); ++d) {
@@ -51,7 +51,7 @@ TEST_P(Model, EveryPairOfBlendingFactors) {
 TEST_P(Model, SeparateFactorsForAlpha) {
   const auto src = Noise(9, 9, Format::ARGB8888, 7);
   Random random(5);
-  Trial trial(*graphics_, 20, 20, Format::ARGB8888);
+  Trial trial(*graphics_, 20, 20, Format::ARGB8888, GetParam());
   trial.SetBlendColor(VuColor{0x60204080});
   for (int i = 0; i < 60 && !HasFailure(); ++i) {
     FillWithNoise(trial.Target(), static_cast<unsigned>(i));
@@ -69,7 +69,7 @@ TEST_P(Model, EveryFormatOntoEveryFormat) {
       SCOPED_TRACE("from " + std::to_string(int(from)) + " to " + std::to_string(int(to)));
       const auto nearest = Noise(13, 11, from, 3);
       const auto bilinear = Noise(13, 11, from, 4, VuScaleMode::Bilinear);
-      Trial trial(*graphics_, 32, 28, to);
+      Trial trial(*graphics_, 32, 28, to, GetParam());
       trial.DrawObject({2, 2, 13, 11}, *nearest, {0, 0, 13, 11});
       trial.DrawObject({2, 2, 13, 11}, *nearest, {0, 0, 13, 11}, {}, VuColor{0xB0FF8040});
       trial.DrawObject({1, 1, 30, 17}, *nearest, {0, 0, 13, 11});
@@ -109,7 +109,7 @@ TEST_P(Model, Transforms) {
       if (HasFailure()) return;
       SCOPED_TRACE(std::string(t.name) + ", scale mode " + std::to_string(int(mode)));
       const auto src = Noise(24, 18, Format::ARGB8888, 3, mode);
-      Trial trial(*graphics_, 48, 48, Format::ARGB8888);
+      Trial trial(*graphics_, 48, 48, Format::ARGB8888, GetParam());
       trial.DrawRect({10, 10, 17, 12}, VuColor{0x9080FF20}, t.transform);
       trial.DrawObject({6, 8, 24, 18}, *src, {0, 0, 24, 18}, t.transform);
       trial.DrawObject({6, 8, 24, 18}, *src, {3, 4, 9, 7}, t.transform, VuColor{0xC0FF80FF});
@@ -120,7 +120,7 @@ TEST_P(Model, Transforms) {
 
 TEST_P(Model, SourcesThatReachBeyondTheirBitmap) {
   const auto src = Noise(16, 12, Format::ARGB8888, 9, VuScaleMode::Bilinear);
-  Trial trial(*graphics_, 40, 40, Format::ARGB8888);
+  Trial trial(*graphics_, 40, 40, Format::ARGB8888, GetParam());
   constexpr VuRect kRects[] = {{-5, -4, 20, 20}, {8, 6, 20, 20}, {-3, 2, 40, 5}, {20, 0, 5, 5}};
   for (const VuRect& r : kRects) {
     trial.DrawObject({4, 4, 30, 30}, *src, r);
@@ -141,7 +141,7 @@ TEST_P(Model, Masks) {
         if (HasFailure()) return;
         const auto mask = Noise(16, 12, format, 5, mode);
         const auto src = Noise(16, 12, Format::ARGB8888, 6);
-        Trial trial(*graphics_, 40, 36, Format::ARGB8888);
+        Trial trial(*graphics_, 40, 36, Format::ARGB8888, GetParam());
         const MaskArgument argument{mask.get(), coords};
         trial.DrawRect({2, 2, 16, 12}, VuColor{0xE0FF2040}, {}, argument);
         trial.DrawRect({2, 2, 35, 30}, VuColor{0xFF40FF40}, {}, argument);
@@ -153,7 +153,7 @@ TEST_P(Model, Masks) {
 }
 
 TEST_P(Model, OntoItself) {
-  Trial trial(*graphics_, 40, 36, Format::ARGB8888);
+  Trial trial(*graphics_, 40, 36, Format::ARGB8888, GetParam());
   trial.Target().SetScaleMode(VuScaleMode::Bilinear);
   VuBitmap& self = trial.Target();
   trial.DrawObject({6, 4, 20, 20}, self, {2, 3, 20, 20});
@@ -176,7 +176,7 @@ TEST_P(Model, ClippingRectangles) {
                                {INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX},
                                {1, 1, INT32_MAX, INT32_MAX}};
   for (const VuRect& clip : kClips) {
-    Trial trial(*graphics_, 32, 32, Format::ARGB8888);
+    Trial trial(*graphics_, 32, 32, Format::ARGB8888, GetParam());
     trial.Target().SetClippingRect(clip);
     trial.DrawRect({-3, -3, 40, 40}, VuColor{0x80FFFFFF});
     trial.DrawObject({2, 2, 20, 20}, *src, {0, 0, 20, 20}, {}, white, {mask.get()});
@@ -188,7 +188,7 @@ TEST_P(Model, WhatHasNoExtentOrNoPlaceDrawsNothing) {
   const float infinity = std::numeric_limits<float>::infinity();
   const float nan = std::numeric_limits<float>::quiet_NaN();
   const auto src = Noise(8, 8, Format::ARGB8888, 2);
-  Trial trial(*graphics_, 16, 16, Format::ARGB8888);
+  Trial trial(*graphics_, 16, 16, Format::ARGB8888, GetParam());
   VuBitmap& target = trial.Target();
   const model::Picture before(target);
   for (const VuTransform& t :
@@ -283,7 +283,7 @@ TEST_P(Model, RandomOperations) {
   };
   for (int round = 0; round < 300 && !HasFailure(); ++round) {
     SCOPED_TRACE("round " + std::to_string(round));
-    Trial trial(*graphics_, number(10, 60), number(10, 60), kFormats[random() % 6]);
+    Trial trial(*graphics_, number(10, 60), number(10, 60), kFormats[random() % 6], GetParam());
     const auto src = Noise(number(1, 30), number(1, 30), kFormats[random() % 6], random(),
                            VuScaleMode(random() % 2));
     const auto mask = Noise(number(1, 30), number(1, 30), kFormats[random() % 6], random(),

@@ -120,7 +120,7 @@ void Scaled(VuGraphics& g, VuBitmap& t) {
     t.DrawObject(VuRect{4, 4 + i * 70, 61, 53}, *board);
     t.DrawObject(VuRect{70, 4 + i * 70, 13, 17}, *board);
     t.DrawObject(VuRect{90, 4 + i * 70, 60, 60}, *board, VuRect{6, 6, 6, 6});
-    t.DrawObject(VuRect{70, 30 + i * 70, 24, 24}, *board, VuTransform(80, 40, -0.37f, 0.61f, 0));
+    t.DrawObject(VuRect{70, 30 + i * 70, 24, 24}, *board, VuTransform(80, 40, -0.34f, 0.61f, 0));
   }
 }
 
@@ -271,7 +271,8 @@ const std::vector<Scene>& Scenes() {
         {"points", Points},
         {"lines", Lines},
         {"rectangles", Rectangles},
-        {"turned_rectangles", TurnedRectangles},
+        {"turned_rectangles", TurnedRectangles, 1, 0.5, "many lie over each other, each blended",
+         2},
         {"blits", Blits},
         {"scaled", Scaled, 3, 0.5, "weights of a filter have few bits"},
         {"turned", Turned, 3, 0.5, "weights of a filter have few bits"},
@@ -281,7 +282,8 @@ const std::vector<Scene>& Scenes() {
         {"blending_off", BlendingOff, 2, 0.5, "rounded once for the layer and once for the target"},
         {"clipped", Clipped, 3, 0.5, "weights of a filter have few bits"},
         {"onto_itself", OntoItself},
-        {"formats", Formats, 17, 1, "one step of four bits"},
+        {"formats", Formats, 17, 1, "one step of four bits, and elsewhere another one of alpha",
+         21},
         {"images", Images, 6, 0.5, "decoders of JPEG round differently"},
     };
     for (const Scene& scene : TextScenes()) all.push_back(scene);

@@ -16,6 +16,8 @@ struct Scene {
   double worst = 1;
   double mean = 0.5;
   const char* reason = "";
+  /// Largest difference for the backends that the golden pictures are not from, if it is larger.
+  double elsewhere = 0;
 };
 
 constexpr int kWidth = 192;

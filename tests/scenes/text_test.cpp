@@ -202,7 +202,7 @@ TEST_P(Text, IsItsLettersDrawnOneByOne) {
     font.SetOutlineType(l.outline);
     font.SetOutlineThickness(l.thickness);
     const Format format = l.mode == Mode::Narrow ? Format::RGB565 : Format::ARGB8888;
-    Trial trial(*graphics_, 96, 48, format);
+    Trial trial(*graphics_, 96, 48, format, GetParam());
     if (l.mode == Mode::OtherFactors)
       trial.SetFactors(
           {Factor::DstAlpha, Factor::OneMinusSrcColor, Factor::DstAlpha, Factor::OneMinusSrcColor});
@@ -214,8 +214,11 @@ TEST_P(Text, IsItsLettersDrawnOneByOne) {
         DrawLetter(trial, l, letter, *New(letter.width, letter.height, Format::A8),
                    l.masked ? mask.get() : nullptr, float(width), float(font.GetOneLineHeight()));
     const model::Picture expected(trial.Target());
-    // Only what goes through a mask is rounded at other places.
+    // What goes through a mask is rounded at other places. One of Mesa's renderers blends in
+    // floating point, and rounds only once where the letters of a line lie over each other.
     const bool through = l.masked || l.rect.width != 0;
+    const double step = format == Format::RGB565 ? 255.0 / 31 : 1;
+    const double tolerance = through || !IsReference(GetParam()) ? step + 0.1 : 0;
     // First the atlas is made, and grows at every other glyph; then all glyphs are there.
     for (const char* time : {"first time", "again"}) {
       const auto target = New(96, 48, format);
@@ -228,7 +231,7 @@ TEST_P(Text, IsItsLettersDrawnOneByOne) {
       const model::Picture drawn(*target);
       for (size_t i = 0; i < drawn.pixels.size() && !HasFailure(); ++i)
         for (size_t c = 0; c < 4; ++c)
-          ASSERT_NEAR(drawn.pixels[i][c] * 255, expected.pixels[i][c] * 255, through ? 1.1 : 0)
+          ASSERT_NEAR(drawn.pixels[i][c] * 255, expected.pixels[i][c] * 255, tolerance)
               << "pixel (" << i % 96 << ", " << i / 96 << ") channel " << c << ", " << time;
     }
     EXPECT_EQ(font.GetOneLineWidth(l.text), width);
@@ -279,6 +282,8 @@ TEST_P(Text, FallbackFontsComeAndGo) {
 }
 
 TEST_P(Text, ThreadsShareAFontAndChangeTheirOwn) {
+  if (GetParam() == std::string("OpenGLES2"))
+    GTEST_SKIP() << "OpenGL is used from one thread at a time";
   const char* const kTexts[] = {"Sphinx of black", "quartz, judge my", "ÅÉÑ ΩЖД vow", "0123456789"};
   const TestFont reference("sans.ttf", 18);
   // New ones for every round, with glyphs to be rendered.

@@ -30,7 +30,7 @@ struct MaskArgument {
 /// starts each time from what the bitmap held, so that errors do not add up.
 class Trial {
  public:
-  Trial(VuGraphics& graphics, int width, int height, VuPixelFormat format);
+  Trial(VuGraphics& graphics, int width, int height, VuPixelFormat format, const char* backend);
 
   /// The bitmap, to set its state.
   VuBitmap& Target() { return *target_; }
@@ -50,6 +50,7 @@ class Trial {
   void CheckPixel(const model::Operation& op, const model::Picture& before,
                   const model::Picture& after, int x, int y);
 
+  const bool onlyDropsBits_;  ///< Narrow formats are never rounded to.
   std::unique_ptr<VuBitmap> target_;
   model::Factors factors_{VuBlendingFactor::One, VuBlendingFactor::OneMinusSrcAlpha,
                           VuBlendingFactor::One, VuBlendingFactor::OneMinusSrcAlpha};

@@ -9,12 +9,12 @@
 
 namespace ZIRK {
 
-/// As the test plug-in has it, which calls this from SetConfiguration.
-struct LayerDescription {
+namespace {
+
+/// What the test plug-in takes a layer for: it calls this from SetConfiguration.
+struct TestLayer {
   void (*inside)();
 };
-
-namespace {
 
 TEST(Compositor, DoesNothingUntilEnabled) {
   EXPECT_EQ(VuCompositorImpl::GetInstance(), nullptr);
@@ -48,14 +48,16 @@ TEST(Compositor, EnabledTwiceIsOneThatForwards) {
 TEST(Compositor, DisablingWaitsForCallsInProgress) {
   support::Install("GLCompositor", "Independent", "VuCompositor");
   static std::promise<void> entered, leave;
-  const LayerDescription layer{[] {
+  const TestLayer layer{[] {
     entered.set_value();
     leave.get_future().wait();
     fputs("leaving\n", stderr);
   }};
   const auto run = [&] {
     VuCompositor::Enable(true);
-    std::thread caller([&] { VuCompositor::SetConfiguration(&layer, 1); });
+    std::thread caller([&] {
+      VuCompositor::SetConfiguration(reinterpret_cast<const LayerDescription*>(&layer), 1);
+    });
     entered.get_future().wait();
     // Neither of these may wait for the call.
     EXPECT_TRUE(VuCompositor::IsEnabled());

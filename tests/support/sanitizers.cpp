@@ -1,9 +1,17 @@
-// Options of the sanitizers, which look for this function; without one nobody calls it.
+// Options of the sanitizers, which look for these functions; without one nobody calls them.
 
-extern "C" __attribute__((visibility("default"))) const char* __asan_default_options();
+#define ZIRK_SANITIZER_HOOK extern "C" __attribute__((visibility("default")))
+
+ZIRK_SANITIZER_HOOK const char* __asan_default_options();
+ZIRK_SANITIZER_HOOK const char* __lsan_default_suppressions();
 
 /// The address sanitizer guesses where plug-ins keep the storage of threads, and where it guesses
 /// wrong its search for leaks crashes.
 const char* __asan_default_options() {
   return "intercept_tls_get_addr=0";
+}
+
+/// What OpenGL's driver never frees is not ours.
+const char* __lsan_default_suppressions() {
+  return "leak:_dri.so\nleak:libEGL\nleak:libGL\nleak:libLLVM\nleak:libgallium\nleak:libSDL2\n";
 }

@@ -1,0 +1,418 @@
+#include "opengles2/canvas.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <vector>
+
+#include "common/pixelmath.h"
+#include "common/pixeltraits.h"
+#include "common/surfaceformat.h"
+#include "opengles2/polygon.h"
+
+namespace ZIRK::backends {
+
+namespace {
+
+// Where upright pictures are scaled, positions that ought to lie on the border of two texels lie
+// this far beyond it, in the direction of reading, whatever the precision: more than interpolation
+// loses.
+constexpr double kBias = 1.0 / 4096;
+// A texel larger than this many pixels shows how imprecise positions are; shaders that limit what
+// is read are used then.
+constexpr double kSmallestStep = 1.0 / 64;
+
+bool IsFinite(const Extent& r) {
+  return std::isfinite(r.x + r.width) && std::isfinite(r.y + r.height);
+}
+
+bool IsFinite(Point p) {
+  return std::isfinite(p.x) && std::isfinite(p.y);
+}
+
+GLint FilterOf(VuScaleMode mode) {
+  return mode == VuScaleMode::Bilinear ? GL_LINEAR : GL_NEAREST;
+}
+
+/// `a`, which leads to texels, made robust.
+Affine Biased(Affine a, GLint filter) {
+  const bool upright = a.dx.y == 0 && a.dy.x == 0, turned = a.dx.x == 0 && a.dy.y == 0;
+  if (filter != GL_NEAREST || (!upright && !turned)) return a;
+  const Point forward = a.dx + a.dy;
+  a.origin = a.origin + Point{std::copysign(kBias, forward.x), std::copysign(kBias, forward.y)};
+  return a;
+}
+
+Point ToPoint(const VuTVector2D<float>& v) {
+  return {static_cast<double>(v.x()), static_cast<double>(v.y())};
+}
+
+/// Writes one vertex after the other.
+class VertexWriter {
+ public:
+  explicit VertexWriter(float* words) : words_(words) {}
+
+  void Put(double v) { *words_++ = static_cast<float>(v); }
+  void Put(Point p) {
+    Put(p.x);
+    Put(p.y);
+  }
+  void PutColor(uint32_t color) { std::memcpy(words_++, &color, sizeof color); }
+
+ private:
+  float* words_;
+};
+
+void PutPlainQuad(float* words, const Box& box, float s0, float t0, float s1, float t1,
+                  uint32_t color) {
+  const auto x0 = static_cast<float>(box.x0), x1 = static_cast<float>(box.x1);
+  const auto y0 = static_cast<float>(box.y0), y1 = static_cast<float>(box.y1);
+  const auto put = [&](float* at, float x, float y, float s, float t) {
+    at[0] = x;
+    at[1] = y;
+    at[2] = s;
+    at[3] = t;
+    std::memcpy(at + 4, &color, sizeof color);
+  };
+  put(words, x0, y0, s0, t0);
+  put(words + 5, x1, y0, s1, t0);
+  put(words + 10, x1, y1, s1, t1);
+  put(words + 15, x0, y1, s0, t1);
+}
+
+/// Whether the edges of a rectangle with extent can be counted with.
+bool IsNear(const VuRect& r) {
+  constexpr int kLimit = 1 << 24;
+  return r.width > 0 && r.height > 0 && r.width < kLimit && r.height < kLimit && r.x > -kLimit &&
+         r.y > -kLimit && r.x < kLimit && r.y < kLimit;
+}
+
+}  // namespace
+
+/// The vertices around it, and the parallelogram that it is a part of.
+struct GlCanvas::Shape {
+  Polygon outline;
+  Affine toSurface;
+  bool hardEdged;
+};
+
+void GlCanvas::DrawOn(std::unique_ptr<GlTexture> texture) {
+  texture_ = std::move(texture);
+  window_ = nullptr;
+  revision_ = state_.revision - 1;
+}
+
+void GlCanvas::DrawOn(const GlTarget* window) {
+  texture_ = nullptr;
+  window_ = window;
+  revision_ = state_.revision - 1;
+}
+
+/// Whether there is anything to draw on.
+bool GlCanvas::Refresh() {
+  if (revision_ == state_.revision) return target_ && !clip_.IsEmpty();
+  revision_ = state_.revision;
+  blend_ = GlBlend(state_);
+  target_ = Target();
+  clip_ = Intersection(ToBox(state_.clip), {0, 0, state_.width, state_.height});
+  return target_ && !clip_.IsEmpty();
+}
+
+DrawKey GlCanvas::Key() const {
+  DrawKey key;
+  key.target = target_;
+  key.blend = &blend_;
+  return key;
+}
+
+void GlCanvas::DrawRect(const Extent& rect, VuColor color, const MatrixF& m, const GlMask* mask) {
+  if (!Refresh()) return;
+  if (!mask)
+    if (const std::optional<Box> box = PlaceUpright(rect, m))
+      return PaintBox(*box, Premultiply(color));
+  const std::optional<Placement> placement = Place(rect, m, Edges::OnWholePixels);
+  if (!placement) return;
+  const std::optional<MaskPlace> place = mask ? PlaceMask(*mask, *placement) : std::nullopt;
+  if (mask && !place) return;
+  Paint(*placement, Filling(), Premultiply(color), place ? &*place : nullptr);
+}
+
+bool GlCanvas::FillBox(const VuRect& r, VuColor color) {
+  if (!IsNear(r)) return false;
+  if (Refresh()) PaintBox({r.x, r.y, r.x + r.width, r.y + r.height}, Premultiply(color));
+  return true;
+}
+
+bool GlCanvas::BlitBox(const VuRect& dst, const GlOperand& src, const VuRect& srcRect,
+                       const MatrixF& m, VuColor color) {
+  if (!IsInside(srcRect, src.texture->Width(), src.texture->Height())) return false;
+  Box box = {dst.x, dst.y, dst.x, dst.y};
+  if (m.isIdentity() && IsNear(dst)) {
+    box.x1 += dst.width;
+    box.y1 += dst.height;
+  } else {
+    const std::optional<Box> placed =
+        PlaceUpright({double(dst.x), double(dst.y), double(dst.width), double(dst.height)}, m);
+    if (!placed) return false;
+    box = *placed;
+  }
+  if (srcRect.width == 0 || srcRect.height == 0 || !Refresh()) return true;
+  const Box visible = Visible(box);
+  if (visible.IsEmpty()) return true;
+
+  DrawKey key = Key();
+  key.texture = src.texture;
+  float bias = 0;
+  if (box.Width() != srcRect.width || box.Height() != srcRect.height) {
+    key.filter = FilterOf(src.scaleMode);
+    const bool enlarged = kSmallestStep * box.Width() > srcRect.width ||
+                          kSmallestStep * box.Height() > srcRect.height;
+    const bool whole = ToBox(srcRect) == src.texture->Bounds();
+    if (key.filter == GL_NEAREST ? enlarged : !whole) return false;
+    bias = key.filter == GL_NEAREST ? static_cast<float>(kBias) : 0;
+  }
+  float s0 = static_cast<float>(srcRect.x) + bias, t0 = static_cast<float>(srcRect.y) + bias;
+  float s1 = s0 + static_cast<float>(srcRect.width), t1 = t0 + static_cast<float>(srcRect.height);
+  if (!(visible == box)) {
+    const double stepX = double(srcRect.width) / box.Width();
+    const double stepY = double(srcRect.height) / box.Height();
+    s1 = s0 + static_cast<float>((visible.x1 - box.x0) * stepX);
+    t1 = t0 + static_cast<float>((visible.y1 - box.y0) * stepY);
+    s0 += static_cast<float>((visible.x0 - box.x0) * stepX);
+    t0 += static_cast<float>((visible.y0 - box.y0) * stepY);
+  }
+  PutPlainQuad(device_->Pending().Add(key, 1), visible, s0, t0, s1, t1, Premultiply(color));
+  return true;
+}
+
+void GlCanvas::DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m,
+                         const GlMask* mask) {
+  if (!Refresh()) return;
+  const double side = static_cast<double>(size);
+  const Extent square = {p.x + 0.5 - side / 2, p.y + 0.5 - side / 2, side, side};
+  const std::optional<Placement> placement = Place(square, m, Edges::OnWholePixels);
+  if (!placement) return;
+  if (!mask) return Paint(*placement, Filling(), Premultiply(color), nullptr);
+  const MaskPlace place = MaskAt(mask->operand, ToPoint(*mask->coords));
+  const bool finite = IsFinite(place.toMask.origin);
+  Paint(*placement, Filling(), finite ? Premultiply(color) : 0, finite ? &place : nullptr);
+}
+
+void GlCanvas::DrawLine(VuPoint from, VuPoint to, VuColor color, const MatrixF& m,
+                        const GlMask* mask) {
+  if (!Refresh()) return;
+  const std::optional<Hairline> line = PlaceLine(from, to, m);
+  if (!line) return;
+  const Box box = Visible(line->Bounds());
+  if (box.IsEmpty()) return;
+  const uint32_t shade = Premultiply(color);
+  if (mask) {
+    const GlTexture& texture = *mask->operand.texture;
+    const LineEnds ends =
+        MaskEnds(mask->coords, texture.Width(), texture.Height(), from, to, *line);
+    Walk(*line, clip_, [&](int x, int y, int step) {
+      PaintMaskedPixel(x, y, shade, mask->operand, ends.At(*line, step));
+    });
+    return;
+  }
+  // Pixels side by side are drawn as one.
+  Box run;
+  Walk(*line, clip_, [&](int x, int y, int) {
+    const Box pixel = {x, y, x + 1, y + 1};
+    const Box both = Union(run, pixel);
+    if (!run.IsEmpty() && both.Width() > 1 && both.Height() > 1) {
+      PaintBox(run, shade);
+      run = pixel;
+    } else {
+      run = both;
+    }
+  });
+  PaintBox(run, shade);
+}
+
+void GlCanvas::PaintMaskedPixel(int x, int y, uint32_t color, const GlOperand& mask, Point at) {
+  const Box pixel = {x, y, x + 1, y + 1};
+  if (!IsFinite(at)) return PaintBox(pixel, 0);
+  const MaskPlace place = MaskAt(mask, at);
+  const Affine toSurface = {{double(x), double(y)}, {1, 0}, {0, 1}};
+  PaintShape({Polygon(pixel), toSurface, true}, Filling(), color, &place);
+}
+
+void GlCanvas::DrawObject(const Extent& dst, const GlOperand& src, const Extent& srcRect,
+                          Edges edges, const MatrixF& m, VuColor color, const GlMask* mask) {
+  if (!(srcRect.width > 0 && srcRect.height > 0) || !IsFinite(srcRect) || !Refresh()) return;
+  const uint32_t shade = Premultiply(color);
+  const std::optional<Placement> whole = Place(dst, m, edges);
+  const Extent visible = Cut(srcRect, src.texture->Bounds());
+  if (!whole || !(visible.width > 0 && visible.height > 0)) return;
+  const std::optional<MaskPlace> place =
+      mask ? PlaceMask(*mask, mask->primitive ? *mask->primitive : *whole) : std::nullopt;
+  if (mask && !place) return;
+
+  const auto u = [&](double x) { return (x - srcRect.x) / srcRect.width; };
+  const auto v = [&](double y) { return (y - srcRect.y) / srcRect.height; };
+  const Placement part = whole->Part(u(visible.x), v(visible.y), u(visible.x + visible.width),
+                                     v(visible.y + visible.height));
+  const Affine toSource = {{srcRect.x, srcRect.y}, {srcRect.width, 0}, {0, srcRect.height}};
+  const GLint filter = FilterOf(src.scaleMode);
+  const Filling filling = {src.texture, filter, Biased(Compose(toSource, whole->toUnit), filter),
+                           Around(visible)};
+  Paint(part, filling, shade, place ? &*place : nullptr);
+}
+
+void GlCanvas::PaintBox(const Box& box, uint32_t color) {
+  const Box visible = Visible(box);
+  if (visible.IsEmpty()) return;
+  PutPlainQuad(device_->Pending().Add(Key(), 1), visible, -1, -1, -1, -1, color);
+}
+
+std::optional<GlCanvas::MaskPlace> GlCanvas::PlaceMask(const GlMask& mask, const Placement& whole) {
+  const GlTexture& texture = *mask.operand.texture;
+  const double width = texture.Width(), height = texture.Height();
+  Point c[4] = {{0, 0}, {width, 0}, {width, height}, {0, height}};
+  for (int i = 0; mask.coords && i < 4; ++i) {
+    c[i] = ToPoint(mask.coords[i]);
+    if (!IsFinite(c[i])) return std::nullopt;
+  }
+  const GLint filter = FilterOf(mask.operand.scaleMode);
+  const Affine unitToMask = {c[0], c[1] - c[0], c[3] - c[0]};
+  return MaskPlace{mask.operand.texture, filter, Biased(Compose(unitToMask, whole.toUnit), filter),
+                   whole.toUnit, c[0] - c[1] + c[2] - c[3]};
+}
+
+/// One position for all of a shape.
+GlCanvas::MaskPlace GlCanvas::MaskAt(const GlOperand& mask, Point at) {
+  const GLint filter = FilterOf(mask.scaleMode);
+  return {mask.texture, filter, {at, {0, 0}, {0, 0}}, {}, {0, 0}};
+}
+
+void GlCanvas::Paint(const Placement& placement, const Filling& filling, uint32_t color,
+                     const MaskPlace* mask) {
+  const Box box = Visible(placement.box);
+  if (box.IsEmpty()) return;
+  const Point* const c = placement.corners;
+  Shape shape = {Polygon(box), {c[0], c[1] - c[0], c[3] - c[0]}, placement.hardEdged};
+  if (!placement.hardEdged) shape.outline = Polygon::Around(shape.toSurface, box);
+  PaintShape(shape, filling, color, mask);
+}
+
+void GlCanvas::PaintShape(const Shape& shape, const Filling& filling, uint32_t color,
+                          const MaskPlace* mask) {
+  const Polygon& outline = shape.outline;
+  if (outline.count < 3) return;
+  DrawKey key = Key();
+  key.texture = filling.texture;
+  key.filter = filling.filter;
+  if (mask) {
+    key.program = GlProgram::Masked;
+    key.mask = mask->texture;
+    key.maskFilter = mask->filter;
+  } else if (!shape.hardEdged || NeedsLimits(filling)) {
+    key.program = GlProgram::Shaped;
+  }
+  // A hard edge lies where the outline ends; the shape goes on beyond.
+  Affine sides = shape.toSurface;
+  if (shape.hardEdged) {
+    const Box b = outline.Bounds();
+    sides = {{b.x0 - 2.0, b.y0 - 2.0}, {b.Width() + 4.0, 0}, {0, b.Height() + 4.0}};
+  }
+  const auto vertex = [&](VertexWriter& out, Point p) {
+    out.Put(p);
+    out.Put(filling.texture ? filling.toTexture(p.x, p.y) : Point{-1, -1});
+    out.PutColor(color);
+    if (key.program == GlProgram::Plain) return;
+    const Box& l = filling.limits;
+    out.Put(filling.texture ? Point{l.x0 + 0.5, l.y0 + 0.5} : Point{-1, -1});
+    out.Put(filling.texture ? Point{l.x1 - 0.5, l.y1 - 0.5} : Point{-1, -1});
+    out.Put(sides.origin);
+    out.Put(sides.dx);
+    out.Put(sides.dy);
+    out.Put(mask ? mask->toUnit(p.x, p.y) : Point{0, 0});
+    if (key.program == GlProgram::Shaped) return;
+    out.Put(mask->toMask(p.x, p.y));
+    out.Put(mask->twist);
+  };
+  const int quads = (outline.count - 1) / 2;
+  VertexWriter out(device_->Pending().Add(key, quads));
+  for (int i = 0; i < quads; ++i) {
+    vertex(out, outline.points[0]);
+    for (int j = 1; j <= 3; ++j)
+      vertex(out, outline.points[static_cast<size_t>(std::min(2 * i + j, outline.count - 1))]);
+  }
+}
+
+/// Whether a hard-edged filling might read what it must not.
+bool GlCanvas::NeedsLimits(const Filling& filling) {
+  if (!filling.texture) return false;
+  if (filling.filter != GL_NEAREST) return !(filling.limits == filling.texture->Bounds());
+  const Affine& a = filling.toTexture;
+  return std::abs(a.dx.x) + std::abs(a.dy.x) < kSmallestStep ||
+         std::abs(a.dx.y) + std::abs(a.dy.y) < kSmallestStep;
+}
+
+bool GlCanvas::Clear(VuColor color) {
+  const GlTarget* const target = Target();
+  if (!target) return false;
+  // As the format holds it: OpenGL would round what is to be cut.
+  const uint32_t shade = WithPixelTraits(state_.format, [&](auto traits) {
+    using Traits = decltype(traits);
+    const uint32_t held = Traits::Widen(Traits::Narrow(Premultiply(color)));
+    return held;
+  });
+  return device_->Pending().Clear(*target, shade);
+}
+
+bool GlCanvas::Read(const Box& box, void* dst) {
+  const GlTarget* const target = Target();
+  if (!target) return false;
+  if (box.IsEmpty()) return true;
+  device_->Pending().Flush();
+  const GlScope scope(*device_, target->window);
+  if (!scope) return false;
+  device_->Pending().BindFramebuffer(target->framebuffer);
+  ReadFramebuffer(device_->Gl(), *target, box, state_.format, dst);
+  return device_->Check("reading pixels");
+}
+
+bool GlCanvas::Write(const Box& box, const void* src, unsigned pitch) {
+  if (texture_) return texture_->Upload(box, src, pitch);
+  if (box.IsEmpty()) return true;
+  const auto scratch = GlTexture::Create(device_, box.Width(), box.Height(), state_.format);
+  return scratch && scratch->Upload(scratch->Bounds(), src, pitch) && Copy(box, *scratch, 0, 0);
+}
+
+bool GlCanvas::Copy(const Box& box, GlTexture& src, int srcX, int srcY) {
+  static constexpr GlBlend kReplace{};
+  DrawKey key;
+  key.target = Target();
+  key.blend = &kReplace;
+  key.texture = &src;
+  if (!key.target) return false;
+  const auto s = static_cast<float>(srcX), t = static_cast<float>(srcY);
+  PutPlainQuad(device_->Pending().Add(key, 1), box, s, t, s + static_cast<float>(box.Width()),
+               t + static_cast<float>(box.Height()), ~0u);
+  return true;
+}
+
+std::unique_ptr<GlTexture> GlCanvas::Snapshot(const Box& box) {
+  auto copy = GlTexture::Create(device_, box.Width(), box.Height(), state_.format);
+  const GlTarget* const target = Target();
+  if (!copy || !target) return nullptr;
+  if (!target->IsWindow()) {
+    device_->Pending().Flush();
+    const GlScope scope(*device_);
+    if (!scope) return nullptr;
+    device_->Pending().BindFramebuffer(target->framebuffer);
+    copy->CopyFromFramebuffer(box);
+    return copy;
+  }
+  // A window has its rows and its channels in another order.
+  const int pitch = box.Width() * BytesPerPixel(state_.format);
+  std::vector<uint8_t> pixels(static_cast<size_t>(pitch) * static_cast<size_t>(box.Height()));
+  if (!Read(box, pixels.data())) return nullptr;
+  if (!copy->Upload(copy->Bounds(), pixels.data(), static_cast<unsigned>(pitch))) return nullptr;
+  return copy;
+}
+
+}  // namespace ZIRK::backends

@@ -1,0 +1,120 @@
+#pragma once
+
+#include <zirk/vubitmapinfo.h>
+#include <zirk/vucolor.h>
+#include <zirk/vumatrix2d.h>
+#include <zirk/vupoint.h>
+#include <zirk/vurect.h>
+
+#include <memory>
+#include <optional>
+#include <utility>
+
+#include "common/hairline.h"
+#include "common/placement.h"
+#include "common/surfacestate.h"
+#include "opengles2/batch.h"
+#include "opengles2/gldevice.h"
+#include "opengles2/texture.h"
+
+namespace ZIRK::backends {
+
+/// A texture as an operand of a drawing operation.
+struct GlOperand {
+  GlTexture* texture;
+  VuScaleMode scaleMode;
+};
+
+/// A mask with its coordinates: as many as the primitive has, or null.
+struct GlMask {
+  GlOperand operand;
+  const VuTVector2D<float>* coords;
+  const Placement* primitive = nullptr;  ///< If more than what is drawn at a time.
+};
+
+/// What a surface is drawn on, and the drawing operations. Operands are never what is drawn on: who
+/// calls has made a snapshot if they were.
+class GlCanvas {
+ public:
+  using MatrixF = VuTMatrix2D<float>;
+
+  /// `state` lives as long as the canvas; operations go by what it is at the time.
+  GlCanvas(std::shared_ptr<GlDevice> device, const SurfaceState& state)
+      : device_(std::move(device)), state_(state), revision_(state.revision - 1) {}
+
+  GlDevice& Device() const { return *device_; }
+  const std::shared_ptr<GlDevice>& SharedDevice() const { return device_; }
+
+  /// Where drawing goes from now on: a texture of the canvas's own, or a window's framebuffer,
+  /// which has to live as long.
+  void DrawOn(std::unique_ptr<GlTexture> texture);
+  void DrawOn(const GlTarget* window);
+  /// Null where that is a window.
+  GlTexture* Texture() const { return texture_.get(); }
+
+  void DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m, const GlMask* mask);
+  void DrawLine(VuPoint from, VuPoint to, VuColor color, const MatrixF& m, const GlMask* mask);
+  void DrawRect(const Extent& rect, VuColor color, const MatrixF& m, const GlMask* mask);
+  void DrawObject(const Extent& dst, const GlOperand& src, const Extent& srcRect, Edges edges,
+                  const MatrixF& m, VuColor color, const GlMask* mask);
+
+  /// The usual cases, worked out quickly; false, with nothing drawn, in any other.
+  bool FillBox(const VuRect& rect, VuColor color);
+  bool BlitBox(const VuRect& dst, const GlOperand& src, const VuRect& srcRect, const MatrixF& m,
+               VuColor color);
+
+  bool Clear(VuColor color);
+  /// These take boxes inside the surface; rows of `dst` are tight. May throw std::bad_alloc.
+  bool Read(const Box& box, void* dst);
+  bool Write(const Box& box, const void* src, unsigned pitch);
+  /// `box` is where the pixels from (srcX, srcY) on come to lie.
+  bool Copy(const Box& box, GlTexture& src, int srcX, int srcY);
+
+  /// A texture with the pixels of `box`; null after an error line. May throw std::bad_alloc.
+  std::unique_ptr<GlTexture> Snapshot(const Box& box);
+
+ private:
+  /// What fills a shape: the texture and where each position of the surface lies in it.
+  struct Filling {
+    GlTexture* texture = nullptr;
+    GLint filter = GL_NEAREST;
+    Affine toTexture{};
+    Box limits{};  ///< What may be read.
+  };
+  /// Where each position of the surface lies in the mask.
+  struct MaskPlace {
+    GlTexture* texture;
+    GLint filter;
+    Affine toMask;
+    Affine toUnit;
+    Point twist;
+  };
+  struct Shape;
+
+  static std::optional<MaskPlace> PlaceMask(const GlMask& mask, const Placement& whole);
+  static MaskPlace MaskAt(const GlOperand& mask, Point at);
+  static bool NeedsLimits(const Filling& filling);
+
+  const GlTarget* Target() { return texture_ ? texture_->Target() : window_; }
+  bool Refresh();
+  DrawKey Key() const;
+  Box Visible(const Box& box) const { return Intersection(box, clip_); }
+
+  void PaintBox(const Box& box, uint32_t color);
+  void Paint(const Placement& placement, const Filling& filling, uint32_t color,
+             const MaskPlace* mask);
+  void PaintShape(const Shape& shape, const Filling& filling, uint32_t color,
+                  const MaskPlace* mask);
+  void PaintMaskedPixel(int x, int y, uint32_t color, const GlOperand& mask, Point at);
+
+  const std::shared_ptr<GlDevice> device_;
+  const SurfaceState& state_;
+  std::unique_ptr<GlTexture> texture_;
+  const GlTarget* window_ = nullptr;
+  const GlTarget* target_ = nullptr;  ///< As of the last Refresh().
+  GlBlend blend_;
+  Box clip_;
+  unsigned revision_;  ///< Of the state that blending and clip are up to.
+};
+
+}  // namespace ZIRK::backends

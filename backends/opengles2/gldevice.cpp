@@ -1,0 +1,311 @@
+#include "opengles2/gldevice.h"
+
+#include <zirk/impl/log.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <mutex>
+#include <string>
+
+namespace ZIRK::backends {
+
+namespace {
+
+// None of these has a destructor that would run at exit.
+std::recursive_mutex mutex;
+GlDevice* device = nullptr;
+bool exiting = false;
+
+/// Of messages that are kept while SDL makes others.
+constexpr int kErrorLength = 160;
+
+/// A hint of SDL's as it has to be while something of SDL starts; afterwards it is as it was.
+class TemporaryHint {
+ public:
+  TemporaryHint(const char* name, const char* value) : name_(name) {
+    if (const char* before = SDL_GetHint(name)) before_ = before;
+    SDL_SetHint(name, value);
+  }
+  ~TemporaryHint() { SDL_SetHint(name_, before_.empty() ? nullptr : before_.c_str()); }
+  TemporaryHint(const TemporaryHint&) = delete;
+  TemporaryHint& operator=(const TemporaryHint&) = delete;
+
+ private:
+  const char* const name_;
+  std::string before_;
+};
+
+bool DriverIs(const char* name) {
+  const char* const driver = SDL_GetCurrentVideoDriver();
+  return driver && std::strcmp(driver, name) == 0;
+}
+
+}  // namespace
+
+SdlCalls& Sdl() {
+  static SdlCalls calls;
+  return calls;
+}
+
+std::shared_ptr<GlDevice> GlDevice::Acquire() {
+  const std::lock_guard<std::recursive_mutex> lock(mutex);
+  if (device && !device->IsLost())
+    if (auto shared = device->weak_from_this().lock()) return shared;
+  if (exiting) {
+    Fail("no context", "the process exits");
+    return nullptr;
+  }
+  std::shared_ptr<GlDevice> created(new GlDevice);
+  if (!created->Start()) {
+    created->Shutdown();
+    return nullptr;
+  }
+  device = created.get();
+  // The driver has objects with destructors of its own. Those run before the application's static
+  // objects let go of their surfaces, and after this.
+  static const bool registered = std::atexit([] {
+                                   const std::lock_guard<std::recursive_mutex> atExit(mutex);
+                                   exiting = true;
+                                   if (device) device->Shutdown();
+                                 }) == 0;
+  static_cast<void>(registered);
+  return created;
+}
+
+GlDevice::~GlDevice() {
+  const std::lock_guard<std::recursive_mutex> lock(mutex);
+  if (device == this) device = nullptr;
+  Shutdown();
+}
+
+bool GlDevice::Fail(const char* what, const char* why) {
+  ZIRK_LOG_ERROR("OpenGL ES 2: %s: %s", what, why);
+  return false;
+}
+
+bool GlDevice::Start() {
+  return StartVideo() && StartContext();
+}
+
+bool GlDevice::StartVideo() {
+  // SDL belongs to the application, and so do signals and the screen saver.
+  const TemporaryHint signals(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
+  const TemporaryHint screenSaver(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "1");
+  sdlWasIdle_ = SDL_WasInit(0) == 0;
+  videoStarted_ = Sdl().InitSubSystem(SDL_INIT_VIDEO) == 0;
+  if (videoStarted_) return true;
+  char why[kErrorLength];
+  SDL_GetErrorMsg(why, kErrorLength);
+  const char* const named = SDL_GetHint(SDL_HINT_VIDEODRIVER);
+  if (!named || !*named) {
+    // Not every version of SDL comes to this by itself.
+    const TemporaryHint driver(SDL_HINT_VIDEODRIVER, "offscreen");
+    videoStarted_ = Sdl().InitSubSystem(SDL_INIT_VIDEO) == 0;
+  }
+  return videoStarted_ || Fail("no video", why);
+}
+
+bool GlDevice::HasSdlAlone() const {
+  return sdlWasIdle_ && !(SDL_WasInit(0) & ~Uint32{SDL_INIT_VIDEO | SDL_INIT_EVENTS});
+}
+
+bool GlDevice::SetAttributes() {
+  // An opaque window is what an application expects; where there are no others, alpha is kept.
+  const int alphaBits = DriverIs("x11") ? 0 : 8;
+  const struct {
+    SDL_GLattr name;
+    int value;
+  } attributes[] = {
+      {SDL_GL_CONTEXT_PROFILE_MASK, SDL_GL_CONTEXT_PROFILE_ES},
+      {SDL_GL_CONTEXT_MAJOR_VERSION, 2},
+      {SDL_GL_CONTEXT_MINOR_VERSION, 0},
+      {SDL_GL_SHARE_WITH_CURRENT_CONTEXT, 0},
+      {SDL_GL_RED_SIZE, 8},
+      {SDL_GL_GREEN_SIZE, 8},
+      {SDL_GL_BLUE_SIZE, 8},
+      {SDL_GL_ALPHA_SIZE, alphaBits},
+      {SDL_GL_DEPTH_SIZE, 0},
+      {SDL_GL_STENCIL_SIZE, 0},
+      {SDL_GL_DOUBLEBUFFER, 1},
+  };
+  for (const auto& attribute : attributes)
+    if (Sdl().SetAttribute(attribute.name, attribute.value) != 0)
+      return Fail("no such attribute", SDL_GetError());
+  return true;
+}
+
+/// One that reports its loss, where there are such.
+SDL_GLContext GlDevice::CreateContext() {
+  for (const int reports :
+       {SDL_GL_CONTEXT_RESET_LOSE_CONTEXT, SDL_GL_CONTEXT_RESET_NO_NOTIFICATION}) {
+    if (Sdl().SetAttribute(SDL_GL_CONTEXT_RESET_NOTIFICATION, reports) != 0) continue;
+    if (SDL_GLContext context = Sdl().CreateContext(home_)) return context;
+  }
+  return nullptr;
+}
+
+bool GlDevice::StartContext() {
+  if (!SetAttributes()) return false;
+  SdlCalls& sdl = Sdl();
+  // Beside those of the windows, which come and go.
+  if (sdl.LoadLibrary(nullptr) != 0) return Fail("no library", SDL_GetError());
+  libraryLoaded_ = true;
+  if (!OpenHome()) return Fail("no window", SDL_GetError());
+  const OthersContext others;
+  context_ = CreateContext();
+  if (!context_) return Fail("no context", SDL_GetError());
+  if (!MakeCurrent(home_)) return false;
+  if (const char* missing = gl_.Load(sdl.GetProcAddress)) return Fail("no function", missing);
+  loaded_ = true;
+  GLint range[2] = {0, 0}, precision = 0;
+  gl_.GetShaderPrecisionFormat(GL_FRAGMENT_SHADER, GL_HIGH_FLOAT, range, &precision);
+  // Positions in a texture of 2048 pixels do not survive fewer bits; another backend does better.
+  if (precision < 16) return Fail("no use", "the fragment stage has no highp");
+  gl_.LoadExtensions(sdl.GetProcAddress);
+  gl_.GetIntegerv(GL_MAX_TEXTURE_SIZE, &maxTextureSize_);
+  return batch_.Start();
+}
+
+SDL_Window* GlDevice::CreateWindow(int width, int height, int display, bool hidden) {
+  // Nor does the desktop stop its effects for us.
+  const TemporaryHint compositor(SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR, "0");
+  const Uint32 flags = SDL_WINDOW_OPENGL | (hidden ? SDL_WINDOW_HIDDEN : SDL_WINDOW_SHOWN);
+  const auto position = static_cast<int>(
+      SDL_WINDOWPOS_CENTERED_DISPLAY(display < SDL_GetNumVideoDisplays() ? display : 0));
+  return Sdl().CreateWindow("ZIRK", position, position, width, height, flags);
+}
+
+bool GlDevice::OpenHome() {
+  home_ = CreateWindow(64, 64, 0, true);
+  return home_ != nullptr;
+}
+
+SDL_DisplayMode GlDevice::DisplayMode(int index) const {
+  SDL_DisplayMode mode = {};
+  // Off-screen SDL makes up a display.
+  if (IsLost() || DriverIs("offscreen")) return {};
+  if (Sdl().GetDesktopDisplayMode(index, &mode) != 0) return {};
+  return mode;
+}
+
+SDL_Window* GlDevice::OpenWindow(int width, int height, int display) {
+  const OthersContext others(context_);
+  batch_.Flush();
+  if (IsLost()) {
+    Fail("no window", "the context is lost");
+    return nullptr;
+  }
+  // From here on nothing throws.
+  windows_.reserve(windows_.size() + 1);
+  // Without a window system there may be one window only.
+  if (home_) {
+    Release();
+    current_ = nullptr;
+    SDL_DestroyWindow(home_);
+    home_ = nullptr;
+  }
+  SDL_Window* const window = CreateWindow(width, height, display, false);
+  if (window) {
+    windows_.push_back(window);
+    if (MakeCurrent(window)) return window;
+    CloseWindow(window);
+    return nullptr;
+  }
+  char why[kErrorLength];
+  SDL_GetErrorMsg(why, kErrorLength);
+  if (windows_.empty() && !OpenHome())
+    Lose(why);
+  else
+    Fail("no window", why);
+  return nullptr;
+}
+
+void GlDevice::CloseWindow(SDL_Window* window) {
+  const auto at = std::find(windows_.begin(), windows_.end(), window);
+  // After the end of the device there are no windows any more.
+  if (at == windows_.end()) return;
+  const OthersContext others(context_);
+  windows_.erase(at);
+  if (current_ == window) {
+    Release();
+    current_ = nullptr;
+  }
+  SDL_DestroyWindow(window);
+  if (windows_.empty() && !OpenHome()) Lose(SDL_GetError());
+}
+
+bool GlDevice::MakeCurrent(SDL_Window* window) {
+  if (IsLost()) return false;
+  if (!window) window = current_ ? current_ : home_ ? home_ : windows_.front();
+  if (current_ == window && SDL_GL_GetCurrentContext() == context_) return true;
+  if (Sdl().MakeCurrent(window, context_) != 0) {
+    const char* const why = SDL_GetError();
+    // There is no other way to tell it from a context that is current in another thread.
+    if (!std::strstr(why, "CONTEXT_LOST")) return Fail("no current context in this thread", why);
+    Lose(why);
+    return false;
+  }
+  current_ = window;
+  batch_.WindowChanged();
+  return true;
+}
+
+void GlDevice::Release() {
+  if (IsLost() || SDL_GL_GetCurrentContext() != context_) return;
+  Sdl().MakeCurrent(nullptr, nullptr);
+  current_ = nullptr;
+}
+
+bool GlDevice::Check(const char* where) {
+  GLenum first = GL_NO_ERROR;
+  // There may be one of each kind.
+  for (int i = 0; i < 8; ++i) {
+    const GLenum error = gl_.GetError();
+    if (error == GL_NO_ERROR) break;
+    if (first == GL_NO_ERROR) first = error;
+  }
+  if (gl_.GetGraphicsResetStatus && gl_.GetGraphicsResetStatus() != GL_NO_ERROR) {
+    Lose(where);
+    return false;
+  }
+  if (first == GL_NO_ERROR) return true;
+  if (first == GL_OUT_OF_MEMORY) return Fail(where, "out of memory");
+  ZIRK_LOG_ERROR("OpenGL ES 2: %s: error 0x%04x", where, first);
+  return false;
+}
+
+void GlDevice::Lose(const char* why) {
+  Fail("the context is lost", why);
+  // What it had goes with it; there may be no window left to delete that by itself.
+  loaded_ = false;
+  Shutdown();
+}
+
+void GlDevice::Shutdown() {
+  if (context_) {
+    const OthersContext others(context_);
+    if (loaded_ && MakeCurrent()) batch_.Stop();
+    SDL_GL_DeleteContext(context_);
+    context_ = nullptr;
+  }
+  current_ = nullptr;
+  for (SDL_Window* window : windows_) SDL_DestroyWindow(window);
+  windows_.clear();
+  if (home_) SDL_DestroyWindow(home_);
+  home_ = nullptr;
+  if (libraryLoaded_) SDL_GL_UnloadLibrary();
+  libraryLoaded_ = false;
+  if (videoStarted_) SDL_QuitSubSystem(SDL_INIT_VIDEO);
+  videoStarted_ = false;
+}
+
+OthersContext::~OthersContext() {
+  if (context_) Sdl().MakeCurrent(window_, context_);
+}
+
+GlScope::GlScope(GlDevice& owner, SDL_Window* window) : others_(owner.context_) {
+  usable_ = owner.MakeCurrent(window);
+}
+
+}  // namespace ZIRK::backends

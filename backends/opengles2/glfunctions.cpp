@@ -1,0 +1,38 @@
+#include "opengles2/glfunctions.h"
+
+#include <cstring>
+#include <string>
+
+namespace ZIRK::backends {
+
+const char* GlFunctions::Load(void* (*find)(const char*)) {
+#define ZIRK_GL_LOAD(name, type)                   \
+  name = reinterpret_cast<type>(find("gl" #name)); \
+  if (!name) return "gl" #name;
+  ZIRK_GL_FUNCTIONS(ZIRK_GL_LOAD)
+#undef ZIRK_GL_LOAD
+  return nullptr;
+}
+
+void GlFunctions::LoadExtensions(void* (*find)(const char*)) {
+  if (Has("GL_KHR_debug"))
+    ObjectLabel = reinterpret_cast<PFNGLOBJECTLABELKHRPROC>(find("glObjectLabelKHR"));
+  // Both have the same function under names of their own.
+  for (const std::string vendor : {"KHR", "EXT"}) {
+    if (GetGraphicsResetStatus || !Has(("GL_" + vendor + "_robustness").c_str())) continue;
+    GetGraphicsResetStatus = reinterpret_cast<PFNGLGETGRAPHICSRESETSTATUSEXTPROC>(
+        find(("glGetGraphicsResetStatus" + vendor).c_str()));
+  }
+}
+
+bool GlFunctions::Has(const char* extension) const {
+  const auto* all = reinterpret_cast<const char*>(GetString(GL_EXTENSIONS));
+  const size_t length = std::strlen(extension);
+  for (const char* at = all; at && (at = std::strstr(at, extension)); at += length) {
+    const bool begins = at == all || at[-1] == ' ';
+    if (begins && (at[length] == ' ' || at[length] == '\0')) return true;
+  }
+  return false;
+}
+
+}  // namespace ZIRK::backends

@@ -1,0 +1,86 @@
+#pragma once
+
+#include <GLES2/gl2.h>
+#include <GLES2/gl2ext.h>
+
+namespace ZIRK::backends {
+
+/// The functions of OpenGL ES 2.0 that are used here, as the driver has them.
+struct GlFunctions {
+#define ZIRK_GL_FUNCTIONS(X)                                     \
+  X(ActiveTexture, PFNGLACTIVETEXTUREPROC)                       \
+  X(AttachShader, PFNGLATTACHSHADERPROC)                         \
+  X(BindAttribLocation, PFNGLBINDATTRIBLOCATIONPROC)             \
+  X(BindBuffer, PFNGLBINDBUFFERPROC)                             \
+  X(BindFramebuffer, PFNGLBINDFRAMEBUFFERPROC)                   \
+  X(BindTexture, PFNGLBINDTEXTUREPROC)                           \
+  X(BlendColor, PFNGLBLENDCOLORPROC)                             \
+  X(BlendFuncSeparate, PFNGLBLENDFUNCSEPARATEPROC)               \
+  X(BufferData, PFNGLBUFFERDATAPROC)                             \
+  X(BufferSubData, PFNGLBUFFERSUBDATAPROC)                       \
+  X(CheckFramebufferStatus, PFNGLCHECKFRAMEBUFFERSTATUSPROC)     \
+  X(Clear, PFNGLCLEARPROC)                                       \
+  X(ClearColor, PFNGLCLEARCOLORPROC)                             \
+  X(ColorMask, PFNGLCOLORMASKPROC)                               \
+  X(CompileShader, PFNGLCOMPILESHADERPROC)                       \
+  X(CopyTexSubImage2D, PFNGLCOPYTEXSUBIMAGE2DPROC)               \
+  X(CreateProgram, PFNGLCREATEPROGRAMPROC)                       \
+  X(CreateShader, PFNGLCREATESHADERPROC)                         \
+  X(DeleteBuffers, PFNGLDELETEBUFFERSPROC)                       \
+  X(DeleteFramebuffers, PFNGLDELETEFRAMEBUFFERSPROC)             \
+  X(DeleteProgram, PFNGLDELETEPROGRAMPROC)                       \
+  X(DeleteShader, PFNGLDELETESHADERPROC)                         \
+  X(DeleteTextures, PFNGLDELETETEXTURESPROC)                     \
+  X(Disable, PFNGLDISABLEPROC)                                   \
+  X(DrawElements, PFNGLDRAWELEMENTSPROC)                         \
+  X(Enable, PFNGLENABLEPROC)                                     \
+  X(EnableVertexAttribArray, PFNGLENABLEVERTEXATTRIBARRAYPROC)   \
+  X(DisableVertexAttribArray, PFNGLDISABLEVERTEXATTRIBARRAYPROC) \
+  X(Finish, PFNGLFINISHPROC)                                     \
+  X(Flush, PFNGLFLUSHPROC)                                       \
+  X(FramebufferTexture2D, PFNGLFRAMEBUFFERTEXTURE2DPROC)         \
+  X(GenBuffers, PFNGLGENBUFFERSPROC)                             \
+  X(GenFramebuffers, PFNGLGENFRAMEBUFFERSPROC)                   \
+  X(GenTextures, PFNGLGENTEXTURESPROC)                           \
+  X(GetError, PFNGLGETERRORPROC)                                 \
+  X(GetIntegerv, PFNGLGETINTEGERVPROC)                           \
+  X(GetProgramInfoLog, PFNGLGETPROGRAMINFOLOGPROC)               \
+  X(GetProgramiv, PFNGLGETPROGRAMIVPROC)                         \
+  X(GetShaderInfoLog, PFNGLGETSHADERINFOLOGPROC)                 \
+  X(GetShaderPrecisionFormat, PFNGLGETSHADERPRECISIONFORMATPROC) \
+  X(GetShaderiv, PFNGLGETSHADERIVPROC)                           \
+  X(GetString, PFNGLGETSTRINGPROC)                               \
+  X(GetUniformLocation, PFNGLGETUNIFORMLOCATIONPROC)             \
+  X(LinkProgram, PFNGLLINKPROGRAMPROC)                           \
+  X(PixelStorei, PFNGLPIXELSTOREIPROC)                           \
+  X(ReadPixels, PFNGLREADPIXELSPROC)                             \
+  X(ShaderSource, PFNGLSHADERSOURCEPROC)                         \
+  X(TexImage2D, PFNGLTEXIMAGE2DPROC)                             \
+  X(TexParameteri, PFNGLTEXPARAMETERIPROC)                       \
+  X(TexSubImage2D, PFNGLTEXSUBIMAGE2DPROC)                       \
+  X(Uniform1f, PFNGLUNIFORM1FPROC)                               \
+  X(Uniform1i, PFNGLUNIFORM1IPROC)                               \
+  X(Uniform2f, PFNGLUNIFORM2FPROC)                               \
+  X(Uniform4f, PFNGLUNIFORM4FPROC)                               \
+  X(UniformMatrix4fv, PFNGLUNIFORMMATRIX4FVPROC)                 \
+  X(UseProgram, PFNGLUSEPROGRAMPROC)                             \
+  X(VertexAttribPointer, PFNGLVERTEXATTRIBPOINTERPROC)           \
+  X(Viewport, PFNGLVIEWPORTPROC)
+#define ZIRK_GL_MEMBER(name, type) type name = nullptr;
+  ZIRK_GL_FUNCTIONS(ZIRK_GL_MEMBER)
+#undef ZIRK_GL_MEMBER
+
+  // Null where the driver lacks the extension.
+  PFNGLOBJECTLABELKHRPROC ObjectLabel = nullptr;
+  PFNGLGETGRAPHICSRESETSTATUSEXTPROC GetGraphicsResetStatus = nullptr;
+
+  /// Looks all of them up. The name of the first that is missing, or null. Extensions come later,
+  /// when there is a context to ask.
+  const char* Load(void* (*find)(const char*));
+  void LoadExtensions(void* (*find)(const char*));
+
+  /// Whether the current context has the extension.
+  bool Has(const char* extension) const;
+};
+
+}  // namespace ZIRK::backends

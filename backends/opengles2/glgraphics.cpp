@@ -1,0 +1,60 @@
+#include "opengles2/glgraphics.h"
+
+#include <utility>
+#include <vector>
+
+#include "opengles2/glscreen.h"
+
+namespace ZIRK::backends {
+
+GlGraphics::GlGraphics(std::shared_ptr<GlDevice> device)
+    : device_(std::move(device)), atlases_(std::make_shared<GlAtlases>(Ledger(), kType, device_)) {}
+
+void GlGraphics::Flush() {
+  device_->Pending().Flush();
+  {
+    const GlScope scope(*device_);
+    if (!scope) return;
+    device_->Gl().Flush();
+    device_->Check("drawing");
+  }
+  device_->Release();
+}
+
+ImageSize GlGraphics::ScreenSize(int index) const {
+  const SDL_DisplayMode mode = device_->DisplayMode(index);
+  return mode.w > 0 && mode.h > 0 ? ImageSize{mode.w, mode.h} : GraphicsBase::ScreenSize(index);
+}
+
+std::unique_ptr<VuScreenImpl> GlGraphics::MakeScreen(Entry entry,
+                                                     const VuScreenDescription& description) {
+  return GlScreen::Open(std::move(entry), description, device_, atlases_);
+}
+
+std::unique_ptr<VuBitmapImpl> GlGraphics::MakeBitmap(Entry entry, int width, int height,
+                                                     VuPixelFormat format) {
+  auto texture = GlTexture::Create(device_, width, height, format);
+  if (!texture) return nullptr;
+  auto bitmap =
+      std::make_unique<GlBitmap>(std::move(entry), device_, width, height, format, atlases_);
+  bitmap->Canvas().DrawOn(std::move(texture));
+  if (!bitmap->Canvas().Clear(VuColor{0})) return nullptr;
+  return bitmap;
+}
+
+std::unique_ptr<VuBitmapImpl> GlGraphics::MakePicture(Entry entry, int width, int height,
+                                                      Image& image, VuScaleMode scaleMode) {
+  auto texture = GlTexture::Create(device_, width, height, VuPixelFormat::ARGB8888);
+  if (!texture) return nullptr;
+  std::vector<uint32_t> pixels(static_cast<size_t>(width) * static_cast<size_t>(height));
+  const int pitch = width * 4;
+  if (!image.Decode({pixels.data(), pitch, width, height}, scaleMode)) return nullptr;
+  if (!texture->Upload(texture->Bounds(), pixels.data(), static_cast<unsigned>(pitch)))
+    return nullptr;
+  auto bitmap = std::make_unique<GlBitmap>(std::move(entry), device_, width, height,
+                                           VuPixelFormat::ARGB8888, atlases_);
+  bitmap->Canvas().DrawOn(std::move(texture));
+  return bitmap;
+}
+
+}  // namespace ZIRK::backends

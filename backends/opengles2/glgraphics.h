@@ -1,0 +1,35 @@
+#pragma once
+
+#include "images/atlasgraphics.h"
+#include "images/graphicsbase.h"
+#include "opengles2/gldevice.h"
+
+namespace ZIRK::backends {
+
+/// A context whose surfaces are drawn by OpenGL ES 2.
+class GlGraphics final : public GraphicsBase {
+ public:
+  explicit GlGraphics(std::shared_ptr<GlDevice> device);
+
+  /// Afterwards another thread may go on.
+  void Flush() override;
+  int GetGraphicsType() const override { return kType; }
+  int GetMaxTextureSize() const override { return device_->MaxTextureSize(); }
+
+ protected:
+  ImageSize ScreenSize(int index) const override;
+  std::unique_ptr<VuScreenImpl> MakeScreen(Entry entry,
+                                           const VuScreenDescription& description) override;
+  std::unique_ptr<VuBitmapImpl> MakeBitmap(Entry entry, int width, int height,
+                                           VuPixelFormat format) override;
+  std::unique_ptr<VuBitmapImpl> MakePicture(Entry entry, int width, int height, Image& image,
+                                            VuScaleMode scaleMode) override;
+
+ private:
+  static constexpr int kType = 1;
+
+  const std::shared_ptr<GlDevice> device_;
+  const std::shared_ptr<AtlasGraphics> atlases_;
+};
+
+}  // namespace ZIRK::backends

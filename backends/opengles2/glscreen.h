@@ -1,0 +1,53 @@
+#pragma once
+
+#include <zirk/vuscreendescription.h>
+
+#include <memory>
+
+#include "opengles2/gllayers.h"
+#include "opengles2/glsurface.h"
+
+namespace ZIRK::backends {
+
+/// A screen: a window, or all of a display where there is no window system; a texture while there
+/// is a compositor, which makes it one of its layers.
+class GlScreen final : public GlSurface<VuScreenImpl> {
+ public:
+  /// Null after one error line.
+  static std::unique_ptr<GlScreen> Open(std::unique_ptr<SurfaceLedger::Entry> entry,
+                                        const VuScreenDescription& description,
+                                        std::shared_ptr<GlDevice> device,
+                                        std::shared_ptr<AtlasGraphics> atlases);
+  ~GlScreen() override;
+
+  int Index() const { return index_; }
+  /// Another number whenever something has been drawn on the layer; 0 while it is none.
+  unsigned Frame() { return Canvas().Texture() ? Canvas().Texture()->AsTarget()->changes : 0; }
+
+  /// Makes it a layer, with the picture that it has, if it is none yet. False after an error line.
+  bool EnterLayers() { return Canvas().Texture() || Move(true); }
+
+  void SwapBuffers() override;
+
+  /// On a single-buffered screen drawing is seen without a swap.
+  void Finish() override;
+  void Flush() override;
+
+ private:
+  GlScreen(std::unique_ptr<SurfaceLedger::Entry> entry, const VuScreenDescription& description,
+           std::shared_ptr<GlDevice> device, std::shared_ptr<AtlasGraphics> atlases);
+
+  bool Move(bool toLayers);
+  bool BecomeLayer();
+  bool BecomeWindow();
+  void Present();
+  void ShowFrame();
+
+  const bool singleBuffered_;
+  const int index_;
+  bool ownsWindow_ = true;  ///< Whenever there is no compositor.
+  const std::shared_ptr<GlLayers> layers_;
+  std::unique_ptr<GlWindow> window_;
+};
+
+}  // namespace ZIRK::backends

@@ -1,0 +1,207 @@
+#include "opengles2/texture.h"
+
+#include <zirk/impl/log.h>
+
+#include <cstring>
+#include <utility>
+#include <vector>
+
+#include "common/pixeltraits.h"
+#include "common/surfaceformat.h"
+#include "opengles2/gldevice.h"
+
+namespace ZIRK::backends {
+
+static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "pixels are handed on as bytes");
+
+namespace {
+
+struct GlFormat {
+  GLenum format;
+  GLenum type;
+  bool redFirst;
+};
+
+GlFormat FormatOf(VuPixelFormat format) {
+  switch (format) {
+    case VuPixelFormat::RGB565:
+      return {GL_RGB, GL_UNSIGNED_SHORT_5_6_5, true};
+    case VuPixelFormat::ARGB4444:
+      return {GL_RGBA, GL_UNSIGNED_SHORT_4_4_4_4, true};
+    case VuPixelFormat::ARGB1555:
+      return {GL_RGBA, GL_UNSIGNED_SHORT_5_5_5_1, true};
+    case VuPixelFormat::ARGB8888:
+    case VuPixelFormat::XRGB8888:
+    case VuPixelFormat::A8:
+      break;
+  }
+  return {GL_RGBA, GL_UNSIGNED_BYTE, false};
+}
+
+bool IsUploadedAsItIs(VuPixelFormat format) {
+  return format == VuPixelFormat::ARGB8888 || format == VuPixelFormat::RGB565;
+}
+
+/// One row from our layout to OpenGL's.
+void ConvertRow(VuPixelFormat format, const uint8_t* in, int count, uint8_t* out) {
+  const auto each = [=](auto stored, auto result, auto convert) {
+    auto* const to = reinterpret_cast<decltype(result)*>(out);
+    for (int i = 0; i < count; ++i) {
+      std::memcpy(&stored, in + static_cast<size_t>(i) * sizeof stored, sizeof stored);
+      to[i] = static_cast<decltype(result)>(convert(stored));
+    }
+  };
+  switch (format) {
+    case VuPixelFormat::XRGB8888:
+      return each(uint32_t(), uint32_t(), [](uint32_t p) { return p | 0xFF000000u; });
+    case VuPixelFormat::ARGB4444:
+      return each(uint16_t(), uint16_t(), [](uint32_t p) { return p << 4 | p >> 12; });
+    case VuPixelFormat::ARGB1555:
+      return each(uint16_t(), uint16_t(), [](uint32_t p) { return p << 1 | p >> 15; });
+    case VuPixelFormat::A8:
+      return each(uint8_t(), uint32_t(), [](uint32_t p) { return p * 0x01010101u; });
+    case VuPixelFormat::ARGB8888:
+    case VuPixelFormat::RGB565:
+      break;
+  }
+}
+
+uint32_t ExchangeRedAndBlue(uint32_t p) {
+  return (p & 0xFF00FF00u) | (p >> 16 & 255u) | (p & 255u) << 16;
+}
+
+}  // namespace
+
+GlTexture::GlTexture(std::shared_ptr<GlDevice> device, int width, int height, VuPixelFormat format)
+    : device_(std::move(device)), format_(format) {
+  target_.width = width;
+  target_.height = height;
+  target_.redFirst = FormatOf(format).redFirst;
+  target_.keepsAlpha = format == VuPixelFormat::XRGB8888;
+}
+
+std::unique_ptr<GlTexture> GlTexture::Create(std::shared_ptr<GlDevice> device, int width,
+                                             int height, VuPixelFormat format) {
+  const int most = device->MaxTextureSize();
+  if (width > most || height > most) {
+    ZIRK_LOG_ERROR("%d x %d pixels: this OpenGL has textures of at most %d", width, height, most);
+    return nullptr;
+  }
+  GlDevice& shared = *device;
+  if (shared.IsLost()) {
+    ZIRK_LOG_ERROR("%d x %d pixels: the context is lost", width, height);
+    return nullptr;
+  }
+  const GlScope scope(shared);
+  if (!scope) return nullptr;
+  std::unique_ptr<GlTexture> texture(new GlTexture(std::move(device), width, height, format));
+  const GlFunctions& gl = shared.Gl();
+  const GlFormat layout = FormatOf(format);
+  gl.GenTextures(1, &texture->name_);
+  shared.Pending().Bind(texture->name_);
+  gl.TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+  gl.TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+  gl.TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
+  gl.TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
+  gl.TexImage2D(GL_TEXTURE_2D, 0, static_cast<GLint>(layout.format), width, height, 0,
+                layout.format, layout.type, nullptr);
+  if (!shared.Check("making a texture")) return nullptr;
+  return texture;
+}
+
+GlTexture::~GlTexture() {
+  device_->Pending().Forget(*this);
+  const GlScope scope(*device_);
+  if (!scope) return;
+  device_->Pending().Unbind(name_);
+  if (target_.framebuffer) device_->Pending().DeleteFramebuffer(target_.framebuffer);
+  device_->Gl().DeleteTextures(1, &name_);
+}
+
+const GlTarget* GlTexture::Target() {
+  if (target_.framebuffer) return &target_;
+  const GlScope scope(*device_);
+  if (!scope) return nullptr;
+  const GlFunctions& gl = device_->Gl();
+  GLuint framebuffer = 0;
+  gl.GenFramebuffers(1, &framebuffer);
+  device_->Pending().BindFramebuffer(framebuffer);
+  gl.FramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, name_, 0);
+  const GLenum status = gl.CheckFramebufferStatus(GL_FRAMEBUFFER);
+  if (!device_->Check("making a framebuffer") || status != GL_FRAMEBUFFER_COMPLETE) {
+    ZIRK_LOG_ERROR("OpenGL cannot draw on a texture of %d x %d in format %d (0x%04x)", Width(),
+                   Height(), static_cast<int>(format_), status);
+    device_->Pending().DeleteFramebuffer(framebuffer);
+    return nullptr;
+  }
+  target_.framebuffer = framebuffer;
+  return &target_;
+}
+
+bool GlTexture::Upload(const Box& box, const void* pixels, unsigned pitch) {
+  if (box.IsEmpty()) return true;
+  const size_t rowBytes = static_cast<size_t>(box.Width() * BytesPerPixel(format_));
+  std::vector<uint8_t> converted;
+  if (!IsUploadedAsItIs(format_) || pitch != rowBytes) {
+    const size_t outBytes = format_ == VuPixelFormat::A8 ? 4 * rowBytes : rowBytes;
+    converted.resize(outBytes * static_cast<size_t>(box.Height()));
+    const auto* in = static_cast<const uint8_t*>(pixels);
+    uint8_t* out = converted.data();
+    for (int y = 0; y < box.Height(); ++y, in += pitch, out += outBytes) {
+      if (IsUploadedAsItIs(format_))
+        std::memcpy(out, in, rowBytes);
+      else
+        ConvertRow(format_, in, box.Width(), out);
+    }
+    pixels = converted.data();
+  }
+  device_->Pending().BeforeWriting(*this, box);
+  const GlScope scope(*device_);
+  if (!scope) return false;
+  const GlFormat layout = FormatOf(format_);
+  ++target_.changes;
+  device_->Pending().Bind(name_);
+  device_->Gl().TexSubImage2D(GL_TEXTURE_2D, 0, box.x0, box.y0, box.Width(), box.Height(),
+                              layout.format, layout.type, pixels);
+  return device_->Check("writing pixels");
+}
+
+void GlTexture::CopyFromFramebuffer(const Box& box) {
+  device_->Pending().Bind(name_);
+  device_->Gl().CopyTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, box.x0, box.y0, box.Width(),
+                                  box.Height());
+}
+
+void GlTexture::SetFilter(GLint filter) {
+  if (filter == filter_) return;
+  filter_ = filter;
+  device_->Gl().TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, filter);
+  device_->Gl().TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, filter);
+}
+
+void GlTexture::SetName(const char* name) {
+  const GlScope scope(*device_);
+  if (!scope || !device_->Gl().ObjectLabel) return;
+  device_->Gl().ObjectLabel(GL_TEXTURE, name_, -1, name ? name : "");
+}
+
+void ReadFramebuffer(const GlFunctions& gl, const GlTarget& target, const Box& box,
+                     VuPixelFormat format, void* out) {
+  const int width = box.Width(), height = box.Height();
+  const int y = target.IsWindow() ? target.bottom + target.height - box.y1 : box.y0;
+  const bool direct = BytesPerPixel(format) == 4 && !target.IsWindow();
+  std::vector<uint32_t> rows;
+  if (!direct) rows.resize(static_cast<size_t>(width) * static_cast<size_t>(height));
+  gl.ReadPixels(box.x0, y, width, height, GL_RGBA, GL_UNSIGNED_BYTE, direct ? out : rows.data());
+  if (direct) return;
+  auto* to = static_cast<uint8_t*>(out);
+  const auto pitch = static_cast<ptrdiff_t>(width) * BytesPerPixel(format);
+  for (int i = 0; i < height; ++i, to += pitch) {
+    uint32_t* const row = rows.data() + ptrdiff_t{target.IsWindow() ? height - 1 - i : i} * width;
+    if (target.redFirst)
+      for (int x = 0; x < width; ++x) row[x] = ExchangeRedAndBlue(row[x]);
+    NarrowRow(format, row, width, to, 0);
+  }
+}
+
+}  // namespace ZIRK::backends

@@ -1,0 +1,169 @@
+// Screens as layers.
+
+#include <atomic>
+#include <thread>
+#include <vector>
+
+#include "backends/opengles2/injected.h"
+#include "support/logged.h"
+
+namespace ZIRK::backends {
+namespace {
+
+constexpr uint32_t kRed = 0xFFFF0000u, kGreen = 0xFF00FF00u, kBlue = 0xFF0000FFu;
+constexpr uint32_t kBlack = 0xFF000000u;
+
+LayerDescription Layer(int layer, VuRect destination, int order = 0, uint8_t opacity = 255) {
+  return {layer, {}, destination, order, opacity};
+}
+
+class Compositor : public InjectedGl {
+ protected:
+  void SetUp() override {
+    InjectedGl::SetUp();
+    if (IsSkipped() || HasFatalFailure()) return;
+    graphics_ = NewContext();
+    layers_ = GlLayers::Of(GlDevice::Acquire());
+  }
+  ScreenPtr NewScreen(uint8_t index, int width, int height, uint32_t color) {
+    ScreenPtr screen = InjectedGl::NewScreen(*graphics_, width, height, index);
+    screen->Clear(VuColor{color});
+    return screen;
+  }
+  void Configure(const std::vector<LayerDescription>& layers) {
+    compositor_->SetConfiguration(layers.data(), static_cast<int>(layers.size()));
+  }
+  uint32_t Shown(int x, int y) {
+    uint32_t pixel = 0;
+    EXPECT_TRUE(layers_->Composed() && layers_->Composed()->Read({x, y, x + 1, y + 1}, &pixel));
+    return pixel;
+  }
+
+  /// By their age.
+  static std::vector<SDL_Window*> Windows() {
+    std::vector<SDL_Window*> windows;
+    for (Uint32 id = 0; id < 1000; ++id)
+      if (SDL_Window* const window = SDL_GetWindowFromID(id)) windows.push_back(window);
+    return windows;
+  }
+
+  std::unique_ptr<GlGraphics> graphics_;
+  std::shared_ptr<GlLayers> layers_;
+  std::unique_ptr<GlCompositor> compositor_ = std::make_unique<GlCompositor>();
+};
+
+TEST_F(Compositor, StacksWhatIsEnabled) {
+  const ScreenPtr video = NewScreen(0, 40, 30, kRed), ui = NewScreen(1, 40, 30, kGreen),
+                  cursor = NewScreen(2, 4, 4, kBlue);
+  Configure(
+      {Layer(2, {12, 12, 4, 4}, 9), Layer(1, {10, 10, 20, 10}, 5, 128), Layer(0, {0, 0, 30, 30})});
+  for (const auto& screen : {&video, &ui, &cursor}) (*screen)->SwapBuffers();
+  EXPECT_EQ(Shown(2, 2), kRed);
+  EXPECT_EQ(Shown(35, 2), kBlack);
+  EXPECT_EQ(Shown(25, 15), 0xFF7F8000u);
+  EXPECT_EQ(Shown(13, 13), kBlue);
+  compositor_->EnableLayer(2, false);
+  EXPECT_EQ(Shown(13, 13), kBlue);
+  cursor->SwapBuffers();
+  EXPECT_EQ(Shown(13, 13), 0xFF7F8000u);
+}
+
+TEST_F(Compositor, ComposesOnceForAllLayersThatAreDone) {
+  const ScreenPtr video = NewScreen(0, 8, 8, kRed), ui = NewScreen(1, 8, 8, kGreen);
+  video->SwapBuffers();
+  EXPECT_EQ(layers_->Frames(), 0u);
+  ui->SwapBuffers();
+  EXPECT_EQ(layers_->Frames(), 1u);
+  ui->Clear(VuColor{kBlue});
+  ui->SwapBuffers();
+  EXPECT_EQ(layers_->Frames(), 2u);
+  EXPECT_EQ(Shown(1, 1), kBlue);
+  // Who only shows what is there keeps the pace of the display.
+  ui->SwapBuffers();
+  EXPECT_EQ(layers_->Frames(), 3u);
+  // One that is not done holds up the others for one frame only, and without being shown not at
+  // all.
+  video->Clear(VuColor{kGreen});
+  for (unsigned frames : {3u, 4u, 5u}) {
+    ui->SwapBuffers();
+    EXPECT_EQ(layers_->Frames(), frames);
+  }
+  video->Clear(VuColor{kRed});
+  compositor_->EnableLayer(0, false);
+  ui->SwapBuffers();
+  EXPECT_EQ(layers_->Frames(), 6u);
+}
+
+TEST_F(Compositor, ScreensChangeSidesWithIt) {
+  compositor_.reset();
+  const ScreenPtr screen = NewScreen(0, 8, 8, kRed);
+  screen->SwapBuffers();
+  EXPECT_EQ(layers_->Composed(), nullptr);
+  compositor_ = std::make_unique<GlCompositor>();
+  Configure({Layer(0, {0, 0, 4, 8})});
+  screen->SwapBuffers();
+  EXPECT_EQ(Shown(1, 1), kRed);
+  EXPECT_EQ(Shown(6, 1), kBlack);
+  screen->Clear(VuColor{kGreen});
+  compositor_.reset();
+  screen->SwapBuffers();
+  EXPECT_EQ(layers_->Composed(), nullptr);
+  EXPECT_EQ(PixelOf(*screen, 6, 1), kGreen);
+}
+
+TEST_F(Compositor, HasOneWindowWhicheverScreenSwapsFirst) {
+  compositor_.reset();
+  const ScreenPtr first = NewScreen(0, 8, 8, kRed), other = NewScreen(1, 8, 8, kGreen);
+  const std::vector<SDL_Window*> before = Windows();
+  ASSERT_EQ(before.size(), 2u);
+  compositor_ = std::make_unique<GlCompositor>();
+  Configure({Layer(0, {}), Layer(1, {0, 0, 4, 8})});
+  other->SwapBuffers();
+  EXPECT_EQ(Shown(1, 1), kGreen);
+  EXPECT_EQ(Shown(6, 1), kRed);
+  EXPECT_EQ(Windows(), std::vector<SDL_Window*>{before[0]});
+  compositor_.reset();
+  other->SwapBuffers();
+  first->SwapBuffers();
+  EXPECT_EQ(PixelOf(*other, 6, 1), kGreen);
+  EXPECT_EQ(PixelOf(*first, 1, 1), kRed);
+  EXPECT_EQ(Windows().size(), 2u);
+}
+
+TEST_F(Compositor, RefusesAConfigurationAsAWhole) {
+  const LayerDescription good = Layer(3, {1, 2, 3, 4});
+  Configure({good});
+  for (const LayerDescription& bad : {Layer(1, {0, 0, -1, 5}), Layer(1, {5, 5, 0, 9}),
+                                      Layer(16, {}), Layer(-1, {}), Layer(3, {})}) {
+    const std::string log = support::LoggedAt(4, [&] { Configure({Layer(4, {}), good, bad}); });
+    EXPECT_EQ(log.rfind("<ZIRK.warning>: the layers stay as they are", 0), 0u);
+    EXPECT_EQ(log.find('\n'), log.size() - 1);
+  }
+  compositor_->SetConfiguration(nullptr, 1);
+  compositor_->EnableLayer(5, true);
+  LayerDescription held[GlCompositor::kLayers];
+  int count = 0;
+  compositor_->GetConfiguration(held, count);
+  EXPECT_EQ(count, 1);
+  EXPECT_EQ(held[0].layer, 3);
+  EXPECT_EQ(held[0].destination.height, 4);
+}
+
+TEST_F(Compositor, EndsInAnotherThread) {
+  const ScreenPtr screen = NewScreen(0, 8, 8, kRed);
+  std::atomic<bool> done = false;
+  std::thread other([&] {
+    for (int i = 0; i < 200; ++i) {
+      compositor_.reset();
+      compositor_ = std::make_unique<GlCompositor>();
+      compositor_->EnableLayer(0, i % 2);
+    }
+    done = true;
+  });
+  while (!done) screen->SwapBuffers();
+  other.join();
+  EXPECT_EQ(PixelOf(*screen, 0, 0), kRed);
+}
+
+}  // namespace
+}  // namespace ZIRK::backends

@@ -1,0 +1,199 @@
+// What happens where SDL or OpenGL fails.
+
+#include <fstream>
+#include <functional>
+#include <string>
+#include <type_traits>
+
+#include "backends/common/oneerror.h"
+#include "backends/opengles2/injected.h"
+
+namespace ZIRK::backends {
+namespace {
+
+using tests::LogsOneError;
+
+/// Makes the call at `function` fail.
+template <typename R, typename... A>
+void Refuse(R (*&function)(A...)) {
+  function = [](A...) {
+    SDL_SetError("refused");
+    if constexpr (std::is_pointer_v<R>)
+      return R{nullptr};
+    else
+      return R{-1};
+  };
+}
+
+class Faults : public InjectedGl {
+ protected:
+  /// Counts down to the call that fails.
+  static inline int left_ = 0;
+  static bool IsDue() { return left_ > 0 && --left_ == 0; }
+
+  static void ExpectNoStart(const std::string& said) {
+    EXPECT_TRUE(LogsOneError(said, [] { EXPECT_EQ(GlDevice::Acquire(), nullptr); }));
+    EXPECT_EQ(SDL_WasInit(SDL_INIT_VIDEO), 0u) << said;
+  }
+};
+
+TEST_F(Faults, AtTheStartGiveOneErrorAndLeaveNothingBehind) {
+  const struct {
+    void (*inject)(SdlCalls& sdl);
+    const char* said;
+  } faults[] = {{[](SdlCalls& s) { Refuse(s.InitSubSystem); }, "no video: refused"},
+                {[](SdlCalls& s) { Refuse(s.SetAttribute); }, "no such attribute: refused"},
+                {[](SdlCalls& s) { Refuse(s.LoadLibrary); }, "no library: refused"},
+                {[](SdlCalls& s) { Refuse(s.CreateWindow); }, "no window: refused"},
+                {[](SdlCalls& s) { Refuse(s.CreateContext); }, "no context: refused"},
+                {[](SdlCalls& s) { Refuse(s.MakeCurrent); }, "no current context"},
+                {[](SdlCalls& s) { Refuse(s.GetProcAddress); }, "no function: gl"}};
+  for (const auto& fault : faults) {
+    fault.inject(Sdl());
+    ExpectNoStart(fault.said);
+    Sdl() = SdlCalls();
+    EXPECT_NE(NewContext(), nullptr);
+  }
+}
+
+TEST_F(Faults, OfTheDriverAtTheStart) {
+  Replace("glGetShaderiv", [](GLuint, GLenum, GLint* value) { *value = !IsDue(); });
+  Replace("glGetProgramiv", [](GLuint, GLenum, GLint* value) { *value = !IsDue(); });
+  // Two shaders and one program, five times over.
+  for (int call = 1; call <= 15; ++call) {
+    left_ = call;
+    ExpectNoStart(call % 3 ? "does not compile a shader" : "does not link a program");
+  }
+  Replace("glGetShaderPrecisionFormat", [](GLenum, GLenum, GLint*, GLint* bits) { *bits = 10; });
+  ExpectNoStart("highp");
+}
+
+TEST_F(Faults, MemoryThatRunsOutGivesNullAndFalse) {
+  Replace("glGetError", []() -> GLenum { return IsDue() ? GL_OUT_OF_MEMORY : GL_NO_ERROR; });
+  const auto graphics = NewContext();
+  const BitmapPtr bitmap = New(*graphics, 4, 4);
+  uint32_t pixels[16] = {};
+  const struct {
+    const char* where;
+    std::function<bool()> operation;
+  } cases[] = {{"making a texture", [&] { return New(*graphics, 9, 9) != nullptr; }},
+               {"reading pixels",
+                [&] {
+                  return bitmap->GetPixels({0, 0, 4, 4}, pixels);
+                }},
+               {"writing pixels",
+                [&] {
+                  return bitmap->SetPixels({0, 0, 4, 4}, pixels, 16);
+                }},
+               {"drawing", [&] { return bitmap->Finish(), false; }}};
+  for (const auto& c : cases) {
+    left_ = 1;
+    EXPECT_TRUE(LogsOneError(std::string(c.where) + ": out of memory",
+                             [&] { EXPECT_FALSE(c.operation()); }));
+  }
+}
+
+TEST_F(Faults, ATextureThatCannotBeDrawnOnIsRefused) {
+  Replace("glCheckFramebufferStatus", [](GLenum) -> GLenum { return GL_FRAMEBUFFER_UNSUPPORTED; });
+  const auto graphics = NewContext();
+  EXPECT_TRUE(LogsOneError("cannot draw on a texture of 8 x 9",
+                           [&] { EXPECT_EQ(New(*graphics, 8, 9), nullptr); }));
+}
+
+TEST_F(Faults, ALostContextEndsEverythingButDeletion) {
+  Replace("glGetString", [](GLenum) { return "GL_KHR_robustness"; });
+  Replace("glGetGraphicsResetStatusKHR",
+          []() -> GLenum { return IsDue() ? GL_GUILTY_CONTEXT_RESET_EXT : GL_NO_ERROR; });
+  const auto graphics = NewContext();
+  const ScreenPtr screen = NewScreen(*graphics, 8, 8);
+  const BitmapPtr bitmap = New(*graphics, 8, 8);
+  const VuTMatrix2D<float> identity;
+  screen->DrawRect({0, 0, 8, 8}, VuColor{0xFFFFFFFF}, identity, nullptr, nullptr);
+  left_ = 1;
+  EXPECT_TRUE(LogsOneError("the context is lost", [&] { bitmap->Finish(); }));
+  uint32_t pixel = 7;
+  screen->DrawRect({0, 0, 8, 8}, VuColor{0xFFFFFFFF}, identity, nullptr, nullptr);
+  screen->SwapBuffers();
+  bitmap->Clear();
+  EXPECT_FALSE(bitmap->GetPixels({0, 0, 1, 1}, &pixel));
+  EXPECT_FALSE(bitmap->SetPixels({0, 0, 1, 1}, &pixel, 4));
+  EXPECT_FALSE(bitmap->Lock(true));
+  EXPECT_EQ(New(*graphics, 8, 8), nullptr);
+  // A new context starts anew, and takes nothing from before.
+  const auto next = NewContext();
+  ASSERT_NE(next, nullptr);
+  const BitmapPtr fresh = New(*next, 8, 8);
+  EXPECT_TRUE(LogsOneError("from before the context was lost", [&] {
+    EXPECT_FALSE(fresh->CopyPixels({0, 0}, bitmap.get(), {0, 0, 8, 8}));
+  }));
+  EXPECT_EQ(PixelOf(*fresh, 0, 0), 0u);
+}
+
+TEST_F(Faults, WithoutAWindowOrWithALostOneTheContextEnds) {
+  enum { OnOpening, OnClosing, OnMakingCurrent };
+  for (const auto fault : {OnOpening, OnClosing, OnMakingCurrent}) {
+    const auto graphics = NewContext();
+    ScreenPtr screen = fault == OnClosing ? NewScreen(*graphics, 8, 8) : nullptr;
+    if (fault == OnMakingCurrent)
+      Sdl().MakeCurrent = [](auto, auto) { return SDL_SetError("EGL_CONTEXT_LOST"); };
+    else
+      Refuse(Sdl().CreateWindow);
+    EXPECT_TRUE(LogsOneError("the context is lost: ", [&] {
+      screen = fault == OnClosing ? nullptr : NewScreen(*graphics, 8, 8);
+    }));
+    Sdl() = SdlCalls();
+  }
+}
+
+TEST_F(Faults, StartsWithoutADisplayAndWithoutReportsOfLosses) {
+  unsetenv("SDL_VIDEODRIVER");
+  Sdl().InitSubSystem = [](Uint32 systems) {
+    return SDL_GetHint(SDL_HINT_VIDEODRIVER) ? SDL_InitSubSystem(systems) : -1;
+  };
+  Sdl().CreateContext = [](SDL_Window* w) { return IsDue() ? nullptr : SDL_GL_CreateContext(w); };
+  left_ = 1;
+  EXPECT_NE(NewContext(), nullptr);
+  EXPECT_EQ(SDL_GetHint(SDL_HINT_VIDEODRIVER), nullptr);
+}
+
+TEST_F(Faults, SurfacesLargerThanTextures) {
+  Replace("glGetIntegerv",
+          [](GLenum what, GLint* value) { *value = what == GL_MAX_TEXTURE_SIZE ? 64 : 0; });
+  const auto graphics = NewContext();
+  EXPECT_EQ(graphics->GetMaxTextureSize(), 64);
+  EXPECT_NE(New(*graphics, 64, 64), nullptr);
+  EXPECT_TRUE(LogsOneError("at most 64", [&] { EXPECT_EQ(New(*graphics, 65, 1), nullptr); }));
+  EXPECT_TRUE(LogsOneError("", [&] { EXPECT_EQ(New(*graphics, 0, 5), nullptr); }));
+  EXPECT_EQ(graphics->TotalMemory(), graphics->AvailableMemory());
+}
+
+long ResidentPages() {
+  long all = 0, resident = 0;
+  std::ifstream("/proc/self/statm") >> all >> resident;
+  return resident;
+}
+
+TEST_F(Faults, CreatingAndDeletingTakesNoMemory) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+  GTEST_SKIP() << "sanitizers keep what has been freed";
+#endif
+  const auto graphics = NewContext();
+  const auto cycle = [&](int times) {
+    for (int i = 0; i < times; ++i) {
+      const BitmapPtr bitmap = New(*graphics, 16, 16, VuPixelFormat(i % 6));
+      bitmap->DrawRect({2, 2, 9, 9}, white, VuTMatrix2D<float>(), nullptr, nullptr);
+      if (i % 500) continue;
+      const ScreenPtr screen = NewScreen(*graphics, 32, 32);
+      screen->CopyPixels({0, 0}, bitmap.get(), {0, 0, 16, 16});
+      screen->SwapBuffers();
+    }
+  };
+  cycle(2000);
+  const long before = ResidentPages();
+  cycle(8000);
+  EXPECT_LT(ResidentPages() - before, 256);
+  EXPECT_EQ(graphics->TotalMemory(), graphics->AvailableMemory());
+}
+
+}  // namespace
+}  // namespace ZIRK::backends

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <map>
+#include <string>
+
+#include "opengles2/glgraphics.h"
+#include "opengles2/glscreen.h"
+#include "support/offscreen.h"
+
+namespace ZIRK::backends {
+
+/// OpenGL off-screen, with functions of SDL's or OpenGL's replaced before it is started.
+class InjectedGl : public testing::Test {
+ protected:
+  void SetUp() override {
+    support::UseOffscreenOpenGl();
+    const bool runs = GlDevice::Acquire() != nullptr;
+    ASSERT_TRUE(runs || !std::getenv("ZIRK_TEST_REQUIRE_GL"));
+    if (!runs) GTEST_SKIP() << "no OpenGL ES 2 here";
+    Sdl().GetProcAddress = [](const char* name) -> void* {
+      void* const real = SDL_GL_GetProcAddress(name);
+      const auto at = replaced_.find(name);
+      if (at == replaced_.end()) return real;
+      real_[name] = real;
+      return at->second;
+    };
+  }
+  void TearDown() override {
+    Sdl() = SdlCalls();
+    replaced_.clear();
+  }
+
+  /// OpenGL's function `name` is `function` from the next start on.
+  template <typename Lambda>
+  static void Replace(const char* name, Lambda function) {
+    replaced_[name] = reinterpret_cast<void*>(+function);
+  }
+  /// What has been replaced.
+  template <typename F>
+  static F Real(const char* name) {
+    return reinterpret_cast<F>(real_[name]);
+  }
+
+  using BitmapPtr = std::unique_ptr<VuBitmapImpl>;
+  using ScreenPtr = std::unique_ptr<VuScreenImpl>;
+
+  static BitmapPtr New(GlGraphics& graphics, int width, int height,
+                       VuPixelFormat format = VuPixelFormat::ARGB8888) {
+    return BitmapPtr(graphics.CreateBitmap(width, height, format));
+  }
+  static ScreenPtr NewScreen(GlGraphics& graphics, int width, int height, uint8_t index = 0) {
+    const auto format = VuPixelFormat::ARGB8888;
+    return ScreenPtr(graphics.CreateScreen({width, height, index, 2, format, false}));
+  }
+  static uint32_t PixelOf(VuBitmapImpl& bitmap, int x, int y) {
+    uint32_t pixel = 0;
+    EXPECT_TRUE(bitmap.GetPixels({x, y, 1, 1}, &pixel));
+    return pixel;
+  }
+  static std::unique_ptr<GlGraphics> NewContext() {
+    auto device = GlDevice::Acquire();
+    return device ? std::make_unique<GlGraphics>(std::move(device)) : nullptr;
+  }
+
+ private:
+  static inline std::map<std::string, void*> replaced_, real_;
+};
+
+}  // namespace ZIRK::backends

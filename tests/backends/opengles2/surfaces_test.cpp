@@ -1,0 +1,197 @@
+// What surfaces of OpenGL do beside what the scenes show.
+
+#include <zirk/vufontatlas.h>
+
+#include <array>
+#include <csignal>
+#include <thread>
+#include <vector>
+
+#include "backends/opengles2/injected.h"
+
+namespace ZIRK::backends {
+namespace {
+
+using Format = VuPixelFormat;
+const VuTMatrix2D<float> kIdentity;
+
+class Surfaces : public InjectedGl {
+ protected:
+  void SetUp() override {
+    InjectedGl::SetUp();
+    if (IsSkipped()) return;
+    Replace("glDrawElements", [](GLenum mode, GLsizei count, GLenum type, const void* indices) {
+      ++draws_;
+      Real<PFNGLDRAWELEMENTSPROC>("glDrawElements")(mode, count, type, indices);
+    });
+    Replace("glTexSubImage2D", [](GLenum target, GLint level, GLint x, GLint y, GLsizei width,
+                                  GLsizei height, GLenum format, GLenum type, const void* data) {
+      uploads_.push_back({x, y, width, height});
+      Real<PFNGLTEXSUBIMAGE2DPROC>("glTexSubImage2D")(target, level, x, y, width, height, format,
+                                                      type, data);
+    });
+    graphics_ = NewContext();
+    draws_ = 0;
+    uploads_.clear();
+  }
+  BitmapPtr New(int width, int height, Format format = Format::ARGB8888) {
+    return InjectedGl::New(*graphics_, width, height, format);
+  }
+  static void Draw(VuBitmapImpl& target, VuRect dst, VuBitmapImpl& src, VuRect srcRect) {
+    target.DrawObject(dst, &src, srcRect, kIdentity, white, nullptr, nullptr);
+  }
+  std::unique_ptr<GlGraphics> graphics_;
+  static inline int draws_ = 0;
+  static inline std::vector<std::array<int, 4>> uploads_;
+};
+
+TEST_F(Surfaces, ManySpritesAreFewDrawCalls) {
+  const BitmapPtr target = New(64, 64), sheet = New(32, 32);
+  for (int i = 0; i < 10000; ++i) {
+    Draw(*target, {i % 50, i % 60, 8, 8}, *sheet, {i % 24, 0, 8, 8});
+    // Neither colours nor clipping interrupt them.
+    target->DrawRect({i % 60, 0, 2, 2}, VuColor{0xFF00FF00}, kIdentity, nullptr, nullptr);
+    target->SetClippingRect({0, 0, 64, 10 + i % 50});
+  }
+  target->Finish();
+  EXPECT_LE(draws_, 5);
+}
+
+TEST_F(Surfaces, APageOfTextIsOneDrawCall) {
+  const BitmapPtr page = New(400, 400);
+  VuFontAtlas font(ZIRK_TEST_FONTS "sans.ttf", 0, 14, false, false);
+  const auto write = [&] {
+    draws_ = 0;
+    for (int line = 0; line < 20; ++line)
+      page->DrawText(&font, "The quick brown fox, 0123456789", {5, line * 20}, white, kIdentity,
+                     nullptr, nullptr, {});
+    page->Flush();
+    return draws_;
+  };
+  // Glyphs that are new come between, and the atlas grows.
+  EXPECT_LE(write(), 8);
+  EXPECT_EQ(write(), 1);
+}
+
+TEST_F(Surfaces, OnlyThePixelsWrittenAreSent) {
+  const BitmapPtr atlas = New(256, 256, Format::A8);
+  const std::vector<uint8_t> glyph(10 * 16, 0xFF);
+  EXPECT_TRUE(atlas->SetPixels({20, 30, 10, 10}, glyph.data(), 16));
+  ASSERT_EQ(uploads_.size(), 1u);
+  EXPECT_EQ(uploads_[0], (std::array<int, 4>{20, 30, 10, 10}));
+}
+
+TEST_F(Surfaces, WritingComesAfterWhatReadsThePixelsAndInterruptsNothingElse) {
+  const BitmapPtr target = New(64, 16), atlas = New(64, 16);
+  const std::vector<uint32_t> red(64, 0xFFFF0000u), blue(64, 0xFF0000FFu);
+  atlas->SetPixels({0, 0, 8, 8}, red.data(), 32);
+  Draw(*target, {0, 0, 8, 8}, *atlas, {0, 0, 8, 8});
+  atlas->SetPixels({8, 0, 8, 8}, blue.data(), 32);
+  Draw(*target, {8, 0, 8, 8}, *atlas, {8, 0, 8, 8});
+  target->Flush();
+  EXPECT_EQ(draws_, 1);
+  Draw(*target, {16, 0, 8, 8}, *atlas, {0, 0, 8, 8});
+  atlas->SetPixels({0, 0, 8, 8}, blue.data(), 32);
+  Draw(*target, {24, 0, 8, 8}, *atlas, {0, 0, 8, 8});
+  const std::array<uint32_t, 4> expected = {0xFFFF0000u, 0xFF0000FFu, 0xFFFF0000u, 0xFF0000FFu};
+  for (int i = 0; i < 4; ++i)
+    EXPECT_EQ(PixelOf(*target, 4 + 8 * i, 4), expected[static_cast<size_t>(i)]) << i;
+}
+
+TEST_F(Surfaces, PixelsOfEveryFormatGoInAndOut) {
+  for (int format = 0; format < 6; ++format) {
+    const BitmapPtr bitmap = New(7, 5, Format(format));
+    const auto bytes = static_cast<unsigned>(7 * BytesPerPixel(Format(format)));
+    std::vector<uint8_t> in(bytes * 5), out(in.size());
+    for (size_t i = 0; i < in.size(); ++i)
+      in[i] = format == 1 && i % 4 == 3 ? 255 : static_cast<uint8_t>(i * 37 + 11);
+    EXPECT_TRUE(bitmap->SetPixels({0, 0, 7, 5}, in.data(), bytes));
+    ASSERT_TRUE(bitmap->Lock(true));
+    EXPECT_FALSE(bitmap->Lock(false));
+    auto* const locked = static_cast<uint8_t*>(bitmap->GetInfo().pixels);
+    EXPECT_EQ(std::vector<uint8_t>(locked, locked + in.size()), in) << format;
+    locked[0] = in[0] ^= 1;
+    EXPECT_TRUE(bitmap->Unlock());
+    EXPECT_EQ(bitmap->GetInfo().pixels, nullptr);
+    EXPECT_TRUE(bitmap->GetPixels({0, 0, 7, 5}, out.data()));
+    EXPECT_EQ(in, out) << format;
+    EXPECT_FALSE(bitmap->GetPixels({1, 0, 7, 5}, out.data()));
+  }
+}
+
+TEST_F(Surfaces, AScreenIsLikeABitmap) {
+  const ScreenPtr screen = NewScreen(*graphics_, 40, 30);
+  const BitmapPtr bitmap = New(40, 30);
+  for (VuBitmapImpl* target : {static_cast<VuBitmapImpl*>(screen.get()), bitmap.get()}) {
+    target->Clear(VuColor{0xFF102030});
+    const uint32_t pixels[] = {0xFF0000FFu, 0x80008000u};
+    target->SetPixels({3, 2, 2, 1}, pixels, 8);
+    target->DrawRect({-6, -6, 12, 12}, VuColor{0xC0F0D040}, VuTransform(20, 15, 1, 1, 30), nullptr,
+                     nullptr);
+    Draw(*target, {22, 10, 16, 16}, *target, {2, 1, 8, 8});
+    target->CopyPixels({30, 1}, target, {2, 1, 8, 8});
+  }
+  screen->SwapBuffers();
+  std::vector<uint32_t> pixels[2] = {std::vector<uint32_t>(1200), std::vector<uint32_t>(1200)};
+  EXPECT_TRUE(screen->GetPixels({0, 0, 40, 30}, pixels[0].data()));
+  EXPECT_TRUE(bitmap->GetPixels({0, 0, 40, 30}, pixels[1].data()));
+  EXPECT_EQ(pixels[0], pixels[1]);
+  Draw(*bitmap, {0, 0, 40, 30}, *screen, {0, 0, 40, 30});
+  EXPECT_EQ(PixelOf(*bitmap, 3, 2), 0xFF0000FFu);
+}
+
+TEST_F(Surfaces, OutliveTheirContextAndAreDrawnByAnother) {
+  BitmapPtr orphan = New(4, 4);
+  const auto other = NewContext();
+  orphan->Clear(VuColor{0xFF123456});
+  graphics_.reset();
+  const BitmapPtr target = InjectedGl::New(*other, 8, 8);
+  Draw(*target, {0, 0, 4, 4}, *orphan, {0, 0, 4, 4});
+  orphan.reset();
+  EXPECT_EQ(PixelOf(*target, 3, 3), 0xFF123456u);
+  EXPECT_EQ(PixelOf(*target, 4, 4), 0u);
+}
+
+TEST_F(Surfaces, AreHandedToAnotherThreadByFlush) {
+  const BitmapPtr bitmap = New(4, 4);
+  graphics_->Flush();
+  std::thread([&] {
+    bitmap->Clear(VuColor{0xFF123456});
+    graphics_->Flush();
+  }).join();
+  EXPECT_EQ(PixelOf(*bitmap, 1, 1), 0xFF123456u);
+}
+
+TEST_F(Surfaces, DropTheEventsThatAreForNobodyElse) {
+  const ScreenPtr screen = NewScreen(*graphics_, 8, 8);
+  SDL_Event events[3] = {};
+  events[0].type = events[1].type = SDL_FINGERMOTION;
+  events[0].tfinger.windowID = SDL_GetWindowID(SDL_GL_GetCurrentWindow());
+  events[1].tfinger.windowID = ~0u;
+  events[2].type = SDL_CLIPBOARDUPDATE;
+  SDL_PeepEvents(events, 3, SDL_ADDEVENT, SDL_FIRSTEVENT, SDL_LASTEVENT);
+  screen->SwapBuffers();
+  ASSERT_EQ(SDL_PeepEvents(events, 3, SDL_GETEVENT, SDL_FIRSTEVENT, SDL_LASTEVENT), 1);
+  EXPECT_EQ(events[0].tfinger.windowID, ~0u);
+}
+
+TEST_F(Surfaces, LeaveTheApplicationItsSdl) {
+  struct sigaction action = {};
+  sigaction(SIGINT, nullptr, &action);
+  EXPECT_EQ(action.sa_handler, SIG_DFL);
+  ASSERT_EQ(SDL_InitSubSystem(SDL_INIT_VIDEO), 0);
+  SDL_Window* const window = SDL_CreateWindow("own", 0, 0, 32, 32, SDL_WINDOW_OPENGL);
+  SDL_GLContext const context = SDL_GL_CreateContext(window);
+  ASSERT_NE(context, nullptr);
+  EXPECT_EQ(PixelOf(*New(4, 4), 1, 1), 0u);
+  NewScreen(*graphics_, 8, 8)->SwapBuffers();
+  graphics_.reset();
+  EXPECT_EQ(SDL_GL_GetCurrentContext(), context);
+  SDL_GL_DeleteContext(context);
+  SDL_DestroyWindow(window);
+  SDL_QuitSubSystem(SDL_INIT_VIDEO);
+  EXPECT_EQ(SDL_WasInit(SDL_INIT_VIDEO), 0u);
+}
+
+}  // namespace
+}  // namespace ZIRK::backends

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <cstdlib>
+
+namespace ZIRK::support {
+
+/// OpenGL without a display, by that one of Mesa's renderers that starts the fastest; unless the
+/// environment says otherwise.
+inline void UseOffscreenOpenGl() {
+  setenv("SDL_VIDEODRIVER", "offscreen", 0);
+  setenv("GALLIUM_DRIVER", "softpipe", 0);
+}
+
+}  // namespace ZIRK::support
