@@ -94,7 +94,7 @@ struct VuFontAtlas::State {
   unsigned OutlineNumber(int type, int thickness);
   BinRect FindRoom(int width, int height, uint32_t index, const VuFontAtlas& font);
 
-  FT_Library library = nullptr;
+  FT_Library freeType = nullptr;
   FT_Face face = nullptr;
   const int faceIndex;
   const std::string fileName;
@@ -131,13 +131,13 @@ struct VuFontAtlas::State {
 VuFontAtlas::State::~State() {
   if (fallbackFace) FT_Done_Face(fallbackFace);
   if (face) FT_Done_Face(face);
-  if (library) FT_Done_FreeType(library);
+  if (freeType) FT_Done_FreeType(freeType);
 }
 
 bool VuFontAtlas::State::InitLibrary() {
-  const FT_Error error = FT_Init_FreeType(&library);
+  const FT_Error error = FT_Init_FreeType(&freeType);
   if (!error) return true;
-  library = nullptr;
+  freeType = nullptr;
   const FreeTypeError entry(error);
   ZIRK_LOG_ERROR("%s: cannot init FreeType library FT_Error (0x%02x) : %s", "VuFontAtlas",
                  entry.code, entry.message);
@@ -181,13 +181,13 @@ VuFontAtlas::VuFontAtlas(const unsigned char* data, unsigned int size, int faceI
 VuFontAtlas::~VuFontAtlas() = default;
 
 int VuFontAtlas::NewFace(const char* path, int faceIndex, int pixelSize, FT_Face* face) {
-  const FT_Error error = FT_New_Face(state_->library, path, faceIndex, face);
+  const FT_Error error = FT_New_Face(state_->freeType, path, faceIndex, face);
   return state_->FinishFace("NewFace", path, error, pixelSize, face);
 }
 
 int VuFontAtlas::NewFaceFromMemory(int faceIndex, int pixelSize, FT_Face* face) {
   const FT_Error error =
-      FT_New_Memory_Face(state_->library, state_->buffer.get(),
+      FT_New_Memory_Face(state_->freeType, state_->buffer.get(),
                          static_cast<FT_Long>(state_->bufferSize), faceIndex, face);
   return state_->FinishFace("NewFaceFromMemory", "[memory]", error, pixelSize, face);
 }
@@ -362,7 +362,7 @@ void VuFontAtlas::LoadGlyph(Glyph& glyph, bool render) const {
   const int code = static_cast<int>(glyph.charcode);
   ZIRK_LOG_DEBUG("%s: font %s %d load glyph %d", "LoadGlyph", s.fileName.c_str(), s.lineHeight,
                  index);
-  GlyphImage image(s.library);
+  GlyphImage image(s.freeType);
   if (!image.Render(glyph)) return;
   if (render && s.bold && !(glyph.face->style_flags & FT_STYLE_FLAG_BOLD))
     image.Embolden(glyph, kAtlasHeightLimit);

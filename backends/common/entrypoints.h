@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zirk/impl/log.h>
 #include <zirk/impl/vugraphicsimpl.h>
 
 #include <new>
@@ -8,20 +9,23 @@ namespace ZIRK::backends {
 
 // What the entry points of a plug-in do. Exceptions do not cross them.
 
-/// The context that `make` makes, as the library expects it; null if it makes none, or if memory
-/// runs out.
-template <typename Make>
-void* CreateGraphics(Make make) {
+/// What `make` makes, as the library expects it; null if it makes none, or after an error line if
+/// it throws.
+template <class Interface, typename Make>
+void* Create(Make make) {
   try {
-    return static_cast<VuGraphicsImpl*>(make());
+    return static_cast<Interface*>(make());
   } catch (const std::bad_alloc&) {
-    return nullptr;
+    ZIRK_LOG_ERROR("the backend has no memory to start with");
+  } catch (...) {
+    ZIRK_LOG_ERROR("the backend cannot be started");
   }
+  return nullptr;
 }
 
 template <class Graphics>
 void* CreateGraphics() {
-  return CreateGraphics([] { return new Graphics; });
+  return Create<VuGraphicsImpl>([] { return new Graphics; });
 }
 
 inline void DestroyGraphics(void* graphics) {

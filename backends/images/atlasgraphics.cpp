@@ -30,11 +30,17 @@ AtlasGraphics::~AtlasGraphics() {
   *link = next_;
 }
 
-std::shared_ptr<AtlasGraphics> AtlasGraphics::Find(const VuGraphicsImpl* graphics) {
-  const std::lock_guard lock(listMutex);
-  for (AtlasGraphics* known = first; known; known = known->next_)
-    if (known == graphics) return known->weak_from_this().lock();
-  return nullptr;
+std::shared_ptr<AtlasGraphics> AtlasGraphics::FindOwner(const VuGraphicsImpl* owner) {
+  if (owner == this) return shared_from_this();
+  std::shared_ptr<AtlasGraphics> found;
+  {
+    const std::lock_guard lock(listMutex);
+    for (AtlasGraphics* known = first; known; known = known->next_)
+      if (known == owner) found = known->weak_from_this().lock();
+  }
+  if (!found)
+    ZIRK_LOG_ERROR("the font's glyph atlas is of another backend, or of a context that is gone");
+  return found;
 }
 
 std::unique_ptr<VuScreenImpl> AtlasGraphics::MakeScreen(Entry, const VuScreenDescription&) {

@@ -20,8 +20,9 @@ class AtlasGraphics : public GraphicsBase, public std::enable_shared_from_this<A
   AtlasGraphics(std::shared_ptr<SurfaceLedger> ledger, int graphicsType);
   ~AtlasGraphics() override;
 
-  /// The object at that address; null if there is none, or none any more.
-  static std::shared_ptr<AtlasGraphics> Find(const VuGraphicsImpl* graphics);
+  /// The maker at the address that an atlas has of it: this one, as a rule, or that of another
+  /// context. Null, after an error line, if there is none, or none any more.
+  std::shared_ptr<AtlasGraphics> FindOwner(const VuGraphicsImpl* owner);
 
   /// Held while text is drawn from one of the atlases.
   std::mutex& DrawingMutex() { return drawingMutex_; }

@@ -1,7 +1,5 @@
 #include "opengles2/textdrawing.h"
 
-#include <zirk/impl/log.h>
-
 #include "opengles2/glsurface.h"
 
 namespace ZIRK::backends {
@@ -32,14 +30,10 @@ std::unique_ptr<VuBitmapImpl> GlAtlases::MakeBitmap(Entry entry, int width, int 
 
 void DrawText(GlCanvas& canvas, AtlasGraphics& atlases, TextLayout& line, VuColor color,
               const GlCanvas::MatrixF& m, const GlMask* mask) {
-  const VuGraphicsImpl* const owner = line.Owner();
+  if (!line.Owner()) return;
+  const std::shared_ptr<AtlasGraphics> owner = atlases.FindOwner(line.Owner());
   if (!owner) return;
-  const auto found = owner == &atlases ? atlases.shared_from_this() : AtlasGraphics::Find(owner);
-  if (!found) {
-    ZIRK_LOG_ERROR("the font's glyph atlas is of another backend, or of a context that is gone");
-    return;
-  }
-  const std::lock_guard lock(found->DrawingMutex());
+  const std::lock_guard lock(owner->DrawingMutex());
   std::optional<Placement> box;
   GlMask masked{};
   if (mask) {

@@ -1,7 +1,5 @@
 #include "software/textdrawing.h"
 
-#include <zirk/impl/log.h>
-
 #include <cstdint>
 
 #include "common/pixelmath.h"
@@ -53,14 +51,10 @@ void DrawTransformed(Painter& painter, TextLayout& line, VuColor color, const Pa
 
 void DrawText(Painter& painter, AtlasGraphics& atlases, TextLayout& line, VuColor color,
               const Painter::MatrixF& m, const Painter::OptionalMask& mask) {
-  const VuGraphicsImpl* const owner = line.Owner();
+  if (!line.Owner()) return;
+  const std::shared_ptr<AtlasGraphics> owner = atlases.FindOwner(line.Owner());
   if (!owner) return;
-  const auto found = owner == &atlases ? atlases.shared_from_this() : AtlasGraphics::Find(owner);
-  if (!found) {
-    ZIRK_LOG_ERROR("the font's glyph atlas is of another backend, or of a context that is gone");
-    return;
-  }
-  const std::lock_guard lock(found->DrawingMutex());
+  const std::lock_guard lock(owner->DrawingMutex());
   const std::optional<VuPoint> move = mask ? std::nullopt : WholePixelMove(m);
   if (move) return DrawUpright(painter, line, color, *move);
   DrawTransformed(painter, line, color, m, mask);
