@@ -43,6 +43,11 @@ inline Box ToBox(const VuRect& r) {
   return {r.x, r.y, end(r.x, r.width), end(r.y, r.height)};
 }
 
+/// A box with extent.
+inline VuRect ToRect(const Box& b) {
+  return {b.x0, b.y0, b.Width(), b.Height()};
+}
+
 /// A copy of pixels, cut to what both surfaces have: `box` of the destination is filled from
 /// (srcX, srcY) of the source on.
 struct CopyPlan {

@@ -35,6 +35,10 @@ struct Extent {
   double x, y, width, height;
 };
 
+inline Extent ToExtent(const VuRect& r) {
+  return {double(r.x), double(r.y), double(r.width), double(r.height)};
+}
+
 /// The part of `r` that lies inside `bounds`; without extent if there is none.
 Extent Cut(const Extent& r, const Box& bounds);
 
@@ -60,6 +64,13 @@ struct Placement {
 
 /// Pixels beyond this never matter: no surface reaches there.
 constexpr double kFar = 1 << 24;
+
+/// Whether the edges of a rectangle with extent can be counted with.
+inline bool IsNear(const VuRect& r) {
+  constexpr int kLimit = 1 << 24;
+  return r.width > 0 && r.height > 0 && r.width < kLimit && r.height < kLimit && r.x > -kLimit &&
+         r.y > -kLimit && r.x < kLimit && r.y < kLimit;
+}
 
 /// Of a value not beyond kFar: without the library call that floor() is on many processors.
 inline int NearestPixel(double v) {

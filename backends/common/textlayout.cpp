@@ -34,12 +34,11 @@ void Cut(int32_t& source, int32_t& start, int32_t& extent, int32_t clipStart, in
 
 }  // namespace
 
-TextLayout::TextLayout(const VuFontImpl* font, VuGraphicsImpl* graphics, const char* text,
-                       VuPoint pos, const VuRect& rect)
-    : font_(ToAtlasFont(font)), cursor_(text), pos_(pos) {
-  if (!IsZero(rect)) clip_ = rect;
-  const bool clippedAway = clip_ && (rect.width <= 0 || rect.height <= 0);
-  if (font_ && text && *text && !clippedAway) atlas_ = font_->GetAtlas(graphics);
+TextLayout::TextLayout(const TextArguments& a, VuGraphicsImpl* graphics)
+    : font_(ToAtlasFont(a.font)), cursor_(a.text), pos_(a.pos) {
+  if (!IsZero(a.rect)) clip_ = a.rect;
+  const bool clippedAway = clip_ && (a.rect.width <= 0 || a.rect.height <= 0);
+  if (font_ && a.text && *a.text && !clippedAway) atlas_ = font_->GetAtlas(graphics);
 }
 
 VuGraphicsImpl* TextLayout::Owner() const {

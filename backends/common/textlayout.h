@@ -18,6 +18,15 @@ class VuGraphicsImpl;
 
 namespace ZIRK::backends {
 
+/// What is to be written where: the pen starts at `pos`, the top-left corner of the line. A `rect`
+/// that is not all zeros cuts the glyphs.
+struct TextArguments {
+  const VuFontImpl* font;
+  const char* text;
+  VuPoint pos;
+  VuRect rect;
+};
+
 /// Lays out one line of text: which parts of the font's atlas go where, in the text's own
 /// coordinates.
 ///
@@ -26,15 +35,13 @@ namespace ZIRK::backends {
 class TextLayout {
  public:
   struct Glyph {
-    const VuBitmapImpl* atlas;
+    VuBitmapImpl* atlas;
     VuRect source;       ///< In the atlas.
     VuRect destination;  ///< Of the same size.
   };
 
-  /// The pen starts at `pos`, the top-left corner of the line. A `rect` that is not all zeros cuts
-  /// the glyphs. `graphics` makes the font's atlas if it has none yet. May throw std::bad_alloc.
-  TextLayout(const VuFontImpl* font, VuGraphicsImpl* graphics, const char* text, VuPoint pos,
-             const VuRect& rect);
+  /// `graphics` makes the font's atlas if it has none yet. May throw std::bad_alloc.
+  TextLayout(const TextArguments& arguments, VuGraphicsImpl* graphics);
 
   /// What made the font's atlas; null if there is nothing to draw. It may have gone if the atlas
   /// has no bitmap.

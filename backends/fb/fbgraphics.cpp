@@ -5,13 +5,29 @@
 #include <string>
 #include <utility>
 
+#include "common/ownsurface.h"
 #include "fb/fbscreen.h"
 #include "fb/framebufferdevice.h"
 #include "software/softwarebitmap.h"
 
 namespace ZIRK::backends {
 
-FbGraphics::FbGraphics() : atlases_(std::make_shared<SoftwareAtlases>(Ledger(), kType)) {}
+namespace {
+
+/// Screens are sources as well.
+class FbSources final : public SoftwareAtlases {
+ public:
+  using SoftwareAtlases::SoftwareAtlases;
+
+  const PixelBuffer* PixelsOf(VuBitmapImpl& surface) override {
+    const auto* const screen = AsOwn<FbScreen>(&surface);
+    return screen ? &screen->Pixels() : nullptr;
+  }
+};
+
+}  // namespace
+
+FbGraphics::FbGraphics() : sources_(std::make_shared<FbSources>(Ledger(), kType)) {}
 
 ImageSize FbGraphics::ScreenSize(int index) const {
   const auto size = FramebufferDevice::SizeOf(FramebufferDevice::PathOf(index));
@@ -26,18 +42,18 @@ std::unique_ptr<VuScreenImpl> FbGraphics::MakeScreen(Entry entry,
       FramebufferDevice::PathOf(description.index),
       {description.width, description.height, description.buffers > 1}, error);
   if (!device) ZIRK_LOG_WARNING("%s: the screen stays in memory", error.c_str());
-  return std::make_unique<FbScreen>(std::move(entry), description, std::move(device), atlases_);
+  return std::make_unique<FbScreen>(std::move(entry), description, std::move(device), sources_);
 }
 
 std::unique_ptr<VuBitmapImpl> FbGraphics::MakeBitmap(Entry entry, int width, int height,
                                                      VuPixelFormat format) {
-  return std::make_unique<SoftwareBitmap>(std::move(entry), width, height, format, atlases_);
+  return std::make_unique<SoftwareBitmap>(std::move(entry), width, height, format, sources_);
 }
 
 std::unique_ptr<VuBitmapImpl> FbGraphics::MakePicture(Entry entry, int width, int height,
                                                       Image& image, VuScaleMode scaleMode) {
   auto bitmap = std::make_unique<SoftwareBitmap>(std::move(entry), width, height,
-                                                 VuPixelFormat::ARGB8888, atlases_);
+                                                 VuPixelFormat::ARGB8888, sources_);
   PixelBuffer& pixels = bitmap->Pixels();
   const PixelRows rows = {pixels.Row32(0), pixels.Pitch(), width, height};
   if (!image.Decode(rows, scaleMode)) return nullptr;

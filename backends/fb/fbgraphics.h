@@ -2,8 +2,8 @@
 
 #include <memory>
 
-#include "images/atlasgraphics.h"
 #include "images/graphicsbase.h"
+#include "software/pixelsources.h"
 
 namespace ZIRK::backends {
 
@@ -28,7 +28,7 @@ class FbGraphics final : public GraphicsBase {
  private:
   static constexpr int kType = 5;
 
-  const std::shared_ptr<AtlasGraphics> atlases_;
+  const std::shared_ptr<PixelSources> sources_;
 };
 
 }  // namespace ZIRK::backends

@@ -8,10 +8,9 @@ namespace ZIRK::backends {
 
 FbScreen::FbScreen(std::unique_ptr<SurfaceLedger::Entry> entry,
                    const VuScreenDescription& description,
-                   std::unique_ptr<FramebufferDevice> device,
-                   std::shared_ptr<AtlasGraphics> atlases)
+                   std::unique_ptr<FramebufferDevice> device, std::shared_ptr<PixelSources> sources)
     : SoftwareSurface(std::move(entry), description.width, description.height, description.format,
-                      std::move(atlases)),
+                      std::move(sources)),
       singleBuffered_(description.buffers < 2),
       device_(std::move(device)) {}
 

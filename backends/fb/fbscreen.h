@@ -14,7 +14,7 @@ class FbScreen final : public SoftwareSurface<VuScreenImpl> {
  public:
   /// `device` is null where there is none: the picture then stays in memory.
   FbScreen(std::unique_ptr<SurfaceLedger::Entry> entry, const VuScreenDescription& description,
-           std::unique_ptr<FramebufferDevice> device, std::shared_ptr<AtlasGraphics> atlases);
+           std::unique_ptr<FramebufferDevice> device, std::shared_ptr<PixelSources> sources);
 
   void SwapBuffers() override;
 

@@ -81,13 +81,6 @@ void PutPlainQuad(float* words, const Box& box, float s0, float t0, float s1, fl
   put(words + 15, x0, y1, s0, t1);
 }
 
-/// Whether the edges of a rectangle with extent can be counted with.
-bool IsNear(const VuRect& r) {
-  constexpr int kLimit = 1 << 24;
-  return r.width > 0 && r.height > 0 && r.width < kLimit && r.height < kLimit && r.x > -kLimit &&
-         r.y > -kLimit && r.x < kLimit && r.y < kLimit;
-}
-
 }  // namespace
 
 /// The vertices around it, and the parallelogram that it is a part of.

@@ -3,12 +3,13 @@
 #include <utility>
 #include <vector>
 
+#include "opengles2/glatlases.h"
 #include "opengles2/glscreen.h"
 
 namespace ZIRK::backends {
 
 GlGraphics::GlGraphics(std::shared_ptr<GlDevice> device)
-    : device_(std::move(device)), atlases_(std::make_shared<GlAtlases>(Ledger(), kType, device_)) {}
+    : device_(std::move(device)), sources_(std::make_shared<GlAtlases>(Ledger(), kType, device_)) {}
 
 void GlGraphics::Flush() {
   device_->Pending().Flush();
@@ -28,7 +29,7 @@ ImageSize GlGraphics::ScreenSize(int index) const {
 
 std::unique_ptr<VuScreenImpl> GlGraphics::MakeScreen(Entry entry,
                                                      const VuScreenDescription& description) {
-  return GlScreen::Open(std::move(entry), description, device_, atlases_);
+  return GlScreen::Open(std::move(entry), description, device_, sources_);
 }
 
 std::unique_ptr<VuBitmapImpl> GlGraphics::MakeBitmap(Entry entry, int width, int height,
@@ -36,7 +37,7 @@ std::unique_ptr<VuBitmapImpl> GlGraphics::MakeBitmap(Entry entry, int width, int
   auto texture = GlTexture::Create(device_, width, height, format);
   if (!texture) return nullptr;
   auto bitmap =
-      std::make_unique<GlBitmap>(std::move(entry), device_, width, height, format, atlases_);
+      std::make_unique<GlBitmap>(std::move(entry), width, height, format, device_, sources_);
   bitmap->Canvas().DrawOn(std::move(texture));
   if (!bitmap->Canvas().Clear(VuColor{0})) return nullptr;
   return bitmap;
@@ -51,8 +52,8 @@ std::unique_ptr<VuBitmapImpl> GlGraphics::MakePicture(Entry entry, int width, in
   if (!image.Decode({pixels.data(), pitch, width, height}, scaleMode)) return nullptr;
   if (!texture->Upload(texture->Bounds(), pixels.data(), static_cast<unsigned>(pitch)))
     return nullptr;
-  auto bitmap = std::make_unique<GlBitmap>(std::move(entry), device_, width, height,
-                                           VuPixelFormat::ARGB8888, atlases_);
+  auto bitmap = std::make_unique<GlBitmap>(std::move(entry), width, height, VuPixelFormat::ARGB8888,
+                                           device_, sources_);
   bitmap->Canvas().DrawOn(std::move(texture));
   return bitmap;
 }

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "images/atlasgraphics.h"
 #include "images/graphicsbase.h"
 #include "opengles2/gldevice.h"
+#include "opengles2/texturesources.h"
 
 namespace ZIRK::backends {
 
@@ -29,7 +29,7 @@ class GlGraphics final : public GraphicsBase {
   static constexpr int kType = 1;
 
   const std::shared_ptr<GlDevice> device_;
-  const std::shared_ptr<AtlasGraphics> atlases_;
+  const std::shared_ptr<TextureSources> sources_;
 };
 
 }  // namespace ZIRK::backends

@@ -8,9 +8,9 @@ namespace ZIRK::backends {
 
 GlScreen::GlScreen(std::unique_ptr<SurfaceLedger::Entry> entry,
                    const VuScreenDescription& description, std::shared_ptr<GlDevice> device,
-                   std::shared_ptr<AtlasGraphics> atlases)
-    : GlSurface(std::move(entry), device, description.width, description.height, description.format,
-                std::move(atlases)),
+                   std::shared_ptr<TextureSources> sources)
+    : GlSurface(std::move(entry), description.width, description.height, description.format, device,
+                std::move(sources)),
       singleBuffered_(description.buffers < 2),
       index_(description.index),
       layers_(GlLayers::Of(device)) {}
@@ -18,9 +18,9 @@ GlScreen::GlScreen(std::unique_ptr<SurfaceLedger::Entry> entry,
 std::unique_ptr<GlScreen> GlScreen::Open(std::unique_ptr<SurfaceLedger::Entry> entry,
                                          const VuScreenDescription& description,
                                          std::shared_ptr<GlDevice> device,
-                                         std::shared_ptr<AtlasGraphics> atlases) {
+                                         std::shared_ptr<TextureSources> sources) {
   std::unique_ptr<GlScreen> screen(
-      new GlScreen(std::move(entry), description, std::move(device), std::move(atlases)));
+      new GlScreen(std::move(entry), description, std::move(device), std::move(sources)));
   const bool composing = GlCompositor::Current().composing;
   screen->ownsWindow_ = screen->index_ == 0 || !composing;
   if (!(composing ? screen->BecomeLayer() : screen->BecomeWindow())) return nullptr;

@@ -17,7 +17,7 @@ class GlScreen final : public GlSurface<VuScreenImpl> {
   static std::unique_ptr<GlScreen> Open(std::unique_ptr<SurfaceLedger::Entry> entry,
                                         const VuScreenDescription& description,
                                         std::shared_ptr<GlDevice> device,
-                                        std::shared_ptr<AtlasGraphics> atlases);
+                                        std::shared_ptr<TextureSources> sources);
   ~GlScreen() override;
 
   int Index() const { return index_; }
@@ -35,7 +35,7 @@ class GlScreen final : public GlSurface<VuScreenImpl> {
 
  private:
   GlScreen(std::unique_ptr<SurfaceLedger::Entry> entry, const VuScreenDescription& description,
-           std::shared_ptr<GlDevice> device, std::shared_ptr<AtlasGraphics> atlases);
+           std::shared_ptr<GlDevice> device, std::shared_ptr<TextureSources> sources);
 
   bool Move(bool toLayers);
   bool BecomeLayer();

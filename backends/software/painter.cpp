@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "common/pixelmath.h"
+#include "common/surfaceformat.h"
 
 namespace ZIRK::backends {
 
@@ -25,7 +26,7 @@ void Painter::TakeState() {
 }
 
 void Painter::DrawRect(const Extent& rect, VuColor color, const MatrixF& m,
-                       const OptionalMask& mask) {
+                       const MaskArgument* mask) {
   Refresh();
   if (!mask)
     if (const std::optional<Box> box = PlaceUpright(rect, m))
@@ -35,7 +36,7 @@ void Painter::DrawRect(const Extent& rect, VuColor color, const MatrixF& m,
 }
 
 void Painter::DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m,
-                        const OptionalMask& mask) {
+                        const MaskArgument* mask) {
   Refresh();
   const double side = static_cast<double>(size);
   const Extent square = {p.x + 0.5 - side / 2, p.y + 0.5 - side / 2, side, side};
@@ -45,13 +46,13 @@ void Painter::DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m,
   if (mask) {
     const Point at = {static_cast<double>(mask->coords->x()),
                       static_cast<double>(mask->coords->y())};
-    shade = ScalePixel(shade, MaskPoints(mask->mask).AlphaAt(at));
+    shade = ScalePixel(shade, MaskPoints(mask->operand).AlphaAt(at));
   }
-  Paint(*placement, *placement, nullptr, shade, std::nullopt);
+  Paint(*placement, *placement, nullptr, shade, nullptr);
 }
 
 void Painter::DrawObject(const Extent& dst, const Operand& src, const Extent& srcRect, Edges edges,
-                         const MatrixF& m, VuColor color, const OptionalMask& mask) {
+                         const MatrixF& m, VuColor color, const MaskArgument* mask) {
   Refresh();
   if (!(srcRect.width > 0 && srcRect.height > 0) || !IsFinite(srcRect)) return;
   if (edges == Edges::OnWholePixels && !mask && DrawUnscaled(dst, src, srcRect, m, color)) return;
@@ -67,6 +68,24 @@ void Painter::DrawObject(const Extent& dst, const Operand& src, const Extent& sr
   const Texture texture(*src.pixels, Around(visible), src.scaleMode,
                         Compose(toSource, whole->toUnit), Visible(part.box));
   Paint(part, *whole, &texture, Premultiply(color), mask);
+}
+
+bool Painter::FillBox(const VuRect& r, VuColor color) {
+  if (!IsNear(r)) return false;
+  Refresh();
+  PaintBox({r.x, r.y, r.x + r.width, r.y + r.height}, nullptr, Premultiply(color));
+  return true;
+}
+
+bool Painter::BlitBox(const VuRect& dst, const Operand& src, const VuRect& srcRect,
+                      const MatrixF& m, VuColor color) {
+  if (!m.isIdentity() || !IsNear(dst) || dst.width != srcRect.width ||
+      dst.height != srcRect.height || !IsInside(srcRect, src.pixels->Width(), src.pixels->Height()))
+    return false;
+  Refresh();
+  const Texture texture(*src.pixels, srcRect.x - dst.x, srcRect.y - dst.y);
+  PaintBox({dst.x, dst.y, dst.x + dst.width, dst.y + dst.height}, &texture, Premultiply(color));
+  return true;
 }
 
 /// Whether the source needs no resampling; then it has been drawn.
@@ -102,11 +121,11 @@ void Painter::PaintBox(const Box& whole, const Texture* texture, uint32_t color)
 
 /// Draws `placement`, a part of `whole`, over which the mask lies.
 void Painter::Paint(const Placement& placement, const Placement& whole, const Texture* texture,
-                    uint32_t color, const OptionalMask& maskArgument) {
+                    uint32_t color, const MaskArgument* maskArgument) {
   const Box box = Visible(placement.box);
   if (box.IsEmpty()) return;
   const std::optional<Mask> mask =
-      maskArgument ? Mask::Create(maskArgument->mask, maskArgument->coords,
+      maskArgument ? Mask::Create(maskArgument->operand, maskArgument->coords,
                                   maskArgument->primitive ? *maskArgument->primitive : whole, box)
                    : std::nullopt;
   if (maskArgument && !mask) return;

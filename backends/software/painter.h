@@ -23,25 +23,31 @@ class Painter {
  public:
   using MatrixF = VuTMatrix2D<float>;
 
-  /// A mask with its coordinates: as many as the primitive has, or null.
+  /// A mask with its coordinates: as many as the primitive has, or null. Operations take null for
+  /// no mask.
   struct MaskArgument {
-    Operand mask;
+    Operand operand;
     const VuTVector2D<float>* coords;
     const Placement* primitive = nullptr;  ///< If more than what is drawn at a time.
   };
-  using OptionalMask = std::optional<MaskArgument>;
 
   /// Both live as long as the painter; operations go by what `state` is at the time.
   Painter(PixelBuffer& target, const SurfaceState& state);
 
-  void DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m, const OptionalMask& mask);
+  void DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m, const MaskArgument* mask);
   void DrawLine(VuPoint from, VuPoint to, VuColor color, const MatrixF& m,
-                const OptionalMask& mask);
+                const MaskArgument* mask);
   /// A rectangle of one colour, with its edges on whole pixels where it comes out axis-aligned.
-  void DrawRect(const Extent& rect, VuColor color, const MatrixF& m, const OptionalMask& mask);
+  void DrawRect(const Extent& rect, VuColor color, const MatrixF& m, const MaskArgument* mask);
   /// The part `srcRect` of `src` in the place of `dst`.
   void DrawObject(const Extent& dst, const Operand& src, const Extent& srcRect, Edges edges,
-                  const MatrixF& m, VuColor color, const OptionalMask& mask);
+                  const MatrixF& m, VuColor color, const MaskArgument* mask);
+
+  /// The usual cases, worked out quickly; false, with nothing drawn, in any other.
+  bool FillBox(const VuRect& rect, VuColor color);
+  bool BlitBox(const VuRect& dst, const Operand& src, const VuRect& srcRect, const MatrixF& m,
+               VuColor color);
+
   /// The A8 `src` from (srcX, srcY) on, pixel for pixel in the place of `box`, which may lie
   /// anywhere. `color` is premultiplied.
   void DrawCoverage(const Box& box, const PixelBuffer& src, int srcX, int srcY, uint32_t color) {
@@ -67,7 +73,7 @@ class Painter {
                     VuColor color);
   void PaintBox(const Box& whole, const Texture* texture, uint32_t color);
   void Paint(const Placement& placement, const Placement& whole, const Texture* texture,
-             uint32_t color, const OptionalMask& mask);
+             uint32_t color, const MaskArgument* mask);
   bool PaintAligned(const Box& box, const Texture* texture, uint32_t color, const Mask* mask,
                     bool opaque);
   void PaintRows(const Box& box, const Texture* texture, uint32_t color, const Mask* mask);

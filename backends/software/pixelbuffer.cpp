@@ -17,13 +17,11 @@ void* Allocate(size_t rows, size_t pitch, PixelBuffer::Contents contents) {
 }  // namespace
 
 PixelBuffer::PixelBuffer(int width, int height, VuPixelFormat format, Contents contents)
-    : width_(width),
-      height_(height),
-      format_(format),
-      pitch_(RowPitch(width, format)),
-      data_(static_cast<uint8_t*>(
-          Allocate(static_cast<size_t>(height), static_cast<size_t>(pitch_), contents))) {
-  if (!data_) throw std::bad_alloc();
+    : PixelBuffer(width, height, format, RowPitch(width, format)) {
+  own_.reset(static_cast<uint8_t*>(
+      Allocate(static_cast<size_t>(height), static_cast<size_t>(pitch_), contents)));
+  if (!own_) throw std::bad_alloc();
+  pixels_ = own_.get();
   RestoreOpaqueBits(Bounds());
 }
 

@@ -11,8 +11,8 @@
 
 namespace ZIRK::backends {
 
-/// The pixels of a surface in memory, premultiplied. The X byte of XRGB8888 is always 255, so that
-/// its pixels are also opaque ARGB8888 ones.
+/// The pixels of a surface in memory, its own or somebody else's, premultiplied. The X byte of
+/// XRGB8888 is always 255, so that its pixels are also opaque ARGB8888 ones.
 class PixelBuffer {
  public:
   enum class Contents {
@@ -23,14 +23,28 @@ class PixelBuffer {
   /// Expects a size and format that a surface can have; throws std::bad_alloc.
   PixelBuffer(int width, int height, VuPixelFormat format, Contents contents = Contents::Clear);
 
+  /// Pixels in memory that belongs to somebody else, none at first: PlaceAt() says where they are.
+  static PixelBuffer Elsewhere(int width, int height, VuPixelFormat format) {
+    return PixelBuffer(width, height, format, 0);
+  }
+  /// Where the pixels are from now on: rows `pitch` bytes apart, aligned as the format's pixels
+  /// are. It is up to the owner that the X bytes of XRGB8888 are 255; see RestoreOpaqueBits().
+  /// Pixels of the buffer's own are let go of.
+  void PlaceAt(void* pixels, int pitch) {
+    pixels_ = static_cast<uint8_t*>(pixels);
+    pitch_ = pitch;
+    own_.reset();
+    image_.reset();
+  }
+
   int Width() const { return width_; }
   int Height() const { return height_; }
   int Pitch() const { return pitch_; }  ///< Bytes.
   VuPixelFormat Format() const { return format_; }
   Box Bounds() const { return {0, 0, width_, height_}; }
 
-  uint8_t* Row(int y) { return data_.get() + int64_t{y} * pitch_; }
-  const uint8_t* Row(int y) const { return data_.get() + int64_t{y} * pitch_; }
+  uint8_t* Row(int y) { return pixels_ + int64_t{y} * pitch_; }
+  const uint8_t* Row(int y) const { return pixels_ + int64_t{y} * pitch_; }
 
   /// For the 32-bit formats.
   bool Is32Bit() const {
@@ -58,11 +72,15 @@ class PixelBuffer {
     void operator()(pixman_image_t* p) const { pixman_image_unref(p); }
   };
 
+  PixelBuffer(int width, int height, VuPixelFormat format, int pitch)
+      : width_(width), height_(height), format_(format), pitch_(pitch) {}
+
   int width_;
   int height_;
   VuPixelFormat format_;
   int pitch_;
-  std::unique_ptr<uint8_t, Free> data_;
+  std::unique_ptr<uint8_t, Free> own_;
+  uint8_t* pixels_ = nullptr;
   mutable std::unique_ptr<pixman_image_t, Free> image_;
 };
 

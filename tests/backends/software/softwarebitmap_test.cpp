@@ -3,6 +3,7 @@
 #include "software/softwarebitmap.h"
 
 #include <gtest/gtest.h>
+#include <zirk/graphicsimplloader.h>
 
 #include <algorithm>
 #include <array>
@@ -10,8 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "backends/common/oneerror.h"
 #include "stub/stubbitmap.h"
-#include "support/logged.h"
 
 namespace ZIRK::backends {
 namespace {
@@ -22,11 +23,11 @@ class SoftwareBitmaps : public testing::Test {
  protected:
   std::unique_ptr<SoftwareBitmap> New(int width, int height, Format format = Format::ARGB8888) {
     return std::make_unique<SoftwareBitmap>(ledger_->Enter(width, height, format), width, height,
-                                            format, atlases_);
+                                            format, sources_);
   }
 
   std::shared_ptr<SurfaceLedger> ledger_ = SurfaceLedger::Create(1 << 24);
-  std::shared_ptr<AtlasGraphics> atlases_ = std::make_shared<SoftwareAtlases>(ledger_, 5);
+  std::shared_ptr<PixelSources> sources_ = std::make_shared<SoftwareAtlases>(ledger_, 5);
 };
 
 TEST_F(SoftwareBitmaps, StartTransparentOrBlack) {
@@ -121,24 +122,56 @@ TEST_F(SoftwareBitmaps, CopyPixelsWithinOneBitmapAsIfThroughAnother) {
 
 TEST_F(SoftwareBitmaps, RefuseSurfacesOfOthers) {
   const auto bitmap = New(4, 4);
-  StubBitmap stranger(ledger_->Enter(4, 4, Format::ARGB8888), 4, 4, Format::ARGB8888);
+  StubBitmap stub(ledger_->Enter(4, 4, Format::ARGB8888), 4, 4, Format::ARGB8888);
+  // The plug-in has surfaces of the same code.
+  const auto loader = GraphicsImplLoader::GetInstance();
+  const std::unique_ptr<VuGraphicsImpl> plugin(
+      static_cast<VuGraphicsImpl*>(loader->CreateImplInstance("FB", false)));
+  ASSERT_NE(plugin, nullptr);
+  const std::unique_ptr<VuBitmapImpl> namesake(plugin->CreateBitmap(4, 4, Format::ARGB8888));
+  const std::unique_ptr<VuScreenImpl> screen(plugin->CreateScreen({4, 4, 0, 2, {}, false}));
+  const VuRect all = {0, 0, 4, 4};
   const VuTMatrix2D<float> identity;
-  EXPECT_NE(support::LoggedAt(3,
-                              [&] {
-                                bitmap->DrawObject(VuRect{0, 0, 4, 4}, &stranger,
-                                                   VuRect{0, 0, 4, 4}, identity, white, nullptr,
-                                                   nullptr);
-                              }),
-            "");
-  EXPECT_NE(support::LoggedAt(3,
-                              [&] {
-                                bitmap->DrawRect({0, 0, 4, 4}, white, identity, &stranger, nullptr);
-                              }),
-            "");
-  EXPECT_FALSE(bitmap->CopyPixels({0, 0}, nullptr, {0, 0, 4, 4}));
+  for (VuBitmapImpl* stranger : {static_cast<VuBitmapImpl*>(&stub), namesake.get(),
+                                 static_cast<VuBitmapImpl*>(screen.get())}) {
+    stranger->Clear(white);
+    EXPECT_TRUE(tests::LogsOneError("another backend", [&] {
+      bitmap->DrawObject(all, stranger, all, identity, white, nullptr, nullptr);
+    }));
+    EXPECT_TRUE(tests::LogsOneError(
+        "another backend", [&] { bitmap->DrawRect(all, white, identity, stranger, nullptr); }));
+    EXPECT_TRUE(tests::LogsOneError("another backend", [&] {
+      EXPECT_FALSE(namesake->CopyPixels({0, 0}, bitmap.get(), all));
+    }));
+  }
+  EXPECT_FALSE(bitmap->CopyPixels({0, 0}, nullptr, all));
   uint32_t pixel = 1;
   bitmap->GetPixels({0, 0, 1, 1}, &pixel);
   EXPECT_EQ(pixel, 0u);
+}
+
+TEST_F(SoftwareBitmaps, PixelsMayBeSomebodyElsesAndMove) {
+  SurfaceState state{3, 2, Format::RGB565};
+  PixelBuffer pixels = PixelBuffer::Elsewhere(3, 2, Format::RGB565);
+  Painter painter(pixels, state);
+  const VuTMatrix2D<float> identity;
+  const auto glass = New(3, 2, Format::RGB565), read = New(3, 2);
+  glass->Clear(VuColor{0xFF0000FF});
+  for (const int pitch : {8, 12}) {
+    std::vector<uint16_t> memory(static_cast<size_t>(pitch), 7);
+    pixels.PlaceAt(memory.data(), pitch);
+    painter.DrawRect({0, 0, 3, 1}, VuColor{0xFFFF0000}, identity, nullptr);
+    // By way of Pixman, which keeps a description of the pixels.
+    painter.DrawObject({1, 1, 2, 1}, {&glass->Pixels(), {}}, {0, 0, 2, 1}, Edges::OnWholePixels,
+                       identity, white, nullptr);
+    std::vector<uint16_t> expected(memory.size(), 7);
+    std::fill_n(expected.begin(), 3, uint16_t{0xF800});
+    std::fill_n(expected.begin() + pitch / 2 + 1, 2, uint16_t{0x001F});
+    EXPECT_EQ(memory, expected) << pitch;
+    CopyPixels(read->Pixels(), {0, 0}, pixels, {1, 1, 2, 1});
+    EXPECT_EQ(read->Pixels().Row32(0)[1], 0xFF0000FFu);
+    read->Clear();
+  }
 }
 
 TEST_F(SoftwareBitmaps, LinesAreTheSameBothWaysAndHaveBothEnds) {

@@ -25,7 +25,7 @@ struct Context {
 
   std::vector<uint32_t> Draw(VuFontImpl& font, const char* text) const {
     SoftwareBitmap target(SurfaceLedger::Create(1 << 20)->Enter(kWidth, kHeight, {}), kWidth,
-                          kHeight, VuPixelFormat::ARGB8888, atlases);
+                          kHeight, VuPixelFormat::ARGB8888, sources);
     target.DrawText(&font, text, {2, 2}, white, VuTMatrix2D<float>(), nullptr, nullptr, {});
     std::vector<uint32_t> pixels(kWidth * kHeight);
     target.GetPixels({0, 0, kWidth, kHeight}, pixels.data());
@@ -33,7 +33,7 @@ struct Context {
   }
 
   std::shared_ptr<SurfaceLedger> ledger;
-  std::shared_ptr<AtlasGraphics> atlases = std::make_shared<SoftwareAtlases>(ledger, 5);
+  std::shared_ptr<PixelSources> sources = std::make_shared<SoftwareAtlases>(ledger, 5);
 };
 
 const std::vector<uint32_t> kNothing(kWidth* kHeight);

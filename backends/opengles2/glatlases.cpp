@@ -1,0 +1,18 @@
+#include "opengles2/glatlases.h"
+
+#include "opengles2/glsurface.h"
+
+namespace ZIRK::backends {
+
+std::unique_ptr<VuBitmapImpl> GlAtlases::MakeBitmap(Entry entry, int width, int height,
+                                                    VuPixelFormat format) {
+  auto texture = GlTexture::Create(device_, width, height, format);
+  if (!texture) return nullptr;
+  auto bitmap =
+      std::make_unique<GlBitmap>(std::move(entry), width, height, format, device_,
+                                 std::shared_ptr<TextureSources>(shared_from_this(), this));
+  bitmap->Canvas().DrawOn(std::move(texture));
+  return bitmap;
+}
+
+}  // namespace ZIRK::backends

@@ -1,0 +1,76 @@
+#include "opengles2/glrenderer.h"
+
+#include <optional>
+
+#include "images/atlasline.h"
+
+namespace ZIRK::backends {
+
+bool GlRenderer::Resolve(VuBitmapImpl& surface, Extent* rect, GlOperand& operand, Copies& copy) {
+  operand = FindOperand(*sources_, surface, Device());
+  if (operand.texture && operand.texture != Texture()) return true;
+  Box part = ToBox(surface.GetBounds());
+  if (rect) {
+    const Extent visible = Cut(*rect, part);
+    part = visible.width > 0 && visible.height > 0 ? Around(visible) : Box();
+    rect->x -= part.x0;
+    rect->y -= part.y0;
+  }
+  if (!sources_->CopyPixels(surface, part, Device(), copy)) return false;
+  operand.texture = copy.get();
+  return copy != nullptr;
+}
+
+bool GlRenderer::BlitBox(const VuRect& dst, VuBitmapImpl& src, const VuRect& srcRect,
+                         const MatrixF& m, VuColor color) {
+  const GlOperand operand = FindOperand(*sources_, src, Device());
+  if (!operand.texture || operand.texture == Texture()) return false;
+  return GlCanvas::BlitBox(dst, operand, srcRect, m, color);
+}
+
+bool GlRenderer::Copy(VuPoint at, VuBitmapImpl& src, const VuRect& srcRect) {
+  const CopyPlan plan = PlanCopy(at.x, at.y, All(), srcRect, ToBox(src.GetBounds()));
+  const Box& box = plan.box;
+  GlTexture* const texture = FindOperand(*sources_, src, Device()).texture;
+  if (texture && box.IsEmpty()) return true;
+  if (texture && texture != Texture()) return GlCanvas::Copy(box, *texture, plan.srcX, plan.srcY);
+  const Box part = {plan.srcX, plan.srcY, plan.srcX + box.Width(), plan.srcY + box.Height()};
+  Copies copy;
+  if (!sources_->CopyPixels(src, part, Device(), copy)) return false;
+  return !copy || GlCanvas::Copy(box, *copy, 0, 0);
+}
+
+void GlRenderer::DrawText(const TextArguments& text, VuColor color, const MatrixF& m,
+                          const GlMask* mask) {
+  AtlasLine line(sources_->Atlases(), text);
+  if (!line) return;
+  std::optional<Placement> box;
+  GlMask over{};
+  if (mask) {
+    box = line.Place(m);
+    if (!box) return;
+    over = *mask;
+    over.primitive = &*box;
+  }
+  for (TextLayout::Glyph glyph; line.Next(glyph);) {
+    GlTexture* const texture = FindOperand(*sources_, *glyph.atlas, Device()).texture;
+    // That of a context that was lost has none.
+    if (!texture) continue;
+    const GlOperand operand = {texture, VuScaleMode::Bilinear};
+    if (!mask && GlCanvas::BlitBox(glyph.destination, operand, glyph.source, m, color)) continue;
+    DrawObject(ToExtent(glyph.destination), operand, ToExtent(glyph.source), Edges::OnWholePixels,
+               m, color, mask ? &over : nullptr);
+  }
+}
+
+bool GlRenderer::Lock(bool) {
+  locked_.resize(static_cast<size_t>(Pitch()) * static_cast<size_t>(state_.height));
+  return Read(All(), locked_.data());
+}
+
+bool GlRenderer::Unlock(bool written) {
+  const std::vector<uint8_t> pixels = std::exchange(locked_, {});
+  return !written || Write(All(), pixels.data(), static_cast<unsigned>(Pitch()));
+}
+
+}  // namespace ZIRK::backends

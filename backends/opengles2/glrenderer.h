@@ -1,0 +1,45 @@
+#pragma once
+
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "common/surfaceformat.h"
+#include "common/textlayout.h"
+#include "opengles2/canvas.h"
+#include "opengles2/texturesources.h"
+
+namespace ZIRK::backends {
+
+/// Draws by OpenGL, for DrawnSurface.
+class GlRenderer : public GlCanvas {
+ public:
+  using Operand = GlOperand;
+  using Mask = GlMask;
+  using Copies = std::unique_ptr<GlTexture>;
+
+  GlRenderer(const SurfaceState& state, std::shared_ptr<GlDevice> device,
+             std::shared_ptr<TextureSources> sources)
+      : GlCanvas(std::move(device), state), state_(state), sources_(std::move(sources)) {}
+
+  bool Resolve(VuBitmapImpl& surface, Extent* part, GlOperand& operand, Copies& copy);
+  bool BlitBox(const VuRect& dst, VuBitmapImpl& src, const VuRect& srcRect, const MatrixF& m,
+               VuColor color);
+  void DrawText(const TextArguments& text, VuColor color, const MatrixF& m, const GlMask* mask);
+  bool Copy(VuPoint at, VuBitmapImpl& src, const VuRect& srcRect);
+
+  /// The pixels are a copy while they are locked.
+  bool Lock(bool write);
+  bool Unlock(bool written);
+  void* LockedPixels() const { return const_cast<uint8_t*>(locked_.data()); }
+  int Pitch() const { return state_.width * BytesPerPixel(state_.format); }
+
+ private:
+  Box All() const { return {0, 0, state_.width, state_.height}; }
+
+  const SurfaceState& state_;
+  const std::shared_ptr<TextureSources> sources_;
+  std::vector<uint8_t> locked_;
+};
+
+}  // namespace ZIRK::backends

@@ -1,0 +1,39 @@
+#include "opengles2/texturesources.h"
+
+#include <zirk/impl/log.h>
+
+#include "common/ownsurface.h"
+#include "opengles2/glscreen.h"
+
+namespace ZIRK::backends {
+
+GlOperand FindOperand(TextureSources& sources, VuBitmapImpl& surface, GlDevice& device) {
+  // Nearly always a bitmap, which is quickly found out.
+  if (auto* const bitmap = AsOwn<GlBitmap>(&surface))
+    return {TextureOf(&bitmap->Canvas(), device), bitmap->GetScaleMode()};
+  return {sources.TextureOf(surface, device), surface.GetScaleMode()};
+}
+
+GlCanvas* FindCanvas(VuBitmapImpl& surface) {
+  if (auto* const bitmap = AsOwn<GlBitmap>(&surface)) return &bitmap->Canvas();
+  auto* const screen = AsOwn<GlScreen>(&surface);
+  return screen ? &screen->Canvas() : nullptr;
+}
+
+GlTexture* TextureOf(GlCanvas* canvas, const GlDevice& device) {
+  return canvas && &canvas->Device() == &device ? canvas->Texture() : nullptr;
+}
+
+bool CopyPixels(GlCanvas* canvas, const Box& part, const GlDevice& device,
+                std::unique_ptr<GlTexture>& copy) {
+  if (!canvas) return RefuseSource();
+  if (&canvas->Device() != &device) {
+    ZIRK_LOG_ERROR("a surface from before the context was lost cannot be drawn");
+    return false;
+  }
+  if (part.IsEmpty()) return true;
+  copy = canvas->Snapshot(part);
+  return copy != nullptr;
+}
+
+}  // namespace ZIRK::backends

@@ -1,0 +1,63 @@
+#include "software/softwarerenderer.h"
+
+#include "common/ownsurface.h"
+#include "software/softwarebitmap.h"
+
+namespace ZIRK::backends {
+
+std::optional<PixelBuffer> CopyOf(const PixelBuffer& pixels, const Box& part) {
+  std::optional<PixelBuffer> copy;
+  if (part.IsEmpty()) return copy;
+  copy.emplace(part.Width(), part.Height(), pixels.Format());
+  CopyPixels(*copy, {0, 0}, pixels, ToRect(part));
+  return copy;
+}
+
+Operand FindOperand(PixelSources& sources, VuBitmapImpl& surface) {
+  // Nearly always a bitmap, which is quickly found out.
+  if (const auto* bitmap = AsOwn<SoftwareBitmap>(&surface))
+    return {&bitmap->Pixels(), bitmap->GetScaleMode()};
+  return {sources.PixelsOf(surface), surface.GetScaleMode()};
+}
+
+bool SoftwareRenderer::Resolve(VuBitmapImpl& surface, Extent* rect, Operand& operand,
+                               Copies& copy) const {
+  operand = FindOperand(*sources_, surface);
+  if (operand.pixels && operand.pixels != &pixels_) return true;
+  Box part = ToBox(surface.GetBounds());
+  if (rect) {
+    const Extent visible = Cut(*rect, part);
+    part = visible.width > 0 && visible.height > 0 ? Around(visible) : Box();
+    rect->x -= part.x0;
+    rect->y -= part.y0;
+  }
+  if (operand.pixels)
+    copy = CopyOf(pixels_, part);
+  else if (!sources_->CopyPixels(surface, part, copy))
+    return false;
+  if (copy) operand.pixels = &*copy;
+  return copy.has_value();
+}
+
+bool SoftwareRenderer::BlitBox(const VuRect& dst, VuBitmapImpl& src, const VuRect& srcRect,
+                               const MatrixF& m, VuColor color) {
+  const auto* const bitmap = AsOwn<SoftwareBitmap>(&src);
+  if (!bitmap || &bitmap->Pixels() == &pixels_) return false;
+  return Painter::BlitBox(dst, {&bitmap->Pixels(), VuScaleMode::Nearest}, srcRect, m, color);
+}
+
+bool SoftwareRenderer::Copy(VuPoint at, VuBitmapImpl& src, const VuRect& srcRect) {
+  if (const PixelBuffer* const pixels = FindOperand(*sources_, src).pixels) {
+    Touch(backends::CopyPixels(pixels_, at, *pixels, srcRect));
+    return true;
+  }
+  const CopyPlan plan = PlanCopy(at.x, at.y, pixels_.Bounds(), srcRect, ToBox(src.GetBounds()));
+  const Box& to = plan.box;
+  std::optional<PixelBuffer> copy;
+  const Box part = {plan.srcX, plan.srcY, plan.srcX + to.Width(), plan.srcY + to.Height()};
+  if (!sources_->CopyPixels(src, part, copy)) return false;
+  if (copy) Touch(backends::CopyPixels(pixels_, {to.x0, to.y0}, *copy, ToRect(copy->Bounds())));
+  return true;
+}
+
+}  // namespace ZIRK::backends
