@@ -4,6 +4,7 @@
 
 #include <SDL.h>
 #include <benchmark/benchmark.h>
+#include <malloc.h>
 #include <zirk/zirk.h>
 
 #include <cstdio>
@@ -174,5 +175,8 @@ int Run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   ZIRK::LogLevel = 3;
+  // What is measured is not how the allocator gives memory back to the kernel.
+  mallopt(M_TRIM_THRESHOLD, 64 << 20);
+  mallopt(M_MMAP_THRESHOLD, 64 << 20);
   return ZIRK::bench::Run(argc, argv);
 }

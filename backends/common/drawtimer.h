@@ -9,19 +9,11 @@ namespace ZIRK::backends {
 /// Adds the time of the scope it stands in to `draw_time` or `swap_time` while LogPerf is set.
 class DrawTimer {
  public:
-  static DrawTimer Drawing() {
-    return LogPerf ? DrawTimer(draw_time, drawRemainder_) : DrawTimer();
-  }
-  static DrawTimer Swapping() {
-    return LogPerf ? DrawTimer(swap_time, swapRemainder_) : DrawTimer();
-  }
+  static DrawTimer Drawing() { return DrawTimer(LogPerf ? Start(false) : Measurement()); }
+  static DrawTimer Swapping() { return DrawTimer(LogPerf ? Start(true) : Measurement()); }
 
   ~DrawTimer() {
-    if (!microseconds_) return;
-    const auto spent = std::chrono::nanoseconds(Clock::now() - start_).count();
-    *remainder_ += static_cast<uint64_t>(spent);
-    *microseconds_ += static_cast<uint32_t>(*remainder_ / 1000);
-    *remainder_ %= 1000;
+    if (measured_.microseconds) Stop(measured_);
   }
   DrawTimer(const DrawTimer&) = delete;
   DrawTimer& operator=(const DrawTimer&) = delete;
@@ -29,20 +21,31 @@ class DrawTimer {
  private:
   using Clock = std::chrono::steady_clock;
 
-  DrawTimer() = default;
-  DrawTimer(uint32_t& microseconds, uint64_t& remainder)
-      : microseconds_(&microseconds), remainder_(&remainder), start_(Clock::now()) {}
+  /// Null where nothing is measured.
+  struct Measurement {
+    uint32_t* microseconds = nullptr;
+    uint64_t* remainder = nullptr;
+    Clock::time_point start{};
+  };
 
-  // Nanoseconds left over from last time: one drawing operation often takes less than a
-  // microsecond.
-  static inline thread_local uint64_t drawRemainder_ = 0;
-  static inline thread_local uint64_t swapRemainder_ = 0;
+  explicit DrawTimer(const Measurement& measured) : measured_(measured) {}
 
-  // Null where nothing is measured: to find out where a thread's own variables lie takes longer
-  // than a small operation.
-  uint32_t* const microseconds_ = nullptr;
-  uint64_t* const remainder_ = nullptr;
-  const Clock::time_point start_{};
+  // Apart: to find out where a thread's own variables lie takes longer than a small operation, and
+  // compilers like to do that beforehand.
+  [[gnu::cold, gnu::noinline]] static Measurement Start(bool swapping) {
+    // Nanoseconds left over from last time: one drawing operation often takes less than a
+    // microsecond.
+    static thread_local uint64_t remainders[2] = {};
+    return {swapping ? &swap_time : &draw_time, &remainders[swapping], Clock::now()};
+  }
+  [[gnu::cold, gnu::noinline]] static void Stop(const Measurement& m) {
+    const auto spent = std::chrono::nanoseconds(Clock::now() - m.start).count();
+    *m.remainder += static_cast<uint64_t>(spent);
+    *m.microseconds += static_cast<uint32_t>(*m.remainder / 1000);
+    *m.remainder %= 1000;
+  }
+
+  const Measurement measured_;
 };
 
 }  // namespace ZIRK::backends

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 #include <vector>
 
 #include "common/pixelmath.h"
@@ -47,18 +48,25 @@ GLenum ToGl(VuBlendingFactor factor) {
   return GL_ZERO;
 }
 
-struct Channels {
-  float red, green, blue, alpha;
-};
+/// A colour as four numbers.
+std::array<float, 4> Split(uint32_t color) {
+  std::array<float, 4> channels{};
+  for (size_t i = 0; i < 4; ++i) channels[i] = static_cast<float>(color >> 8 * i & 255u) / 255;
+  return channels;
+}
 
-/// Of a premultiplied colour, in the order of the target.
-Channels ChannelsOf(uint32_t color, const GlTarget& target) {
-  const auto channel = [color](int shift) {
-    return static_cast<float>(color >> shift & 255u) / 255;
-  };
-  const float red = channel(16), blue = channel(0);
-  if (target.redFirst) return {red, channel(8), blue, channel(24)};
-  return {blue, channel(8), red, channel(24)};
+/// The same for a target whose colour is its alpha: to OpenGL all its pixels are opaque.
+GLenum OfAlpha(GLenum factor) {
+  switch (factor) {
+    case GL_SRC_ALPHA_SATURATE:
+      return GL_ONE;
+    case GL_DST_ALPHA:
+      return GL_DST_COLOR;
+    case GL_ONE_MINUS_DST_ALPHA:
+      return GL_ONE_MINUS_DST_COLOR;
+    default:
+      return factor;
+  }
 }
 
 }  // namespace
@@ -75,22 +83,24 @@ GlBlend::GlBlend(const SurfaceState& state)
   }
 }
 
-GLenum GlBlend::Factor(int index) const {
-  return ToGl(static_cast<VuBlendingFactor>(factors >> 4 * index & 15u));
+std::array<GLenum, 4> GlBlend::FactorsFor(const GlTarget& target) const {
+  std::array<GLenum, 4> all{};
+  for (size_t i = 0; i < 4; ++i)
+    all[i] = ToGl(static_cast<VuBlendingFactor>(factors >> 4 * i & 15u));
+  if (target.order == ChannelOrder::AlphaOnly)
+    for (size_t i = 0; i < 4; ++i) all[i] = OfAlpha(all[i | 2]);
+  return all;
 }
 
-Batch::Batch(GlDevice& device) : device_(device), words_(new float[kWords]) {}
+Batch::Batch(GlDevice& device) : device_(device), lines_(new Line[kMaxQuads]) {}
 
 Batch::~Batch() = default;
 
 bool Batch::Start() {
   const GlFunctions& gl = device_.Gl();
   if (!programs_.Build(gl)) return false;
-  gl.GenBuffers(kVertexBuffers, vertices_);
-  for (const GLuint buffer : vertices_) {
-    gl.BindBuffer(GL_ARRAY_BUFFER, buffer);
-    gl.BufferData(GL_ARRAY_BUFFER, GLsizeiptr{kWords} * 4, nullptr, GL_STREAM_DRAW);
-  }
+  gl.GenBuffers(1, &vertices_);
+  gl.BindBuffer(GL_ARRAY_BUFFER, vertices_);
   gl.GenBuffers(1, &indices_);
   gl.BindBuffer(GL_ELEMENT_ARRAY_BUFFER, indices_);
   std::vector<GLushort> indices;
@@ -100,8 +110,7 @@ bool Batch::Start() {
       indices.push_back(static_cast<GLushort>(quad * 4 + corner));
   gl.BufferData(GL_ELEMENT_ARRAY_BUFFER, static_cast<GLsizeiptr>(indices.size() * 2),
                 indices.data(), GL_STATIC_DRAW);
-  const auto* const version = reinterpret_cast<const char*>(gl.GetString(GL_VERSION));
-  saturatesDestination_ = !version || std::strncmp(version, "OpenGL ES 2.", 12) != 0;
+  saturatesDestination_ = gl.IsVersion3();
   gl.PixelStorei(GL_UNPACK_ALIGNMENT, 1);
   gl.PixelStorei(GL_PACK_ALIGNMENT, 1);
   gl.Disable(GL_DITHER);
@@ -117,7 +126,7 @@ bool Batch::Start() {
 void Batch::Stop() {
   const GlFunctions& gl = device_.Gl();
   programs_.Delete(gl);
-  gl.DeleteBuffers(kVertexBuffers, vertices_);
+  gl.DeleteBuffers(1, &vertices_);
   gl.DeleteBuffers(1, &indices_);
   gl.DeleteTextures(1, &white_);
 }
@@ -129,10 +138,14 @@ void Batch::Begin(const DrawKey& key) {
   blend_ = *key.blend;
 }
 
+void Batch::JoinOrBegin(const DrawKey& key) {
+  if (quads_ == kMaxQuads || !Joins(key)) Begin(key);
+}
+
 void Batch::Flush() {
   if (quads_ == 0) return;
-  const int quads = quads_, used = used_;
-  quads_ = used_ = 0;
+  const GLsizeiptr bytes = End() - Vertices();
+  const int quads = std::exchange(quads_, 0);
   const GlScope scope(device_, key_.target->window);
   if (!scope) return;
   const GlFunctions& gl = device_.Gl();
@@ -141,24 +154,25 @@ void Batch::Flush() {
   programs_.Use(gl, key_.program, *key_.target, key_.texture, colors_, key_.mask);
   if (key_.mask) UseTexture(1, key_.mask, key_.maskFilter);
   UseTexture(0, key_.texture, key_.filter);
-  gl.BindBuffer(GL_ARRAY_BUFFER, vertices_[nextVertices_]);
-  nextVertices_ = (nextVertices_ + 1) % kVertexBuffers;
-  gl.BufferSubData(GL_ARRAY_BUFFER, 0, static_cast<GLsizeiptr>(used) * 4, words_.get());
-  const int attributes = Programs::SetAttributes(gl, key_.program);
-  for (; attributes_ < attributes; ++attributes_)
-    gl.EnableVertexAttribArray(static_cast<GLuint>(attributes_));
-  while (attributes_ > attributes) gl.DisableVertexAttribArray(static_cast<GLuint>(--attributes_));
+  // New storage each time: what the last draw calls may still read is not written.
+  gl.BufferData(GL_ARRAY_BUFFER, bytes, Vertices(), GL_STREAM_DRAW);
+  programs_.SetAttributes(gl, key_.program);
   gl.DrawElements(GL_TRIANGLES, quads * 6, GL_UNSIGNED_SHORT, nullptr);
 }
 
 /// Whether a quadrilateral that has been collected reads pixels of `box` of the texture.
 bool Batch::Reads(const Box& box) const {
-  const int stride = WordsOfVertex(key_.program);
+  const ptrdiff_t stride = 4 * WordsOfVertex(key_.program);
+  const ptrdiff_t offset = 4 * TexelsInVertex(key_.program);
   const float margin = key_.filter == GL_NEAREST && key_.program == GlProgram::Plain ? 0 : 1;
-  for (const float* v = words_.get(); v < words_.get() + used_; v += 4 * stride) {
+  for (const std::byte* quad = Vertices(); quad < End(); quad += 4 * stride) {
     const auto bounds = [=](int axis) {
-      const float* at = v + 2 + axis;
-      return std::minmax({at[0], at[stride], at[2 * stride], at[3 * stride]});
+      const auto at = [=](int corner) {
+        float value;
+        std::memcpy(&value, quad + corner * stride + offset + 4 * axis, sizeof value);
+        return value;
+      };
+      return std::minmax({at(0), at(1), at(2), at(3)});
     };
     const auto [left, right] = bounds(0);
     const auto [top, bottom] = bounds(1);
@@ -182,14 +196,14 @@ void Batch::Forget(const GlTexture& texture) {
 }
 
 void Batch::Forget(const GlTarget& target) {
-  if (key_.target == &target) quads_ = used_ = 0;
+  if (key_.target == &target) quads_ = 0;
   if (viewportOf_ == &target) viewportOf_ = nullptr;
 }
 
 bool Batch::Clear(const GlTarget& target, uint32_t color) {
   // It covers all that was to be drawn on the same target.
   if (quads_ > 0 && key_.target == &target)
-    quads_ = used_ = 0;
+    quads_ = 0;
   else
     Flush();
   const GlScope scope(device_, target.window);
@@ -199,8 +213,8 @@ bool Batch::Clear(const GlTarget& target, uint32_t color) {
   // Written once, the alpha of those that keep theirs is 1 for good.
   if (!alphaWritten_) gl.ColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
   alphaWritten_ = true;
-  const Channels c = ChannelsOf(color, target);
-  gl.ClearColor(c.red, c.green, c.blue, target.keepsAlpha ? 1 : c.alpha);
+  const auto c = Split(target.Channels(color));
+  gl.ClearColor(c[0], c[1], c[2], target.keepsAlpha ? 1 : c[3]);
   gl.Clear(GL_COLOR_BUFFER_BIT);
   return true;
 }
@@ -248,19 +262,18 @@ void Batch::UseBlend() {
   if (blend_.IsEnabled() != blendUsed_) (blend_.IsEnabled() ? gl.Enable : gl.Disable)(GL_BLEND);
   blendUsed_ = blend_.IsEnabled();
   if (!blendUsed_) return;
-  if (blend_.factors != blendSet_.factors)
-    gl.BlendFuncSeparate(blend_.Factor(0), ForDestination(blend_.Factor(1), GL_ZERO),
-                         blend_.Factor(2), ForDestination(blend_.Factor(3), GL_ONE));
-  // Its order depends on the target, so that it is told each time that it may matter.
-  const Channels c = ChannelsOf(blend_.color, *key_.target);
-  if (blend_.color != 0 || blendSet_.color != 0) gl.BlendColor(c.red, c.green, c.blue, c.alpha);
-  blendSet_ = blend_;
-}
-
-/// The factor, or `instead` where it is none that this version of OpenGL has for the destination.
-/// For alpha, One is what it means; for colours, Zero is so only where the destination is opaque.
-GLenum Batch::ForDestination(GLenum factor, GLenum instead) const {
-  return factor == GL_SRC_ALPHA_SATURATE && !saturatesDestination_ ? instead : factor;
+  std::array<GLenum, 4> factors = blend_.FactorsFor(*key_.target);
+  // What this version of OpenGL does not have for the destination. For alpha it means One; for
+  // colours Zero is right only where the destination is opaque.
+  if (!saturatesDestination_ && factors[1] == GL_SRC_ALPHA_SATURATE) factors[1] = GL_ZERO;
+  if (!saturatesDestination_ && factors[3] == GL_SRC_ALPHA_SATURATE) factors[3] = GL_ONE;
+  if (factors != factorsSet_) gl.BlendFuncSeparate(factors[0], factors[1], factors[2], factors[3]);
+  factorsSet_ = factors;
+  const uint32_t color = key_.target->Channels(blend_.color);
+  if (color == blendColorSet_) return;
+  const auto c = Split(color);
+  gl.BlendColor(c[0], c[1], c[2], c[3]);
+  blendColorSet_ = color;
 }
 
 void Batch::UseTexture(int unit, GlTexture* texture, GLint filter) {

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <algorithm>
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 
@@ -19,8 +22,9 @@ struct GlBlend {
   explicit GlBlend(const SurfaceState& state);
 
   bool IsEnabled() const { return (factors & kEnabled) != 0; }
-  /// In OpenGL's terms: source colour, destination colour, source alpha, destination alpha.
-  GLenum Factor(int index) const;
+  /// In OpenGL's terms, as they are for the target: source colour, destination colour, source
+  /// alpha, destination alpha.
+  std::array<GLenum, 4> FactorsFor(const GlTarget& target) const;
 
   bool operator==(const GlBlend& b) const { return color == b.color && factors == b.factors; }
 
@@ -42,8 +46,7 @@ struct DrawKey {
 /// Collects quadrilaterals and draws them, as many as possible at a time, in the order in which
 /// they came.
 ///
-/// It also knows OpenGL's state, and changes only what differs: all but the programs' uniforms, the
-/// blend colour and the layout of the vertices, which go with every draw call.
+/// It also knows OpenGL's state, and changes only what differs.
 class Batch {
  public:
   explicit Batch(GlDevice& device);
@@ -56,16 +59,26 @@ class Batch {
 
   /// Room for `count` quadrilaterals, at most kMaxAtOnce, each four vertices as the program has
   /// them. It is to be filled before the next call. `key.blend` is copied.
-  float* Add(const DrawKey& key, int count) {
-    const int words = count * WordsOfQuad(key.program);
-    if (!(words <= kWords - used_ && count <= kMaxQuads - quads_ && Joins(key))) Begin(key);
+  std::byte* Add(const DrawKey& key, int count) {
+    const int room = std::min(kWords / WordsOfQuad(key.program), kMaxQuads) - quads_;
+    if (count > room || !Joins(key)) Begin(key);
     colors_ = colors_ || !key.texture;
-    float* const at = words_.get() + used_;
-    used_ += words;
+    std::byte* const at = End();
     quads_ += count;
     return at;
   }
   static constexpr int kMaxAtOnce = 8;
+
+  /// The same for one quadrilateral of GlProgram::Plain, which nearly all are. A texture or null.
+  PlainVertex* AddPlain(const GlTarget* target, const GlBlend& blend, GlTexture* texture,
+                        GLint filter) {
+    const bool joins = quads_ > 0 && quads_ < kMaxQuads && key_.target == target &&
+                       key_.program == GlProgram::Plain && blend == blend_ &&
+                       (!texture || (key_.texture == texture && key_.filter == filter));
+    if (!joins) JoinOrBegin({target, &blend, GlProgram::Plain, texture, filter});
+    if (!texture) colors_ = true;
+    return reinterpret_cast<PlainVertex*>(lines_[quads_++].bytes);
+  }
 
   /// Draws what has been collected.
   void Flush();
@@ -91,7 +104,16 @@ class Batch {
  private:
   // What a processor's cache holds; indices have 16 bits.
   static constexpr int kMaxQuads = 4096;
-  static constexpr int kWords = kMaxQuads * 4 * 5;
+  static constexpr int kWords = kMaxQuads * WordsOfQuad(GlProgram::Plain);
+
+  /// A plain quadrilateral, and what a processor fetches at a time.
+  struct alignas(64) Line {
+    std::byte bytes[64];
+  };
+  static_assert(4 * sizeof(PlainVertex) == sizeof(Line));
+
+  std::byte* Vertices() const { return lines_[0].bytes; }
+  std::byte* End() const { return Vertices() + ptrdiff_t{4} * quads_ * WordsOfQuad(key_.program); }
 
   bool Joins(const DrawKey& key) {
     if (quads_ == 0 || key.target != key_.target || key.program != key_.program ||
@@ -107,12 +129,12 @@ class Batch {
     return key.texture == key_.texture && key.filter == key_.filter;
   }
   void Begin(const DrawKey& key);
+  void JoinOrBegin(const DrawKey& key);
   bool Reads(const Box& box) const;
 
   void Bind(int unit, GLuint texture);
   void UseTarget(const GlTarget& target);
   void UseBlend();
-  GLenum ForDestination(GLenum factor, GLenum instead) const;
   void UseTexture(int unit, GlTexture* texture, GLint filter);
 
   GlDevice& device_;
@@ -120,14 +142,10 @@ class Batch {
   GlBlend blend_;
   int quads_ = 0;
   bool colors_ = false;  ///< Some of them are of one colour.
-  int used_ = 0;
-  const std::unique_ptr<float[]> words_;
+  const std::unique_ptr<Line[]> lines_;
 
   Programs programs_;
-  // Taken in turn, so that none is written while the last draw calls may still read it.
-  static constexpr int kVertexBuffers = 3;
-  GLuint vertices_[kVertexBuffers] = {};
-  int nextVertices_ = 0;
+  GLuint vertices_ = 0;
   GLuint indices_ = 0;
   GLuint white_ = 0;  ///< Stands in for the texture where there is none.
 
@@ -138,10 +156,10 @@ class Batch {
   int unit_ = 0;
   GLuint framebuffer_ = 0;
   const GlTarget* viewportOf_ = nullptr;
-  GlBlend blendSet_;
+  std::array<GLenum, 4> factorsSet_ = {GL_ONE, GL_ZERO, GL_ONE, GL_ZERO};
+  uint32_t blendColorSet_ = 0;  ///< As the target has it.
   bool blendUsed_ = false;
   bool alphaWritten_ = true;
-  int attributes_ = 0;
 };
 
 }  // namespace ZIRK::backends

@@ -51,34 +51,35 @@ Point ToPoint(const VuTVector2D<float>& v) {
 /// Writes one vertex after the other.
 class VertexWriter {
  public:
-  explicit VertexWriter(float* words) : words_(words) {}
+  explicit VertexWriter(std::byte* at) : at_(at) {}
 
-  void Put(double v) { *words_++ = static_cast<float>(v); }
+  void Put(double v) { PutWord(static_cast<float>(v)); }
   void Put(Point p) {
     Put(p.x);
     Put(p.y);
   }
-  void PutColor(uint32_t color) { std::memcpy(words_++, &color, sizeof color); }
+  void PutColor(uint32_t color) { PutWord(color); }
+  void PutWhole(Point p) { PutWord(static_cast<uint32_t>(p.x) | static_cast<uint32_t>(p.y) << 16); }
 
  private:
-  float* words_;
+  template <typename T>
+  void PutWord(T word) {
+    static_assert(sizeof word == 4);
+    std::memcpy(at_, &word, 4);
+    at_ += 4;
+  }
+
+  std::byte* at_;
 };
 
-void PutPlainQuad(float* words, const Box& box, float s0, float t0, float s1, float t1,
+void PutPlainQuad(PlainVertex* v, const Box& box, float s0, float t0, float s1, float t1,
                   uint32_t color) {
-  const auto x0 = static_cast<float>(box.x0), x1 = static_cast<float>(box.x1);
-  const auto y0 = static_cast<float>(box.y0), y1 = static_cast<float>(box.y1);
-  const auto put = [&](float* at, float x, float y, float s, float t) {
-    at[0] = x;
-    at[1] = y;
-    at[2] = s;
-    at[3] = t;
-    std::memcpy(at + 4, &color, sizeof color);
-  };
-  put(words, x0, y0, s0, t0);
-  put(words + 5, x1, y0, s1, t0);
-  put(words + 10, x1, y1, s1, t1);
-  put(words + 15, x0, y1, s0, t1);
+  const auto x0 = static_cast<uint16_t>(box.x0), x1 = static_cast<uint16_t>(box.x1);
+  const auto y0 = static_cast<uint16_t>(box.y0), y1 = static_cast<uint16_t>(box.y1);
+  v[0] = {x0, y0, color, s0, t0};
+  v[1] = {x1, y0, color, s1, t0};
+  v[2] = {x1, y1, color, s1, t1};
+  v[3] = {x0, y1, color, s0, t1};
 }
 
 }  // namespace
@@ -112,6 +113,10 @@ bool GlCanvas::Refresh() {
   return target_ && !clip_.IsEmpty();
 }
 
+uint32_t GlCanvas::Shade(VuColor color) const {
+  return target_->Channels(Premultiply(color));
+}
+
 DrawKey GlCanvas::Key() const {
   DrawKey key;
   key.target = target_;
@@ -122,18 +127,17 @@ DrawKey GlCanvas::Key() const {
 void GlCanvas::DrawRect(const Extent& rect, VuColor color, const MatrixF& m, const GlMask* mask) {
   if (!Refresh()) return;
   if (!mask)
-    if (const std::optional<Box> box = PlaceUpright(rect, m))
-      return PaintBox(*box, Premultiply(color));
+    if (const std::optional<Box> box = PlaceUpright(rect, m)) return PaintBox(*box, Shade(color));
   const std::optional<Placement> placement = Place(rect, m, Edges::OnWholePixels);
   if (!placement) return;
   const std::optional<MaskPlace> place = mask ? PlaceMask(*mask, *placement) : std::nullopt;
   if (mask && !place) return;
-  Paint(*placement, Filling(), Premultiply(color), place ? &*place : nullptr);
+  Paint(*placement, Filling(), Shade(color), place ? &*place : nullptr);
 }
 
 bool GlCanvas::FillBox(const VuRect& r, VuColor color) {
   if (!IsNear(r)) return false;
-  if (Refresh()) PaintBox({r.x, r.y, r.x + r.width, r.y + r.height}, Premultiply(color));
+  if (Refresh()) PaintBox({r.x, r.y, r.x + r.width, r.y + r.height}, Shade(color));
   return true;
 }
 
@@ -154,16 +158,15 @@ bool GlCanvas::BlitBox(const VuRect& dst, const GlOperand& src, const VuRect& sr
   const Box visible = Visible(box);
   if (visible.IsEmpty()) return true;
 
-  DrawKey key = Key();
-  key.texture = src.texture;
+  GLint filter = GL_NEAREST;
   float bias = 0;
   if (box.Width() != srcRect.width || box.Height() != srcRect.height) {
-    key.filter = FilterOf(src.scaleMode);
+    filter = FilterOf(src.scaleMode);
     const bool enlarged = kSmallestStep * box.Width() > srcRect.width ||
                           kSmallestStep * box.Height() > srcRect.height;
     const bool whole = ToBox(srcRect) == src.texture->Bounds();
-    if (key.filter == GL_NEAREST ? enlarged : !whole) return false;
-    bias = key.filter == GL_NEAREST ? static_cast<float>(kBias) : 0;
+    if (filter == GL_NEAREST ? enlarged : !whole) return false;
+    bias = filter == GL_NEAREST ? static_cast<float>(kBias) : 0;
   }
   float s0 = static_cast<float>(srcRect.x) + bias, t0 = static_cast<float>(srcRect.y) + bias;
   float s1 = s0 + static_cast<float>(srcRect.width), t1 = t0 + static_cast<float>(srcRect.height);
@@ -175,7 +178,8 @@ bool GlCanvas::BlitBox(const VuRect& dst, const GlOperand& src, const VuRect& sr
     s0 += static_cast<float>((visible.x0 - box.x0) * stepX);
     t0 += static_cast<float>((visible.y0 - box.y0) * stepY);
   }
-  PutPlainQuad(device_->Pending().Add(key, 1), visible, s0, t0, s1, t1, Premultiply(color));
+  PutPlainQuad(device_->Pending().AddPlain(target_, blend_, src.texture, filter), visible, s0, t0,
+               s1, t1, Shade(color));
   return true;
 }
 
@@ -186,10 +190,10 @@ void GlCanvas::DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m,
   const Extent square = {p.x + 0.5 - side / 2, p.y + 0.5 - side / 2, side, side};
   const std::optional<Placement> placement = Place(square, m, Edges::OnWholePixels);
   if (!placement) return;
-  if (!mask) return Paint(*placement, Filling(), Premultiply(color), nullptr);
+  if (!mask) return Paint(*placement, Filling(), Shade(color), nullptr);
   const MaskPlace place = MaskAt(mask->operand, ToPoint(*mask->coords));
   const bool finite = IsFinite(place.toMask.origin);
-  Paint(*placement, Filling(), finite ? Premultiply(color) : 0, finite ? &place : nullptr);
+  Paint(*placement, Filling(), finite ? Shade(color) : 0, finite ? &place : nullptr);
 }
 
 void GlCanvas::DrawLine(VuPoint from, VuPoint to, VuColor color, const MatrixF& m,
@@ -199,7 +203,7 @@ void GlCanvas::DrawLine(VuPoint from, VuPoint to, VuColor color, const MatrixF& 
   if (!line) return;
   const Box box = Visible(line->Bounds());
   if (box.IsEmpty()) return;
-  const uint32_t shade = Premultiply(color);
+  const uint32_t shade = Shade(color);
   if (mask) {
     const GlTexture& texture = *mask->operand.texture;
     const LineEnds ends =
@@ -235,7 +239,7 @@ void GlCanvas::PaintMaskedPixel(int x, int y, uint32_t color, const GlOperand& m
 void GlCanvas::DrawObject(const Extent& dst, const GlOperand& src, const Extent& srcRect,
                           Edges edges, const MatrixF& m, VuColor color, const GlMask* mask) {
   if (!(srcRect.width > 0 && srcRect.height > 0) || !IsFinite(srcRect) || !Refresh()) return;
-  const uint32_t shade = Premultiply(color);
+  const uint32_t shade = Shade(color);
   const std::optional<Placement> whole = Place(dst, m, edges);
   const Extent visible = Cut(srcRect, src.texture->Bounds());
   if (!whole || !(visible.width > 0 && visible.height > 0)) return;
@@ -257,7 +261,8 @@ void GlCanvas::DrawObject(const Extent& dst, const GlOperand& src, const Extent&
 void GlCanvas::PaintBox(const Box& box, uint32_t color) {
   const Box visible = Visible(box);
   if (visible.IsEmpty()) return;
-  PutPlainQuad(device_->Pending().Add(Key(), 1), visible, -1, -1, -1, -1, color);
+  PutPlainQuad(device_->Pending().AddPlain(target_, blend_, nullptr, GL_NEAREST), visible, -1, -1,
+               -1, -1, color);
 }
 
 std::optional<GlCanvas::MaskPlace> GlCanvas::PlaceMask(const GlMask& mask, const Placement& whole) {
@@ -311,9 +316,9 @@ void GlCanvas::PaintShape(const Shape& shape, const Filling& filling, uint32_t c
     sides = {{b.x0 - 2.0, b.y0 - 2.0}, {b.Width() + 4.0, 0}, {0, b.Height() + 4.0}};
   }
   const auto vertex = [&](VertexWriter& out, Point p) {
-    out.Put(p);
-    out.Put(filling.texture ? filling.toTexture(p.x, p.y) : Point{-1, -1});
+    key.program == GlProgram::Plain ? out.PutWhole(p) : out.Put(p);
     out.PutColor(color);
+    out.Put(filling.texture ? filling.toTexture(p.x, p.y) : Point{-1, -1});
     if (key.program == GlProgram::Plain) return;
     const Box& l = filling.limits;
     out.Put(filling.texture ? Point{l.x0 + 0.5, l.y0 + 0.5} : Point{-1, -1});
@@ -377,14 +382,11 @@ bool GlCanvas::Write(const Box& box, const void* src, unsigned pitch) {
 
 bool GlCanvas::Copy(const Box& box, GlTexture& src, int srcX, int srcY) {
   static constexpr GlBlend kReplace{};
-  DrawKey key;
-  key.target = Target();
-  key.blend = &kReplace;
-  key.texture = &src;
-  if (!key.target) return false;
+  const GlTarget* const target = Target();
+  if (!target) return false;
   const auto s = static_cast<float>(srcX), t = static_cast<float>(srcY);
-  PutPlainQuad(device_->Pending().Add(key, 1), box, s, t, s + static_cast<float>(box.Width()),
-               t + static_cast<float>(box.Height()), ~0u);
+  PutPlainQuad(device_->Pending().AddPlain(target, kReplace, &src, GL_NEAREST), box, s, t,
+               s + static_cast<float>(box.Width()), t + static_cast<float>(box.Height()), ~0u);
   return true;
 }
 

@@ -98,6 +98,8 @@ class GlCanvas {
   const GlTarget* Target() { return texture_ ? texture_->Target() : window_; }
   bool Refresh();
   DrawKey Key() const;
+  /// As the target has it. After Refresh().
+  uint32_t Shade(VuColor color) const;
   Box Visible(const Box& box) const { return Intersection(box, clip_); }
 
   void PaintBox(const Box& box, uint32_t color);

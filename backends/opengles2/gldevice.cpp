@@ -164,6 +164,7 @@ bool GlDevice::StartContext() {
   if (precision < 16) return Fail("no use", "the fragment stage has no highp");
   gl_.LoadExtensions(sdl.GetProcAddress);
   gl_.GetIntegerv(GL_MAX_TEXTURE_SIZE, &maxTextureSize_);
+  oneChannelFormat_ = FindOneChannelFormat(gl_);
   return batch_.Start();
 }
 
@@ -227,6 +228,7 @@ void GlDevice::CloseWindow(SDL_Window* window) {
   if (at == windows_.end()) return;
   const OthersContext others(context_);
   windows_.erase(at);
+  if (interval_.window == window) interval_.window = nullptr;
   if (current_ == window) {
     Release();
     current_ = nullptr;
@@ -249,6 +251,16 @@ bool GlDevice::MakeCurrent(SDL_Window* window) {
   current_ = window;
   batch_.WindowChanged();
   return true;
+}
+
+/// With some drivers each window has an interval, with others all have one, which the application
+/// may have set for its own.
+void GlDevice::SetSwapInterval(int interval) {
+  if (interval_.window == current_ && interval_.asked == interval &&
+      SDL_GL_GetSwapInterval() == interval_.got)
+    return;
+  Sdl().SetSwapInterval(interval);
+  interval_ = {current_, interval, SDL_GL_GetSwapInterval()};
 }
 
 void GlDevice::Release() {

@@ -28,6 +28,8 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
   const GlFunctions& Gl() const { return gl_; }
   Batch& Pending() { return batch_; }
   int MaxTextureSize() const { return maxTextureSize_; }
+  /// See FindOneChannelFormat().
+  GLenum OneChannelFormat() const { return oneChannelFormat_; }
   /// The screens' own, kept here for them to find each other.
   std::weak_ptr<GlLayers>& Layers() { return layers_; }
   bool IsLost() const { return !context_; }
@@ -44,6 +46,9 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
   /// Makes `window`, or with null any window, the one that is drawn to. False if the context is
   /// lost; an error line says so once.
   bool MakeCurrent(SDL_Window* window = nullptr);
+
+  /// How many frames of the display one of the window that is drawn to lasts.
+  void SetSwapInterval(int interval);
 
   /// Lets another thread go on.
   void Release();
@@ -81,6 +86,13 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
   bool libraryLoaded_ = false;
   bool loaded_ = false;  ///< The functions can be called.
   int maxTextureSize_ = 0;
+  GLenum oneChannelFormat_ = 0;
+  /// The window whose interval was set last, what was asked for, and what SDL said then.
+  struct {
+    SDL_Window* window = nullptr;
+    int asked = 0;
+    int got = 0;
+  } interval_;
 };
 
 /// Makes the context current again that is so now, if there is one and it is not `ours`.

@@ -35,4 +35,10 @@ bool GlFunctions::Has(const char* extension) const {
   return false;
 }
 
+bool GlFunctions::IsVersion3() const {
+  constexpr char kTwo[] = "OpenGL ES 2.";
+  const auto* const version = reinterpret_cast<const char*>(GetString(GL_VERSION));
+  return version && std::strncmp(version, kTwo, sizeof kTwo - 1) != 0;
+}
+
 }  // namespace ZIRK::backends

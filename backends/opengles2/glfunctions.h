@@ -58,10 +58,9 @@ struct GlFunctions {
   X(TexImage2D, PFNGLTEXIMAGE2DPROC)                             \
   X(TexParameteri, PFNGLTEXPARAMETERIPROC)                       \
   X(TexSubImage2D, PFNGLTEXSUBIMAGE2DPROC)                       \
-  X(Uniform1f, PFNGLUNIFORM1FPROC)                               \
   X(Uniform1i, PFNGLUNIFORM1IPROC)                               \
-  X(Uniform2f, PFNGLUNIFORM2FPROC)                               \
-  X(Uniform4f, PFNGLUNIFORM4FPROC)                               \
+  X(Uniform2fv, PFNGLUNIFORM2FVPROC)                             \
+  X(Uniform4fv, PFNGLUNIFORM4FVPROC)                             \
   X(UniformMatrix4fv, PFNGLUNIFORMMATRIX4FVPROC)                 \
   X(UseProgram, PFNGLUSEPROGRAMPROC)                             \
   X(VertexAttribPointer, PFNGLVERTEXATTRIBPOINTERPROC)           \
@@ -81,6 +80,8 @@ struct GlFunctions {
 
   /// Whether the current context has the extension.
   bool Has(const char* extension) const;
+  /// Whether it is of OpenGL ES 3 or later, which is told by the same functions and does more.
+  bool IsVersion3() const;
 };
 
 }  // namespace ZIRK::backends

@@ -53,7 +53,7 @@ std::unique_ptr<GlWindow> GlWindow::Open(std::shared_ptr<GlDevice> device, int w
   std::unique_ptr<GlWindow> window(new GlWindow(std::move(device)));
   window->target_.width = width;
   window->target_.height = height;
-  window->target_.redFirst = true;
+  window->target_.order = ChannelOrder::RedFirst;
   window->target_.window = window->device_->OpenWindow(width, height, display);
   if (!window->target_.window) return nullptr;
   window->FindBottom();
@@ -80,7 +80,7 @@ void GlWindow::Present(bool inStep) {
   device_->Pending().Flush();
   const GlScope scope(*device_, target_.window);
   if (!scope || !device_->Check("drawing")) return;
-  SDL_GL_SetSwapInterval(inStep ? 1 : 0);
+  device_->SetSwapInterval(inStep ? 1 : 0);
   SDL_GL_SwapWindow(target_.window);
   SDL_PumpEvents();
   Listener listener = {SDL_GetWindowID(target_.window), device_->HasSdlAlone()};

@@ -2,6 +2,7 @@
 
 #include <zirk/impl/log.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <utility>
 
@@ -14,13 +15,24 @@ namespace {
 /// In the order of the words of a vertex.
 struct Attribute {
   const char* name;
-  GLint words;
+  GLint size;
+  GLenum type;
 };
-constexpr Attribute kAttributes[] = {{"positions", 4}, {"color", 1},     {"limits", 4},
-                                     {"shape", 4},     {"shapeUnit", 4}, {"mask", 4}};
+constexpr Attribute kAttributes[] = {{"position", 2, GL_FLOAT}, {"color", 4, GL_UNSIGNED_BYTE},
+                                     {"texel", 2, GL_FLOAT},    {"limits", 4, GL_FLOAT},
+                                     {"shape", 4, GL_FLOAT},    {"shapeUnit", 4, GL_FLOAT},
+                                     {"mask", 4, GL_FLOAT}};
+constexpr Attribute kPlainPosition = {"position", 2, GL_UNSIGNED_SHORT};
 
 constexpr int AttributeCount(GlProgram program) {
-  return program == GlProgram::Shaped ? 5 : program == GlProgram::Masked ? 6 : 2;
+  return program == GlProgram::Shaped ? 6 : program == GlProgram::Masked ? 7 : 3;
+}
+
+constexpr size_t BytesOf(const Attribute& a) {
+  const size_t component = a.type == GL_FLOAT            ? sizeof(GLfloat)
+                           : a.type == GL_UNSIGNED_SHORT ? sizeof(GLushort)
+                                                         : sizeof(GLubyte);
+  return static_cast<size_t>(a.size) * component;
 }
 
 constexpr const char* kDefines[kProgramCount] = {"", "#define SHAPED\n",
@@ -48,12 +60,14 @@ struct Order {
   int from[4] = {0, 1, 2, 3};
 
   Order(const GlTarget& target, const GlTexture* texture) {
-    if (texture && texture->Format() == VuPixelFormat::A8)
-      from[0] = from[1] = from[2] = 3;
-    else if (texture && texture->IsRedFirst() != target.redFirst)
+    if (!texture) return;
+    if (texture->Format() == VuPixelFormat::A8 || target.order == ChannelOrder::AlphaOnly)
+      std::fill_n(from, 4, AlphaOf(*texture));
+    else if (texture->Order() != target.order)
       std::swap(from[0], from[2]);
   }
-  bool IsIdentity() const { return from[0] == 0; }
+  bool IsIdentity() const { return from[0] == 0 && from[3] == 3; }
+  static int AlphaOf(const GlTexture& t) { return t.Order() == ChannelOrder::AlphaOnly ? 0 : 3; }
 };
 
 /// The cheapest program that does the same.
@@ -97,11 +111,11 @@ bool Programs::Build(const GlFunctions& gl, GlProgram which) {
     ZIRK_LOG_ERROR("OpenGL does not link a program: %s", log);
     return false;
   }
-  p.target = gl.GetUniformLocation(p.name, "target");
-  p.exchange = gl.GetUniformLocation(p.name, "exchange");
-  p.texel = gl.GetUniformLocation(p.name, "texel");
-  p.order = gl.GetUniformLocation(p.name, "order");
-  p.maskTexel = gl.GetUniformLocation(p.name, "maskTexel");
+  p.target.location = gl.GetUniformLocation(p.name, "target");
+  p.texelSize.location = gl.GetUniformLocation(p.name, "texelSize");
+  p.order.location = gl.GetUniformLocation(p.name, "order");
+  p.maskTexelSize.location = gl.GetUniformLocation(p.name, "maskTexelSize");
+  p.maskChannel.location = gl.GetUniformLocation(p.name, "maskChannel");
   gl.UseProgram(p.name);
   gl.Uniform1i(gl.GetUniformLocation(p.name, "source"), 0);
   if (which == GlProgram::Masked) gl.Uniform1i(gl.GetUniformLocation(p.name, "coverage"), 1);
@@ -117,38 +131,49 @@ void Programs::Delete(const GlFunctions& gl) {
 void Programs::Use(const GlFunctions& gl, GlProgram program, const GlTarget& target,
                    const GlTexture* texture, bool colors, const GlTexture* mask) {
   const Order order(target, texture);
-  const Program& p = programs_[static_cast<size_t>(Simplified(program, texture, colors, order))];
+  Program& p = programs_[static_cast<size_t>(Simplified(program, texture, colors, order))];
   if (used_ != p.name) gl.UseProgram(p.name);
   used_ = p.name;
   const auto width = static_cast<float>(target.width), height = static_cast<float>(target.height);
   // OpenGL's rows go up. A texture's first row is the lowest one, a window's the highest.
   const float up = target.IsWindow() ? -1.0f : 1.0f;
-  gl.Uniform4f(p.target, 2 / width, 2 * up / height, -1, -up);
-  gl.Uniform1f(p.exchange, target.redFirst ? 1.0f : 0.0f);
-  const auto setTexel = [&gl](GLint location, const GlTexture* t) {
-    const float across = t ? 1 / static_cast<float>(t->Width()) : 1;
-    gl.Uniform2f(location, across, t ? 1 / static_cast<float>(t->Height()) : 1);
+  const std::array<float, 4> toClip = {2 / width, 2 * up / height, -1, -up};
+  if (p.target.Changes(toClip)) gl.Uniform4fv(p.target.location, 1, toClip.data());
+  const auto setTexelSize = [&gl](Uniform<2>& uniform, const GlTexture* t) {
+    const std::array<float, 2> size = {t ? 1 / static_cast<float>(t->Width()) : 1,
+                                       t ? 1 / static_cast<float>(t->Height()) : 1};
+    if (uniform.Changes(size)) gl.Uniform2fv(uniform.location, 1, size.data());
   };
-  setTexel(p.texel, texture);
-  if (mask) setTexel(p.maskTexel, mask);
+  // Without a texture any size will do, but there has to be one.
+  if (texture || !p.texelSize.value) setTexelSize(p.texelSize, texture);
+  if (mask) {
+    setTexelSize(p.maskTexelSize, mask);
+    std::array<float, 4> channel{};
+    channel[static_cast<size_t>(Order::AlphaOf(*mask))] = 1;
+    if (p.maskChannel.Changes(channel)) gl.Uniform4fv(p.maskChannel.location, 1, channel.data());
+  }
   // Column by column.
-  float matrix[16] = {};
-  for (int i = 0; i < 4; ++i) matrix[order.from[i] * 4 + i] = 1;
-  gl.UniformMatrix4fv(p.order, 1, GL_FALSE, matrix);
+  std::array<float, 16> matrix{};
+  for (int i = 0; i < 4; ++i) matrix[static_cast<size_t>(order.from[i] * 4 + i)] = 1;
+  if (texture && p.order.Changes(matrix))
+    gl.UniformMatrix4fv(p.order.location, 1, GL_FALSE, matrix.data());
 }
 
-int Programs::SetAttributes(const GlFunctions& gl, GlProgram program) {
-  const auto stride = static_cast<GLsizei>(WordsOfVertex(program) * 4);
+void Programs::SetAttributes(const GlFunctions& gl, GlProgram program) {
+  const int words = WordsOfVertex(program);
+  if (words == wordsOfVertex_) return;
+  wordsOfVertex_ = words;
   const int count = AttributeCount(program);
   size_t offset = 0;
   for (int i = 0; i < count; ++i) {
-    const bool color = kAttributes[i].words == 1;
-    gl.VertexAttribPointer(static_cast<GLuint>(i), 4, color ? GL_UNSIGNED_BYTE : GL_FLOAT,
-                           color ? GL_TRUE : GL_FALSE, stride,
-                           reinterpret_cast<const void*>(offset));
-    offset += static_cast<size_t>(kAttributes[i].words) * 4;
+    const Attribute& a = i == 0 && program == GlProgram::Plain ? kPlainPosition : kAttributes[i];
+    gl.VertexAttribPointer(static_cast<GLuint>(i), a.size, a.type, a.type == GL_UNSIGNED_BYTE,
+                           words * 4, reinterpret_cast<const void*>(offset));
+    offset += BytesOf(a);
   }
-  return count;
+  for (; attributes_ < count; ++attributes_)
+    gl.EnableVertexAttribArray(static_cast<GLuint>(attributes_));
+  while (attributes_ > count) gl.DisableVertexAttribArray(static_cast<GLuint>(--attributes_));
 }
 
 }  // namespace ZIRK::backends

@@ -13,6 +13,7 @@ struct SdlCalls {
   decltype(&SDL_CreateWindow) CreateWindow = SDL_CreateWindow;
   decltype(&SDL_GL_CreateContext) CreateContext = SDL_GL_CreateContext;
   decltype(&SDL_GL_MakeCurrent) MakeCurrent = SDL_GL_MakeCurrent;
+  decltype(&SDL_GL_SetSwapInterval) SetSwapInterval = SDL_GL_SetSwapInterval;
   decltype(&SDL_GL_GetProcAddress) GetProcAddress = SDL_GL_GetProcAddress;
   decltype(&SDL_GetDesktopDisplayMode) GetDesktopDisplayMode = SDL_GetDesktopDisplayMode;
 };

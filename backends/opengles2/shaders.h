@@ -7,11 +7,11 @@ namespace ZIRK::backends {
 inline constexpr char kVertexShader[] = R"(
 precision highp float;
 
-attribute vec4 positions;  // on the target and in the texture
-attribute vec4 color;
+attribute vec2 position;
+attribute vec4 color;      // in the target's order
+attribute vec2 texel;      // position in the texture
 uniform vec4 target;       // pixels to OpenGL's coordinates: scale, offset
-uniform float exchange;    // whether the target has red first
-uniform vec2 texel;
+uniform vec2 texelSize;
 
 varying vec2 texturePosition;
 varying vec4 shade;
@@ -25,22 +25,22 @@ varying vec4 limit, corners, sideUnit;
 #endif
 #ifdef MASKED
 attribute vec4 mask;       // position in the mask, twist
-uniform vec2 maskTexel;
+uniform vec2 maskTexelSize;
 varying vec4 maskPosition;
 #endif
 
 void main() {
-  gl_Position = vec4(positions.xy * target.xy + target.zw, 0.0, 1.0);
-  texturePosition = positions.zw * texel;
-  shade = mix(color, color.bgra, exchange);
+  gl_Position = vec4(position * target.xy + target.zw, 0.0, 1.0);
+  texturePosition = texel * texelSize;
+  shade = color;
 #ifdef SHAPED
-  place = positions.xy;
-  limit = limits * texel.xyxy;
+  place = position;
+  limit = limits * texelSize.xyxy;
   corners = shape;
   sideUnit = shapeUnit;
 #endif
 #ifdef MASKED
-  maskPosition = mask * maskTexel.xyxy;
+  maskPosition = mask * maskTexelSize.xyxy;
 #endif
 }
 )";
@@ -61,7 +61,8 @@ varying vec4 limit, corners, sideUnit;
 #ifdef MASKED
 varying vec4 maskPosition;
 uniform sampler2D coverage;
-uniform vec2 maskTexel;
+uniform vec2 maskTexelSize;
+uniform vec4 maskChannel;  // the one that is alpha
 #endif
 
 #ifdef SHAPED
@@ -115,7 +116,8 @@ void main() {
 #endif
 #ifdef MASKED
   vec2 on = maskPosition.xy + maskPosition.zw * (sideUnit.z * sideUnit.w);
-  amount *= texture2D(coverage, clamp(on, 0.5 * maskTexel, 1.0 - 0.5 * maskTexel)).a;
+  on = clamp(on, 0.5 * maskTexelSize, 1.0 - 0.5 * maskTexelSize);
+  amount *= dot(texture2D(coverage, on), maskChannel);
 #endif
   gl_FragColor = shade * mix(vec4(1.0), order * texture2D(source, at), textured) * amount;
 }

@@ -17,29 +17,28 @@ static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "pixels are handed on a
 namespace {
 
 struct GlFormat {
+  GLenum internal;
   GLenum format;
   GLenum type;
-  bool redFirst;
+  ChannelOrder order;
 };
 
-GlFormat FormatOf(VuPixelFormat format) {
+GlFormat FormatOf(VuPixelFormat format, GLenum oneChannel) {
   switch (format) {
     case VuPixelFormat::RGB565:
-      return {GL_RGB, GL_UNSIGNED_SHORT_5_6_5, true};
+      return {GL_RGB, GL_RGB, GL_UNSIGNED_SHORT_5_6_5, ChannelOrder::RedFirst};
     case VuPixelFormat::ARGB4444:
-      return {GL_RGBA, GL_UNSIGNED_SHORT_4_4_4_4, true};
+      return {GL_RGBA, GL_RGBA, GL_UNSIGNED_SHORT_4_4_4_4, ChannelOrder::RedFirst};
     case VuPixelFormat::ARGB1555:
-      return {GL_RGBA, GL_UNSIGNED_SHORT_5_5_5_1, true};
+      return {GL_RGBA, GL_RGBA, GL_UNSIGNED_SHORT_5_5_5_1, ChannelOrder::RedFirst};
+    case VuPixelFormat::A8:
+      if (!oneChannel) break;
+      return {oneChannel, GL_RED_EXT, GL_UNSIGNED_BYTE, ChannelOrder::AlphaOnly};
     case VuPixelFormat::ARGB8888:
     case VuPixelFormat::XRGB8888:
-    case VuPixelFormat::A8:
       break;
   }
-  return {GL_RGBA, GL_UNSIGNED_BYTE, false};
-}
-
-bool IsUploadedAsItIs(VuPixelFormat format) {
-  return format == VuPixelFormat::ARGB8888 || format == VuPixelFormat::RGB565;
+  return {GL_RGBA, GL_RGBA, GL_UNSIGNED_BYTE, ChannelOrder::Ours};
 }
 
 /// One row from our layout to OpenGL's.
@@ -66,17 +65,13 @@ void ConvertRow(VuPixelFormat format, const uint8_t* in, int count, uint8_t* out
   }
 }
 
-uint32_t ExchangeRedAndBlue(uint32_t p) {
-  return (p & 0xFF00FF00u) | (p >> 16 & 255u) | (p & 255u) << 16;
-}
-
 }  // namespace
 
 GlTexture::GlTexture(std::shared_ptr<GlDevice> device, int width, int height, VuPixelFormat format)
     : device_(std::move(device)), format_(format) {
   target_.width = width;
   target_.height = height;
-  target_.redFirst = FormatOf(format).redFirst;
+  target_.order = FormatOf(format, device_->OneChannelFormat()).order;
   target_.keepsAlpha = format == VuPixelFormat::XRGB8888;
 }
 
@@ -96,14 +91,14 @@ std::unique_ptr<GlTexture> GlTexture::Create(std::shared_ptr<GlDevice> device, i
   if (!scope) return nullptr;
   std::unique_ptr<GlTexture> texture(new GlTexture(std::move(device), width, height, format));
   const GlFunctions& gl = shared.Gl();
-  const GlFormat layout = FormatOf(format);
+  const GlFormat layout = FormatOf(format, shared.OneChannelFormat());
   gl.GenTextures(1, &texture->name_);
   shared.Pending().Bind(texture->name_);
   gl.TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
   gl.TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
   gl.TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
   gl.TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
-  gl.TexImage2D(GL_TEXTURE_2D, 0, static_cast<GLint>(layout.format), width, height, 0,
+  gl.TexImage2D(GL_TEXTURE_2D, 0, static_cast<GLint>(layout.internal), width, height, 0,
                 layout.format, layout.type, nullptr);
   if (!shared.Check("making a texture")) return nullptr;
   return texture;
@@ -138,17 +133,24 @@ const GlTarget* GlTexture::Target() {
   return &target_;
 }
 
+bool GlTexture::IsUploadedAsItIs() const {
+  return format_ == VuPixelFormat::ARGB8888 || format_ == VuPixelFormat::RGB565 ||
+         target_.order == ChannelOrder::AlphaOnly;
+}
+
 bool GlTexture::Upload(const Box& box, const void* pixels, unsigned pitch) {
   if (box.IsEmpty()) return true;
   const size_t rowBytes = static_cast<size_t>(box.Width() * BytesPerPixel(format_));
   std::vector<uint8_t> converted;
-  if (!IsUploadedAsItIs(format_) || pitch != rowBytes) {
-    const size_t outBytes = format_ == VuPixelFormat::A8 ? 4 * rowBytes : rowBytes;
+  const bool asItIs = IsUploadedAsItIs();
+  if (!asItIs || pitch != rowBytes) {
+    const bool widened = format_ == VuPixelFormat::A8 && !asItIs;
+    const size_t outBytes = widened ? 4 * rowBytes : rowBytes;
     converted.resize(outBytes * static_cast<size_t>(box.Height()));
     const auto* in = static_cast<const uint8_t*>(pixels);
     uint8_t* out = converted.data();
     for (int y = 0; y < box.Height(); ++y, in += pitch, out += outBytes) {
-      if (IsUploadedAsItIs(format_))
+      if (asItIs)
         std::memcpy(out, in, rowBytes);
       else
         ConvertRow(format_, in, box.Width(), out);
@@ -158,7 +160,7 @@ bool GlTexture::Upload(const Box& box, const void* pixels, unsigned pitch) {
   device_->Pending().BeforeWriting(*this, box);
   const GlScope scope(*device_);
   if (!scope) return false;
-  const GlFormat layout = FormatOf(format_);
+  const GlFormat layout = FormatOf(format_, device_->OneChannelFormat());
   ++target_.changes;
   device_->Pending().Bind(name_);
   device_->Gl().TexSubImage2D(GL_TEXTURE_2D, 0, box.x0, box.y0, box.Width(), box.Height(),
@@ -185,6 +187,24 @@ void GlTexture::SetName(const char* name) {
   device_->Gl().ObjectLabel(GL_TEXTURE, name_, -1, name ? name : "");
 }
 
+GLenum FindOneChannelFormat(const GlFunctions& gl) {
+  const bool extended = gl.Has("GL_EXT_texture_rg");
+  if (!extended && !gl.IsVersion3()) return 0;
+  const GLenum format = extended ? GL_RED_EXT : GL_R8_EXT;
+  GLuint texture = 0, framebuffer = 0;
+  gl.GenTextures(1, &texture);
+  gl.BindTexture(GL_TEXTURE_2D, texture);
+  gl.TexImage2D(GL_TEXTURE_2D, 0, static_cast<GLint>(format), 1, 1, 0, GL_RED_EXT, GL_UNSIGNED_BYTE,
+                nullptr);
+  gl.GenFramebuffers(1, &framebuffer);
+  gl.BindFramebuffer(GL_FRAMEBUFFER, framebuffer);
+  gl.FramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture, 0);
+  const GLenum status = gl.CheckFramebufferStatus(GL_FRAMEBUFFER);
+  gl.DeleteFramebuffers(1, &framebuffer);
+  gl.DeleteTextures(1, &texture);
+  return gl.GetError() == GL_NO_ERROR && status == GL_FRAMEBUFFER_COMPLETE ? format : 0;
+}
+
 void ReadFramebuffer(const GlFunctions& gl, const GlTarget& target, const Box& box,
                      VuPixelFormat format, void* out) {
   const int width = box.Width(), height = box.Height();
@@ -198,8 +218,10 @@ void ReadFramebuffer(const GlFunctions& gl, const GlTarget& target, const Box& b
   const auto pitch = static_cast<ptrdiff_t>(width) * BytesPerPixel(format);
   for (int i = 0; i < height; ++i, to += pitch) {
     uint32_t* const row = rows.data() + ptrdiff_t{target.IsWindow() ? height - 1 - i : i} * width;
-    if (target.redFirst)
+    if (target.order == ChannelOrder::RedFirst)
       for (int x = 0; x < width; ++x) row[x] = ExchangeRedAndBlue(row[x]);
+    if (target.order == ChannelOrder::AlphaOnly)
+      for (int x = 0; x < width; ++x) row[x] <<= 24;
     NarrowRow(format, row, width, to, 0);
   }
 }

@@ -2,6 +2,7 @@
 
 #include <zirk/vuenums.h>
 
+#include <cstdint>
 #include <memory>
 
 #include "common/box.h"
@@ -12,19 +13,38 @@ namespace ZIRK::backends {
 
 class GlDevice;
 
+constexpr uint32_t ExchangeRedAndBlue(uint32_t p) {
+  return (p & 0xFF00FF00u) | (p >> 16 & 255u) | (p & 255u) << 16;
+}
+
+/// Where OpenGL has the channels of a pixel.
+enum class ChannelOrder {
+  Ours,       ///< A pixel's bytes as they lie in memory: blue, to OpenGL, is red.
+  RedFirst,   ///< OpenGL's own.
+  AlphaOnly,  ///< Red is alpha, and there is nothing else.
+};
+
 /// Something to draw on: a texture, or a window's own framebuffer.
 struct GlTarget {
   GLuint framebuffer = 0;
   SDL_Window* window = nullptr;  ///< Null for a texture.
   int width = 0;
   int height = 0;
-  int bottom = 0;           ///< Rows of the window below the picture.
-  bool redFirst = false;    ///< Channels lie in OpenGL's order, not in ours.
+  int bottom = 0;  ///< Rows of the window below the picture.
+  ChannelOrder order = ChannelOrder::Ours;
   bool keepsAlpha = false;  ///< Alpha is not written, so that it stays 255.
 
   mutable unsigned changes = 0;  ///< Goes up whenever something is drawn or written.
 
   bool IsWindow() const { return window != nullptr; }
+
+  /// A premultiplied ARGB8888 colour with its channels, from the lowest byte up, as OpenGL is given
+  /// them for this target.
+  uint32_t Channels(uint32_t color) const {
+    if (order == ChannelOrder::Ours) return color;
+    if (order == ChannelOrder::AlphaOnly) return (color >> 24) * 0x01010101u;
+    return ExchangeRedAndBlue(color);
+  }
 };
 
 /// The pixels of a surface as a texture, of the surface's own format:
@@ -32,8 +52,7 @@ struct GlTarget {
 /// - The 32-bit formats hold the words as they lie in memory, which to OpenGL has red and blue
 ///   exchanged: nothing is converted on the way in or out. Shaders put the channels in order.
 /// - The 16-bit formats are OpenGL's own. Two of them have alpha at the other end.
-/// - A8 is four channels of 8 bits, since OpenGL ES 2 can draw to no format of one. Only alpha
-///   counts when it is read.
+/// - A8 is one channel where OpenGL can draw on that, and else four, of which only alpha counts.
 ///
 /// The top row comes first, which is OpenGL's bottom one.
 class GlTexture {
@@ -68,10 +87,11 @@ class GlTexture {
   /// The same, of which only the address is looked at.
   const GlTarget* AsTarget() const { return &target_; }
 
-  bool IsRedFirst() const { return target_.redFirst; }
+  ChannelOrder Order() const { return target_.order; }
 
  private:
   GlTexture(std::shared_ptr<GlDevice> device, int width, int height, VuPixelFormat format);
+  bool IsUploadedAsItIs() const;
 
   const std::shared_ptr<GlDevice> device_;
   const VuPixelFormat format_;
@@ -79,6 +99,10 @@ class GlTexture {
   GLuint name_ = 0;
   GLint filter_ = GL_NEAREST;
 };
+
+/// The format, as glTexImage2D() takes it, of textures of one channel, if they can be drawn on;
+/// else 0. To be asked once, with nothing bound.
+GLenum FindOneChannelFormat(const GlFunctions& gl);
 
 /// Reads `box` of the framebuffer of `target`, which is bound, as tight rows of `format`, top row
 /// first. May throw std::bad_alloc.
