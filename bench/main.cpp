@@ -65,7 +65,7 @@ int main(int argc, char** argv) {
   ZIRK::LogLevel = 3;
   // What is measured is not how the allocator gives memory back to the kernel.
   mallopt(M_TRIM_THRESHOLD, 64 << 20);
-  mallopt(M_MMAP_THRESHOLD, 64 << 20);
+  mallopt(M_MMAP_THRESHOLD, 32 << 20);
   const Peers peers = MakePeers();
   if (peers.empty()) {
     std::fprintf(stderr, "the FB backend does not open\n");
