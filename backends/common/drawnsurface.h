@@ -150,9 +150,9 @@ class DrawnSurface : public BitmapBase<Base> {
     }
   }
 
-  /// Draws, through the mask if there is one.
+  /// Draws, through the mask if there is one. Apart, for the usual cases to need few registers.
   template <typename F>
-  void Draw(VuBitmapImpl* mask, const VuTVector2D<float>* maskCoords, F&& draw) {
+  [[gnu::noinline]] void Draw(VuBitmapImpl* mask, const VuTVector2D<float>* maskCoords, F&& draw) {
     Do([&] {
       if (!mask) {
         draw(nullptr);

@@ -135,14 +135,13 @@ void GlCanvas::DrawRect(const Extent& rect, VuColor color, const MatrixF& m, con
   Paint(*placement, Filling(), Shade(color), place ? &*place : nullptr);
 }
 
-bool GlCanvas::FillBox(const VuRect& r, VuColor color) {
+bool GlCanvas::FillBox(VuRect r, VuColor color) {
   if (!IsNear(r)) return false;
   if (Refresh()) PaintBox({r.x, r.y, r.x + r.width, r.y + r.height}, Shade(color));
   return true;
 }
 
-bool GlCanvas::BlitBox(const VuRect& dst, const GlOperand& src, const VuRect& srcRect,
-                       const MatrixF& m, VuColor color) {
+bool GlCanvas::BlitBox(VuRect dst, GlOperand src, VuRect srcRect, const MatrixF& m, VuColor color) {
   if (!IsInside(srcRect, src.texture->Width(), src.texture->Height())) return false;
   Box box = {dst.x, dst.y, dst.x, dst.y};
   if (m.isIdentity() && IsNear(dst)) {

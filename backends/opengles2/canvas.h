@@ -58,10 +58,10 @@ class GlCanvas {
   void DrawObject(const Extent& dst, const GlOperand& src, const Extent& srcRect, Edges edges,
                   const MatrixF& m, VuColor color, const GlMask* mask);
 
-  /// The usual cases, worked out quickly; false, with nothing drawn, in any other.
-  bool FillBox(const VuRect& rect, VuColor color);
-  bool BlitBox(const VuRect& dst, const GlOperand& src, const VuRect& srcRect, const MatrixF& m,
-               VuColor color);
+  /// The usual cases, worked out quickly; false, with nothing drawn, in any other. Rectangles come
+  /// by value, in registers: through memory each would be waited for.
+  bool FillBox(VuRect rect, VuColor color);
+  bool BlitBox(VuRect dst, GlOperand src, VuRect srcRect, const MatrixF& m, VuColor color);
 
   bool Clear(VuColor color);
   /// These take boxes inside the surface; rows of `dst` are tight. May throw std::bad_alloc.

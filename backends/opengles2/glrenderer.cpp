@@ -21,8 +21,8 @@ bool GlRenderer::Resolve(VuBitmapImpl& surface, Extent* rect, GlOperand& operand
   return copy != nullptr;
 }
 
-bool GlRenderer::BlitBox(const VuRect& dst, VuBitmapImpl& src, const VuRect& srcRect,
-                         const MatrixF& m, VuColor color) {
+bool GlRenderer::BlitBox(VuRect dst, VuBitmapImpl& src, VuRect srcRect, const MatrixF& m,
+                         VuColor color) {
   const GlOperand operand = FindOperand(*sources_, src, Device());
   if (!operand.texture || operand.texture == Texture()) return false;
   return GlCanvas::BlitBox(dst, operand, srcRect, m, color);

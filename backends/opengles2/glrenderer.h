@@ -23,8 +23,7 @@ class GlRenderer : public GlCanvas {
       : GlCanvas(std::move(device), state), state_(state), sources_(std::move(sources)) {}
 
   bool Resolve(VuBitmapImpl& surface, Extent* part, GlOperand& operand, Copies& copy);
-  bool BlitBox(const VuRect& dst, VuBitmapImpl& src, const VuRect& srcRect, const MatrixF& m,
-               VuColor color);
+  bool BlitBox(VuRect dst, VuBitmapImpl& src, VuRect srcRect, const MatrixF& m, VuColor color);
   void DrawText(const TextArguments& text, VuColor color, const MatrixF& m, const GlMask* mask);
   bool Copy(VuPoint at, VuBitmapImpl& src, const VuRect& srcRect);
 
