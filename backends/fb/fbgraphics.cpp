@@ -1,33 +1,25 @@
 #include "fb/fbgraphics.h"
 
-#include <zirk/impl/log.h>
-
-#include <string>
 #include <utility>
 
 #include "common/ownsurface.h"
 #include "fb/fbscreen.h"
 #include "fb/framebufferdevice.h"
-#include "software/softwarebitmap.h"
 
 namespace ZIRK::backends {
 
-namespace {
+const PixelBuffer* FbSources::PixelsOf(VuBitmapImpl& surface) {
+  const auto* const screen = AsOwn<FbScreen>(&surface);
+  return screen ? &screen->Pixels() : nullptr;
+}
 
-/// Screens are sources as well.
-class FbSources final : public SoftwareAtlases {
- public:
-  using SoftwareAtlases::SoftwareAtlases;
+FbGraphics::FbGraphics(int type)
+    : type_(type), sources_(std::make_shared<FbSources>(Ledger(), type)) {}
 
-  const PixelBuffer* PixelsOf(VuBitmapImpl& surface) override {
-    const auto* const screen = AsOwn<FbScreen>(&surface);
-    return screen ? &screen->Pixels() : nullptr;
-  }
-};
-
-}  // namespace
-
-FbGraphics::FbGraphics() : sources_(std::make_shared<FbSources>(Ledger(), kType)) {}
+FbGraphics::FbGraphics(std::shared_ptr<SurfaceLedger> ledger, std::shared_ptr<FbSources> sources)
+    : GraphicsBase(std::move(ledger)),
+      type_(sources->GetGraphicsType()),
+      sources_(std::move(sources)) {}
 
 ImageSize FbGraphics::ScreenSize(int index) const {
   const auto size = FramebufferDevice::SizeOf(FramebufferDevice::PathOf(index));
@@ -37,12 +29,7 @@ ImageSize FbGraphics::ScreenSize(int index) const {
 
 std::unique_ptr<VuScreenImpl> FbGraphics::MakeScreen(Entry entry,
                                                      const VuScreenDescription& description) {
-  std::string error;
-  auto device = FramebufferDevice::Open(
-      FramebufferDevice::PathOf(description.index),
-      {description.width, description.height, description.buffers > 1}, error);
-  if (!device) ZIRK_LOG_WARNING("%s: the screen stays in memory", error.c_str());
-  return std::make_unique<FbScreen>(std::move(entry), description, std::move(device), sources_);
+  return FbScreen::Open(std::move(entry), description, sources_);
 }
 
 std::unique_ptr<VuBitmapImpl> FbGraphics::MakeBitmap(Entry entry, int width, int height,

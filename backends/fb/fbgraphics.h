@@ -3,32 +3,45 @@
 #include <memory>
 
 #include "images/graphicsbase.h"
-#include "software/pixelsources.h"
+#include "software/softwarebitmap.h"
 
 namespace ZIRK::backends {
 
+/// The sources of surfaces in memory: bitmaps and screens.
+class FbSources : public SoftwareAtlases {
+ public:
+  using SoftwareAtlases::SoftwareAtlases;
+
+  const PixelBuffer* PixelsOf(VuBitmapImpl& surface) override;
+};
+
 /// A context whose surfaces are drawn in memory by the processor, and whose screen is shown through
 /// the kernel's framebuffer device.
-class FbGraphics final : public GraphicsBase {
+class FbGraphics : public GraphicsBase {
  public:
-  FbGraphics();
+  /// `type` is what GetGraphicsType() says.
+  explicit FbGraphics(int type = 5);
 
   void Flush() override {}
-  int GetGraphicsType() const override { return kType; }
+  int GetGraphicsType() const final { return type_; }
 
  protected:
+  /// `sources` are in the books of `ledger`.
+  FbGraphics(std::shared_ptr<SurfaceLedger> ledger, std::shared_ptr<FbSources> sources);
+
   ImageSize ScreenSize(int index) const override;
   std::unique_ptr<VuScreenImpl> MakeScreen(Entry entry,
                                            const VuScreenDescription& description) override;
   std::unique_ptr<VuBitmapImpl> MakeBitmap(Entry entry, int width, int height,
-                                           VuPixelFormat format) override;
+                                           VuPixelFormat format) final;
   std::unique_ptr<VuBitmapImpl> MakePicture(Entry entry, int width, int height, Image& image,
-                                            VuScaleMode scaleMode) override;
+                                            VuScaleMode scaleMode) final;
+
+  const std::shared_ptr<FbSources>& Sources() const { return sources_; }
 
  private:
-  static constexpr int kType = 5;
-
-  const std::shared_ptr<PixelSources> sources_;
+  const int type_;
+  const std::shared_ptr<FbSources> sources_;
 };
 
 }  // namespace ZIRK::backends

@@ -1,10 +1,28 @@
 #include "fb/fbscreen.h"
 
+#include <zirk/impl/log.h>
 #include <zirk/vuperfcounter.h>
 
 #include <utility>
 
 namespace ZIRK::backends {
+
+std::unique_ptr<FbScreen> FbScreen::Open(std::unique_ptr<SurfaceLedger::Entry> entry,
+                                         const VuScreenDescription& description,
+                                         std::shared_ptr<PixelSources> sources,
+                                         const std::string& reason) {
+  std::string error;
+  auto device = FramebufferDevice::Open(
+      FramebufferDevice::PathOf(description.index),
+      {description.width, description.height, description.buffers > 1}, error);
+  const std::string why = reason.empty() || error.empty() ? reason + error : reason + "; " + error;
+  if (!device)
+    ZIRK_LOG_WARNING("%s: the screen stays in memory", why.c_str());
+  else if (!why.empty())
+    ZIRK_LOG_WARNING("%s: the screen is shown through the framebuffer device", why.c_str());
+  return std::make_unique<FbScreen>(std::move(entry), description, std::move(device),
+                                    std::move(sources));
+}
 
 FbScreen::FbScreen(std::unique_ptr<SurfaceLedger::Entry> entry,
                    const VuScreenDescription& description,

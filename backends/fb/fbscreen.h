@@ -3,6 +3,7 @@
 #include <zirk/vuscreendescription.h>
 
 #include <memory>
+#include <string>
 
 #include "fb/framebufferdevice.h"
 #include "software/softwarebitmap.h"
@@ -12,7 +13,13 @@ namespace ZIRK::backends {
 /// A screen: drawn in cached memory, and copied to the device when the frame is done.
 class FbScreen final : public SoftwareSurface<VuScreenImpl> {
  public:
-  /// `device` is null where there is none: the picture then stays in memory.
+  /// Where there is no device the picture stays in memory, after a warning. `reason`, if any, is
+  /// why there is no better screen, and is in the warning, which is then always given.
+  static std::unique_ptr<FbScreen> Open(std::unique_ptr<SurfaceLedger::Entry> entry,
+                                        const VuScreenDescription& description,
+                                        std::shared_ptr<PixelSources> sources,
+                                        const std::string& reason = {});
+
   FbScreen(std::unique_ptr<SurfaceLedger::Entry> entry, const VuScreenDescription& description,
            std::unique_ptr<FramebufferDevice> device, std::shared_ptr<PixelSources> sources);
 

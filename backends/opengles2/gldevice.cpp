@@ -17,6 +17,9 @@ std::recursive_mutex mutex;
 GlDevice* device = nullptr;
 bool exiting = false;
 
+// Where it is to be said why there is no device; null for the log. Set while one starts.
+thread_local std::string* refusal = nullptr;
+
 /// Of messages that are kept while SDL makes others.
 constexpr int kErrorLength = 160;
 
@@ -36,6 +39,15 @@ class TemporaryHint {
   std::string before_;
 };
 
+/// Has failures be told to `reason` while it stands.
+class Refusal {
+ public:
+  explicit Refusal(std::string* reason) { refusal = reason; }
+  ~Refusal() { refusal = nullptr; }
+  Refusal(const Refusal&) = delete;
+  Refusal& operator=(const Refusal&) = delete;
+};
+
 bool DriverIs(const char* name) {
   const char* const driver = SDL_GetCurrentVideoDriver();
   return driver && std::strcmp(driver, name) == 0;
@@ -48,10 +60,11 @@ SdlCalls& Sdl() {
   return calls;
 }
 
-std::shared_ptr<GlDevice> GlDevice::Acquire() {
+std::shared_ptr<GlDevice> GlDevice::Acquire(std::string* reason) {
   const std::lock_guard<std::recursive_mutex> lock(mutex);
   if (device && !device->IsLost())
     if (auto shared = device->weak_from_this().lock()) return shared;
+  const Refusal said(reason);
   if (exiting) {
     Fail("no context", "the process exits");
     return nullptr;
@@ -80,7 +93,10 @@ GlDevice::~GlDevice() {
 }
 
 bool GlDevice::Fail(const char* what, const char* why) {
-  ZIRK_LOG_ERROR("OpenGL ES 2: %s: %s", what, why);
+  if (refusal)
+    *refusal = std::string("OpenGL ES 2: ") + what + ": " + why;
+  else
+    ZIRK_LOG_ERROR("OpenGL ES 2: %s: %s", what, why);
   return false;
 }
 
@@ -261,6 +277,17 @@ void GlDevice::SetSwapInterval(int interval) {
     return;
   Sdl().SetSwapInterval(interval);
   interval_ = {current_, interval, SDL_GL_GetSwapInterval()};
+}
+
+void GlDevice::HandOver() {
+  batch_.Flush();
+  {
+    const GlScope scope(*this);
+    if (!scope) return;
+    gl_.Flush();
+    Check("drawing");
+  }
+  Release();
 }
 
 void GlDevice::Release() {

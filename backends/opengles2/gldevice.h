@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "opengles2/batch.h"
@@ -19,8 +20,9 @@ class GlLayers;
 /// the process has begun to exit, nothing is done any more; surfaces are only deleted.
 class GlDevice : public std::enable_shared_from_this<GlDevice> {
  public:
-  /// The one there is, or a new one. Null, after one error line, if there can be none.
-  static std::shared_ptr<GlDevice> Acquire();
+  /// The one there is, or a new one. Null, after one error line, if there can be none; where there
+  /// is a `reason` to be filled, it is said there instead.
+  static std::shared_ptr<GlDevice> Acquire(std::string* reason = nullptr);
   ~GlDevice();
   GlDevice(const GlDevice&) = delete;
   GlDevice& operator=(const GlDevice&) = delete;
@@ -50,6 +52,8 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
   /// How many frames of the display one of the window that is drawn to lasts.
   void SetSwapInterval(int interval);
 
+  /// Sends what has been drawn, and lets another thread go on.
+  void HandOver();
   /// Lets another thread go on.
   void Release();
 

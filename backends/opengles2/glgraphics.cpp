@@ -12,14 +12,7 @@ GlGraphics::GlGraphics(std::shared_ptr<GlDevice> device)
     : device_(std::move(device)), sources_(std::make_shared<GlAtlases>(Ledger(), kType, device_)) {}
 
 void GlGraphics::Flush() {
-  device_->Pending().Flush();
-  {
-    const GlScope scope(*device_);
-    if (!scope) return;
-    device_->Gl().Flush();
-    device_->Check("drawing");
-  }
-  device_->Release();
+  device_->HandOver();
 }
 
 ImageSize GlGraphics::ScreenSize(int index) const {

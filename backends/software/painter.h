@@ -61,7 +61,8 @@ class Painter {
     blender_.CoverDirect(visible, coverage, src.Pitch(), color);
   }
 
-  /// The pixels that may have changed since the last call.
+  /// The pixels that may have changed since the last TakeTouched().
+  const Box& Touched() const { return touched_; }
   Box TakeTouched() { return std::exchange(touched_, Box()); }
   /// Counts pixels that somebody else changed.
   void Touch(const Box& box) {

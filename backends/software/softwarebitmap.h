@@ -21,7 +21,8 @@ class SoftwareSurface : public DrawnSurface<Base, SoftwareRenderer> {
 
   PixelBuffer& Pixels() { return this->Drawing().Pixels(); }
   const PixelBuffer& Pixels() const { return this->Drawing().Pixels(); }
-  /// What has changed since the last call.
+  /// What has changed since the last TakeDamage().
+  const Box& Damage() const { return this->Drawing().Touched(); }
   Box TakeDamage() { return this->Drawing().TakeTouched(); }
 
   void Finish() override {}
@@ -30,10 +31,26 @@ class SoftwareSurface : public DrawnSurface<Base, SoftwareRenderer> {
   bool IsTextureBacked() const override { return false; }
 };
 
+/// A texture that holds what a bitmap held when it was last looked at.
+class BitmapMirror {
+ public:
+  virtual ~BitmapMirror() = default;
+  virtual bool HasTexture() const = 0;
+};
+
 /// An off-screen bitmap.
 class SoftwareBitmap final : public SoftwareSurface<VuBitmapImpl> {
  public:
   using SoftwareSurface::SoftwareSurface;
+
+  bool IsTextureBacked() const final { return mirror_ && mirror_->HasTexture(); }
+
+  /// The bitmap's mirror, null at first, goes with it. Who puts it there keeps it up to date, by
+  /// TakeDamage().
+  std::unique_ptr<BitmapMirror>& Mirror() { return mirror_; }
+
+ private:
+  std::unique_ptr<BitmapMirror> mirror_;
 };
 
 /// Makes the atlases' bitmaps. Bitmaps are the only sources.

@@ -16,6 +16,8 @@ namespace ZIRK::scenes {
 inline constexpr const char* kBackends[] = {
     "FB",
     "OpenGLES2",
+    "Hybrid",
+    "HybridWithoutOpenGL",
 };
 
 /// Pictures are its own, and so it has to match exactly what others may round differently.
@@ -23,15 +25,28 @@ inline bool IsReference(const char* backend) {
   return backend == kBackends[0];
 }
 
-/// Whether tests may be skipped where it does not run. The reference runs everywhere.
+/// Whether tests may be skipped where it does not run: only what insists on OpenGL.
 inline bool MayBeMissing(const char* backend) {
-  return !IsReference(backend) && !std::getenv("ZIRK_TEST_REQUIRE_GL");
+  return backend == kBackends[1] && !std::getenv("ZIRK_TEST_REQUIRE_GL");
 }
 
 /// Null where the backend does not run.
 inline std::unique_ptr<VuGraphics> Open(const char* backend) {
   support::UseOffscreenOpenGl();
-  return std::unique_ptr<VuGraphics>(VuGraphics::Create(backend, false));
+  static const std::string driver = std::getenv("SDL_VIDEODRIVER");
+  const bool withoutOpenGl = backend == kBackends[3];
+  setenv("SDL_VIDEODRIVER", withoutOpenGl ? "none" : driver.c_str(), 1);
+  return std::unique_ptr<VuGraphics>(VuGraphics::Create(withoutOpenGl ? "Hybrid" : backend, false));
+}
+
+/// A surface to draw on, transparent: a bitmap, or a screen where that is drawn in another way. A
+/// window that OpenGL draws on has 32 bits.
+inline std::unique_ptr<VuBitmap> NewTarget(VuGraphics& graphics, int width, int height,
+                                           VuPixelFormat format = {}) {
+  constexpr int kHybrid = 3;
+  if (graphics.GetGraphicsType() != kHybrid || format > VuPixelFormat::XRGB8888)
+    return std::unique_ptr<VuBitmap>(graphics.CreateBitmap(width, height, format));
+  return std::unique_ptr<VuBitmap>(graphics.CreateScreen(width, height, true, 0, false, format));
 }
 
 inline std::string FontFile(const char* name) {
@@ -53,6 +68,10 @@ class OnEachBackend : public testing::TestWithParam<const char*> {
   }
   std::unique_ptr<VuBitmap> New(int width, int height, VuPixelFormat format = {}) {
     return std::unique_ptr<VuBitmap>(graphics_->CreateBitmap(width, height, format));
+  }
+
+  std::unique_ptr<VuBitmap> NewTarget(int width, int height, VuPixelFormat format = {}) {
+    return scenes::NewTarget(*graphics_, width, height, format);
   }
 
   std::unique_ptr<VuGraphics> graphics_;

@@ -78,8 +78,7 @@ TEST_P(Golden, Scene) {
   const std::unique_ptr<VuGraphics> graphics = Open(backend);
   ASSERT_TRUE(graphics || MayBeMissing(backend));
   if (!graphics) GTEST_SKIP() << backend << " does not run here";
-  const std::unique_ptr<VuBitmap> target(
-      graphics->CreateBitmap(kWidth, kHeight, VuPixelFormat::ARGB8888));
+  const std::unique_ptr<VuBitmap> target = NewTarget(*graphics, kWidth, kHeight);
   ASSERT_NE(target, nullptr);
   target->Clear(VuColor{0xFF182838});
   scene.draw(*graphics, *target);

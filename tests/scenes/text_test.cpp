@@ -221,7 +221,7 @@ TEST_P(Text, IsItsLettersDrawnOneByOne) {
     const double tolerance = through || !IsReference(GetParam()) ? step + 0.1 : 0;
     // First the atlas is made, and grows at every other glyph; then all glyphs are there.
     for (const char* time : {"first time", "again"}) {
-      const auto target = New(96, 48, format);
+      const auto target = NewTarget(96, 48, format);
       Prepare(*target, l.mode);
       if (through)
         target->DrawText(font, l.text, kPosition, kColor, l.transform, l.masked ? *mask : *solid,
@@ -238,17 +238,20 @@ TEST_P(Text, IsItsLettersDrawnOneByOne) {
   }
 }
 
-Pixels Drawn(VuGraphics& graphics, const VuFont& font, const char* text) {
-  const std::unique_ptr<VuBitmap> target(graphics.CreateBitmap(160, 40, Format::ARGB8888));
+Pixels Drawn(std::unique_ptr<VuBitmap> target, const VuFont& font, const char* text) {
   target->DrawText(font, text, VuPoint{2, 2}, white);
   return PixelsOf(*target);
+}
+
+Pixels Drawn(VuGraphics& graphics, const VuFont& font, const char* text) {
+  return Drawn(NewTarget(graphics, 160, 40), font, text);
 }
 
 TEST_P(Text, WhatTheAtlasHoldsIsRightAndTheRestIsLeftOut) {
   constexpr int kCell = 72;
   const TestFont font("symbols.ttf", 48);
   const Typeface face("symbols.ttf", 48);
-  const auto target = New(kCell, kCell);
+  const auto target = NewTarget(kCell, kCell);
   int drawn = 0;
   for (uint32_t code = 0xE000; code < 0xE000 + 2704; ++code) {
     const Letter letter = face.Render(code, face.Ascender());
@@ -286,16 +289,20 @@ TEST_P(Text, ThreadsShareAFontAndChangeTheirOwn) {
     GTEST_SKIP() << "OpenGL is used from one thread at a time";
   const char* const kTexts[] = {"Sphinx of black", "quartz, judge my", "ÅÉÑ ΩЖД vow", "0123456789"};
   const TestFont reference("sans.ttf", 18);
+  // Screens may be drawn by OpenGL.
+  const auto drawn = [](VuGraphics& graphics, const VuFont& font, const char* text) {
+    return Drawn(std::unique_ptr<VuBitmap>(graphics.CreateBitmap(160, 40, {})), font, text);
+  };
   // New ones for every round, with glyphs to be rendered.
   std::deque<TestFont> shared;
   for (int i = 0; i < 12; ++i) shared.emplace_back("sans.ttf", 18);
   const auto outlined = [&](TestFont& font, int type) {
     font.SetOutlineType(Outline(type));
     font.SetOutlineThickness(1.5f);
-    return Drawn(*graphics_, font, "Rim");
+    return drawn(*graphics_, font, "Rim");
   };
   std::vector<Pixels> texts, outlines;
-  for (const char* text : kTexts) texts.push_back(Drawn(*graphics_, reference, text));
+  for (const char* text : kTexts) texts.push_back(drawn(*graphics_, reference, text));
   TestFont changing("sans.ttf", 20);
   for (int type = 0; type < 4; ++type) outlines.push_back(outlined(changing, type));
   // Every other thread has a context of its own; contexts are made on one.
@@ -310,7 +317,7 @@ TEST_P(Text, ThreadsShareAFontAndChangeTheirOwn) {
       for (++ready; ready < 8;) std::this_thread::yield();
       for (unsigned i = t; i < t + 12; ++i) {
         const TestFont& font = shared[i - t];
-        EXPECT_EQ(Drawn(context ? *context : *graphics_, font, kTexts[i % 4]), texts[i % 4]);
+        EXPECT_EQ(drawn(context ? *context : *graphics_, font, kTexts[i % 4]), texts[i % 4]);
         EXPECT_EQ(font.GetOneLineWidth(kTexts[t / 2]), reference.GetOneLineWidth(kTexts[t / 2]));
         EXPECT_EQ(outlined(own, int(i % 4)), outlines[i % 4]);
       }
@@ -328,17 +335,17 @@ TEST_P(Text, FontsOutliveContextsAndTheOtherWayRound) {
   Drawn(*graphics_, *font, "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789");
   font->SetOutlineType(Outline::None);
   EXPECT_EQ(Drawn(*graphics_, *font, "First"), first);
-  const auto bitmap = New(160, 40);
+  const auto target = NewTarget(160, 40);
   graphics_.reset();
-  bitmap->DrawText(*font, "First", VuPoint{2, 2}, white);
+  target->DrawText(*font, "First", VuPoint{2, 2}, white);
   font.reset();
-  EXPECT_EQ(PixelsOf(*bitmap), first);
+  EXPECT_EQ(PixelsOf(*target), first);
 }
 
 TEST_P(Text, HostileArgumentsDrawNothing) {
   const TestFont font("sans.ttf", 20), none("absent.ttf", 20);
   const float nan = std::numeric_limits<float>::quiet_NaN();
-  const auto target = New(80, 40), mask = New(4, 4, Format::A8);
+  const auto target = NewTarget(80, 40), mask = New(4, 4, Format::A8);
   mask->Clear(white);
   const auto draw = [&](VuPoint at, VuTransform t, VuRect rect = {}, const char* text = "Text") {
     if (rect.x == 0) target->DrawText(font, text, at, white, t);

@@ -50,7 +50,7 @@ bool HasAlpha(VuPixelFormat format) {
 }  // namespace
 
 Trial::Trial(VuGraphics& graphics, int width, int height, VuPixelFormat format, const char* backend)
-    : onlyDropsBits_(IsReference(backend)), target_(graphics.CreateBitmap(width, height, format)) {
+    : onlyDropsBits_(IsReference(backend)), target_(NewTarget(graphics, width, height, format)) {
   FillWithNoise(*target_, 1);
 }
 

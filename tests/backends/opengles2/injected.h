@@ -47,11 +47,11 @@ class InjectedGl : public testing::Test {
   using BitmapPtr = std::unique_ptr<VuBitmapImpl>;
   using ScreenPtr = std::unique_ptr<VuScreenImpl>;
 
-  static BitmapPtr New(GlGraphics& graphics, int width, int height,
+  static BitmapPtr New(VuGraphicsImpl& graphics, int width, int height,
                        VuPixelFormat format = VuPixelFormat::ARGB8888) {
     return BitmapPtr(graphics.CreateBitmap(width, height, format));
   }
-  static ScreenPtr NewScreen(GlGraphics& graphics, int width, int height, uint8_t index = 0) {
+  static ScreenPtr NewScreen(VuGraphicsImpl& graphics, int width, int height, uint8_t index = 0) {
     const auto format = VuPixelFormat::ARGB8888;
     return ScreenPtr(graphics.CreateScreen({width, height, index, 2, format, false}));
   }

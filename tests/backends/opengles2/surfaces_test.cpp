@@ -131,6 +131,8 @@ TEST_F(Surfaces, AScreenIsLikeABitmap) {
     Draw(*target, {22, 10, 16, 16}, *target, {2, 1, 8, 8});
     target->CopyPixels({30, 1}, target, {2, 1, 8, 8});
   }
+  EXPECT_TRUE(bitmap->IsTextureBacked());
+  EXPECT_FALSE(screen->IsTextureBacked());
   screen->SwapBuffers();
   std::vector<uint32_t> pixels[2] = {std::vector<uint32_t>(1200), std::vector<uint32_t>(1200)};
   EXPECT_TRUE(screen->GetPixels({0, 0, 40, 30}, pixels[0].data()));

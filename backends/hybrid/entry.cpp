@@ -1,0 +1,12 @@
+#include <zirk/export.h>
+
+#include "common/entrypoints.h"
+#include "hybrid/hybridgraphics.h"
+
+extern "C" ZIRK_API void* CreateVuGraphics(bool /*flag*/) {
+  return ZIRK::backends::CreateGraphics<ZIRK::backends::HybridGraphics>();
+}
+
+extern "C" ZIRK_API void DestroyVuGraphics(void* graphics) {
+  ZIRK::backends::DestroyGraphics(graphics);
+}

@@ -1,0 +1,76 @@
+#include "hybrid/hybridgraphics.h"
+
+#include <vector>
+
+#include "common/ownsurface.h"
+#include "fb/fbscreen.h"
+#include "opengles2/glscreen.h"
+
+namespace ZIRK::backends {
+
+namespace {
+
+/// Screens drawn by OpenGL are sources of bitmaps as well: they are read back.
+class HybridSources final : public FbSources {
+ public:
+  using FbSources::FbSources;
+
+  bool CopyPixels(VuBitmapImpl& surface, const Box& part,
+                  std::optional<PixelBuffer>& copy) override {
+    GlCanvas* const canvas = FindCanvas(surface);
+    if (!canvas) return RefuseSource();
+    if (part.IsEmpty()) return true;
+    const VuPixelFormat format = surface.GetInfo().format;
+    const int pitch = part.Width() * BytesPerPixel(format);
+    std::vector<uint8_t> rows(static_cast<size_t>(pitch) * static_cast<size_t>(part.Height()));
+    if (!canvas->Read(part, rows.data())) return false;
+    copy.emplace(part.Width(), part.Height(), format, PixelBuffer::Contents::Undefined);
+    return SetPixels(*copy, ToRect(copy->Bounds()), rows.data(), static_cast<unsigned>(pitch));
+  }
+};
+
+}  // namespace
+
+HybridGraphics::HybridGraphics() : HybridGraphics(SurfaceLedger::Create()) {}
+
+HybridGraphics::HybridGraphics(const std::shared_ptr<SurfaceLedger>& ledger)
+    : FbGraphics(ledger, std::make_shared<HybridSources>(ledger, kType)) {}
+
+/// After a loss it starts anew.
+std::shared_ptr<Mirrors> HybridGraphics::FindOpenGl(std::string& reason) const {
+  if (mirrors_ && !mirrors_->Device()->IsLost()) return mirrors_;
+  mirrors_ = nullptr;
+  if (auto device = GlDevice::Acquire(&reason))
+    mirrors_ = std::make_shared<Mirrors>(std::move(device), Sources());
+  else if (reason.empty())
+    reason = "OpenGL ES 2 does not start";
+  return mirrors_;
+}
+
+void HybridGraphics::Flush() {
+  if (mirrors_) mirrors_->Device()->HandOver();
+}
+
+int HybridGraphics::GetMaxTextureSize() const {
+  return mirrors_ ? mirrors_->Device()->MaxTextureSize() : FbGraphics::GetMaxTextureSize();
+}
+
+ImageSize HybridGraphics::ScreenSize(int index) const {
+  std::string reason;
+  const auto mirrors = FindOpenGl(reason);
+  if (!mirrors) return FbGraphics::ScreenSize(index);
+  const SDL_DisplayMode mode = mirrors->Device()->DisplayMode(index);
+  return mode.w > 0 && mode.h > 0 ? ImageSize{mode.w, mode.h} : GraphicsBase::ScreenSize(index);
+}
+
+std::unique_ptr<VuScreenImpl> HybridGraphics::MakeScreen(Entry entry,
+                                                         const VuScreenDescription& description) {
+  std::string reason;
+  if (auto mirrors = FindOpenGl(reason)) {
+    auto device = mirrors->Device();
+    return GlScreen::Open(std::move(entry), description, std::move(device), std::move(mirrors));
+  }
+  return FbScreen::Open(std::move(entry), description, Sources(), reason);
+}
+
+}  // namespace ZIRK::backends

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "fb/fbgraphics.h"
+#include "hybrid/mirrors.h"
+
+namespace ZIRK::backends {
+
+/// A context whose bitmaps are in memory, drawn by the processor, and whose screens are drawn by
+/// OpenGL ES 2; where that cannot be had, the screens are those of FbGraphics.
+///
+/// OpenGL is started with the first screen, or the first question about one.
+class HybridGraphics final : public FbGraphics {
+ public:
+  HybridGraphics();
+
+  /// Afterwards another thread may go on.
+  void Flush() override;
+  /// While there is OpenGL, what can be drawn on its screens.
+  int GetMaxTextureSize() const override;
+
+ protected:
+  ImageSize ScreenSize(int index) const override;
+  std::unique_ptr<VuScreenImpl> MakeScreen(Entry entry,
+                                           const VuScreenDescription& description) override;
+
+ private:
+  static constexpr int kType = 3;
+
+  explicit HybridGraphics(const std::shared_ptr<SurfaceLedger>& ledger);
+  /// Null, for which there is a reason, where there is no OpenGL.
+  std::shared_ptr<Mirrors> FindOpenGl(std::string& reason) const;
+
+  mutable std::shared_ptr<Mirrors> mirrors_;  ///< Null as long as there is no OpenGL.
+};
+
+}  // namespace ZIRK::backends

@@ -1,0 +1,251 @@
+// Bitmaps in memory and screens drawn by OpenGL: what is sent from the ones to the others, and how
+// they come and go.
+
+#include <zirk/vufontatlas.h>
+
+#include <algorithm>
+#include <array>
+#include <functional>
+#include <numeric>
+#include <thread>
+#include <vector>
+
+#include "backends/common/oneerror.h"
+#include "backends/opengles2/injected.h"
+#include "hybrid/hybridgraphics.h"
+
+namespace ZIRK::backends {
+namespace {
+
+using Pixels = std::vector<uint32_t>;
+const VuTMatrix2D<float> kIdentity;
+constexpr VuColor kRed{0xFFFF0000}, kBlue{0xFF0000FF};
+
+class Hybrid : public InjectedGl {
+ protected:
+  void SetUp() override {
+    InjectedGl::SetUp();
+    if (IsSkipped()) return;
+    Replace("glTexSubImage2D", [](GLenum target, GLint level, GLint x, GLint y, GLsizei width,
+                                  GLsizei height, GLenum format, GLenum type, const void* data) {
+      sent_.push_back({x, y, width, height});
+      Real<PFNGLTEXSUBIMAGE2DPROC>("glTexSubImage2D")(target, level, x, y, width, height, format,
+                                                      type, data);
+    });
+    Replace("glGetIntegerv",
+            [](GLenum what, GLint* value) { *value = what == GL_MAX_TEXTURE_SIZE ? 2048 : 0; });
+    Replace("glGetString", [](GLenum) { return "GL_KHR_robustness"; });
+    Replace("glGetGraphicsResetStatusKHR",
+            []() -> GLenum { return lost_ ? GL_GUILTY_CONTEXT_RESET_EXT : GL_NO_ERROR; });
+    graphics_ = std::make_unique<HybridGraphics>();
+    sent_.clear();
+    lost_ = false;
+  }
+  static void Draw(VuBitmapImpl& target, VuBitmapImpl& src) {
+    const VuRect all = src.GetBounds();
+    target.DrawObject(all, &src, all, kIdentity, white, nullptr, nullptr);
+  }
+  static Pixels PixelsOf(VuBitmapImpl& surface) {
+    const VuRect all = surface.GetBounds();
+    Pixels pixels(static_cast<size_t>(all.width) * static_cast<size_t>(all.height));
+    EXPECT_TRUE(surface.GetPixels(all, pixels.data()));
+    return pixels;
+  }
+
+  std::unique_ptr<VuGraphicsImpl> graphics_;
+  static inline std::vector<std::array<int, 4>> sent_;
+  static inline bool lost_ = false;
+};
+
+TEST_F(Hybrid, OnlyTheRectangleThatHasChangedIsSent) {
+  const ScreenPtr screen = NewScreen(*graphics_, 48, 40);
+  const BitmapPtr bitmap = New(*graphics_, 48, 40), other = New(*graphics_, 48, 40);
+  other->Clear(kBlue);
+  const Pixels pixels(12, 0xFF00FF00u);
+  const struct {
+    std::function<void()> edit;
+    std::vector<std::array<int, 4>> sent;
+  } steps[] = {
+      {[&] { bitmap->Clear(kRed); }, {{0, 0, 48, 40}}},
+      {[] {}, {}},
+      {[&] {
+         bitmap->DrawRect({5, 6, 7, 8}, kBlue, kIdentity, nullptr, nullptr);
+       },
+       {{5, 6, 7, 8}}},
+      {[&] {
+         bitmap->SetPixels({40, 30, 4, 3}, pixels.data(), 16);
+       },
+       {{40, 30, 4, 3}}},
+      {[&] {
+         bitmap->CopyPixels({46, 1}, other.get(), {9, 9, 9, 2});
+       },
+       {{46, 1, 2, 2}}},
+      // What lies around both.
+      {[&] {
+         bitmap->DrawPoint({1, 2}, 1, white, kIdentity, nullptr, {});
+         bitmap->DrawLine({9, 4}, {4, 9}, white, kIdentity, nullptr, nullptr);
+       },
+       {{1, 2, 9, 8}}},
+      {[&] {
+         bitmap->Lock(false);
+         bitmap->Unlock();
+       },
+       {}},
+      {[&] {
+         bitmap->Lock(true);
+         static_cast<uint32_t*>(bitmap->GetInfo().pixels)[7] = 0xFF123456u;
+         bitmap->Unlock();
+       },
+       {{0, 0, 48, 40}}},
+  };
+  for (const auto& step : steps) {
+    step.edit();
+    sent_.clear();
+    Draw(*screen, *bitmap);
+    Draw(*screen, *bitmap);
+    EXPECT_EQ(sent_, step.sent) << "step " << &step - steps;
+    screen->SwapBuffers();
+    EXPECT_EQ(PixelsOf(*screen), PixelsOf(*bitmap)) << "step " << &step - steps;
+  }
+}
+
+TEST_F(Hybrid, WithoutOpenGlOneWarningSaysWhy) {
+  Sdl().InitSubSystem = [](Uint32) { return SDL_SetError("refused"); };
+  setenv("ZIRK_FB_DEVICE", "/nonexistent", 1);
+  ScreenPtr screen;
+  const std::string log = support::LoggedAt(4, [&] {
+    graphics_ = std::make_unique<HybridGraphics>();
+    screen = NewScreen(*graphics_, 8, 8);
+  });
+  EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 1) << log;
+  EXPECT_EQ(log.rfind("<ZIRK.warning>:", 0), 0u) << log;
+  EXPECT_NE(log.find("OpenGL ES 2: no video: refused; /nonexistent: "), std::string::npos) << log;
+  const BitmapPtr bitmap = New(*graphics_, 8, 8);
+  bitmap->Clear(kRed);
+  Draw(*screen, *bitmap);
+  EXPECT_EQ(PixelOf(*screen, 7, 7), kRed.argb);
+  EXPECT_FALSE(bitmap->IsTextureBacked());
+  // Whoever comes later is better off, and draws from what there is.
+  Sdl() = SdlCalls();
+  EXPECT_EQ(support::LoggedAt(4, [&] { Draw(*NewScreen(*graphics_, 8, 8), *screen); }), "");
+}
+
+TEST_F(Hybrid, ABitmapIsTextureBackedWhileAScreenHasItsTexture) {
+  const BitmapPtr bitmap = New(*graphics_, 8, 8);
+  for (int i = 0; i < 2; ++i) {
+    ScreenPtr screen = NewScreen(*graphics_, 8, 8);
+    EXPECT_FALSE(bitmap->IsTextureBacked());
+    Draw(*screen, *bitmap);
+    EXPECT_TRUE(bitmap->IsTextureBacked());
+    EXPECT_FALSE(screen->IsTextureBacked());
+    graphics_ = std::make_unique<HybridGraphics>();
+  }
+  EXPECT_FALSE(bitmap->IsTextureBacked());
+}
+
+TEST_F(Hybrid, EverythingMayBeDeletedInAnyOrder) {
+  std::array<int, 5> order;
+  std::iota(order.begin(), order.end(), 0);
+  do {
+    auto context = std::make_unique<HybridGraphics>();
+    ScreenPtr first = NewScreen(*context, 32, 32), second = NewScreen(*graphics_, 32, 32);
+    BitmapPtr bitmap = New(*context, 8, 8);
+    auto font = std::make_unique<VuFontAtlas>(ZIRK_TEST_FONTS "sans.ttf", 0, 12, false, false);
+    const std::function<void()> deletions[] = {[&] { context.reset(); }, [&] { first.reset(); },
+                                               [&] { second.reset(); }, [&] { bitmap.reset(); },
+                                               [&] { font.reset(); }};
+    for (const int i : order) {
+      // Drawn, and not sent yet.
+      for (VuScreenImpl* screen : {first.get(), second.get()}) {
+        if (screen && bitmap) Draw(*screen, *bitmap);
+        if (screen && font)
+          screen->DrawText(font.get(), "Ag", {1, 1}, white, kIdentity, nullptr, nullptr, {});
+      }
+      deletions[i]();
+    }
+  } while (std::next_permutation(order.begin(), order.end()));
+  EXPECT_EQ(SDL_WasInit(SDL_INIT_VIDEO), SDL_INIT_VIDEO);
+  graphics_.reset();
+  EXPECT_EQ(SDL_WasInit(SDL_INIT_VIDEO), 0u);
+}
+
+TEST_F(Hybrid, BitmapsSurviveTheLossOfTheContext) {
+  const ScreenPtr before = NewScreen(*graphics_, 8, 8);
+  const BitmapPtr bitmap = New(*graphics_, 8, 8);
+  bitmap->Clear(kRed);
+  Draw(*before, *bitmap);
+  lost_ = true;
+  EXPECT_TRUE(tests::LogsOneError("the context is lost", [&] { before->Finish(); }));
+  lost_ = false;
+  EXPECT_EQ(support::LoggedAt(3, [&] { Draw(*before, *bitmap); }), "");
+  const ScreenPtr after = NewScreen(*graphics_, 8, 8);
+  Draw(*after, *bitmap);
+  EXPECT_EQ(PixelsOf(*after), PixelsOf(*bitmap));
+  EXPECT_TRUE(tests::LogsOneError("before the context was lost", [&] { Draw(*after, *before); }));
+}
+
+TEST_F(Hybrid, WhatIsTooLargeForATextureIsDrawnInParts) {
+  const ScreenPtr screen = NewScreen(*graphics_, 60, 8);
+  const BitmapPtr large = New(*graphics_, 3000, 8);
+  for (int x = 0; x < 3000; x += 60) {
+    large->DrawRect({x, 0, 60, 8}, VuColor{0xFF000000u | 0x123u * uint32_t(x)}, kIdentity, nullptr,
+                    nullptr);
+    screen->DrawObject(VuRect{0, 0, 60, 8}, large.get(), {x, 0, 60, 8}, kIdentity, white, nullptr,
+                       nullptr);
+    ASSERT_EQ(PixelOf(*screen, 0, 7), PixelOf(*large, x, 7));
+    ASSERT_EQ(PixelOf(*screen, 59, 0), PixelOf(*large, x, 7));
+  }
+  EXPECT_TRUE(screen->CopyPixels({0, 0}, large.get(), {100, 0, 60, 8}));
+  EXPECT_EQ(PixelOf(*screen, 19, 0), PixelOf(*large, 119, 0));
+  EXPECT_EQ(PixelOf(*screen, 20, 0), PixelOf(*large, 120, 0));
+  EXPECT_TRUE(tests::LogsOneError("at most 2048", [&] { Draw(*screen, *large); }));
+  EXPECT_EQ(graphics_->GetMaxTextureSize(), 2048);
+}
+
+TEST_F(Hybrid, ScreensAreReadBackByBitmaps) {
+  const ScreenPtr screen = NewScreen(*graphics_, 8, 8);
+  const BitmapPtr bitmap = New(*graphics_, 8, 8);
+  screen->Clear(kBlue);
+  screen->DrawRect({0, 0, 4, 8}, kRed, kIdentity, nullptr, nullptr);
+  Draw(*bitmap, *screen);
+  EXPECT_EQ(PixelsOf(*bitmap), PixelsOf(*screen));
+  bitmap->Clear();
+  EXPECT_TRUE(bitmap->CopyPixels({1, 2}, screen.get(), {2, 0, 4, 4}));
+  EXPECT_EQ(PixelOf(*bitmap, 2, 2), kRed.argb);
+  EXPECT_EQ(PixelOf(*bitmap, 3, 5), kBlue.argb);
+  screen->Clear(VuColor{0x80000000});
+  bitmap->DrawRect({0, 0, 8, 8}, white, kIdentity, screen.get(), nullptr);
+  EXPECT_EQ(PixelOf(*bitmap, 7, 0), 0x80808080u);
+}
+
+TEST_F(Hybrid, OtherThreadsDrawTextAndDeleteBitmaps) {
+  const ScreenPtr screen = NewScreen(*graphics_, 64, 20);
+  VuFontAtlas font(ZIRK_TEST_FONTS "sans.ttf", 0, 14, false, false);
+  std::vector<BitmapPtr> drawn;
+  for (int i = 0; i < 200; ++i) {
+    drawn.push_back(New(*graphics_, 8, 8));
+    Draw(*screen, *drawn.back());
+  }
+  const auto write = [&](VuBitmapImpl& target, char last) {
+    const char text[] = {'A', last, 0};
+    target.Clear();
+    target.DrawText(&font, text, {1, 1}, white, kIdentity, nullptr, nullptr, {});
+  };
+  std::thread worker([&] {
+    const BitmapPtr own = New(*graphics_, 64, 20);
+    // The atlas grows here, and its former bitmaps go.
+    for (char c = 'B'; c <= 'z'; ++c) write(*own, c);
+    drawn.clear();
+  });
+  for (char c = 'z'; c >= 'B'; --c) write(*screen, c);
+  worker.join();
+  const BitmapPtr expected = New(*graphics_, 64, 20);
+  for (char c = 'B'; c <= 'z'; ++c) {
+    write(*screen, c);
+    write(*expected, c);
+    ASSERT_EQ(PixelsOf(*screen), PixelsOf(*expected)) << c;
+  }
+}
+
+}  // namespace
+}  // namespace ZIRK::backends
