@@ -7,16 +7,18 @@
 #include <stdexcept>
 
 #include "operations.h"
+#include "support/offscreen.h"
 #include "textpeer.h"
 
 namespace {
 
 using namespace ZIRK::bench;
+namespace support = ZIRK::support;
 
 /// This library first; empty if its backend does not open.
 Peers MakePeers() {
   Peers peers;
-  peers.push_back(MakeZirkPeer());
+  peers.push_back(MakeZirkPeer("ZIRK", "FB"));
   if (!peers[0]) return {};
   peers.push_back(MakePixmanPeer());
 #ifdef ZIRK_BENCH_CAIRO
@@ -27,6 +29,10 @@ Peers MakePeers() {
 #endif
 #ifdef ZIRK_BENCH_QT
   peers.push_back(MakeQtPeer());
+#endif
+#ifdef ZIRK_BENCH_DIRECTFB_BACKEND
+  support::UseOffscreenDirectFb();
+  if (auto peer = MakeZirkPeer("DirectFB", "DirectFB")) peers.push_back(std::move(peer));
 #endif
   return peers;
 }

@@ -58,8 +58,8 @@ class MemoryPeer : public Peer {
   std::unique_ptr<uint32_t, Free> target_;
 };
 
-/// This library's own; null if the backend does not open.
-std::unique_ptr<Peer> MakeZirkPeer();
+/// This library's own, by one of its backends; null if that does not open.
+std::unique_ptr<Peer> MakeZirkPeer(const char* name, const char* backend);
 std::unique_ptr<Peer> MakePixmanPeer();
 std::unique_ptr<Peer> MakeCairoPeer();
 std::unique_ptr<Peer> MakeSdlPeer();

@@ -8,8 +8,9 @@ namespace {
 
 class ZirkPeer final : public Peer {
  public:
-  explicit ZirkPeer(std::unique_ptr<VuGraphics> graphics)
-      : graphics_(std::move(graphics)),
+  ZirkPeer(const char* name, std::unique_ptr<VuGraphics> graphics)
+      : name_(name),
+        graphics_(std::move(graphics)),
         target_(graphics_->CreateBitmap(kWidth, kHeight, VuPixelFormat::ARGB8888)) {
     for (const Picture& p : MakePictures())
       pictures_.push_back(MakeBitmap(p.width, p.height,
@@ -19,7 +20,7 @@ class ZirkPeer final : public Peer {
       masks_.push_back(MakeBitmap(m.width, m.height, VuPixelFormat::A8, m.alpha.data(), m.width));
   }
 
-  const char* Name() const override { return "ZIRK"; }
+  const char* Name() const override { return name_; }
 
   bool Fill(const Rects& places, VuColor color) override {
     for (const VuRect& r : places) target_->DrawRect(r, color);
@@ -91,6 +92,7 @@ class ZirkPeer final : public Peer {
     return true;
   }
 
+  const char* const name_;
   std::unique_ptr<VuGraphics> graphics_;
   std::unique_ptr<VuBitmap> target_;
   std::vector<std::unique_ptr<VuBitmap>> pictures_;
@@ -99,10 +101,10 @@ class ZirkPeer final : public Peer {
 
 }  // namespace
 
-std::unique_ptr<Peer> MakeZirkPeer() {
-  std::unique_ptr<VuGraphics> graphics(VuGraphics::Create("FB", false));
+std::unique_ptr<Peer> MakeZirkPeer(const char* name, const char* backend) {
+  std::unique_ptr<VuGraphics> graphics(VuGraphics::Create(backend, false));
   if (!graphics) return nullptr;
-  return std::make_unique<ZirkPeer>(std::move(graphics));
+  return std::make_unique<ZirkPeer>(name, std::move(graphics));
 }
 
 }  // namespace ZIRK::bench

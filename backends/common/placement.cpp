@@ -90,6 +90,15 @@ Box Around(const Extent& r) {
           static_cast<int>(std::ceil(r.x + r.width)), static_cast<int>(std::ceil(r.y + r.height))};
 }
 
+Box TakePart(Extent* rect, const Box& bounds) {
+  if (!rect) return bounds;
+  const Extent visible = Cut(*rect, bounds);
+  const Box part = visible.width > 0 && visible.height > 0 ? Around(visible) : Box();
+  rect->x -= part.x0;
+  rect->y -= part.y0;
+  return part;
+}
+
 Placement Placement::Part(double u0, double v0, double u1, double v1) const {
   Placement part = *this;
   SetCorners(part, u0, v0, u1, v1);

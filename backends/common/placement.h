@@ -39,11 +39,21 @@ inline Extent ToExtent(const VuRect& r) {
   return {double(r.x), double(r.y), double(r.width), double(r.height)};
 }
 
+/// A point: the square around the centre of its pixel.
+inline Extent ToExtent(VuPoint p, float size) {
+  const double side = static_cast<double>(size);
+  return {p.x + 0.5 - side / 2, p.y + 0.5 - side / 2, side, side};
+}
+
 /// The part of `r` that lies inside `bounds`; without extent if there is none.
 Extent Cut(const Extent& r, const Box& bounds);
 
 /// All pixels that `r`, which has been cut, touches.
 Box Around(const Extent& r);
+
+/// What is copied of a surface for an operation that reads `rect` of it, which goes by the copy
+/// from there on: all pixels that it touches, perhaps none. Null stands for all there are.
+Box TakePart(Extent* rect, const Box& bounds);
 
 /// Where a rectangle of a primitive comes to lie on the surface.
 ///

@@ -185,9 +185,7 @@ bool GlCanvas::BlitBox(VuRect dst, GlOperand src, VuRect srcRect, const MatrixF&
 void GlCanvas::DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m,
                          const GlMask* mask) {
   if (!Refresh()) return;
-  const double side = static_cast<double>(size);
-  const Extent square = {p.x + 0.5 - side / 2, p.y + 0.5 - side / 2, side, side};
-  const std::optional<Placement> placement = Place(square, m, Edges::OnWholePixels);
+  const std::optional<Placement> placement = Place(ToExtent(p, size), m, Edges::OnWholePixels);
   if (!placement) return;
   if (!mask) return Paint(*placement, Filling(), Shade(color), nullptr);
   const MaskPlace place = MaskAt(mask->operand, ToPoint(*mask->coords));

@@ -9,13 +9,7 @@ namespace ZIRK::backends {
 bool GlRenderer::Resolve(VuBitmapImpl& surface, Extent* rect, GlOperand& operand, Copies& copy) {
   operand = FindOperand(*sources_, surface, Device());
   if (operand.texture && operand.texture != Texture()) return true;
-  Box part = ToBox(surface.GetBounds());
-  if (rect) {
-    const Extent visible = Cut(*rect, part);
-    part = visible.width > 0 && visible.height > 0 ? Around(visible) : Box();
-    rect->x -= part.x0;
-    rect->y -= part.y0;
-  }
+  const Box part = TakePart(rect, ToBox(surface.GetBounds()));
   if (!sources_->CopyPixels(surface, part, Device(), copy)) return false;
   operand.texture = copy.get();
   return copy != nullptr;

@@ -38,9 +38,7 @@ void Painter::DrawRect(const Extent& rect, VuColor color, const MatrixF& m,
 void Painter::DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m,
                         const MaskArgument* mask) {
   Refresh();
-  const double side = static_cast<double>(size);
-  const Extent square = {p.x + 0.5 - side / 2, p.y + 0.5 - side / 2, side, side};
-  const std::optional<Placement> placement = Place(square, m, Edges::OnWholePixels);
+  const std::optional<Placement> placement = Place(ToExtent(p, size), m, Edges::OnWholePixels);
   if (!placement) return;
   uint32_t shade = Premultiply(color);
   if (mask) {

@@ -24,13 +24,7 @@ bool SoftwareRenderer::Resolve(VuBitmapImpl& surface, Extent* rect, Operand& ope
                                Copies& copy) const {
   operand = FindOperand(*sources_, surface);
   if (operand.pixels && operand.pixels != &pixels_) return true;
-  Box part = ToBox(surface.GetBounds());
-  if (rect) {
-    const Extent visible = Cut(*rect, part);
-    part = visible.width > 0 && visible.height > 0 ? Around(visible) : Box();
-    rect->x -= part.x0;
-    rect->y -= part.y0;
-  }
+  const Box part = TakePart(rect, ToBox(surface.GetBounds()));
   if (operand.pixels)
     copy = CopyOf(pixels_, part);
   else if (!sources_->CopyPixels(surface, part, copy))

@@ -18,6 +18,7 @@ inline constexpr const char* kBackends[] = {
     "OpenGLES2",
     "Hybrid",
     "HybridWithoutOpenGL",
+    "DirectFB",
 };
 
 /// Pictures are its own, and so it has to match exactly what others may round differently.
@@ -25,14 +26,17 @@ inline bool IsReference(const char* backend) {
   return backend == kBackends[0];
 }
 
-/// Whether tests may be skipped where it does not run: only what insists on OpenGL.
+/// Whether tests may be skipped where it does not run.
 inline bool MayBeMissing(const char* backend) {
-  return backend == kBackends[1] && !std::getenv("ZIRK_TEST_REQUIRE_GL");
+  const std::string name = backend;
+  if (name == "DirectFB") return !std::getenv("ZIRK_TEST_REQUIRE_DIRECTFB");
+  return name == "OpenGLES2" && !std::getenv("ZIRK_TEST_REQUIRE_GL");
 }
 
 /// Null where the backend does not run.
 inline std::unique_ptr<VuGraphics> Open(const char* backend) {
   support::UseOffscreenOpenGl();
+  support::UseOffscreenDirectFb();
   static const std::string driver = std::getenv("SDL_VIDEODRIVER");
   const bool withoutOpenGl = backend == kBackends[3];
   setenv("SDL_VIDEODRIVER", withoutOpenGl ? "none" : driver.c_str(), 1);

@@ -73,6 +73,8 @@ TEST_P(Model, EveryFormatOntoEveryFormat) {
       trial.DrawObject({2, 2, 13, 11}, *nearest, {0, 0, 13, 11});
       trial.DrawObject({2, 2, 13, 11}, *nearest, {0, 0, 13, 11}, {}, VuColor{0xB0FF8040});
       trial.DrawObject({1, 1, 30, 17}, *nearest, {0, 0, 13, 11});
+      trial.DrawObject({3, 2, 26, 22}, *nearest, {0, 0, 13, 11});
+      trial.DrawObject({-5, 9, 26, 44}, *nearest, {0, 0, 13, 11});
       trial.DrawObject({1, 1, 30, 26}, *bilinear, {0, 0, 13, 11});
       trial.DrawObject({-7, -6, 13, 11}, *bilinear, {0, 0, 13, 11}, VuTransform(16, 14, 1, 1, 33));
       trial.DrawRect({3, 3, 20, 20}, VuColor{0x70102030}, VuTransform(4, -2, 1, 1, -10));

@@ -11,4 +11,9 @@ inline void UseOffscreenOpenGl() {
   setenv("GALLIUM_DRIVER", "softpipe", 0);
 }
 
+/// DirectFB without a display, unless the environment says otherwise.
+inline void UseOffscreenDirectFb() {
+  setenv("DFBARGS", "system=dummy", 0);
+}
+
 }  // namespace ZIRK::support

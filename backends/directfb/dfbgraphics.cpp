@@ -1,0 +1,94 @@
+#include "directfb/dfbgraphics.h"
+
+#include <zirk/impl/log.h>
+
+#include <string>
+#include <utility>
+
+#include "directfb/dfbscreen.h"
+
+namespace ZIRK::backends {
+
+namespace {
+
+/// A bitmap of undefined pixels.
+std::unique_ptr<DirectFbBitmap> NewBitmap(std::unique_ptr<SurfaceLedger::Entry> entry,
+                                          IDirectFB& directFb, int width, int height,
+                                          VuPixelFormat format,
+                                          std::shared_ptr<AtlasGraphics> atlases) {
+  DirectFbSurfacePtr surface = CreateDirectFbSurface(directFb, width, height, format);
+  if (!surface) return nullptr;
+  return std::make_unique<DirectFbBitmap>(std::move(entry), width, height, format,
+                                          std::move(surface), std::move(atlases));
+}
+
+/// Makes the atlases' bitmaps.
+class DirectFbAtlases final : public AtlasGraphics {
+ public:
+  DirectFbAtlases(std::shared_ptr<SurfaceLedger> ledger, int graphicsType, IDirectFB& directFb)
+      : AtlasGraphics(std::move(ledger), graphicsType), directFb_(directFb) {}
+
+ protected:
+  std::unique_ptr<VuBitmapImpl> MakeBitmap(Entry entry, int width, int height,
+                                           VuPixelFormat format) override {
+    return NewBitmap(std::move(entry), directFb_, width, height, format, shared_from_this());
+  }
+
+ private:
+  IDirectFB& directFb_;
+};
+
+}  // namespace
+
+DirectFbGraphics::DirectFbGraphics(IDirectFB& directFb)
+    : directFb_(directFb), atlases_(std::make_shared<DirectFbAtlases>(Ledger(), kType, directFb)) {}
+
+ImageSize DirectFbGraphics::ScreenSize(int index) const {
+  // A layer that is not there is reported when the screen is made.
+  const auto size = DirectFbLayer::SizeOf(directFb_, index);
+  return size ? *size : GraphicsBase::ScreenSize(index);
+}
+
+std::unique_ptr<VuScreenImpl> DirectFbGraphics::MakeScreen(Entry entry,
+                                                           const VuScreenDescription& d) {
+  std::string error;
+  DirectFbLayer::Screen screen{nullptr, d.width, d.height, d.format, false};
+  std::unique_ptr<DirectFbLayer> layer = DirectFbLayer::Open(directFb_, d, screen, error);
+  if (!layer) {
+    ZIRK_LOG_WARNING("%s: the screen stays in memory", error.c_str());
+    screen.surface = CreateDirectFbSurface(directFb_, d.width, d.height, d.format);
+    if (!screen.surface) return nullptr;
+  }
+  if (SurfaceBytes(screen.width, screen.height, screen.format) !=
+      SurfaceBytes(d.width, d.height, d.format)) {
+    entry.reset();
+    entry = Ledger()->Enter(screen.width, screen.height, screen.format);
+    if (!entry) return nullptr;
+  }
+  auto made = std::make_unique<DirectFbScreen>(std::move(entry), std::move(layer),
+                                               std::move(screen), atlases_);
+  if (!made->Begin()) return nullptr;
+  return made;
+}
+
+std::unique_ptr<VuBitmapImpl> DirectFbGraphics::MakeBitmap(Entry entry, int width, int height,
+                                                           VuPixelFormat format) {
+  auto bitmap = NewBitmap(std::move(entry), directFb_, width, height, format, atlases_);
+  if (!bitmap || !bitmap->Drawing().Begin()) return nullptr;
+  return bitmap;
+}
+
+std::unique_ptr<VuBitmapImpl> DirectFbGraphics::MakePicture(Entry entry, int width, int height,
+                                                            Image& image, VuScaleMode scaleMode) {
+  auto bitmap =
+      NewBitmap(std::move(entry), directFb_, width, height, VuPixelFormat::ARGB8888, atlases_);
+  if (!bitmap || !bitmap->Lock(true)) return nullptr;
+  const VuBitmapInfo info = bitmap->GetInfo();
+  const bool decoded =
+      image.Decode({static_cast<uint32_t*>(info.pixels), info.pitch, width, height}, scaleMode);
+  bitmap->Unlock();
+  if (!decoded) return nullptr;
+  return bitmap;
+}
+
+}  // namespace ZIRK::backends

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <directfb.h>
+
+#include <memory>
+
+#include "images/atlasgraphics.h"
+#include "images/graphicsbase.h"
+
+namespace ZIRK::backends {
+
+/// A context whose surfaces are drawn by DirectFB.
+class DirectFbGraphics final : public GraphicsBase {
+ public:
+  explicit DirectFbGraphics(IDirectFB& directFb);
+
+  void Flush() override {}
+  int GetGraphicsType() const override { return kType; }
+
+ protected:
+  ImageSize ScreenSize(int index) const override;
+  std::unique_ptr<VuScreenImpl> MakeScreen(Entry entry,
+                                           const VuScreenDescription& description) override;
+  std::unique_ptr<VuBitmapImpl> MakeBitmap(Entry entry, int width, int height,
+                                           VuPixelFormat format) override;
+  std::unique_ptr<VuBitmapImpl> MakePicture(Entry entry, int width, int height, Image& image,
+                                            VuScaleMode scaleMode) override;
+
+ private:
+  static constexpr int kType = 2;
+
+  IDirectFB& directFb_;
+  const std::shared_ptr<AtlasGraphics> atlases_;
+};
+
+}  // namespace ZIRK::backends

@@ -1,0 +1,394 @@
+#include "directfb/dfbrenderer.h"
+
+#include <zirk/impl/log.h>
+
+#include <algorithm>
+#include <mutex>
+#include <utility>
+
+#include "common/hairline.h"
+#include "common/ownsurface.h"
+#include "common/pixelmath.h"
+#include "directfb/dfbbitmap.h"
+#include "directfb/dfbscreen.h"
+#include "directfb/start.h"
+#include "images/atlasline.h"
+#include "software/pixeltransfer.h"
+#include "software/softwarerenderer.h"
+
+namespace ZIRK::backends {
+
+namespace {
+
+/// The surface that this plug-in has made; null for any other.
+DirectFbRenderer* FindRenderer(VuBitmapImpl& surface) {
+  if (auto* const bitmap = AsOwn<DirectFbBitmap>(&surface)) return &bitmap->Drawing();
+  if (auto* const screen = AsOwn<DirectFbScreen>(&surface)) return &screen->Drawing();
+  return nullptr;
+}
+
+DFBRectangle ToDirectFb(const Box& box) {
+  return {box.x0, box.y0, box.Width(), box.Height()};
+}
+
+}  // namespace
+
+/// Keeps a surface's pixels where the processor reaches them. Null has none.
+class DirectFbRenderer::Access {
+ public:
+  explicit Access(DirectFbRenderer* surface)
+      : surface_(surface), granted_(!surface || surface->Reach()) {}
+  ~Access() {
+    if (surface_ && granted_) surface_->LetGo();
+  }
+  Access(const Access&) = delete;
+  Access& operator=(const Access&) = delete;
+
+  explicit operator bool() const { return granted_; }
+
+ private:
+  DirectFbRenderer* const surface_;
+  const bool granted_;
+};
+
+DirectFbRenderer::DirectFbRenderer(const SurfaceState& state, DirectFbSurfacePtr surface,
+                                   std::shared_ptr<AtlasGraphics> atlases, Buffers buffers)
+    : state_(state),
+      surface_(std::move(surface)),
+      atlases_(std::move(atlases)),
+      buffers_(buffers),
+      pixels_(PixelBuffer::Elsewhere(state.width, state.height, state.format)),
+      painter_(pixels_, state),
+      revision_(state.revision - 1) {}
+
+bool DirectFbRenderer::Begin() {
+  {
+    const std::lock_guard turn(DirectFbTurn());
+    const Access own(this);
+    if (!own) return false;
+  }
+  return Clear(VuColor{0});
+}
+
+// --- The surface's state ------------------------------------------------------------------------
+
+/// Takes over what has been set on the surface. Whether DirectFB may draw on it as it is.
+bool DirectFbRenderer::Refresh() {
+  if (revision_ != state_.revision) {
+    revision_ = state_.revision;
+    blend_ = FindBlend(state_);
+    clip_ = Intersection(ToBox(state_.clip), pixels_.Bounds());
+    const DFBRegion region = {clip_.x0, clip_.y0, clip_.x1 - 1, clip_.y1 - 1};
+    if (!clip_.IsEmpty()) surface_->SetClip(surface_.get(), &region);
+  }
+  return holders_ == 0 && blend_;
+}
+
+/// For what goes beyond the clipping rectangle. Whether DirectFB may draw on the surface as it is.
+bool DirectFbRenderer::SetWholeClip() {
+  if (holders_ > 0) return false;
+  revision_ = state_.revision - 1;
+  return surface_->SetClip(surface_.get(), nullptr) == DFB_OK;
+}
+
+void DirectFbRenderer::SetColor(uint32_t color) {
+  const auto channel = [color](int shift) { return static_cast<uint8_t>(color >> shift); };
+  surface_->SetColor(surface_.get(), channel(16), channel(8), channel(0), channel(24));
+}
+
+/// Has the pixels locked; an error line if that fails.
+bool DirectFbRenderer::Reach() {
+  if (holders_ == 0) {
+    void* pixels = nullptr;
+    int pitch = 0;
+    const auto how = static_cast<DFBSurfaceLockFlags>(DSLF_READ | DSLF_WRITE);
+    const DFBResult result = surface_->Lock(surface_.get(), how, &pixels, &pitch);
+    if (!IsGood(result, "lock a surface")) return false;
+    if (pixels != pixels_.Row(0) || pitch != pixels_.Pitch()) pixels_.PlaceAt(pixels, pitch);
+  }
+  ++holders_;
+  return true;
+}
+
+void DirectFbRenderer::LetGo() {
+  if (--holders_ == 0) surface_->Unlock(surface_.get());
+}
+
+// --- By DirectFB --------------------------------------------------------------------------------
+
+// Each says whether it has drawn; if not, it is the painter's turn.
+
+bool DirectFbRenderer::FillBoxes(const DFBRectangle* boxes, unsigned count, uint32_t color) {
+  const DFBSurfaceDrawingFlags flags = FindFill(*blend_, color);
+  surface_->SetDrawingFlags(surface_.get(), flags);
+  if (flags != DSDRAW_NOFX) {
+    surface_->SetSrcBlendFunction(surface_.get(), blend_->source);
+    surface_->SetDstBlendFunction(surface_.get(), blend_->destination);
+  }
+  SetColor(color);
+  return surface_->FillRectangles(surface_.get(), boxes, count) == DFB_OK;
+}
+
+bool DirectFbRenderer::Fill(const Box& box, uint32_t color) {
+  if (!Refresh()) return false;
+  const Box visible = Intersection(box, clip_);
+  if (visible.IsEmpty()) return true;
+  painter_.Touch(visible);
+  const DFBRectangle rectangle = ToDirectFb(visible);
+  return FillBoxes(&rectangle, 1, color);
+}
+
+/// Run by run: DirectFB's own lines end and bend elsewhere.
+bool DirectFbRenderer::FillLine(const Hairline& line, uint32_t color) {
+  if (!Refresh()) return false;
+  const Box visible = Intersection(line.Bounds(), clip_);
+  if (visible.IsEmpty()) return true;
+  painter_.Touch(visible);
+  runs_.clear();
+  Walk(line, clip_, [&](int x, int y, int) {
+    DFBRectangle* const last = runs_.empty() ? nullptr : &runs_.back();
+    if (last && last->h == 1 && y == last->y && (x == last->x + last->w || x == last->x - 1)) {
+      last->x = std::min(last->x, x);
+      ++last->w;
+    } else if (last && last->w == 1 && x == last->x && y == last->y + last->h) {
+      ++last->h;
+    } else {
+      runs_.push_back({x, y, 1, 1});
+    }
+  });
+  return runs_.empty() || FillBoxes(runs_.data(), static_cast<unsigned>(runs_.size()), color);
+}
+
+/// The whole `part` of `source`, which is another surface, in the place of `box`.
+bool DirectFbRenderer::Blit(DirectFbRenderer& source, const VuRect& part, const Box& box,
+                            uint32_t color) {
+  if (!Refresh() || source.holders_ > 0 || source.buffers_ == Buffers::Two) return false;
+  if (!TakesRightPixels(part.width, part.height, source.state_.scaleMode, box, clip_)) return false;
+  const std::optional<BlitRule> rule =
+      FindBlit(*blend_, source.state_.format, state_.format, color);
+  if (!rule) return false;
+  const Box visible = Intersection(box, clip_);
+  if (visible.IsEmpty()) return true;
+  painter_.Touch(visible);
+  surface_->SetBlittingFlags(surface_.get(), rule->flags);
+  surface_->SetSrcBlendFunction(surface_.get(), rule->blend.source);
+  surface_->SetDstBlendFunction(surface_.get(), rule->blend.destination);
+  SetColor(color);
+  const DFBRectangle from = {part.x, part.y, part.width, part.height};
+  const DFBRectangle to = ToDirectFb(box);
+  IDirectFBSurface* const read = source.surface_.get();
+  const DFBResult result = from.w == to.w && from.h == to.h
+                               ? surface_->Blit(surface_.get(), read, &from, to.x, to.y)
+                               : surface_->StretchBlit(surface_.get(), read, &from, &to);
+  return result == DFB_OK;
+}
+
+/// Without blending or clipping.
+bool DirectFbRenderer::CopyBox(DirectFbRenderer& source, const CopyPlan& plan) {
+  const std::optional<BlitRule> rule =
+      FindBlit({DSBF_ONE, DSBF_ZERO}, source.state_.format, state_.format, 0xFFFFFFFFu);
+  const bool other = &source != this && source.holders_ == 0 && source.buffers_ == Buffers::One;
+  if (!other || !rule || rule->flags != DSBLIT_NOFX || !SetWholeClip()) return false;
+  surface_->SetBlittingFlags(surface_.get(), DSBLIT_NOFX);
+  const DFBRectangle from = {plan.srcX, plan.srcY, plan.box.Width(), plan.box.Height()};
+  return surface_->Blit(surface_.get(), source.surface_.get(), &from, plan.box.x0, plan.box.y0) ==
+         DFB_OK;
+}
+
+// --- By the painter -----------------------------------------------------------------------------
+
+/// Calls `draw(operand, mask)` with the surfaces that are read as the painter reads them, and with
+/// everybody's pixels locked.
+template <typename F>
+void DirectFbRenderer::Paint(const Operand* source, const Mask* mask, F&& draw) {
+  const Access own(this), read(source ? source->surface : nullptr),
+      masked(mask ? mask->operand.surface : nullptr);
+  if (!own || !read || !masked) return;
+  const auto inMemory = [](const Operand& operand) {
+    return backends::Operand{operand.copy ? operand.copy : &operand.surface->pixels_,
+                             operand.scaleMode};
+  };
+  Painter::MaskArgument through{};
+  if (mask) through = {inMemory(mask->operand), mask->coords};
+  draw(source ? inMemory(*source) : backends::Operand{}, mask ? &through : nullptr);
+}
+
+bool DirectFbRenderer::Resolve(VuBitmapImpl& surface, Extent* rect, Operand& operand,
+                               Copies& copy) {
+  operand = {FindRenderer(surface), nullptr, surface.GetScaleMode()};
+  if (!operand.surface) return RefuseSource();
+  if (operand.surface != this) return true;
+  const Box part = TakePart(rect, pixels_.Bounds());
+  const std::lock_guard turn(DirectFbTurn());
+  const Access own(this);
+  if (own) copy = CopyOf(pixels_, part);
+  if (copy) operand = {nullptr, &*copy, operand.scaleMode};
+  return copy.has_value();
+}
+
+// --- Primitives ---------------------------------------------------------------------------------
+
+bool DirectFbRenderer::FillBox(const VuRect& rect, VuColor color) {
+  if (!IsNear(rect)) return false;
+  const std::lock_guard turn(DirectFbTurn());
+  return Fill(ToBox(rect), Premultiply(color));
+}
+
+void DirectFbRenderer::DrawRect(const Extent& rect, VuColor color, const MatrixF& m,
+                                const Mask* mask) {
+  const std::optional<Placement> placement = Place(rect, m, Edges::OnWholePixels);
+  if (!placement) return;
+  const std::lock_guard turn(DirectFbTurn());
+  if (!mask && placement->hardEdged && Fill(placement->box, Premultiply(color))) return;
+  Paint(nullptr, mask,
+        [&](const auto&, const auto* through) { painter_.DrawRect(rect, color, m, through); });
+}
+
+void DirectFbRenderer::DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m,
+                                 const Mask* mask) {
+  if (!mask) return DrawRect(ToExtent(p, size), color, m, nullptr);
+  const std::lock_guard turn(DirectFbTurn());
+  Paint(nullptr, mask,
+        [&](const auto&, const auto* through) { painter_.DrawPoint(p, size, color, m, through); });
+}
+
+void DirectFbRenderer::DrawLine(VuPoint from, VuPoint to, VuColor color, const MatrixF& m,
+                                const Mask* mask) {
+  const std::optional<Hairline> line = PlaceLine(from, to, m);
+  if (!line) return;
+  const std::lock_guard turn(DirectFbTurn());
+  if (!mask && FillLine(*line, Premultiply(color))) return;
+  Paint(nullptr, mask,
+        [&](const auto&, const auto* through) { painter_.DrawLine(from, to, color, m, through); });
+}
+
+bool DirectFbRenderer::BlitBox(const VuRect& dst, VuBitmapImpl& src, const VuRect& srcRect,
+                               const MatrixF& m, VuColor color) {
+  DirectFbRenderer* const source = FindRenderer(src);
+  if (!source || source == this || srcRect.width <= 0 || srcRect.height <= 0) return false;
+  const std::optional<Box> box = PlaceUpright(ToExtent(dst), m);
+  if (!box || !source->pixels_.Bounds().Contains(ToBox(srcRect))) return false;
+  const std::lock_guard turn(DirectFbTurn());
+  return Blit(*source, srcRect, *box, Premultiply(color));
+}
+
+void DirectFbRenderer::DrawObject(const Extent& dst, const Operand& src, const Extent& srcRect,
+                                  Edges edges, const MatrixF& m, VuColor color, const Mask* mask) {
+  const std::lock_guard turn(DirectFbTurn());
+  Paint(&src, mask, [&](const backends::Operand& operand, const auto* through) {
+    painter_.DrawObject(dst, operand, srcRect, edges, m, color, through);
+  });
+}
+
+// --- Text ---------------------------------------------------------------------------------------
+
+/// What all glyphs of a line have in common.
+struct DirectFbRenderer::GlyphPlace {
+  const MatrixF& matrix;
+  VuColor color;
+  const Mask* mask;
+  std::optional<Placement> line;  ///< What the mask lies over, if there is one.
+};
+
+void DirectFbRenderer::DrawText(const TextArguments& text, VuColor color, const MatrixF& m,
+                                const Mask* mask) {
+  AtlasLine line(*atlases_, text);
+  if (!line) return;
+  const GlyphPlace place = {m, color, mask, mask ? line.Place(m) : std::nullopt};
+  if (mask && !place.line) return;
+  for (TextLayout::Glyph glyph; line.Next(glyph);) DrawGlyph(glyph, place);
+}
+
+void DirectFbRenderer::DrawGlyph(const TextLayout::Glyph& glyph, const GlyphPlace& place) {
+  // Atlases are made of bitmaps.
+  const Operand atlas = {&static_cast<DirectFbBitmap*>(glyph.atlas)->Drawing(), nullptr,
+                         VuScaleMode::Bilinear};
+  const std::optional<VuPoint> move = place.mask ? std::nullopt : WholePixelMove(place.matrix);
+  const std::lock_guard turn(DirectFbTurn());
+  if (move && IsNear(glyph.destination)) {
+    const Box to = ToBox(glyph.destination);
+    const Box box = {to.x0 + move->x, to.y0 + move->y, to.x1 + move->x, to.y1 + move->y};
+    if (Blit(*atlas.surface, glyph.source, box, Premultiply(place.color))) return;
+  }
+  Paint(&atlas, place.mask, [&](const backends::Operand& operand, Painter::MaskArgument* through) {
+    if (through) through->primitive = &*place.line;
+    painter_.DrawObject(ToExtent(glyph.destination), operand, ToExtent(glyph.source),
+                        Edges::OnWholePixels, place.matrix, place.color, through);
+  });
+}
+
+// --- Pixels -------------------------------------------------------------------------------------
+
+bool DirectFbRenderer::Clear(VuColor color) {
+  const std::lock_guard turn(DirectFbTurn());
+  painter_.Touch(pixels_.Bounds());
+  if (SetWholeClip()) {
+    surface_->SetDrawingFlags(surface_.get(), DSDRAW_NOFX);
+    SetColor(Premultiply(color));
+    if (surface_->FillRectangle(surface_.get(), 0, 0, state_.width, state_.height) == DFB_OK)
+      return true;
+  }
+  const Access own(this);
+  if (own) ClearPixels(pixels_, color);
+  return bool(own);
+}
+
+bool DirectFbRenderer::Read(const Box& box, void* dst) {
+  const std::lock_guard turn(DirectFbTurn());
+  const Access own(this);
+  return own && GetPixels(pixels_, ToRect(box), dst);
+}
+
+bool DirectFbRenderer::Write(const Box& box, const void* src, unsigned pitch) {
+  const std::lock_guard turn(DirectFbTurn());
+  const Access own(this);
+  painter_.Touch(box);
+  return own && SetPixels(pixels_, ToRect(box), src, pitch);
+}
+
+bool DirectFbRenderer::Copy(VuPoint at, VuBitmapImpl& src, const VuRect& srcRect) {
+  DirectFbRenderer* const source = FindRenderer(src);
+  if (!source) return RefuseSource();
+  const CopyPlan plan = PlanCopy(at.x, at.y, pixels_.Bounds(), srcRect, source->pixels_.Bounds());
+  if (plan.box.IsEmpty()) return true;
+  const std::lock_guard turn(DirectFbTurn());
+  painter_.Touch(plan.box);
+  if (CopyBox(*source, plan)) return true;
+  const Access own(this), read(source);
+  if (own && read) CopyPixels(pixels_, at, source->pixels_, srcRect);
+  return own && read;
+}
+
+bool DirectFbRenderer::Lock(bool) {
+  const std::lock_guard turn(DirectFbTurn());
+  return Reach();
+}
+
+bool DirectFbRenderer::Unlock(bool written) {
+  const std::lock_guard turn(DirectFbTurn());
+  if (written) {
+    pixels_.RestoreOpaqueBits(pixels_.Bounds());
+    painter_.Touch(pixels_.Bounds());
+  }
+  LetGo();
+  return true;
+}
+
+void DirectFbRenderer::Flip() {
+  const std::lock_guard turn(DirectFbTurn());
+  if (holders_ > 0) {
+    ZIRK_LOG_ERROR("the screen is locked, and not shown");
+    return;
+  }
+  const Box changed = painter_.TakeTouched();
+  const bool two = buffers_ == Buffers::Two;
+  const DFBResult result =
+      surface_->Flip(surface_.get(), nullptr, two ? DSFLIP_WAITFORSYNC : DSFLIP_NONE);
+  if (!IsGood(result, "show a frame") || !two || changed.IsEmpty() || !SetWholeClip()) return;
+  // What DirectFB reads of such a surface is the buffer that is shown now.
+  surface_->SetBlittingFlags(surface_.get(), DSBLIT_NOFX);
+  const DFBRectangle part = ToDirectFb(changed);
+  surface_->Blit(surface_.get(), surface_.get(), &part, part.x, part.y);
+}
+
+}  // namespace ZIRK::backends

@@ -1,0 +1,111 @@
+#pragma once
+
+#include <zirk/impl/vubitmapimpl.h>
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "common/textlayout.h"
+#include "directfb/dfbsurface.h"
+#include "directfb/rules.h"
+#include "images/atlasgraphics.h"
+#include "software/painter.h"
+#include "software/pixelbuffer.h"
+
+namespace ZIRK::backends {
+
+/// Draws on an IDirectFBSurface, for DrawnSurface: by DirectFB as far as its rules go, and on the
+/// locked pixels by the software painter beyond.
+class DirectFbRenderer {
+ public:
+  using MatrixF = VuTMatrix2D<float>;
+
+  /// A surface, or a copy of what was on it.
+  struct Operand {
+    DirectFbRenderer* surface;
+    const PixelBuffer* copy;
+    VuScaleMode scaleMode;
+  };
+  struct Mask {
+    Operand operand;
+    const VuTVector2D<float>* coords;
+  };
+  using Copies = std::optional<PixelBuffer>;
+
+  /// Whether drawing goes to the surface's back buffer, and reading as DirectFB does it would take
+  /// what is shown.
+  enum class Buffers { One, Two };
+
+  /// `surface` has the size and format of `state`. `atlases` makes the atlases of fonts that are
+  /// first drawn with here.
+  DirectFbRenderer(const SurfaceState& state, DirectFbSurfacePtr surface,
+                   std::shared_ptr<AtlasGraphics> atlases, Buffers buffers = Buffers::One);
+
+  /// Clears a new surface; false, after an error line, if there is no memory for its pixels, which
+  /// DirectFB looks for only now.
+  bool Begin();
+
+  bool Resolve(VuBitmapImpl& surface, Extent* part, Operand& operand, Copies& copy);
+
+  void DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m, const Mask* mask);
+  void DrawLine(VuPoint from, VuPoint to, VuColor color, const MatrixF& m, const Mask* mask);
+  void DrawRect(const Extent& rect, VuColor color, const MatrixF& m, const Mask* mask);
+  void DrawObject(const Extent& dst, const Operand& src, const Extent& srcRect, Edges edges,
+                  const MatrixF& m, VuColor color, const Mask* mask);
+  void DrawText(const TextArguments& text, VuColor color, const MatrixF& m, const Mask* mask);
+  bool FillBox(const VuRect& rect, VuColor color);
+  bool BlitBox(const VuRect& dst, VuBitmapImpl& src, const VuRect& srcRect, const MatrixF& m,
+               VuColor color);
+
+  bool Clear(VuColor color);
+  bool Read(const Box& box, void* dst);
+  bool Write(const Box& box, const void* src, unsigned pitch);
+  bool Copy(VuPoint at, VuBitmapImpl& src, const VuRect& srcRect);
+
+  /// Always for writing: for reading alone DirectFB would give the pixels that are shown.
+  bool Lock(bool write);
+  bool Unlock(bool written);
+  void* LockedPixels() const { return const_cast<uint8_t*>(pixels_.Row(0)); }
+  int Pitch() const { return pixels_.Pitch(); }
+
+  /// Shows what is drawn; with two buffers, waits until it is, and then brings the other one up to
+  /// date.
+  void Flip();
+
+ private:
+  class Access;
+  struct GlyphPlace;
+
+  bool Refresh();
+  bool Reach();
+  void LetGo();
+  void SetColor(uint32_t color);
+  bool SetWholeClip();
+
+  bool Fill(const Box& box, uint32_t color);
+  bool FillLine(const Hairline& line, uint32_t color);
+  bool FillBoxes(const DFBRectangle* boxes, unsigned count, uint32_t color);
+  bool Blit(DirectFbRenderer& source, const VuRect& part, const Box& box, uint32_t color);
+  bool CopyBox(DirectFbRenderer& source, const CopyPlan& plan);
+  void DrawGlyph(const TextLayout::Glyph& glyph, const GlyphPlace& place);
+  template <typename F>
+  void Paint(const Operand* source, const Mask* mask, F&& draw);
+
+  const SurfaceState& state_;
+  const DirectFbSurfacePtr surface_;
+  const std::shared_ptr<AtlasGraphics> atlases_;
+  const Buffers buffers_;
+
+  PixelBuffer pixels_;  ///< Placed while they are held.
+  int holders_ = 0;     ///< Of the pixels, which are locked while there are any.
+  Painter painter_;
+
+  unsigned revision_;  ///< Of the state that what follows, and the surface's clip, are up to.
+  std::optional<DirectFbBlend> blend_;
+  Box clip_;
+
+  std::vector<DFBRectangle> runs_;  ///< Of a line; memory to work in.
+};
+
+}  // namespace ZIRK::backends

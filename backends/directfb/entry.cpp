@@ -1,0 +1,18 @@
+#include <zirk/export.h>
+
+#include "common/entrypoints.h"
+#include "directfb/dfbgraphics.h"
+#include "directfb/start.h"
+
+using namespace ZIRK;
+
+extern "C" ZIRK_API void* CreateVuGraphics(bool /*flag*/) {
+  return backends::Create<VuGraphicsImpl>([] {
+    IDirectFB* const directFb = backends::StartDirectFb();
+    return directFb ? new backends::DirectFbGraphics(*directFb) : nullptr;
+  });
+}
+
+extern "C" ZIRK_API void DestroyVuGraphics(void* graphics) {
+  backends::DestroyGraphics(graphics);
+}

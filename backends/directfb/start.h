@@ -1,0 +1,26 @@
+#pragma once
+
+#include <directfb.h>
+
+#include <mutex>
+
+namespace ZIRK::backends {
+
+/// DirectFB, started with the first context of the process; null, after an error line, if it cannot
+/// be.
+///
+/// It then runs until the process ends. DirectFB 1.7 cannot be ended before: it does not wait for
+/// a thread of its own that goes on with what has been freed.
+IDirectFB* StartDirectFb();
+
+/// Waits until all drawing is done.
+void WaitForDirectFb();
+
+/// Held by who makes DirectFB or its surfaces do anything. Nothing else is waited for meanwhile.
+std::mutex& DirectFbTurn();
+
+/// Starts DirectFB with the options of ours, of which none is set that `DFBARGS` has its own mind
+/// about.
+DFBResult CreateDirectFb(IDirectFB** directFb);
+
+}  // namespace ZIRK::backends

@@ -1,0 +1,147 @@
+// What is particular to DirectFB: its start, its screens, and that it never ends. The scenes look
+// at the drawing.
+
+#include <gtest/gtest.h>
+#include <zirk/zirk.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <memory>
+
+#include "backends/common/oneerror.h"
+
+namespace ZIRK::tests {
+namespace {
+
+using GraphicsPtr = std::unique_ptr<VuGraphics>;
+using BitmapPtr = std::unique_ptr<VuBitmap>;
+
+constexpr char kArgs[] = "system=dummy,mode=800x600";
+constexpr uint32_t kRed = 0xFFE04030, kGreen = 0xFF30C060;
+
+GraphicsPtr Open() {
+  return GraphicsPtr(VuGraphics::Create("DirectFB", false));
+}
+
+uint32_t PixelOf(VuBitmap& bitmap, int x, int y) {
+  uint32_t pixel = 0;
+  EXPECT_TRUE(bitmap.GetPixels({x, y, 1, 1}, &pixel));
+  return pixel;
+}
+
+// The first test of the process: DirectFB has to be yet to start.
+TEST(DirectFbStart, FailsWithOneErrorAndThenSucceedsWithoutAWord) {
+  for (const char* args : {"system=fbdev,fbdev=/nonexistent", "system=dummy,wm=nonexistent", "help",
+                           "nonexistent=1"}) {
+    setenv("DFBARGS", args, 1);
+    EXPECT_TRUE(LogsOneError("DirectFB cannot be started", [] { EXPECT_EQ(Open(), nullptr); }))
+        << args;
+  }
+  setenv("DFBARGS", kArgs, 1);
+  struct sigaction before[NSIG] = {}, after{};
+  for (int i = 1; i < NSIG; ++i) sigaction(i, nullptr, &before[i]);
+  testing::internal::CaptureStdout();
+  EXPECT_EQ(support::LoggedAt(3, [] { EXPECT_NE(Open(), nullptr); }), "");
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+  for (int i = 1; i < NSIG; ++i) {
+    sigaction(i, nullptr, &after);
+    EXPECT_EQ(after.sa_handler, before[i].sa_handler) << "signal " << i;
+  }
+}
+
+class DirectFb : public testing::Test {
+ protected:
+  DirectFb() {
+    setenv("DFBARGS", kArgs, 1);
+    graphics_ = Open();
+  }
+  BitmapPtr Screen(int index, bool doubled) {
+    return BitmapPtr(
+        graphics_->CreateScreen(64, 48, doubled, index, false, VuPixelFormat::ARGB8888));
+  }
+
+  GraphicsPtr graphics_;
+};
+
+TEST_F(DirectFb, WhatIsOnAScreenStaysThereFromFrameToFrame) {
+  for (const bool doubled : {true, false}) {
+    const BitmapPtr screen = Screen(0, doubled);
+    ASSERT_NE(screen, nullptr);
+    EXPECT_EQ(PixelOf(*screen, 5, 5), 0u);
+    for (int frame = 0; frame < 4; ++frame) {
+      screen->DrawRect({frame * 10, frame * 10, 8, 8}, VuColor{kRed});
+      screen->SwapBuffers();
+      for (int i = 0; i < 4; ++i)
+        EXPECT_EQ(PixelOf(*screen, i * 10, i * 10), i <= frame ? kRed : 0) << i << " " << doubled;
+    }
+  }
+}
+
+TEST_F(DirectFb, AScreenIsReadAsItIsDrawnNotAsItIsShown) {
+  const BitmapPtr screen = Screen(0, true), copied = Screen(1, true);
+  const BitmapPtr bitmap(graphics_->CreateBitmap(64, 48, VuPixelFormat::ARGB8888));
+  screen->Clear(VuColor{kRed});
+  screen->SwapBuffers();
+  screen->Clear(VuColor{kGreen});
+  bitmap->DrawObject({0, 0, 64, 48}, *screen);
+  EXPECT_EQ(PixelOf(*bitmap, 3, 3), kGreen);
+  EXPECT_TRUE(copied->CopyPixels({0, 0}, *screen, {0, 0, 64, 48}));
+  EXPECT_EQ(PixelOf(*copied, 3, 3), kGreen);
+}
+
+TEST_F(DirectFb, AScreenWithoutADisplayStaysInMemory) {
+  BitmapPtr first = Screen(0, true), second;
+  const auto warned = [&](int index) {
+    return support::LoggedAt(4, [&] { second = Screen(index, true); });
+  };
+  EXPECT_NE(warned(0).find("another screen has it: the screen stays in memory"), std::string::npos);
+  EXPECT_NE(warned(1).find("display layer 1"), std::string::npos);
+  second->Clear(VuColor{kRed});
+  second->SwapBuffers();
+  EXPECT_EQ(PixelOf(*second, 1, 1), kRed);
+  first.reset();
+  EXPECT_EQ(warned(0), "");
+  // The display has its own size again.
+  second.reset();
+  first.reset(graphics_->CreateScreen(false));
+  EXPECT_EQ(first->GetBounds().width, 800);
+}
+
+TEST_F(DirectFb, LockedSurfacesAreDrawnOnAndReadAsEver) {
+  const BitmapPtr bitmap(graphics_->CreateBitmap(16, 16, VuPixelFormat::ARGB8888));
+  const BitmapPtr other(graphics_->CreateBitmap(16, 16, VuPixelFormat::ARGB8888));
+  const BitmapPtr screen = Screen(0, true);
+  ASSERT_TRUE(bitmap->Lock());
+  ASSERT_TRUE(screen->Lock());
+  auto* const pixels = static_cast<uint32_t*>(bitmap->GetInfo().pixels);
+  bitmap->DrawRect({0, 0, 4, 4}, VuColor{kRed});
+  EXPECT_EQ(pixels[0], kRed);
+  pixels[1] = kGreen;
+  other->DrawObject({0, 0, 16, 16}, *bitmap);
+  EXPECT_EQ(PixelOf(*other, 0, 0), kRed);
+  bitmap->Clear(VuColor{kGreen});
+  EXPECT_EQ(pixels[0], kGreen);
+  EXPECT_TRUE(other->CopyPixels({4, 4}, *bitmap, {0, 0, 8, 8}));
+  EXPECT_EQ(PixelOf(*other, 4, 4), kGreen);
+  EXPECT_TRUE(LogsOneError("the screen is locked", [&] { screen->SwapBuffers(); }));
+  EXPECT_TRUE(bitmap->Unlock());
+  EXPECT_TRUE(screen->Unlock());
+  screen->SwapBuffers();
+}
+
+TEST_F(DirectFb, SurfacesOutliveTheirContextAndAreReadByAnother) {
+  GraphicsPtr other = Open();
+  const BitmapPtr screen = Screen(0, true);
+  const BitmapPtr orphan(graphics_->CreateBitmap(8, 8, VuPixelFormat::ARGB8888));
+  const BitmapPtr target(other->CreateBitmap(8, 8, VuPixelFormat::ARGB8888));
+  graphics_.reset();
+  orphan->Clear(VuColor{kRed});
+  target->DrawObject({0, 0, 8, 8}, *orphan);
+  other.reset();
+  screen->DrawObject({0, 0, 8, 8}, *target);
+  screen->SwapBuffers();
+  EXPECT_EQ(PixelOf(*screen, 7, 7), kRed);
+}
+
+}  // namespace
+}  // namespace ZIRK::tests
