@@ -1,11 +1,15 @@
-# What `cmake --install` puts where: the library and its plug-ins side by side, the headers, and
-# the package for find_package(ZIRK) and pkg-config.
+# What `cmake --install` puts where: the library and its plug-ins side by side, the headers, the
+# package for find_package(ZIRK) and pkg-config, and the documents. Each is in the component of the
+# package that it comes in; ZIRKPackages.cmake makes these.
 include(CMakePackageConfigHelpers)
 
 set(ZIRK_PACKAGE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/ZIRK")
 
-install(TARGETS ZIRK EXPORT ZIRKTargets LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}")
-install(EXPORT ZIRKTargets NAMESPACE ZIRK:: DESTINATION "${ZIRK_PACKAGE_DIR}")
+install(TARGETS ZIRK EXPORT ZIRKTargets LIBRARY
+  DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+  COMPONENT libzirk${ZIRK_SOVERSION} NAMELINK_COMPONENT libzirk-dev)
+install(EXPORT ZIRKTargets NAMESPACE ZIRK::
+  DESTINATION "${ZIRK_PACKAGE_DIR}" COMPONENT libzirk-dev)
 
 # zirk_install_plugins(<folder>): every plug-in that is built in or below it.
 function(zirk_install_plugins folder)
@@ -13,7 +17,9 @@ function(zirk_install_plugins folder)
   foreach(target IN LISTS targets)
     get_target_property(type ${target} TYPE)
     if(type STREQUAL "MODULE_LIBRARY")
-      install(TARGETS ${target} LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+      install(TARGETS ${target} LIBRARY
+        DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT zirk-backends)
+      add_dependencies(zirk_plugins ${target})
     endif()
   endforeach()
   get_property(folders DIRECTORY "${folder}" PROPERTY SUBDIRECTORIES)
@@ -21,13 +27,17 @@ function(zirk_install_plugins folder)
     zirk_install_plugins("${sub}")
   endforeach()
 endfunction()
+# Plug-ins are opened at run time: who needs them there depends on this target.
+add_custom_target(zirk_plugins)
 zirk_install_plugins("${PROJECT_SOURCE_DIR}/backends")
 
 # include/zirk/impl is a link to src/impl; installed it is a folder.
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/include/zirk"
-  DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" FILES_MATCHING PATTERN "*.h" PATTERN impl EXCLUDE)
+  DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT libzirk-dev
+  FILES_MATCHING PATTERN "*.h" PATTERN impl EXCLUDE)
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/src/impl/"
-  DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/zirk/impl" FILES_MATCHING PATTERN "*.h")
+  DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/zirk/impl" COMPONENT libzirk-dev
+  FILES_MATCHING PATTERN "*.h")
 
 configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/ZIRKConfig.cmake.in"
   "${PROJECT_BINARY_DIR}/ZIRKConfig.cmake" INSTALL_DESTINATION "${ZIRK_PACKAGE_DIR}")
@@ -38,7 +48,7 @@ install(FILES
   "${PROJECT_BINARY_DIR}/ZIRKConfigVersion.cmake"
   "${PROJECT_SOURCE_DIR}/cmake/ZIRKAddBackend.cmake"
   "${PROJECT_SOURCE_DIR}/cmake/backend.map"
-  DESTINATION "${ZIRK_PACKAGE_DIR}")
+  DESTINATION "${ZIRK_PACKAGE_DIR}" COMPONENT libzirk-dev)
 
 # Relative to the file itself, so that the installed tree may be moved.
 set(ZIRK_PC_PREFIX "${CMAKE_INSTALL_PREFIX}")
@@ -49,4 +59,22 @@ endif()
 cmake_path(APPEND ZIRK_PC_LIBDIR "\${prefix}" "${CMAKE_INSTALL_LIBDIR}")
 cmake_path(APPEND ZIRK_PC_INCLUDEDIR "\${prefix}" "${CMAKE_INSTALL_INCLUDEDIR}")
 configure_file("${PROJECT_SOURCE_DIR}/cmake/zirk.pc.in" "${PROJECT_BINARY_DIR}/zirk.pc" @ONLY)
-install(FILES "${PROJECT_BINARY_DIR}/zirk.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+install(FILES "${PROJECT_BINARY_DIR}/zirk.pc"
+  DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT libzirk-dev)
+
+# The documents, and what the examples are made of.
+set(ZIRK_DOC_DIR "${CMAKE_INSTALL_DATAROOTDIR}/doc/zirk")
+install(FILES
+  "${PROJECT_SOURCE_DIR}/CHANGELOG.md"
+  "${PROJECT_SOURCE_DIR}/LICENSE"
+  "${PROJECT_SOURCE_DIR}/README.md"
+  DESTINATION "${ZIRK_DOC_DIR}" COMPONENT zirk-doc)
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs" "${PROJECT_SOURCE_DIR}/examples"
+  DESTINATION "${ZIRK_DOC_DIR}" COMPONENT zirk-doc)
+file(GLOB documents RELATIVE "${PROJECT_SOURCE_DIR}"
+  "${PROJECT_SOURCE_DIR}/backends/README.md" "${PROJECT_SOURCE_DIR}/backends/*/README.md")
+foreach(document IN LISTS documents)
+  cmake_path(GET document PARENT_PATH folder)
+  install(FILES "${PROJECT_SOURCE_DIR}/${document}"
+    DESTINATION "${ZIRK_DOC_DIR}/${folder}" COMPONENT zirk-doc)
+endforeach()

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <initializer_list>
 #include <new>
 
 #include "common/pixelmath.h"
@@ -23,9 +24,14 @@ struct Format {
   std::unique_ptr<ImageCodec> (*newCodec)(ImageStream& stream);
 };
 
-constexpr Format kFormats[] = {
+/// A build may leave out any of them, or all.
+constexpr std::initializer_list<Format> kFormats = {
+#ifdef ZIRK_HAVE_PNG
     {IsPng, NewPngCodec},
+#endif
+#ifdef ZIRK_HAVE_JPEG
     {IsJpeg, NewJpegCodec},
+#endif
 #ifdef ZIRK_HAVE_WEBP
     {IsWebp, NewWebpCodec},
 #endif

@@ -327,7 +327,8 @@ void DrawPoster(const Studio& s) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  const char* const backend = argc > 2 ? argv[2] : "Default";
+  // Without a name the backend that the environment asks for.
+  const char* const backend = argc > 2 ? argv[2] : nullptr;
   const std::unique_ptr<VuGraphics> graphics(VuGraphics::Create(backend, false));
   if (!graphics) return 1;
   const BitmapPtr screen(graphics->CreateScreen(kWidth, kHeight, true));

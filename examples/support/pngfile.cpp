@@ -14,6 +14,9 @@ namespace {
 constexpr png_uint_32 kPngFormat =
     __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__ ? PNG_FORMAT_BGRA : PNG_FORMAT_ARGB;
 
+/// What a damaged file claims to hold is not believed.
+constexpr size_t kMostPixels = size_t{1} << 26;
+
 /// Where a pixel format has its channels: bits of each, from the top down.
 struct Channels {
   unsigned alpha, red, green, blue;
@@ -119,7 +122,13 @@ std::optional<Picture> ReadPng(const char* path) {
     image.format = kPngFormat;
     picture.width = static_cast<int>(image.width);
     picture.height = static_cast<int>(image.height);
-    picture.pixels.resize(size_t{image.width} * image.height);
+    const size_t count = size_t{image.width} * image.height;
+    if (count > kMostPixels) {
+      png_image_free(&image);
+      std::fprintf(stderr, "%s: larger than any surface\n", path);
+      return std::nullopt;
+    }
+    picture.pixels.resize(count);
     if (png_image_finish_read(&image, nullptr, picture.pixels.data(), 0, nullptr) != 0)
       return picture;
   }

@@ -1,10 +1,10 @@
 // Every scene by every backend, against one set of pictures. `ZIRK_UPDATE_GOLDEN=1` in the
 // environment writes the pictures anew instead, with the first backend.
 
+#include <support/difference.h>
 #include <support/pngfile.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cstdlib>
 #include <filesystem>
 #include <tuple>
@@ -15,6 +15,8 @@
 namespace ZIRK::scenes {
 namespace {
 
+using examples::Compare;
+using examples::Difference;
 using examples::Picture;
 
 bool UpdatesGolden() {
@@ -24,40 +26,6 @@ bool UpdatesGolden() {
 
 std::string GoldenFile(const Scene& scene) {
   return std::string(ZIRK_GOLDEN) + scene.name + ".png";
-}
-
-struct Difference {
-  double worst = 0;
-  double mean = 0;
-  size_t firstPixel = 0;  ///< That goes beyond the scene's limit.
-  Picture picture;        ///< Eight times the difference, opaque.
-};
-
-/// Channels are compared premultiplied, as they are seen.
-std::array<double, 4> Channels(uint32_t argb) {
-  const double alpha = argb >> 24;
-  return {alpha, (argb >> 16 & 255) * alpha / 255, (argb >> 8 & 255) * alpha / 255,
-          (argb & 255) * alpha / 255};
-}
-
-Difference Compare(const Picture& drawn, const Picture& golden, double limit) {
-  Difference result;
-  result.firstPixel = drawn.pixels.size();
-  result.picture = drawn;
-  for (size_t i = 0; i < drawn.pixels.size(); ++i) {
-    const auto a = Channels(drawn.pixels[i]), b = Channels(golden.pixels[i]);
-    uint32_t shown = 0xFF000000u;
-    for (size_t c = 0; c < 4; ++c) {
-      // Halves of a step come from the file, which is not premultiplied.
-      const double difference = std::max(0.0, std::abs(a[c] - b[c]) - 0.5);
-      result.worst = std::max(result.worst, difference);
-      result.mean += difference / (4.0 * static_cast<double>(drawn.pixels.size()));
-      if (difference > limit) result.firstPixel = std::min(result.firstPixel, i);
-      if (c > 0) shown |= static_cast<uint32_t>(std::min(255.0, difference * 8)) << (8 * (3 - c));
-    }
-    result.picture.pixels[i] = shown;
-  }
-  return result;
 }
 
 using Parameter = std::tuple<const char*, Scene>;

@@ -1,0 +1,66 @@
+# Debian packages in a folder that stands for a whole system; see run.cmake.
+
+function(make_packages)
+  run("${CPACK}" --config "${BUILD}/CPackConfig.cmake" -B "${WORK}/packages")
+endfunction()
+
+# Copies the machine's programs or libraries, and the libraries that these need, into the system.
+function(copy_into root)
+  foreach(file IN LISTS ARGN)
+    execute_process(COMMAND ldd "${file}" OUTPUT_VARIABLE needed ERROR_QUIET)
+    string(REGEX MATCHALL "/[^ \n]+" paths "${needed}")
+    list(FILTER paths EXCLUDE REGEX "^${root}")
+    if(NOT file MATCHES "^${root}")
+      list(APPEND paths "${file}")
+    endif()
+    foreach(path IN LISTS paths)
+      cmake_path(GET path PARENT_PATH folder)
+      file(COPY "${path}" DESTINATION "${root}${folder}" FOLLOW_SYMLINK_CHAIN)
+    endforeach()
+  endforeach()
+endfunction()
+
+# as_root(<program> <argument>...): as the system's administrator, which needs no right on this one.
+function(as_root)
+  run(unshare --map-root-user ${ARGN})
+endfunction()
+
+# The packages' own scripts run inside the system; what else they depend on is not asked for.
+function(install_packages root)
+  foreach(folder IN ITEMS bin lib lib64 sbin)
+    file(MAKE_DIRECTORY "${root}/usr/${folder}")
+    file(CREATE_LINK usr/${folder} "${root}/${folder}" SYMBOLIC)
+  endforeach()
+  file(MAKE_DIRECTORY "${root}/etc" "${root}/var/lib/dpkg/info" "${root}/var/lib/dpkg/updates")
+  file(TOUCH "${root}/var/lib/dpkg/status")
+  copy_into("${root}" /bin/sh /sbin/ldconfig)
+  file(GLOB packages "${WORK}/packages/*.deb")
+  as_root(dpkg --root=${root} --force-depends --install ${packages})
+endfunction()
+
+# Each plug-in lies where both queries look, and FB opens.
+function(check_packages root)
+  file(GLOB files "${root}/usr/lib/*.so*" "${root}/usr/bin/zirkinfo")
+  copy_into("${root}" ${files})
+  execute_process(COMMAND unshare --map-root-user --root=${root} /usr/bin/zirkinfo
+    OUTPUT_VARIABLE said COMMAND_ERROR_IS_FATAL ANY)
+  file(GLOB plugins RELATIVE "${root}/usr/lib" "${root}/usr/lib/libZIRKImpl*.so")
+  foreach(plugin IN LISTS plugins)
+    if(NOT said MATCHES "file: ${plugin}\ninstalled: yes\n[^\n]*\nhas-backend: yes\nsupported-backend: yes\n")
+      message(FATAL_ERROR "${plugin} is not seen:\n${said}")
+    endif()
+  endforeach()
+  if(NOT said MATCHES "opens: yes\ntype: 5\n")
+    message(FATAL_ERROR "FB does not open:\n${said}")
+  endif()
+endfunction()
+
+# Nothing stays behind.
+function(remove_packages root)
+  as_root(dpkg --root=${root} --force-depends --purge
+    libzirk1 libzirk-dev zirk-backends zirk-doc zirk-tools)
+  file(GLOB_RECURSE left "${root}/usr/*irk*" "${root}/usr/*ZIRK*")
+  if(left)
+    message(FATAL_ERROR "left behind: ${left}")
+  endif()
+endfunction()

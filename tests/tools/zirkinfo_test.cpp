@@ -1,0 +1,139 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "support/difference.h"
+#include "support/offscreen.h"
+
+namespace ZIRK {
+namespace {
+
+using testing::ContainsRegex;
+
+struct Result {
+  int status;
+  std::string output;  ///< Both streams.
+};
+
+/// Runs zirkinfo, in a folder for the tests' files. `prefix` sets the environment.
+Result Zirkinfo(const std::string& arguments, const std::string& prefix = "") {
+  const std::filesystem::path folder = testing::TempDir() + "zirkinfo_test";
+  std::filesystem::create_directories(folder);
+  support::UseOffscreenOpenGl();
+  setenv("ZIRK_FB_DEVICE", "/nonexistent", 1);
+  setenv("FONTS", ZIRK_TEST_FONTS, 1);
+  const std::string command =
+      "cd " + folder.string() + " && (" + prefix + " " ZIRKINFO " " + arguments + ") 2>&1";
+  FILE* const pipe = popen(command.c_str(), "r");
+  Result result{-1, ""};
+  char part[4096];
+  for (size_t n; pipe && (n = fread(part, 1, sizeof part, pipe)) > 0;)
+    result.output.append(part, n);
+  const int status = pipe ? pclose(pipe) : -1;
+  if (WIFEXITED(status)) result.status = WEXITSTATUS(status);
+  return result;
+}
+
+struct Case {
+  const char* arguments;
+  int status;
+  const char* pattern;  ///< Somewhere in the output.
+  const char* prefix = "";
+};
+
+const Case kCases[] = {
+    {"--version", 0, "^zirkinfo " ZIRK_VERSION "\n$"},
+    {"--help", 0, "Exit status: 0"},
+    {"--help >/dev/full", 1, "standard output: No space left"},
+
+    // What is wrong is said in one line.
+    {"--bogus", 2, "^zirkinfo: wrong option --bogus; [^\n]*\n$"},
+    {"bogus", 2, "^zirkinfo: unknown command 'bogus'; [^\n]*\n$"},
+    {"font", 2, "^zirkinfo: 'font' needs more operands; [^\n]*\n$"},
+    {"font --size", 2, "^zirkinfo: --size needs an argument; [^\n]*\n$"},
+    {"font --size 1.5 f", 2, "^zirkinfo: --size 1.5 is out of range; [^\n]*\n$"},
+    {"card --size 3 f.png", 2, "^zirkinfo: 'card' has no option --size; [^\n]*\n$"},
+    {"card", 2, "^zirkinfo: 'card' needs a file to write, or --screen; [^\n]*\n$"},
+    {"card a.png b.png", 2, "^zirkinfo: unexpected 'b.png'; [^\n]*\n$"},
+    {"card --hold 1 a.png", 2, "^zirkinfo: --hold goes with --screen; [^\n]*\n$"},
+    {"card --no-text --font f a.png", 2, "^zirkinfo: either --font or --no-text; [^\n]*\n$"},
+    {"compare FB", 2, "^zirkinfo: 'compare' needs more operands; [^\n]*\n$"},
+    {"backends fb", 1, "^zirkinfo: no backend is called 'fb'\n$"},
+    {"font nothing.ttf", 1, "^zirkinfo: nothing.ttf: face 0 cannot be opened\n$"},
+    {"font $FONTS/README.md", 1, "^zirkinfo: .*README.md: face 0 cannot be opened\n$"},
+    {"card --backend bogus a.png", 1, "^zirkinfo: bogus: does not open here\n$"},
+    {"card --backend FB --no-text no/a.png", 1, "^no/a.png: No such file or directory\n$"},
+    {"card --backend FB --font no.ttf a.png", 1,
+     "^zirkinfo: no.ttf: cannot be opened as a font\n$"},
+    {"compare --no-text FB no.png", 1, "^no.png: No such file or directory\n$"},
+    {"compare --no-text FB text.png", 1, "^text.png: Not a PNG file\n$",
+     "echo no picture >text.png;"},
+
+    {"backends FB Stub", 0,
+     "^version: " ZIRK_VERSION "\ndefault: Stub\n\nbackend: FB\nfile: libZIRKImplFB.so\n"
+     "installed: yes\npath: /[^\n]*/libZIRKImplFB.so\nhas-backend: (yes|no)\n"
+     "supported-backend: (yes|no)\nfeatures: 0x0\ndetails: 0x0\nopens: yes\ntype: 5\n"
+     "largest-texture: [1-9][0-9]*\nmemory-available: [1-9][0-9]*\nmemory-total: [1-9][0-9]*\n\n"
+     "backend: Stub\n.*type: 4\n",
+     "ZIRK_STUB=1"},
+    {"", 0, "default: FB\n.*\ncompositor: GLCompositor\n", "ZIRK_DEFAULT_GFX_BACKEND=FB"},
+    {"--verbose backends FB", 0, "Invoking the constructor for implementation FB"},
+
+    {"font --size 20 $FONTS/collection.ttc", 0,
+     "^file: .*/collection.ttc\nface: 0\nfamily: ZIRK Test One\nstyle: Regular\nformat: outlines\n"
+     "kerning: yes\nglyphs: 3\ncharacters: 2\nsize: 20\nline-height: 25\nascender: 19\n"
+     "descender: -5\nmax-advance: 14\nunderline-position: 0\nunderline-thickness: 1\n\n"
+     "file: .*\nface: 1\nfamily: ZIRK Test Two\n"},
+    {"font --size 10 --characters $FONTS/bitmap.bdf", 0,
+     "format: bitmaps\nkerning: no\nglyphs: [45]\nrange: U\\+0020 U\\+0020\n"
+     "range: U\\+0041 U\\+0042\nrange: U\\+00E9 U\\+00E9\ncharacters: 4\n"},
+
+    {"card a.png", 0, "^$", "ZIRK_DEFAULT_GFX_BACKEND=FB"},
+    {"compare --font $FONTS/sans.ttf --worst 0 FB FB", 0, "^worst: 0.0\nmean: 0.0000\n"},
+    {"compare --no-text --worst 0 --screen FB FB", 0, "\npanel: text-effects 0.0 0.0000\n$"},
+    {"compare --font $FONTS/sans.ttf --worst 2 FB Stub", 3, "^worst: 25[45]"},
+    {"compare --no-text --mean 1 FB Stub", 3, "\npanel: colours 25[45]"},
+    {"compare --no-text --output no/a.png FB FB", 1, "^no/a.png: No such file or directory\n"},
+};
+
+TEST(ZirkinfoProgram, AnswersAsItsManualSays) {
+  for (const Case& c : kCases) {
+    const Result result = Zirkinfo(c.arguments, c.prefix);
+    EXPECT_EQ(result.status, c.status) << c.arguments;
+    EXPECT_THAT(result.output, ContainsRegex(c.pattern)) << c.arguments;
+  }
+}
+
+/// On a screen, which not all of them draw as they draw a bitmap.
+TEST(ZirkinfoProgram, DrawsOneCardByAllBackends) {
+  const bool isGlRequired = std::getenv("ZIRK_TEST_REQUIRE_GL") != nullptr;
+  for (const std::string backend : {"OpenGLES2", "Hybrid", "DirectFB"}) {
+    const Result result =
+        Zirkinfo("compare --screen --font $FONTS/sans.ttf --worst 2 --mean 0.05 FB " + backend,
+                 "DFBARGS=system=dummy");
+    const bool mayBeMissing = backend != "OpenGLES2" || !isGlRequired;
+    if (result.status == 1 && mayBeMissing) continue;
+    EXPECT_EQ(result.status, 0) << backend << '\n' << result.output;
+  }
+}
+
+TEST(ZirkinfoProgram, DrawsTextOnlyWithAFont) {
+  ASSERT_EQ(Zirkinfo("card --backend FB --no-text without.png").status, 0);
+  ASSERT_EQ(Zirkinfo("card --backend FB --font $FONTS/sans.ttf with.png").status, 0);
+  const Result result = Zirkinfo("compare --worst 0 --output difference.png with.png without.png");
+  EXPECT_EQ(result.status, 3);
+  EXPECT_THAT(result.output, ContainsRegex("panel: text-sizes [1-9]"));
+  const auto difference =
+      examples::ReadPng((testing::TempDir() + "zirkinfo_test/difference.png").c_str());
+  ASSERT_TRUE(difference);
+  EXPECT_EQ(difference->width, 640);
+}
+
+}  // namespace
+}  // namespace ZIRK

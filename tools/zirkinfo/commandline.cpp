@@ -1,0 +1,202 @@
+#include "commandline.h"
+
+#include <getopt.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace ZIRK::zirkinfo {
+
+namespace {
+
+constexpr char kHelp[] =
+    R"(usage: zirkinfo [--verbose] [backends [NAME...]]
+       zirkinfo font [--size PIXELS] [--characters] FILE...
+       zirkinfo card [--backend NAME] [--screen] [--hold SECONDS]
+                     [--font FILE | --no-text] [FILE.png]
+       zirkinfo compare [--worst STEPS] [--mean STEPS] [--output FILE.png] [--screen]
+                        [--font FILE | --no-text] A B
+
+backends   says which backends are installed, which of them open here, and what
+           those say of themselves
+font       says which faces a font file holds, and their measures at a size
+card       draws the test card by a backend, the default one unless named, and
+           writes it to a file
+compare    says how far two test cards, or two pictures, are apart: A and B are
+           names of backends or of PNG files
+
+  --backend NAME     the backend that draws the card
+  --screen           draw on a screen instead of a bitmap
+  --hold SECONDS     show the screen for so long
+  --font FILE        the font of the card's text
+  --no-text          draw the card without text
+  --size PIXELS      size of the font, 16 unless given
+  --characters       list the characters that a face has
+  --worst STEPS      largest difference of a channel, of 255, that is let pass
+  --mean STEPS       mean difference that is let pass
+  --output FILE.png  write the difference, eight times as strong
+  --verbose          let the library's log lines through
+  --help, --version
+
+Exit status: 0 if all went well, 1 if something asked for could not be done,
+2 if the command line is wrong, 3 if pictures differ by more than is let pass.
+)";
+
+enum OptionCode {
+  kBackend = 1,
+  kScreen,
+  kHold,
+  kFont,
+  kNoText,
+  kSize,
+  kCharacters,
+  kWorst,
+  kMean,
+  kOutput,
+  kVerbose,
+  kHelpOption,
+  kVersion,
+};
+
+constexpr option kOptions[] = {
+    {"backend", required_argument, nullptr, kBackend},
+    {"screen", no_argument, nullptr, kScreen},
+    {"hold", required_argument, nullptr, kHold},
+    {"font", required_argument, nullptr, kFont},
+    {"no-text", no_argument, nullptr, kNoText},
+    {"size", required_argument, nullptr, kSize},
+    {"characters", no_argument, nullptr, kCharacters},
+    {"worst", required_argument, nullptr, kWorst},
+    {"mean", required_argument, nullptr, kMean},
+    {"output", required_argument, nullptr, kOutput},
+    {"verbose", no_argument, nullptr, kVerbose},
+    {"help", no_argument, nullptr, kHelpOption},
+    {"version", no_argument, nullptr, kVersion},
+    {},
+};
+
+/// What a command takes: options, and how many operands.
+struct Command {
+  const char* name;
+  std::vector<int> options;
+  size_t fewest, most;
+};
+
+constexpr size_t kAny = 1'000'000;
+
+const Command* FindCommand(const std::string& name) {
+  static const Command kCommands[] = {
+      {"backends", {}, 0, kAny},
+      {"font", {kSize, kCharacters}, 1, kAny},
+      {"card", {kBackend, kScreen, kHold, kFont, kNoText}, 0, 1},
+      {"compare", {kScreen, kFont, kNoText, kWorst, kMean, kOutput}, 2, 2},
+  };
+  for (const Command& command : kCommands)
+    if (name == command.name) return &command;
+  return nullptr;
+}
+
+/// Says what is wrong and gives the program's status.
+template <typename... Values>
+int Wrong(const char* format, Values... values) {
+  std::fputs("zirkinfo: ", stderr);
+  std::fprintf(stderr, format, values...);
+  std::fputs("; see zirkinfo --help\n", stderr);
+  return kWrongUsage;
+}
+
+bool ReadNumber(const char* text, double least, double most, double& number) {
+  char* end = nullptr;
+  number = std::strtod(text, &end);
+  return end != text && *end == '\0' && number >= least && number <= most;
+}
+
+bool ReadWholeNumber(const char* text, int least, int most, int& number) {
+  double value = 0;
+  if (!ReadNumber(text, least, most, value)) return false;
+  number = static_cast<int>(value);
+  return number == value;
+}
+
+/// False if the option's argument is no number in its range.
+bool TakeOption(int code, const char* argument, CommandLine& line) {
+  switch (code) {
+    case kBackend:
+      line.backend = argument;
+      return true;
+    case kFont:
+      line.fontFile = argument;
+      return true;
+    case kOutput:
+      line.output = argument;
+      return true;
+    case kScreen:
+      line.isOnScreen = true;
+      return true;
+    case kNoText:
+      line.hasText = false;
+      return true;
+    case kCharacters:
+      line.listsCharacters = true;
+      return true;
+    case kVerbose:
+      line.isVerbose = true;
+      return true;
+    case kHold:
+      return ReadWholeNumber(argument, 0, 86400, line.hold);
+    case kSize:
+      return ReadWholeNumber(argument, 1, 1000, line.size);
+    case kWorst:
+      return ReadNumber(argument, 0, 255, line.worst);
+    case kMean:
+      return ReadNumber(argument, 0, 255, line.mean);
+  }
+  return true;
+}
+
+const char* NameOf(int code) {
+  for (const option& o : kOptions)
+    if (o.val == code) return o.name;
+  return "";
+}
+
+/// Whether the options and operands go with the command; else the status.
+int Check(const CommandLine& line, const std::vector<int>& used) {
+  const Command* const command = FindCommand(line.command);
+  if (!command) return Wrong("unknown command '%s'", line.command.c_str());
+  for (const int code : used) {
+    bool isKnown = code == kVerbose;
+    for (const int known : command->options) isKnown = isKnown || known == code;
+    if (!isKnown) return Wrong("'%s' has no option --%s", command->name, NameOf(code));
+  }
+  if (line.operands.size() < command->fewest)
+    return Wrong("'%s' needs more operands", command->name);
+  if (line.operands.size() > command->most)
+    return Wrong("unexpected '%s'", line.operands[command->most].c_str());
+  if (!line.hasText && !line.fontFile.empty()) return Wrong("either --font or --no-text");
+  if (line.hold > 0 && !line.isOnScreen) return Wrong("--hold goes with --screen");
+  return kDone;
+}
+
+}  // namespace
+
+bool ParseCommandLine(int argc, char** argv, CommandLine& line, int& status) {
+  opterr = 0;
+  std::vector<int> used;
+  for (int code; (code = getopt_long(argc, argv, ":", kOptions, nullptr)) != -1;) {
+    status = kDone;
+    if (code == kHelpOption) return std::fputs(kHelp, stdout), false;
+    if (code == kVersion) return std::puts("zirkinfo " ZIRK_VERSION), false;
+    if (code == ':') return status = Wrong("%s needs an argument", argv[optind - 1]), false;
+    if (code == '?') return status = Wrong("wrong option %s", argv[optind - 1]), false;
+    if (!TakeOption(code, optarg, line))
+      return status = Wrong("--%s %s is out of range", NameOf(code), optarg), false;
+    used.push_back(code);
+  }
+  if (optind < argc) line.command = argv[optind++];
+  line.operands.assign(argv + optind, argv + argc);
+  status = Check(line, used);
+  return status == kDone;
+}
+
+}  // namespace ZIRK::zirkinfo

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace ZIRK::zirkinfo {
+
+enum ExitStatus {
+  kDone = 0,
+  kFailed = 1,      ///< Something asked for could not be done.
+  kWrongUsage = 2,  ///< The command line is wrong.
+  kDiffers = 3,     ///< The pictures are farther apart than was allowed.
+};
+
+struct CommandLine {
+  std::string command = "backends";
+  std::vector<std::string> operands;
+
+  std::string backend;   ///< Empty for the default one.
+  std::string fontFile;  ///< Empty for one of the machine.
+  std::string output;
+  int size = 16;
+  int hold = 0;
+  double worst = 255, mean = 255;
+  bool listsCharacters = false;
+  bool isOnScreen = false;
+  bool hasText = true;
+  bool isVerbose = false;
+};
+
+/// Reads the arguments. False if that is all that is to be done: `status` is then the program's,
+/// and help, the version or what is wrong has been printed.
+bool ParseCommandLine(int argc, char** argv, CommandLine& line, int& status);
+
+}  // namespace ZIRK::zirkinfo

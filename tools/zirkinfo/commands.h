@@ -1,0 +1,13 @@
+#pragma once
+
+#include "commandline.h"
+
+namespace ZIRK::zirkinfo {
+
+/// Each carries out one command and gives the program's status.
+int ShowBackends(const CommandLine& line);
+int ShowFonts(const CommandLine& line);
+int WriteCard(const CommandLine& line);
+int CompareCards(const CommandLine& line);
+
+}  // namespace ZIRK::zirkinfo

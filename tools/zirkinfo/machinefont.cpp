@@ -1,0 +1,46 @@
+#include "machinefont.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <iterator>
+#include <vector>
+
+namespace ZIRK::zirkinfo {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kFolders[] = {"/usr/share/fonts", "/usr/local/share/fonts"};
+constexpr const char* kPreferred[] = {"DejaVuSans.ttf", "LiberationSans-Regular.ttf",
+                                      "NotoSans-Regular.ttf", "FreeSans.ttf", "Roboto-Regular.ttf"};
+
+bool IsOutlineFont(const fs::path& path) {
+  return path.extension() == ".ttf" || path.extension() == ".otf";
+}
+
+void CollectFonts(const char* folder, std::vector<fs::path>& fonts) {
+  std::error_code error;
+  constexpr auto kOptions = fs::directory_options::skip_permission_denied;
+  fs::recursive_directory_iterator file(folder, kOptions, error);
+  for (; !error && file != fs::recursive_directory_iterator(); file.increment(error))
+    if (IsOutlineFont(file->path())) fonts.push_back(file->path());
+}
+
+}  // namespace
+
+std::string FindMachineFont() {
+  std::vector<fs::path> fonts;
+  for (const char* const folder : kFolders) CollectFonts(folder, fonts);
+  if (fonts.empty()) return "";
+  std::sort(fonts.begin(), fonts.end());
+  for (const char* const name : kPreferred) {
+    const auto found = std::find_if(fonts.begin(), fonts.end(), [name](const fs::path& font) {
+      return font.filename() == name;
+    });
+    if (found != fonts.end()) return *found;
+  }
+  return fonts.front();
+}
+
+}  // namespace ZIRK::zirkinfo

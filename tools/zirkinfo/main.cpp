@@ -1,0 +1,43 @@
+// What is installed of ZIRK, what works here, and what it looks like.
+
+#include <zirk/vusyslog.h>
+
+#include <cstdio>
+#include <exception>
+
+#include "commands.h"
+
+namespace {
+
+using namespace ZIRK::zirkinfo;
+
+int RunCommand(const CommandLine& line) {
+  if (line.command == "font") return ShowFonts(line);
+  if (line.command == "card") return WriteCard(line);
+  if (line.command == "compare") return CompareCards(line);
+  return ShowBackends(line);
+}
+
+int Run(int argc, char** argv) {
+  CommandLine line;
+  int status = kDone;
+  if (!ParseCommandLine(argc, argv, line, status)) return status;
+  // Asking is no error: without --verbose nothing goes to the kernel's log either.
+  ZIRK::LogLevel = line.isVerbose ? 6 : 0;
+  ZIRK::LogInterval = 0;
+  return RunCommand(line);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  int status = kFailed;
+  try {
+    status = Run(argc, argv);
+  } catch (const std::exception& problem) {
+    std::fprintf(stderr, "zirkinfo: %s\n", problem.what());
+  }
+  if (std::fflush(stdout) == 0) return status;
+  std::perror("zirkinfo: standard output");
+  return kFailed;
+}
