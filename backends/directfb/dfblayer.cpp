@@ -54,6 +54,7 @@ std::unique_ptr<DirectFbLayer> DirectFbLayer::Open(IDirectFB& directFb,
 
 DirectFbLayer::~DirectFbLayer() {
   const std::lock_guard turn(DirectFbTurn());
+  if (HasDirectFbEnded()) return;
   layer_->SetCooperativeLevel(layer_, DLSCL_SHARED);
   layer_->Release(layer_);
   inUse &= ~bit_;

@@ -74,6 +74,7 @@ bool DirectFbRenderer::Begin() {
 
 /// Takes over what has been set on the surface. Whether DirectFB may draw on it as it is.
 bool DirectFbRenderer::Refresh() {
+  if (HasDirectFbEnded()) return false;
   if (revision_ != state_.revision) {
     revision_ = state_.revision;
     blend_ = FindBlend(state_);
@@ -86,7 +87,7 @@ bool DirectFbRenderer::Refresh() {
 
 /// For what goes beyond the clipping rectangle. Whether DirectFB may draw on the surface as it is.
 bool DirectFbRenderer::SetWholeClip() {
-  if (holders_ > 0) return false;
+  if (holders_ > 0 || HasDirectFbEnded()) return false;
   revision_ = state_.revision - 1;
   return surface_->SetClip(surface_.get(), nullptr) == DFB_OK;
 }
@@ -98,6 +99,7 @@ void DirectFbRenderer::SetColor(uint32_t color) {
 
 /// Has the pixels locked; an error line if that fails.
 bool DirectFbRenderer::Reach() {
+  if (HasDirectFbEnded()) return false;
   if (holders_ == 0) {
     void* pixels = nullptr;
     int pitch = 0;
@@ -111,7 +113,7 @@ bool DirectFbRenderer::Reach() {
 }
 
 void DirectFbRenderer::LetGo() {
-  if (--holders_ == 0) surface_->Unlock(surface_.get());
+  if (--holders_ == 0 && !HasDirectFbEnded()) surface_->Unlock(surface_.get());
 }
 
 // --- By DirectFB --------------------------------------------------------------------------------
@@ -288,13 +290,21 @@ struct DirectFbRenderer::GlyphPlace {
   VuColor color;
   const Mask* mask;
   std::optional<Placement> line;  ///< What the mask lies over, if there is one.
+  bool unscaled;                  ///< And upright, moved by `move`, without a mask.
+  VuPoint move;
 };
 
 void DirectFbRenderer::DrawText(const TextArguments& text, VuColor color, const MatrixF& m,
                                 const Mask* mask) {
   AtlasLine line(*atlases_, text);
   if (!line) return;
-  const GlyphPlace place = {m, color, mask, mask ? line.Place(m) : std::nullopt};
+  const std::optional<VuPoint> move = mask ? std::nullopt : WholePixelMove(m);
+  const GlyphPlace place = {m,
+                            color,
+                            mask,
+                            mask ? line.Place(m) : std::nullopt,
+                            move.has_value(),
+                            move.value_or(VuPoint{0, 0})};
   if (mask && !place.line) return;
   for (TextLayout::Glyph glyph; line.Next(glyph);) DrawGlyph(glyph, place);
 }
@@ -303,11 +313,11 @@ void DirectFbRenderer::DrawGlyph(const TextLayout::Glyph& glyph, const GlyphPlac
   // Atlases are made of bitmaps.
   const Operand atlas = {&static_cast<DirectFbBitmap*>(glyph.atlas)->Drawing(), nullptr,
                          VuScaleMode::Bilinear};
-  const std::optional<VuPoint> move = place.mask ? std::nullopt : WholePixelMove(place.matrix);
   const std::lock_guard turn(DirectFbTurn());
-  if (move && IsNear(glyph.destination)) {
+  if (place.unscaled && IsNear(glyph.destination)) {
     const Box to = ToBox(glyph.destination);
-    const Box box = {to.x0 + move->x, to.y0 + move->y, to.x1 + move->x, to.y1 + move->y};
+    const VuPoint move = place.move;
+    const Box box = {to.x0 + move.x, to.y0 + move.y, to.x1 + move.x, to.y1 + move.y};
     if (Blit(*atlas.surface, glyph.source, box, Premultiply(place.color))) return;
   }
   Paint(&atlas, place.mask, [&](const backends::Operand& operand, Painter::MaskArgument* through) {
@@ -376,6 +386,7 @@ bool DirectFbRenderer::Unlock(bool written) {
 
 void DirectFbRenderer::Flip() {
   const std::lock_guard turn(DirectFbTurn());
+  if (HasDirectFbEnded()) return;
   if (holders_ > 0) {
     ZIRK_LOG_ERROR("the screen is locked, and not shown");
     return;

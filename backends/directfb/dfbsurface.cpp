@@ -31,7 +31,7 @@ std::optional<VuPixelFormat> FromDirectFb(DFBSurfacePixelFormat format) {
 
 void ReleaseSurface::operator()(IDirectFBSurface* surface) const {
   const std::lock_guard turn(DirectFbTurn());
-  surface->Release(surface);
+  if (!HasDirectFbEnded()) surface->Release(surface);
 }
 
 DirectFbSurfacePtr CreateDirectFbSurface(IDirectFB& directFb, int width, int height,

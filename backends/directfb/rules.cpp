@@ -78,9 +78,10 @@ std::optional<BlitRule> FindBlit(const DirectFbBlend& blend, VuPixelFormat from,
   if (tinted) flags |= DSBLIT_COLORIZE;
   if (!IsOpaque(color)) flags |= DSBLIT_BLEND_COLORALPHA;
   if (coverage && to != Format::A8) flags |= DSBLIT_SRC_PREMULTIPLY;
-  // A shortcut of the software renderer's to 16 bits is wrong; like this it is not taken.
-  if (coverage && (to == Format::RGB565 || to == Format::ARGB1555))
-    flags |= DSBLIT_BLEND_COLORALPHA;
+  // Shortcuts of the software renderer's are wrong: over, where colours exceed their alpha, and
+  // coverage to 16 bits. Like this they are not taken.
+  const bool to16 = to == Format::RGB565 || to == Format::ARGB1555;
+  if (effective.IsOver() || (coverage && to16)) flags |= DSBLIT_BLEND_COLORALPHA;
   return BlitRule{static_cast<DFBSurfaceBlittingFlags>(flags), effective};
 }
 

@@ -17,6 +17,7 @@ std::mutex turn;
 static_assert(std::is_trivially_destructible_v<std::mutex>);
 
 IDirectFB* running = nullptr;
+bool ended = false;
 
 /// Whether `DFBARGS` sets `option`, one way or the other.
 bool UserSets(std::string_view option) {
@@ -31,6 +32,10 @@ bool UserSets(std::string_view option) {
 }
 
 }  // namespace
+
+bool HasDirectFbEnded() {
+  return ended;
+}
 
 std::mutex& DirectFbTurn() {
   return turn;
@@ -65,7 +70,14 @@ IDirectFB* StartDirectFb() {
   if (running) return running;
   DFBResult result = TryToStartDirectFb(UserSets("quiet"));
   if (result == DFB_OK) result = CreateDirectFb(&running);
-  if (result == DFB_OK) return running;
+  if (result == DFB_OK) {
+    // Comes before the end of whatever has been set up until now.
+    std::atexit([] {
+      const std::lock_guard last(turn);
+      ended = true;
+    });
+    return running;
+  }
   running = nullptr;
   ZIRK_LOG_ERROR("DirectFB cannot be started: %s",
                  result == DFB_DEAD ? "it breaks off" : DirectFBErrorString(result));
@@ -74,7 +86,7 @@ IDirectFB* StartDirectFb() {
 
 void WaitForDirectFb() {
   const std::lock_guard lock(turn);
-  if (running) running->WaitIdle(running);
+  if (running && !ended) running->WaitIdle(running);
 }
 
 }  // namespace ZIRK::backends

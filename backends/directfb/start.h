@@ -13,6 +13,11 @@ namespace ZIRK::backends {
 /// a thread of its own that goes on with what has been freed.
 IDirectFB* StartDirectFb();
 
+/// Whether the process is about to end, and DirectFB's own static objects are gone or going. An
+/// application's may be left, and their surfaces; these draw nothing any more. For who has the
+/// turn.
+bool HasDirectFbEnded();
+
 /// Waits until all drawing is done.
 void WaitForDirectFb();
 

@@ -26,6 +26,7 @@ struct Run {
   std::string text;
 };
 
+//! [column]
 /// Sets words one after the other, and goes to the next line where one does not fit.
 class Column {
  public:
@@ -54,6 +55,7 @@ class Column {
   const int lineHeight_;
   VuPoint pen_;
 };
+//! [column]
 
 /// The outline first, as wide around the letters as inside them, and the letters on top of it: both
 /// stand on the same pen position.

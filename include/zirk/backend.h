@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// Everything that a plug-in needs: the application's headers, the abstract interfaces that it
 /// implements, and the library's services for backends.
 ///

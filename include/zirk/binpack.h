@@ -9,20 +9,22 @@ namespace ZIRK {
 
 /// A free or placed rectangle. A result whose height is 0 says that nothing was placed.
 struct BinRect {
-  int32_t x;
-  int32_t y;
-  int32_t width;
-  int32_t height;
+  int32_t x;       ///< Column of the left edge, in pixels from that of the bin.
+  int32_t y;       ///< Row of the top edge, in pixels from that of the bin.
+  int32_t width;   ///< Pixels.
+  int32_t height;  ///< Pixels.
 };
 
+/// The extent of a rectangle that is to be placed, or of a bin.
 struct BinSize {
-  int32_t width;
-  int32_t height;
+  int32_t width;   ///< Pixels.
+  int32_t height;  ///< Pixels.
 };
 
 /// Places rectangles into a bin, in pixels. Not thread-safe. The order of the operations is fixed.
 class ZIRK_API BinPack {
  public:
+  /// An empty bin of that size.
   BinPack(int width, int height) : binWidth(width), binHeight(height) {}
   virtual ~BinPack();  // slots 1 and 2
   BinPack(const BinPack&) = delete;
@@ -39,8 +41,8 @@ class ZIRK_API BinPack {
   virtual void Resize(int width, int height) = 0;
 
  protected:
-  int32_t binWidth;
-  int32_t binHeight;
+  int32_t binWidth;   ///< Pixels.
+  int32_t binHeight;  ///< Pixels.
 };
 
 }  // namespace ZIRK

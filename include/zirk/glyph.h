@@ -13,12 +13,12 @@ namespace ZIRK {
 /// it is deleted. What identifies a glyph, and its advance, never change once it is handed out; the
 /// rest does when it is rendered or placed anew (see VuFontAtlas).
 struct Glyph {
-  FT_Face face;       ///< The font's main face, or its fallback face.
-  uint32_t charcode;  ///< The code point that was asked for first.
-  uint32_t index;     ///< In `face`; 0 is its shape for what is missing.
-  int32_t left;       ///< From the pen position to the bitmap's first column.
-  int32_t x;          ///< Column and row of the bitmap in the atlas.
-  int32_t y;
+  FT_Face face;              ///< The font's main face, or its fallback face.
+  uint32_t charcode;         ///< The code point that was asked for first.
+  uint32_t index;            ///< In `face`; 0 is its shape for what is missing.
+  int32_t left;              ///< From the pen position to the bitmap's first column.
+  int32_t x;                 ///< Column of the bitmap in the atlas.
+  int32_t y;                 ///< Row of the bitmap in the atlas.
   int32_t width;             ///< Of the bitmap.
   int32_t advance;           ///< Of the pen, in whole pixels.
   int32_t height;            ///< Of the bitmap.
@@ -26,9 +26,9 @@ struct Glyph {
   int32_t outlineType;       ///< A VuFont::OutlineType.
   int32_t outlineThickness;  ///< Radius of the stroke in 1/64 pixel.
 
-  // Texture coordinates, v = 1 being the atlas's first row. They are fractions of the atlas's size
-  // at the time when the glyph was placed, and are not touched when it grows: with `x`, `y`,
-  // `width` and `height`, which always hold, and its present size a backend does without them.
+  /// Texture coordinates, v = 1 being the atlas's first row. They are fractions of the atlas's size
+  /// at the time when the glyph was placed, and are not touched when it grows: with `x`, `y`,
+  /// `width` and `height`, which always hold, and its present size a backend does without them.
   float u0;
   float v0;
   float u1;

@@ -12,8 +12,8 @@ namespace ZIRK {
 
 /// What a backend says of itself before it is opened.
 struct GraphicsFeatureInfo {
-  uint32_t features;
-  uint32_t details;
+  uint32_t features;  ///< What VuGraphics::GetSupportedFeatures() returns: 1 by OpenGL ES, else 0.
+  uint32_t details;   ///< What VuGraphics::GetFeatureDetails() stores.
 };
 
 /// One backend's plug-in. Destroying the record closes the plug-in.
@@ -23,15 +23,15 @@ struct ZIRK_API GfxImplRecord {
   GfxImplRecord(const GfxImplRecord&) = delete;
   GfxImplRecord& operator=(const GfxImplRecord&) = delete;
 
-  std::string dso;            ///< File name, without directory.
-  std::string createSymbol;   ///< Entry point `void* (bool)`.
-  std::string destroySymbol;  ///< Entry point `void (void*)`.
-  GraphicsFeatureInfo featureInfo{0, 0};
-  bool libraryFound = false;  ///< The file lies under /lib or /usr/lib.
-  void* handle = nullptr;     ///< From dlopen; null while the plug-in is not open.
-  void* (*createFn)(bool) = nullptr;
-  void (*destroyFn)(void*) = nullptr;
-  bool loaded = false;  ///< Open, with both entry points resolved.
+  std::string dso;                        ///< File name, without directory.
+  std::string createSymbol;               ///< Entry point `void* (bool)`.
+  std::string destroySymbol;              ///< Entry point `void (void*)`.
+  GraphicsFeatureInfo featureInfo{0, 0};  ///< As it was entered.
+  bool libraryFound = false;              ///< The file lies under /lib or /usr/lib.
+  void* handle = nullptr;                 ///< From dlopen; null while the plug-in is not open.
+  void* (*createFn)(bool) = nullptr;      ///< Valid while `loaded`.
+  void (*destroyFn)(void*) = nullptr;     ///< Valid while `loaded`.
+  bool loaded = false;                    ///< Open, with both entry points resolved.
 };
 
 /// The one place that knows the plug-ins: a table from backend name (case-sensitive) to file and

@@ -27,6 +27,7 @@ struct LayerDescription {
   int32_t order = 0;
   /// From 0, invisible, to 255; the layer's own alpha is multiplied with it.
   uint8_t opacity = 255;
+  /// Whether the layer is shown at all; VuCompositor::EnableLayer() changes it alone.
   bool enabled = true;
   /// Whether what lies below shows through where the layer is not opaque; else it is replaced.
   bool blended = true;

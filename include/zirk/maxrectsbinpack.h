@@ -13,12 +13,13 @@ class ZIRK_API MaxRectsBinPack : public BinPack {
   /// Values of `rule`: what makes a free rectangle the best one. With any other nothing is placed.
   enum Rule : int32_t {
     BestShortSideFit = 0,  ///< The least left over on the shorter side, then on the longer.
-    BestLongSideFit = 1,
-    BestAreaFit = 2,
-    BottomLeft = 3,    ///< The lowest bottom edge, then the lowest x.
-    ContactPoint = 4,  ///< The longest contact with the bin's edges and with what was placed.
+    BestLongSideFit = 1,   ///< The least left over on the longer side, then on the shorter.
+    BestAreaFit = 2,       ///< The least area left over, then on the shorter side.
+    BottomLeft = 3,        ///< The lowest bottom edge, then the lowest x.
+    ContactPoint = 4,      ///< The longest contact with the bin's edges and with what was placed.
   };
 
+  /// An empty bin of that size, in pixels.
   MaxRectsBinPack(int width, int height);
   ~MaxRectsBinPack() override;
 
@@ -27,6 +28,7 @@ class ZIRK_API MaxRectsBinPack : public BinPack {
   BinSize GetUsedSize() override;
   void Resize(int width, int height) override;
 
+  /// A Rule, which may be changed between two requests.
   int32_t rule = BestShortSideFit;
   /// Whether a request may be turned by 90 degrees; its place then has width and height exchanged.
   bool allowRotation = false;

@@ -49,6 +49,7 @@ class ZIRK_API VuBitmap {
   void Clear();
   void Clear(VuColor color);
 
+  /// Size, format and, while the surface is locked, where its pixels lie.
   VuBitmapInfo GetInfo() const;
   /// Bytes of the pixel storage.
   uint32_t GetSize() const;
@@ -92,6 +93,7 @@ class ZIRK_API VuBitmap {
   void DrawPoint(VuPoint p, float size, VuColor color, VuTMatrix2D<float> m, const VuBitmap& mask,
                  VuTVector2D<float> maskCoord);
 
+  /// A line of one pixel's width, hard-edged, whatever the transform; both ends belong to it.
   void DrawLine(VuPoint from, VuPoint to, VuColor color);
   void DrawLine(VuPoint from, VuPoint to, VuColor color, VuTransform t);
   void DrawLine(VuPoint from, VuPoint to, VuColor color, VuTransform t, const VuBitmap& mask,
@@ -100,6 +102,7 @@ class ZIRK_API VuBitmap {
   void DrawLine(VuPoint from, VuPoint to, VuColor color, VuTMatrix2D<float> m, const VuBitmap& mask,
                 VuTVector2D<float>* maskCoords);
 
+  /// A filled rectangle.
   void DrawRect(VuRect rect, VuColor color);
   void DrawRect(VuRect rect, VuColor color, VuTransform t);
   void DrawRect(VuRect rect, VuColor color, VuTransform t, const VuBitmap& mask,
@@ -164,6 +167,7 @@ class ZIRK_API VuBitmap {
   /// clipping rectangle; what lies outside either surface is left out. `src` may be this bitmap.
   bool CopyPixels(VuPoint dst, const VuBitmap& src, VuRect srcRect);
 
+  /// Whether the backend keeps the surface as a texture of its device.
   bool IsTextureBacked() const;
 
   // --- End of a frame ---------------------------------------------------------------------------

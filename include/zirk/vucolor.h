@@ -10,7 +10,7 @@ namespace ZIRK {
 ///
 /// The library forwards the word without looking at it; backends premultiply it.
 struct VuColor {
-  uint32_t argb;
+  uint32_t argb;  ///< Alpha in the highest 8 bits, then red, green, blue.
 };
 
 /// Opaque white, 0xFFFFFFFF: the colour that leaves a blitted bitmap as it is.

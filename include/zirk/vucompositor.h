@@ -15,6 +15,7 @@ class ZIRK_API VuCompositor {
   /// Creates or drops the compositor. Enabling expects the plug-in to open: the process aborts if
   /// it does not.
   static void Enable(bool enable);
+  /// Whether there is a compositor.
   static bool IsEnabled();
 
   /// Hands `count` layers to the compositor.
@@ -22,7 +23,10 @@ class ZIRK_API VuCompositor {
   /// Fills `layers`, which has room for GetVirtualLayerCount() of them or is null, and sets
   /// `count`; without a compositor only sets `count` to 0.
   static void GetConfiguration(LayerDescription* layers, int& count);
+  /// Shows or hides one layer, by its number, and leaves the rest of its configuration. A layer
+  /// that is not in the configuration stays as it is.
   static void EnableLayer(signed char layer, bool enable);
+  /// How many layers there are; their numbers begin at 0.
   static int GetVirtualLayerCount();
 };
 

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+/// @file
 /// The enumerations of the drawing interface. Each travels as a 32-bit integer and may carry any
 /// value: what a backend does not know it treats as stated here.
 

@@ -20,6 +20,7 @@ class VuFontImpl;
 /// another call.
 class ZIRK_API VuFont {
  public:
+  /// What is drawn of a glyph: its area, or a stroke along its edge.
   enum class OutlineType : int32_t {
     None = 0,     ///< Filled glyphs.
     Stroked = 1,  ///< Both borders of the stroke.
@@ -61,13 +62,21 @@ class ZIRK_API VuFont {
   VuFont(const VuFont&) = delete;
   VuFont& operator=(const VuFont&) = delete;
 
+  /// All four at once, as the functions below give them.
   void GetFontMetrics(int& height, int& ascender, int& descender, int& maxAdvance) const;
-  /// Width of a UTF-8 string set on one line.
+  /// Width of a UTF-8 string set on one line: where the pen stands after it. Null is as wide as an
+  /// empty string, and bytes that are no UTF-8 have no width.
   int GetOneLineWidth(const char* text) const;
+  /// Height of a line's box: ascent, descent, and one pixel more.
   int GetOneLineHeight() const;
+  /// From the top of the line down to the base line.
   int GetAscent() const;
+  /// From the base line to the bottom of the line; negative where that lies below.
   int GetDescent() const;
+  /// The widest advance of any glyph.
   int GetMaxAdvance() const;
+  /// Where an underline goes: `position` is that of its middle from the base line, negative below,
+  /// as the font has it; 0 for both in a font of bitmaps alone.
   void GetUnderlineMetrics(int& position, int& thickness) const;
 
   /// These apply to every glyph drawn afterwards. Thickness is in pixels, kept to 1/64.

@@ -18,6 +18,7 @@ class VuTextureAtlasImpl;
 
 /// A walk along one line of UTF-8 text, from glyph to glyph. See VuFontAtlas::NextGlyph().
 struct TextCursor {
+  /// At the beginning of `text_`, which has to live as long as the walk.
   explicit TextCursor(const char* text_) : text(text_), next(text_) {}
 
   const char* text;                 ///< The whole string. Null is an empty one.
@@ -87,9 +88,13 @@ class ZIRK_API VuFontAtlas : public VuFontImpl {
 
   // For the font's own use.
 
+  /// Opens a face, of a file or of the font file in memory, at a size. Returns 0, or FreeType's
+  /// error after an error line. `*face` is null if it could not be opened; its owner frees it.
   int NewFace(const char* path, int faceIndex, int pixelSize, FT_Face* face);
   int NewFaceFromMemory(int faceIndex, int pixelSize, FT_Face* face);
+  /// Looks a code point up and loads its glyph with the present outline.
   void AddGlyph(unsigned int charcode, bool render) const;
+  /// Reads a glyph's metrics from its face and, with `render`, places its bitmap in the atlas.
   void LoadGlyph(Glyph& glyph, bool render) const;
   /// Marks all glyphs as not in the atlas and empties that.
   void ResetGlyphs() const;

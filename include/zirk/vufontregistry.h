@@ -22,6 +22,7 @@ class ZIRK_API VuFontRegistry {
   /// caller's of GetFont(). It must not call the registry that called it.
   using FontFactory = VuFont* (*)(const char* path, int faceIndex, int pixelSize);
 
+  /// An empty registry, whose fonts are made by VuFont::CreateFontEx().
   VuFontRegistry();
   /// Makes fonts by `factory`; null stands for VuFont::CreateFontEx().
   explicit VuFontRegistry(FontFactory factory);

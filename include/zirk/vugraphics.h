@@ -41,7 +41,9 @@ class ZIRK_API VuGraphics {
   /// Opens "Hybrid" if that is the default backend, otherwise "OpenGLES2".
   static VuGraphics* CreateGL(bool flag);
   static VuGraphics* CreateGL();
+  /// Opens "DirectFB".
   static VuGraphics* CreateDFB();
+  /// Opens "Stub".
   static VuGraphics* CreateStub();
 
   /// Names the backend of Create(); null restores "Hybrid". `ZIRK_DEFAULT_GFX_BACKEND` replaces
@@ -70,6 +72,9 @@ class ZIRK_API VuGraphics {
   VuBitmap* CreateScreen(int width, int height, bool doubleBuffer, int index);
   VuBitmap* CreateScreen(int width, int height, bool doubleBuffer);
 
+  /// An off-screen bitmap, transparent, or black where the format has no alpha. The caller owns it;
+  /// null, with the backend's error line, for a size or format that no surface can have, and where
+  /// memory does not allow it.
   VuBitmap* CreateBitmap(int width, int height, VuPixelFormat format);
 
   /// A bitmap with the picture in a file, at its own size, or at the size that
@@ -93,6 +98,8 @@ class ZIRK_API VuGraphics {
   unsigned BitmapSize(const void* data, unsigned size) const;
   unsigned BitmapSize(const void* data, unsigned size, int width, int height) const;
 
+  /// Memory for bitmaps in the same unit, what is left of it and all; more than 32 bits hold is
+  /// given as the most they hold.
   unsigned AvailableMemory() const;
   unsigned TotalMemory() const;
 
@@ -101,6 +108,7 @@ class ZIRK_API VuGraphics {
 
   /// Pushes pending drawing to the device.
   void Flush();
+  /// Handed to the backend; ours take no notice.
   void SetTerminateOnDestruct(bool terminate);
 
   /// The backend's type code: 1 OpenGLES2, 2 DirectFB, 3 Hybrid, 4 Stub, 5 FB.

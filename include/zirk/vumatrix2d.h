@@ -27,6 +27,7 @@ class ZIRK_API VuTMatrix2D {
   /// The matrix that rotates, then scales, then translates as `t` says.
   VuTMatrix2D(VuTransform t);
 
+  /// Makes this the identity and clears all flags.
   void makeIdentity() {
     m_ = {1, 0, 0, 0, 1, 0, 0, 0, 1};
     flags_ = 0;
@@ -41,6 +42,7 @@ class ZIRK_API VuTMatrix2D {
   void multRight(const VuTMatrix2D& b);
   /// this = b * this: `b` acts before what is already here.
   void multLeft(const VuTMatrix2D& b);
+  /// The product, in which `b` acts after this.
   VuTMatrix2D operator*(const VuTMatrix2D& b) const;
   VuTMatrix2D& operator*=(const VuTMatrix2D& b);
 

@@ -36,6 +36,7 @@ class ZIRK_API VuPerfCounter {
 /// Counts the scope that it stands in.
 class VuScopedCounter {
  public:
+  /// Starts `counter`, which has to live until the end of the scope and is stopped there.
   explicit VuScopedCounter(VuPerfCounter& counter) : counter_(counter) { counter_.Start(); }
   ~VuScopedCounter() { counter_.Stop(); }
   VuScopedCounter(const VuScopedCounter&) = delete;

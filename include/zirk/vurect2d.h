@@ -22,10 +22,12 @@ class VuTMatrix2D;
 template <typename T>
 class ZIRK_API VuTRect2D {
  public:
+  /// Empty.
   constexpr VuTRect2D() = default;
   /// Stores the corners as given, in whatever order.
   constexpr VuTRect2D(const VuTVector2D<T>& min, const VuTVector2D<T>& max)
       : min_(min), max_(max) {}
+  /// By origin and extent.
   constexpr VuTRect2D(T x, T y, T width, T height)
       : min_(x, y), max_(add(x, width), add(y, height)) {}
   /// The far corner is origin plus extent, summed in integers.
@@ -33,15 +35,20 @@ class ZIRK_API VuTRect2D {
       : min_(static_cast<T>(r.x), static_cast<T>(r.y)),
         max_(static_cast<T>(addInt(r.x, r.width)), static_cast<T>(addInt(r.y, r.height))) {}
 
+  /// The corner that has the smaller coordinates in a rectangle that is not empty, and the other
+  /// one. The references live as long as the rectangle.
   constexpr const VuTVector2D<T>& minPoint() const { return min_; }
   constexpr const VuTVector2D<T>& maxPoint() const { return max_; }
+  /// A coordinate of minPoint().
   constexpr T x() const { return min_.x(); }
   constexpr T y() const { return min_.y(); }
   /// Distance of the corners; 0 for an empty rectangle.
   constexpr T width() const { return isEmpty() ? T(0) : sub(max_.x(), min_.x()); }
   constexpr T height() const { return isEmpty() ? T(0) : sub(max_.y(), min_.y()); }
+  /// Whether maxPoint() lies before minPoint() in either axis.
   constexpr bool isEmpty() const { return max_.x() < min_.x() || max_.y() < min_.y(); }
 
+  /// Replaces one corner, or both, without a look at their order.
   constexpr void setMinPoint(const VuTVector2D<T>& v) { min_ = v; }
   constexpr void setMaxPoint(const VuTVector2D<T>& v) { max_ = v; }
   constexpr void set(const VuTVector2D<T>& min, const VuTVector2D<T>& max) {
@@ -61,6 +68,7 @@ class ZIRK_API VuTRect2D {
            min_.y() <= r.min_.y() && r.max_.y() <= max_.y();
   }
 
+  /// Moves both corners.
   constexpr void translateX(T d) {
     min_.setX(add(min_.x(), d));
     max_.setX(add(max_.x(), d));

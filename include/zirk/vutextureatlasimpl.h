@@ -40,7 +40,9 @@ class ZIRK_API VuTextureAtlasImpl {
 
   /// Empty if it could not be made.
   const std::shared_ptr<VuBitmapImpl>& GetBitmap() const { return bitmap_; }
+  /// What makes the bitmaps; it may have gone if there is none.
   VuGraphicsImpl* GetGraphics() const { return graphics_; }
+  /// Size of the bitmap, 0 if there is none.
   int GetWidth() const { return width_; }
   int GetHeight() const { return height_; }
 

@@ -15,6 +15,7 @@ struct ZIRK_API VuTransform {
   /// The identity, (0, 0, 1, 1, 0).
   constexpr VuTransform() = default;
 
+  /// Of five numbers, in the order of the fields. All of them are taken as they are.
   constexpr VuTransform(float translateX_, float translateY_, float scaleX_, float scaleY_,
                         float rotation_)
       : translateX(translateX_),
@@ -29,9 +30,9 @@ struct ZIRK_API VuTransform {
 
   float translateX = 0;  ///< Pixels.
   float translateY = 0;  ///< Pixels.
-  float scaleX = 1;
-  float scaleY = 1;
-  float rotation = 0;  ///< Degrees; positive turns counter-clockwise on the screen (y down).
+  float scaleX = 1;      ///< Factor; a negative one mirrors.
+  float scaleY = 1;      ///< Factor; a negative one mirrors.
+  float rotation = 0;    ///< Degrees; positive turns counter-clockwise on the screen (y down).
 };
 
 }  // namespace ZIRK

@@ -6,11 +6,15 @@ namespace ZIRK {
 template <typename T>
 class VuTVector2D {
  public:
+  /// (0, 0), or as given.
   constexpr VuTVector2D() = default;
   constexpr VuTVector2D(T x, T y) : x_(x), y_(y) {}
 
+  /// A component.
   constexpr T x() const { return x_; }
   constexpr T y() const { return y_; }
+
+  /// Replaces one component, or both.
   constexpr void setX(T x) { x_ = x; }
   constexpr void setY(T y) { y_ = y; }
   constexpr void setValue(T x, T y) {
@@ -18,6 +22,7 @@ class VuTVector2D {
     y_ = y;
   }
 
+  /// Adds `d` to one component.
   constexpr void translateX(T d) { x_ += d; }
   constexpr void translateY(T d) { y_ += d; }
 
@@ -26,6 +31,7 @@ class VuTVector2D {
   constexpr VuTVector2D operator*(float k) const {
     return {static_cast<T>(static_cast<float>(x_) * k), static_cast<T>(static_cast<float>(y_) * k)};
   }
+  /// By components.
   constexpr VuTVector2D operator+(const VuTVector2D& v) const { return {x_ + v.x_, y_ + v.y_}; }
   constexpr VuTVector2D operator-(const VuTVector2D& v) const { return {x_ - v.x_, y_ - v.y_}; }
 

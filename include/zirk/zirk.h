@@ -1,6 +1,10 @@
 #pragma once
 
+/// @file
 /// Everything that an application needs.
+
+/// @namespace ZIRK
+/// All that the library has, apart from the macros of its log.
 
 #include <zirk/layerdescription.h>
 #include <zirk/vubitmap.h>

@@ -38,18 +38,22 @@ class ZIRK_API VuBitmapImpl {
   VuBitmapImpl(const VuBitmapImpl&) = delete;
   VuBitmapImpl& operator=(const VuBitmapImpl&) = delete;
 
-  // 3: never called by the library; its place is kept.
+  /// Slot 3: never called by the library; its place is kept.
   virtual void Reserved() = 0;
 
-  // 4 to 6. Clear() without a colour does nothing unless overridden.
+  /// Slot 4: `name` may be null, which stands for none, and is valid during the call only.
   virtual void SetName(const char* name) = 0;
+  /// Slots 5 and 6. The form without a colour does nothing unless overridden.
   virtual void Clear();
   virtual void Clear(VuColor color) = 0;
 
-  // 7 to 20: state, kept by the surface and read back from it.
+  /// Slots 7 to 9. `pixels` of the information is null unless the surface is locked.
   virtual VuBitmapInfo GetInfo() const = 0;
   virtual uint32_t GetSize() const = 0;
   virtual VuRect GetBounds() const = 0;
+
+  /// Slots 10 to 20: state, kept by the surface and read back from it as it was set, whatever the
+  /// values.
   virtual VuRect GetClippingRect() const = 0;
   virtual void SetClippingRect(VuRect rect) = 0;
   virtual void GetBlendingFunc(VuBlendingFactor& src, VuBlendingFactor& dst) const = 0;
@@ -63,7 +67,9 @@ class ZIRK_API VuBitmapImpl {
   virtual VuScaleMode GetScaleMode() const = 0;
   virtual void SetScaleMode(VuScaleMode mode) = 0;
 
-  // 21 to 29: drawing.
+  /// Slots 21 to 29: drawing. `mask` is null where there is none. Of the coordinates in the mask a
+  /// point has one, a line two and everything else four; null ones lay the mask over the primitive.
+  /// Who counts statistics adds the time spent to draw_time while LogPerf is set.
   virtual void DrawPoint(VuPoint p, float size, VuColor color, VuTransform t, VuBitmapImpl* mask,
                          VuTVector2D<float> maskCoord) = 0;
   virtual void DrawPoint(VuPoint p, float size, VuColor color, VuTMatrix2D<float> m,
@@ -84,7 +90,9 @@ class ZIRK_API VuBitmapImpl {
                           VuTMatrix2D<float> m, VuColor color, VuBitmapImpl* mask,
                           VuTVector2D<float>* maskCoords) = 0;
 
-  // 30, 31: text. `rect` is all zeros where the application gave none; else it clips.
+  /// Slots 30 and 31: one line of UTF-8. `font` is not null, `text` may be; `rect` is all zeros
+  /// where the application gave none, else it clips. A VuFontAtlas gives the glyphs; with a font
+  /// that is none of these nothing is drawn.
   virtual void DrawText(VuFontImpl* font, const char* text, VuPoint pos, VuColor color,
                         VuTransform t, VuBitmapImpl* mask, VuTVector2D<float>* maskCoords,
                         VuRect rect) = 0;
@@ -92,16 +100,22 @@ class ZIRK_API VuBitmapImpl {
                         VuTMatrix2D<float> m, VuBitmapImpl* mask, VuTVector2D<float>* maskCoords,
                         VuRect rect) = 0;
 
-  // 32 to 38: completion and pixels. `n` is bytes per row of `src`; GetPixels writes tight rows.
+  /// Slots 32 and 33: false if the surface is locked already, not locked, or cannot be.
   virtual bool Lock(bool write) = 0;
   virtual bool Unlock() = 0;
+
+  /// Slots 34 and 35: complete all drawing, or submit it without waiting.
   virtual void Finish() = 0;
   virtual void Flush() = 0;
+
+  /// Slots 36 to 38: pixels. `n` is bytes per row of `src`; GetPixels() writes tight rows. False,
+  /// with nothing done, for null pixels and for a rectangle that does not lie inside the surface;
+  /// those of CopyPixels() are cut instead.
   virtual bool GetPixels(VuRect rect, void* dst) = 0;
   virtual bool SetPixels(VuRect rect, const void* src, unsigned int n) = 0;
   virtual bool CopyPixels(VuPoint dst, VuBitmapImpl* src, VuRect srcRect) = 0;
 
-  // 39: true unless overridden.
+  /// Slot 39: true unless overridden.
   virtual bool IsTextureBacked() const;
 
   /// Pixels drawn since the end of the last frame. Only the front end changes it.

@@ -16,7 +16,7 @@ class ZIRK_API VuCompositorImpl {
   VuCompositorImpl(const VuCompositorImpl&) = delete;
   VuCompositorImpl& operator=(const VuCompositorImpl&) = delete;
 
-  // 3 to 6.
+  /// Slots 3 to 6. VuCompositor has their meaning; the configuration is copied during the call.
   virtual void SetConfiguration(const LayerDescription* layers, int count) = 0;
   virtual void GetConfiguration(LayerDescription* layers, int& count) = 0;
   virtual void EnableLayer(signed char layer, bool enable) = 0;

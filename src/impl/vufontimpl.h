@@ -13,7 +13,7 @@ class ZIRK_API VuFontImpl {
   VuFontImpl(const VuFontImpl&) = delete;
   VuFontImpl& operator=(const VuFontImpl&) = delete;
 
-  // 3 to 9: metrics in pixels.
+  /// Slots 3 to 9: metrics in pixels, as VuFont describes them. `text` may be null.
   virtual void GetFontMetrics(int& height, int& ascender, int& descender,
                               int& maxAdvance) const = 0;
   virtual int GetOneLineWidth(const char* text) const = 0;
@@ -23,18 +23,19 @@ class ZIRK_API VuFontImpl {
   virtual int GetMaxAdvance() const = 0;
   virtual void GetUnderlineMetrics(int& position, int& thickness) const = 0;
 
-  // 10 to 12: store what the fields below hold.
+  /// Slots 10 to 12: store what the fields below hold.
   virtual void SetOutlineType(VuFont::OutlineType type);
   virtual void SetOutlineThickness(float thickness);
   virtual void SetFallbackGlyph(unsigned int charcode);
 
-  // 13: null for none.
+  /// Slot 13: the font that is asked for what this one lacks, valid during the call only; null for
+  /// none.
   virtual void SetFallbackFont(const VuFontImpl* font) = 0;
 
  protected:
-  VuFont::OutlineType outlineType_ = VuFont::OutlineType::None;
-  int outlineThickness_ = 0;  ///< 26.6 fixed point.
-  unsigned int fallbackGlyph_ = 0;
+  VuFont::OutlineType outlineType_ = VuFont::OutlineType::None;  ///< Of glyphs asked for next.
+  int outlineThickness_ = 0;                                     ///< In 1/64 pixel.
+  unsigned int fallbackGlyph_ = 0;                               ///< A code point; 0 for none.
 };
 
 }  // namespace ZIRK

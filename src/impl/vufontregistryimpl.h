@@ -14,7 +14,7 @@ class ZIRK_API VuFontRegistryImpl {
   VuFontRegistryImpl(const VuFontRegistryImpl&) = delete;
   VuFontRegistryImpl& operator=(const VuFontRegistryImpl&) = delete;
 
-  // 3 to 5.
+  /// Slots 3 to 5, which VuFontRegistry describes.
   virtual bool Register(const char* path) = 0;
   virtual void Unregister(const char* path) = 0;
   virtual VuFont* GetFont(const char* family, int pixelSize, bool bold, bool italic) = 0;

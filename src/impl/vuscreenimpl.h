@@ -13,7 +13,8 @@ class ZIRK_API VuScreenImpl : public virtual VuBitmapImpl {
   VuScreenImpl() = default;
   ~VuScreenImpl() override;  // slots 1 and 2
 
-  // 3: present the finished frame. Calls ShowFPS() while LogFPS is set.
+  /// Slot 3: present the finished frame. Calls ShowFPS() while LogFPS is set, and adds the time
+  /// spent to swap_time while LogPerf is.
   virtual void SwapBuffers() = 0;
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <zirk/graphicsimplloader.h>
 #include <zirk/vufontatlas.h>
 #include <zirk/zirk.h>
 
@@ -33,12 +34,18 @@ inline bool MayBeMissing(const char* backend) {
   return name == "OpenGLES2" && !std::getenv("ZIRK_TEST_REQUIRE_GL");
 }
 
-/// Null where the backend does not run.
+/// Null where the backend does not run. One that the library does not know is taken by its file.
 inline std::unique_ptr<VuGraphics> Open(const char* backend) {
   support::UseOffscreenOpenGl();
   support::UseOffscreenDirectFb();
+  if (std::string(backend) == "Plain") {
+    const auto loader = GraphicsImplLoader::GetInstance();
+    loader->SetupGfxImpl(backend, "libZIRKImplPlain.so", {0, 0}, false);
+    auto* const impl = static_cast<VuGraphicsImpl*>(loader->CreateImplInstance(backend, false));
+    return impl ? std::make_unique<VuGraphics>(impl) : nullptr;
+  }
   static const std::string driver = std::getenv("SDL_VIDEODRIVER");
-  const bool withoutOpenGl = backend == kBackends[3];
+  const bool withoutOpenGl = std::string(backend) == "HybridWithoutOpenGL";
   setenv("SDL_VIDEODRIVER", withoutOpenGl ? "none" : driver.c_str(), 1);
   return std::unique_ptr<VuGraphics>(VuGraphics::Create(withoutOpenGl ? "Hybrid" : backend, false));
 }

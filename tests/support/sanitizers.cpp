@@ -4,6 +4,7 @@
 
 ZIRK_SANITIZER_HOOK const char* __asan_default_options();
 ZIRK_SANITIZER_HOOK const char* __lsan_default_suppressions();
+ZIRK_SANITIZER_HOOK const char* __tsan_default_suppressions();
 
 /// The address sanitizer guesses where plug-ins keep the storage of threads, and where it guesses
 /// wrong its search for leaks crashes.
@@ -17,4 +18,13 @@ const char* __asan_default_options() {
 const char* __lsan_default_suppressions() {
   return "leak:_dri.so\nleak:libEGL\nleak:libGL\nleak:libLLVM\nleak:libgallium\nleak:libSDL2\n"
          "leak:libdirectfb-1.7\nleak:direct_thread_self\n";
+}
+
+/// DirectFB takes its own locks in changing order, and destroys them while they are held. We call
+/// it from one thread at a time, which is still looked at.
+const char* __tsan_default_suppressions() {
+  return "called_from_lib:libdirect-1.7.so\n"
+         "called_from_lib:libdirectfb-1.7.so\n"
+         "called_from_lib:libdirectfb_dummy.so\n"
+         "called_from_lib:libfusion-1.7.so\n";
 }

@@ -7,6 +7,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <memory>
+#include <utility>
 
 #include "backends/common/oneerror.h"
 
@@ -15,6 +16,9 @@ namespace {
 
 using GraphicsPtr = std::unique_ptr<VuGraphics>;
 using BitmapPtr = std::unique_ptr<VuBitmap>;
+
+/// Goes when DirectFB's own static objects have gone.
+BitmapPtr leftAlive[2];
 
 constexpr char kArgs[] = "system=dummy,mode=800x600";
 constexpr uint32_t kRed = 0xFFE04030, kGreen = 0xFF30C060;
@@ -131,8 +135,8 @@ TEST_F(DirectFb, LockedSurfacesAreDrawnOnAndReadAsEver) {
 
 TEST_F(DirectFb, SurfacesOutliveTheirContextAndAreReadByAnother) {
   GraphicsPtr other = Open();
-  const BitmapPtr screen = Screen(0, true);
-  const BitmapPtr orphan(graphics_->CreateBitmap(8, 8, VuPixelFormat::ARGB8888));
+  BitmapPtr screen = Screen(0, true);
+  BitmapPtr orphan(graphics_->CreateBitmap(8, 8, VuPixelFormat::ARGB8888));
   const BitmapPtr target(other->CreateBitmap(8, 8, VuPixelFormat::ARGB8888));
   graphics_.reset();
   orphan->Clear(VuColor{kRed});
@@ -141,6 +145,8 @@ TEST_F(DirectFb, SurfacesOutliveTheirContextAndAreReadByAnother) {
   screen->DrawObject({0, 0, 8, 8}, *target);
   screen->SwapBuffers();
   EXPECT_EQ(PixelOf(*screen, 7, 7), kRed);
+  leftAlive[0] = std::move(screen);
+  leftAlive[1] = std::move(orphan);
 }
 
 }  // namespace
