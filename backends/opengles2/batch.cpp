@@ -110,7 +110,8 @@ bool Batch::Start() {
       indices.push_back(static_cast<GLushort>(quad * 4 + corner));
   gl.BufferData(GL_ELEMENT_ARRAY_BUFFER, static_cast<GLsizeiptr>(indices.size() * 2),
                 indices.data(), GL_STATIC_DRAW);
-  saturatesDestination_ = gl.IsVersion3();
+  const auto* const version = reinterpret_cast<const char*>(gl.GetString(GL_VERSION));
+  saturatesDestination_ = !version || std::strncmp(version, "OpenGL ES 2.", 12) != 0;
   gl.PixelStorei(GL_UNPACK_ALIGNMENT, 1);
   gl.PixelStorei(GL_PACK_ALIGNMENT, 1);
   gl.Disable(GL_DITHER);
@@ -156,6 +157,8 @@ void Batch::Flush() {
   UseTexture(0, key_.texture, key_.filter);
   // New storage each time: what the last draw calls may still read is not written.
   gl.BufferData(GL_ARRAY_BUFFER, bytes, Vertices(), GL_STREAM_DRAW);
+  // Drivers may crash on vertices that are not there.
+  if (!device_.Check("drawing")) return;
   programs_.SetAttributes(gl, key_.program);
   gl.DrawElements(GL_TRIANGLES, quads * 6, GL_UNSIGNED_SHORT, nullptr);
 }

@@ -82,6 +82,11 @@ void PutPlainQuad(PlainVertex* v, const Box& box, float s0, float t0, float s1, 
   v[3] = {x0, y1, color, s0, t1};
 }
 
+/// Whether OpenGL's own copying, which needs no shader, is worth the interruption.
+bool IsLarge(const Box& box) {
+  return box.Width() >= 128 && box.Height() >= 128;
+}
+
 }  // namespace
 
 /// The vertices around it, and the parallelogram that it is a part of.
@@ -381,6 +386,17 @@ bool GlCanvas::Copy(const Box& box, GlTexture& src, int srcX, int srcY) {
   static constexpr GlBlend kReplace{};
   const GlTarget* const target = Target();
   if (!target) return false;
+  if (texture_ && texture_->Format() == src.Format() && IsLarge(box)) {
+    const GlTarget* const from = src.Target();
+    if (!from) return false;
+    device_->Pending().Flush();
+    const GlScope scope(*device_);
+    if (!scope) return false;
+    device_->Pending().BindFramebuffer(from->framebuffer);
+    texture_->CopyFromFramebuffer({srcX, srcY, srcX + box.Width(), srcY + box.Height()}, box.x0,
+                                  box.y0);
+    return device_->Check("copying pixels");
+  }
   const auto s = static_cast<float>(srcX), t = static_cast<float>(srcY);
   PutPlainQuad(device_->Pending().AddPlain(target, kReplace, &src, GL_NEAREST), box, s, t,
                s + static_cast<float>(box.Width()), t + static_cast<float>(box.Height()), ~0u);
@@ -396,7 +412,7 @@ std::unique_ptr<GlTexture> GlCanvas::Snapshot(const Box& box) {
     const GlScope scope(*device_);
     if (!scope) return nullptr;
     device_->Pending().BindFramebuffer(target->framebuffer);
-    copy->CopyFromFramebuffer(box);
+    copy->CopyFromFramebuffer(box, 0, 0);
     return copy;
   }
   // A window has its rows and its channels in another order.

@@ -180,7 +180,7 @@ bool GlDevice::StartContext() {
   if (precision < 16) return Fail("no use", "the fragment stage has no highp");
   gl_.LoadExtensions(sdl.GetProcAddress);
   gl_.GetIntegerv(GL_MAX_TEXTURE_SIZE, &maxTextureSize_);
-  oneChannelFormat_ = FindOneChannelFormat(gl_);
+  hasOneChannel_ = DrawsOnOneChannel(gl_);
   return batch_.Start();
 }
 
@@ -297,13 +297,7 @@ void GlDevice::Release() {
 }
 
 bool GlDevice::Check(const char* where) {
-  GLenum first = GL_NO_ERROR;
-  // There may be one of each kind.
-  for (int i = 0; i < 8; ++i) {
-    const GLenum error = gl_.GetError();
-    if (error == GL_NO_ERROR) break;
-    if (first == GL_NO_ERROR) first = error;
-  }
+  const GLenum first = gl_.TakeError();
   if (gl_.GetGraphicsResetStatus && gl_.GetGraphicsResetStatus() != GL_NO_ERROR) {
     Lose(where);
     return false;

@@ -30,8 +30,8 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
   const GlFunctions& Gl() const { return gl_; }
   Batch& Pending() { return batch_; }
   int MaxTextureSize() const { return maxTextureSize_; }
-  /// See FindOneChannelFormat().
-  GLenum OneChannelFormat() const { return oneChannelFormat_; }
+  /// Whether textures may have one channel.
+  bool HasOneChannel() const { return hasOneChannel_; }
   /// The screens' own, kept here for them to find each other.
   std::weak_ptr<GlLayers>& Layers() { return layers_; }
   bool IsLost() const { return !context_; }
@@ -90,7 +90,7 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
   bool libraryLoaded_ = false;
   bool loaded_ = false;  ///< The functions can be called.
   int maxTextureSize_ = 0;
-  GLenum oneChannelFormat_ = 0;
+  bool hasOneChannel_ = false;
   /// The window whose interval was set last, what was asked for, and what SDL said then.
   struct {
     SDL_Window* window = nullptr;

@@ -25,6 +25,17 @@ void GlFunctions::LoadExtensions(void* (*find)(const char*)) {
   }
 }
 
+GLenum GlFunctions::TakeError() const {
+  GLenum first = GL_NO_ERROR;
+  // There may be one of each kind.
+  for (int i = 0; i < 8; ++i) {
+    const GLenum error = GetError();
+    if (error == GL_NO_ERROR) break;
+    if (first == GL_NO_ERROR) first = error;
+  }
+  return first;
+}
+
 bool GlFunctions::Has(const char* extension) const {
   const auto* all = reinterpret_cast<const char*>(GetString(GL_EXTENSIONS));
   const size_t length = std::strlen(extension);
@@ -33,12 +44,6 @@ bool GlFunctions::Has(const char* extension) const {
     if (begins && (at[length] == ' ' || at[length] == '\0')) return true;
   }
   return false;
-}
-
-bool GlFunctions::IsVersion3() const {
-  constexpr char kTwo[] = "OpenGL ES 2.";
-  const auto* const version = reinterpret_cast<const char*>(GetString(GL_VERSION));
-  return version && std::strncmp(version, kTwo, sizeof kTwo - 1) != 0;
 }
 
 }  // namespace ZIRK::backends

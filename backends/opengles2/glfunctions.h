@@ -78,10 +78,11 @@ struct GlFunctions {
   const char* Load(void* (*find)(const char*));
   void LoadExtensions(void* (*find)(const char*));
 
+  /// The first error since the last time, or GL_NO_ERROR.
+  GLenum TakeError() const;
+
   /// Whether the current context has the extension.
   bool Has(const char* extension) const;
-  /// Whether it is of OpenGL ES 3 or later, which is told by the same functions and does more.
-  bool IsVersion3() const;
 };
 
 }  // namespace ZIRK::backends

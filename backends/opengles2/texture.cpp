@@ -17,28 +17,27 @@ static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "pixels are handed on a
 namespace {
 
 struct GlFormat {
-  GLenum internal;
   GLenum format;
   GLenum type;
   ChannelOrder order;
 };
 
-GlFormat FormatOf(VuPixelFormat format, GLenum oneChannel) {
+GlFormat FormatOf(VuPixelFormat format, bool oneChannel) {
   switch (format) {
     case VuPixelFormat::RGB565:
-      return {GL_RGB, GL_RGB, GL_UNSIGNED_SHORT_5_6_5, ChannelOrder::RedFirst};
+      return {GL_RGB, GL_UNSIGNED_SHORT_5_6_5, ChannelOrder::RedFirst};
     case VuPixelFormat::ARGB4444:
-      return {GL_RGBA, GL_RGBA, GL_UNSIGNED_SHORT_4_4_4_4, ChannelOrder::RedFirst};
+      return {GL_RGBA, GL_UNSIGNED_SHORT_4_4_4_4, ChannelOrder::RedFirst};
     case VuPixelFormat::ARGB1555:
-      return {GL_RGBA, GL_RGBA, GL_UNSIGNED_SHORT_5_5_5_1, ChannelOrder::RedFirst};
+      return {GL_RGBA, GL_UNSIGNED_SHORT_5_5_5_1, ChannelOrder::RedFirst};
     case VuPixelFormat::A8:
       if (!oneChannel) break;
-      return {oneChannel, GL_RED_EXT, GL_UNSIGNED_BYTE, ChannelOrder::AlphaOnly};
+      return {GL_RED_EXT, GL_UNSIGNED_BYTE, ChannelOrder::AlphaOnly};
     case VuPixelFormat::ARGB8888:
     case VuPixelFormat::XRGB8888:
       break;
   }
-  return {GL_RGBA, GL_RGBA, GL_UNSIGNED_BYTE, ChannelOrder::Ours};
+  return {GL_RGBA, GL_UNSIGNED_BYTE, ChannelOrder::Ours};
 }
 
 /// One row from our layout to OpenGL's.
@@ -71,7 +70,7 @@ GlTexture::GlTexture(std::shared_ptr<GlDevice> device, int width, int height, Vu
     : device_(std::move(device)), format_(format) {
   target_.width = width;
   target_.height = height;
-  target_.order = FormatOf(format, device_->OneChannelFormat()).order;
+  target_.order = FormatOf(format, device_->HasOneChannel()).order;
   target_.keepsAlpha = format == VuPixelFormat::XRGB8888;
 }
 
@@ -91,14 +90,14 @@ std::unique_ptr<GlTexture> GlTexture::Create(std::shared_ptr<GlDevice> device, i
   if (!scope) return nullptr;
   std::unique_ptr<GlTexture> texture(new GlTexture(std::move(device), width, height, format));
   const GlFunctions& gl = shared.Gl();
-  const GlFormat layout = FormatOf(format, shared.OneChannelFormat());
+  const GlFormat layout = FormatOf(format, shared.HasOneChannel());
   gl.GenTextures(1, &texture->name_);
   shared.Pending().Bind(texture->name_);
   gl.TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
   gl.TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
   gl.TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
   gl.TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
-  gl.TexImage2D(GL_TEXTURE_2D, 0, static_cast<GLint>(layout.internal), width, height, 0,
+  gl.TexImage2D(GL_TEXTURE_2D, 0, static_cast<GLint>(layout.format), width, height, 0,
                 layout.format, layout.type, nullptr);
   if (!shared.Check("making a texture")) return nullptr;
   return texture;
@@ -123,9 +122,11 @@ const GlTarget* GlTexture::Target() {
   device_->Pending().BindFramebuffer(framebuffer);
   gl.FramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, name_, 0);
   const GLenum status = gl.CheckFramebufferStatus(GL_FRAMEBUFFER);
-  if (!device_->Check("making a framebuffer") || status != GL_FRAMEBUFFER_COMPLETE) {
-    ZIRK_LOG_ERROR("OpenGL cannot draw on a texture of %d x %d in format %d (0x%04x)", Width(),
-                   Height(), static_cast<int>(format_), status);
+  const bool made = device_->Check("making a framebuffer");
+  if (!made || status != GL_FRAMEBUFFER_COMPLETE) {
+    if (made)
+      ZIRK_LOG_ERROR("OpenGL cannot draw on a texture of %d x %d in format %d (0x%04x)", Width(),
+                     Height(), static_cast<int>(format_), status);
     device_->Pending().DeleteFramebuffer(framebuffer);
     return nullptr;
   }
@@ -160,7 +161,7 @@ bool GlTexture::Upload(const Box& box, const void* pixels, unsigned pitch) {
   device_->Pending().BeforeWriting(*this, box);
   const GlScope scope(*device_);
   if (!scope) return false;
-  const GlFormat layout = FormatOf(format_, device_->OneChannelFormat());
+  const GlFormat layout = FormatOf(format_, device_->HasOneChannel());
   ++target_.changes;
   device_->Pending().Bind(name_);
   device_->Gl().TexSubImage2D(GL_TEXTURE_2D, 0, box.x0, box.y0, box.Width(), box.Height(),
@@ -168,9 +169,10 @@ bool GlTexture::Upload(const Box& box, const void* pixels, unsigned pitch) {
   return device_->Check("writing pixels");
 }
 
-void GlTexture::CopyFromFramebuffer(const Box& box) {
+void GlTexture::CopyFromFramebuffer(const Box& box, int x, int y) {
+  ++target_.changes;
   device_->Pending().Bind(name_);
-  device_->Gl().CopyTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, box.x0, box.y0, box.Width(),
+  device_->Gl().CopyTexSubImage2D(GL_TEXTURE_2D, 0, x, y, box.x0, box.y0, box.Width(),
                                   box.Height());
 }
 
@@ -187,22 +189,19 @@ void GlTexture::SetName(const char* name) {
   device_->Gl().ObjectLabel(GL_TEXTURE, name_, -1, name ? name : "");
 }
 
-GLenum FindOneChannelFormat(const GlFunctions& gl) {
-  const bool extended = gl.Has("GL_EXT_texture_rg");
-  if (!extended && !gl.IsVersion3()) return 0;
-  const GLenum format = extended ? GL_RED_EXT : GL_R8_EXT;
+bool DrawsOnOneChannel(const GlFunctions& gl) {
+  if (!gl.Has("GL_EXT_texture_rg")) return false;
   GLuint texture = 0, framebuffer = 0;
   gl.GenTextures(1, &texture);
   gl.BindTexture(GL_TEXTURE_2D, texture);
-  gl.TexImage2D(GL_TEXTURE_2D, 0, static_cast<GLint>(format), 1, 1, 0, GL_RED_EXT, GL_UNSIGNED_BYTE,
-                nullptr);
+  gl.TexImage2D(GL_TEXTURE_2D, 0, GL_RED_EXT, 1, 1, 0, GL_RED_EXT, GL_UNSIGNED_BYTE, nullptr);
   gl.GenFramebuffers(1, &framebuffer);
   gl.BindFramebuffer(GL_FRAMEBUFFER, framebuffer);
   gl.FramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture, 0);
   const GLenum status = gl.CheckFramebufferStatus(GL_FRAMEBUFFER);
   gl.DeleteFramebuffers(1, &framebuffer);
   gl.DeleteTextures(1, &texture);
-  return gl.GetError() == GL_NO_ERROR && status == GL_FRAMEBUFFER_COMPLETE ? format : 0;
+  return gl.TakeError() == GL_NO_ERROR && status == GL_FRAMEBUFFER_COMPLETE;
 }
 
 void ReadFramebuffer(const GlFunctions& gl, const GlTarget& target, const Box& box,

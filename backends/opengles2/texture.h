@@ -78,8 +78,8 @@ class GlTexture {
   /// Pixels of `box`, rows `pitch` bytes apart, in the surface's format. May throw std::bad_alloc.
   bool Upload(const Box& box, const void* pixels, unsigned pitch);
 
-  /// Copies `box` of the framebuffer that is bound to the top-left corner.
-  void CopyFromFramebuffer(const Box& box);
+  /// Copies `box` of the framebuffer that is bound to (x, y).
+  void CopyFromFramebuffer(const Box& box, int x, int y);
 
   void SetFilter(GLint filter);
   void SetName(const char* name);
@@ -100,9 +100,9 @@ class GlTexture {
   GLint filter_ = GL_NEAREST;
 };
 
-/// The format, as glTexImage2D() takes it, of textures of one channel, if they can be drawn on;
-/// else 0. To be asked once, with nothing bound.
-GLenum FindOneChannelFormat(const GlFunctions& gl);
+/// Whether there are textures of one channel that can be drawn on. To be asked once, with nothing
+/// bound.
+bool DrawsOnOneChannel(const GlFunctions& gl);
 
 /// Reads `box` of the framebuffer of `target`, which is bound, as tight rows of `format`, top row
 /// first. May throw std::bad_alloc.

@@ -1,9 +1,13 @@
 // What happens where SDL or OpenGL fails.
 
+#include <zirk/vufontatlas.h>
+
+#include <deque>
 #include <fstream>
 #include <functional>
 #include <string>
 #include <type_traits>
+#include <utility>
 
 #include "backends/common/oneerror.h"
 #include "backends/opengles2/injected.h"
@@ -91,6 +95,62 @@ TEST_F(Faults, MemoryThatRunsOutGivesNullAndFalse) {
     EXPECT_TRUE(LogsOneError(std::string(c.where) + ": out of memory",
                              [&] { EXPECT_FALSE(c.operation()); }));
   }
+}
+
+TEST_F(Faults, OfMakingThingsOfOpenGl) {
+  Replace("glGetError", []() -> GLenum {
+    return std::exchange(left_, 0) ? GL_OUT_OF_MEMORY : Real<PFNGLGETERRORPROC>("glGetError")();
+  });
+  enum { Buffers, BufferData, Textures, TexImage, Framebuffers, Attaching, TexSubImage, None };
+  Watch<Buffers>("glGenBuffers", PFNGLGENBUFFERSPROC());
+  Watch<BufferData>("glBufferData", PFNGLBUFFERDATAPROC());
+  Watch<Textures>("glGenTextures", PFNGLGENTEXTURESPROC());
+  Watch<TexImage>("glTexImage2D", PFNGLTEXIMAGE2DPROC());
+  Watch<Framebuffers>("glGenFramebuffers", PFNGLGENFRAMEBUFFERSPROC());
+  Watch<Attaching>("glFramebufferTexture2D", PFNGLFRAMEBUFFERTEXTURE2DPROC());
+  Watch<TexSubImage>("glTexSubImage2D", PFNGLTEXSUBIMAGE2DPROC());
+  int failing = None;
+  seen_ = [&failing](int which) { return which == failing ? !(left_ = 1) : true; };
+  for (failing = Buffers; failing <= TexImage; ++failing) ExpectNoStart("starting: out of memory");
+  // A8 does without what is tried first.
+  for (; failing <= Attaching; ++failing) EXPECT_NE(NewContext(), nullptr);
+  failing = None;
+  const auto graphics = NewContext();
+  ASSERT_NE(graphics, nullptr);
+  const uint32_t pixel = 0;
+  for (const int call : {BufferData, Textures, TexImage, Framebuffers, Attaching, TexSubImage}) {
+    const BitmapPtr bitmap = New(*graphics, 4, 4);
+    ASSERT_NE(bitmap, nullptr);
+    bitmap->DrawRect({0, 0, 2, 2}, white, VuTMatrix2D<float>(), nullptr, nullptr);
+    failing = call;
+    EXPECT_TRUE(LogsOneError("out of memory", [&] {
+      if (call == BufferData)
+        bitmap->Finish();
+      else if (call == TexSubImage)
+        EXPECT_FALSE(bitmap->SetPixels({0, 0, 1, 1}, &pixel, 4));
+      else
+        EXPECT_EQ(New(*graphics, 8, 8), nullptr);
+    })) << call;
+    failing = None;
+  }
+}
+
+TEST_F(Faults, WithoutVideoOrEgl) {
+  // As the system has them: what SDL is told to use is not there.
+  const struct {
+    const char* variable;
+    const char* value;
+    const char* said;
+  } cases[] = {{"SDL_VIDEODRIVER", "nonsense", "no video: nonsense"},
+               {"SDL_VIDEO_EGL_DRIVER", "/absent/libEGL.so", "Could not load EGL library"}};
+  for (const auto& c : cases) {
+    const char* const before = getenv(c.variable);
+    const std::string kept = before ? before : "";
+    setenv(c.variable, c.value, 1);
+    ExpectNoStart(c.said);
+    before ? setenv(c.variable, kept.c_str(), 1) : unsetenv(c.variable);
+  }
+  EXPECT_NE(NewContext(), nullptr);
 }
 
 TEST_F(Faults, ATextureThatCannotBeDrawnOnIsRefused) {
@@ -188,11 +248,23 @@ TEST_F(Faults, CreatingAndDeletingTakesNoMemory) {
       screen->SwapBuffers();
     }
   };
+  const BitmapPtr page = New(*graphics, 64, 16);
+  const auto write = [&](int times) {
+    std::deque<VuFontAtlas> fonts;
+    for (int i = 0; i < times; ++i) {
+      fonts.emplace_back(ZIRK_TEST_FONTS "sans.ttf", 0, 8, false, false);
+      page->DrawText(&fonts.back(), "Ag", {2, 2}, white, VuTMatrix2D<float>(), nullptr, nullptr,
+                     {});
+    }
+  };
   cycle(2000);
+  write(1000);
+  const unsigned available = graphics->AvailableMemory();
   const long before = ResidentPages();
   cycle(8000);
+  write(200);
   EXPECT_LT(ResidentPages() - before, 256);
-  EXPECT_EQ(graphics->TotalMemory(), graphics->AvailableMemory());
+  EXPECT_EQ(graphics->AvailableMemory(), available);
 }
 
 }  // namespace

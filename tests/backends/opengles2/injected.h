@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <functional>
 #include <map>
 #include <string>
 
@@ -31,6 +32,7 @@ class InjectedGl : public testing::Test {
   void TearDown() override {
     Sdl() = SdlCalls();
     replaced_.clear();
+    seen_ = nullptr;
   }
 
   /// OpenGL's function `name` is `function` from the next start on.
@@ -43,6 +45,17 @@ class InjectedGl : public testing::Test {
   static F Real(const char* name) {
     return reinterpret_cast<F>(real_[name]);
   }
+
+  /// Asks `seen_` about every call of OpenGL's function `name`, of the type of the null pointer:
+  /// whether it is to reach OpenGL.
+  template <int Which, typename... A>
+  static void Watch(const char* name, void (*)(A...)) {
+    static const char* const watched = name;
+    Replace(name, [](A... a) {
+      if (seen_(Which)) Real<void (*)(A...)>(watched)(a...);
+    });
+  }
+  static inline std::function<bool(int)> seen_;
 
   using BitmapPtr = std::unique_ptr<VuBitmapImpl>;
   using ScreenPtr = std::unique_ptr<VuScreenImpl>;

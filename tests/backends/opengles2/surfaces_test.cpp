@@ -73,6 +73,44 @@ TEST_F(Surfaces, APageOfTextIsOneDrawCall) {
   EXPECT_EQ(write(), 1);
 }
 
+TEST_F(Surfaces, AFrameDrawnAgainChangesNoState) {
+  graphics_.reset();
+  int changes[8] = {};
+  seen_ = [&](int which) { return ++changes[which]; };
+  Watch<0>("glUniform2fv", PFNGLUNIFORM2FVPROC());
+  Watch<1>("glUniform4fv", PFNGLUNIFORM4FVPROC());
+  Watch<2>("glUniformMatrix4fv", PFNGLUNIFORMMATRIX4FVPROC());
+  Watch<3>("glVertexAttribPointer", PFNGLVERTEXATTRIBPOINTERPROC());
+  Watch<4>("glBlendColor", PFNGLBLENDCOLORPROC());
+  Watch<5>("glBlendFuncSeparate", PFNGLBLENDFUNCSEPARATEPROC());
+  Watch<6>("glUseProgram", PFNGLUSEPROGRAMPROC());
+  Sdl().SetSwapInterval = [](int interval) {
+    seen_(7);
+    return SDL_GL_SetSwapInterval(interval);
+  };
+  graphics_ = NewContext();
+  {
+    const ScreenPtr screen = NewScreen(*graphics_, 64, 64);
+    const BitmapPtr sheet = New(32, 32);
+    screen->SetBlendColor(VuColor{0xFF102030});
+    const auto drawFrame = [&](int sprites) {
+      std::fill(std::begin(changes), std::end(changes), 0);
+      for (int i = 0; i < sprites; ++i) {
+        Draw(*screen, {i % 50, i % 60, 8, 8}, *sheet, {i % 24, 0, 8, 8});
+        screen->DrawRect({i % 60, 0, 2, 2}, VuColor{0xFF00FF00}, kIdentity, nullptr, nullptr);
+      }
+      screen->SwapBuffers();
+      return std::vector<int>(std::begin(changes), std::end(changes));
+    };
+    for (const int count : drawFrame(10)) EXPECT_GT(count, 0);
+    // Longer than one draw call can be.
+    EXPECT_EQ(drawFrame(5000), std::vector<int>(8));
+    screen->SetBlendColor(VuColor{0xFF000000});
+    EXPECT_EQ(drawFrame(10), (std::vector<int>{0, 0, 0, 0, 1, 0, 0, 0}));
+  }
+  graphics_.reset();
+}
+
 TEST_F(Surfaces, OnlyThePixelsWrittenAreSent) {
   const BitmapPtr atlas = New(256, 256, Format::A8);
   const std::vector<uint8_t> glyph(10 * 16, 0xFF);
