@@ -7,6 +7,8 @@ function(zirk_target_defaults target)
     POSITION_INDEPENDENT_CODE ON
     CXX_VISIBILITY_PRESET hidden
     VISIBILITY_INLINES_HIDDEN ON)
+  # On 32-bit machines, folders on network file systems are not readable otherwise.
+  target_compile_definitions(${target} PRIVATE _FILE_OFFSET_BITS=64)
   target_compile_options(${target} PRIVATE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
     # Single precision is single precision: no fused operation rounds differently on some machine.

@@ -215,27 +215,25 @@ SDL_Window* GlDevice::OpenWindow(int width, int height, int display) {
   }
   // From here on nothing throws.
   windows_.reserve(windows_.size() + 1);
-  // Without a window system there may be one window only.
-  if (home_) {
-    Release();
-    current_ = nullptr;
-    SDL_DestroyWindow(home_);
-    home_ = nullptr;
-  }
   SDL_Window* const window = CreateWindow(width, height, display, false);
-  if (window) {
-    windows_.push_back(window);
-    if (MakeCurrent(window)) return window;
-    CloseWindow(window);
+  if (!window) {
+    Fail("no window", SDL_GetError());
     return nullptr;
   }
-  char why[kErrorLength];
-  SDL_GetErrorMsg(why, kErrorLength);
-  if (windows_.empty() && !OpenHome())
-    Lose(why);
-  else
-    Fail("no window", why);
+  windows_.push_back(window);
+  // Not before: without a window system, OpenGL ends with the last window.
+  if (home_) Destroy(home_);
+  home_ = nullptr;
+  if (MakeCurrent(window)) return window;
+  CloseWindow(window);
   return nullptr;
+}
+
+/// Some drivers take the context away with any window, and SDL goes on calling it current.
+void GlDevice::Destroy(SDL_Window* window) {
+  Release();
+  current_ = nullptr;
+  SDL_DestroyWindow(window);
 }
 
 void GlDevice::CloseWindow(SDL_Window* window) {
@@ -245,12 +243,9 @@ void GlDevice::CloseWindow(SDL_Window* window) {
   const OthersContext others(context_);
   windows_.erase(at);
   if (interval_.window == window) interval_.window = nullptr;
-  if (current_ == window) {
-    Release();
-    current_ = nullptr;
-  }
-  SDL_DestroyWindow(window);
-  if (windows_.empty() && !OpenHome()) Lose(SDL_GetError());
+  const bool hasOther = !windows_.empty() || home_ || OpenHome();
+  Destroy(window);
+  if (!hasOther) Lose("no window is left");
 }
 
 bool GlDevice::MakeCurrent(SDL_Window* window) {

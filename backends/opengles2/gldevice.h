@@ -73,6 +73,7 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
   bool StartContext();
   SDL_Window* CreateWindow(int width, int height, int display, bool hidden);
   bool OpenHome();
+  void Destroy(SDL_Window* window);
   static bool Fail(const char* what, const char* why);
   void Lose(const char* why);
   void Shutdown();

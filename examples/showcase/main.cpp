@@ -5,6 +5,7 @@
 #include <zirk/zirk.h>
 
 #include <cmath>
+#include <cstdio>
 #include <memory>
 #include <string>
 
@@ -324,8 +325,16 @@ void DrawPoster(const Studio& s) {
   DrawBalloons(s);
 }
 
+/// What a display shows without a window system may be gone with the program.
+void WaitForLine() {
+  std::puts("shown; a line ends it");
+  std::fflush(stdout);
+  std::getchar();
+}
+
 }  // namespace
 
+// showcase [<file> [<backend> [wait]]]
 int main(int argc, char** argv) {
   // Without a name the backend that the environment asks for.
   const char* const backend = argc > 2 ? argv[2] : nullptr;
@@ -346,5 +355,6 @@ int main(int argc, char** argv) {
   // Before it is shown: what a screen holds afterwards is not the same on every backend.
   const bool written = argc < 2 || examples::WritePng(argv[1], *screen);
   screen->SwapBuffers();
+  if (argc > 3) WaitForLine();
   return written ? 0 : 1;
 }

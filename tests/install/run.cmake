@@ -1,5 +1,7 @@
 # cmake -DBUILD=<build of the library> -DWORK=<folder to work in> -DLIBDIR=<library folder>
-#       -DCOMPILER=<C++ compiler> -DSOURCE=<this folder> [-DCPACK=<cpack>] -P run.cmake
+#       -DGENERATOR=<CMake's generator> -DCOMPILER=<C++ compiler> -DSOURCE=<this folder>
+#       [-DTOOLCHAIN=<toolchain file> -DSYSROOT=<its tree> -DEMULATOR=<what runs its programs>]
+#       [-DCPACK=<cpack>] -P run.cmake
 #
 # Installs, builds the project in this folder against what was installed, and runs it. With CPACK
 # what is installed are the Debian packages, in a folder that stands for a whole system.
@@ -21,12 +23,20 @@ else()
 endif()
 
 set(ENV{PKG_CONFIG_PATH} "${prefix}/${LIBDIR}/pkgconfig")
-run("${CMAKE_COMMAND}" -S "${SOURCE}" -B "${WORK}/build" "-DCMAKE_PREFIX_PATH=${prefix}"
-  "-DCMAKE_CXX_COMPILER=${COMPILER}")
+if(TOOLCHAIN)
+  # What is installed here is not in the target's tree.
+  set(ENV{PKG_CONFIG_SYSROOT_DIR} "/")
+  set(compiler "-DCMAKE_TOOLCHAIN_FILE=${TOOLCHAIN}" "-DCMAKE_FIND_ROOT_PATH=${prefix}"
+    "-DZIRK_SYSROOT=${SYSROOT}")
+else()
+  set(compiler "-DCMAKE_CXX_COMPILER=${COMPILER}")
+endif()
+run("${CMAKE_COMMAND}" -G "${GENERATOR}" -S "${SOURCE}" -B "${WORK}/build"
+  "-DCMAKE_PREFIX_PATH=${prefix}" ${compiler})
 run("${CMAKE_COMMAND}" --build "${WORK}/build")
 
-run("${WORK}/build/app" "${WORK}/build/libZIRKImplMine.so")
-run("${WORK}/build/app_pkgconfig" "${WORK}/build/libmine_pkgconfig.so")
+run(${EMULATOR} "${WORK}/build/app" "${WORK}/build/libZIRKImplMine.so")
+run(${EMULATOR} "${WORK}/build/app_pkgconfig" "${WORK}/build/libmine_pkgconfig.so")
 if(CPACK)
   check_packages("${root}")
   remove_packages("${root}")

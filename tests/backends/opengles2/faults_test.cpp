@@ -189,9 +189,26 @@ TEST_F(Faults, ALostContextEndsEverythingButDeletion) {
   EXPECT_EQ(PixelOf(*fresh, 0, 0), 0u);
 }
 
+// Without a window system OpenGL ends with the last window.
+TEST_F(Faults, EveryWindowIsOpenedBeforeTheOneThatItReplacesIsClosed) {
+  static Uint32 replaced = 0;
+  Sdl().CreateWindow = [](auto... arguments) {
+    EXPECT_TRUE(replaced == 0 || SDL_GetWindowFromID(replaced));
+    SDL_Window* const window = SDL_CreateWindow(arguments...);
+    replaced = SDL_GetWindowID(window);
+    return window;
+  };
+  const auto graphics = NewContext();
+  for (int i = 0; i < 2; ++i) EXPECT_NE(NewScreen(*graphics, 8, 8), nullptr);
+  Sdl().CreateWindow = [](auto...) -> SDL_Window* { return nullptr; };
+  EXPECT_TRUE(LogsOneError("no window: ", [&] { NewScreen(*graphics, 8, 8); }));
+  Sdl() = SdlCalls();
+  EXPECT_NE(NewScreen(*graphics, 8, 8), nullptr);
+}
+
 TEST_F(Faults, WithoutAWindowOrWithALostOneTheContextEnds) {
-  enum { OnOpening, OnClosing, OnMakingCurrent };
-  for (const auto fault : {OnOpening, OnClosing, OnMakingCurrent}) {
+  enum { OnClosing, OnMakingCurrent };
+  for (const auto fault : {OnClosing, OnMakingCurrent}) {
     const auto graphics = NewContext();
     ScreenPtr screen = fault == OnClosing ? NewScreen(*graphics, 8, 8) : nullptr;
     if (fault == OnMakingCurrent)

@@ -1,0 +1,120 @@
+#!/usr/bin/python3
+"""Shows the showcase on emulated devices and compares what is seen: trials.py [MACHINE]"""
+
+import base64
+import gzip
+import io
+import os
+import sys
+import time
+from dataclasses import dataclass
+
+from PIL import Image, ImageChops, ImageStat
+
+from machine import MACHINES, PROJECT, Failure, Machine
+
+
+@dataclass
+class Trial:
+    machine: str
+    backend: str
+    environment: str = ""
+    size: tuple = (1280, 720)  # Of the display while the console has it, where it can be chosen.
+    mode: str = ""  # Set before: width, height, bits and pages; where empty, as the machine starts.
+    shown_at: str = ""  # What the mode says while the picture is shown, where that matters.
+    worst: int = 0  # The largest difference of a channel allowed, and the largest mean.
+    mean: float = 0.0
+
+
+# A display of 16 bits drops up to 7 of 255 from red and blue, and 3 from green.
+RGB565 = {"worst": 7, "mean": 4.0}
+# The driver rounds in its own way, the same as in the tests' pictures.
+OPENGL = {"worst": 8, "mean": 0.6}
+
+TRIALS = [
+    Trial("virtio", "FB"),
+    # In a mode of its own, the next larger one.
+    Trial("virtio", "OpenGLES2", "SDL_VIDEODRIVER=KMSDRM", size=(1024, 768), **OPENGL),
+    Trial("board", "FB", **RGB565),
+    # From 8 bits, which have no true colours, to a mode of the screen's own.
+    Trial("memory", "FB"),
+    Trial("memory", "FB", mode="1280 720 32 2", shown_at="at 0,720"),
+    Trial("memory", "FB", mode="1280 720 16 1", **RGB565),
+]
+
+
+def photograph(machine, probe, trial):
+    if trial.machine != "memory":
+        return machine.screen()
+    text = machine.run(f"{probe} read | gzip -1 | base64")
+    with Image.open(io.BytesIO(gzip.decompress(base64.b64decode(text)))) as picture:
+        return picture.convert("RGB")
+
+
+def console(machine, trial):
+    """The console's picture, after it has been written to anew."""
+    if trial.machine == "memory":
+        return None
+    machine.run(r"printf '\033[2J\033[HThe console of the device\n' > /dev/tty0")
+    return machine.screen()
+
+
+def compare(seen, trial):
+    with Image.open(PROJECT / "docs/showcase.png") as golden:
+        common = (0, 0, min(golden.width, seen.width), min(golden.height, seen.height))
+        difference = ImageChops.difference(golden.convert("RGB").crop(common), seen.crop(common))
+    worst = max(high for _, high in difference.getextrema())
+    mean = max(ImageStat.Stat(difference).mean)
+    if worst > trial.worst or mean > trial.mean:
+        raise Failure(f"the picture differs by up to {worst}, on average by {mean:.2f}")
+    return f"differs by up to {worst}, on average by {mean:.2f}"
+
+
+def perform(machine, trial, picture):
+    programs = PROJECT / "build" / MACHINES[trial.machine]["programs"] / "bin"
+    probe = programs / "zirk_framebuffer_probe"
+    if trial.mode:
+        machine.run(f"{probe} set {trial.mode}")
+    mode, before = machine.run(f"{probe} mode"), console(machine, trial)
+    # It waits for a line from a pipe, so that the shell stays free.
+    machine.run("rm -f /tmp/pipe; mkfifo /tmp/pipe")
+    showcase = f"{trial.environment} {programs}/showcase /tmp/showcase.png {trial.backend} wait"
+    machine.run(f"{{ {showcase} <>/tmp/pipe; echo ENDED $?; }} & shown=$!", until="shown")
+    seen = photograph(machine, probe, trial)
+    seen.save(picture)
+    shown_at = machine.run(f"{probe} mode")
+    machine.run("echo > /tmp/pipe; wait $shown")
+    if trial.shown_at not in shown_at:
+        raise Failure(f"shown with the mode {shown_at.strip()}")
+    after = machine.run(f"{probe} mode")
+    if after != mode:
+        raise Failure(f"the mode was {mode.strip()} and is {after.strip()}")
+    if before and ImageChops.difference(before, console(machine, trial)).getbbox():
+        raise Failure("the console does not look as before")
+    return compare(seen, trial)
+
+
+def main():
+    wanted = sys.argv[1:] or list(MACHINES)
+    results = PROJECT / "build/device/results"
+    os.makedirs(results, exist_ok=True)
+    failed = 0
+    for number, trial in enumerate(TRIALS, 1):
+        if trial.machine not in wanted:
+            continue
+        name = f"{number}-{trial.machine}-{trial.backend}"
+        start = time.monotonic()
+        try:
+            with Machine(trial.machine, results / f"{name}.log", trial.size) as machine:
+                said = perform(machine, trial, results / f"{name}.png")
+            verdict = "ok"
+        except Failure as failure:
+            said, verdict = failure, "FAILED"
+            failed += 1
+        print(f"{name:24} {time.monotonic() - start:4.0f} s  {verdict}: {said}", flush=True)
+    print(f"pictures and logs: {results}")
+    return 1 if failed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
