@@ -31,10 +31,14 @@ RGB565 = {"worst": 7, "mean": 4.0}
 # The driver rounds in its own way, the same as in the tests' pictures.
 OPENGL = {"worst": 8, "mean": 0.6}
 
+# It would keep the console, and its driver omap crashes where there is no such hardware.
+DIRECTFB = "DFBARGS=system=fbdev,no-vt,disable-module=omap"
+
 TRIALS = [
     Trial("virtio", "FB"),
     # In a mode of its own, the next larger one.
     Trial("virtio", "OpenGLES2", "SDL_VIDEODRIVER=KMSDRM", size=(1024, 768), **OPENGL),
+    Trial("virtio", "DirectFB", DIRECTFB, worst=2, mean=0.05),
     Trial("board", "FB", **RGB565),
     # From 8 bits, which have no true colours, to a mode of the screen's own.
     Trial("memory", "FB"),
