@@ -32,7 +32,7 @@ Peers MakePeers() {
 #endif
 #ifdef ZIRK_BENCH_DIRECTFB_BACKEND
   support::UseOffscreenDirectFb();
-  if (auto peer = MakeZirkPeer("DirectFB", "DirectFB")) peers.push_back(std::move(peer));
+  if (auto peer = MakeZirkPeer("ZIRK on DirectFB", "DirectFB")) peers.push_back(std::move(peer));
 #endif
   return peers;
 }

@@ -7,13 +7,14 @@
 namespace ZIRK::backends {
 
 /// Adds the time of the scope it stands in to `draw_time` or `swap_time` while LogPerf is set.
+/// Of timers inside one another, in one thread, only the outermost counts.
 class DrawTimer {
  public:
   static DrawTimer Drawing() { return DrawTimer(LogPerf ? Start(false) : Measurement()); }
   static DrawTimer Swapping() { return DrawTimer(LogPerf ? Start(true) : Measurement()); }
 
   ~DrawTimer() {
-    if (measured_.microseconds) Stop(measured_);
+    if (measured_.thread) Stop(measured_);
   }
   DrawTimer(const DrawTimer&) = delete;
   DrawTimer& operator=(const DrawTimer&) = delete;
@@ -21,10 +22,16 @@ class DrawTimer {
  private:
   using Clock = std::chrono::steady_clock;
 
+  struct Thread {
+    int depth;  ///< Of timers that run.
+    // Nanoseconds left over from last time: one drawing operation often takes less than a
+    // microsecond.
+    uint64_t remainders[2];
+  };
   /// Null where nothing is measured.
   struct Measurement {
-    uint32_t* microseconds = nullptr;
-    uint64_t* remainder = nullptr;
+    Thread* thread = nullptr;
+    bool swapping = false;
     Clock::time_point start{};
   };
 
@@ -33,16 +40,17 @@ class DrawTimer {
   // Apart: to find out where a thread's own variables lie takes longer than a small operation, and
   // compilers like to do that beforehand.
   [[gnu::cold, gnu::noinline]] static Measurement Start(bool swapping) {
-    // Nanoseconds left over from last time: one drawing operation often takes less than a
-    // microsecond.
-    static thread_local uint64_t remainders[2] = {};
-    return {swapping ? &swap_time : &draw_time, &remainders[swapping], Clock::now()};
+    static thread_local Thread thread = {};
+    ++thread.depth;
+    return {&thread, swapping, Clock::now()};
   }
   [[gnu::cold, gnu::noinline]] static void Stop(const Measurement& m) {
+    if (--m.thread->depth > 0) return;
     const auto spent = std::chrono::nanoseconds(Clock::now() - m.start).count();
-    *m.remainder += static_cast<uint64_t>(spent);
-    *m.microseconds += static_cast<uint32_t>(*m.remainder / 1000);
-    *m.remainder %= 1000;
+    uint64_t& remainder = m.thread->remainders[m.swapping];
+    remainder += static_cast<uint64_t>(spent);
+    (m.swapping ? swap_time : draw_time) += static_cast<uint32_t>(remainder / 1000);
+    remainder %= 1000;
   }
 
   const Measurement measured_;

@@ -78,6 +78,14 @@ void SetCorners(Placement& p, double u0, double v0, double u1, double v1) {
 
 }  // namespace
 
+Affine Biased(const Affine& a, VuScaleMode mode) {
+  const bool upright = a.dx.y == 0 && a.dy.x == 0, turned = a.dx.x == 0 && a.dy.y == 0;
+  if (mode != VuScaleMode::Nearest || (!upright && !turned)) return a;
+  const Point forward = a.dx + a.dy;
+  const Point bias = {std::copysign(kTexelBias, forward.x), std::copysign(kTexelBias, forward.y)};
+  return {a.origin + bias, a.dx, a.dy};
+}
+
 Extent Cut(const Extent& r, const Box& bounds) {
   const double x0 = std::max<double>(r.x, bounds.x0), y0 = std::max<double>(r.y, bounds.y0);
   const double x1 = std::min<double>(r.x + r.width, bounds.x1);

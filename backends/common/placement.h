@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zirk/vuenums.h>
 #include <zirk/vumatrix2d.h>
 #include <zirk/vupoint.h>
 
@@ -29,6 +30,13 @@ inline Affine Compose(const Affine& outer, const Affine& inner) {
   const auto linear = [&outer](Point p) { return outer.dx * p.x + outer.dy * p.y; };
   return {outer(inner.origin.x, inner.origin.y), linear(inner.dx), linear(inner.dy)};
 }
+
+/// Where upright pictures are scaled, positions that ought to lie on the border of two texels lie
+/// this far beyond it, in the direction of reading: more than interpolation loses.
+constexpr double kTexelBias = 1.0 / 4096;
+
+/// `toTexels` with that bias, where the nearest texels are read by it along the axes.
+Affine Biased(const Affine& toTexels, VuScaleMode mode);
 
 /// A rectangle in the coordinates of a primitive.
 struct Extent {

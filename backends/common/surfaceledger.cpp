@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <limits>
+#include <new>
 #include <ostream>
+#include <utility>
 
 #include "common/surfaceformat.h"
 
@@ -30,20 +32,27 @@ std::shared_ptr<SurfaceLedger> SurfaceLedger::Create(uint64_t limit) {
   return std::shared_ptr<SurfaceLedger>(new SurfaceLedger(limit));
 }
 
-std::unique_ptr<SurfaceLedger::Entry> SurfaceLedger::Enter(int width, int height,
-                                                           VuPixelFormat format) {
+/// Whether there can be such a surface, and there is memory for it once `given` bytes are given
+/// up. For who has the lock.
+bool SurfaceLedger::Grants(int width, int height, VuPixelFormat format, uint32_t given) const {
   if (!IsValidSurface(width, height, format)) {
     ZIRK_LOG_ERROR("cannot create a surface of %d x %d in format %d", width, height,
                    static_cast<int>(format));
-    return nullptr;
+    return false;
   }
   const uint32_t bytes = SurfaceBytes(width, height, format);
+  const uint64_t left = limit_ - held_ + given;
+  if (bytes <= left) return true;
+  ZIRK_LOG_ERROR("no memory for a surface of %d x %d: %u bytes asked, %u left", width, height,
+                 bytes, Clamp32(left));
+  return false;
+}
+
+std::unique_ptr<SurfaceLedger::Entry> SurfaceLedger::Enter(int width, int height,
+                                                           VuPixelFormat format) {
   const std::lock_guard<std::mutex> lock(mutex_);
-  if (bytes > limit_ - held_) {
-    ZIRK_LOG_ERROR("no memory for a surface of %d x %d: %u bytes asked, %u left", width, height,
-                   bytes, Clamp32(limit_ - held_));
-    return nullptr;
-  }
+  if (!Grants(width, height, format, 0)) return nullptr;
+  const uint32_t bytes = SurfaceBytes(width, height, format);
   const auto record = records_.insert(records_.end(), Record{width, height, format, bytes, {}});
   held_ += bytes;
   return std::unique_ptr<Entry>(new Entry(shared_from_this(), record));
@@ -78,9 +87,22 @@ SurfaceLedger::Entry::~Entry() {
   ledger_->records_.erase(record_);
 }
 
+bool SurfaceLedger::Entry::Change(int width, int height, VuPixelFormat format) {
+  const std::lock_guard<std::mutex> lock(ledger_->mutex_);
+  if (!ledger_->Grants(width, height, format, record_->bytes)) return false;
+  const uint32_t bytes = SurfaceBytes(width, height, format);
+  ledger_->held_ = ledger_->held_ - record_->bytes + bytes;
+  *record_ = {width, height, format, bytes, std::move(record_->name)};
+  return true;
+}
+
 void SurfaceLedger::Entry::Rename(const char* name) {
   const std::lock_guard<std::mutex> lock(ledger_->mutex_);
-  record_->name = name ? name : "";
+  try {
+    record_->name = name ? name : "";
+  } catch (const std::bad_alloc&) {
+    ZIRK_LOG_ERROR("no memory for the name of a surface");
+  }
 }
 
 }  // namespace ZIRK::backends

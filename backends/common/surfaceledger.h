@@ -45,6 +45,8 @@ class SurfaceLedger : public std::enable_shared_from_this<SurfaceLedger> {
 
   explicit SurfaceLedger(uint64_t limit) : limit_(limit) {}
 
+  bool Grants(int width, int height, VuPixelFormat format, uint32_t given) const;
+
   mutable std::mutex mutex_;
   const uint64_t limit_;
   uint64_t held_ = 0;
@@ -58,7 +60,11 @@ class SurfaceLedger::Entry {
   Entry(const Entry&) = delete;
   Entry& operator=(const Entry&) = delete;
 
-  /// Null counts as an empty name.
+  /// Enters another size and format in place of those there are; false, after an error line that
+  /// says why, and with nothing changed, where Enter() would not grant that.
+  bool Change(int width, int height, VuPixelFormat format);
+
+  /// Null counts as an empty name. Without memory for another name it keeps its own.
   void Rename(const char* name);
 
  private:

@@ -52,19 +52,15 @@ ImageSize DirectFbGraphics::ScreenSize(int index) const {
 std::unique_ptr<VuScreenImpl> DirectFbGraphics::MakeScreen(Entry entry,
                                                            const VuScreenDescription& d) {
   std::string error;
+  std::unique_ptr<DirectFbLayer> layer;  // goes after its surface
   DirectFbLayer::Screen screen{nullptr, d.width, d.height, d.format, false};
-  std::unique_ptr<DirectFbLayer> layer = DirectFbLayer::Open(directFb_, d, screen, error);
+  layer = DirectFbLayer::Open(directFb_, d, screen, error);
   if (!layer) {
     ZIRK_LOG_WARNING("%s: the screen stays in memory", error.c_str());
     screen.surface = CreateDirectFbSurface(directFb_, d.width, d.height, d.format);
     if (!screen.surface) return nullptr;
   }
-  if (SurfaceBytes(screen.width, screen.height, screen.format) !=
-      SurfaceBytes(d.width, d.height, d.format)) {
-    entry.reset();
-    entry = Ledger()->Enter(screen.width, screen.height, screen.format);
-    if (!entry) return nullptr;
-  }
+  if (!entry->Change(screen.width, screen.height, screen.format)) return nullptr;
   auto made = std::make_unique<DirectFbScreen>(std::move(entry), std::move(layer),
                                                std::move(screen), atlases_);
   if (!made->Begin()) return nullptr;

@@ -376,7 +376,7 @@ bool DirectFbRenderer::Lock(bool) {
 
 bool DirectFbRenderer::Unlock(bool written) {
   const std::lock_guard turn(DirectFbTurn());
-  if (written) {
+  if (written && !HasDirectFbEnded()) {
     pixels_.RestoreOpaqueBits(pixels_.Bounds());
     painter_.Touch(pixels_.Bounds());
   }
@@ -391,11 +391,12 @@ void DirectFbRenderer::Flip() {
     ZIRK_LOG_ERROR("the screen is locked, and not shown");
     return;
   }
-  const Box changed = painter_.TakeTouched();
   const bool two = buffers_ == Buffers::Two;
   const DFBResult result =
       surface_->Flip(surface_.get(), nullptr, two ? DSFLIP_WAITFORSYNC : DSFLIP_NONE);
-  if (!IsGood(result, "show a frame") || !two || changed.IsEmpty() || !SetWholeClip()) return;
+  if (!IsGood(result, "show a frame")) return;
+  const Box changed = painter_.TakeTouched();
+  if (!two || changed.IsEmpty() || !SetWholeClip()) return;
   // What DirectFB reads of such a surface is the buffer that is shown now.
   surface_->SetBlittingFlags(surface_.get(), DSBLIT_NOFX);
   const DFBRectangle part = ToDirectFb(changed);

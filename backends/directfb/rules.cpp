@@ -17,11 +17,11 @@ struct Row {
 };
 
 // The rules of Porter and Duff, and those to add, to multiply and to screen. Of other pairs some
-// come out wrong by far in the software renderer's shortcuts.
+// come out wrong by far in the software renderer's shortcuts; and the rule to clear fills with
+// zeros, where the X byte of XRGB8888 has to be 255.
 constexpr Row kRows[] = {
     {Factor::One, Factor::OneMinusSrcAlpha, {DSBF_ONE, DSBF_INVSRCALPHA}},
     {Factor::One, Factor::Zero, kReplace},
-    {Factor::Zero, Factor::Zero, {DSBF_ZERO, DSBF_ZERO}},
     {Factor::Zero, Factor::One, {DSBF_ZERO, DSBF_ONE}},
     {Factor::OneMinusDstAlpha, Factor::One, {DSBF_INVDESTALPHA, DSBF_ONE}},
     {Factor::DstAlpha, Factor::Zero, {DSBF_DESTALPHA, DSBF_ZERO}},

@@ -3,8 +3,10 @@
 #include <zirk/impl/log.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <string_view>
+#include <thread>
 #include <type_traits>
 
 #include "directfb/trialstart.h"
@@ -15,6 +17,8 @@ namespace {
 
 std::mutex turn;
 static_assert(std::is_trivially_destructible_v<std::mutex>);
+
+constexpr std::chrono::milliseconds kLastFrame{100};
 
 IDirectFB* running = nullptr;
 bool ended = false;
@@ -75,6 +79,9 @@ IDirectFB* StartDirectFb() {
     std::atexit([] {
       const std::lock_guard last(turn);
       ended = true;
+      // DirectFB shows a frame some time after it was told to, on a thread of its own, and then
+      // reads what it has freed by the end of the process. There is nothing to wait for but time.
+      std::this_thread::sleep_for(kLastFrame);
     });
     return running;
   }

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <optional>
 
 #include "directfb/start.h"
 
@@ -42,35 +43,48 @@ void Silence() {
   _exit(said ? EXIT_SUCCESS : EXIT_FAILURE);
 }
 
+/// What the child has said, if anything, and whether it was then waited for in vain.
+struct Answer {
+  std::optional<DFBResult> result;
+  bool timedOut;
+};
+
 /// Reads until the other side is closed.
-DFBResult Listen(int in) {
-  DFBResult result = DFB_DEAD;
+Answer Listen(int in) {
+  std::optional<DFBResult> said;
   for (;;) {
     pollfd waiting = {in, POLLIN, 0};
     const int ready = poll(&waiting, 1, kPatienceMs);
     if (ready < 0 && errno == EINTR) continue;
-    if (ready <= 0) return DFB_TIMEOUT;
+    if (ready <= 0) return {said, true};
+    DFBResult result = DFB_OK;
     const ssize_t count = read(in, &result, sizeof result);
     if (count < 0 && errno == EINTR) continue;
-    if (count != static_cast<ssize_t>(sizeof result)) return result;
+    if (count != static_cast<ssize_t>(sizeof result)) return {said, false};
+    said = result;
   }
 }
 
-}  // namespace
-
-DFBResult TryToStartDirectFb(bool aloud) {
+DFBResult TryOnce(bool aloud) {
   int ends[2];
   if (pipe2(ends, O_CLOEXEC) != 0) return DFB_LIMITEXCEEDED;
   const pid_t child = fork();
   if (child == 0) Try(ends[1], aloud);
   close(ends[1]);
-  const DFBResult result = child < 0 ? DFB_LIMITEXCEEDED : Listen(ends[0]);
+  const Answer answer = child < 0 ? Answer{DFB_LIMITEXCEEDED, false} : Listen(ends[0]);
   close(ends[0]);
-  if (child < 0) return result;
-  if (result == DFB_TIMEOUT) kill(child, SIGKILL);
-  while (waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
+  if (answer.timedOut) kill(child, SIGKILL);
+  while (child > 0 && waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
   }
-  return result;
+  return answer.result.value_or(answer.timedOut ? DFB_TIMEOUT : DFB_DEAD);
+}
+
+}  // namespace
+
+DFBResult TryToStartDirectFb(bool aloud) {
+  const DFBResult result = TryOnce(aloud);
+  // The child of a process with threads may wait for what one of them held at the fork.
+  return result == DFB_TIMEOUT ? TryOnce(aloud) : result;
 }
 
 }  // namespace ZIRK::backends

@@ -9,7 +9,7 @@ namespace ZIRK::backends {
 /// uses. Bad options end the process, too. What DirectFB says goes unheard, unless `aloud`.
 ///
 /// Returns what the start came to; DFB_DEAD if the child came to an end before it could say, and
-/// DFB_TIMEOUT if it did not come to any.
+/// DFB_TIMEOUT if twice it did not come to any.
 DFBResult TryToStartDirectFb(bool aloud);
 
 }  // namespace ZIRK::backends

@@ -14,9 +14,10 @@ namespace {
 
 constexpr VuPixelFormat kPictureFormat = VuPixelFormat::ARGB8888;
 
-/// The owned result of `make`, or null and an error line if memory runs out on the way.
+/// The owned result of `make`, or null and an error line if memory runs out on the way. By
+/// reference, as `make` may settle the size first.
 template <typename Make>
-auto ReleaseOrNull(int width, int height, Make make) -> decltype(make().release()) {
+auto ReleaseOrNull(const int& width, const int& height, Make make) -> decltype(make().release()) {
   try {
     return make().release();
   } catch (const std::bad_alloc&) {
@@ -37,13 +38,13 @@ VuScreenImpl* GraphicsBase::CreateScreen(bool flag) {
 
 VuScreenImpl* GraphicsBase::CreateScreen(const VuScreenDescription& description) {
   VuScreenDescription settled = description;
-  if (settled.width <= 0 || settled.height <= 0) {
-    const ImageSize own = ScreenSize(settled.index);
-    if (own.width <= 0 || own.height <= 0) return nullptr;
-    settled.width = own.width;
-    settled.height = own.height;
-  }
   return ReleaseOrNull(settled.width, settled.height, [&]() -> std::unique_ptr<VuScreenImpl> {
+    if (settled.width <= 0 || settled.height <= 0) {
+      const ImageSize own = ScreenSize(settled.index);
+      if (own.width <= 0 || own.height <= 0) return nullptr;
+      settled.width = own.width;
+      settled.height = own.height;
+    }
     Entry entry = ledger_->Enter(settled.width, settled.height, settled.format);
     return entry ? MakeScreen(std::move(entry), settled) : nullptr;
   });

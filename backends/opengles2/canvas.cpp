@@ -15,10 +15,6 @@ namespace ZIRK::backends {
 
 namespace {
 
-// Where upright pictures are scaled, positions that ought to lie on the border of two texels lie
-// this far beyond it, in the direction of reading, whatever the precision: more than interpolation
-// loses.
-constexpr double kBias = 1.0 / 4096;
 // A texel larger than this many pixels shows how imprecise positions are; shaders that limit what
 // is read are used then.
 constexpr double kSmallestStep = 1.0 / 64;
@@ -33,15 +29,6 @@ bool IsFinite(Point p) {
 
 GLint FilterOf(VuScaleMode mode) {
   return mode == VuScaleMode::Bilinear ? GL_LINEAR : GL_NEAREST;
-}
-
-/// `a`, which leads to texels, made robust.
-Affine Biased(Affine a, GLint filter) {
-  const bool upright = a.dx.y == 0 && a.dy.x == 0, turned = a.dx.x == 0 && a.dy.y == 0;
-  if (filter != GL_NEAREST || (!upright && !turned)) return a;
-  const Point forward = a.dx + a.dy;
-  a.origin = a.origin + Point{std::copysign(kBias, forward.x), std::copysign(kBias, forward.y)};
-  return a;
 }
 
 Point ToPoint(const VuTVector2D<float>& v) {
@@ -170,7 +157,7 @@ bool GlCanvas::BlitBox(VuRect dst, GlOperand src, VuRect srcRect, const MatrixF&
                           kSmallestStep * box.Height() > srcRect.height;
     const bool whole = ToBox(srcRect) == src.texture->Bounds();
     if (filter == GL_NEAREST ? enlarged : !whole) return false;
-    bias = filter == GL_NEAREST ? static_cast<float>(kBias) : 0;
+    bias = filter == GL_NEAREST ? static_cast<float>(kTexelBias) : 0;
   }
   float s0 = static_cast<float>(srcRect.x) + bias, t0 = static_cast<float>(srcRect.y) + bias;
   float s1 = s0 + static_cast<float>(srcRect.width), t1 = t0 + static_cast<float>(srcRect.height);
@@ -254,8 +241,8 @@ void GlCanvas::DrawObject(const Extent& dst, const GlOperand& src, const Extent&
   const Placement part = whole->Part(u(visible.x), v(visible.y), u(visible.x + visible.width),
                                      v(visible.y + visible.height));
   const Affine toSource = {{srcRect.x, srcRect.y}, {srcRect.width, 0}, {0, srcRect.height}};
-  const GLint filter = FilterOf(src.scaleMode);
-  const Filling filling = {src.texture, filter, Biased(Compose(toSource, whole->toUnit), filter),
+  const Filling filling = {src.texture, FilterOf(src.scaleMode),
+                           Biased(Compose(toSource, whole->toUnit), src.scaleMode),
                            Around(visible)};
   Paint(part, filling, shade, place ? &*place : nullptr);
 }
@@ -275,10 +262,11 @@ std::optional<GlCanvas::MaskPlace> GlCanvas::PlaceMask(const GlMask& mask, const
     c[i] = ToPoint(mask.coords[i]);
     if (!IsFinite(c[i])) return std::nullopt;
   }
-  const GLint filter = FilterOf(mask.operand.scaleMode);
+  const VuScaleMode mode = mask.operand.scaleMode;
   const Affine unitToMask = {c[0], c[1] - c[0], c[3] - c[0]};
-  return MaskPlace{mask.operand.texture, filter, Biased(Compose(unitToMask, whole.toUnit), filter),
-                   whole.toUnit, c[0] - c[1] + c[2] - c[3]};
+  return MaskPlace{mask.operand.texture, FilterOf(mode),
+                   Biased(Compose(unitToMask, whole.toUnit), mode), whole.toUnit,
+                   c[0] - c[1] + c[2] - c[3]};
 }
 
 /// One position for all of a shape.

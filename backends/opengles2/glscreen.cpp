@@ -37,6 +37,8 @@ GlScreen::~GlScreen() {
 bool GlScreen::Move(bool toLayers) {
   const auto frame = Canvas().Snapshot(All());
   if (!frame || !(toLayers ? BecomeLayer() : BecomeWindow())) return false;
+  // Copying leaves alpha alone where the format has none.
+  if (!Canvas().Clear(VuColor{0})) return false;
   return Canvas().Copy(All(), *frame, 0, 0);
 }
 

@@ -443,7 +443,28 @@ ZIRK_INLINE Integers Clamp(Integers v, int low, int high) {
   return raised > high ? Integers{} + high : raised;
 }
 
+/// Nearest pixels along one axis of the image.
+ZIRK_INLINE void SampleAlong(const uint32_t* pixels, ptrdiff_t pitch, int32_t first, int32_t step,
+                             int32_t rest, int min, int max, uint32_t* out, int count) {
+  uint32_t position = static_cast<uint32_t>(first);
+  int32_t rests = 0;
+  for (int i = 0; i < count; ++i) {
+    const uint32_t exact = position + static_cast<uint32_t>(rests >> 16);
+    out[i] = pixels[Clamp(static_cast<int32_t>(exact) >> 16, min, max) * pitch];
+    position += static_cast<uint32_t>(step);
+    rests += rest;
+  }
+}
+
 void SampleNearest(const SampleRow& s, uint32_t* out, int count) {
+  if (s.stepY == 0 && s.restY == 0) {
+    const uint32_t* const row = s.pixels + Clamp(s.y >> 16, s.minY, s.maxY) * s.pitch;
+    return SampleAlong(row, 1, s.x, s.stepX, s.restX, s.minX, s.maxX, out, count);
+  }
+  if (s.stepX == 0 && s.restX == 0) {
+    const uint32_t* const column = s.pixels + Clamp(s.x >> 16, s.minX, s.maxX);
+    return SampleAlong(column, s.pitch, s.y, s.stepY, s.restY, s.minY, s.maxY, out, count);
+  }
   uint32_t x = static_cast<uint32_t>(s.x);
   uint32_t y = static_cast<uint32_t>(s.y);
   for (int i = 0; i < count; ++i) {

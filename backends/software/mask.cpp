@@ -23,7 +23,7 @@ std::optional<Mask> Mask::Create(const Operand& mask, const VuTVector2D<float>* 
   const Affine unitToMask = {c[0], c[1] - c[0], c[3] - c[0]};
   const Point twist = c[0] - c[1] + c[2] - c[3];
   const bool twisted = std::abs(twist.x) > kTolerance || std::abs(twist.y) > kTolerance;
-  return Mask(mask, Compose(unitToMask, placement.toUnit), area,
+  return Mask(mask, Biased(Compose(unitToMask, placement.toUnit), mask.scaleMode), area,
               twisted ? std::optional<Twist>(Twist{placement.toUnit, twist}) : std::nullopt);
 }
 

@@ -64,7 +64,7 @@ void Painter::DrawObject(const Extent& dst, const Operand& src, const Extent& sr
                                      v(visible.y + visible.height));
   const Affine toSource = {{srcRect.x, srcRect.y}, {srcRect.width, 0}, {0, srcRect.height}};
   const Texture texture(*src.pixels, Around(visible), src.scaleMode,
-                        Compose(toSource, whole->toUnit), Visible(part.box));
+                        Biased(Compose(toSource, whole->toUnit), src.scaleMode), Visible(part.box));
   Paint(part, *whole, &texture, Premultiply(color), mask);
 }
 

@@ -21,6 +21,14 @@ int32_t ToFixed(double v) {
   return static_cast<int32_t>(fixed + (fixed < 0 ? -0.5 : 0.5));
 }
 
+/// What `step` lacks of `v`, in 1/65536 of its last place; nothing where it had to be cut, nor
+/// where the texture is not read along one of its axes, pixel by pixel.
+int32_t RestOf(double v, int32_t step, double across, bool bilinear) {
+  if (bilinear || across != 0) return 0;
+  const double rest = (v * kOne - step) * kOne;
+  return std::abs(rest) <= kOne / 2 ? static_cast<int32_t>(rest) : 0;
+}
+
 bool IsNearby(Point p) {
   return std::abs(p.x) < kFarthestSample && std::abs(p.y) < kFarthestSample;
 }
@@ -33,6 +41,12 @@ uint32_t Mix(uint32_t a, uint32_t b, uint32_t w) {
   return pair(a, b) | pair(a >> 8, b >> 8) << 8;
 }
 
+/// Position `i` of a row; it may wrap around.
+uint32_t PositionAt(int32_t first, int32_t step, int32_t rest, int i) {
+  return static_cast<uint32_t>(first) + static_cast<uint32_t>(step) * static_cast<uint32_t>(i) +
+         static_cast<uint32_t>((rest * i) >> 16);
+}
+
 /// What the kernels do, for any format.
 template <typename Traits>
 void SampleAny(const PixelBuffer& pixels, const SampleRow& s, bool bilinear, int count,
@@ -42,8 +56,9 @@ void SampleAny(const PixelBuffer& pixels, const SampleRow& s, bool bilinear, int
         reinterpret_cast<const typename Traits::Stored*>(pixels.Row(std::clamp(y, s.minY, s.maxY)));
     return Traits::Widen(row[std::clamp(x, s.minX, s.maxX)]);
   };
-  uint32_t fixedX = static_cast<uint32_t>(s.x), fixedY = static_cast<uint32_t>(s.y);
   for (int i = 0; i < count; ++i) {
+    const uint32_t fixedX = PositionAt(s.x, s.stepX, s.restX, i),
+                   fixedY = PositionAt(s.y, s.stepY, s.restY, i);
     const int x = static_cast<int32_t>(fixedX) >> 16, y = static_cast<int32_t>(fixedY) >> 16;
     if (bilinear) {
       const uint32_t weightX = fixedX >> 8 & 255, weightY = fixedY >> 8 & 255;
@@ -52,8 +67,6 @@ void SampleAny(const PixelBuffer& pixels, const SampleRow& s, bool bilinear, int
     } else {
       out[i] = pixel(x, y);
     }
-    fixedX += static_cast<uint32_t>(s.stepX);
-    fixedY += static_cast<uint32_t>(s.stepY);
   }
 }
 
@@ -71,7 +84,9 @@ Texture::Texture(const PixelBuffer& pixels, const Box& limits, VuScaleMode mode,
       bilinear_(mode == VuScaleMode::Bilinear),
       toTexture_(toTexture),
       stepX_(ToFixed(toTexture.dx.x)),
-      stepY_(ToFixed(toTexture.dx.y)) {
+      stepY_(ToFixed(toTexture.dx.y)),
+      restX_(RestOf(toTexture.dx.x, stepX_, toTexture.dx.y, bilinear_)),
+      restY_(RestOf(toTexture.dx.y, stepY_, toTexture.dx.x, bilinear_)) {
   // Two opposite corners that keep their distance to the texture keep it everywhere between.
   const Point first = toTexture(area.x0, area.y0), last = toTexture(area.x1, area.y1);
   const double offsetX = std::floor(first.x - area.x0 + 0.5);
@@ -95,6 +110,8 @@ Texture::Texture(const PixelBuffer& pixels, int offsetX, int offsetY)
       toTexture_{{double(offsetX), double(offsetY)}, {1, 0}, {0, 1}},
       stepX_(65536),
       stepY_(0),
+      restX_(0),
+      restY_(0),
       aligned_(true),
       offsetX_(offsetX),
       offsetY_(offsetY) {}
@@ -111,7 +128,9 @@ void Texture::Sample(Point position, int count, uint32_t* out) const {
                        ToFixed(position.x - toCentre) + rounding,
                        ToFixed(position.y - toCentre) + rounding,
                        stepX_,
-                       stepY_};
+                       stepY_,
+                       restX_,
+                       restY_};
   if (pixels_.Is32Bit()) {
     const Kernels& kernels = BestKernels();
     (bilinear_ ? kernels.sampleBilinear : kernels.sampleNearest)(s, out, count);

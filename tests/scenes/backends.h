@@ -13,13 +13,9 @@
 
 namespace ZIRK::scenes {
 
-/// Every backend that draws. One line adds one, and all pictures are then drawn by it as well.
+/// Every backend that draws; all pictures are drawn by each.
 inline constexpr const char* kBackends[] = {
-    "FB",
-    "OpenGLES2",
-    "Hybrid",
-    "HybridWithoutOpenGL",
-    "DirectFB",
+    "FB", "OpenGLES2", "Hybrid", "HybridWithoutOpenGL", "DirectFB",
 };
 
 /// Pictures are its own, and so it has to match exactly what others may round differently.

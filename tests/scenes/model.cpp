@@ -122,15 +122,23 @@ struct Limits {
   int x0, y0, x1, y1;
 };
 
-Pixel Sample(const Operand& o, Vec at, const Limits& limits, bool& ambiguous) {
+/// `v`, off the border of two texels to the side that reading goes to; 0 if it may be either.
+double OffBorder(double v, double forward, bool& ambiguous) {
+  const double distance = std::abs(v - std::round(v));
+  if (distance < 1e-9 && forward != 0) return v + std::copysign(0.01, forward);
+  ambiguous = ambiguous || distance < 0.01;
+  return v;
+}
+
+Pixel Sample(const Operand& o, Vec at, Vec forward, const Limits& limits, bool& ambiguous) {
   const auto pixel = [&](int x, int y) {
     return o.picture->At(std::clamp(x, limits.x0, limits.x1 - 1),
                          std::clamp(y, limits.y0, limits.y1 - 1));
   };
   if (!o.bilinear) {
-    const auto nearBorder = [](double v) { return std::abs(v - std::round(v)) < 0.01; };
-    ambiguous = ambiguous || nearBorder(at.x) || nearBorder(at.y);
-    return pixel(static_cast<int>(std::floor(at.x)), static_cast<int>(std::floor(at.y)));
+    const double x = OffBorder(at.x, forward.x, ambiguous);
+    const double y = OffBorder(at.y, forward.y, ambiguous);
+    return pixel(static_cast<int>(std::floor(x)), static_cast<int>(std::floor(y)));
   }
   const double fx = at.x - 0.5, fy = at.y - 0.5;
   const int ix = static_cast<int>(std::floor(fx)), iy = static_cast<int>(std::floor(fy));
@@ -142,7 +150,7 @@ Pixel Sample(const Operand& o, Vec at, const Limits& limits, bool& ambiguous) {
   return result;
 }
 
-Pixel SourceColor(const Operation& op, Vec unit, bool& ambiguous) {
+Pixel SourceColor(const Operation& op, Vec unit, Vec forward, bool& ambiguous) {
   Pixel color = Premultiplied(op.color);
   if (!op.source.picture) return color;
   const Picture& p = *op.source.picture;
@@ -151,12 +159,12 @@ Pixel SourceColor(const Operation& op, Vec unit, bool& ambiguous) {
                          std::min(p.width, static_cast<int>(std::ceil(op.srcX + op.srcWidth))),
                          std::min(p.height, static_cast<int>(std::ceil(op.srcY + op.srcHeight)))};
   const Vec at = {op.srcX + unit.x * op.srcWidth, op.srcY + unit.y * op.srcHeight};
-  const Pixel sample = Sample(op.source, at, limits, ambiguous);
+  const Pixel sample = Sample(op.source, at, forward, limits, ambiguous);
   for (size_t c = 0; c < 4; ++c) color[c] *= sample[c];
   return color;
 }
 
-double MaskAlpha(const Operation& op, Vec unit, bool& ambiguous) {
+double MaskAlpha(const Operation& op, Vec unit, Vec forward, bool& ambiguous) {
   if (!op.mask.picture) return 1;
   const double w = op.mask.picture->width, h = op.mask.picture->height;
   Vec corner[4] = {{0, 0}, {w, 0}, {w, h}, {0, h}};
@@ -169,7 +177,9 @@ double MaskAlpha(const Operation& op, Vec unit, bool& ambiguous) {
     at.x += corner[i].x * weight[i];
     at.y += corner[i].y * weight[i];
   }
-  return Sample(op.mask, at, {0, 0, op.mask.picture->width, op.mask.picture->height}, ambiguous)[3];
+  if (op.maskCoords) forward = {0, 0};
+  return Sample(op.mask, at, forward, {0, 0, op.mask.picture->width, op.mask.picture->height},
+                ambiguous)[3];
 }
 
 double FactorValue(VuBlendingFactor f, const Pixel& s, const Pixel& d, const Pixel& k, size_t c) {
@@ -249,8 +259,10 @@ Outcome Draw(const Operation& op, const Picture& target, int x, int y) {
   const bool touched = coverage > (shape.hard ? 0 : 0.01);
   if (!touched) return {before, false, near, false, ambiguous};
   Outcome outcome{{}, true, true, near || coverage < 1, ambiguous};
-  Pixel source = SourceColor(op, unit, outcome.ambiguous);
-  const double masked = coverage * MaskAlpha(op, unit, outcome.ambiguous);
+  const Vec next = shape.Unit(x + 1.5, y + 1.5);
+  const Vec forward = shape.hard ? Vec{next.x - unit.x, next.y - unit.y} : Vec{0, 0};
+  Pixel source = SourceColor(op, unit, forward, outcome.ambiguous);
+  const double masked = coverage * MaskAlpha(op, unit, forward, outcome.ambiguous);
   for (double& channel : source) channel *= masked;
   outcome.value = Blend(op, source, before);
   return outcome;

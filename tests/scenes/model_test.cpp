@@ -115,6 +115,8 @@ TEST_P(Model, Transforms) {
       trial.DrawRect({10, 10, 17, 12}, VuColor{0x9080FF20}, t.transform);
       trial.DrawObject({6, 8, 24, 18}, *src, {0, 0, 24, 18}, t.transform);
       trial.DrawObject({6, 8, 24, 18}, *src, {3, 4, 9, 7}, t.transform, VuColor{0xC0FF80FF});
+      // Some of its pixels lie between two texels.
+      trial.DrawObject({6, 8, 14, 7}, *src, {0, 0, 24, 12}, t.transform);
       trial.DrawSubPixel(VuTRect2D<float>(6.3f, 8.6f, 21.5f, 15.8f), *src,
                          VuTRect2D<float>(2.25f, 3.5f, 17.5f, 11.25f), t.transform);
     }

@@ -118,12 +118,12 @@ bool ReadWholeNumber(const char* text, int least, int most, int& number) {
   return number == value;
 }
 
-/// False if the option's argument is no number in its range.
+/// False if the option's argument is no number in its range, or no name.
 bool TakeOption(int code, const char* argument, CommandLine& line) {
   switch (code) {
     case kBackend:
       line.backend = argument;
-      return true;
+      return !line.backend.empty();
     case kFont:
       line.fontFile = argument;
       return true;
@@ -188,9 +188,10 @@ bool ParseCommandLine(int argc, char** argv, CommandLine& line, int& status) {
     if (code == kHelpOption) return std::fputs(kHelp, stdout), false;
     if (code == kVersion) return std::puts("zirkinfo " ZIRK_VERSION), false;
     if (code == ':') return status = Wrong("%s needs an argument", argv[optind - 1]), false;
+    if (code == '?' && optopt) return status = Wrong("wrong option -%c", optopt), false;
     if (code == '?') return status = Wrong("wrong option %s", argv[optind - 1]), false;
     if (!TakeOption(code, optarg, line))
-      return status = Wrong("--%s %s is out of range", NameOf(code), optarg), false;
+      return status = Wrong("--%s: '%s' will not do", NameOf(code), optarg), false;
     used.push_back(code);
   }
   if (optind < argc) line.command = argv[optind++];

@@ -15,6 +15,11 @@ TEST(SurfaceLedger, GrantsUpToItsLimitAndTakesBack) {
   auto first = ledger->Enter(8, 20, VuPixelFormat::ARGB8888);  // 640 bytes.
   EXPECT_TRUE(LogsOneError("384 bytes asked, 352 left",
                            [&] { EXPECT_FALSE(ledger->Enter(8, 12, VuPixelFormat::ARGB8888)); }));
+  EXPECT_TRUE(first->Change(8, 31, VuPixelFormat::ARGB8888));
+  EXPECT_EQ(ledger->Available(), 0u);
+  EXPECT_TRUE(LogsOneError("1024 bytes asked, 992 left",
+                           [&] { EXPECT_FALSE(first->Change(8, 32, VuPixelFormat::ARGB8888)); }));
+  EXPECT_TRUE(first->Change(16, 20, VuPixelFormat::RGB565));
   const auto second = ledger->Enter(17, 11, VuPixelFormat::A8);  // Eleven rows of 32.
   EXPECT_EQ(ledger->Available(), 0u);
   first.reset();

@@ -59,6 +59,7 @@ class DirectFb : public testing::Test {
     setenv("DFBARGS", kArgs, 1);
     graphics_ = Open();
   }
+  void SetUp() override { ASSERT_NE(graphics_, nullptr); }
   BitmapPtr Screen(int index, bool doubled) {
     return BitmapPtr(
         graphics_->CreateScreen(64, 48, doubled, index, false, VuPixelFormat::ARGB8888));

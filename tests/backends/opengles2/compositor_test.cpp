@@ -25,8 +25,9 @@ class Compositor : public InjectedGl {
     graphics_ = NewContext();
     layers_ = GlLayers::Of(GlDevice::Acquire());
   }
-  ScreenPtr NewScreen(uint8_t index, int width, int height, uint32_t color) {
-    ScreenPtr screen = InjectedGl::NewScreen(*graphics_, width, height, index);
+  ScreenPtr NewScreen(uint8_t index, int width, int height, uint32_t color,
+                      VuPixelFormat format = VuPixelFormat::ARGB8888) {
+    ScreenPtr screen = InjectedGl::NewScreen(*graphics_, width, height, index, format);
     screen->Clear(VuColor{color});
     return screen;
   }
@@ -113,7 +114,8 @@ TEST_F(Compositor, ScreensChangeSidesWithIt) {
 
 TEST_F(Compositor, HasOneWindowWhicheverScreenSwapsFirst) {
   compositor_.reset();
-  const ScreenPtr first = NewScreen(0, 8, 8, kRed), other = NewScreen(1, 8, 8, kGreen);
+  const ScreenPtr first = NewScreen(0, 8, 8, kRed),
+                  other = NewScreen(1, 8, 8, kGreen, VuPixelFormat::XRGB8888);
   const std::vector<SDL_Window*> before = Windows();
   ASSERT_EQ(before.size(), 2u);
   compositor_ = std::make_unique<GlCompositor>();

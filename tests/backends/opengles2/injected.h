@@ -64,8 +64,8 @@ class InjectedGl : public testing::Test {
                        VuPixelFormat format = VuPixelFormat::ARGB8888) {
     return BitmapPtr(graphics.CreateBitmap(width, height, format));
   }
-  static ScreenPtr NewScreen(VuGraphicsImpl& graphics, int width, int height, uint8_t index = 0) {
-    const auto format = VuPixelFormat::ARGB8888;
+  static ScreenPtr NewScreen(VuGraphicsImpl& graphics, int width, int height, uint8_t index = 0,
+                             VuPixelFormat format = VuPixelFormat::ARGB8888) {
     return ScreenPtr(graphics.CreateScreen({width, height, index, 2, format, false}));
   }
   static uint32_t PixelOf(VuBitmapImpl& bitmap, int x, int y) {

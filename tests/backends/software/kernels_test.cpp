@@ -121,7 +121,8 @@ TEST(Kernels, SamplersFollowTheGradientAndStayInside) {
     double x, y, stepX, stepY;
   } const rows[] = {{-2, 3.5, 0.37, 0},  {14, 3.25, -0.4, 0}, {-3, -2, 0.4, 0.4},
                     {0, 0, 1, 0},        {2, 13, 0.2, 0},     {5, 14, 0.1, -0.45},
-                    {-20, 5, 2.5, 0.01}, {30, 30, 0, 0},      {11.5, 0.5, -0.3, 0.3}};
+                    {-20, 5, 2.5, 0.01}, {30, 30, 0, 0},      {11.5, 0.5, -0.3, 0.3},
+                    {4.5, -2, 0, 0.4}};
   for (const Kernels* const* kernels = RunnableKernels(); *kernels; ++kernels)
     for (const auto& r : rows)
       for (const bool bilinear : {false, true}) {
