@@ -1,0 +1,42 @@
+################################################################################
+#
+# zirk
+#
+################################################################################
+
+ZIRK_VERSION = 0.1.0
+ZIRK_SITE = $(BR2_EXTERNAL_ZIRK_PATH)/../..
+ZIRK_SITE_METHOD = local
+ZIRK_OVERRIDE_SRCDIR_RSYNC_EXCLUSIONS = --exclude=/build --exclude=/out
+ZIRK_LICENSE = MIT
+ZIRK_LICENSE_FILES = LICENSE
+ZIRK_INSTALL_STAGING = YES
+ZIRK_SUPPORTS_IN_SOURCE_BUILD = NO
+ZIRK_DEPENDENCIES = host-pkgconf freetype
+
+# This build type is small, all but the loops over pixels.
+ZIRK_CONF_OPTS = \
+	-DCMAKE_BUILD_TYPE=$(if $(BR2_ENABLE_RUNTIME_DEBUG),Debug,MinSizeRel) \
+	-DCMAKE_INTERPROCEDURAL_OPTIMIZATION=$(if $(BR2_ENABLE_LTO),ON,OFF) \
+	-DCMAKE_INSTALL_LIBDIR=lib \
+	-DZIRK_BUILD_EXAMPLES=OFF \
+	-DZIRK_BUILD_TESTS=OFF \
+	-DZIRK_BUILD_TOOLS=$(if $(BR2_PACKAGE_ZIRK_TOOLS),ON,OFF) \
+	-DZIRK_BACKEND_STUB=$(if $(BR2_PACKAGE_ZIRK_STUB),ON,OFF) \
+	-DZIRK_BACKEND_FB=$(if $(BR2_PACKAGE_ZIRK_FB),ON,OFF) \
+	-DZIRK_BACKEND_OPENGLES2=$(if $(BR2_PACKAGE_ZIRK_OPENGLES2),ON,OFF) \
+	-DZIRK_BACKEND_DIRECTFB=$(if $(BR2_PACKAGE_ZIRK_DIRECTFB),ON,OFF) \
+	-DZIRK_BACKEND_HYBRID=$(if $(BR2_PACKAGE_ZIRK_HYBRID),ON,OFF) \
+	-DZIRK_IMAGE_PNG=$(if $(BR2_PACKAGE_ZIRK_PNG),ON,OFF) \
+	-DZIRK_IMAGE_JPEG=$(if $(BR2_PACKAGE_ZIRK_JPEG),ON,OFF) \
+	-DZIRK_IMAGE_WEBP=$(if $(BR2_PACKAGE_ZIRK_WEBP),ON,OFF)
+
+ZIRK_DEPENDENCIES += \
+	$(if $(BR2_PACKAGE_ZIRK_FB)$(BR2_PACKAGE_ZIRK_DIRECTFB),pixman) \
+	$(if $(BR2_PACKAGE_ZIRK_OPENGLES2),libegl libgles sdl2) \
+	$(if $(BR2_PACKAGE_ZIRK_DIRECTFB),directfb) \
+	$(if $(BR2_PACKAGE_ZIRK_PNG)$(BR2_PACKAGE_ZIRK_TOOLS),libpng) \
+	$(if $(BR2_PACKAGE_ZIRK_JPEG),jpeg-turbo) \
+	$(if $(BR2_PACKAGE_ZIRK_WEBP),webp)
+
+$(eval $(cmake-package))

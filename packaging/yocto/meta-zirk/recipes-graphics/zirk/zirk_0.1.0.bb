@@ -1,0 +1,41 @@
+SUMMARY = "2D graphics for embedded Linux"
+DESCRIPTION = "One small C++17 interface, and backends that are chosen at run time."
+SECTION = "libs"
+LICENSE = "MIT"
+LIC_FILES_CHKSUM = "file://LICENSE;md5=9301420898129c533f41aab4094d6e4f"
+
+DEPENDS = "freetype"
+
+inherit cmake pkgconfig externalsrc
+
+# The sources are those that the layer comes with.
+EXTERNALSRC = "${@os.path.realpath(d.getVar('THISDIR') + '/../../../../..')}"
+
+# OpenGL ES comes from the distribution's EGL and SDL 2; DirectFB needs a layer that has it.
+PACKAGECONFIG ??= "fb png jpeg tools \
+    ${@bb.utils.contains('DISTRO_FEATURES', 'opengl', 'opengles2', '', d)} hybrid"
+
+PACKAGECONFIG[fb] = "-DZIRK_BACKEND_FB=ON,-DZIRK_BACKEND_FB=OFF,pixman"
+PACKAGECONFIG[opengles2] = "-DZIRK_BACKEND_OPENGLES2=ON,-DZIRK_BACKEND_OPENGLES2=OFF,libsdl2 virtual/egl virtual/libgles2"
+PACKAGECONFIG[hybrid] = "-DZIRK_BACKEND_HYBRID=ON,-DZIRK_BACKEND_HYBRID=OFF"
+PACKAGECONFIG[directfb] = "-DZIRK_BACKEND_DIRECTFB=ON,-DZIRK_BACKEND_DIRECTFB=OFF,directfb pixman"
+PACKAGECONFIG[stub] = "-DZIRK_BACKEND_STUB=ON,-DZIRK_BACKEND_STUB=OFF"
+PACKAGECONFIG[png] = "-DZIRK_IMAGE_PNG=ON,-DZIRK_IMAGE_PNG=OFF,libpng"
+PACKAGECONFIG[jpeg] = "-DZIRK_IMAGE_JPEG=ON,-DZIRK_IMAGE_JPEG=OFF,libjpeg-turbo"
+PACKAGECONFIG[webp] = "-DZIRK_IMAGE_WEBP=ON,-DZIRK_IMAGE_WEBP=OFF,libwebp"
+PACKAGECONFIG[tools] = "-DZIRK_BUILD_TOOLS=ON,-DZIRK_BUILD_TOOLS=OFF,libpng"
+
+# This build type is small, all but the loops over pixels.
+EXTRA_OECMAKE = "\
+    -DCMAKE_BUILD_TYPE=MinSizeRel \
+    -DCMAKE_INTERPROCEDURAL_OPTIMIZATION=ON \
+    -DZIRK_BUILD_EXAMPLES=OFF \
+    -DZIRK_BUILD_TESTS=OFF \
+"
+
+# Plug-ins have no versions in their names, but are no development files.
+PACKAGES =+ "${PN}-backends ${PN}-tools"
+FILES:${PN}-backends = "${libdir}/libZIRKImpl*.so"
+FILES:${PN}-tools = "${bindir}/zirkinfo"
+RRECOMMENDS:${PN} = "${PN}-backends"
+RRECOMMENDS:${PN}-tools = "${PN}-backends"
