@@ -64,14 +64,16 @@ class Machine:
     """Use with `with`; the guest runs one shell, which reads commands from `run`. The size is that
     of the display, where it can be chosen."""
 
-    def __init__(self, name, log, size=(1280, 720)):
+    def __init__(self, name, log, size):
         kind = MACHINES[name]
+        self.programs = PROJECT / "build" / kind["programs"] / "bin"
         image = PROJECT / "build/device" / kind["image"]
         self.folder = Path(tempfile.mkdtemp())
         self.log = open(log, "w")
         words = f"{kind['kernel']} {KERNEL_WORDS} zirk.modules={kind['drivers']}"
         bus = kind["bus"]
-        command = kind["qemu"].format(image=image, width=size[0], height=size[1])
+        width, height = size
+        command = kind["qemu"].format(image=image, width=width, height=height)
         # KVM is not asked for: a guest of another kind has none, and nested ones may hang.
         command = command.split() + [
             *"-accel tcg -m 1024 -nodefaults -nic none -display none -no-reboot".split(),

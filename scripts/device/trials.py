@@ -2,9 +2,9 @@
 """Shows the showcase on emulated devices and compares what is seen: trials.py [MACHINE]"""
 
 import base64
+import functools
 import gzip
 import io
-import os
 import sys
 import time
 from dataclasses import dataclass
@@ -13,13 +13,17 @@ from PIL import Image, ImageChops, ImageStat
 
 from machine import MACHINES, PROJECT, Failure, Machine
 
+RESULTS = PROJECT / "build/device/results"
+
+SIZE = (1280, 720)  # Of a display, where it can be chosen.
+
 
 @dataclass
 class Trial:
     machine: str
     backend: str
     environment: str = ""
-    size: tuple = (1280, 720)  # Of the display while the console has it, where it can be chosen.
+    size: tuple = SIZE  # While the console has the display.
     mode: str = ""  # Set before: width, height, bits and pages; where empty, as the machine starts.
     shown_at: str = ""  # What the mode says while the picture is shown, where that matters.
     worst: int = 0  # The largest difference of a channel allowed, and the largest mean.
@@ -38,8 +42,10 @@ TRIALS = [
     Trial("virtio", "FB"),
     # In a mode of its own, the next larger one.
     Trial("virtio", "OpenGLES2", "SDL_VIDEODRIVER=KMSDRM", size=(1024, 768), **OPENGL),
+    Trial("virtio", "Hybrid", "SDL_VIDEODRIVER=KMSDRM", **OPENGL),
     Trial("virtio", "DirectFB", DIRECTFB, worst=2, mean=0.05),
     Trial("board", "FB", **RGB565),
+    Trial("board", "DirectFB", DIRECTFB, **RGB565),
     # From 8 bits, which have no true colours, to a mode of the screen's own.
     Trial("memory", "FB"),
     Trial("memory", "FB", mode="1280 720 32 2", shown_at="at 0,720"),
@@ -74,8 +80,9 @@ def compare(seen, trial):
     return f"differs by up to {worst}, on average by {mean:.2f}"
 
 
-def perform(machine, trial, picture):
-    programs = PROJECT / "build" / MACHINES[trial.machine]["programs"] / "bin"
+def show(machine, trial, picture):
+    """Has the showcase shown, and says how far the screen's picture is from the golden one."""
+    programs = machine.programs
     probe = programs / "zirk_framebuffer_probe"
     if trial.mode:
         machine.run(f"{probe} set {trial.mode}")
@@ -98,26 +105,39 @@ def perform(machine, trial, picture):
     return compare(seen, trial)
 
 
+def measure(machine):
+    """How much memory a program takes, which QEMU's user emulation cannot tell."""
+    font = PROJECT / "tests/fonts/sans.ttf"
+    page, freetype = (machine.programs / f"zirk_memory_{name}" for name in ("page", "freetype"))
+    return machine.run(f"{page} {freetype} {font}").strip()
+
+
+def attempt(name, kind, size, do):
+    """Whether what is done on a machine succeeds."""
+    start = time.monotonic()
+    try:
+        with Machine(kind, RESULTS / f"{name}.log", size) as machine:
+            said, succeeds = do(machine), True
+    except Failure as failure:
+        said, succeeds = failure, False
+    verdict = "ok" if succeeds else "FAILED"
+    print(f"{name:24} {time.monotonic() - start:4.0f} s  {verdict}: {said}", flush=True)
+    return succeeds
+
+
 def main():
     wanted = sys.argv[1:] or list(MACHINES)
-    results = PROJECT / "build/device/results"
-    os.makedirs(results, exist_ok=True)
-    failed = 0
+    RESULTS.mkdir(parents=True, exist_ok=True)
+    succeed = []
     for number, trial in enumerate(TRIALS, 1):
-        if trial.machine not in wanted:
-            continue
-        name = f"{number}-{trial.machine}-{trial.backend}"
-        start = time.monotonic()
-        try:
-            with Machine(trial.machine, results / f"{name}.log", trial.size) as machine:
-                said = perform(machine, trial, results / f"{name}.png")
-            verdict = "ok"
-        except Failure as failure:
-            said, verdict = failure, "FAILED"
-            failed += 1
-        print(f"{name:24} {time.monotonic() - start:4.0f} s  {verdict}: {said}", flush=True)
-    print(f"pictures and logs: {results}")
-    return 1 if failed else 0
+        if trial.machine in wanted:
+            name = f"{number}-{trial.machine}-{trial.backend}"
+            do = functools.partial(show, trial=trial, picture=RESULTS / f"{name}.png")
+            succeed.append(attempt(name, trial.machine, trial.size, do))
+    if "board" in wanted:
+        succeed.append(attempt("memory-of-a-page", "board", SIZE, measure))
+    print(f"pictures and logs: {RESULTS}")
+    return 0 if all(succeed) else 1
 
 
 if __name__ == "__main__":
