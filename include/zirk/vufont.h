@@ -62,7 +62,8 @@ class ZIRK_API VuFont {
   VuFont(const VuFont&) = delete;
   VuFont& operator=(const VuFont&) = delete;
 
-  /// All four at once, as the functions below give them.
+  /// All four at once, as the functions below give them, but the descender with its sign: negative
+  /// where the line goes below the base line.
   void GetFontMetrics(int& height, int& ascender, int& descender, int& maxAdvance) const;
   /// Width of a UTF-8 string set on one line: where the pen stands after it. Null is as wide as an
   /// empty string, and bytes that are no UTF-8 have no width.
@@ -71,7 +72,7 @@ class ZIRK_API VuFont {
   int GetOneLineHeight() const;
   /// From the top of the line down to the base line.
   int GetAscent() const;
-  /// From the base line to the bottom of the line; negative where that lies below.
+  /// From the base line down to the bottom of the line, never negative.
   int GetDescent() const;
   /// The widest advance of any glyph.
   int GetMaxAdvance() const;
@@ -82,9 +83,11 @@ class ZIRK_API VuFont {
   /// These apply to every glyph drawn afterwards. Thickness is in pixels, kept to 1/64.
   void SetOutlineType(OutlineType type);
   void SetOutlineThickness(float thickness);
-  /// The code point drawn in place of one that neither font has.
+  /// The code point drawn in place of one that neither font has. Set it before text is measured or
+  /// drawn: characters met before keep what they got, until the fallback font is set.
   void SetFallbackGlyph(unsigned int charcode);
-  /// The font asked for glyphs that this one lacks; null for none. `font` may be deleted after.
+  /// The font asked for glyphs that this one lacks, at its own size; null for none. `font` may be
+  /// deleted after.
   void SetFallbackFont(const VuFont* font);
 
  private:

@@ -76,7 +76,7 @@ class ZIRK_API VuFontAtlas : public VuFontImpl {
   /// The glyph for a code point with the present outline. With `render` it has been placed in the
   /// atlas, where there is one and it has room. A code point that neither this font nor the
   /// fallback font has gives the fallback glyph or the shape for what is missing. Null without a
-  /// face.
+  /// face, and where what such a code point once got cannot be loaded any more.
   const Glyph* GetGlyph(unsigned long charcode, bool render) const;
 
   /// In 1/64 pixel; zeros for glyphs of different faces and in a face without kerning.

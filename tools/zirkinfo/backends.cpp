@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
 
 #include "commands.h"
@@ -43,9 +44,11 @@ std::string PathOf(const char* file) {
   if (!handle) return "";
   link_map* map = nullptr;
   const bool isKnown = dlinfo(handle, RTLD_DI_LINKMAP, &map) == 0;
-  const std::string path = isKnown ? map->l_name : "";
+  const std::filesystem::path path = isKnown ? map->l_name : "";
   dlclose(handle);
-  return path;
+  std::error_code error;  // A path that cannot be followed is shown as it is.
+  const std::filesystem::path followed = std::filesystem::canonical(path, error);
+  return error ? path : followed;
 }
 
 /// What a graphics context says of itself; false where there is none.
