@@ -9,6 +9,15 @@ namespace {
 
 // Deviations below this, in pixels, are rounding: the sine of half a turn is not quite zero.
 constexpr double kTolerance = 1.0 / 512;
+// The same for one element of a matrix beside another. It would draw the corners of an edge that
+// lies in the middle of a row of pixels to different sides.
+constexpr double kNoise = 1e-6;
+
+double Sum(double x, double a, double y, double b, double move) {
+  if (std::abs(a) < kNoise * std::abs(b)) return y * b + move;
+  if (std::abs(b) < kNoise * std::abs(a)) return x * a + move;
+  return x * a + y * b + move;
+}
 
 bool IsFinite(Point p) {
   return std::isfinite(p.x) && std::isfinite(p.y);
@@ -139,7 +148,9 @@ std::optional<VuPoint> WholePixelMove(const VuTMatrix2D<float>& m) {
 
 Point Map(const VuTMatrix2D<float>& m, double x, double y) {
   const float* e = m.get();
-  return {x * e[0] + y * e[3] + e[6], x * e[1] + y * e[4] + e[7]};
+  return {
+      Sum(x, static_cast<double>(e[0]), y, static_cast<double>(e[3]), static_cast<double>(e[6])),
+      Sum(x, static_cast<double>(e[1]), y, static_cast<double>(e[4]), static_cast<double>(e[7]))};
 }
 
 std::optional<Placement> Place(const Extent& r, const VuTMatrix2D<float>& m, Edges edges) {

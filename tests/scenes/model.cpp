@@ -49,10 +49,12 @@ struct Shape {
   bool hard;
 
   explicit Shape(const Operation& op) {
-    const float* m = op.matrix.get();
-    const auto map = [m](double x, double y) {
-      return Vec{x * double(m[0]) + y * double(m[3]) + double(m[6]),
-                 x * double(m[1]) + y * double(m[4]) + double(m[7])};
+    double m[9];
+    // The sine of half a turn is not quite zero.
+    std::transform(op.matrix.get(), op.matrix.get() + 9, m,
+                   [](float e) { return std::abs(e) < 1e-6f ? 0 : double(e); });
+    const auto map = [&m](double x, double y) {
+      return Vec{x * m[0] + y * m[3] + m[6], x * m[1] + y * m[4] + m[7]};
     };
     Vec c0 = map(op.x, op.y), c1 = map(op.x + op.width, op.y), c3 = map(op.x, op.y + op.height);
     const auto near = [](double a, double b) { return std::abs(a - b) < 0.002; };
