@@ -10,7 +10,7 @@ function(zirk_target_defaults target)
   # On 32-bit machines, folders on network file systems are not readable otherwise.
   target_compile_definitions(${target} PRIVATE _FILE_OFFSET_BITS=64)
   target_compile_options(${target} PRIVATE
-    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion
     # Single precision is single precision: no fused operation rounds differently on some machine.
     -ffp-contract=off
     # Assertions and messages name files relative to the root, whatever the build folder.

@@ -30,12 +30,13 @@ int32_t Saturate(int64_t v) {
 // Most pairs lie apart, but none can tell on which side: a branch for each would often go wrong.
 
 bool Touches(const BinRect& node, const BinRect& f) {
-  return (node.x <= Right(f)) & (Right(node) >= f.x) & (node.y <= Bottom(f)) &
-         (Bottom(node) >= f.y);
+  return int{node.x <= Right(f)} & int{Right(node) >= f.x} & int{node.y <= Bottom(f)} &
+         int{Bottom(node) >= f.y};
 }
 
 bool Intersects(const BinRect& node, const BinRect& f) {
-  return (node.x < Right(f)) & (Right(node) > f.x) & (node.y < Bottom(f)) & (Bottom(node) > f.y);
+  return int{node.x < Right(f)} & int{Right(node) > f.x} & int{node.y < Bottom(f)} &
+         int{Bottom(node) > f.y};
 }
 
 bool LiesInside(const BinRect& a, const BinRect& b) {
@@ -188,7 +189,9 @@ MaxRectsBinPack::~MaxRectsBinPack() = default;
 /// - None that stays whole lies in a piece: it would have lain in the rectangle that was split.
 /// - One that stays whole and holds a piece touches the node, as the piece does.
 void MaxRectsBinPack::SplitAround(const BinRect& node) {
-  auto& [split, touching, pieces] = scratch;
+  std::vector<size_t>& split = scratch.split;
+  std::vector<BinRect>& touching = scratch.touching;
+  std::vector<BinRect>& pieces = scratch.pieces;
   split.clear();
   touching.clear();
   pieces.clear();

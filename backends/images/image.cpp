@@ -125,7 +125,8 @@ bool Image::DecodePixels(const PixelRows& target, VuScaleMode mode) {
   if (target.width == width && target.height == height)
     return codec_->ReadAll(target.pixels, target.pitch);
 
-  const auto resample = [&](const std::function<bool(uint32_t*)>& nextRow) {
+  const auto resample = [&, width = width,
+                         height = height](const std::function<bool(uint32_t*)>& nextRow) {
     return Resample({width, codec_->Shrink(), target.width},
                     {height, codec_->Shrink(), target.height}, mode, nextRow, target);
   };

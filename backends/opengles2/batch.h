@@ -77,7 +77,7 @@ class Batch {
                        (!texture || (key_.texture == texture && key_.filter == filter));
     if (!joins) JoinOrBegin({target, &blend, GlProgram::Plain, texture, filter});
     if (!texture) colors_ = true;
-    return reinterpret_cast<PlainVertex*>(lines_[quads_++].bytes);
+    return reinterpret_cast<PlainVertex*>(lines_[static_cast<size_t>(quads_++)].bytes);
   }
 
   /// Draws what has been collected.

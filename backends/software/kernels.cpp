@@ -529,6 +529,17 @@ ZIRK_INLINE Pixels Weights(Pixels positions) {
   return BothHalves((positions >> 8) & 0xFF);
 }
 
+/// The lanes of both vectors that have even numbers, and those that have odd ones.
+ZIRK_INLINE void Separate(const Pixels& a, const Pixels& b, Pixels& even, Pixels& odd) {
+#if defined(__AVX512BW__)
+  even = __builtin_shufflevector(a, b, 0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30);
+  odd = __builtin_shufflevector(a, b, 1, 3, 5, 7, 9, 11, 13, 15, 17, 19, 21, 23, 25, 27, 29, 31);
+#else
+  even = __builtin_shufflevector(a, b, 0, 2, 4, 6, 8, 10, 12, 14);
+  odd = __builtin_shufflevector(a, b, 1, 3, 5, 7, 9, 11, 13, 15);
+#endif
+}
+
 /// The pixels at some offsets, and those to their right.
 ZIRK_INLINE void LoadPairs(const uint32_t* p, Integers at, Pixels& left, Pixels& right) {
   Pairs low, high;
@@ -548,9 +559,7 @@ ZIRK_INLINE void LoadPairs(const uint32_t* p, Integers at, Pixels& left, Pixels&
     high[i] = pair;
   }
 #endif
-  const Pixels even = Indices() * 2, odd = even + 1;
-  left = __builtin_shuffle((Pixels)low, (Pixels)high, even);
-  right = __builtin_shuffle((Pixels)low, (Pixels)high, odd);
+  Separate((Pixels)low, (Pixels)high, left, right);
 }
 
 /// Some of the neighbours may lie beyond the limits.

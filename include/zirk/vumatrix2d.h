@@ -93,6 +93,6 @@ class ZIRK_API VuTMatrix2D {
   uint8_t flags_;
 };
 
-extern template class VuTMatrix2D<float>;
+extern template class ZIRK_API VuTMatrix2D<float>;
 
 }  // namespace ZIRK

@@ -158,8 +158,9 @@ void DrawTints(const Easel& e) {
   e.Chequer(2, 2, 144, 92);
   for (int i = 0; i < 6; ++i)
     for (int row = 0; row < 3; ++row)
-      e.target.DrawObject(e.At(2 + i * 24, row * 32, 24, 32), *e.props.letter, {0, 0, 12, 16},
-                          VuTransform(), WithAlpha(kColors[i], row == 0 ? 255 : 200 - 64 * row));
+      e.target.DrawObject(
+          e.At(2 + i * 24, row * 32, 24, 32), *e.props.letter, {0, 0, 12, 16}, VuTransform(),
+          WithAlpha(kColors[i], static_cast<uint32_t>(row == 0 ? 255 : 200 - 64 * row)));
 }
 
 /// Pixels that are written, copied within and between bitmaps, read back, and written by address.
