@@ -75,7 +75,7 @@ bool ReadChar(const char* function, const char* text, const char*& next, uint32_
 
 const int VuFontAtlas::margin_ = 2;
 
-struct __attribute__((visibility("hidden"))) VuFontAtlas::State {
+struct VuFontAtlas::State {
   State(std::string fileName_, int faceIndex_, int pixelSize_, bool bold_, bool italic_)
       : faceIndex(faceIndex_),
         fileName(std::move(fileName_)),

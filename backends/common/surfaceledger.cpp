@@ -13,20 +13,16 @@
 
 namespace ZIRK::backends {
 
-namespace {
-
-unsigned Clamp32(uint64_t bytes) {
-  return static_cast<unsigned>(std::min<uint64_t>(bytes, std::numeric_limits<uint32_t>::max()));
-}
-
-}  // namespace
-
 uint64_t SurfaceLedger::QuarterOfMachineMemory() {
   const long pages = sysconf(_SC_PHYS_PAGES);
   const long pageSize = sysconf(_SC_PAGESIZE);
   if (pages <= 0 || pageSize <= 0) return 0;
   return static_cast<uint64_t>(pages) * static_cast<uint64_t>(pageSize) / 4;
 }
+
+SurfaceLedger::SurfaceLedger(uint64_t limit)
+    : limit_(
+          static_cast<uint32_t>(std::min<uint64_t>(limit, std::numeric_limits<uint32_t>::max()))) {}
 
 std::shared_ptr<SurfaceLedger> SurfaceLedger::Create(uint64_t limit) {
   return std::shared_ptr<SurfaceLedger>(new SurfaceLedger(limit));
@@ -41,10 +37,10 @@ bool SurfaceLedger::Grants(int width, int height, VuPixelFormat format, uint32_t
     return false;
   }
   const uint32_t bytes = SurfaceBytes(width, height, format);
-  const uint64_t left = limit_ - held_ + given;
+  const uint32_t left = limit_ - held_ + given;
   if (bytes <= left) return true;
   ZIRK_LOG_ERROR("no memory for a surface of %d x %d: %u bytes asked, %u left", width, height,
-                 bytes, Clamp32(left));
+                 bytes, left);
   return false;
 }
 
@@ -60,11 +56,11 @@ std::unique_ptr<SurfaceLedger::Entry> SurfaceLedger::Enter(int width, int height
 
 unsigned SurfaceLedger::Available() const {
   const std::lock_guard<std::mutex> lock(mutex_);
-  return Clamp32(limit_ - held_);
+  return limit_ - held_;
 }
 
 unsigned SurfaceLedger::Total() const {
-  return Clamp32(limit_);
+  return limit_;
 }
 
 void SurfaceLedger::Print(unsigned key, std::ostream& os) const {

@@ -19,7 +19,7 @@ class SurfaceLedger : public std::enable_shared_from_this<SurfaceLedger> {
  public:
   class Entry;
 
-  /// A ledger that grants `limit` bytes.
+  /// A ledger that grants `limit` bytes, but no more than 32 bits hold.
   static std::shared_ptr<SurfaceLedger> Create(uint64_t limit = QuarterOfMachineMemory());
   static uint64_t QuarterOfMachineMemory();
 
@@ -27,7 +27,7 @@ class SurfaceLedger : public std::enable_shared_from_this<SurfaceLedger> {
   /// or format that no surface can have and for one that exceeds what is left.
   std::unique_ptr<Entry> Enter(int width, int height, VuPixelFormat format);
 
-  /// Bytes, cut to what 32 bits hold.
+  /// Bytes.
   unsigned Available() const;
   unsigned Total() const;
 
@@ -43,13 +43,13 @@ class SurfaceLedger : public std::enable_shared_from_this<SurfaceLedger> {
     std::string name;
   };
 
-  explicit SurfaceLedger(uint64_t limit) : limit_(limit) {}
+  explicit SurfaceLedger(uint64_t limit);
 
   bool Grants(int width, int height, VuPixelFormat format, uint32_t given) const;
 
   mutable std::mutex mutex_;
-  const uint64_t limit_;
-  uint64_t held_ = 0;
+  const uint32_t limit_;
+  uint32_t held_ = 0;
   std::list<Record> records_;
 };
 

@@ -73,7 +73,7 @@ class ZIRK_API GraphicsImplLoader {
   GraphicsFeatureInfo GetFeatureInfo(const std::string& name);
 
  private:
-  bool open(GfxImplRecord& record);
+  ZIRK_LOCAL bool open(GfxImplRecord& record);
 
   std::unordered_map<std::string, GfxImplRecord> table_;
   std::vector<const char*> backendNames_;

@@ -43,12 +43,12 @@ class ZIRK_API MaxRectsBinPack : public BinPack {
     std::vector<BinRect> pieces;
   };
 
-  int64_t ContactLength(const BinRect& node) const;
+  ZIRK_LOCAL int64_t ContactLength(const BinRect& node) const;
   template <typename ScoreOf>
   Position FindBest(int32_t width, int32_t height, Score worst, ScoreOf scoreOf) const;
-  Position Find(int32_t width, int32_t height) const;
-  void Place(const BinRect& node);
-  void SplitAround(const BinRect& node);
+  ZIRK_LOCAL Position Find(int32_t width, int32_t height) const;
+  ZIRK_LOCAL void Place(const BinRect& node);
+  ZIRK_LOCAL void SplitAround(const BinRect& node);
 
   std::vector<BinRect> usedRects;
   std::vector<BinRect> freeRects;  ///< The earlier one wins where two are equally good.

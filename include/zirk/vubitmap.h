@@ -33,7 +33,8 @@ class VuFont;
 ///
 /// Sources and masks may be the bitmap itself, and belong to the same context. Nothing drawn
 /// reaches outside the clipping rectangle; singular and non-finite matrices, and rectangles
-/// without extent, draw nothing. Use a bitmap from one thread at a time.
+/// without extent, draw nothing. Use all bitmaps of a context from one thread at a time, unless the
+/// backend's README allows more.
 class ZIRK_API VuBitmap {
  public:
   /// Wraps a backend surface, expected not to be null, and owns it.
@@ -45,13 +46,15 @@ class ZIRK_API VuBitmap {
   // --- State ------------------------------------------------------------------------------------
 
   /// Fills the whole surface, whatever the clipping rectangle, with nothing (transparent, black
-  /// where there is no alpha) or with `color`. A backend may leave the form without a colour out.
+  /// where there is no alpha) or with `color`. A backend may do nothing for
+  /// the form without a colour; ours clear.
   void Clear();
   void Clear(VuColor color);
 
   /// Size, format and, while the surface is locked, where its pixels lie.
   VuBitmapInfo GetInfo() const;
-  /// Bytes of the pixel storage.
+  /// Bytes of the pixel storage, as memory is counted: rows are filled up to 16 bytes, whatever
+  /// GetInfo() tells while the surface is locked.
   uint32_t GetSize() const;
   /// The surface's rectangle; its origin is (0, 0).
   VuRect GetBounds() const;
@@ -138,8 +141,8 @@ class ZIRK_API VuBitmap {
 
   // --- Text -------------------------------------------------------------------------------------
 
-  /// Hands one line of UTF-8 to the backend. `pos` is the top-left corner of the line's box; a
-  /// `rect` that is not all zeros clips.
+  /// Draws one line of UTF-8; null draws nothing, and the end of a line is a character like others.
+  /// `pos` is the top-left corner of the line's box; a `rect` that is not all zeros clips.
   void DrawText(const VuFont& font, const char* text, VuPoint pos, VuColor color);
   void DrawText(const VuFont& font, const char* text, VuPoint pos, VuColor color, VuTransform t);
   void DrawText(const VuFont& font, const char* text, VuPoint pos, VuColor color, VuTransform t,
@@ -156,6 +159,7 @@ class ZIRK_API VuBitmap {
   /// False if the surface is locked already, or cannot be. Do not draw while it is locked.
   bool Lock();
   bool Lock(bool write);
+  /// False if the surface was not locked.
   bool Unlock();
 
   /// Copies pixels, in the surface's own format, rows top down. Rows of `dst` are tight, rows of

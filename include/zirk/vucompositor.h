@@ -13,7 +13,8 @@ struct LayerDescription;
 class ZIRK_API VuCompositor {
  public:
   /// Creates or drops the compositor. Enabling expects the plug-in to open: the process aborts if
-  /// it does not.
+  /// it does not. It does open where a context of "OpenGLES2" was created, whose file it shares;
+  /// else GraphicsImplLoader::loadImpl() tells.
   static void Enable(bool enable);
   /// Whether there is a compositor.
   static bool IsEnabled();

@@ -9,7 +9,7 @@
 namespace ZIRK {
 
 /// How a picture of natural size is fitted into a requested box
-/// (VuGraphics::GetScaledDimensions has the arithmetic).
+/// (VuGraphics::GetScaledDimensions() says exactly how).
 enum class VuDisplayMode : int32_t {
   Stretch = 0,  ///< The requested size as it is.
   Fit = 1,      ///< Scale uniformly so that the picture fits inside the box.

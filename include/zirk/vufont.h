@@ -32,9 +32,10 @@ class ZIRK_API VuFont {
   /// installed instead, if anything.
   ///
   /// `faceIndex` counts the faces of a font file from 0; `pixelSize` is the nominal height of the
-  /// letters, from 1. `bold` makes a face that is not bold bolder where it is drawn, but not where
-  /// it is measured; `italic` slants nothing. A font file in memory, of `size` bytes, is copied. A
-  /// null path raises std::logic_error.
+  /// letters, from 1: 0 is as 1, and a negative number as 65535, as FreeType has it. `bold` makes a
+  /// face that is not bold bolder where it is drawn, but not where it is measured; `italic` slants
+  /// nothing. A font file in memory, of `size` bytes, is copied. A null path raises
+  /// std::logic_error.
   static VuFont* CreateFont(const char* path, int faceIndex, int pixelSize);
   static VuFont* CreateFontEx(const char* path, int faceIndex, int pixelSize, bool bold,
                               bool italic);

@@ -102,7 +102,7 @@ class ZIRK_API VuFontAtlas : public VuFontImpl {
   void ClearGlyphs() const;
 
  private:
-  struct State;
+  struct ZIRK_LOCAL State;
 
   std::unique_ptr<State> state_;
 };

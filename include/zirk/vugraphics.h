@@ -29,7 +29,8 @@ class ZIRK_API VuGraphics {
   /// Opens the default backend: what SetGraphicsOverride() installed; else "Stub" when the
   /// environment has `ZIRK_STUB`; else the backend that `ZIRK_DEFAULT_GFX_BACKEND` or
   /// SetDefaultImpl() named ("Hybrid" at first). "Default", in any case, stands for "OpenGLES2"
-  /// and, failing that, "DirectFB". `flag` is handed to the backend. The caller owns the result;
+  /// and, failing that, "DirectFB". `flag` is handed to the backend; ours take no notice of it, so
+  /// pass false. The caller owns the result;
   /// null, with an error line, if no backend could be opened.
   static VuGraphics* Create(bool flag);
   static VuGraphics* Create();
@@ -63,6 +64,10 @@ class ZIRK_API VuGraphics {
 
   /// Screens and bitmaps. The caller owns what comes back; null, with the backend's error line,
   /// where the backend could not make it (no memory, a broken image, an absurd size).
+  ///
+  /// The form with a flag alone asks for the device's own size, or 1280 x 720 where it has none, in
+  /// ARGB8888 with two buffers. `flag` and `option` are the same field of the description, of which
+  /// ours take no notice.
   VuBitmap* CreateScreen(bool flag);
   VuBitmap* CreateScreen(const VuScreenDescription& description);
   /// `index` is cut to its low 8 bits.
@@ -77,8 +82,9 @@ class ZIRK_API VuGraphics {
   /// memory does not allow it.
   VuBitmap* CreateBitmap(int width, int height, VuPixelFormat format);
 
-  /// A bitmap with the picture in a file, at its own size, or at the size that
-  /// GetScaledDimensions() gives for the box `width` x `height`.
+  /// A bitmap of ARGB8888 with the picture in a file, at its own size, or at the size that
+  /// GetScaledDimensions() gives for the box `width` x `height` (Stretch where no mode is given).
+  /// `scaleMode` says how it is filtered on the way; the bitmap's own scale mode stays Nearest.
   VuBitmap* CreateBitmapFromFile(const char* path);
   VuBitmap* CreateBitmapFromFile(const char* path, int width, int height, VuScaleMode scaleMode,
                                  VuDisplayMode displayMode);
@@ -98,8 +104,7 @@ class ZIRK_API VuGraphics {
   unsigned BitmapSize(const void* data, unsigned size) const;
   unsigned BitmapSize(const void* data, unsigned size, int width, int height) const;
 
-  /// Memory for bitmaps in the same unit, what is left of it and all; more than 32 bits hold is
-  /// given as the most they hold.
+  /// Memory for bitmaps in the same unit, what is left of it and all.
   unsigned AvailableMemory() const;
   unsigned TotalMemory() const;
 
@@ -117,8 +122,11 @@ class ZIRK_API VuGraphics {
   int GetMaxTextureSize() const;
 
   /// The size at which a picture of `srcWidth` x `srcHeight` is shown in the box `width` x
-  /// `height`, which it replaces. A box without extent takes the picture's size. An unknown mode
-  /// leaves the box, with a warning.
+  /// `height`, which it replaces; fractions are cut off. A box without extent takes the picture's
+  /// size. Narrower is who has the smaller quotient of width and height: Fit scales a picture that
+  /// is narrower than the box to the box's height, others to its width. Fill scales one that is
+  /// narrower to the box's width and leaves others at their own size, which may not cover the box.
+  /// An unknown mode leaves the box, with a warning.
   static void GetScaledDimensions(int srcWidth, int srcHeight, int& width, int& height,
                                   VuDisplayMode mode);
 

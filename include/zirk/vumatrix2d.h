@@ -81,13 +81,13 @@ class ZIRK_API VuTMatrix2D {
  private:
   enum : uint8_t { kTranslation = 1, kScale = 2, kRotation = 4, kLinear = kScale | kRotation };
 
-  bool setCommutingProduct(const VuTMatrix2D& b);
-  void copyLinear(const VuTMatrix2D& from);
-  void setLinearProduct(const VuTMatrix2D& a, const VuTMatrix2D& b);
-  VuTVector2D<T> carried(T x, T y) const;
-  void setTranslation(const VuTVector2D<T>& t);
-  void setProduct(const VuTMatrix2D& a, const VuTMatrix2D& b);
-  VuTMatrix2D generalInverse() const;
+  ZIRK_LOCAL bool setCommutingProduct(const VuTMatrix2D& b);
+  ZIRK_LOCAL void copyLinear(const VuTMatrix2D& from);
+  ZIRK_LOCAL void setLinearProduct(const VuTMatrix2D& a, const VuTMatrix2D& b);
+  ZIRK_LOCAL VuTVector2D<T> carried(T x, T y) const;
+  ZIRK_LOCAL void setTranslation(const VuTVector2D<T>& t);
+  ZIRK_LOCAL void setProduct(const VuTMatrix2D& a, const VuTMatrix2D& b);
+  ZIRK_LOCAL VuTMatrix2D generalInverse() const;
 
   std::array<T, 9> m_;
   uint8_t flags_;

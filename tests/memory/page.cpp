@@ -6,7 +6,6 @@
 
 #include <cstdio>
 #include <memory>
-#include <sstream>
 #include <string>
 
 #include "memory/resident.h"
@@ -21,17 +20,6 @@ long FreeTypeKiB(const std::string& program, const std::string& font) {
   if (!pipe || std::fscanf(pipe, "%ld", &kibibytes) != 1) kibibytes = 0;
   if (pipe) pclose(pipe);
   return kibibytes;
-}
-
-/// What the pixels of all surfaces take, as their list says.
-long SurfacesKiB(ZIRK::VuGraphics& graphics) {
-  std::stringstream list;
-  graphics.PrintBitmapList(list);
-  long bytes = 0;
-  for (std::string word, before; list >> word; before = word) {
-    if (word == "bytes") bytes += std::stol(before);
-  }
-  return bytes / 1024;
 }
 
 }  // namespace
@@ -50,7 +38,7 @@ int main(int argc, char** argv) {
   screen->SwapBuffers();
 
   const long all = PeakResidentKiB();
-  const long surfaces = SurfacesKiB(*graphics);
+  const long surfaces = (graphics->TotalMemory() - graphics->AvailableMemory()) / 1024;
   const long own = all - surfaces - freetype;
   std::printf("a page of text: %ld KiB, surfaces %ld, FreeType alone %ld; left %ld, at most %ld\n",
               all, surfaces, freetype, own, kLimitKiB);

@@ -24,8 +24,10 @@ TEST(SurfaceLedger, GrantsUpToItsLimitAndTakesBack) {
   EXPECT_EQ(ledger->Available(), 0u);
   first.reset();
   EXPECT_EQ(ledger->Available(), 640u);
-  // What 32 bits do not hold is cut.
-  EXPECT_EQ(SurfaceLedger::Create(uint64_t{5} << 32)->Available(), 0xFFFFFFFFu);
+  // Of more than 32 bits hold, what is left is still told.
+  const auto large = SurfaceLedger::Create(uint64_t{5} << 32);
+  const auto third = large->Enter(8, 20, VuPixelFormat::ARGB8888);
+  EXPECT_EQ(large->Available(), 0xFFFFFFFFu - 640);
 }
 
 TEST(SurfaceLedger, RefusesWhatNoSurfaceCanBe) {
