@@ -54,10 +54,12 @@ int main(int argc, char** argv) {
   auto next = std::chrono::steady_clock::now();
   for (int frame = 0; frame < kFrames; ++frame) {
     DrawFrame(*screen, frame);
+    // What the screen holds after the swap depends on the backend.
+    if (frame + 1 == kFrames && argc > 1 && !examples::WritePng(argv[1], *screen)) return 1;
     screen->SwapBuffers();
     ShowProgress(frame);
     std::this_thread::sleep_until(next += kFrameTime);
   }
   std::printf("\n");
-  return argc < 2 || examples::WritePng(argv[1], *screen) ? 0 : 1;
+  return 0;
 }

@@ -11,6 +11,9 @@ inherit cmake pkgconfig externalsrc
 # The sources are those that the layer comes with.
 EXTERNALSRC = "${@os.path.realpath(d.getVar('THISDIR') + '/../../../../..')}"
 
+# No links into this tree.
+EXTERNALSRC_SYMLINKS = ""
+
 # OpenGL ES comes from the distribution's EGL and SDL 2; DirectFB needs a layer that has it.
 PACKAGECONFIG ??= "fb png jpeg tools \
     ${@bb.utils.contains('DISTRO_FEATURES', 'opengl', 'opengles2', '', d)} hybrid"
