@@ -9,6 +9,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "openface.h"
+
 namespace ZIRK {
 
 namespace {
@@ -18,22 +20,16 @@ struct FaceDone {
 };
 using FaceHandle = std::unique_ptr<FT_FaceRec_, FaceDone>;
 
-/// A font of bitmaps need not have names.
-std::string NameOrEmpty(const char* name) {
-  return name ? name : "";
-}
-
 FT_Error OpenFirstFace(FT_Library library, const char* path, FaceHandle& face) {
   // Faces are known by the names that go with the styles regular, bold and italic.
   FT_Parameter parameters[] = {{FT_PARAM_TAG_IGNORE_PREFERRED_SUBFAMILY, nullptr},
                                {FT_PARAM_TAG_IGNORE_PREFERRED_FAMILY, nullptr}};
   FT_Open_Args args = {};
-  args.flags = FT_OPEN_PATHNAME | FT_OPEN_PARAMS;
-  args.pathname = const_cast<char*>(path);
+  args.flags = FT_OPEN_PARAMS;
   args.num_params = 2;
   args.params = parameters;
   FT_Face opened = nullptr;
-  const FT_Error error = FT_Open_Face(library, &args, 0, &opened);
+  const FT_Error error = OpenFace(library, path, 0, args, &opened);
   if (!error) face.reset(opened);
   return error;
 }

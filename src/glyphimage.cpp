@@ -9,6 +9,7 @@
 #include <memory>
 
 #include "freetypeerror.h"
+#include "openface.h"
 
 namespace ZIRK {
 
@@ -50,8 +51,9 @@ bool GlyphImage::Render(const Glyph& glyph) {
   if (error) {
     const FreeTypeError entry(error);
     ZIRK_LOG_ERROR("%s: failed to load glyph from face %s %s glyph %d FT_Error (0x%02x) : %s",
-                   "LoadGlyph", glyph.face->family_name, glyph.face->style_name,
-                   static_cast<int>(glyph.index), entry.code, entry.message);
+                   "LoadGlyph", NameOrEmpty(glyph.face->family_name),
+                   NameOrEmpty(glyph.face->style_name), static_cast<int>(glyph.index), entry.code,
+                   entry.message);
     return false;
   }
   if (glyph.outlineType != 0) return RenderOutlined(glyph);

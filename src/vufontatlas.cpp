@@ -17,6 +17,7 @@
 #include "freetypeerror.h"
 #include "glyphimage.h"
 #include "glyphtables.h"
+#include "openface.h"
 #include "stepcache.h"
 
 namespace ZIRK {
@@ -181,7 +182,7 @@ VuFontAtlas::VuFontAtlas(const unsigned char* data, unsigned int size, int faceI
 VuFontAtlas::~VuFontAtlas() = default;
 
 int VuFontAtlas::NewFace(const char* path, int faceIndex, int pixelSize, FT_Face* face) {
-  const FT_Error error = FT_New_Face(state_->freeType, path, faceIndex, face);
+  const FT_Error error = OpenFace(state_->freeType, path, faceIndex, {}, face);
   return state_->FinishFace("NewFace", path, error, pixelSize, face);
 }
 

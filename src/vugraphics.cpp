@@ -53,23 +53,25 @@ std::string QueriedName(std::string name) {
   return name == "Default" ? kDefaultBackend : std::move(name);
 }
 
-VuGraphics* Wrap(VuGraphicsImpl* impl) {
-  return impl ? new VuGraphics(impl) : nullptr;
-}
-
-VuBitmap* Wrap(VuBitmapImpl* impl) {
-  return impl ? new VuBitmap(impl) : nullptr;
+/// The handle of what a backend made, which goes with the handle where there is no memory for that.
+template <typename Handle, typename Impl>
+Handle* Wrap(Impl* impl) {
+  std::unique_ptr<Impl> owned(impl);
+  Handle* const handle = impl ? new Handle(impl) : nullptr;
+  owned.release();
+  return handle;
 }
 
 }  // namespace
 
 VuGraphics* VuGraphics::Create(bool flag) {
   ZIRK_LOG_INFO("Creating VuGraphics instance");
-  if (graphicsOverride) return graphicsOverride(flag);
+  // It may end or replace itself.
+  if (const auto override = graphicsOverride) return override(flag);
   if (getenv("ZIRK_STUB")) return CreateStub();
 
   const auto loader = GraphicsImplLoader::GetInstance();
-  VuGraphics* const graphics = Wrap(CreateDefaultImpl(*loader, flag));
+  VuGraphics* const graphics = Wrap<VuGraphics>(CreateDefaultImpl(*loader, flag));
   if (!graphics)
     ZIRK_LOG_ERROR("Failed to Create VuGraphics instance, no suitable implementations found");
   return graphics;
@@ -84,7 +86,7 @@ VuGraphics* VuGraphics::Create(const char* name, bool flag) {
   ZIRK_LOG_WARNING("Creating VuGraphics instance");
   const auto loader = GraphicsImplLoader::GetInstance();
   if (!name) return Create();
-  if (IsBackendName(name)) return Wrap(CreateImpl(*loader, name, flag));
+  if (IsBackendName(name)) return Wrap<VuGraphics>(CreateImpl(*loader, name, flag));
   if (EqualIgnoringCase(name, "Default")) return Create();
   // A number, not the text: the low half of the pointer.
   ZIRK_LOG_ERROR("ZIRK implementation type %d is not supported on this platform",
@@ -95,7 +97,7 @@ VuGraphics* VuGraphics::Create(const char* name, bool flag) {
 VuGraphics* VuGraphics::CreateGL(bool flag) {
   const auto loader = GraphicsImplLoader::GetInstance();
   const bool hybrid = DefaultImpl() == "Hybrid";
-  return Wrap(CreateImpl(*loader, hybrid ? "Hybrid" : "OpenGLES2", flag));
+  return Wrap<VuGraphics>(CreateImpl(*loader, hybrid ? "Hybrid" : "OpenGLES2", flag));
 }
 
 VuGraphics* VuGraphics::CreateGL() {
@@ -135,11 +137,11 @@ VuGraphics::~VuGraphics() {
 }
 
 VuBitmap* VuGraphics::CreateScreen(bool flag) {
-  return Wrap(impl->CreateScreen(flag));
+  return Wrap<VuBitmap>(impl->CreateScreen(flag));
 }
 
 VuBitmap* VuGraphics::CreateScreen(const VuScreenDescription& description) {
-  return Wrap(impl->CreateScreen(description));
+  return Wrap<VuBitmap>(impl->CreateScreen(description));
 }
 
 VuBitmap* VuGraphics::CreateScreen(int width, int height, bool doubleBuffer, int index, bool option,
@@ -168,16 +170,16 @@ VuBitmap* VuGraphics::CreateScreen(int width, int height, bool doubleBuffer) {
 }
 
 VuBitmap* VuGraphics::CreateBitmap(int width, int height, VuPixelFormat format) {
-  return Wrap(impl->CreateBitmap(width, height, format));
+  return Wrap<VuBitmap>(impl->CreateBitmap(width, height, format));
 }
 
 VuBitmap* VuGraphics::CreateBitmapFromFile(const char* path) {
-  return Wrap(impl->CreateBitmapFromFile(path));
+  return Wrap<VuBitmap>(impl->CreateBitmapFromFile(path));
 }
 
 VuBitmap* VuGraphics::CreateBitmapFromFile(const char* path, int width, int height,
                                            VuScaleMode scaleMode, VuDisplayMode displayMode) {
-  return Wrap(impl->CreateBitmapFromFile(path, width, height, scaleMode, displayMode));
+  return Wrap<VuBitmap>(impl->CreateBitmapFromFile(path, width, height, scaleMode, displayMode));
 }
 
 VuBitmap* VuGraphics::CreateBitmapFromFile(const char* path, int width, int height,
@@ -186,12 +188,12 @@ VuBitmap* VuGraphics::CreateBitmapFromFile(const char* path, int width, int heig
 }
 
 VuBitmap* VuGraphics::CreateBitmapFromMemory(const void* data, unsigned size) {
-  return Wrap(impl->CreateBitmapFromMemory(data, size));
+  return Wrap<VuBitmap>(impl->CreateBitmapFromMemory(data, size));
 }
 
 VuBitmap* VuGraphics::CreateBitmapFromMemory(const void* data, unsigned size, int width, int height,
                                              VuScaleMode scaleMode) {
-  return Wrap(impl->CreateBitmapFromMemory(data, size, width, height, scaleMode));
+  return Wrap<VuBitmap>(impl->CreateBitmapFromMemory(data, size, width, height, scaleMode));
 }
 
 unsigned VuGraphics::BitmapSize(int width, int height, VuPixelFormat format) const {

@@ -19,6 +19,9 @@ namespace {
 
 constexpr J_COLOR_SPACE kArgb = kLittleEndian ? JCS_EXT_BGRA : JCS_EXT_ARGB;
 
+/// Several times what progressive files have. Each goes over the whole picture, for a few bytes.
+constexpr int kMostScans = 100;
+
 /// Bytes of cyan, magenta, yellow and black to ARGB8888, in place. XORed with `flip`, a byte is 0
 /// for full ink.
 void CmykToArgb(uint32_t* row, int width, uint8_t flip) {
@@ -53,6 +56,7 @@ class JpegCodec final : public ImageCodec {
     jpeg_.err = jpeg_std_error(&errors_);
     errors_.error_exit = OnError;
     errors_.emit_message = OnMessage;
+    progress_.progress_monitor = OnProgress;
     source_.init_source = [](j_decompress_ptr) {};
     source_.fill_input_buffer = OnFill;
     source_.skip_input_data = OnSkip;
@@ -68,6 +72,7 @@ class JpegCodec final : public ImageCodec {
     return Guarded([this] {
       jpeg_create_decompress(&jpeg_);
       jpeg_.src = &source_;
+      jpeg_.progress = &progress_;
       jpeg_read_header(&jpeg_, TRUE);
       width_ = static_cast<int>(jpeg_.image_width);
       height_ = static_cast<int>(jpeg_.image_height);
@@ -135,6 +140,10 @@ class JpegCodec final : public ImageCodec {
   static void OnMessage(j_common_ptr info, int level) {
     if (level < 0 && IsDamage(info->err->msg_code)) OnError(info);
   }
+  static void OnProgress(j_common_ptr info) {
+    const int scans = reinterpret_cast<j_decompress_ptr>(info)->input_scan_number;
+    if (scans > kMostScans) Of(info).Escape("too many scans");
+  }
   static boolean OnFill(j_decompress_ptr info) {
     JpegCodec& codec = Of(info);
     const ImageStream::Bytes bytes = codec.stream_.Take();
@@ -157,6 +166,7 @@ class JpegCodec final : public ImageCodec {
   ImageStream& stream_;
   jpeg_decompress_struct jpeg_{};
   jpeg_error_mgr errors_{};
+  jpeg_progress_mgr progress_{};
   jpeg_source_mgr source_{};
   jmp_buf escape_{};
   bool begun_ = false;

@@ -10,6 +10,8 @@ namespace ZIRK::backends {
 
 namespace {
 
+constexpr png_byte kUnused[] = "iCCP\0iTXt\0sPLT\0tEXt\0zTXt";
+
 class PngCodec final : public ImageCodec {
  public:
   explicit PngCodec(ImageStream& stream)
@@ -26,6 +28,8 @@ class PngCodec final : public ImageCodec {
     return Guarded([this] {
       // Our own limit is tested on the result, and reported with the size.
       png_set_user_limits(png_, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
+      // Nobody reads these, and they may unpack to any size.
+      png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_NEVER, kUnused, 5);
       png_set_read_fn(png_, this, OnRead);
       png_read_info(png_, info_);
       width_ = static_cast<int>(png_get_image_width(png_, info_));

@@ -3,6 +3,7 @@
 #include <zirk/impl/log.h>
 
 #include <cstring>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -15,6 +16,9 @@ namespace ZIRK::backends {
 static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "pixels are handed on as bytes");
 
 namespace {
+
+/// What every implementation keeps of a label; a longer one would be an error of later drawing.
+constexpr size_t kLabelSize = 255;
 
 struct GlFormat {
   GLenum format;
@@ -186,7 +190,8 @@ void GlTexture::SetFilter(GLint filter) {
 void GlTexture::SetName(const char* name) {
   const GlScope scope(*device_);
   if (!scope || !device_->Gl().ObjectLabel) return;
-  device_->Gl().ObjectLabel(GL_TEXTURE, name_, -1, name ? name : "");
+  const std::string_view label = std::string_view(name ? name : "").substr(0, kLabelSize);
+  device_->Gl().ObjectLabel(GL_TEXTURE, name_, static_cast<GLsizei>(label.size()), label.data());
 }
 
 bool DrawsOnOneChannel(const GlFunctions& gl) {
