@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+/// Vectors of pixels, and what every instruction set does alike with them.
+///
+/// This and what is built on it is compiled anew for each instruction set: the unnamed namespaces
+/// keep the builds apart.
+
+static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "vectors are taken apart as bytes");
+
+#define ZIRK_INLINE inline __attribute__((always_inline))
+#define ZIRK_INLINE_LAMBDA __attribute__((always_inline))
+
+namespace ZIRK::backends {
+
+namespace {
+
+/// Pixels of a vector. Where registers are narrower, the compiler takes several for one.
+#if defined(__AVX512BW__)
+constexpr int kLanes = 16;
+#else
+constexpr int kLanes = 8;
+#endif
+
+using Pixels = uint32_t __attribute__((vector_size(4 * kLanes)));
+using Integers = int32_t __attribute__((vector_size(4 * kLanes)));
+/// Two channels of each pixel, red and blue or alpha and green, with 16 bits for either.
+using Channels = uint16_t __attribute__((vector_size(4 * kLanes)));
+using Bytes = uint8_t __attribute__((vector_size(4 * kLanes)));
+/// Neighbouring pixels by twos.
+using PixelPairs = uint64_t __attribute__((vector_size(4 * kLanes)));
+using Coverage = uint8_t __attribute__((vector_size(kLanes)));
+
+/// Stands for all pixels of a vector, where a Rest stands for some.
+struct Whole {};
+
+ZIRK_INLINE Pixels Load(const uint32_t* p, Whole) {
+  Pixels v;
+  __builtin_memcpy(&v, p, sizeof v);
+  return v;
+}
+ZIRK_INLINE void Store(uint32_t* p, const Pixels& v, Whole) {
+  __builtin_memcpy(p, &v, sizeof v);
+}
+
+ZIRK_INLINE Pixels Splat(uint32_t c) {
+  return Pixels{} + c;
+}
+
+/// 0, 1, 2 and so on.
+ZIRK_INLINE Pixels Indices() {
+  Pixels index;
+  for (uint32_t i = 0; i < kLanes; ++i) index[i] = i;
+  return index;
+}
+
+/// The low 16 bits of each lane, in its high ones too, which are 0.
+ZIRK_INLINE Pixels BothHalves(Pixels v) {
+  return v | (v << 16);
+}
+
+}  // namespace
+
+}  // namespace ZIRK::backends
