@@ -1,3 +1,7 @@
+// An edge covers what lies to its right: some of each pixel that it runs through, added to `area`,
+// and its whole height from there on, added once to `carry`; right sides take both away again. A
+// pixel's coverage is the sum of `carry` up to it and of its own `area`.
+
 #include "software/coverage.h"
 
 #include <algorithm>

@@ -1,3 +1,12 @@
+// How pixels get onto the target. The kernels draw on it directly if it has 32 bits a pixel and
+// new pixels replace the old ones or go over them.
+//
+//   Edges on whole pixels; source and mask, if any, unscaled, and the mask A8:
+//     directly, with a 32-bit source, or A8 and no mask   all rows at once by the kernels
+//     not directly                                        all rows at once by Pixman
+//   Anything else, and what Pixman cannot do              row by row: PaintRow()
+//   Slanted or masked lines                               pixel by pixel: painterline.cpp
+
 #include "software/painter.h"
 
 #include <algorithm>
