@@ -67,7 +67,7 @@ const Case kCases[] = {
     {"backends fb", 1, "^zirkinfo: no backend is called 'fb'\n$"},
     {"font nothing.ttf", 1, "^zirkinfo: nothing.ttf: face 0 cannot be opened\n$"},
     {"font $FONTS/README.md", 1, "^zirkinfo: .*README.md: face 0 cannot be opened\n$"},
-    {"card --backend bogus a.png", 1, "^zirkinfo: bogus: does not open here\n$"},
+    {"card --backend bogus --no-text a.png", 1, "^zirkinfo: bogus: does not open here\n$"},
     {"card --backend FB --no-text no/a.png", 1, "^no/a.png: No such file or directory\n$"},
     {"card --backend FB --font no.ttf a.png", 1,
      "^zirkinfo: no.ttf: cannot be opened as a font\n$"},
@@ -94,7 +94,7 @@ const Case kCases[] = {
      "format: bitmaps\nkerning: no\nglyphs: [45]\nrange: U\\+0020 U\\+0020\n"
      "range: U\\+0041 U\\+0042\nrange: U\\+00E9 U\\+00E9\ncharacters: 4\n"},
 
-    {"card a.png", 0, "^$", "ZIRK_DEFAULT_GFX_BACKEND=FB"},
+    {"card --font $FONTS/sans.ttf a.png", 0, "^$", "ZIRK_DEFAULT_GFX_BACKEND=FB"},
     {"compare --font $FONTS/sans.ttf --worst 0 FB FB", 0, "^worst: 0.0\nmean: 0.0000\n"},
     {"compare --no-text --worst 0 --screen FB FB", 0, "\npanel: text-effects 0.0 0.0000\n$"},
     {"compare --font $FONTS/sans.ttf --worst 2 FB Stub", 3, "^worst: 25[45]"},
