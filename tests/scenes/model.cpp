@@ -8,29 +8,15 @@ namespace ZIRK::model {
 
 namespace {
 
-Pixel Decode(VuPixelFormat format, const uint8_t* p) {
-  const uint32_t v16 = static_cast<uint32_t>(p[0] | p[1] << 8);
-  const auto field = [v16](int shift, uint32_t most) { return double(v16 >> shift & most) / most; };
-  switch (format) {
-    case VuPixelFormat::ARGB8888:
-      return {p[2] / 255.0, p[1] / 255.0, p[0] / 255.0, p[3] / 255.0};
-    case VuPixelFormat::XRGB8888:
-      return {p[2] / 255.0, p[1] / 255.0, p[0] / 255.0, 1};
-    case VuPixelFormat::RGB565:
-      return {field(11, 31), field(5, 63), field(0, 31), 1};
-    case VuPixelFormat::ARGB4444:
-      return {field(8, 15), field(4, 15), field(0, 15), field(12, 15)};
-    case VuPixelFormat::ARGB1555:
-      return {field(10, 31), field(5, 31), field(0, 31), field(15, 1)};
-    case VuPixelFormat::A8:
-      return {p[0] / 255.0, p[0] / 255.0, p[0] / 255.0, p[0] / 255.0};
+Pixel Decode(const Layout& layout, const uint8_t* p) {
+  uint32_t word = 0;
+  for (size_t i = 0; i < layout.bytes; ++i) word |= uint32_t{p[i]} << 8 * i;
+  Pixel pixel;
+  for (size_t c = 0; c < 4; ++c) {
+    const uint32_t most = (1u << layout.bits[c]) - 1;
+    pixel[c] = most ? double(word >> layout.shift[c] & most) / most : 1;
   }
-  return {};
-}
-
-int BytesPerPixel(VuPixelFormat format) {
-  if (format == VuPixelFormat::A8) return 1;
-  return format == VuPixelFormat::ARGB8888 || format == VuPixelFormat::XRGB8888 ? 4 : 2;
+  return pixel;
 }
 
 struct Vec {
@@ -185,39 +171,12 @@ double MaskAlpha(const Operation& op, Vec unit, Vec forward, bool& ambiguous) {
 }
 
 double FactorValue(VuBlendingFactor f, const Pixel& s, const Pixel& d, const Pixel& k, size_t c) {
-  switch (f) {
-    case VuBlendingFactor::Zero:
-      return 0;
-    case VuBlendingFactor::One:
-      return 1;
-    case VuBlendingFactor::SrcColor:
-      return s[c];
-    case VuBlendingFactor::OneMinusSrcColor:
-      return 1 - s[c];
-    case VuBlendingFactor::SrcAlpha:
-      return s[3];
-    case VuBlendingFactor::OneMinusSrcAlpha:
-      return 1 - s[3];
-    case VuBlendingFactor::DstAlpha:
-      return d[3];
-    case VuBlendingFactor::OneMinusDstAlpha:
-      return 1 - d[3];
-    case VuBlendingFactor::DstColor:
-      return d[c];
-    case VuBlendingFactor::OneMinusDstColor:
-      return 1 - d[c];
-    case VuBlendingFactor::SrcAlphaSaturate:
-      return c == 3 ? 1 : std::min(s[3], 1 - d[3]);
-    case VuBlendingFactor::BlendColor:
-      return k[c];
-    case VuBlendingFactor::OneMinusBlendColor:
-      return 1 - k[c];
-    case VuBlendingFactor::BlendAlpha:
-      return k[3];
-    case VuBlendingFactor::OneMinusBlendAlpha:
-      return 1 - k[3];
-  }
-  return 0;
+  constexpr auto kSaturate = VuBlendingFactor::SrcAlphaSaturate;
+  if (f == kSaturate) return c == 3 ? 1 : std::min(s[3], 1 - d[3]);
+  // The others come in pairs: a value, and what it lacks of one.
+  const double values[] = {0, s[c], s[3], d[3], d[c], k[c], k[3]};
+  const size_t i = static_cast<size_t>(f) - (f > kSaturate ? 1 : 0);
+  return i % 2 ? 1 - values[i / 2] : values[i / 2];
 }
 
 Pixel Blend(const Operation& op, const Pixel& s, const Pixel& d) {
@@ -234,16 +193,28 @@ Pixel Blend(const Operation& op, const Pixel& s, const Pixel& d) {
 
 }  // namespace
 
+const Layout& LayoutOf(VuPixelFormat format) {
+  static constexpr Layout kLayouts[] = {
+      {4, {8, 8, 8, 8}, {16, 8, 0, 24}},  // ARGB8888
+      {4, {8, 8, 8, 0}, {16, 8, 0, 24}},  // XRGB8888
+      {2, {5, 6, 5, 0}, {11, 5, 0, 0}},   // RGB565
+      {2, {4, 4, 4, 4}, {8, 4, 0, 12}},   // ARGB4444
+      {2, {5, 5, 5, 1}, {10, 5, 0, 15}},  // ARGB1555
+      {1, {8, 8, 8, 8}, {0, 0, 0, 0}},    // A8
+  };
+  return kLayouts[static_cast<size_t>(format)];
+}
+
 Picture::Picture(VuBitmap& bitmap) {
   const VuRect bounds = bitmap.GetBounds();
   width = bounds.width;
   height = bounds.height;
   format = bitmap.GetInfo().format;
-  const size_t bytes = static_cast<size_t>(BytesPerPixel(format));
-  std::vector<uint8_t> raw(static_cast<size_t>(width * height) * bytes + 1);
+  const Layout& layout = LayoutOf(format);
+  std::vector<uint8_t> raw(static_cast<size_t>(width * height) * layout.bytes);
   bitmap.GetPixels(bounds, raw.data());
   for (size_t i = 0; i < static_cast<size_t>(width * height); ++i)
-    pixels.push_back(Decode(format, &raw[i * bytes]));
+    pixels.push_back(Decode(layout, &raw[i * layout.bytes]));
 }
 
 Outcome Draw(const Operation& op, const Picture& target, int x, int y) {

@@ -13,6 +13,13 @@ namespace ZIRK::model {
 /// Red, green, blue, alpha; premultiplied, 0 to 1.
 using Pixel = std::array<double, 4>;
 
+/// Where a format has red, green, blue and alpha; what has no bits is 1.
+struct Layout {
+  size_t bytes;
+  std::array<int, 4> bits, shift;
+};
+const Layout& LayoutOf(VuPixelFormat format);
+
 struct Picture {
   int width, height;
   VuPixelFormat format;

@@ -3,12 +3,6 @@
 
 #include <zirk/utf8.h>
 
-#include <ft2build.h>
-#include FT_BITMAP_H
-#include FT_FREETYPE_H
-#include FT_GLYPH_H
-#include FT_STROKER_H
-
 #include <algorithm>
 #include <atomic>
 #include <cstdlib>
@@ -18,6 +12,7 @@
 
 #include "scenes/backends.h"
 #include "scenes/trial.h"
+#include "support/freetype.h"
 
 namespace ZIRK::scenes {
 namespace {
@@ -26,61 +21,8 @@ using Factor = VuBlendingFactor;
 using Format = VuPixelFormat;
 using Outline = VuFont::OutlineType;
 using Pixels = std::vector<uint32_t>;
-
-/// A glyph as FreeType renders it when it is asked directly.
-struct Letter {
-  FT_UInt index;
-  int x, y, width, height;  ///< From the pen's position at the top of the line.
-  int advance;
-  std::vector<uint8_t> coverage;
-};
-
-struct Typeface {
-  Typeface(const char* name, int size) {
-    FT_Init_FreeType(&library);
-    FT_New_Face(library, FontFile(name).c_str(), 0, &face);
-    FT_Set_Pixel_Sizes(face, 0, static_cast<FT_UInt>(size));
-  }
-  ~Typeface() { FT_Done_FreeType(library); }
-  int Ascender() const { return static_cast<int>(face->size->metrics.ascender >> 6); }
-
-  Letter Render(uint32_t code, int ascender, Outline outline = {}, float thickness = 0,
-                bool bold = false) const {
-    const FT_UInt index = FT_Get_Char_Index(face, code);
-    const bool filled = outline == Outline::None;
-    FT_Load_Glyph(
-        face, index,
-        (filled ? FT_LOAD_RENDER : FT_LOAD_NO_BITMAP) | FT_LOAD_IGNORE_GLOBAL_ADVANCE_WIDTH);
-    FT_GlyphSlot slot = face->glyph;
-    const FT_Pos strength = bold && filled ? face->size->metrics.height / 50 : 0;
-    if (strength && !FT_GlyphSlot_Own_Bitmap(slot))
-      FT_Bitmap_Embolden(library, &slot->bitmap, strength, strength);
-    FT_Stroker stroker;
-    FT_Stroker_New(library, &stroker);
-    FT_Stroker_Set(stroker, int(thickness * 64), FT_STROKER_LINECAP_ROUND,
-                   FT_STROKER_LINEJOIN_ROUND, 0);
-    FT_Glyph glyph;
-    FT_Get_Glyph(slot, &glyph);
-    if (outline == Outline::Stroked)
-      FT_Glyph_Stroke(&glyph, stroker, true);
-    else if (!filled)
-      FT_Glyph_StrokeBorder(&glyph, stroker, outline == Outline::Inner, true);
-    FT_Glyph_To_Bitmap(&glyph, FT_RENDER_MODE_NORMAL, nullptr, true);
-    const auto* const image = reinterpret_cast<FT_BitmapGlyph>(glyph);
-    const FT_Bitmap& b = image->bitmap;
-    const int width = int(b.width), height = int(b.rows), advance = int(slot->advance.x >> 6);
-    Letter letter{index, image->left, ascender - image->top, width, height, advance, {}};
-    for (int y = 0; y < letter.height; ++y)
-      letter.coverage.insert(letter.coverage.end(), b.buffer + y * b.pitch,
-                             b.buffer + y * b.pitch + b.width);
-    FT_Done_Glyph(glyph);
-    FT_Stroker_Done(stroker);
-    return letter;
-  }
-
-  FT_Library library;
-  FT_Face face;
-};
+using support::FreeType;
+using support::Letter;
 
 using Text = OnEachBackend;
 
@@ -135,7 +77,7 @@ constexpr VuColor kColor{0xC0F0A040};
 
 /// The letters, where they belong; `width` becomes the line's.
 std::vector<Letter> LayOut(const Line& l, int& width) {
-  const Typeface sans("sans.ttf", l.size), cjk("cjk.ttf", l.size + 4);
+  const FreeType sans(FontFile("sans.ttf"), l.size), cjk(FontFile("cjk.ttf"), l.size + 4);
   FT_Face previousFace = nullptr;
   FT_UInt previous = 0;
   std::vector<Letter> letters;
@@ -145,15 +87,15 @@ std::vector<Letter> LayOut(const Line& l, int& width) {
     const uint32_t code = GetUtf8Char(next, &length);
     if (length == 0) continue;
     const bool lent = !FT_Get_Char_Index(sans.face, code) && FT_Get_Char_Index(cjk.face, code);
-    const Typeface& from = lent ? cjk : sans;
-    Letter letter =
-        from.Render(code, sans.Ascender(), l.outline, l.thickness, l.mode == Mode::Bold);
+    const FreeType& from = lent ? cjk : sans;
+    Letter letter = from.Render(FT_Get_Char_Index(from.face, code), l.outline, l.thickness,
+                                l.mode == Mode::Bold);
     FT_Vector kerning = {0, 0};
     if (from.face == previousFace && letter.index != 0)
       FT_Get_Kerning(from.face, previous, letter.index, FT_KERNING_DEFAULT, &kerning);
     width += static_cast<int>(kerning.x >> 6);
     letter.x += kPosition.x + width;
-    letter.y += kPosition.y;
+    letter.y += kPosition.y + sans.Ascender() - from.Ascender();
     letters.push_back(letter);
     width += letter.advance;
     previousFace = from.face;
@@ -253,11 +195,11 @@ TEST_P(Text, WhatTheAtlasHoldsIsRightAndTheRestIsLeftOut) {
     GTEST_SKIP() << "2704 pictures take a renderer many minutes on an emulated processor";
   constexpr int kCell = 72;
   const TestFont font("symbols.ttf", 48);
-  const Typeface face("symbols.ttf", 48);
+  const FreeType face(FontFile("symbols.ttf"), 48);
   const auto target = NewTarget(kCell, kCell);
   int drawn = 0;
   for (uint32_t code = 0xE000; code < 0xE000 + 2704; ++code) {
-    const Letter letter = face.Render(code, face.Ascender());
+    const Letter letter = face.Render(FT_Get_Char_Index(face.face, code));
     Pixels expected(kCell * kCell), nothing = expected;
     for (int i = 0; i < letter.width * letter.height; ++i)
       expected[size_t((6 + letter.y + i / letter.width) * kCell + 6 + letter.x +

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <tuple>
 #include <vector>
 
 #include "scenes/backends.h"
@@ -17,23 +18,6 @@ constexpr double kFilterSteps = 3.01;
 // The model looks at 16 x 16 points of a pixel; a slanted edge may miss a row of them.
 constexpr double kEdgeSteps = 13;
 
-/// Bits of each channel.
-std::array<int, 4> ChannelBits(VuPixelFormat format) {
-  switch (format) {
-    case VuPixelFormat::ARGB8888:
-    case VuPixelFormat::XRGB8888:
-    case VuPixelFormat::A8:
-      return {8, 8, 8, 8};
-    case VuPixelFormat::RGB565:
-      return {5, 6, 5, 8};
-    case VuPixelFormat::ARGB4444:
-      return {4, 4, 4, 4};
-    case VuPixelFormat::ARGB1555:
-      return {5, 5, 5, 1};
-  }
-  return {};
-}
-
 /// Which doubles the error that the source came with.
 bool MultipliesSourceByItself(const model::Factors& f) {
   const auto depends = [](VuBlendingFactor factor) {
@@ -43,8 +27,12 @@ bool MultipliesSourceByItself(const model::Factors& f) {
   return depends(f.srcColor) || depends(f.srcAlpha);
 }
 
-bool HasAlpha(VuPixelFormat format) {
-  return format != VuPixelFormat::XRGB8888 && format != VuPixelFormat::RGB565;
+std::tuple<double, double, double, double> Numbers(const VuRect& r) {
+  return {r.x, r.y, r.width, r.height};
+}
+
+std::tuple<double, double, double, double> Numbers(const VuTRect2D<float>& r) {
+  return {r.x(), r.y(), r.width(), r.height()};
 }
 
 }  // namespace
@@ -64,7 +52,8 @@ void Trial::SetBlendColor(VuColor color) {
 }
 
 void Trial::DrawRect(VuRect r, VuColor color, VuTMatrix2D<float> m, MaskArgument mask) {
-  model::Operation op{double(r.x), double(r.y), double(r.width), double(r.height)};
+  model::Operation op;
+  std::tie(op.x, op.y, op.width, op.height) = Numbers(r);
   op.matrix = m;
   op.color = color;
   Check(op, nullptr, mask, [&] {
@@ -75,15 +64,13 @@ void Trial::DrawRect(VuRect r, VuColor color, VuTMatrix2D<float> m, MaskArgument
   });
 }
 
-void Trial::DrawObject(VuRect dst, VuBitmap& src, VuRect srcRect, VuTMatrix2D<float> m,
-                       VuColor color, MaskArgument mask) {
-  model::Operation op{double(dst.x), double(dst.y), double(dst.width), double(dst.height)};
+template <class Rect>
+void Trial::Blit(model::Operation op, Rect dst, VuBitmap& src, Rect srcRect, VuTMatrix2D<float> m,
+                 VuColor color, MaskArgument mask) {
+  std::tie(op.x, op.y, op.width, op.height) = Numbers(dst);
+  std::tie(op.srcX, op.srcY, op.srcWidth, op.srcHeight) = Numbers(srcRect);
   op.matrix = m;
   op.color = color;
-  op.srcX = srcRect.x;
-  op.srcY = srcRect.y;
-  op.srcWidth = srcRect.width;
-  op.srcHeight = srcRect.height;
   Check(op, &src, mask, [&] {
     if (mask.bitmap)
       target_->DrawObject(dst, src, srcRect, m, color, *mask.bitmap, mask.coords);
@@ -92,22 +79,16 @@ void Trial::DrawObject(VuRect dst, VuBitmap& src, VuRect srcRect, VuTMatrix2D<fl
   });
 }
 
+void Trial::DrawObject(VuRect dst, VuBitmap& src, VuRect srcRect, VuTMatrix2D<float> m,
+                       VuColor color, MaskArgument mask) {
+  Blit({}, dst, src, srcRect, m, color, mask);
+}
+
 void Trial::DrawSubPixel(VuTRect2D<float> dst, VuBitmap& src, VuTRect2D<float> srcRect,
                          VuTMatrix2D<float> m, VuColor color, MaskArgument mask) {
-  model::Operation op{double(dst.x()), double(dst.y()), double(dst.width()), double(dst.height())};
+  model::Operation op;
   op.subPixel = true;
-  op.matrix = m;
-  op.color = color;
-  op.srcX = double(srcRect.x());
-  op.srcY = double(srcRect.y());
-  op.srcWidth = double(srcRect.width());
-  op.srcHeight = double(srcRect.height());
-  Check(op, &src, mask, [&] {
-    if (mask.bitmap)
-      target_->DrawObject(dst, src, srcRect, m, color, *mask.bitmap, mask.coords);
-    else
-      target_->DrawObject(dst, src, srcRect, m, color);
-  });
+  Blit(op, dst, src, srcRect, m, color, mask);
 }
 
 template <typename F>
@@ -139,13 +120,12 @@ void Trial::CheckPixel(const model::Operation& op, const model::Picture& before,
   const model::Outcome expected = model::Draw(op, before, x, y);
   if (!expected.touched && expected.near) return;
   if (expected.ambiguous) return;
-  const std::array<int, 4> bits = ChannelBits(after.format);
+  const std::array<int, 4>& bits = model::LayoutOf(after.format).bits;
   const bool filtered = op.source.bilinear || op.mask.bilinear;
   const double precision =
       (filtered ? kFilterSteps : kSteps) * (MultipliesSourceByItself(op.factors) ? 2 : 1);
   const double tolerance = expected.partly ? kEdgeSteps : expected.touched ? precision : 0.01;
-  for (size_t c = after.format == VuPixelFormat::A8 ? 3 : 0; c < (HasAlpha(after.format) ? 4 : 3);
-       ++c) {
+  for (size_t c = after.format == VuPixelFormat::A8 ? 3 : 0; c < 4 && bits[c] > 0; ++c) {
     // A narrow channel stands for all values that it may have been narrowed from: by dropping bits,
     // or with some drivers of OpenGL by rounding to the nearest level.
     const double most = (1 << bits[c]) - 1, level = std::round(after.At(x, y)[c] * most);

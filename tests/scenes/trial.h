@@ -45,6 +45,9 @@ class Trial {
                     VuTMatrix2D<float> m = {}, VuColor color = white, MaskArgument mask = {});
 
  private:
+  template <class Rect>
+  void Blit(model::Operation op, Rect dst, VuBitmap& src, Rect srcRect, VuTMatrix2D<float> m,
+            VuColor color, MaskArgument mask);
   template <typename F>
   void Check(model::Operation op, VuBitmap* src, const MaskArgument& mask, F&& draw);
   void CheckPixel(const model::Operation& op, const model::Picture& before,

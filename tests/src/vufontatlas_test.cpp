@@ -2,11 +2,6 @@
 #include <gtest/gtest.h>
 #include <zirk/backend.h>
 
-#include <ft2build.h>
-#include FT_BITMAP_H
-#include FT_FREETYPE_H
-#include FT_STROKER_H
-
 #include <algorithm>
 #include <array>
 #include <chrono>
@@ -22,6 +17,7 @@
 
 #include "doubles/memorygraphics.h"
 #include "support/fonts.h"
+#include "support/freetype.h"
 #include "support/logged.h"
 
 namespace ZIRK {
@@ -30,69 +26,19 @@ namespace {
 using doubles::MemoryBitmap;
 using doubles::MemoryGraphics;
 using support::FontFile;
+using support::FreeType;
+using support::Letter;
 using support::LoggedAt;
 using Type = VuFont::OutlineType;
-
-/// Left, top, advance, width, height and coverage.
-using Picture = std::tuple<int, int, int, int, int, std::vector<uint8_t>>;
-
-/// FreeType, asked without the library.
-struct FreeType {
-  FT_Library library = nullptr;
-  FT_Face face = nullptr;
-
-  FreeType(const char* file, int size) {
-    FT_Init_FreeType(&library);
-    EXPECT_EQ(FT_New_Face(library, FontFile(file).c_str(), 0, &face), 0);
-    FT_Set_Pixel_Sizes(face, 0, static_cast<FT_UInt>(size));
-  }
-  ~FreeType() {
-    FT_Done_Face(face);
-    FT_Done_FreeType(library);
-  }
-
-  Picture Render(unsigned index, Type type = Type::None, int radius = 0, bool bold = false) const {
-    const bool filled = type == Type::None;
-    FT_GlyphSlot const slot = face->glyph;
-    EXPECT_EQ(FT_Load_Glyph(face, index, filled ? FT_LOAD_RENDER : FT_LOAD_NO_BITMAP), 0);
-    FT_Glyph glyph;
-    FT_Get_Glyph(slot, &glyph);
-    if (!filled) {
-      FT_Stroker stroker;
-      FT_Stroker_New(library, &stroker);
-      FT_Stroker_Set(stroker, radius, FT_STROKER_LINECAP_ROUND, FT_STROKER_LINEJOIN_ROUND, 0);
-      if (type == Type::Stroked) FT_Glyph_Stroke(&glyph, stroker, true);
-      if (type == Type::Outer) FT_Glyph_StrokeBorder(&glyph, stroker, false, true);
-      if (type == Type::Inner) FT_Glyph_StrokeBorder(&glyph, stroker, true, true);
-      FT_Stroker_Done(stroker);
-      FT_Glyph_To_Bitmap(&glyph, FT_RENDER_MODE_NORMAL, nullptr, true);
-    }
-    const auto rendered = reinterpret_cast<FT_BitmapGlyph>(glyph);
-    FT_Bitmap& map = rendered->bitmap;
-    const FT_Pos strength = face->size->metrics.height / 50;
-    if (bold) FT_Bitmap_Embolden(library, &map, strength, strength);
-    const bool mono = map.pixel_mode == FT_PIXEL_MODE_MONO;
-    const int top = int(face->size->metrics.ascender >> 6) - rendered->top;
-    Picture picture(rendered->left, top, slot->advance.x >> 6, map.width, map.rows, 0);
-    for (unsigned y = 0; y < map.rows; ++y)
-      for (unsigned x = 0; x < map.width; ++x) {
-        const unsigned char* const row = map.buffer + int(y) * map.pitch;
-        const int pixel = mono ? (row[x / 8] << x % 8 & 0x80 ? 255 : 0) : row[x];
-        std::get<5>(picture).push_back(uint8_t(pixel));
-      }
-    FT_Done_Glyph(glyph);
-    return picture;
-  }
-};
 
 const MemoryBitmap& Surface(const VuTextureAtlasImpl& atlas) {
   return *reinterpret_cast<const MemoryBitmap*>(atlas.GetBitmap().get());
 }
 
-Picture Placed(const Glyph& g, const VuTextureAtlasImpl& atlas) {
+Letter Placed(const Glyph& g, const VuTextureAtlasImpl& atlas) {
   EXPECT_TRUE(g.inAtlas);
   const auto pixels = Surface(atlas).At({g.x, g.y, g.width, g.height});
-  return {g.left, g.top, g.advance, g.width, g.height, pixels};
+  return {g.index, g.left, g.top, g.width, g.height, g.advance, pixels};
 }
 
 class FontAtlas : public testing::Test {
@@ -209,7 +155,7 @@ TEST_F(FontAtlas, GlyphsAsFreeTypeRendersThem) {
   };
   for (const auto& [file, size, bold, type, thickness] : cases) {
     SCOPED_TRACE(testing::Message() << file << size << bold << int(type));
-    const FreeType reference(file, size);
+    const FreeType reference(FontFile(file), size);
     VuFontAtlas font = Open(file, size, bold);
     font.SetOutlineType(type);
     font.SetOutlineThickness(thickness);
@@ -217,15 +163,16 @@ TEST_F(FontAtlas, GlyphsAsFreeTypeRendersThem) {
     const std::vector<unsigned> codes = {'A', 'B', 0xE9, ' '};
     const auto expected = [&](unsigned code, bool drawn) {
       const unsigned index = FT_Get_Char_Index(reference.face, code);
-      return reference.Render(index, type, int(thickness * 64), drawn && emboldened);
+      return reference.Render(index, type, thickness, drawn && emboldened);
     };
     int tallest = 0;
     for (const unsigned code : codes) {
       const Glyph* const g = font.GetGlyph(code, false);
-      Picture measured = expected(code, false);
+      Letter measured = expected(code, false);
       tallest = std::max(tallest, g->height);
-      std::get<5>(measured).clear();
-      EXPECT_EQ(Picture(g->left, g->top, g->advance, g->width, g->height, {}), measured);
+      measured.coverage.clear();
+      const Letter found{g->index, g->left, g->top, g->width, g->height, g->advance, {}};
+      EXPECT_EQ(found, measured);
       EXPECT_FALSE(g->inAtlas);
     }
     const auto atlas = font.GetAtlas(graphics.get());
@@ -264,8 +211,7 @@ TEST_F(FontAtlas, WhatStandsInForMissingGlyphs) {
     const auto atlas = font.GetAtlas(graphics.get());
     const Glyph* const glyph = font.GetGlyph(kHan, true);
     EXPECT_EQ(glyph->index, han);
-    EXPECT_EQ(std::get<5>(Placed(*glyph, *atlas)),
-              std::get<5>(FreeType("cjk.ttf", 30).Render(han)));
+    EXPECT_EQ(Placed(*glyph, *atlas).coverage, FreeType(cjkFile, 30).Render(han).coverage);
     EXPECT_EQ(glyph->top, font.GetAscent() - glyph->face->glyph->bitmap_top);
     EXPECT_EQ(font.GetOneLineWidth("\u65E5"), 30);
     EXPECT_EQ(LoggedAt(6, [&, n = none] { font.SetFallbackFont(n); }), logged);
@@ -391,7 +337,7 @@ TEST_F(FontAtlas, MeasuringWhatIsKnownWaitsForNobody) {
 }
 
 TEST_F(FontAtlas, TheAtlasGrowsUntilItIsFull) {
-  const FreeType reference("symbols.ttf", 48);
+  const FreeType reference(FontFile("symbols.ttf"), 48);
   for (const int type : {5, 0}) {
     graphics.type = type;
     graphics.heights.clear();
@@ -438,7 +384,7 @@ TEST_F(FontAtlas, WithoutMemoryForTheAtlas) {
   unsigned code = 'A';
   while (Add(font, 'A')->inAtlas) ASSERT_TRUE(font.GetGlyph(++code, true)->inAtlas);
   EXPECT_GT(code, unsigned('Z'));
-  const FreeType reference("sans.ttf", 24);
+  const FreeType reference(FontFile("sans.ttf"), 24);
   for (const unsigned c : {code, unsigned('A')}) {
     const Glyph* const g = font.GetGlyph(c, true);
     EXPECT_EQ(Placed(*g, *atlas), reference.Render(g->index));
@@ -469,7 +415,7 @@ TEST_F(FontAtlas, ThreadsShareAFont) {
   const int first = sums[0].get();
   for (size_t thread = 1; thread < sums.size(); ++thread) EXPECT_EQ(sums[thread].get(), first);
   const Glyph* const a = font.GetGlyph('A', true);
-  EXPECT_EQ(Placed(*a, *atlas), FreeType("sans.ttf", 16).Render(a->index, Type::Outer));
+  EXPECT_EQ(Placed(*a, *atlas), FreeType(FontFile("sans.ttf"), 16).Render(a->index, Type::Outer));
 }
 
 }  // namespace
