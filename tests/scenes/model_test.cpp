@@ -273,6 +273,14 @@ TEST_P(Model, RandomOperations) {
     trial.DrawObject({number(-9, 40), number(-9, 40), number(1, 40), number(1, 40)}, *src,
                      {number(-5, 20), number(-5, 20), number(1, 40), number(1, 40)}, t, color,
                      masked);
+    // As most is drawn, in its own size.
+    const int width = number(1, 40), height = number(1, 40);
+    const VuRect dst{number(-9, 40), number(-9, 40), width, height};
+    trial.DrawRect(dst, color);
+    trial.DrawObject(dst, *src, {number(-5, 20), number(-5, 20), width, height},
+                     VuTransform(0, 0, 1, 1, 0), color);
+    trial.DrawObject(dst, *src, {number(-5, 20), number(-5, 20), width, height},
+                     VuTransform(3, 4, 1, 1, 0));
   }
 }
 

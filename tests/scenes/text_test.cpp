@@ -13,6 +13,7 @@
 #include "scenes/backends.h"
 #include "scenes/trial.h"
 #include "support/freetype.h"
+#include "support/pixels.h"
 
 namespace ZIRK::scenes {
 namespace {
@@ -20,21 +21,15 @@ namespace {
 using Factor = VuBlendingFactor;
 using Format = VuPixelFormat;
 using Outline = VuFont::OutlineType;
-using Pixels = std::vector<uint32_t>;
 using support::FreeType;
 using support::Letter;
+using support::Pixels;
+using support::PixelsOf;
 
 using Text = OnEachBackend;
 
 INSTANTIATE_TEST_SUITE_P(Backends, Text, testing::ValuesIn(kBackends),
                          [](const auto& test) { return std::string(test.param); });
-
-Pixels PixelsOf(VuBitmap& bitmap) {
-  const VuRect bounds = bitmap.GetBounds();
-  Pixels pixels(static_cast<size_t>(bounds.width) * static_cast<size_t>(bounds.height));
-  bitmap.GetPixels(bounds, pixels.data());
-  return pixels;
-}
 
 enum class Mode { Usual, BlendingOff, OtherFactors, Clipped, Narrow, Bold };
 

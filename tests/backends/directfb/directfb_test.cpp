@@ -10,12 +10,14 @@
 #include <utility>
 
 #include "backends/common/oneerror.h"
+#include "support/pixels.h"
 
 namespace ZIRK::tests {
 namespace {
 
 using GraphicsPtr = std::unique_ptr<VuGraphics>;
 using BitmapPtr = std::unique_ptr<VuBitmap>;
+using support::PixelOf;
 
 /// Goes when DirectFB's own static objects have gone.
 BitmapPtr leftAlive[2];
@@ -25,12 +27,6 @@ constexpr uint32_t kRed = 0xFFE04030, kGreen = 0xFF30C060;
 
 GraphicsPtr Open() {
   return GraphicsPtr(VuGraphics::Create("DirectFB", false));
-}
-
-uint32_t PixelOf(VuBitmap& bitmap, int x, int y) {
-  uint32_t pixel = 0;
-  EXPECT_TRUE(bitmap.GetPixels({x, y, 1, 1}, &pixel));
-  return pixel;
 }
 
 // The first test of the process: DirectFB has to be yet to start.
@@ -134,20 +130,14 @@ TEST_F(DirectFb, LockedSurfacesAreDrawnOnAndReadAsEver) {
   screen->SwapBuffers();
 }
 
-TEST_F(DirectFb, SurfacesOutliveTheirContextAndAreReadByAnother) {
-  GraphicsPtr other = Open();
-  BitmapPtr screen = Screen(0, true);
-  BitmapPtr orphan(graphics_->CreateBitmap(8, 8, VuPixelFormat::ARGB8888));
-  const BitmapPtr target(other->CreateBitmap(8, 8, VuPixelFormat::ARGB8888));
+TEST_F(DirectFb, SurfacesOutliveTheirContextAndTheProcess) {
+  leftAlive[0] = Screen(0, true);
+  leftAlive[1].reset(graphics_->CreateBitmap(8, 8, VuPixelFormat::ARGB8888));
   graphics_.reset();
-  orphan->Clear(VuColor{kRed});
-  target->DrawObject({0, 0, 8, 8}, *orphan);
-  other.reset();
-  screen->DrawObject({0, 0, 8, 8}, *target);
-  screen->SwapBuffers();
-  EXPECT_EQ(PixelOf(*screen, 7, 7), kRed);
-  leftAlive[0] = std::move(screen);
-  leftAlive[1] = std::move(orphan);
+  leftAlive[1]->Clear(VuColor{kRed});
+  leftAlive[0]->DrawObject({0, 0, 8, 8}, *leftAlive[1]);
+  leftAlive[0]->SwapBuffers();
+  EXPECT_EQ(PixelOf(*leftAlive[0], 7, 7), kRed);
 }
 
 }  // namespace

@@ -13,11 +13,13 @@
 #include "backends/common/oneerror.h"
 #include "backends/opengles2/injected.h"
 #include "hybrid/hybridgraphics.h"
+#include "support/pixels.h"
 
 namespace ZIRK::backends {
 namespace {
 
-using Pixels = std::vector<uint32_t>;
+using support::Pixels;
+using support::PixelsOf;
 const VuTMatrix2D<float> kIdentity;
 constexpr VuColor kRed{0xFFFF0000}, kBlue{0xFF0000FF};
 
@@ -44,12 +46,6 @@ class Hybrid : public InjectedGl {
   static void Draw(VuBitmapImpl& target, VuBitmapImpl& src) {
     const VuRect all = src.GetBounds();
     target.DrawObject(all, &src, all, kIdentity, white, nullptr, nullptr);
-  }
-  static Pixels PixelsOf(VuBitmapImpl& surface) {
-    const VuRect all = surface.GetBounds();
-    Pixels pixels(static_cast<size_t>(all.width) * static_cast<size_t>(all.height));
-    EXPECT_TRUE(surface.GetPixels(all, pixels.data()));
-    return pixels;
   }
 
   std::unique_ptr<VuGraphicsImpl> graphics_;

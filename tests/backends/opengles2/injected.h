@@ -10,8 +10,11 @@
 #include "opengles2/glgraphics.h"
 #include "opengles2/glscreen.h"
 #include "support/offscreen.h"
+#include "support/pixels.h"
 
 namespace ZIRK::backends {
+
+using support::PixelOf;
 
 /// OpenGL off-screen, with functions of SDL's or OpenGL's replaced before it is started.
 class InjectedGl : public testing::Test {
@@ -67,11 +70,6 @@ class InjectedGl : public testing::Test {
   static ScreenPtr NewScreen(VuGraphicsImpl& graphics, int width, int height, uint8_t index = 0,
                              VuPixelFormat format = VuPixelFormat::ARGB8888) {
     return ScreenPtr(graphics.CreateScreen({width, height, index, 2, format, false}));
-  }
-  static uint32_t PixelOf(VuBitmapImpl& bitmap, int x, int y) {
-    uint32_t pixel = 0;
-    EXPECT_TRUE(bitmap.GetPixels({x, y, 1, 1}, &pixel));
-    return pixel;
   }
   static std::unique_ptr<GlGraphics> NewContext() {
     auto device = GlDevice::Acquire();

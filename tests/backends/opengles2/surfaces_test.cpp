@@ -136,62 +136,6 @@ TEST_F(Surfaces, WritingComesAfterWhatReadsThePixelsAndInterruptsNothingElse) {
     EXPECT_EQ(PixelOf(*target, 4 + 8 * i, 4), expected[static_cast<size_t>(i)]) << i;
 }
 
-TEST_F(Surfaces, PixelsOfEveryFormatGoInAndOut) {
-  for (int format = 0; format < 6; ++format) {
-    const BitmapPtr bitmap = New(7, 5, Format(format));
-    const auto bytes = static_cast<unsigned>(7 * BytesPerPixel(Format(format)));
-    std::vector<uint8_t> in(bytes * 5), out(in.size());
-    for (size_t i = 0; i < in.size(); ++i)
-      in[i] = format == 1 && i % 4 == 3 ? 255 : static_cast<uint8_t>(i * 37 + 11);
-    EXPECT_TRUE(bitmap->SetPixels({0, 0, 7, 5}, in.data(), bytes));
-    ASSERT_TRUE(bitmap->Lock(true));
-    EXPECT_FALSE(bitmap->Lock(false));
-    auto* const locked = static_cast<uint8_t*>(bitmap->GetInfo().pixels);
-    EXPECT_EQ(std::vector<uint8_t>(locked, locked + in.size()), in) << format;
-    locked[0] = in[0] ^= 1;
-    EXPECT_TRUE(bitmap->Unlock());
-    EXPECT_EQ(bitmap->GetInfo().pixels, nullptr);
-    EXPECT_TRUE(bitmap->GetPixels({0, 0, 7, 5}, out.data()));
-    EXPECT_EQ(in, out) << format;
-    EXPECT_FALSE(bitmap->GetPixels({1, 0, 7, 5}, out.data()));
-  }
-}
-
-TEST_F(Surfaces, AScreenIsLikeABitmap) {
-  const ScreenPtr screen = NewScreen(*graphics_, 40, 30);
-  const BitmapPtr bitmap = New(40, 30);
-  for (VuBitmapImpl* target : {static_cast<VuBitmapImpl*>(screen.get()), bitmap.get()}) {
-    target->Clear(VuColor{0xFF102030});
-    const uint32_t pixels[] = {0xFF0000FFu, 0x80008000u};
-    target->SetPixels({3, 2, 2, 1}, pixels, 8);
-    target->DrawRect({-6, -6, 12, 12}, VuColor{0xC0F0D040}, VuTransform(20, 15, 1, 1, 30), nullptr,
-                     nullptr);
-    Draw(*target, {22, 10, 16, 16}, *target, {2, 1, 8, 8});
-    target->CopyPixels({30, 1}, target, {2, 1, 8, 8});
-  }
-  EXPECT_TRUE(bitmap->IsTextureBacked());
-  EXPECT_FALSE(screen->IsTextureBacked());
-  screen->SwapBuffers();
-  std::vector<uint32_t> pixels[2] = {std::vector<uint32_t>(1200), std::vector<uint32_t>(1200)};
-  EXPECT_TRUE(screen->GetPixels({0, 0, 40, 30}, pixels[0].data()));
-  EXPECT_TRUE(bitmap->GetPixels({0, 0, 40, 30}, pixels[1].data()));
-  EXPECT_EQ(pixels[0], pixels[1]);
-  Draw(*bitmap, {0, 0, 40, 30}, *screen, {0, 0, 40, 30});
-  EXPECT_EQ(PixelOf(*bitmap, 3, 2), 0xFF0000FFu);
-}
-
-TEST_F(Surfaces, OutliveTheirContextAndAreDrawnByAnother) {
-  BitmapPtr orphan = New(4, 4);
-  const auto other = NewContext();
-  orphan->Clear(VuColor{0xFF123456});
-  graphics_.reset();
-  const BitmapPtr target = InjectedGl::New(*other, 8, 8);
-  Draw(*target, {0, 0, 4, 4}, *orphan, {0, 0, 4, 4});
-  orphan.reset();
-  EXPECT_EQ(PixelOf(*target, 3, 3), 0xFF123456u);
-  EXPECT_EQ(PixelOf(*target, 4, 4), 0u);
-}
-
 TEST_F(Surfaces, AreHandedToAnotherThreadByFlush) {
   const BitmapPtr bitmap = New(4, 4);
   graphics_->Flush();

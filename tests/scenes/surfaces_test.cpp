@@ -1,0 +1,153 @@
+// What surfaces do beside drawing, and lines and points pixel by pixel, by every backend.
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+#include "scenes/backends.h"
+#include "support/pixels.h"
+
+namespace ZIRK::scenes {
+namespace {
+
+using Format = VuPixelFormat;
+using support::Pixels;
+using support::PixelsOf;
+using Surfaces = OnEachBackend;
+
+INSTANTIATE_TEST_SUITE_P(Backends, Surfaces, testing::ValuesIn(kBackends),
+                         [](const auto& test) { return std::string(test.param); });
+
+TEST_P(Surfaces, PixelsGoInAndOut) {
+  constexpr struct {
+    size_t bytes;
+    uint32_t first, cleared;
+  } kFormats[] = {{4, 0, 0x80402010u}, {4, 0xFF000000u, 0xFF402010u},
+                  {2, 0, 0x4102u},     {2, 0, 0x8421u},
+                  {2, 0, 0xA082u},     {1, 0, 0x80u}};
+  for (size_t format = 0; format < 6; ++format) {
+    SCOPED_TRACE(format);
+    const auto& [bytes, first, cleared] = kFormats[format];
+    const auto target = NewTarget(60, 40, Format(format));
+    const auto at = [&](int x, int y) {
+      uint32_t pixel = 0;
+      EXPECT_TRUE(target->GetPixels({x, y, 1, 1}, &pixel));
+      return pixel;
+    };
+    const int type = graphics_->GetGraphicsType();
+    EXPECT_EQ(target->IsTextureBacked(), type == 1 || type == 2);
+    EXPECT_EQ(at(59, 39), first);
+    target->SetClippingRect({5, 5, 1, 1});
+    target->Clear(VuColor{0x80804020});
+    EXPECT_EQ(std::pair(at(0, 0), at(59, 39)), std::pair(cleared, cleared));
+
+    std::vector<uint8_t> in(8 * bytes), out(6 * bytes + 1, 7);  // Two rows of three, four apart.
+    for (size_t i = 0; i < in.size(); ++i) in[i] = static_cast<uint8_t>(i * 37 + 11);
+    EXPECT_TRUE(target->SetPixels({1, 1, 3, 2}, in.data(), static_cast<unsigned>(4 * bytes)));
+    // What is opaque stays so.
+    for (size_t i = 3; first != 0 && i < in.size(); i += 4) in[i] = 0xFF;
+    EXPECT_TRUE(target->GetPixels({1, 1, 3, 2}, out.data()));
+    EXPECT_EQ(std::memcmp(&out[0], &in[0], 3 * bytes), 0);
+    EXPECT_EQ(std::memcmp(&out[3 * bytes], &in[4 * bytes], 3 * bytes), 0);
+    EXPECT_EQ(out.back(), 7);
+
+    EXPECT_FALSE(target->Unlock());
+    EXPECT_EQ(target->GetInfo().pixels, nullptr);
+    ASSERT_TRUE(target->Lock());
+    EXPECT_FALSE(target->Lock(false));
+    auto* const locked = static_cast<uint8_t*>(target->GetInfo().pixels);
+    uint8_t* const second = locked + target->GetInfo().pitch + bytes;
+    EXPECT_EQ(std::memcmp(second, in.data(), 3 * bytes), 0);
+    std::memset(second, 0x21, bytes);
+    EXPECT_TRUE(target->Unlock());
+    EXPECT_EQ(target->GetInfo().pixels, nullptr);
+    EXPECT_EQ(at(1, 1), 0x21212121u >> (32 - 8 * bytes) | first);
+
+    for (const VuRect& outside : {VuRect{-1, 0, 2, 2}, VuRect{58, 0, 3, 1}, VuRect{0, 39, 1, 2},
+                                  VuRect{2, 2, -1, 1}, VuRect{1, 1, INT32_MAX, 1}}) {
+      EXPECT_FALSE(target->SetPixels(outside, in.data(), 16));
+      EXPECT_FALSE(target->GetPixels(outside, out.data()));
+    }
+    EXPECT_FALSE(target->SetPixels({0, 0, 1, 1}, nullptr, 4));
+    EXPECT_FALSE(target->GetPixels({0, 0, 1, 1}, nullptr));
+  }
+}
+
+TEST_P(Surfaces, CopyPixelsCutsConvertsAndOverlaps) {
+  const auto coverage = New(4, 4, Format::A8), target = NewTarget(4, 4);
+  coverage->Clear(VuColor{0x60000000});
+  EXPECT_TRUE(target->CopyPixels({3, -1}, *coverage, {2, 1, 100, 100}));
+  EXPECT_TRUE(target->CopyPixels({INT32_MAX, 0}, *coverage, {INT32_MIN, 0, 100, 100}));
+  Pixels expected(16);
+  expected[3] = expected[7] = 0x60606060u;
+  EXPECT_EQ(PixelsOf(*target), expected);
+  for (const VuPoint move : {VuPoint{1, 1}, VuPoint{-1, -1}, VuPoint{1, -1}, VuPoint{-1, 0}}) {
+    const auto within = NewTarget(5, 5);
+    Pixels pixels(25);
+    for (uint32_t i = 0; i < 25; ++i) pixels[i] = 0xFF000000u + i;
+    within->SetPixels({0, 0, 5, 5}, pixels.data(), 20);
+    within->CopyPixels({1 + move.x, 1 + move.y}, *within, {1, 1, 3, 3});
+    const Pixels moved = PixelsOf(*within);
+    for (int i : {6, 7, 8, 11, 12, 13, 16, 17, 18})
+      EXPECT_EQ(moved[size_t(i + move.y * 5 + move.x)], pixels[size_t(i)]) << i;
+  }
+}
+
+TEST_P(Surfaces, LinesAreTheSameBothWaysAndHaveBothEnds) {
+  const auto target = NewTarget(20, 20);
+  for (int dx = -9; dx <= 9; ++dx)
+    for (int dy = -9; dy <= 9; ++dy) {
+      const VuPoint from{10, 10}, to{10 + dx, 10 + dy};
+      const auto drawn = [&](VuPoint a, VuPoint b) {
+        target->Clear();
+        target->DrawLine(a, b, white);
+        return PixelsOf(*target);
+      };
+      const Pixels there = drawn(from, to);
+      ASSERT_EQ(there, drawn(to, from)) << dx << ", " << dy;
+      ASSERT_EQ(std::count(there.begin(), there.end(), ~0u),
+                std::max(std::abs(dx), std::abs(dy)) + 1);
+      ASSERT_EQ(there[10 * 20 + 10] & there[size_t(to.y * 20 + to.x)], ~0u) << dx << ", " << dy;
+    }
+}
+
+TEST_P(Surfaces, ClippedLinesKeepTheirPixels) {
+  const auto whole = NewTarget(40, 40), clipped = NewTarget(40, 40);
+  clipped->SetClippingRect({7, 9, 20, 17});
+  for (int i = 0; i < 40; i += 3)
+    for (VuBitmap* const target : {whole.get(), clipped.get()})
+      target->DrawLine(VuPoint{-13, i * 3 - 40}, VuPoint{61, 47 - i}, VuColor{0x80FFFFFF});
+  Pixels expected = PixelsOf(*whole);
+  for (int i = 0; i < 1600; ++i)
+    if (i % 40 < 7 || i % 40 >= 27 || i / 40 < 9 || i / 40 >= 26) expected[size_t(i)] = 0;
+  EXPECT_EQ(PixelsOf(*clipped), expected);
+}
+
+TEST_P(Surfaces, PointsCoverSquaresAroundTheirPixel) {
+  constexpr struct {
+    float size;
+    int first, last;
+  } kCases[] = {{0.2f, 10, 10}, {1, 10, 10}, {2, 10, 11}, {3, 9, 11}, {4, 9, 12}, {5, 8, 12}};
+  for (const auto& c : kCases) {
+    const auto target = NewTarget(20, 20);
+    target->DrawPoint({10, 10}, c.size, white);
+    for (int i = 0; i < 400; ++i)
+      ASSERT_EQ(PixelsOf(*target)[size_t(i)] != 0,
+                i % 20 >= c.first && i % 20 <= c.last && i / 20 >= c.first && i / 20 <= c.last)
+          << c.size << " at " << i;
+  }
+}
+
+TEST_P(Surfaces, OutliveTheirContextAndAreReadByAnother) {
+  const auto orphan = NewTarget(8, 8);
+  const auto other = Open(GetParam());
+  const auto target = scenes::NewTarget(*other, 8, 8);
+  graphics_.reset();
+  orphan->Clear(VuColor{0xFF123456});
+  target->DrawObject({0, 0, 8, 8}, *orphan);
+  EXPECT_EQ(PixelsOf(*target), Pixels(64, 0xFF123456u));
+}
+
+}  // namespace
+}  // namespace ZIRK::scenes
