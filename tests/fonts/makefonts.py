@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Makes the test fonts in this folder from installed ones. See README.md."""
+"""Makes the outline fonts in this folder from installed ones. See README.md."""
 
 import os
 
@@ -150,33 +150,7 @@ def make_symbols():
     save(font, "symbols.ttf")
 
 
-BITMAPS = {
-    # A square with a hole, a slope, a bar that lies to the left of the pen, and nothing.
-    0x41: (8, (0, 0, 6, 6), ["FC", "84", "84", "84", "84", "FC"]),
-    0x42: (5, (1, -2, 4, 4), ["80", "40", "20", "10"]),
-    0xE9: (9, (-1, 3, 12, 2), ["FFF0", "FFF0"]),
-    0x20: (4, (0, 0, 0, 0), []),
-}
-
-
-def make_bitmaps(file, family, registry, encoding):
-    lines = ["STARTFONT 2.1",
-             f"FONT -ZIRK-{family}-Medium-R-Normal--10-100-72-72-P-70-{registry}-{encoding}",
-             "SIZE 10 72 72", "FONTBOUNDINGBOX 13 10 -1 -2", "STARTPROPERTIES 6",
-             f'FAMILY_NAME "{family}"', f'CHARSET_REGISTRY "{registry}"',
-             f'CHARSET_ENCODING "{encoding}"', "FONT_ASCENT 8", "FONT_DESCENT 2",
-             "DEFAULT_CHAR 65", "ENDPROPERTIES", f"CHARS {len(BITMAPS)}"]
-    for code, (advance, (left, bottom, width, height), rows) in sorted(BITMAPS.items()):
-        lines += [f"STARTCHAR u{code:04X}", f"ENCODING {code}", f"SWIDTH {advance * 100} 0",
-                  f"DWIDTH {advance} 0", f"BBX {width} {height} {left} {bottom}", "BITMAP", *rows,
-                  "ENDCHAR"]
-    with open(os.path.join(FOLDER, file), "w") as out:
-        out.write("\n".join([*lines, "ENDFONT", ""]))
-
-
 make_sans()
 make_cjk()
 make_collection()
 make_symbols()
-make_bitmaps("bitmap.bdf", "ZIRK Test Bitmap", "ISO10646", "1")
-make_bitmaps("nounicode.bdf", "ZIRK Test No Unicode", "FontSpecific", "0")

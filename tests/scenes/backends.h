@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 
+#include "support/fonts.h"
 #include "support/offscreen.h"
 
 namespace ZIRK::scenes {
@@ -56,9 +57,7 @@ inline std::unique_ptr<VuBitmap> NewTarget(VuGraphics& graphics, int width, int 
   return std::unique_ptr<VuBitmap>(graphics.CreateScreen(width, height, true, 0, false, format));
 }
 
-inline std::string FontFile(const char* name) {
-  return ZIRK_TEST_FONTS + std::string(name);
-}
+using support::FontFile;
 
 struct TestFont : VuFont {
   TestFont(const char* name, int size, bool bold = false)

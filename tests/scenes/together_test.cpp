@@ -4,13 +4,14 @@
 #include <iterator>
 #include <vector>
 
-#include "backends/common/oneerror.h"
 #include "scenes/backends.h"
+#include "support/logged.h"
 #include "support/pixels.h"
 
 namespace ZIRK::scenes {
 namespace {
 
+using support::LogsOneError;
 using support::PixelOf;
 
 constexpr const char* kTogether[] = {"FB", "OpenGLES2", "Hybrid", "DirectFB"};
@@ -64,7 +65,7 @@ TEST_F(Together, BitmapsOfAnotherBackendAreRefused) {
               EXPECT_FALSE(target.CopyPixels({0, 0}, *stranger, all));
             }};
         for (const auto& use : uses)
-          EXPECT_TRUE(tests::LogsOneError("another backend", [&] { use(), target.Finish(); }));
+          EXPECT_TRUE(LogsOneError("another backend", [&] { use(), target.Finish(); }));
       }
       EXPECT_EQ(PixelOf(target, 0, 0), 0u);
     }

@@ -5,6 +5,7 @@
 #include <zirk/vusyslog.h>
 
 #include <string>
+#include <utility>
 
 namespace ZIRK::support {
 
@@ -31,6 +32,16 @@ std::string LoggedAt(int level, F&& run) {
   testing::internal::CaptureStderr();
   run();
   return testing::internal::GetCapturedStderr();
+}
+
+/// Whether `run` writes one line, an error, or a warning if `level` is 4, and that holds `part`.
+template <typename F>
+testing::AssertionResult LogsOneError(const std::string& part, F&& run, int level = 3) {
+  const std::string log = LoggedAt(level, std::forward<F>(run));
+  const bool one = log.find('\n') == log.size() - 1 &&
+                   log.rfind(level == 3 ? "<ZIRK.error>:" : "<ZIRK.warning>:", 0) == 0;
+  if (one && log.find(part) != std::string::npos) return testing::AssertionSuccess();
+  return testing::AssertionFailure() << "not one such line with \"" << part << "\":\n" << log;
 }
 
 }  // namespace ZIRK::support

@@ -1,14 +1,14 @@
 #include "common/surfaceledger.h"
+#include "support/logged.h"
 
 #include <sstream>
 #include <thread>
-
-#include "backends/common/oneerror.h"
 
 namespace ZIRK::tests {
 namespace {
 
 using backends::SurfaceLedger;
+using support::LogsOneError;
 
 TEST(SurfaceLedger, GrantsUpToItsLimitAndTakesBack) {
   const auto ledger = SurfaceLedger::Create(992);

@@ -9,12 +9,13 @@
 #include <memory>
 #include <utility>
 
-#include "backends/common/oneerror.h"
+#include "support/logged.h"
 #include "support/pixels.h"
 
 namespace ZIRK::tests {
 namespace {
 
+using support::LogsOneError;
 using GraphicsPtr = std::unique_ptr<VuGraphics>;
 using BitmapPtr = std::unique_ptr<VuBitmap>;
 using support::PixelOf;

@@ -9,16 +9,18 @@
 #include <iterator>
 #include <optional>
 #include <random>
+#include <stdexcept>
 #include <vector>
 
-#include "backends/common/oneerror.h"
 #include "images/imagestream.h"
+#include "support/logged.h"
 
 namespace ZIRK::tests {
 namespace {
 
 using backends::Image;
 using backends::ImageSource;
+using support::LogsOneError;
 using Bytes = std::vector<uint8_t>;
 
 /// Channels of 0 to 255, not premultiplied.
@@ -59,7 +61,9 @@ const struct Sample {
 
 Bytes ReadSample(const std::string& file) {
   std::ifstream in(ZIRK_TEST_IMAGES + file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
+  Bytes bytes{std::istreambuf_iterator<char>(in), {}};
+  if (bytes.empty()) throw std::runtime_error("cannot read the sample " + file);
+  return bytes;
 }
 
 uint32_t Argb(const Rgba& c) {

@@ -9,13 +9,13 @@
 #include <type_traits>
 #include <utility>
 
-#include "backends/common/oneerror.h"
 #include "backends/opengles2/injected.h"
+#include "support/logged.h"
 
 namespace ZIRK::backends {
 namespace {
 
-using tests::LogsOneError;
+using support::LogsOneError;
 
 /// Makes the call at `function` fail.
 template <typename R, typename... A>
@@ -161,16 +161,15 @@ TEST_F(Faults, ATextureThatCannotBeDrawnOnIsRefused) {
 }
 
 TEST_F(Faults, ALostContextEndsEverythingButDeletion) {
-  Replace("glGetString", [](GLenum) { return "GL_KHR_robustness"; });
-  Replace("glGetGraphicsResetStatusKHR",
-          []() -> GLenum { return IsDue() ? GL_GUILTY_CONTEXT_RESET_EXT : GL_NO_ERROR; });
+  ReportLosses();
   const auto graphics = NewContext();
   const ScreenPtr screen = NewScreen(*graphics, 8, 8);
   const BitmapPtr bitmap = New(*graphics, 8, 8);
   const VuTMatrix2D<float> identity;
   screen->DrawRect({0, 0, 8, 8}, VuColor{0xFFFFFFFF}, identity, nullptr, nullptr);
-  left_ = 1;
+  lost_ = true;
   EXPECT_TRUE(LogsOneError("the context is lost", [&] { bitmap->Finish(); }));
+  lost_ = false;
   uint32_t pixel = 7;
   screen->DrawRect({0, 0, 8, 8}, VuColor{0xFFFFFFFF}, identity, nullptr, nullptr);
   screen->SwapBuffers();
@@ -269,7 +268,7 @@ TEST_F(Faults, CreatingAndDeletingTakesNoMemory) {
   const auto write = [&](int times) {
     std::deque<VuFontAtlas> fonts;
     for (int i = 0; i < times; ++i) {
-      fonts.emplace_back(ZIRK_TEST_FONTS "sans.ttf", 0, 8, false, false);
+      fonts.emplace_back(ZIRK_TEST_FONTS "/sans.ttf", 0, 8, false, false);
       page->DrawText(&fonts.back(), "Ag", {2, 2}, white, VuTMatrix2D<float>(), nullptr, nullptr,
                      {});
     }

@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdlib>
 #include <functional>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "opengles2/glgraphics.h"
 #include "opengles2/glscreen.h"
@@ -59,6 +61,26 @@ class InjectedGl : public testing::Test {
     });
   }
   static inline std::function<bool(int)> seen_;
+
+  /// The rectangles of textures that are sent are noted in `sent_`.
+  static void NoteUploads() {
+    Replace("glTexSubImage2D", [](GLenum target, GLint level, GLint x, GLint y, GLsizei width,
+                                  GLsizei height, GLenum format, GLenum type, const void* data) {
+      sent_.push_back({x, y, width, height});
+      Real<PFNGLTEXSUBIMAGE2DPROC>("glTexSubImage2D")(target, level, x, y, width, height, format,
+                                                      type, data);
+    });
+  }
+  static inline std::vector<std::array<int, 4>> sent_;
+
+  /// The driver reports the context's loss while `lost_`.
+  static void ReportLosses() {
+    lost_ = false;
+    Replace("glGetString", [](GLenum) { return "GL_KHR_robustness"; });
+    Replace("glGetGraphicsResetStatusKHR",
+            []() -> GLenum { return lost_ ? GL_GUILTY_CONTEXT_RESET_EXT : GL_NO_ERROR; });
+  }
+  static inline bool lost_ = false;
 
   using BitmapPtr = std::unique_ptr<VuBitmapImpl>;
   using ScreenPtr = std::unique_ptr<VuScreenImpl>;

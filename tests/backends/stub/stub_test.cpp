@@ -1,4 +1,5 @@
 #include "stub/stubgraphics.h"
+#include "support/logged.h"
 
 #include <zirk/impl/vubitmapimpl.h>
 #include <zirk/zirk.h>
@@ -9,11 +10,10 @@
 #include <memory>
 #include <sstream>
 
-#include "backends/common/oneerror.h"
-
 namespace ZIRK::tests {
 namespace {
 
+using support::LogsOneError;
 using Bitmap = std::unique_ptr<VuBitmap>;
 constexpr auto kArgb = VuPixelFormat::ARGB8888;
 const char* const kPath = ZIRK_TEST_IMAGES "rgba8.png";  // 29 x 19.
