@@ -211,19 +211,6 @@ TEST_P(Text, WhatTheAtlasHoldsIsRightAndTheRestIsLeftOut) {
   EXPECT_LT(drawn, 2704);
 }
 
-TEST_P(Text, FallbackFontsComeAndGo) {
-  TestFont font("sans.ttf", 20);
-  auto cjk = std::make_unique<TestFont>("cjk.ttf", 20);
-  const Pixels without = Drawn(*graphics_, font, "A日B");
-  font.SetFallbackFont(cjk.get());
-  const Pixels with = Drawn(*graphics_, font, "A日B");
-  cjk.reset();
-  EXPECT_EQ(Drawn(*graphics_, font, "A日B"), with);
-  font.SetFallbackFont(nullptr);
-  EXPECT_EQ(Drawn(*graphics_, font, "A日B"), without);
-  EXPECT_NE(with, without);
-}
-
 TEST_P(Text, ThreadsShareAFontAndChangeTheirOwn) {
   if (GetParam() == std::string("OpenGLES2"))
     GTEST_SKIP() << "OpenGL is used from one thread at a time";

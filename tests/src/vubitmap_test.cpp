@@ -214,41 +214,18 @@ TEST_F(Slots, Graphics) {
   EXPECT_ENTRY(g.CreateScreen(8, 9, false, 300), impl, 4, &index);
   EXPECT_ENTRY(g.CreateScreen(8, 9, true), impl, 4, &least);
   EXPECT_ENTRY(g.CreateBitmap(-1, 2, VuPixelFormat{9}), impl, 5, -1, 2, 9);
-  EXPECT_ENTRY(g.CreateBitmapFromFile(text), impl, 6, text);
   EXPECT_ENTRY(g.CreateBitmapFromFile(text, 1, 2, scale, VuDisplayMode{7}), impl, 7, text, 1, 2, 4,
                7);
   EXPECT_ENTRY(g.CreateBitmapFromFile(text, 1, 2, scale), impl, 7, text, 1, 2, 4, 0);
-  EXPECT_ENTRY(g.CreateBitmapFromMemory(data, 5), impl, 8, data, 5u);
   EXPECT_ENTRY(g.CreateBitmapFromMemory(data, 5, 1, 2, scale), impl, 9, data, 5u, 1, 2, 4);
   EXPECT_ENTRY(g.AvailableMemory(), impl, 10);
   EXPECT_ENTRY(g.TotalMemory(), impl, 11);
-  EXPECT_ENTRY(g.BitmapSize(1, 2, VuPixelFormat{3}), impl, 12, 1, 2, 3);
-  EXPECT_ENTRY(g.BitmapSize(text), impl, 13, text);
-  EXPECT_ENTRY(g.BitmapSize(text, 1, 2), impl, 14, text, 1, 2);
-  EXPECT_ENTRY(g.BitmapSize(data, 5), impl, 15, data, 5u);
-  EXPECT_ENTRY(g.BitmapSize(data, 5, 1, 2), impl, 16, data, 5u, 1, 2);
   EXPECT_ENTRY(g.PrintBitmapList(os), impl, 17, 0u, &os);
   EXPECT_ENTRY(g.Flush(), impl, 18);
   EXPECT_ENTRY(g.SetTerminateOnDestruct(true), impl, 19, true);
   EXPECT_ENTRY(g.GetGraphicsType(), impl, 20);
   EXPECT_ENTRY(g.GetMaxTextureSize(), impl, 21);
   EXPECT_EQ(impl.get()->VuGraphicsImpl::GetMaxTextureSize(), 2048);
-}
-
-TEST_F(Slots, Font) {
-  int i = 0, j = 0, k = 0, n = 0;
-  EXPECT_ENTRY(font.GetFontMetrics(i, j, k, n), fontObject, 3, &i, &j, &k, &n);
-  EXPECT_ENTRY(font.GetOneLineWidth(text), fontObject, 4, text);
-  EXPECT_ENTRY(font.GetOneLineHeight(), fontObject, 5);
-  EXPECT_ENTRY(font.GetAscent(), fontObject, 6);
-  EXPECT_ENTRY(font.GetDescent(), fontObject, 7);
-  EXPECT_ENTRY(font.GetMaxAdvance(), fontObject, 8);
-  EXPECT_ENTRY(font.GetUnderlineMetrics(i, j), fontObject, 9, &i, &j);
-  EXPECT_ENTRY(font.SetOutlineType(VuFont::OutlineType{2}), fontObject, 10, 2);
-  EXPECT_ENTRY(font.SetOutlineThickness(1.5f), fontObject, 11, 1.5f);
-  EXPECT_ENTRY(font.SetFallbackGlyph(0x20AC), fontObject, 12, 0x20ACu);
-  EXPECT_ENTRY(font.SetFallbackFont(&font), fontObject, 13, f);
-  EXPECT_ENTRY(font.SetFallbackFont(nullptr), fontObject, 13, nil);
 }
 
 TEST_F(Slots, OutlineIsStoredAndItsThicknessCutTo26Dot6) {

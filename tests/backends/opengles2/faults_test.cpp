@@ -72,36 +72,21 @@ TEST_F(Faults, OfTheDriverAtTheStart) {
   ExpectNoStart("highp");
 }
 
-TEST_F(Faults, MemoryThatRunsOutGivesNullAndFalse) {
-  Replace("glGetError", []() -> GLenum { return IsDue() ? GL_OUT_OF_MEMORY : GL_NO_ERROR; });
-  const auto graphics = NewContext();
-  const BitmapPtr bitmap = New(*graphics, 4, 4);
-  uint32_t pixels[16] = {};
-  const struct {
-    const char* where;
-    std::function<bool()> operation;
-  } cases[] = {{"making a texture", [&] { return New(*graphics, 9, 9) != nullptr; }},
-               {"reading pixels",
-                [&] {
-                  return bitmap->GetPixels({0, 0, 4, 4}, pixels);
-                }},
-               {"writing pixels",
-                [&] {
-                  return bitmap->SetPixels({0, 0, 4, 4}, pixels, 16);
-                }},
-               {"drawing", [&] { return bitmap->Finish(), false; }}};
-  for (const auto& c : cases) {
-    left_ = 1;
-    EXPECT_TRUE(LogsOneError(std::string(c.where) + ": out of memory",
-                             [&] { EXPECT_FALSE(c.operation()); }));
-  }
-}
-
 TEST_F(Faults, OfMakingThingsOfOpenGl) {
   Replace("glGetError", []() -> GLenum {
     return std::exchange(left_, 0) ? GL_OUT_OF_MEMORY : Real<PFNGLGETERRORPROC>("glGetError")();
   });
-  enum { Buffers, BufferData, Textures, TexImage, Framebuffers, Attaching, TexSubImage, None };
+  enum {
+    Buffers,
+    BufferData,
+    Textures,
+    TexImage,
+    Framebuffers,
+    Attaching,
+    TexSubImage,
+    ReadPixels,
+    None
+  };
   Watch<Buffers>("glGenBuffers", PFNGLGENBUFFERSPROC());
   Watch<BufferData>("glBufferData", PFNGLBUFFERDATAPROC());
   Watch<Textures>("glGenTextures", PFNGLGENTEXTURESPROC());
@@ -109,6 +94,7 @@ TEST_F(Faults, OfMakingThingsOfOpenGl) {
   Watch<Framebuffers>("glGenFramebuffers", PFNGLGENFRAMEBUFFERSPROC());
   Watch<Attaching>("glFramebufferTexture2D", PFNGLFRAMEBUFFERTEXTURE2DPROC());
   Watch<TexSubImage>("glTexSubImage2D", PFNGLTEXSUBIMAGE2DPROC());
+  Watch<ReadPixels>("glReadPixels", PFNGLREADPIXELSPROC());
   int failing = None;
   seen_ = [&failing](int which) { return which == failing ? !(left_ = 1) : true; };
   for (failing = Buffers; failing <= TexImage; ++failing) ExpectNoStart("starting: out of memory");
@@ -117,20 +103,28 @@ TEST_F(Faults, OfMakingThingsOfOpenGl) {
   failing = None;
   const auto graphics = NewContext();
   ASSERT_NE(graphics, nullptr);
-  const uint32_t pixel = 0;
-  for (const int call : {BufferData, Textures, TexImage, Framebuffers, Attaching, TexSubImage}) {
-    const BitmapPtr bitmap = New(*graphics, 4, 4);
-    ASSERT_NE(bitmap, nullptr);
+  const BitmapPtr bitmap = New(*graphics, 4, 4);
+  uint32_t pixel = 0;
+  const VuRect one{0, 0, 1, 1};
+  const auto make = [&] { return New(*graphics, 8, 8) != nullptr; };
+  const auto write = [&] { return bitmap->SetPixels(one, &pixel, 4); };
+  const auto read = [&] { return bitmap->GetPixels(one, &pixel); };
+  const struct {
+    int call;
+    const char* where;
+    std::function<bool()> operation;
+  } cases[] = {{Textures, "making a texture", make},
+               {TexImage, "making a texture", make},
+               {Framebuffers, "making a framebuffer", make},
+               {Attaching, "making a framebuffer", make},
+               {BufferData, "drawing", [&] { return bitmap->Finish(), false; }},
+               {TexSubImage, "writing pixels", write},
+               {ReadPixels, "reading pixels", read}};
+  for (const auto& c : cases) {
     bitmap->DrawRect({0, 0, 2, 2}, white, VuTMatrix2D<float>(), nullptr, nullptr);
-    failing = call;
-    EXPECT_TRUE(LogsOneError("out of memory", [&] {
-      if (call == BufferData)
-        bitmap->Finish();
-      else if (call == TexSubImage)
-        EXPECT_FALSE(bitmap->SetPixels({0, 0, 1, 1}, &pixel, 4));
-      else
-        EXPECT_EQ(New(*graphics, 8, 8), nullptr);
-    })) << call;
+    failing = c.call;
+    EXPECT_TRUE(LogsOneError(std::string(c.where) + ": out of memory",
+                             [&] { EXPECT_FALSE(c.operation()); }));
     failing = None;
   }
 }
