@@ -228,6 +228,15 @@ TEST_F(Slots, Graphics) {
   EXPECT_EQ(impl.get()->VuGraphicsImpl::GetMaxTextureSize(), 2048);
 }
 
+TEST_F(Slots, Font) {
+  int i = 0, j = 0, k = 0, n = 0;
+  EXPECT_ENTRY(font.GetFontMetrics(i, j, k, n), fontObject, 3, &i, &j, &k, &n);
+  EXPECT_ENTRY(font.GetAscent(), fontObject, 6);
+  EXPECT_ENTRY(font.GetDescent(), fontObject, 7);
+  EXPECT_ENTRY(font.GetMaxAdvance(), fontObject, 8);
+  EXPECT_ENTRY(font.GetUnderlineMetrics(i, j), fontObject, 9, &i, &j);
+}
+
 TEST_F(Slots, OutlineIsStoredAndItsThicknessCutTo26Dot6) {
   const std::pair<float, int> cases[] = {
       {1.5f, 96}, {0.01f, 0}, {-1.99f, -127}, {1e30f, 0x7FFFFFFF}, {kNaN, 0}};

@@ -41,5 +41,22 @@ TEST(SurfaceLedger, RefusesWhatNoSurfaceCanBe) {
     }));
 }
 
+TEST(SurfaceLedger, KeepsItsBooksAcrossThreads) {
+  const auto ledger = SurfaceLedger::Create();
+  const auto before = ledger->Available();
+  const auto use = [&] {
+    for (int i = 1; i <= 200; ++i) {
+      const auto entry = ledger->Enter(i, i, VuPixelFormat::ARGB8888);
+      entry->Rename("busy");
+      std::ostringstream list;
+      ledger->Print(0, list);
+    }
+  };
+  std::thread first(use), second(use);
+  first.join();
+  second.join();
+  EXPECT_EQ(ledger->Available(), before);
+}
+
 }  // namespace
 }  // namespace ZIRK::tests
