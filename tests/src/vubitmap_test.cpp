@@ -220,6 +220,7 @@ TEST_F(Slots, Graphics) {
   EXPECT_ENTRY(g.CreateBitmapFromMemory(data, 5, 1, 2, scale), impl, 9, data, 5u, 1, 2, 4);
   EXPECT_ENTRY(g.AvailableMemory(), impl, 10);
   EXPECT_ENTRY(g.TotalMemory(), impl, 11);
+  EXPECT_ENTRY(g.BitmapSize(1, 2, VuPixelFormat{3}), impl, 12, 1, 2, 3);
   EXPECT_ENTRY(g.PrintBitmapList(os), impl, 17, 0u, &os);
   EXPECT_ENTRY(g.Flush(), impl, 18);
   EXPECT_ENTRY(g.SetTerminateOnDestruct(true), impl, 19, true);
