@@ -5,9 +5,6 @@ import os
 
 from fontTools.subset import Options, Subsetter
 from fontTools.ttLib import TTFont
-from fontTools.ttLib.tables._c_m_a_p import cmap_format_4
-from fontTools.ttLib.tables._g_l_y_f import Glyph, GlyphComponent
-from fontTools.pens.ttGlyphPen import TTGlyphPen
 from fontTools.ttLib.ttCollection import TTCollection
 
 FOLDER = os.path.dirname(os.path.abspath(__file__))
@@ -21,7 +18,6 @@ SANS = [*LATIN, *range(0x386, 0x3CF), *range(0x400, 0x460), *range(0x2190, 0x220
 CJK = [ord(c) for c in "こんにちは世界你好안녕하세요日本語中文한국어、。「」"
        "あいうえおかきくけアイウエオカキクケ一二三四五六七八九十人山川水火木金土月東西南北大小上下"]
 OMEGA, OHM = 0x3A9, 0x2126
-LETTERS = [chr(c) for c in (*range(0x41, 0x5B), *range(0x61, 0x7B))]
 
 
 def cut_down(path, codes, keep_hints=True, number=0):
@@ -86,71 +82,6 @@ def make_collection():
     collection.save(os.path.join(FOLDER, "collection.ttc"))
 
 
-def square(size, line):
-    """An outlined square on the line's lower edge."""
-    pen = TTGlyphPen(None)
-    for low, high in ((0, size), (line, size - line)):
-        corners = [(low, low), (low, high), (high, high), (high, low)]
-        if low:
-            corners.reverse()
-        pen.moveTo(corners[0])
-        for corner in corners[1:]:
-            pen.lineTo(corner)
-        pen.closePath()
-    return pen.glyph()
-
-
-def component(name, x, y):
-    part = GlyphComponent()
-    part.glyphName, part.x, part.y = name, x, y
-    part.flags = 0
-    return part
-
-
-def make_symbols():
-    """Every pair of letters in a square as large as the em, from U+E000 on."""
-    font = cut_down(DEJAVU % "", [ord(c) for c in LETTERS], keep_hints=False)
-    rename(font, "ZIRK Test Symbols", "Regular")
-    em = font["head"].unitsPerEm
-    shapes, widths, metrics = font["glyf"], font["hmtx"].metrics, font["OS/2"]
-    # Half as large, so that two letters stand side by side in the square.
-    for letter in LETTERS:
-        points = shapes[letter].getCoordinates(shapes)[0]
-        points.scale((0.5, 0.5))
-        shapes[letter].coordinates = points
-        shapes[letter].coordinates.toInt()
-    order = font.getGlyphOrder() + ["square"]
-    shapes["square"] = square(em, em // 24)
-    code = 0xE000
-    cmap = {}
-    for left in LETTERS:
-        for right in LETTERS:
-            name = f"u{code:04X}"
-            glyph = Glyph()
-            glyph.numberOfContours = -1
-            glyph.components = [component("square", 0, 0), component(left, em // 12, em // 3),
-                                component(right, em * 13 // 24, em // 3)]
-            shapes[name] = glyph
-            cmap[code] = name
-            order.append(name)
-            code += 1
-    font.setGlyphOrder(order)
-    shapes.glyphOrder = order
-    for name in order:
-        shapes[name].recalcBounds(shapes)
-        widths[name] = (em, getattr(shapes[name], "xMin", 0))
-    if "kern" in font:
-        del font["kern"]
-    table = cmap_format_4(4)
-    table.platformID, table.platEncID, table.language = 3, 1, 0
-    table.cmap = {**{ord(c): c for c in LETTERS}, **cmap}
-    font["cmap"].tables = [table]
-    font["post"].formatType = 3.0
-    metrics.usLastCharIndex = code - 1
-    save(font, "symbols.ttf")
-
-
 make_sans()
 make_cjk()
 make_collection()
-make_symbols()

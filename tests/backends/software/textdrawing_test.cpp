@@ -9,15 +9,18 @@
 
 #include "software/softwarebitmap.h"
 #include "stub/stubgraphics.h"
+#include "support/fonts.h"
 #include "support/logged.h"
 
 namespace ZIRK::backends {
 namespace {
 
+using support::Symbols;
+
 constexpr int kWidth = 160, kHeight = 60;
 
-VuFontAtlas Symbols() {
-  return {ZIRK_TEST_FONTS "/symbols.ttf", 0, 48, false, false};
+VuFontAtlas Open() {
+  return {Symbols().Path(), 0, Symbols::kSize, false, false};
 }
 
 /// A context's books, and what makes atlases in them.
@@ -40,14 +43,13 @@ struct Context {
 const std::vector<uint32_t> kNothing(kWidth* kHeight);
 
 TEST(TextDrawing, AnAtlasThatMayNotGrowIsEmptiedAndFilledAgain) {
-  VuFontAtlas tight = Symbols(), free = Symbols();
+  VuFontAtlas tight = Open(), free = Open();
   // Room for one row of glyphs, and not for the copy that growth takes.
-  tight.GetOneLineWidth("\xEE\x80\x80");
+  tight.GetOneLineWidth(Symbols::Text(0).c_str());
   const Context small(2048 * 60), large(1 << 24);
   for (int i = 0; i < 120; ++i) {
     std::string text;
-    for (int code = i; code < i + 3; ++code)
-      text += {'\xEE', char(0x80 + code % 100 / 64), char(0x80 + code % 100 % 64)};
+    for (int symbol = i; symbol < i + 3; ++symbol) text += Symbols::Text(symbol % 100);
     const std::vector<uint32_t> expected = large.Draw(free, text.c_str());
     ASSERT_NE(expected, kNothing);
     ASSERT_EQ(small.Draw(tight, text.c_str()), expected) << i;
@@ -57,14 +59,15 @@ TEST(TextDrawing, AnAtlasThatMayNotGrowIsEmptiedAndFilledAgain) {
 
 TEST(TextDrawing, NeedsAnAtlasOfItsOwnKind) {
   StubGraphics stub;
-  VuFontAtlas foreign = Symbols(), orphan = Symbols();
+  const std::string text = Symbols::Text(1);
+  VuFontAtlas foreign = Open(), orphan = Open();
   foreign.GetAtlas(&stub);
   const Context context(1 << 24);
   // The other font's atlas got no bitmap, and whoever was to make it has gone.
-  EXPECT_EQ(Context(100).Draw(orphan, "A"), kNothing);
+  EXPECT_EQ(Context(100).Draw(orphan, text.c_str()), kNothing);
   for (VuFontAtlas* font : {&foreign, &orphan}) {
-    EXPECT_TRUE(support::LogsOneError("glyph atlas", [&] { context.Draw(*font, "AB"); }));
-    EXPECT_EQ(context.Draw(*font, "AB"), kNothing);
+    EXPECT_TRUE(support::LogsOneError("glyph atlas", [&] { context.Draw(*font, text.c_str()); }));
+    EXPECT_EQ(context.Draw(*font, text.c_str()), kNothing);
   }
 }
 
