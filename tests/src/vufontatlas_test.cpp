@@ -161,9 +161,9 @@ TEST_F(FontAtlas, GlyphsAsFreeTypeRendersThem) {
     font.SetOutlineThickness(thickness);
     const bool emboldened = bold && !(reference.face->style_flags & FT_STYLE_FLAG_BOLD);
     const std::vector<unsigned> codes = {'A', 'B', 0xE9, ' '};
-    const auto expected = [&](unsigned code, bool drawn) {
+    const auto expected = [&, t = type, radius = thickness](unsigned code, bool drawn) {
       const unsigned index = FT_Get_Char_Index(reference.face, code);
-      return reference.Render(index, type, thickness, drawn && emboldened);
+      return reference.Render(index, t, radius, drawn && emboldened);
     };
     int tallest = 0;
     for (const unsigned code : codes) {
