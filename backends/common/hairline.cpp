@@ -39,9 +39,7 @@ bool IsSingular(const VuTMatrix2D<float>& m) {
 
 std::optional<Hairline> PlaceLine(VuPoint from, VuPoint to, const VuTMatrix2D<float>& m) {
   Point a = Map(m, from.x, from.y), b = Map(m, to.x, to.y);
-  const bool finite =
-      std::isfinite(a.x) && std::isfinite(a.y) && std::isfinite(b.x) && std::isfinite(b.y);
-  if (IsSingular(m) || !finite || !CutLine(a, b)) return std::nullopt;
+  if (IsSingular(m) || !IsFinite(a) || !IsFinite(b) || !CutLine(a, b)) return std::nullopt;
   Hairline line = {NearestPixel(a.x), NearestPixel(a.y), NearestPixel(b.x), NearestPixel(b.y),
                    false};
   if (std::pair(line.y0, line.x0) > std::pair(line.y1, line.x1)) {
@@ -56,10 +54,7 @@ LineEnds MaskEnds(const VuTVector2D<float>* coords, int width, int height, VuPoi
                   const Hairline& line) {
   LineEnds ends{};
   if (coords) {
-    const auto given = [](const VuTVector2D<float>& v) {
-      return Point{static_cast<double>(v.x()), static_cast<double>(v.y())};
-    };
-    ends = {given(coords[0]), given(coords[1])};
+    ends = {ToPoint(coords[0]), ToPoint(coords[1])};
   } else {
     // The mask lies over the pixels from one end to the other.
     const double left = std::min(from.x, to.x), top = std::min(from.y, to.y);

@@ -82,4 +82,21 @@ void Walk(const Hairline& s, const Box& clip, F&& pixel) {
   }
 }
 
+/// Calls `run(box)` for the same pixels, those side by side as one box.
+template <typename F>
+void WalkRuns(const Hairline& line, const Box& clip, F&& run) {
+  Box box;
+  Walk(line, clip, [&](int x, int y, int) {
+    const Box pixel = {x, y, x + 1, y + 1};
+    // No two pixels of a line share their place along the longer axis.
+    if (box.IsEmpty() || x == box.x0 || y == box.y0) {
+      box = Union(box, pixel);
+    } else {
+      run(box);
+      box = pixel;
+    }
+  });
+  if (!box.IsEmpty()) run(box);
+}
+
 }  // namespace ZIRK::backends

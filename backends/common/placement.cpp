@@ -19,8 +19,8 @@ double Sum(double x, double a, double y, double b, double move) {
   return x * a + y * b + move;
 }
 
-bool IsFinite(Point p) {
-  return std::isfinite(p.x) && std::isfinite(p.y);
+bool IsFinite(const Extent& r) {
+  return std::isfinite(r.x + r.width) && std::isfinite(r.y + r.height);
 }
 
 double NearestWhole(double v) {
@@ -170,6 +170,32 @@ std::optional<Placement> Place(const Extent& r, const VuTMatrix2D<float>& m, Edg
   p.toUnit = Inverse(p.toSurface);
   SetCorners(p, 0, 0, 1, 1);
   return p;
+}
+
+std::optional<SourcePlacement> PlaceSource(const Extent& srcRect, const Box& bounds,
+                                           const Placement& whole, VuScaleMode mode) {
+  if (!(srcRect.width > 0 && srcRect.height > 0) || !IsFinite(srcRect)) return std::nullopt;
+  const Extent visible = Cut(srcRect, bounds);
+  if (!(visible.width > 0 && visible.height > 0)) return std::nullopt;
+  const auto u = [&](double x) { return (x - srcRect.x) / srcRect.width; };
+  const auto v = [&](double y) { return (y - srcRect.y) / srcRect.height; };
+  const Affine unitToTexture = {{srcRect.x, srcRect.y}, {srcRect.width, 0}, {0, srcRect.height}};
+  return SourcePlacement{whole.Part(u(visible.x), v(visible.y), u(visible.x + visible.width),
+                                    v(visible.y + visible.height)),
+                         Biased(Compose(unitToTexture, whole.toUnit), mode), Around(visible)};
+}
+
+std::optional<MaskPlacement> PlaceMask(int width, int height, const VuTVector2D<float>* coords,
+                                       const Placement& primitive, VuScaleMode mode) {
+  const double w = width, h = height;
+  Point c[4] = {{0, 0}, {w, 0}, {w, h}, {0, h}};
+  for (int i = 0; coords && i < 4; ++i) {
+    c[i] = ToPoint(coords[i]);
+    if (!IsFinite(c[i])) return std::nullopt;
+  }
+  const Affine unitToMask = {c[0], c[1] - c[0], c[3] - c[0]};
+  return MaskPlacement{Biased(Compose(unitToMask, primitive.toUnit), mode), primitive.toUnit,
+                       c[0] - c[1] + c[2] - c[3]};
 }
 
 }  // namespace ZIRK::backends

@@ -3,7 +3,9 @@
 #include <zirk/vuenums.h>
 #include <zirk/vumatrix2d.h>
 #include <zirk/vupoint.h>
+#include <zirk/vuvector2d.h>
 
+#include <cmath>
 #include <optional>
 
 #include "common/box.h"
@@ -17,6 +19,14 @@ struct Point {
   friend Point operator-(Point a, Point b) { return {a.x - b.x, a.y - b.y}; }
   friend Point operator*(Point a, double k) { return {a.x * k, a.y * k}; }
 };
+
+inline Point ToPoint(const VuTVector2D<float>& v) {
+  return {static_cast<double>(v.x()), static_cast<double>(v.y())};
+}
+
+inline bool IsFinite(Point p) {
+  return std::isfinite(p.x) && std::isfinite(p.y);
+}
 
 /// An affine function of a position: origin + x * dx + y * dy.
 struct Affine {
@@ -109,6 +119,30 @@ std::optional<Box> PlaceUpright(const Extent& r, const VuTMatrix2D<float>& m);
 /// By how much `m` moves everything, if that is all it does, rounded as PlaceUpright() rounds what
 /// lies on whole pixels.
 std::optional<VuPoint> WholePixelMove(const VuTMatrix2D<float>& m);
+
+/// Where a rectangle of a source comes to lie.
+struct SourcePlacement {
+  Placement part;    ///< What is drawn: of the rectangle that is filled, as much as there is.
+  Affine toTexture;  ///< From the surface to the source, biased.
+  Box limits;        ///< The pixels of the source that may be read.
+};
+
+/// Places `srcRect` of a source, of which there is `bounds`, so that it fills `whole`. Nothing if
+/// there is nothing to draw.
+std::optional<SourcePlacement> PlaceSource(const Extent& srcRect, const Box& bounds,
+                                           const Placement& whole, VuScaleMode mode);
+
+/// Where a mask comes to lie over a primitive.
+struct MaskPlacement {
+  Affine toMask;  ///< From the surface to the mask, biased.
+  Affine toUnit;  ///< From the surface to the unit square of the primitive.
+  Point twist;    ///< Times u * v, how positions in the mask depart from those by `toMask`.
+};
+
+/// Places a mask of `width` x `height` over `primitive`: its positions `coords` at the corners, or
+/// if they are null all of it. Nothing if a coordinate is not finite.
+std::optional<MaskPlacement> PlaceMask(int width, int height, const VuTVector2D<float>* coords,
+                                       const Placement& primitive, VuScaleMode mode);
 
 /// A position through `m`, in double precision.
 Point Map(const VuTMatrix2D<float>& m, double x, double y);

@@ -2,7 +2,6 @@
 
 #include <zirk/impl/log.h>
 
-#include <algorithm>
 #include <mutex>
 #include <utility>
 
@@ -147,17 +146,7 @@ bool DirectFbRenderer::FillLine(const Hairline& line, uint32_t color) {
   if (visible.IsEmpty()) return true;
   painter_.Touch(visible);
   runs_.clear();
-  Walk(line, clip_, [&](int x, int y, int) {
-    DFBRectangle* const last = runs_.empty() ? nullptr : &runs_.back();
-    if (last && last->h == 1 && y == last->y && (x == last->x + last->w || x == last->x - 1)) {
-      last->x = std::min(last->x, x);
-      ++last->w;
-    } else if (last && last->w == 1 && x == last->x && y == last->y + last->h) {
-      ++last->h;
-    } else {
-      runs_.push_back({x, y, 1, 1});
-    }
-  });
+  WalkRuns(line, clip_, [this](const Box& run) { runs_.push_back(ToDirectFb(run)); });
   return runs_.empty() || FillBoxes(runs_.data(), static_cast<unsigned>(runs_.size()), color);
 }
 

@@ -19,20 +19,8 @@ namespace {
 // is read are used then.
 constexpr double kSmallestStep = 1.0 / 64;
 
-bool IsFinite(const Extent& r) {
-  return std::isfinite(r.x + r.width) && std::isfinite(r.y + r.height);
-}
-
-bool IsFinite(Point p) {
-  return std::isfinite(p.x) && std::isfinite(p.y);
-}
-
 GLint FilterOf(VuScaleMode mode) {
   return mode == VuScaleMode::Bilinear ? GL_LINEAR : GL_NEAREST;
-}
-
-Point ToPoint(const VuTVector2D<float>& v) {
-  return {static_cast<double>(v.x()), static_cast<double>(v.y())};
 }
 
 /// Writes one vertex after the other.
@@ -122,9 +110,9 @@ void GlCanvas::DrawRect(const Extent& rect, VuColor color, const MatrixF& m, con
     if (const std::optional<Box> box = PlaceUpright(rect, m)) return PaintBox(*box, Shade(color));
   const std::optional<Placement> placement = Place(rect, m, Edges::OnWholePixels);
   if (!placement) return;
-  const std::optional<MaskPlace> place = mask ? PlaceMask(*mask, *placement) : std::nullopt;
-  if (mask && !place) return;
-  Paint(*placement, Filling(), Shade(color), place ? &*place : nullptr);
+  const std::optional<PlacedMask> placed = mask ? PlaceOver(*placement, *mask) : std::nullopt;
+  if (mask && !placed) return;
+  Paint(*placement, Filling(), Shade(color), placed ? &*placed : nullptr);
 }
 
 bool GlCanvas::FillBox(VuRect r, VuColor color) {
@@ -180,9 +168,10 @@ void GlCanvas::DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m,
   const std::optional<Placement> placement = Place(ToExtent(p, size), m, Edges::OnWholePixels);
   if (!placement) return;
   if (!mask) return Paint(*placement, Filling(), Shade(color), nullptr);
-  const MaskPlace place = MaskAt(mask->operand, ToPoint(*mask->coords));
-  const bool finite = IsFinite(place.toMask.origin);
-  Paint(*placement, Filling(), finite ? Shade(color) : 0, finite ? &place : nullptr);
+  const Point at = ToPoint(*mask->coords);
+  const PlacedMask placed = PlaceAt(at, mask->operand);
+  const bool finite = IsFinite(at);
+  Paint(*placement, Filling(), finite ? Shade(color) : 0, finite ? &placed : nullptr);
 }
 
 void GlCanvas::DrawLine(VuPoint from, VuPoint to, VuColor color, const MatrixF& m,
@@ -202,49 +191,30 @@ void GlCanvas::DrawLine(VuPoint from, VuPoint to, VuColor color, const MatrixF& 
     });
     return;
   }
-  // Pixels side by side are drawn as one.
-  Box run;
-  Walk(*line, clip_, [&](int x, int y, int) {
-    const Box pixel = {x, y, x + 1, y + 1};
-    const Box both = Union(run, pixel);
-    if (!run.IsEmpty() && both.Width() > 1 && both.Height() > 1) {
-      PaintBox(run, shade);
-      run = pixel;
-    } else {
-      run = both;
-    }
-  });
-  PaintBox(run, shade);
+  WalkRuns(*line, clip_, [&](const Box& run) { PaintBox(run, shade); });
 }
 
 void GlCanvas::PaintMaskedPixel(int x, int y, uint32_t color, const GlOperand& mask, Point at) {
   const Box pixel = {x, y, x + 1, y + 1};
   if (!IsFinite(at)) return PaintBox(pixel, 0);
-  const MaskPlace place = MaskAt(mask, at);
+  const PlacedMask placed = PlaceAt(at, mask);
   const Affine toSurface = {{double(x), double(y)}, {1, 0}, {0, 1}};
-  PaintShape({Polygon(pixel), toSurface, true}, Filling(), color, &place);
+  PaintShape({Polygon(pixel), toSurface, true}, Filling(), color, &placed);
 }
 
 void GlCanvas::DrawObject(const Extent& dst, const GlOperand& src, const Extent& srcRect,
                           Edges edges, const MatrixF& m, VuColor color, const GlMask* mask) {
-  if (!(srcRect.width > 0 && srcRect.height > 0) || !IsFinite(srcRect) || !Refresh()) return;
-  const uint32_t shade = Shade(color);
+  if (!Refresh()) return;
   const std::optional<Placement> whole = Place(dst, m, edges);
-  const Extent visible = Cut(srcRect, src.texture->Bounds());
-  if (!whole || !(visible.width > 0 && visible.height > 0)) return;
-  const std::optional<MaskPlace> place =
-      mask ? PlaceMask(*mask, mask->primitive ? *mask->primitive : *whole) : std::nullopt;
-  if (mask && !place) return;
-
-  const auto u = [&](double x) { return (x - srcRect.x) / srcRect.width; };
-  const auto v = [&](double y) { return (y - srcRect.y) / srcRect.height; };
-  const Placement part = whole->Part(u(visible.x), v(visible.y), u(visible.x + visible.width),
-                                     v(visible.y + visible.height));
-  const Affine toSource = {{srcRect.x, srcRect.y}, {srcRect.width, 0}, {0, srcRect.height}};
-  const Filling filling = {src.texture, FilterOf(src.scaleMode),
-                           Biased(Compose(toSource, whole->toUnit), src.scaleMode),
-                           Around(visible)};
-  Paint(part, filling, shade, place ? &*place : nullptr);
+  if (!whole) return;
+  const std::optional<SourcePlacement> source =
+      PlaceSource(srcRect, src.texture->Bounds(), *whole, src.scaleMode);
+  if (!source) return;
+  const std::optional<PlacedMask> placed =
+      mask ? PlaceOver(mask->primitive ? *mask->primitive : *whole, *mask) : std::nullopt;
+  if (mask && !placed) return;
+  const Filling filling = {src.texture, FilterOf(src.scaleMode), source->toTexture, source->limits};
+  Paint(source->part, filling, Shade(color), placed ? &*placed : nullptr);
 }
 
 void GlCanvas::PaintBox(const Box& box, uint32_t color) {
@@ -254,29 +224,22 @@ void GlCanvas::PaintBox(const Box& box, uint32_t color) {
                -1, -1, color);
 }
 
-std::optional<GlCanvas::MaskPlace> GlCanvas::PlaceMask(const GlMask& mask, const Placement& whole) {
-  const GlTexture& texture = *mask.operand.texture;
-  const double width = texture.Width(), height = texture.Height();
-  Point c[4] = {{0, 0}, {width, 0}, {width, height}, {0, height}};
-  for (int i = 0; mask.coords && i < 4; ++i) {
-    c[i] = ToPoint(mask.coords[i]);
-    if (!IsFinite(c[i])) return std::nullopt;
-  }
+std::optional<GlCanvas::PlacedMask> GlCanvas::PlaceOver(const Placement& primitive,
+                                                        const GlMask& mask) {
+  GlTexture* const texture = mask.operand.texture;
   const VuScaleMode mode = mask.operand.scaleMode;
-  const Affine unitToMask = {c[0], c[1] - c[0], c[3] - c[0]};
-  return MaskPlace{mask.operand.texture, FilterOf(mode),
-                   Biased(Compose(unitToMask, whole.toUnit), mode), whole.toUnit,
-                   c[0] - c[1] + c[2] - c[3]};
+  const std::optional<MaskPlacement> place =
+      PlaceMask(texture->Width(), texture->Height(), mask.coords, primitive, mode);
+  return place ? std::optional(PlacedMask{texture, FilterOf(mode), *place}) : std::nullopt;
 }
 
 /// One position for all of a shape.
-GlCanvas::MaskPlace GlCanvas::MaskAt(const GlOperand& mask, Point at) {
-  const GLint filter = FilterOf(mask.scaleMode);
-  return {mask.texture, filter, {at, {0, 0}, {0, 0}}, {}, {0, 0}};
+GlCanvas::PlacedMask GlCanvas::PlaceAt(Point at, const GlOperand& mask) {
+  return {mask.texture, FilterOf(mask.scaleMode), {{at, {0, 0}, {0, 0}}, {}, {0, 0}}};
 }
 
 void GlCanvas::Paint(const Placement& placement, const Filling& filling, uint32_t color,
-                     const MaskPlace* mask) {
+                     const PlacedMask* mask) {
   const Box box = Visible(placement.box);
   if (box.IsEmpty()) return;
   const Point* const c = placement.corners;
@@ -286,7 +249,7 @@ void GlCanvas::Paint(const Placement& placement, const Filling& filling, uint32_
 }
 
 void GlCanvas::PaintShape(const Shape& shape, const Filling& filling, uint32_t color,
-                          const MaskPlace* mask) {
+                          const PlacedMask* mask) {
   const Polygon& outline = shape.outline;
   if (outline.count < 3) return;
   DrawKey key = Key();
@@ -316,10 +279,10 @@ void GlCanvas::PaintShape(const Shape& shape, const Filling& filling, uint32_t c
     out.Put(sides.origin);
     out.Put(sides.dx);
     out.Put(sides.dy);
-    out.Put(mask ? mask->toUnit(p.x, p.y) : Point{0, 0});
+    out.Put(mask ? mask->place.toUnit(p.x, p.y) : Point{0, 0});
     if (key.program == GlProgram::Shaped) return;
-    out.Put(mask->toMask(p.x, p.y));
-    out.Put(mask->twist);
+    out.Put(mask->place.toMask(p.x, p.y));
+    out.Put(mask->place.twist);
   };
   const int quads = (outline.count - 1) / 2;
   VertexWriter out(device_->Pending().Add(key, quads));

@@ -81,18 +81,15 @@ class GlCanvas {
     Affine toTexture{};
     Box limits{};  ///< What may be read.
   };
-  /// Where each position of the surface lies in the mask.
-  struct MaskPlace {
+  struct PlacedMask {
     GlTexture* texture;
     GLint filter;
-    Affine toMask;
-    Affine toUnit;
-    Point twist;
+    MaskPlacement place;
   };
   struct Shape;
 
-  static std::optional<MaskPlace> PlaceMask(const GlMask& mask, const Placement& whole);
-  static MaskPlace MaskAt(const GlOperand& mask, Point at);
+  static std::optional<PlacedMask> PlaceOver(const Placement& primitive, const GlMask& mask);
+  static PlacedMask PlaceAt(Point at, const GlOperand& mask);
   static bool NeedsLimits(const Filling& filling);
 
   const GlTarget* Target() { return texture_ ? texture_->Target() : window_; }
@@ -104,9 +101,9 @@ class GlCanvas {
 
   void PaintBox(const Box& box, uint32_t color);
   void Paint(const Placement& placement, const Filling& filling, uint32_t color,
-             const MaskPlace* mask);
+             const PlacedMask* mask);
   void PaintShape(const Shape& shape, const Filling& filling, uint32_t color,
-                  const MaskPlace* mask);
+                  const PlacedMask* mask);
   void PaintMaskedPixel(int x, int y, uint32_t color, const GlOperand& mask, Point at);
 
   const std::shared_ptr<GlDevice> device_;

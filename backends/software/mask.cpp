@@ -1,6 +1,5 @@
 #include "software/mask.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace ZIRK::backends {
@@ -14,24 +13,21 @@ constexpr double kTolerance = 1.0 / 1024;
 
 std::optional<Mask> Mask::Create(const Operand& mask, const VuTVector2D<float>* coords,
                                  const Placement& placement, const Box& area) {
-  const double width = mask.pixels->Width(), height = mask.pixels->Height();
-  Point c[4] = {{0, 0}, {width, 0}, {width, height}, {0, height}};
-  for (int i = 0; coords && i < 4; ++i) {
-    c[i] = {static_cast<double>(coords[i].x()), static_cast<double>(coords[i].y())};
-    if (!std::isfinite(c[i].x) || !std::isfinite(c[i].y)) return std::nullopt;
-  }
-  const Affine unitToMask = {c[0], c[1] - c[0], c[3] - c[0]};
-  const Point twist = c[0] - c[1] + c[2] - c[3];
-  const bool twisted = std::abs(twist.x) > kTolerance || std::abs(twist.y) > kTolerance;
-  return Mask(mask, Biased(Compose(unitToMask, placement.toUnit), mask.scaleMode), area,
-              twisted ? std::optional<Twist>(Twist{placement.toUnit, twist}) : std::nullopt);
+  const std::optional<MaskPlacement> place =
+      PlaceMask(mask.pixels->Width(), mask.pixels->Height(), coords, placement, mask.scaleMode);
+  return place ? std::optional(Mask(mask, *place, area)) : std::nullopt;
 }
 
+Mask::Mask(const Operand& mask, const MaskPlacement& place, const Box& area)
+    : texture_(*mask.pixels, mask.pixels->Bounds(), mask.scaleMode, place.toMask, area),
+      place_(place),
+      twisted_(std::abs(place.twist.x) > kTolerance || std::abs(place.twist.y) > kTolerance) {}
+
 const uint8_t* Mask::Row(int x, int y, int count, uint8_t* scratch) const {
-  if (twist_) {
+  if (twisted_) {
     for (int i = 0; i < count; ++i) {
-      const Point unit = twist_->toUnit(x + i + 0.5, y + 0.5);
-      const Point position = toMask_(x + i + 0.5, y + 0.5) + twist_->amount * (unit.x * unit.y);
+      const Point unit = place_.toUnit(x + i + 0.5, y + 0.5);
+      const Point position = place_.toMask(x + i + 0.5, y + 0.5) + place_.twist * (unit.x * unit.y);
       scratch[i] = static_cast<uint8_t>(texture_.At(position) >> 24);
     }
     return scratch;
@@ -47,7 +43,7 @@ MaskPoints::MaskPoints(const Operand& mask)
     : texture_(*mask.pixels, mask.pixels->Bounds(), mask.scaleMode, {{0, 0}, {1, 0}, {0, 1}}, {}) {}
 
 uint32_t MaskPoints::AlphaAt(Point position) const {
-  if (!std::isfinite(position.x) || !std::isfinite(position.y)) return 0;
+  if (!IsFinite(position)) return 0;
   return texture_.At(position) >> 24;
 }
 

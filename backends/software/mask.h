@@ -29,27 +29,17 @@ class Mask {
 
   /// Whether Row() needs no scratch, and rows lie Pitch() bytes apart.
   bool IsInPlace() const {
-    return !twist_ && texture_.IsAligned() && texture_.Pixels().Format() == VuPixelFormat::A8;
+    return !twisted_ && texture_.IsAligned() && texture_.Pixels().Format() == VuPixelFormat::A8;
   }
   ptrdiff_t Pitch() const { return texture_.Pixels().Pitch(); }
   const Texture& Source() const { return texture_; }
 
  private:
-  /// How the mask's position departs from an affine one: by `twist` * u * v.
-  struct Twist {
-    Affine toUnit;
-    Point amount;
-  };
-
-  Mask(const Operand& mask, const Affine& toMask, const Box& area,
-       const std::optional<Twist>& twist)
-      : texture_(*mask.pixels, mask.pixels->Bounds(), mask.scaleMode, toMask, area),
-        toMask_(toMask),
-        twist_(twist) {}
+  Mask(const Operand& mask, const MaskPlacement& place, const Box& area);
 
   Texture texture_;
-  Affine toMask_;
-  std::optional<Twist> twist_;
+  MaskPlacement place_;
+  bool twisted_;  ///< Positions cannot be told by `place_.toMask` alone.
 };
 
 /// A mask read position by position.

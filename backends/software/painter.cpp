@@ -10,20 +10,11 @@
 #include "software/painter.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "common/pixelmath.h"
 #include "common/surfaceformat.h"
 
 namespace ZIRK::backends {
-
-namespace {
-
-bool IsFinite(const Extent& r) {
-  return std::isfinite(r.x + r.width) && std::isfinite(r.y + r.height);
-}
-
-}  // namespace
 
 Painter::Painter(PixelBuffer& target, const SurfaceState& state)
     : target_(target), state_(state), blender_(target), revision_(state.revision - 1) {}
@@ -51,8 +42,7 @@ void Painter::DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m,
   if (!placement) return;
   uint32_t shade = Premultiply(color);
   if (mask) {
-    const Point at = {static_cast<double>(mask->coords->x()),
-                      static_cast<double>(mask->coords->y())};
+    const Point at = ToPoint(*mask->coords);
     shade = ScalePixel(shade, MaskPoints(mask->operand).AlphaAt(at));
   }
   Paint(*placement, *placement, nullptr, shade, nullptr);
@@ -61,20 +51,15 @@ void Painter::DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m,
 void Painter::DrawObject(const Extent& dst, const Operand& src, const Extent& srcRect, Edges edges,
                          const MatrixF& m, VuColor color, const MaskArgument* mask) {
   Refresh();
-  if (!(srcRect.width > 0 && srcRect.height > 0) || !IsFinite(srcRect)) return;
   if (edges == Edges::OnWholePixels && !mask && DrawUnscaled(dst, src, srcRect, m, color)) return;
   const std::optional<Placement> whole = Place(dst, m, edges);
-  const Extent visible = Cut(srcRect, src.pixels->Bounds());
-  if (!whole || !(visible.width > 0 && visible.height > 0)) return;
-
-  const auto u = [&](double x) { return (x - srcRect.x) / srcRect.width; };
-  const auto v = [&](double y) { return (y - srcRect.y) / srcRect.height; };
-  const Placement part = whole->Part(u(visible.x), v(visible.y), u(visible.x + visible.width),
-                                     v(visible.y + visible.height));
-  const Affine toSource = {{srcRect.x, srcRect.y}, {srcRect.width, 0}, {0, srcRect.height}};
-  const Texture texture(*src.pixels, Around(visible), src.scaleMode,
-                        Biased(Compose(toSource, whole->toUnit), src.scaleMode), Visible(part.box));
-  Paint(part, *whole, &texture, Premultiply(color), mask);
+  if (!whole) return;
+  const std::optional<SourcePlacement> source =
+      PlaceSource(srcRect, src.pixels->Bounds(), *whole, src.scaleMode);
+  if (!source) return;
+  const Texture texture(*src.pixels, source->limits, src.scaleMode, source->toTexture,
+                        Visible(source->part.box));
+  Paint(source->part, *whole, &texture, Premultiply(color), mask);
 }
 
 bool Painter::FillBox(const VuRect& r, VuColor color) {
@@ -100,9 +85,10 @@ bool Painter::DrawUnscaled(const Extent& dst, const Operand& src, const Extent& 
                            const MatrixF& m, VuColor color) {
   const std::optional<Box> box = PlaceUpright(dst, m);
   if (!box || box->Width() != srcRect.width || box->Height() != srcRect.height) return false;
-  if (srcRect.x < 0 || srcRect.y < 0 || srcRect.x + srcRect.width > src.pixels->Width() ||
-      srcRect.y + srcRect.height > src.pixels->Height())
-    return false;
+  const bool inside = srcRect.x >= 0 && srcRect.y >= 0 &&
+                      srcRect.x + srcRect.width <= src.pixels->Width() &&
+                      srcRect.y + srcRect.height <= src.pixels->Height();
+  if (!inside) return false;
   const Texture texture(*src.pixels, static_cast<int>(srcRect.x) - box->x0,
                         static_cast<int>(srcRect.y) - box->y0);
   PaintBox(*box, &texture, Premultiply(color));
