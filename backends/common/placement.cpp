@@ -68,6 +68,7 @@ Affine Inverse(const Affine& a) {
   return {linear(a.origin.x, a.origin.y) * -1, linear.dx, linear.dy};
 }
 
+/// Has only the part `u0`..`u1`, `v0`..`v1` of the unit square drawn.
 void SetCorners(Placement& p, double u0, double v0, double u1, double v1) {
   p.corners[0] = p.toSurface(u0, v0);
   p.corners[1] = p.toSurface(u1, v0);
@@ -85,16 +86,23 @@ void SetCorners(Placement& p, double u0, double v0, double u1, double v1) {
              CutToFar(std::ceil(bottom))};
 }
 
-}  // namespace
-
-Affine Biased(const Affine& a, VuScaleMode mode) {
-  const bool upright = a.dx.y == 0 && a.dy.x == 0, turned = a.dx.x == 0 && a.dy.y == 0;
-  if (mode != VuScaleMode::Nearest || (!upright && !turned)) return a;
-  const Point forward = a.dx + a.dy;
-  const Point bias = {std::copysign(kTexelBias, forward.x), std::copysign(kTexelBias, forward.y)};
-  return {a.origin + bias, a.dx, a.dy};
+/// `outer` of `inner`.
+Affine Compose(const Affine& outer, const Affine& inner) {
+  const auto linear = [&outer](Point p) { return outer.dx * p.x + outer.dy * p.y; };
+  return {outer(inner.origin.x, inner.origin.y), linear(inner.dx), linear(inner.dy)};
 }
 
+/// `toTexels` with the bias, where the nearest texels are read by it along the axes.
+Affine Biased(const Affine& toTexels, VuScaleMode mode) {
+  const bool upright = toTexels.dx.y == 0 && toTexels.dy.x == 0,
+             turned = toTexels.dx.x == 0 && toTexels.dy.y == 0;
+  if (mode != VuScaleMode::Nearest || (!upright && !turned)) return toTexels;
+  const Point forward = toTexels.dx + toTexels.dy;
+  const Point bias = {std::copysign(kTexelBias, forward.x), std::copysign(kTexelBias, forward.y)};
+  return {toTexels.origin + bias, toTexels.dx, toTexels.dy};
+}
+
+/// The part of `r` that lies inside `bounds`; without extent if there is none.
 Extent Cut(const Extent& r, const Box& bounds) {
   const double x0 = std::max<double>(r.x, bounds.x0), y0 = std::max<double>(r.y, bounds.y0);
   const double x1 = std::min<double>(r.x + r.width, bounds.x1);
@@ -102,10 +110,13 @@ Extent Cut(const Extent& r, const Box& bounds) {
   return {x0, y0, x1 - x0, y1 - y0};
 }
 
+/// All pixels that `r`, which has been cut, touches.
 Box Around(const Extent& r) {
   return {static_cast<int>(std::floor(r.x)), static_cast<int>(std::floor(r.y)),
           static_cast<int>(std::ceil(r.x + r.width)), static_cast<int>(std::ceil(r.y + r.height))};
 }
+
+}  // namespace
 
 Box TakePart(Extent* rect, const Box& bounds) {
   if (!rect) return bounds;
@@ -113,12 +124,6 @@ Box TakePart(Extent* rect, const Box& bounds) {
   const Box part = visible.width > 0 && visible.height > 0 ? Around(visible) : Box();
   rect->x -= part.x0;
   rect->y -= part.y0;
-  return part;
-}
-
-Placement Placement::Part(double u0, double v0, double u1, double v1) const {
-  Placement part = *this;
-  SetCorners(part, u0, v0, u1, v1);
   return part;
 }
 
@@ -180,9 +185,11 @@ std::optional<SourcePlacement> PlaceSource(const Extent& srcRect, const Box& bou
   const auto u = [&](double x) { return (x - srcRect.x) / srcRect.width; };
   const auto v = [&](double y) { return (y - srcRect.y) / srcRect.height; };
   const Affine unitToTexture = {{srcRect.x, srcRect.y}, {srcRect.width, 0}, {0, srcRect.height}};
-  return SourcePlacement{whole.Part(u(visible.x), v(visible.y), u(visible.x + visible.width),
-                                    v(visible.y + visible.height)),
-                         Biased(Compose(unitToTexture, whole.toUnit), mode), Around(visible)};
+  SourcePlacement source = {whole, Biased(Compose(unitToTexture, whole.toUnit), mode),
+                            Around(visible)};
+  SetCorners(source.part, u(visible.x), v(visible.y), u(visible.x + visible.width),
+             v(visible.y + visible.height));
+  return source;
 }
 
 std::optional<MaskPlacement> PlaceMask(int width, int height, const VuTVector2D<float>* coords,

@@ -35,18 +35,9 @@ struct Affine {
   Point operator()(double x, double y) const { return origin + dx * x + dy * y; }
 };
 
-/// `outer` of `inner`.
-inline Affine Compose(const Affine& outer, const Affine& inner) {
-  const auto linear = [&outer](Point p) { return outer.dx * p.x + outer.dy * p.y; };
-  return {outer(inner.origin.x, inner.origin.y), linear(inner.dx), linear(inner.dy)};
-}
-
 /// Where upright pictures are scaled, positions that ought to lie on the border of two texels lie
 /// this far beyond it, in the direction of reading: more than interpolation loses.
 constexpr double kTexelBias = 1.0 / 4096;
-
-/// `toTexels` with that bias, where the nearest texels are read by it along the axes.
-Affine Biased(const Affine& toTexels, VuScaleMode mode);
 
 /// A rectangle in the coordinates of a primitive.
 struct Extent {
@@ -63,12 +54,6 @@ inline Extent ToExtent(VuPoint p, float size) {
   return {p.x + 0.5 - side / 2, p.y + 0.5 - side / 2, side, side};
 }
 
-/// The part of `r` that lies inside `bounds`; without extent if there is none.
-Extent Cut(const Extent& r, const Box& bounds);
-
-/// All pixels that `r`, which has been cut, touches.
-Box Around(const Extent& r);
-
 /// What is copied of a surface for an operation that reads `rect` of it, which goes by the copy
 /// from there on: all pixels that it touches, perhaps none. Null stands for all there are.
 Box TakePart(Extent* rect, const Box& bounds);
@@ -82,9 +67,6 @@ struct Placement {
   Affine toUnit;
   bool hardEdged;  ///< The edges lie on whole pixels: those of `box`, and need no anti-aliasing.
   Box box;         ///< All pixels that are touched; far edges are cut, see kFar.
-
-  /// The same with only the part `u0`..`u1`, `v0`..`v1` of the unit square drawn.
-  Placement Part(double u0, double v0, double u1, double v1) const;
 
   /// Corners of the drawn part on the surface: top-left, top-right, bottom-right, bottom-left.
   Point corners[4];

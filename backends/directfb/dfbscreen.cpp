@@ -1,7 +1,5 @@
 #include "directfb/dfbscreen.h"
 
-#include <zirk/vuperfcounter.h>
-
 #include <utility>
 
 namespace ZIRK::backends {
@@ -14,31 +12,16 @@ DirectFbScreen::DirectFbScreen(std::unique_ptr<SurfaceLedger::Entry> entry,
           std::move(entry), screen.width, screen.height, screen.format, std::move(screen.surface),
           std::move(atlases),
           screen.twoBuffers ? DirectFbRenderer::Buffers::Two : DirectFbRenderer::Buffers::One),
-      singleBuffered_(!screen.twoBuffers) {}
+      Presenter(!screen.twoBuffers) {}
 
 bool DirectFbScreen::Begin() {
   if (!Drawing().Begin()) return false;
   // What is shown is cleared by that, too.
-  Present();
+  Show();
   return true;
 }
 
-void DirectFbScreen::SwapBuffers() {
-  Present();
-  if (LogFPS) ShowFPS();
-}
-
-void DirectFbScreen::Finish() {
-  if (singleBuffered_) Present();
-  DirectFbSurface::Finish();
-}
-
-void DirectFbScreen::Flush() {
-  if (singleBuffered_) Present();
-}
-
 void DirectFbScreen::Present() {
-  const DrawTimer timer = DrawTimer::Swapping();
   if (layer_) Drawing().Flip();
 }
 

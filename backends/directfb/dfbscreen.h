@@ -4,6 +4,7 @@
 
 #include <memory>
 
+#include "common/presenter.h"
 #include "directfb/dfbbitmap.h"
 #include "directfb/dfblayer.h"
 
@@ -15,7 +16,9 @@ struct ScreenLayer {
 };
 
 /// A screen: a display layer's surface.
-class DirectFbScreen final : private ScreenLayer, public DirectFbSurface<VuScreenImpl> {
+class DirectFbScreen final : private ScreenLayer,
+                             public DirectFbSurface<VuScreenImpl>,
+                             private Presenter {
  public:
   /// `layer` is null where there is none: the picture then stays in memory.
   DirectFbScreen(std::unique_ptr<SurfaceLedger::Entry> entry, std::unique_ptr<DirectFbLayer> layer,
@@ -24,16 +27,15 @@ class DirectFbScreen final : private ScreenLayer, public DirectFbSurface<VuScree
   /// Clears a new screen; false, after an error line, if there is no memory for it.
   bool Begin();
 
-  void SwapBuffers() override;
-
-  /// On a single-buffered screen drawing is seen without a swap.
-  void Finish() override;
-  void Flush() override;
+  void SwapBuffers() override { Swap(); }
+  void Finish() override {
+    ShowIfSingleBuffered();
+    DirectFbSurface::Finish();
+  }
+  void Flush() override { ShowIfSingleBuffered(); }
 
  private:
-  void Present();
-
-  const bool singleBuffered_;
+  void Present() override;
 };
 
 }  // namespace ZIRK::backends

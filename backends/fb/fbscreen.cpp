@@ -1,7 +1,6 @@
 #include "fb/fbscreen.h"
 
 #include <zirk/impl/log.h>
-#include <zirk/vuperfcounter.h>
 
 #include <utility>
 
@@ -29,24 +28,10 @@ FbScreen::FbScreen(std::unique_ptr<SurfaceLedger::Entry> entry,
                    std::unique_ptr<FramebufferDevice> device, std::shared_ptr<PixelSources> sources)
     : SoftwareSurface(std::move(entry), description.width, description.height, description.format,
                       std::move(sources)),
-      singleBuffered_(description.buffers < 2),
+      Presenter(description.buffers < 2),
       device_(std::move(device)) {}
 
-void FbScreen::SwapBuffers() {
-  Present();
-  if (LogFPS) ShowFPS();
-}
-
-void FbScreen::Finish() {
-  if (singleBuffered_) Present();
-}
-
-void FbScreen::Flush() {
-  if (singleBuffered_) Present();
-}
-
 void FbScreen::Present() {
-  const DrawTimer timer = DrawTimer::Swapping();
   const Box damage = TakeDamage();
   if (!device_) return;
   const PixelBuffer& pixels = Pixels();

@@ -5,13 +5,14 @@
 #include <memory>
 #include <string>
 
+#include "common/presenter.h"
 #include "fb/framebufferdevice.h"
 #include "software/softwarebitmap.h"
 
 namespace ZIRK::backends {
 
 /// A screen: drawn in cached memory, and copied to the device when the frame is done.
-class FbScreen final : public SoftwareSurface<VuScreenImpl> {
+class FbScreen final : public SoftwareSurface<VuScreenImpl>, private Presenter {
  public:
   /// Where there is no device the picture stays in memory, after a warning. `reason`, if any, is
   /// why there is no better screen, and is in the warning, which is then always given.
@@ -23,16 +24,13 @@ class FbScreen final : public SoftwareSurface<VuScreenImpl> {
   FbScreen(std::unique_ptr<SurfaceLedger::Entry> entry, const VuScreenDescription& description,
            std::unique_ptr<FramebufferDevice> device, std::shared_ptr<PixelSources> sources);
 
-  void SwapBuffers() override;
-
-  /// On a single-buffered screen drawing is seen without a swap.
-  void Finish() override;
-  void Flush() override;
+  void SwapBuffers() override { Swap(); }
+  void Finish() override { ShowIfSingleBuffered(); }
+  void Flush() override { ShowIfSingleBuffered(); }
 
  private:
-  void Present();
+  void Present() override;
 
-  const bool singleBuffered_;
   const std::unique_ptr<FramebufferDevice> device_;
 };
 

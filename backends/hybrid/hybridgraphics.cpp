@@ -59,8 +59,7 @@ ImageSize HybridGraphics::ScreenSize(int index) const {
   std::string reason;
   const auto mirrors = FindOpenGl(reason);
   if (!mirrors) return FbGraphics::ScreenSize(index);
-  const SDL_DisplayMode mode = mirrors->Device()->DisplayMode(index);
-  return mode.w > 0 && mode.h > 0 ? ImageSize{mode.w, mode.h} : GraphicsBase::ScreenSize(index);
+  return mirrors->Device()->DisplaySize(index).value_or(GraphicsBase::ScreenSize(index));
 }
 
 std::unique_ptr<VuScreenImpl> HybridGraphics::MakeScreen(Entry entry,

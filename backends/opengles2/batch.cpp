@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <utility>
 #include <vector>
 
@@ -12,41 +13,26 @@ namespace ZIRK::backends {
 
 namespace {
 
-GLenum ToGl(VuBlendingFactor factor) {
-  switch (factor) {
-    case VuBlendingFactor::Zero:
-      return GL_ZERO;
-    case VuBlendingFactor::One:
-      return GL_ONE;
-    case VuBlendingFactor::SrcColor:
-      return GL_SRC_COLOR;
-    case VuBlendingFactor::OneMinusSrcColor:
-      return GL_ONE_MINUS_SRC_COLOR;
-    case VuBlendingFactor::SrcAlpha:
-      return GL_SRC_ALPHA;
-    case VuBlendingFactor::OneMinusSrcAlpha:
-      return GL_ONE_MINUS_SRC_ALPHA;
-    case VuBlendingFactor::DstAlpha:
-      return GL_DST_ALPHA;
-    case VuBlendingFactor::OneMinusDstAlpha:
-      return GL_ONE_MINUS_DST_ALPHA;
-    case VuBlendingFactor::DstColor:
-      return GL_DST_COLOR;
-    case VuBlendingFactor::OneMinusDstColor:
-      return GL_ONE_MINUS_DST_COLOR;
-    case VuBlendingFactor::SrcAlphaSaturate:
-      return GL_SRC_ALPHA_SATURATE;
-    case VuBlendingFactor::BlendColor:
-      return GL_CONSTANT_COLOR;
-    case VuBlendingFactor::OneMinusBlendColor:
-      return GL_ONE_MINUS_CONSTANT_COLOR;
-    case VuBlendingFactor::BlendAlpha:
-      return GL_CONSTANT_ALPHA;
-    case VuBlendingFactor::OneMinusBlendAlpha:
-      return GL_ONE_MINUS_CONSTANT_ALPHA;
-  }
-  return GL_ZERO;
-}
+/// In the order of VuBlendingFactor.
+constexpr GLenum kFactors[] = {
+    GL_ZERO,
+    GL_ONE,
+    GL_SRC_COLOR,
+    GL_ONE_MINUS_SRC_COLOR,
+    GL_SRC_ALPHA,
+    GL_ONE_MINUS_SRC_ALPHA,
+    GL_DST_ALPHA,
+    GL_ONE_MINUS_DST_ALPHA,
+    GL_DST_COLOR,
+    GL_ONE_MINUS_DST_COLOR,
+    GL_SRC_ALPHA_SATURATE,
+    GL_CONSTANT_COLOR,
+    GL_ONE_MINUS_CONSTANT_COLOR,
+    GL_CONSTANT_ALPHA,
+    GL_ONE_MINUS_CONSTANT_ALPHA,
+};
+static_assert(kFactors[size_t(VuBlendingFactor::SrcAlphaSaturate)] == GL_SRC_ALPHA_SATURATE &&
+              size_t(VuBlendingFactor::OneMinusBlendAlpha) + 1 == std::size(kFactors));
 
 /// A colour as four numbers.
 std::array<float, 4> Split(uint32_t color) {
@@ -85,10 +71,11 @@ GlBlend::GlBlend(const SurfaceState& state)
 
 std::array<GLenum, 4> GlBlend::FactorsFor(const GlTarget& target) const {
   std::array<GLenum, 4> all{};
-  for (size_t i = 0; i < 4; ++i)
-    all[i] = ToGl(static_cast<VuBlendingFactor>(factors >> 4 * i & 15u));
-  if (target.order == ChannelOrder::AlphaOnly)
-    for (size_t i = 0; i < 4; ++i) all[i] = OfAlpha(all[i | 2]);
+  const bool alphaOnly = target.order == ChannelOrder::AlphaOnly;
+  for (size_t i = 0; i < 4; ++i) {
+    const GLenum factor = kFactors[factors >> 4 * (alphaOnly ? i | 2 : i) & 15u];
+    all[i] = alphaOnly ? OfAlpha(factor) : factor;
+  }
   return all;
 }
 
@@ -140,7 +127,7 @@ void Batch::Begin(const DrawKey& key) {
 }
 
 void Batch::JoinOrBegin(const DrawKey& key) {
-  if (quads_ == kMaxQuads || !Joins(key)) Begin(key);
+  if (quads_ == kMaxQuads || !TryJoin(key)) Begin(key);
 }
 
 void Batch::Flush() {

@@ -61,7 +61,7 @@ class Batch {
   /// them. It is to be filled before the next call. `key.blend` is copied.
   std::byte* Add(const DrawKey& key, int count) {
     const int room = std::min(kWords / WordsOfQuad(key.program), kMaxQuads) - quads_;
-    if (count > room || !Joins(key)) Begin(key);
+    if (count > room || !TryJoin(key)) Begin(key);
     colors_ = colors_ || !key.texture;
     std::byte* const at = End();
     quads_ += count;
@@ -115,7 +115,8 @@ class Batch {
   std::byte* Vertices() const { return lines_[0].bytes; }
   std::byte* End() const { return Vertices() + ptrdiff_t{4} * quads_ * WordsOfQuad(key_.program); }
 
-  bool Joins(const DrawKey& key) {
+  /// Whether `key` goes with what has been collected; that takes over its texture if it had none.
+  bool TryJoin(const DrawKey& key) {
     if (quads_ == 0 || key.target != key_.target || key.program != key_.program ||
         key.mask != key_.mask || key.maskFilter != key_.maskFilter || !(*key.blend == blend_))
       return false;

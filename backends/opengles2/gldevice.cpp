@@ -198,12 +198,13 @@ bool GlDevice::OpenHome() {
   return home_ != nullptr;
 }
 
-SDL_DisplayMode GlDevice::DisplayMode(int index) const {
-  SDL_DisplayMode mode = {};
+std::optional<ImageSize> GlDevice::DisplaySize(int index) const {
   // Off-screen SDL makes up a display.
-  if (IsLost() || DriverIs("offscreen")) return {};
-  if (Sdl().GetDesktopDisplayMode(index, &mode) != 0) return {};
-  return mode;
+  if (IsLost() || DriverIs("offscreen")) return std::nullopt;
+  SDL_DisplayMode mode = {};
+  if (Sdl().GetDesktopDisplayMode(index, &mode) != 0 || mode.w <= 0 || mode.h <= 0)
+    return std::nullopt;
+  return ImageSize{mode.w, mode.h};
 }
 
 SDL_Window* GlDevice::OpenWindow(int width, int height, int display) {

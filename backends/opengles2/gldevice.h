@@ -2,9 +2,11 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "images/image.h"
 #include "opengles2/batch.h"
 #include "opengles2/glfunctions.h"
 #include "opengles2/sdlcalls.h"
@@ -38,8 +40,8 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
   /// Whether nobody else in the process uses SDL, as far as SDL tells.
   bool HasSdlAlone() const;
 
-  /// The size of display `index`; zeros where there is none.
-  SDL_DisplayMode DisplayMode(int index) const;
+  /// The size of display `index`, if there is one.
+  std::optional<ImageSize> DisplaySize(int index) const;
 
   /// A window with its framebuffer. Null after one error line.
   SDL_Window* OpenWindow(int width, int height, int display);

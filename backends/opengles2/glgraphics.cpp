@@ -16,8 +16,7 @@ void GlGraphics::Flush() {
 }
 
 ImageSize GlGraphics::ScreenSize(int index) const {
-  const SDL_DisplayMode mode = device_->DisplayMode(index);
-  return mode.w > 0 && mode.h > 0 ? ImageSize{mode.w, mode.h} : GraphicsBase::ScreenSize(index);
+  return device_->DisplaySize(index).value_or(GraphicsBase::ScreenSize(index));
 }
 
 std::unique_ptr<VuScreenImpl> GlGraphics::MakeScreen(Entry entry,

@@ -1,7 +1,5 @@
 #include "opengles2/glscreen.h"
 
-#include <zirk/vuperfcounter.h>
-
 #include <utility>
 
 namespace ZIRK::backends {
@@ -11,7 +9,7 @@ GlScreen::GlScreen(std::unique_ptr<SurfaceLedger::Entry> entry,
                    std::shared_ptr<TextureSources> sources)
     : GlSurface(std::move(entry), description.width, description.height, description.format, device,
                 std::move(sources)),
-      singleBuffered_(description.buffers < 2),
+      Presenter(description.buffers < 2),
       index_(description.index),
       layers_(GlLayers::Of(device)) {}
 
@@ -67,40 +65,16 @@ bool GlScreen::BecomeWindow() {
   return true;
 }
 
-void GlScreen::SwapBuffers() {
-  Present();
-  if (LogFPS) ShowFPS();
-}
-
-void GlScreen::Finish() {
-  if (singleBuffered_) return Present();
-  GlSurface::Finish();
-}
-
-void GlScreen::Flush() {
-  if (singleBuffered_) return Present();
-  GlSurface::Flush();
-}
-
 void GlScreen::Present() {
-  const DrawTimer timer = DrawTimer::Swapping();
-  try {
-    ShowFrame();
-  } catch (const std::bad_alloc&) {
-    ZIRK_LOG_ERROR("no memory to show a frame with");
-  }
-}
-
-void GlScreen::ShowFrame() {
   const GlCompositor::Stack stack = GlCompositor::Current();
   if (!stack.composing) layers_->StopComposing();
   const bool isLayer = Canvas().Texture() != nullptr;
   const bool becomesLayer = stack.composing || !ownsWindow_;
   if (isLayer != becomesLayer && !Move(becomesLayer)) return;
   if (stack.composing)
-    layers_->Swap(*this, stack, !singleBuffered_);
+    layers_->Swap(*this, stack, !IsSingleBuffered());
   else if (!becomesLayer)
-    window_->Present(!singleBuffered_);
+    window_->Present(!IsSingleBuffered());
 }
 
 }  // namespace ZIRK::backends

@@ -4,6 +4,7 @@
 
 #include <memory>
 
+#include "common/presenter.h"
 #include "opengles2/gllayers.h"
 #include "opengles2/glsurface.h"
 
@@ -11,7 +12,7 @@ namespace ZIRK::backends {
 
 /// A screen: a window, or all of a display where there is no window system; a texture while there
 /// is a compositor, which makes it one of its layers.
-class GlScreen final : public GlSurface<VuScreenImpl> {
+class GlScreen final : public GlSurface<VuScreenImpl>, private Presenter {
  public:
   /// Null after one error line.
   static std::unique_ptr<GlScreen> Open(std::unique_ptr<SurfaceLedger::Entry> entry,
@@ -27,11 +28,13 @@ class GlScreen final : public GlSurface<VuScreenImpl> {
   /// Makes it a layer, with the picture that it has, if it is none yet. False after an error line.
   bool EnterLayers() { return Canvas().Texture() || Move(true); }
 
-  void SwapBuffers() override;
-
-  /// On a single-buffered screen drawing is seen without a swap.
-  void Finish() override;
-  void Flush() override;
+  void SwapBuffers() override { Swap(); }
+  void Finish() override {
+    if (!ShowIfSingleBuffered()) GlSurface::Finish();
+  }
+  void Flush() override {
+    if (!ShowIfSingleBuffered()) GlSurface::Flush();
+  }
 
  private:
   GlScreen(std::unique_ptr<SurfaceLedger::Entry> entry, const VuScreenDescription& description,
@@ -40,10 +43,8 @@ class GlScreen final : public GlSurface<VuScreenImpl> {
   bool Move(bool toLayers);
   bool BecomeLayer();
   bool BecomeWindow();
-  void Present();
-  void ShowFrame();
+  void Present() override;
 
-  const bool singleBuffered_;
   const int index_;
   bool ownsWindow_ = true;  ///< Whenever there is no compositor.
   const std::shared_ptr<GlLayers> layers_;
