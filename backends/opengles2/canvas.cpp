@@ -23,38 +23,55 @@ GLint FilterOf(VuScaleMode mode) {
   return mode == VuScaleMode::Bilinear ? GL_LINEAR : GL_NEAREST;
 }
 
-/// Writes one vertex after the other.
-class VertexWriter {
- public:
-  explicit VertexWriter(std::byte* at) : at_(at) {}
+GlPoint ToGl(Point p) {
+  return {static_cast<float>(p.x), static_cast<float>(p.y)};
+}
 
-  void Put(double v) { PutWord(static_cast<float>(v)); }
-  void Put(Point p) {
-    Put(p.x);
-    Put(p.y);
-  }
-  void PutColor(uint32_t color) { PutWord(color); }
-  void PutWhole(Point p) { PutWord(static_cast<uint32_t>(p.x) | static_cast<uint32_t>(p.y) << 16); }
-
- private:
-  template <typename T>
-  void PutWord(T word) {
-    static_assert(sizeof word == 4);
-    std::memcpy(at_, &word, 4);
-    at_ += 4;
-  }
-
-  std::byte* at_;
+/// Texels at the edges of a quadrilateral.
+struct Texels {
+  float s0, t0, s1, t1;
 };
+constexpr Texels kNoTexels = {-1, -1, -1, -1};
+constexpr GlPoint kNoTexel = {-1, -1};
 
-void PutPlainQuad(PlainVertex* v, const Box& box, float s0, float t0, float s1, float t1,
-                  uint32_t color) {
+void PutPlainQuad(PlainVertex* v, const Box& box, const Texels& texels, uint32_t color) {
   const auto x0 = static_cast<uint16_t>(box.x0), x1 = static_cast<uint16_t>(box.x1);
   const auto y0 = static_cast<uint16_t>(box.y0), y1 = static_cast<uint16_t>(box.y1);
+  const auto [s0, t0, s1, t1] = texels;
   v[0] = {x0, y0, color, s0, t0};
   v[1] = {x1, y0, color, s1, t0};
   v[2] = {x1, y1, color, s1, t1};
   v[3] = {x0, y1, color, s0, t1};
+}
+
+/// How a plain quadrilateral reads its texture.
+struct Reading {
+  GLint filter;
+  float bias;
+};
+
+/// For `rect` of `src` that fills `box`; nothing if it takes a program that limits what is read.
+std::optional<Reading> ReadingFor(const Box& box, const GlOperand& src, const VuRect& rect) {
+  if (box.Width() == rect.width && box.Height() == rect.height) return Reading{GL_NEAREST, 0};
+  const GLint filter = FilterOf(src.scaleMode);
+  const bool enlarged =
+      kSmallestStep * box.Width() > rect.width || kSmallestStep * box.Height() > rect.height;
+  const bool whole = ToBox(rect) == src.texture->Bounds();
+  if (filter == GL_NEAREST ? enlarged : !whole) return std::nullopt;
+  return Reading{filter, filter == GL_NEAREST ? static_cast<float>(kTexelBias) : 0};
+}
+
+/// For the `visible` part of `box`, which `rect` of a texture fills.
+Texels CutTexels(const VuRect& rect, float bias, const Box& box, const Box& visible) {
+  const float s = static_cast<float>(rect.x) + bias, t = static_cast<float>(rect.y) + bias;
+  if (visible == box)
+    return {s, t, s + static_cast<float>(rect.width), t + static_cast<float>(rect.height)};
+  const double stepX = double(rect.width) / box.Width();
+  const double stepY = double(rect.height) / box.Height();
+  return {s + static_cast<float>((visible.x0 - box.x0) * stepX),
+          t + static_cast<float>((visible.y0 - box.y0) * stepY),
+          s + static_cast<float>((visible.x1 - box.x0) * stepX),
+          t + static_cast<float>((visible.y1 - box.y0) * stepY)};
 }
 
 /// Whether OpenGL's own copying, which needs no shader, is worth the interruption.
@@ -97,13 +114,6 @@ uint32_t GlCanvas::Shade(VuColor color) const {
   return target_->Channels(Premultiply(color));
 }
 
-DrawKey GlCanvas::Key() const {
-  DrawKey key;
-  key.target = target_;
-  key.blend = &blend_;
-  return key;
-}
-
 void GlCanvas::DrawRect(const Extent& rect, VuColor color, const MatrixF& m, const GlMask* mask) {
   if (!Refresh()) return;
   if (!mask)
@@ -137,28 +147,10 @@ bool GlCanvas::BlitBox(VuRect dst, GlOperand src, VuRect srcRect, const MatrixF&
   const Box visible = Visible(box);
   if (visible.IsEmpty()) return true;
 
-  GLint filter = GL_NEAREST;
-  float bias = 0;
-  if (box.Width() != srcRect.width || box.Height() != srcRect.height) {
-    filter = FilterOf(src.scaleMode);
-    const bool enlarged = kSmallestStep * box.Width() > srcRect.width ||
-                          kSmallestStep * box.Height() > srcRect.height;
-    const bool whole = ToBox(srcRect) == src.texture->Bounds();
-    if (filter == GL_NEAREST ? enlarged : !whole) return false;
-    bias = filter == GL_NEAREST ? static_cast<float>(kTexelBias) : 0;
-  }
-  float s0 = static_cast<float>(srcRect.x) + bias, t0 = static_cast<float>(srcRect.y) + bias;
-  float s1 = s0 + static_cast<float>(srcRect.width), t1 = t0 + static_cast<float>(srcRect.height);
-  if (!(visible == box)) {
-    const double stepX = double(srcRect.width) / box.Width();
-    const double stepY = double(srcRect.height) / box.Height();
-    s1 = s0 + static_cast<float>((visible.x1 - box.x0) * stepX);
-    t1 = t0 + static_cast<float>((visible.y1 - box.y0) * stepY);
-    s0 += static_cast<float>((visible.x0 - box.x0) * stepX);
-    t0 += static_cast<float>((visible.y0 - box.y0) * stepY);
-  }
-  PutPlainQuad(device_->Pending().AddPlain(target_, blend_, src.texture, filter), visible, s0, t0,
-               s1, t1, Shade(color));
+  const std::optional<Reading> reading = ReadingFor(box, src, srcRect);
+  if (!reading) return false;
+  PutPlainQuad(device_->Pending().AddPlain(target_, blend_, src.texture, reading->filter), visible,
+               CutTexels(srcRect, reading->bias, box, visible), Shade(color));
   return true;
 }
 
@@ -220,8 +212,8 @@ void GlCanvas::DrawObject(const Extent& dst, const GlOperand& src, const Extent&
 void GlCanvas::PaintBox(const Box& box, uint32_t color) {
   const Box visible = Visible(box);
   if (visible.IsEmpty()) return;
-  PutPlainQuad(device_->Pending().AddPlain(target_, blend_, nullptr, GL_NEAREST), visible, -1, -1,
-               -1, -1, color);
+  PutPlainQuad(device_->Pending().AddPlain(target_, blend_, nullptr, GL_NEAREST), visible,
+               kNoTexels, color);
 }
 
 std::optional<GlCanvas::PlacedMask> GlCanvas::PlaceOver(const Placement& primitive,
@@ -248,11 +240,10 @@ void GlCanvas::Paint(const Placement& placement, const Filling& filling, uint32_
   PaintShape(shape, filling, color, mask);
 }
 
-void GlCanvas::PaintShape(const Shape& shape, const Filling& filling, uint32_t color,
-                          const PlacedMask* mask) {
-  const Polygon& outline = shape.outline;
-  if (outline.count < 3) return;
-  DrawKey key = Key();
+DrawKey GlCanvas::KeyFor(const Shape& shape, const Filling& filling, const PlacedMask* mask) const {
+  DrawKey key;
+  key.target = target_;
+  key.blend = &blend_;
   key.texture = filling.texture;
   key.filter = filling.filter;
   if (mask) {
@@ -262,34 +253,58 @@ void GlCanvas::PaintShape(const Shape& shape, const Filling& filling, uint32_t c
   } else if (!shape.hardEdged || NeedsLimits(filling)) {
     key.program = GlProgram::Shaped;
   }
+  return key;
+}
+
+/// What all vertices of a shape have in common.
+ShapedVertex GlCanvas::VertexOf(const Shape& shape, const Filling& filling, uint32_t color) {
   // A hard edge lies where the outline ends; the shape goes on beyond.
   Affine sides = shape.toSurface;
   if (shape.hardEdged) {
-    const Box b = outline.Bounds();
+    const Box b = shape.outline.Bounds();
     sides = {{b.x0 - 2.0, b.y0 - 2.0}, {b.Width() + 4.0, 0}, {0, b.Height() + 4.0}};
   }
-  const auto vertex = [&](VertexWriter& out, Point p) {
-    key.program == GlProgram::Plain ? out.PutWhole(p) : out.Put(p);
-    out.PutColor(color);
-    out.Put(filling.texture ? filling.toTexture(p.x, p.y) : Point{-1, -1});
-    if (key.program == GlProgram::Plain) return;
-    const Box& l = filling.limits;
-    out.Put(filling.texture ? Point{l.x0 + 0.5, l.y0 + 0.5} : Point{-1, -1});
-    out.Put(filling.texture ? Point{l.x1 - 0.5, l.y1 - 0.5} : Point{-1, -1});
-    out.Put(sides.origin);
-    out.Put(sides.dx);
-    out.Put(sides.dy);
-    out.Put(mask ? mask->place.toUnit(p.x, p.y) : Point{0, 0});
-    if (key.program == GlProgram::Shaped) return;
-    out.Put(mask->place.toMask(p.x, p.y));
-    out.Put(mask->place.twist);
-  };
+  const Box& l = filling.limits;
+  ShapedVertex v{};
+  v.color = color;
+  v.first = filling.texture ? ToGl({l.x0 + 0.5, l.y0 + 0.5}) : kNoTexel;
+  v.last = filling.texture ? ToGl({l.x1 - 0.5, l.y1 - 0.5}) : kNoTexel;
+  v.corner = ToGl(sides.origin);
+  v.right = ToGl(sides.dx);
+  v.down = ToGl(sides.dy);
+  return v;
+}
+
+void GlCanvas::PaintShape(const Shape& shape, const Filling& filling, uint32_t color,
+                          const PlacedMask* mask) {
+  const Polygon& outline = shape.outline;
+  if (outline.count < 3) return;
+  const DrawKey key = KeyFor(shape, filling, mask);
   const int quads = (outline.count - 1) / 2;
-  VertexWriter out(device_->Pending().Add(key, quads));
+  std::byte* at = device_->Pending().Add(key, quads);
+  const auto put = [&at](const auto& vertex) {
+    std::memcpy(at, &vertex, sizeof vertex);
+    at += sizeof vertex;
+  };
+  MaskedVertex v{};
+  if (key.program != GlProgram::Plain) v.shaped = VertexOf(shape, filling, color);
+  if (mask) v.twist = ToGl(mask->place.twist);
+  const auto putAt = [&](Point p) {
+    const GlPoint texel = filling.texture ? ToGl(filling.toTexture(p.x, p.y)) : kNoTexel;
+    if (key.program == GlProgram::Plain)
+      return put(PlainVertex{static_cast<uint16_t>(p.x), static_cast<uint16_t>(p.y), color, texel.x,
+                             texel.y});
+    v.shaped.position = ToGl(p);
+    v.shaped.texel = texel;
+    if (key.program == GlProgram::Shaped) return put(v.shaped);
+    v.shaped.unit = ToGl(mask->place.toUnit(p.x, p.y));
+    v.mask = ToGl(mask->place.toMask(p.x, p.y));
+    put(v);
+  };
   for (int i = 0; i < quads; ++i) {
-    vertex(out, outline.points[0]);
+    putAt(outline.points[0]);
     for (int j = 1; j <= 3; ++j)
-      vertex(out, outline.points[static_cast<size_t>(std::min(2 * i + j, outline.count - 1))]);
+      putAt(outline.points[static_cast<size_t>(std::min(2 * i + j, outline.count - 1))]);
   }
 }
 
@@ -349,8 +364,9 @@ bool GlCanvas::Copy(const Box& box, GlTexture& src, int srcX, int srcY) {
     return device_->Check("copying pixels");
   }
   const auto s = static_cast<float>(srcX), t = static_cast<float>(srcY);
-  PutPlainQuad(device_->Pending().AddPlain(target, kReplace, &src, GL_NEAREST), box, s, t,
-               s + static_cast<float>(box.Width()), t + static_cast<float>(box.Height()), ~0u);
+  PutPlainQuad(device_->Pending().AddPlain(target, kReplace, &src, GL_NEAREST), box,
+               {s, t, s + static_cast<float>(box.Width()), t + static_cast<float>(box.Height())},
+               ~0u);
   return true;
 }
 

@@ -91,10 +91,11 @@ class GlCanvas {
   static std::optional<PlacedMask> PlaceOver(const Placement& primitive, const GlMask& mask);
   static PlacedMask PlaceAt(Point at, const GlOperand& mask);
   static bool NeedsLimits(const Filling& filling);
+  DrawKey KeyFor(const Shape& shape, const Filling& filling, const PlacedMask* mask) const;
+  static ShapedVertex VertexOf(const Shape& shape, const Filling& filling, uint32_t color);
 
   const GlTarget* Target() { return texture_ ? texture_->Target() : window_; }
   bool Refresh();
-  DrawKey Key() const;
   /// As the target has it. After Refresh().
   uint32_t Shade(VuColor color) const;
   Box Visible(const Box& box) const { return Intersection(box, clip_); }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 
@@ -8,17 +9,11 @@
 
 namespace ZIRK::backends {
 
-/// How a quadrilateral is drawn, and what each of its vertices has, in words of 32 bits.
+/// How a quadrilateral is drawn, and what each of its vertices is.
 enum class GlProgram {
-  /// Hard edges. A PlainVertex.
-  Plain,
-  /// Edges are anti-aliased, reading is limited. Position 2 (pixels), colour 1 (of the target),
-  /// position in the texture 2 (texels), limits 4 (texels, first and last that may be read; -1 for
-  /// no texture), shape 6 (a corner, and the ways to both neighbours), position in the unit
-  /// square 2.
-  Shaped,
-  /// That through a mask, then position in the mask 2 (texels) and twist 2.
-  Masked,
+  Plain,   ///< Hard edges. A PlainVertex.
+  Shaped,  ///< Edges are anti-aliased, reading is limited. A ShapedVertex.
+  Masked,  ///< That through a mask. A MaskedVertex.
   /// Plain for colours only, and for a texture only whose channels are in the target's order.
   PlainColor,
   PlainTexture,
@@ -32,15 +27,39 @@ struct PlainVertex {
   float s, t;      ///< Texels; -1 for no texture.
 };
 
+struct GlPoint {
+  float x, y;
+};
+
+struct ShapedVertex {
+  GlPoint position;             ///< Pixels.
+  uint32_t color;               ///< As in a PlainVertex.
+  GlPoint texel;                ///< -1 for no texture, as the next two.
+  GlPoint first, last;          ///< Texels that may be read, their centres.
+  GlPoint corner, right, down;  ///< Of the shape, the latter from one corner to its neighbours.
+  GlPoint unit;                 ///< In the unit square that a mask lies over.
+};
+
+struct MaskedVertex {
+  ShapedVertex shaped;
+  GlPoint mask;   ///< Texels.
+  GlPoint twist;  ///< See MaskPlacement.
+};
+
+/// In words of 32 bits.
 constexpr int WordsOfVertex(GlProgram program) {
-  return program == GlProgram::Shaped ? 17 : program == GlProgram::Masked ? 21 : 4;
+  const size_t bytes = program == GlProgram::Shaped   ? sizeof(ShapedVertex)
+                       : program == GlProgram::Masked ? sizeof(MaskedVertex)
+                                                      : sizeof(PlainVertex);
+  return static_cast<int>(bytes / 4);
 }
 constexpr int WordsOfQuad(GlProgram program) {
   return 4 * WordsOfVertex(program);
 }
 /// Where the position in the texture lies.
 constexpr int TexelsInVertex(GlProgram program) {
-  return program == GlProgram::Shaped || program == GlProgram::Masked ? 3 : 2;
+  const bool plain = program != GlProgram::Shaped && program != GlProgram::Masked;
+  return static_cast<int>((plain ? offsetof(PlainVertex, s) : offsetof(ShapedVertex, texel)) / 4);
 }
 
 /// The programs, and the values that are the same for a draw call. What OpenGL has been told is
