@@ -57,8 +57,9 @@ void Painter::DrawObject(const Extent& dst, const Operand& src, const Extent& sr
   const std::optional<SourcePlacement> source =
       PlaceSource(srcRect, src.pixels->Bounds(), *whole, src.scaleMode);
   if (!source) return;
-  const Texture texture(*src.pixels, source->limits, src.scaleMode, source->toTexture,
-                        Visible(source->part.box));
+  const Box visible = Visible(source->part.box);
+  if (visible.IsEmpty()) return;
+  const Texture texture(*src.pixels, source->limits, src.scaleMode, source->toTexture, visible);
   Paint(source->part, *whole, &texture, Premultiply(color), mask);
 }
 

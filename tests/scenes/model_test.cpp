@@ -242,7 +242,8 @@ TEST_P(Model, RandomOperations) {
                                {0, 0, 0, 10},
                                {10, 10, -5, -5},
                                {INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX},
-                               {1, 1, INT32_MAX, INT32_MAX}};
+                               {1, 1, INT32_MAX, INT32_MAX},
+                               {INT32_MAX, INT32_MAX, 5, 5}};
   Random random(2024);
   const auto number = [&](int low, int high) {
     return low + static_cast<int>(random() % static_cast<unsigned>(high - low + 1));

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 #include <vector>
 
 #include "scenes/backends.h"
@@ -30,6 +31,7 @@ TEST_P(Surfaces, PixelsGoInAndOut) {
     SCOPED_TRACE(format);
     const auto& [bytes, first, cleared] = kFormats[format];
     const auto target = NewTarget(60, 40, Format(format));
+    target->SetName(std::string(300, 'n').c_str());
     const auto at = [&](int x, int y) {
       uint32_t pixel = 0;
       EXPECT_TRUE(target->GetPixels({x, y, 1, 1}, &pixel));

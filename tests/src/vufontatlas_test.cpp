@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <zirk/backend.h>
 
 #include <algorithm>
@@ -79,6 +80,8 @@ TEST_F(FontAtlas, Metrics) {
 TEST_F(FontAtlas, FontsThatDoNotOpen) {
   const std::string text = FontFile("README.md"), pair = FontFile("collection.ttc");
   const std::vector<unsigned char> bytes = support::FontBytes("README.md");
+  const std::string pipe = testing::TempDir() + "zirk_font_pipe";
+  mkfifo(pipe.c_str(), 0600);
   const std::string unsupported = ": font format is unsupported ",
                     format = " FT_Error (0x02) : unknown file format\n",
                     error6 = "NewFace: error 6 creating FT font from file " + pair +
@@ -86,6 +89,7 @@ TEST_F(FontAtlas, FontsThatDoNotOpen) {
   const std::tuple<std::string, int, std::string> cases[] = {
       {text, 0, "NewFace" + unsupported + text + format},
       {"", 0, "NewFace: error 1 creating FT font from file  FT_Error (0x01) : cannot open resou"},
+      {pipe, 0, "NewFace: error 1 creating FT font from file " + pipe},
       {pair, 2, error6},
       {pair, -1, error6},
       {"memory", int(bytes.size()), "NewFaceFromMemory" + unsupported + "[memory]" + format},

@@ -88,14 +88,16 @@ TEST_F(Creation, AnOverrideComesBeforeTheStub) {
               testing::StartsWith("<ZIRK.info>: Creating VuGraphics instance\n"
                                   "<ZIRK.warning>: Creating VuGraphics instance\n"));
   std::string flags;
-  VuGraphics::SetGraphicsOverride([&](bool flag) {
-    flags += flag ? '1' : '0';
+  VuGraphics::SetGraphicsOverride([&flags, turns = std::string("a")](bool flag) {
+    // It goes on when it has ended itself.
+    if (flag) VuGraphics::SetGraphicsOverride(nullptr);
+    flags += turns + (flag ? '1' : '0');
     return nullptr;
   });
   EXPECT_EQ(LoggedAt(6, [] { EXPECT_EQ(VuGraphics::Create(), nullptr); }),
             "<ZIRK.info>: Creating VuGraphics instance\n");
   EXPECT_EQ(VuGraphics::Create(true), nullptr);
-  EXPECT_EQ(flags, "01");
+  EXPECT_EQ(flags, "a0a1");
   ExpectOpened([] { return VuGraphics::Create("Hybrid", true); }, "Hybrid", true);
 }
 
