@@ -4,7 +4,7 @@
 
 namespace ZIRK::backends {
 
-/// What all screens that show something do alike: they hand what is about that on to this.
+/// What screens of all backends do alike to have their picture seen.
 ///
 /// It stands beside the surface as a base of its own. One between surface and screen would add 2 to
 /// 7 KiB to a plug-in: with a virtual base, each class on the way repeats all tables.
