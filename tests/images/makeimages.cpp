@@ -60,7 +60,13 @@ void WritePng(FILE* file, Bytes bytes, int colourType, int depth, int interlace)
   std::fclose(file);
 }
 
-void WriteJpeg(FILE* file, Bytes bytes, J_COLOR_SPACE colours, int channels) {
+/// Each frequency as it is, in one scan.
+constexpr jpeg_scan_info kScans[] = {{3, {0, 1, 2}, 0, 0, 0, 0},
+                                     {1, {0}, 1, 63, 0, 0},
+                                     {1, {1}, 1, 63, 0, 0},
+                                     {1, {2}, 1, 63, 0, 0}};
+
+void WriteJpeg(FILE* file, Bytes bytes, J_COLOR_SPACE colours, int channels, bool progressive) {
   jpeg_compress_struct jpeg;
   jpeg_error_mgr errors;
   jpeg.err = jpeg_std_error(&errors);
@@ -72,6 +78,10 @@ void WriteJpeg(FILE* file, Bytes bytes, J_COLOR_SPACE colours, int channels) {
   jpeg.input_components = channels;
   jpeg_set_defaults(&jpeg);
   jpeg_set_quality(&jpeg, 97, TRUE);
+  if (progressive) {
+    jpeg.scan_info = kScans;
+    jpeg.num_scans = 4;
+  }
   jpeg_start_compress(&jpeg, TRUE);
   for (int y = 0; y < kPictureHeight; ++y) {
     JSAMPROW row = Row(bytes, y);
@@ -111,8 +121,9 @@ int main() {
   WritePng(create("rgba8interlaced.png"), rgba, PNG_COLOR_TYPE_RGBA, 8, interlaced);
   WritePng(create("greyalpha16.png"), greyAlpha16, PNG_COLOR_TYPE_GA, 16, plain);
   WritePng(create("palette8.png"), blocks, PNG_COLOR_TYPE_PALETTE, 8, plain);
-  WriteJpeg(create("rgb.jpg"), rgb, JCS_RGB, 3);
-  WriteJpeg(create("grey.jpg"), grey, JCS_GRAYSCALE, 1);
-  WriteJpeg(create("cmykinverted.jpg"), inks, JCS_CMYK, 4);
+  WriteJpeg(create("rgb.jpg"), rgb, JCS_RGB, 3, false);
+  WriteJpeg(create("progressive.jpg"), rgb, JCS_RGB, 3, true);
+  WriteJpeg(create("grey.jpg"), grey, JCS_GRAYSCALE, 1, false);
+  WriteJpeg(create("cmykinverted.jpg"), inks, JCS_CMYK, 4, false);
   WriteWebp(create("lossless.webp"), rgba);
 }

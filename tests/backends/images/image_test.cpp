@@ -52,6 +52,7 @@ const struct Sample {
     {"greyalpha16.png", kGreyAlpha},
     {"palette8.png", kAll, 0, 4},
     {"rgb.jpg", kOpaque, 14},
+    {"progressive.jpg", kOpaque, 14},
     {"grey.jpg", kGrey, 3},
     {"cmykinverted.jpg", kPrinted, 5},
 #ifdef ZIRK_HAVE_WEBP
@@ -253,6 +254,12 @@ void SetPngWidth(Bytes& png, uint32_t width) {
 
 constexpr size_t kJpegHeight = 163;  // Where rgb.jpg has its height.
 
+void RepeatLastScan(Bytes& b) {
+  constexpr uint8_t kStartOfScan[] = {0xFF, 0xDA};
+  const Bytes scan(std::find_end(b.begin(), b.end(), kStartOfScan, kStartOfScan + 2), b.end() - 2);
+  for (int i = 0; i < 100; ++i) b.insert(b.end() - 2, scan.begin(), scan.end());
+}
+
 TEST(BrokenImage, IsReportedBySizeAndReason) {
   const struct {
     const char *sample, *reason;
@@ -265,6 +272,7 @@ TEST(BrokenImage, IsReportedBySizeAndReason) {
       {"rgb.jpg", "29 x 20000 pixels", [](Bytes& b) { Put(b, kJpegHeight, 2, 20000); }},
       {"rgb.jpg", "Corrupt JPEG data: bad Huffman code",
        [](Bytes& b) { Put(b, b.size() - 100, 8, 0xFF00FF00FF00FF00); }},
+      {"progressive.jpg", "too many scans", RepeatLastScan},
   };
   for (const auto& c : cases) {
     Bytes bytes = ReadSample(c.sample);
