@@ -67,7 +67,7 @@ Handle* Wrap(Impl* impl) {
 VuGraphics* VuGraphics::Create(bool flag) {
   ZIRK_LOG_INFO("Creating VuGraphics instance");
   // It may end or replace itself.
-  if (const auto override = graphicsOverride) return override(flag);
+  if (const auto create = graphicsOverride) return create(flag);
   if (getenv("ZIRK_STUB")) return CreateStub();
 
   const auto loader = GraphicsImplLoader::GetInstance();

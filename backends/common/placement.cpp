@@ -13,6 +13,7 @@ constexpr double kTolerance = 1.0 / 512;
 // lies in the middle of a row of pixels to different sides.
 constexpr double kNoise = 1e-6;
 
+/// x * a + y * b + move, where an element that is noise counts as 0.
 double Sum(double x, double a, double y, double b, double move) {
   if (std::abs(a) < kNoise * std::abs(b)) return y * b + move;
   if (std::abs(b) < kNoise * std::abs(a)) return x * a + move;

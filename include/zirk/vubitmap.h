@@ -46,8 +46,8 @@ class ZIRK_API VuBitmap {
   // --- State ------------------------------------------------------------------------------------
 
   /// Fills the whole surface, whatever the clipping rectangle, with nothing (transparent, black
-  /// where there is no alpha) or with `color`. A backend may do nothing for
-  /// the form without a colour; ours clear.
+  /// where there is no alpha) or with `color`. A backend may do
+  /// nothing for the form without a colour; ours clear.
   void Clear();
   void Clear(VuColor color);
 

@@ -1,12 +1,13 @@
-// Renders the characters of a page of text by FreeType alone, and prints how many KiB it took:
 // freetype FONT
+//
+// Renders the characters of a page of text by FreeType alone, and prints how many KiB it took.
 
 #include <ft2build.h>
 #include FT_FREETYPE_H
 
 #include <cstdio>
 
-#include "memory/resident.h"
+#include "memory/page.h"
 
 int main(int argc, char** argv) {
   FT_Library library = nullptr;

@@ -1,5 +1,7 @@
-// Draws a page of text on FB, and compares the memory that it takes with a program that uses
-// FreeType alone; the surfaces' own pixels do not count: page FREETYPE FONT The status is 1 if it
+// page FREETYPE FONT
+//
+// Draws a page of text on FB, and compares the memory that it takes with that of the program
+// FREETYPE, which uses FreeType alone; the surfaces' own pixels do not count. The status is 1 if it
 // takes more than the library may.
 
 #include <zirk/zirk.h>
@@ -8,7 +10,7 @@
 #include <memory>
 #include <string>
 
-#include "memory/resident.h"
+#include "memory/page.h"
 
 namespace {
 

@@ -14,8 +14,8 @@ BitmapPtr New(VuGraphics& graphics, int width, int height, VuPixelFormat format)
 
 BitmapPtr MakeLetter(VuGraphics& graphics) {
   constexpr int kWidth = 12, kHeight = 16;
-  constexpr const char* kShape[] = {"XXXXXXX", "XX    X", "XX     ", "XX     ", "XXXXX  ",
-                                    "XX     ", "XX     ", "XX     ", "XX     ", "XX     "};
+  constexpr const char* kShape[] = {"#######", "##    #", "##     ", "##     ", "#####  ",
+                                    "##     ", "##     ", "##     ", "##     ", "##     "};
   BitmapPtr letter = New(graphics, kWidth, kHeight, VuPixelFormat::ARGB8888);
   if (!letter) return nullptr;
   for (int y = 0; y < kHeight; ++y)
@@ -23,7 +23,7 @@ BitmapPtr MakeLetter(VuGraphics& graphics) {
       letter->DrawRect({x, y, 1, 1}, (x / 2 + y / 2) % 2 ? kBlue : VuColor{0xFF24509C});
   for (int y = 0; y < 10; ++y)
     for (int x = 0; x < 7; ++x)
-      if (kShape[y][x] == 'X') letter->DrawRect({x + 3, y + 3, 1, 1}, white);
+      if (kShape[y][x] == '#') letter->DrawRect({x + 3, y + 3, 1, 1}, white);
   letter->DrawRect({0, 0, kWidth, 1}, kRed);
   letter->DrawRect({0, kHeight - 1, kWidth, 1}, kGold);
   return letter;
