@@ -20,7 +20,7 @@ int LogInterval = 5;
 namespace {
 
 constexpr int kKernelLogLevel = 3;
-constexpr size_t kLineSize = 1024;
+constexpr int kLineSize = 1024;
 
 /// Counts the messages of the current interval, all levels and tags together.
 class Limiter {
@@ -61,9 +61,16 @@ class Limiter {
 // Static objects that are destroyed late still log, so the limiter is never destroyed itself.
 static_assert(std::is_trivially_destructible_v<Limiter>);
 
-/// A printf result as a length; a failed conversion printed nothing.
-size_t Printed(int result) {
-  return result < 0 ? 0 : static_cast<size_t>(result);
+/// Returns the line's length. One that fills the buffer is cut, and counts the terminating zero.
+int FormatLine(char (&line)[kLineSize], const char* tag, const char* levelName, const char* fmt,
+               va_list args) {
+  int64_t n = std::max(snprintf(line, kLineSize, "<%s.%s>: ", tag, levelName), 0);
+  const auto room = [&n] { return static_cast<size_t>(kLineSize - n); };
+  if (n >= kLineSize) return kLineSize;
+  // A message that cannot be formatted counts -1, so that the line ends after the colon.
+  n = std::max<int64_t>(n + vsnprintf(line + n, room(), fmt, args), 0);
+  if (n < kLineSize) n += snprintf(line + n, room(), "\n");
+  return static_cast<int>(std::min<int64_t>(n, kLineSize));
 }
 
 void WriteToKernelLog(const char* text, size_t size) {
@@ -82,16 +89,11 @@ void _vuSysLog(int level, const char* levelName, const char* tag, const char* fm
   if (LogInterval > 0 && !limiter.Admit(levelName, tag)) return;
 
   char line[kLineSize];
-  size_t n = Printed(snprintf(line, kLineSize, "<%s.%s>: ", tag, levelName));
-  if (n < kLineSize) {
-    va_list args;
-    va_start(args, fmt);
-    n += Printed(vsnprintf(line + n, kLineSize - n, fmt, args));
-    va_end(args);
-    if (n < kLineSize) n += Printed(snprintf(line + n, kLineSize - n, "\n"));
-  }
-
-  if (level <= kKernelLogLevel) WriteToKernelLog(line, std::min(n, kLineSize));
+  va_list args;
+  va_start(args, fmt);
+  const int length = FormatLine(line, tag, levelName, fmt, args);
+  va_end(args);
+  if (level <= kKernelLogLevel) WriteToKernelLog(line, static_cast<size_t>(length));
   fputs(line, stderr);
 }
 

@@ -47,6 +47,11 @@ TEST(Log, LinesAreCutAt1023Characters) {
   EXPECT_EQ(LoggedAt(4, [&] { _vuSysLog(4, "warning", tag.c_str(), "lost"); }).size(), 1023u);
 }
 
+TEST(Log, AMessageThatCannotBeFormattedLeavesTheColon) {
+  EXPECT_EQ(LoggedAt(4, [] { _vuSysLog(4, "warning", "ZIRK", "%ls", L"\x100"); }),
+            "<ZIRK.warning>:\n");
+}
+
 /// Standard error after numbered warnings.
 std::string Warnings(int count) {
   testing::internal::CaptureStderr();
