@@ -45,7 +45,7 @@ class ZIRK_API GraphicsImplLoader {
   static std::shared_ptr<GraphicsImplLoader> GetInstance();
 
   /// Enters or replaces the record of `name`. `lookOnDisk` says whether to look for `dso` under
-  /// /lib and /usr/lib; a path of 30 characters or more is never found.
+  /// /lib and /usr/lib. Of a path of 30 characters or more the first 29 are looked for.
   void SetupGfxImpl(const std::string& name, const std::string& dso,
                     const std::string& createSymbol, const std::string& destroySymbol,
                     GraphicsFeatureInfo info, bool lookOnDisk);

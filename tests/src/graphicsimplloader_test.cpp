@@ -10,6 +10,7 @@
 #include <tuple>
 #include <vector>
 
+#include "support/calls.h"
 #include "support/logged.h"
 #include "support/plugins.h"
 
@@ -83,19 +84,34 @@ TEST_F(Loader, ClosesItsPluginsWhenItGoes) {
 }
 
 /// Files in /tmp, which the two probed folders reach through "../../tmp".
-TEST_F(Loader, LooksOnDiskForPathsBelow30Characters) {
+TEST_F(Loader, LooksOnDiskForTheFirst29CharactersOfAPath) {
   const std::string unique = std::to_string(getpid());
-  const std::string longest = unique + std::string(14 - unique.size(), 'z');  // 29 in all
-  for (const std::string& name : {longest, longest + "z"}) std::ofstream("/tmp/" + name) << "x";
-  loader.SetupGfxImpl("X", "../../tmp/" + longest, {0, 0}, true);
-  loader.SetupGfxImpl("Not looked for", "../../tmp/" + longest, {0, 0}, false);
-  // What is left of it after 29 characters exists.
-  loader.SetupGfxImpl("Too long", "../../tmp/" + longest + "z", {0, 0}, true);
-  for (const std::string& name : {longest, longest + "z"}) unlink(("/tmp/" + name).c_str());
-  EXPECT_TRUE(loader.IsLibraryAvailable("X"));
+  const std::string there = unique + std::string(14 - unique.size(), 'z');  // 29 in all
+  const std::string absent = unique + std::string(14 - unique.size(), 'y');
+  std::ofstream("/tmp/" + there) << "x";
+  std::ofstream("/tmp/" + absent + "z") << "x";
+  const std::tuple<const char*, std::string, bool> cases[] = {
+      {"There", there, true},
+      {"Not looked for", there, false},
+      {"Cut to one that is there", there + "z", true},
+      {"Cut to one that is absent", absent + "z", true},
+  };
+  for (const auto& [name, file, look] : cases)
+    loader.SetupGfxImpl(name, "../../tmp/" + file, {0, 0}, look);
+  for (const std::string& name : {there, absent + "z"}) unlink(("/tmp/" + name).c_str());
   unsigned count = 0;
   const char* const* const names = loader.GetBackends(count);
-  EXPECT_THAT(std::vector<std::string>(names, names + count), testing::ElementsAre("X"));
+  EXPECT_THAT(std::vector<std::string>(names, names + count),
+              testing::UnorderedElementsAre("There", "Cut to one that is there"));
+}
+
+TEST_F(Loader, AsksForTwoPathsAPlugin) {
+  support::calls.accessed.clear();
+  SetUp("libZIRKImplStub.so");
+  EXPECT_THAT(support::calls.accessed, testing::IsEmpty()) << "nothing is looked for";
+  loader.SetupGfxImpl("X", "libZIRKImplDirectFB.so", {0, 0}, true);
+  EXPECT_THAT(support::calls.accessed,
+              testing::ElementsAre("/lib/libZIRKImplDirectFB.so", "/usr/lib/libZIRKImplDirectFB."));
 }
 
 // What only a process shows that has not asked for the loader yet.
