@@ -21,7 +21,11 @@ namespace ZIRK {
 
 namespace {
 
-std::function<VuGraphics*(bool)> graphicsOverride;
+using GraphicsOverride = std::function<VuGraphics*(bool)>;
+
+/// Empty if there is none. Shared, so that an override which replaces or ends itself stays alive
+/// while it runs.
+std::shared_ptr<const GraphicsOverride> graphicsOverride;
 
 constexpr char kDefaultBackend[] = "Hybrid";
 
@@ -66,8 +70,7 @@ Handle* Wrap(Impl* impl) {
 
 VuGraphics* VuGraphics::Create(bool flag) {
   ZIRK_LOG_INFO("Creating VuGraphics instance");
-  // It may end or replace itself.
-  if (const auto create = graphicsOverride) return create(flag);
+  if (const auto running = graphicsOverride) return (*running)(flag);
   if (getenv("ZIRK_STUB")) return CreateStub();
 
   const auto loader = GraphicsImplLoader::GetInstance();
@@ -121,7 +124,7 @@ const char* VuGraphics::GetDefaultImpl() {
 }
 
 void VuGraphics::SetGraphicsOverride(std::function<VuGraphics*(bool)> f) {
-  graphicsOverride = std::move(f);
+  graphicsOverride = f ? std::make_shared<const GraphicsOverride>(std::move(f)) : nullptr;
 }
 
 VuGraphics::VuGraphics(VuGraphicsImpl* impl_) : impl(impl_) {
