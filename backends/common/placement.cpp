@@ -97,7 +97,7 @@ Affine Compose(const Affine& outer, const Affine& inner) {
 Affine Biased(const Affine& toTexels, VuScaleMode mode) {
   const bool upright = toTexels.dx.y == 0 && toTexels.dy.x == 0,
              turned = toTexels.dx.x == 0 && toTexels.dy.y == 0;
-  if (mode != VuScaleMode::Nearest || (!upright && !turned)) return toTexels;
+  if (mode == VuScaleMode::Bilinear || (!upright && !turned)) return toTexels;
   const Point forward = toTexels.dx + toTexels.dy;
   const Point bias = {std::copysign(kTexelBias, forward.x), std::copysign(kTexelBias, forward.y)};
   return {toTexels.origin + bias, toTexels.dx, toTexels.dy};

@@ -91,7 +91,7 @@ DFBSurfaceDrawingFlags FindFill(const DirectFbBlend& blend, uint32_t color) {
 
 bool TakesRightPixels(int width, int height, VuScaleMode mode, const Box& box, const Box& clip) {
   if (box.Width() == width && box.Height() == height) return true;
-  return mode == VuScaleMode::Nearest && IsPowerOfTwoTimes(box.Width(), width) &&
+  return mode != VuScaleMode::Bilinear && IsPowerOfTwoTimes(box.Width(), width) &&
          IsPowerOfTwoTimes(box.Height(), height) && clip.Contains(box);
 }
 

@@ -112,6 +112,21 @@ TEST_P(Model, Transforms) {
     }
 }
 
+TEST_P(Model, UnknownScaleModesCountAsNearest) {
+  std::unique_ptr<VuBitmap> target(graphics_->CreateBitmap(48, 48, Format::ARGB8888));
+  const auto draw = [&](VuScaleMode mode, const VuTransform& t) {
+    const auto src = Noise(24, 18, Format::ARGB8888, 3, mode);
+    target->Clear();
+    // Some of their pixels lie between two texels.
+    target->DrawObject({0, 0, 12, 9}, *src, {0, 0, 24, 18}, t);
+    target->DrawObject({12, 8, 14, 7}, *src, {0, 0, 24, 12}, t);
+    target->DrawRect({0, 20, 12, 9}, white, t, *src, nullptr);
+    return model::Picture(*target).pixels;
+  };
+  for (const Transform& t : kTransforms)
+    EXPECT_EQ(draw(VuScaleMode{7}, t.transform), draw(VuScaleMode::Nearest, t.transform)) << t.name;
+}
+
 TEST_P(Model, Masks) {
   VuTVector2D<float> part[4] = {{3, 2}, {11, 2}, {11, 9}, {3, 9}};
   VuTVector2D<float> turned[4] = {{14, 1}, {14, 10}, {2, 10}, {2, 1}};
