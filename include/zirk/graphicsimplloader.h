@@ -16,6 +16,15 @@ struct GraphicsFeatureInfo {
   uint32_t details;   ///< What VuGraphics::GetFeatureDetails() stores.
 };
 
+/// Whether both fields are equal.
+constexpr bool operator==(GraphicsFeatureInfo a, GraphicsFeatureInfo b) {
+  return a.features == b.features && a.details == b.details;
+}
+/// Whether a field differs.
+constexpr bool operator!=(GraphicsFeatureInfo a, GraphicsFeatureInfo b) {
+  return !(a == b);
+}
+
 /// One backend's plug-in. Destroying the record closes the plug-in.
 struct ZIRK_API GfxImplRecord {
   GfxImplRecord() = default;

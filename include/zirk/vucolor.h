@@ -6,11 +6,21 @@
 
 namespace ZIRK {
 
-/// A colour in one 32-bit word, 0xAARRGGBB, not premultiplied: `VuColor{0xFF112233}`.
+/// A colour in one 32-bit word, 0xAARRGGBB, not premultiplied: `VuColor c = 0xFF112233`.
 ///
-/// The library forwards the word without looking at it; backends premultiply it.
+/// The library forwards the word without looking at it; backends premultiply it. Colours convert
+/// from and to the word, and compare as it. So the compiler accepts a colour where a number is
+/// expected: in `DrawPoint(p, color, 2.0f)` size and colour are exchanged, and it compiles.
 struct VuColor {
-  uint32_t argb;  ///< Alpha in the highest 8 bits, then red, green, blue.
+  /// Transparent black, 0.
+  constexpr VuColor() = default;
+  /// The colour of the word `argb_`, 0xAARRGGBB.
+  constexpr VuColor(uint32_t argb_) : argb(argb_) {}
+
+  /// The word, 0xAARRGGBB.
+  constexpr operator uint32_t() const { return argb; }
+
+  uint32_t argb = 0;  ///< Alpha in the highest 8 bits, then red, green, blue.
 };
 
 /// Opaque white, 0xFFFFFFFF: the colour that leaves a blitted bitmap as it is.

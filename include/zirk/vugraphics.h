@@ -26,6 +26,9 @@ class VuGraphicsImpl;
 /// thread at a time. Bitmaps are deleted before their context.
 class ZIRK_API VuGraphics {
  public:
+  /// The type that GetFeatureDetails() takes, under the name that it has beside it.
+  using FeatureType = ZIRK::FeatureType;
+
   /// Opens the default backend: what SetGraphicsOverride() installed; else "Stub" when the
   /// environment has `ZIRK_STUB`; else the backend that `ZIRK_DEFAULT_GFX_BACKEND` or
   /// SetDefaultImpl() named ("Hybrid" at first). "Default", in any case, stands for "OpenGLES2"

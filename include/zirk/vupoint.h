@@ -10,4 +10,13 @@ struct VuPoint {
   int32_t y;  ///< From top to bottom.
 };
 
+/// Whether both coordinates are equal.
+constexpr bool operator==(VuPoint a, VuPoint b) {
+  return a.x == b.x && a.y == b.y;
+}
+/// Whether a coordinate differs.
+constexpr bool operator!=(VuPoint a, VuPoint b) {
+  return !(a == b);
+}
+
 }  // namespace ZIRK

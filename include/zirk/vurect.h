@@ -15,4 +15,13 @@ struct VuRect {
   int32_t height;  ///< Downwards.
 };
 
+/// Whether origin and extent are equal. Two rectangles without extent are not equal by that alone.
+constexpr bool operator==(VuRect a, VuRect b) {
+  return a.x == b.x && a.y == b.y && a.width == b.width && a.height == b.height;
+}
+/// Whether origin or extent differs.
+constexpr bool operator!=(VuRect a, VuRect b) {
+  return !(a == b);
+}
+
 }  // namespace ZIRK

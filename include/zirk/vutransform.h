@@ -2,6 +2,8 @@
 
 #include <zirk/export.h>
 
+#include <type_traits>
+
 namespace ZIRK {
 
 template <typename T>
@@ -34,5 +36,18 @@ struct ZIRK_API VuTransform {
   float scaleY = 1;      ///< Factor; a negative one mirrors.
   float rotation = 0;    ///< Degrees; positive turns counter-clockwise on the screen (y down).
 };
+
+/// Whether the five numbers are equal: +0 equals -0, and a NaN equals nothing. A template for this
+/// very type, so that no matrix converts to it: `matrix == transform` compares matrices.
+template <typename T, std::enable_if_t<std::is_same_v<T, VuTransform>, int> = 0>
+constexpr bool operator==(const T& a, const T& b) {
+  return a.translateX == b.translateX && a.translateY == b.translateY && a.scaleX == b.scaleX &&
+         a.scaleY == b.scaleY && a.rotation == b.rotation;
+}
+/// Whether one of the five numbers differs.
+template <typename T, std::enable_if_t<std::is_same_v<T, VuTransform>, int> = 0>
+constexpr bool operator!=(const T& a, const T& b) {
+  return !(a == b);
+}
 
 }  // namespace ZIRK
