@@ -13,7 +13,6 @@ class IdleSurface final : public VuBitmapImpl {
  public:
   using VuBitmapImpl::Clear;
 
-  void Reserved() override {}
   void SetName(const char*) override {}
   void Clear(VuColor) override {}
   VuBitmapInfo GetInfo() const override { return {}; }

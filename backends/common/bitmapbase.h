@@ -28,8 +28,6 @@ class BitmapBase : public Base {
              VuPixelFormat format)
       : state_{width, height, format}, entry_(std::move(entry)) {}
 
-  void Reserved() final {}
-
   void SetName(const char* name) override { entry_->Rename(name); }
 
   VuRect GetBounds() const final { return {0, 0, state_.width, state_.height}; }

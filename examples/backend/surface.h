@@ -61,8 +61,6 @@ class Surface : public virtual VuBitmapImpl {
   Surface(Books& books, int width, int height, VuPixelFormat format);
   ~Surface() override;
 
-  void Reserved() override {}
-
   void SetName(const char* name) override;
   void Clear() override { Clear({0}); }
   void Clear(VuColor color) override;

@@ -38,8 +38,8 @@ class ZIRK_API VuBitmapImpl {
   VuBitmapImpl(const VuBitmapImpl&) = delete;
   VuBitmapImpl& operator=(const VuBitmapImpl&) = delete;
 
-  /// Slot 3: never called by the library; its place is kept.
-  virtual void Reserved() = 0;
+  /// Slot 3: never called by the library, which keeps its place. Does nothing unless overridden.
+  virtual void Reserved() {}
 
   /// Slot 4: `name` may be null, which stands for none, and is valid during the call only.
   virtual void SetName(const char* name) = 0;
