@@ -242,7 +242,7 @@ BinRect MaxRectsBinPack::Insert(int width, int height) {
   return node;
 }
 
-BinSize MaxRectsBinPack::GetUsedSize() {
+std::pair<int, int> MaxRectsBinPack::GetUsedSize() {
   if (usedRects.empty()) return {0, 0};
   int64_t right = Right(usedRects[0]);
   int64_t bottom = Bottom(usedRects[0]);

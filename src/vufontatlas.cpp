@@ -421,7 +421,7 @@ BinRect VuFontAtlas::State::FindRoom(int width, int height, uint32_t index,
   // An atlas of full height is not moved to another bitmap of its size, 4 MiB for every glyph that
   // finds no room, save where that is what empties it.
   const bool resizes = wanted != atlas->GetHeight() || losesContents;
-  const int granted = resizes ? atlas->Resize(kAtlasWidth, wanted).height : wanted;
+  const int granted = resizes ? atlas->Resize(kAtlasWidth, wanted).second : wanted;
   if (losesContents || granted != wanted) font.ResetGlyphs();
   region = atlas->GetRegion(width, height);
   if (region.height == 0)

@@ -23,53 +23,54 @@ std::shared_ptr<VuBitmapImpl> CreateBitmap(VuGraphicsImpl* graphics, int width, 
 
 }  // namespace
 
-VuTextureAtlasImpl::VuTextureAtlasImpl(VuGraphicsImpl* graphics, int width, int height,
-                                       VuPixelFormat format)
-    : bitmap_(CreateBitmap(graphics, width, height, format, "VuTextureAtlasImpl")),
-      graphics_(graphics),
-      width_(bitmap_ ? width : 0),
-      height_(bitmap_ ? height : 0),
-      format_(format) {
+VuTextureAtlasImpl::VuTextureAtlasImpl(VuGraphicsImpl* graphics_, int width_, int height_,
+                                       VuPixelFormat format_)
+    : bitmap(CreateBitmap(graphics_, width_, height_, format_, "VuTextureAtlasImpl")),
+      graphics(graphics_),
+      width(bitmap ? width_ : 0),
+      height(bitmap ? height_ : 0),
+      format(format_) {
   Reset();
 }
 
 VuTextureAtlasImpl::~VuTextureAtlasImpl() = default;
 
-void VuTextureAtlasImpl::SetName(const char* name) {
-  name_ = name ? name : "";
-  if (bitmap_) bitmap_->SetName(name_.c_str());
+void VuTextureAtlasImpl::SetName(const char* name_) {
+  name = name_ ? name_ : "";
+  if (bitmap) bitmap->SetName(name.c_str());
 }
 
-BinRect VuTextureAtlasImpl::GetRegion(int width, int height) {
-  ZIRK_LOG_DEBUG("%s: %s %dx%d", "GetRegion", name_.c_str(), width, height);
-  if (!bitmap_) return {0, 0, 0, 0};
-  return packer_->Insert(width, height);
+BinRect VuTextureAtlasImpl::GetRegion(int regionWidth, int regionHeight) {
+  ZIRK_LOG_DEBUG("%s: %s %dx%d", "GetRegion", name.c_str(), regionWidth, regionHeight);
+  if (!bitmap) return {0, 0, 0, 0};
+  return packer->Insert(regionWidth, regionHeight);
 }
 
-void VuTextureAtlasImpl::SetRegion(int x, int y, int width, int height, const void* pixels,
-                                   unsigned int pitch) {
-  ZIRK_LOG_DEBUG("%s: %s %d,%d %dx%d", "SetRegion", name_.c_str(), x, y, width, height);
-  if (pixels && bitmap_) bitmap_->SetPixels(VuRect{x, y, width, height}, pixels, pitch);
+void VuTextureAtlasImpl::SetRegion(int x, int y, int regionWidth, int regionHeight,
+                                   const void* pixels, unsigned int pitch) {
+  ZIRK_LOG_DEBUG("%s: %s %d,%d %dx%d", "SetRegion", name.c_str(), x, y, regionWidth, regionHeight);
+  if (pixels && bitmap) bitmap->SetPixels(VuRect{x, y, regionWidth, regionHeight}, pixels, pitch);
 }
 
-BinSize VuTextureAtlasImpl::Resize(int width, int height) {
-  ZIRK_LOG_DEBUG("%s: %s %dx%d", "Resize", name_.c_str(), width, height);
-  if (width > kMaxSide || height > kMaxSide || !bitmap_) return {width_, height_};
-  std::shared_ptr<VuBitmapImpl> grown = CreateBitmap(graphics_, width, height, format_, "Resize");
-  if (!grown) return {width_, height_};
+std::pair<int, int> VuTextureAtlasImpl::Resize(int newWidth, int newHeight) {
+  ZIRK_LOG_DEBUG("%s: %s %dx%d", "Resize", name.c_str(), newWidth, newHeight);
+  if (newWidth > kMaxSide || newHeight > kMaxSide || !bitmap) return {width, height};
+  std::shared_ptr<VuBitmapImpl> resized =
+      CreateBitmap(graphics, newWidth, newHeight, format, "Resize");
+  if (!resized) return {width, height};
 
-  grown->SetName(name_.c_str());
-  grown->CopyPixels(VuPoint{0, 0}, bitmap_.get(), bitmap_->GetBounds());
-  bitmap_ = std::move(grown);
+  resized->SetName(name.c_str());
+  resized->CopyPixels(VuPoint{0, 0}, bitmap.get(), bitmap->GetBounds());
+  bitmap = std::move(resized);
   // A bin never shrinks: made smaller, the atlas goes on handing out what lies outside.
-  packer_->Resize(width, height);
-  width_ = width;
-  height_ = height;
-  return {width_, height_};
+  packer->Resize(newWidth, newHeight);
+  width = newWidth;
+  height = newHeight;
+  return {width, height};
 }
 
 void VuTextureAtlasImpl::Reset() {
-  packer_ = std::make_unique<MaxRectsBinPack>(width_, height_);
+  packer = std::make_unique<MaxRectsBinPack>(width, height);
 }
 
 }  // namespace ZIRK

@@ -3,6 +3,7 @@
 #include <zirk/export.h>
 
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 namespace ZIRK {
@@ -15,7 +16,16 @@ struct BinRect {
   int32_t height;  ///< Pixels.
 };
 
-/// The extent of a rectangle that is to be placed, or of a bin.
+/// Whether origin and extent are equal.
+constexpr bool operator==(BinRect a, BinRect b) {
+  return a.x == b.x && a.y == b.y && a.width == b.width && a.height == b.height;
+}
+/// Whether origin or extent differs.
+constexpr bool operator!=(BinRect a, BinRect b) {
+  return !(a == b);
+}
+
+/// The extent of a rectangle to place.
 struct BinSize {
   int32_t width;   ///< Pixels.
   int32_t height;  ///< Pixels.
@@ -35,14 +45,14 @@ class ZIRK_API BinPack {
   virtual void Insert(std::vector<BinSize>& rects, std::vector<BinRect>& dst) = 0;
   /// All zeros if there is no room.
   virtual BinRect Insert(int width, int height) = 0;
-  /// The largest right and bottom edge of what was placed.
-  virtual BinSize GetUsedSize() = 0;
+  /// Width and height of the smallest bin that holds all placed rectangles: their largest right and
+  /// bottom edge. (0, 0) without any.
+  virtual std::pair<int, int> GetUsedSize() = 0;
   /// Grows the bin; a side that would shrink stays as it is.
   virtual void Resize(int width, int height) = 0;
 
- protected:
-  int32_t binWidth;   ///< Pixels.
-  int32_t binHeight;  ///< Pixels.
+  int32_t binWidth;   ///< Pixels. Resize() changes it.
+  int32_t binHeight;  ///< Pixels. Resize() changes it.
 };
 
 }  // namespace ZIRK

@@ -25,13 +25,18 @@ class ZIRK_API MaxRectsBinPack : public BinPack {
 
   void Insert(std::vector<BinSize>& rects, std::vector<BinRect>& dst) override;
   BinRect Insert(int width, int height) override;
-  BinSize GetUsedSize() override;
+  std::pair<int, int> GetUsedSize() override;
   void Resize(int width, int height) override;
 
   /// A Rule, which may be changed between two requests.
   int32_t rule = BestShortSideFit;
   /// Whether a request may be turned by 90 degrees; its place then has width and height exchanged.
   bool allowRotation = false;
+  /// The placed rectangles, in the order in which they were placed. For reading.
+  std::vector<BinRect> usedRects;
+  /// The maximal free rectangles; of two that are equally good the earlier one is taken. For
+  /// reading.
+  std::vector<BinRect> freeRects;
 
  private:
   struct Score;
@@ -50,8 +55,6 @@ class ZIRK_API MaxRectsBinPack : public BinPack {
   ZIRK_LOCAL void Place(const BinRect& node);
   ZIRK_LOCAL void SplitAround(const BinRect& node);
 
-  std::vector<BinRect> usedRects;
-  std::vector<BinRect> freeRects;  ///< The earlier one wins where two are equally good.
   Scratch scratch;
 };
 

@@ -1,15 +1,15 @@
 #pragma once
 
-#include <zirk/binpack.h>
 #include <zirk/export.h>
+#include <zirk/maxrectsbinpack.h>
 #include <zirk/vuenums.h>
 
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace ZIRK {
 
-class MaxRectsBinPack;
 class VuBitmapImpl;
 class VuGraphicsImpl;
 
@@ -32,28 +32,31 @@ class ZIRK_API VuTextureAtlasImpl {
   BinRect GetRegion(int width, int height);
   /// Copies rows, `pitch` bytes apart, in the atlas's format. Null `pixels` copy nothing.
   void SetRegion(int x, int y, int width, int height, const void* pixels, unsigned int pitch);
-  /// Moves to a bitmap of that size, with what the old one holds in the same place. Returns the
-  /// size from now on: the old one if a side is above 2048 or the new bitmap cannot be made.
-  BinSize Resize(int width, int height);
+  /// Moves to a bitmap of that size and copies what the old one holds to the same place. Returns
+  /// the atlas's width and height after the call: the old ones if a side is above 2048 or the new
+  /// bitmap cannot be made.
+  std::pair<int, int> Resize(int width, int height);
   /// Forgets all regions. The pixels stay until they are overwritten.
   void Reset();
 
-  /// Empty if it could not be made.
-  const std::shared_ptr<VuBitmapImpl>& GetBitmap() const { return bitmap_; }
-  /// What makes the bitmaps; it may have gone if there is none.
-  VuGraphicsImpl* GetGraphics() const { return graphics_; }
-  /// Size of the bitmap, 0 if there is none.
-  int GetWidth() const { return width_; }
-  int GetHeight() const { return height_; }
+  /// The field `bitmap`.
+  const std::shared_ptr<VuBitmapImpl>& GetBitmap() const { return bitmap; }
+  /// The field `graphics`.
+  VuGraphicsImpl* GetGraphics() const { return graphics; }
+  /// The field `width`.
+  int GetWidth() const { return width; }
+  /// The field `height`.
+  int GetHeight() const { return height; }
 
- private:
-  std::shared_ptr<VuBitmapImpl> bitmap_;
-  std::unique_ptr<MaxRectsBinPack> packer_;
-  VuGraphicsImpl* graphics_;
-  int32_t width_;
-  int32_t height_;
-  VuPixelFormat format_;
-  std::string name_;
+  // For reading: the operations above change them.
+
+  std::shared_ptr<VuBitmapImpl> bitmap;     ///< Empty if it could not be made.
+  std::unique_ptr<MaxRectsBinPack> packer;  ///< Places the regions; Reset() makes a new one.
+  VuGraphicsImpl* graphics;  ///< Makes the bitmaps. Without a bitmap it may be gone already.
+  int32_t width;             ///< Of the bitmap, 0 if there is none.
+  int32_t height;            ///< Of the bitmap, 0 if there is none.
+  VuPixelFormat format;      ///< Of all bitmaps.
+  std::string name;          ///< As SetName() got it; empty before.
 };
 
 }  // namespace ZIRK

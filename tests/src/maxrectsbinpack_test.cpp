@@ -4,14 +4,13 @@
 #include <algorithm>
 #include <climits>
 #include <random>
+#include <utility>
 
-#include "doubles/fakeobject.h"
 #include "support/logged.h"
 
 namespace ZIRK {
 namespace {
 
-using doubles::Bytes;
 using support::LoggedAt;
 using Found = std::pair<std::pair<int, int>, BinRect>;
 
@@ -110,9 +109,11 @@ TEST(MaxRectsBinPack, PlacesAsDefined) {
         packer.Resize(expected.width + w - 5, expected.height + h - 5);
         expected.Resize(expected.width + w - 5, expected.height + h - 5);
       } else {
-        ASSERT_EQ(Bytes(packer.Insert(w, h)), Bytes(expected.Insert(w, h))) << run << ' ' << step;
+        ASSERT_EQ(packer.Insert(w, h), expected.Insert(w, h)) << run << ' ' << step;
       }
     }
+    ASSERT_EQ(packer.freeRects, expected.free) << run;
+    ASSERT_EQ(packer.usedRects, expected.used) << run;
   }
 }
 
@@ -122,17 +123,17 @@ TEST(MaxRectsBinPack, RulesAndSizesAtTheLimits) {
   for (const auto& [bin, rule, side, placed] : cases) {
     MaxRectsBinPack packer(bin, bin);
     packer.rule = rule;
-    EXPECT_EQ(Bytes(packer.Insert(side, side)), Bytes(BinRect{0, 0, placed, placed})) << rule;
+    EXPECT_EQ(packer.Insert(side, side), (BinRect{0, 0, placed, placed})) << rule;
   }
 }
 
 TEST(MaxRectsBinPack, GrowsAndLogs) {
   MaxRectsBinPack packer(-5, 100);
-  EXPECT_EQ(Bytes(packer.GetUsedSize()), Bytes(BinSize{0, 0}));
+  EXPECT_EQ(packer.GetUsedSize(), std::pair(0, 0));
   EXPECT_EQ(LoggedAt(7, [&] { packer.Resize(INT_MAX, 9); }),
             "<ZIRK.debug>: Resize: resizing from -5x100 to 2147483647x9\n");
   EXPECT_EQ(LoggedAt(7, [&] { packer.Insert(8, 50); }), "<ZIRK.debug>: Insert: -5,0 8x50\n");
-  EXPECT_EQ(Bytes(packer.GetUsedSize()), Bytes(BinSize{3, 50}));
+  EXPECT_EQ(packer.GetUsedSize(), std::pair(3, 50));
 }
 
 }  // namespace

@@ -11,7 +11,8 @@ using namespace doubles;
 using support::LoggedAt;
 
 const std::string kFailed = ": bitmap allocation failed\n";
-const BinSize old{100, 50}, grown{2048, 2048};
+using Size = std::pair<int, int>;
+const Size old{100, 50}, grown{2048, 2048};
 
 /// Atlases of 100 x 50. A call that no test expects crashes.
 struct TextureAtlas : testing::Test {
@@ -30,13 +31,13 @@ struct TextureAtlas : testing::Test {
 
 TEST_F(TextureAtlas, GrowsToANewBitmapOrNotAtAll) {
   VuTextureAtlasImpl atlas = Make(first.get());
-  EXPECT_EQ(Bytes(atlas.GetRegion(100, 50)), Bytes(BinRect{0, 0, 100, 50}));
+  EXPECT_EQ(atlas.GetRegion(100, 50), (BinRect{0, 0, 100, 50}));
   next = nullptr;
-  for (const BinSize s : {BinSize{2049, 10}, {10, 2049}, {100, 60}}) {
-    const auto tooMuch = [&] { EXPECT_EQ(Bytes(atlas.Resize(s.width, s.height)), Bytes(old)); };
-    EXPECT_EQ(LoggedAt(4, tooMuch), s.width == 100 ? "<ZIRK.warning>: Resize" + kFailed : "");
+  for (const auto& [width, height] : {Size{2049, 10}, {10, 2049}, {100, 60}}) {
+    const auto tooMuch = [&, w = width, h = height] { EXPECT_EQ(atlas.Resize(w, h), old); };
+    EXPECT_EQ(LoggedAt(4, tooMuch), width == 100 ? "<ZIRK.warning>: Resize" + kFailed : "");
   }
-  EXPECT_EQ(Bytes(atlas.GetRegion(1, 1)), Bytes(BinRect{}));
+  EXPECT_EQ(atlas.GetRegion(1, 1), (BinRect{}));
   const auto note = +[](void*, const char* name) { received += name; };
   for (auto* surface : {&first, &second}) surface->Set(4, note);
   atlas.SetName("font");
@@ -45,12 +46,12 @@ TEST_F(TextureAtlas, GrowsToANewBitmapOrNotAtAll) {
   second.Set(38, &Entry<bool, VuPoint, void*, VuRect>);
   received.clear();
   next = second.get();
-  EXPECT_EQ(Bytes(atlas.Resize(2048, 2048)), Bytes(grown));
-  EXPECT_EQ(received, "called " + Bytes(grown) + Bytes(VuPixelFormat::A8) + "font" + "called " +
-                          "called " + Bytes(VuPoint{}) + Bytes(first.get()) +
+  EXPECT_EQ(atlas.Resize(2048, 2048), grown);
+  EXPECT_EQ(received, "called " + Bytes(2048) + Bytes(2048) + Bytes(VuPixelFormat::A8) + "font" +
+                          "called " + "called " + Bytes(VuPoint{}) + Bytes(first.get()) +
                           Bytes(Answer<VuRect>()));
   EXPECT_EQ(first.deleted, 1);
-  EXPECT_EQ(Bytes(atlas.GetRegion(100, 1998)), Bytes(BinRect{0, 50, 100, 1998}));
+  EXPECT_EQ(atlas.GetRegion(100, 1998), (BinRect{0, 50, 100, 1998}));
   const auto use = [&] {
     atlas.SetRegion(1, 2, 3, 4, nullptr, 5), atlas.Reset(), atlas.GetRegion(1, 2);
   };
@@ -65,7 +66,7 @@ TEST_F(TextureAtlas, HasNoRegionsWithoutABitmap) {
     next = first.get();
     atlas.SetName(nullptr);
     atlas.SetRegion(1, 2, 3, 4, this, 5);
-    EXPECT_EQ(atlas.Resize(10, 10).width + atlas.GetHeight() + atlas.GetRegion(-1, -1).height, 0);
+    EXPECT_EQ(atlas.Resize(10, 10).first + atlas.GetHeight() + atlas.GetRegion(-1, -1).height, 0);
   };
   EXPECT_EQ(LoggedAt(4, use), "<ZIRK.warning>: VuTextureAtlasImpl" + kFailed);
 }
