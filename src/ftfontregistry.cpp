@@ -1,15 +1,16 @@
-#include "ftfontregistry.h"
-
+#include <zirk/ftfontregistry.h>
 #include <zirk/impl/log.h>
 #include <zirk/vufont.h>
 
+#include <ft2build.h>
+#include FT_FREETYPE_H
 #include FT_PARAMETER_TAGS_H
 
 #include <memory>
 #include <stdexcept>
 #include <utility>
 
-#include "openface.h"
+#include "fontfile.h"
 
 namespace ZIRK {
 
@@ -24,12 +25,14 @@ FT_Error OpenFirstFace(FT_Library library, const char* path, FaceHandle& face) {
   // Faces are known by the names that go with the styles regular, bold and italic.
   FT_Parameter parameters[] = {{FT_PARAM_TAG_IGNORE_PREFERRED_SUBFAMILY, nullptr},
                                {FT_PARAM_TAG_IGNORE_PREFERRED_FAMILY, nullptr}};
+  if (IsPipe(path)) return FT_Err_Cannot_Open_Resource;
   FT_Open_Args args = {};
-  args.flags = FT_OPEN_PARAMS;
+  args.flags = FT_OPEN_PATHNAME | FT_OPEN_PARAMS;
+  args.pathname = const_cast<char*>(path);
   args.num_params = 2;
   args.params = parameters;
   FT_Face opened = nullptr;
-  const FT_Error error = OpenFace(library, path, 0, args, &opened);
+  const FT_Error error = FT_Open_Face(library, &args, 0, &opened);
   if (!error) face.reset(opened);
   return error;
 }

@@ -8,8 +8,8 @@
 #include <algorithm>
 #include <memory>
 
+#include "fontfile.h"
 #include "freetypeerror.h"
-#include "openface.h"
 
 namespace ZIRK {
 

@@ -14,10 +14,10 @@
 #include <utility>
 
 #include "floattoint.h"
+#include "fontfile.h"
 #include "freetypeerror.h"
 #include "glyphimage.h"
 #include "glyphtables.h"
-#include "openface.h"
 #include "stepcache.h"
 
 namespace ZIRK {
@@ -74,7 +74,8 @@ bool ReadChar(const char* function, const char* text, const char*& next, uint32_
 
 }  // namespace
 
-const int VuFontAtlas::margin_ = 2;
+// The one object of that name, which programs and plug-ins may have the address of.
+const int VuFontAtlas::margin_;
 
 struct VuFontAtlas::State {
   State(std::string fileName_, int faceIndex_, int pixelSize_, bool bold_, bool italic_)
@@ -182,7 +183,8 @@ VuFontAtlas::VuFontAtlas(const unsigned char* data, unsigned int size, int faceI
 VuFontAtlas::~VuFontAtlas() = default;
 
 int VuFontAtlas::NewFace(const char* path, int faceIndex, int pixelSize, FT_Face* face) {
-  const FT_Error error = OpenFace(state_->freeType, path, faceIndex, {}, face);
+  const FT_Error error = IsPipe(path) ? FT_Err_Cannot_Open_Resource
+                                      : FT_New_Face(state_->freeType, path, faceIndex, face);
   return state_->FinishFace("NewFace", path, error, pixelSize, face);
 }
 

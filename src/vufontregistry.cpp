@@ -1,6 +1,5 @@
+#include <zirk/ftfontregistry.h>
 #include <zirk/vufontregistry.h>
-
-#include "ftfontregistry.h"
 
 namespace ZIRK {
 

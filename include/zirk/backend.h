@@ -2,7 +2,7 @@
 
 /// @file
 /// Everything that a plug-in needs: the application's headers, the abstract interfaces that it
-/// implements, and the library's services for backends.
+/// implements, the texture atlas and its packer.
 ///
 /// A graphics plug-in exports two functions with C linkage:
 ///
@@ -11,8 +11,6 @@
 ///
 /// A compositor plug-in exports "CreateVuCompositor" and "DestroyVuCompositor" of the same shapes.
 
-#include <zirk/glyph.h>
-#include <zirk/graphicsimplloader.h>
 #include <zirk/impl/log.h>
 #include <zirk/impl/vubitmapimpl.h>
 #include <zirk/impl/vucompositorimpl.h>
@@ -21,7 +19,5 @@
 #include <zirk/impl/vugraphicsimpl.h>
 #include <zirk/impl/vuscreenimpl.h>
 #include <zirk/maxrectsbinpack.h>
-#include <zirk/utf8.h>
-#include <zirk/vufontatlas.h>
 #include <zirk/vutextureatlasimpl.h>
 #include <zirk/zirk.h>

@@ -7,9 +7,14 @@
 #include <cstdint>
 #include <memory>
 
-/// FreeType's own name for its vector, so that this header does without FreeType's. Who calls
-/// VuFontAtlas::GetKerning() includes that.
+// FreeType's headers say what FT_Vector holds, which only callers of VuFontAtlas::GetKerning()
+// need. Everything else compiles without them.
+#if __has_include(<ft2build.h>)
+#include <ft2build.h>
+#include FT_FREETYPE_H
+#else
 typedef struct FT_Vector_ FT_Vector;
+#endif
 
 namespace ZIRK {
 
@@ -41,7 +46,7 @@ struct TextCursor {
 class ZIRK_API VuFontAtlas : public VuFontImpl {
  public:
   /// Free pixels on the right of and below each glyph in the atlas.
-  static const int margin_;
+  static const int margin_ = 2;
 
   /// `pixelSize` is FreeType's nominal height. `bold` emboldens a face that is not bold when its
   /// glyphs are rendered; `italic` is only recorded. `path` is not null.
@@ -79,7 +84,8 @@ class ZIRK_API VuFontAtlas : public VuFontImpl {
   /// face, and where what such a code point once got cannot be loaded any more.
   const Glyph* GetGlyph(unsigned long charcode, bool render) const;
 
-  /// In 1/64 pixel; zeros for glyphs of different faces and in a face without kerning.
+  /// In 1/64 pixel; zeros for glyphs of different faces and in a face without kerning. A caller
+  /// compiles with FreeType's headers (`pkg-config --cflags zirk freetype2`).
   FT_Vector GetKerning(const Glyph& left, const Glyph& right) const;
 
   /// Walks on to the line's next glyph, with kerning, exactly as GetOneLineWidth() measures; null

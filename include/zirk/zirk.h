@@ -1,18 +1,22 @@
 #pragma once
 
 /// @file
-/// Everything that an application needs.
+/// Everything that an application may name. Plug-ins include <zirk/backend.h>.
 
 /// @namespace ZIRK
 /// All that the library has, apart from the macros of its log.
 
+#include <zirk/glyph.h>
+#include <zirk/graphicsimplloader.h>
 #include <zirk/layerdescription.h>
+#include <zirk/utf8.h>
 #include <zirk/vubitmap.h>
 #include <zirk/vubitmapinfo.h>
 #include <zirk/vucolor.h>
 #include <zirk/vucompositor.h>
 #include <zirk/vuenums.h>
 #include <zirk/vufont.h>
+#include <zirk/vufontatlas.h>
 #include <zirk/vufontregistry.h>
 #include <zirk/vugraphics.h>
 #include <zirk/vumatrix2d.h>

@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "doubles/memorygraphics.h"
+#include "support/calls.h"
 #include "support/fonts.h"
 #include "support/freetype.h"
 #include "support/logged.h"
@@ -110,6 +111,12 @@ TEST_F(FontAtlas, FontsThatDoNotOpen) {
     EXPECT_THAT(lines, testing::StartsWith("<ZIRK.error>: " + logged));
     EXPECT_EQ(std::count(lines.begin(), lines.end(), '\n'), 1) << lines;
   }
+}
+
+TEST_F(FontAtlas, FilesAreOpenedByFtNewFace) {
+  support::calls.faces.clear();
+  const VuFontAtlas font = Open("sans.ttf", 9);
+  EXPECT_THAT(support::calls.faces, testing::ElementsAre(FontFile("sans.ttf")));
 }
 
 TEST_F(FontAtlas, TruncatedFonts) {

@@ -1,0 +1,14 @@
+#pragma once
+
+namespace ZIRK {
+
+/// Whether `path` is a pipe, which holds no font: opening one would wait until something writes to
+/// it.
+bool IsPipe(const char* path);
+
+/// A face's family or style name, which FreeType leaves null where the font has none.
+inline const char* NameOrEmpty(const char* name) {
+  return name ? name : "";
+}
+
+}  // namespace ZIRK
