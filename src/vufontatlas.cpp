@@ -95,6 +95,7 @@ struct VuFontAtlas::State {
   std::pair<FT_Face, uint32_t> Resolve(uint32_t code, uint32_t fallbackGlyph) const;
   unsigned OutlineNumber(int type, int thickness);
   BinRect FindRoom(int width, int height, uint32_t index, const VuFontAtlas& font);
+  void GrowAtlas(const VuFontAtlas& font);
 
   FT_Library freeType = nullptr;
   FT_Face face = nullptr;
@@ -418,18 +419,24 @@ BinRect VuFontAtlas::State::FindRoom(int width, int height, uint32_t index,
   const int glyph = static_cast<int>(index);
   ZIRK_LOG_INFO("%s: GetRegion(%dx%d) for glyph %d returned %dx%d", "LoadGlyph", width, height,
                 glyph, region.width, 0);
-  const int wanted = std::min(atlas->GetHeight() + maxGlyphHeight + margin_, kAtlasHeightLimit);
-  const bool losesContents = atlas->GetGraphics()->GetGraphicsType() == 0;
-  // An atlas of full height is not moved to another bitmap of its size, 4 MiB for every glyph that
-  // finds no room, save where that is what empties it.
-  const bool resizes = wanted != atlas->GetHeight() || losesContents;
-  const int granted = resizes ? atlas->Resize(kAtlasWidth, wanted).second : wanted;
-  if (losesContents || granted != wanted) font.ResetGlyphs();
+  GrowAtlas(font);
   region = atlas->GetRegion(width, height);
   if (region.height == 0)
     ZIRK_LOG_WARNING("%s: GetRegion(%dx%d) returned %dx%d.  No room to fit glyph %d after resize",
                      "LoadGlyph", width, height, region.width, 0, glyph);
   return region;
+}
+
+/// Adds rows for the tallest glyph. Empties the atlas if it does not keep its contents, or does not
+/// get the height that it asks for.
+void VuFontAtlas::State::GrowAtlas(const VuFontAtlas& font) {
+  const int wanted = std::min(atlas->GetHeight() + maxGlyphHeight + margin_, kAtlasHeightLimit);
+  const auto losesContents = [this] { return atlas->GetGraphics()->GetGraphicsType() == 0; };
+  // At its full height it would only be copied to another bitmap of its size, 4 MiB for every glyph
+  // that finds no room.
+  if (wanted == atlas->GetHeight() && !losesContents()) return;
+  const int granted = atlas->Resize(kAtlasWidth, wanted).second;
+  if (losesContents() || granted != wanted) font.ResetGlyphs();
 }
 
 void VuFontAtlas::ResetGlyphs() const {

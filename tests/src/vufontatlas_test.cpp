@@ -378,6 +378,16 @@ TEST_F(FontAtlas, TheAtlasGrowsUntilItIsFull) {
   }
 }
 
+TEST_F(FontAtlas, TheAtlasGrowsBeforeTheContextIsAskedForItsType) {
+  const VuFontAtlas font = Open("sans.ttf", 24);
+  font.GetAtlas(graphics.get());
+  font.GetGlyph('A', true);
+  graphics.onCreate = [this] { graphics.type = 0; };
+  unsigned code = 'A';
+  while (graphics.type != 0) ASSERT_TRUE(font.GetGlyph(++code, true)->inAtlas);
+  EXPECT_FALSE(Add(font, 'A')->inAtlas) << "the atlas was not emptied";
+}
+
 TEST_F(FontAtlas, WithoutMemoryForTheAtlas) {
   const VuFontAtlas font = Open("sans.ttf", 24);
   const auto atlas = font.GetAtlas(graphics.get());
