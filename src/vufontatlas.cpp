@@ -45,6 +45,16 @@ void Change(int32_t& field, int64_t value) {
   if (field != value) field = static_cast<int32_t>(value);
 }
 
+/// The advance is read without the lock while a glyph is measured. It is 0 until the glyph loads
+/// and does not change after that. It is one aligned word, read and written atomically, so no
+/// reader sees half of it.
+int Advance(const Glyph& glyph) {
+  return __atomic_load_n(&glyph.advance, __ATOMIC_RELAXED);
+}
+void SetAdvance(Glyph& glyph, FT_Pos advance) {
+  __atomic_store_n(&glyph.advance, static_cast<int32_t>(advance >> 6), __ATOMIC_RELAXED);
+}
+
 /// Design units in pixels, rounded half up where they are positive: the divisions go toward zero.
 int ToPixels(int designUnits, int pixelSize, int unitsPerEm) {
   // A font of bitmaps alone has no such units.
@@ -375,9 +385,8 @@ void VuFontAtlas::LoadGlyph(Glyph& glyph, bool render) const {
   Change(glyph.left, image.Left());
   Change(glyph.width, image.Width());
   Change(glyph.height, image.Height());
-  // Who measures reads the advance of a glyph in the table, and remembers it.
-  if (s.glyphs.Find(GlyphTraits::KeyOf(glyph)) != &glyph)
-    glyph.advance = static_cast<int32_t>(glyph.face->glyph->advance.x >> 6);
+  const bool isCached = s.glyphs.Find(GlyphTraits::KeyOf(glyph)) == &glyph;
+  if (!isCached || Advance(glyph) == 0) SetAdvance(glyph, glyph.face->glyph->advance.x);
   Change(glyph.top, s.ascender - image.Top());
   s.maxGlyphHeight = std::max(s.maxGlyphHeight, glyph.height);
   ZIRK_LOG_DEBUG("%s: '%c' charcode 0x%x index %d width %d advance %d left %d height %d top %d",
@@ -492,7 +501,7 @@ const Glyph* VuFontAtlas::NextGlyph(TextCursor& cursor, bool render) const {
     if (!glyph) continue;
     cursor.pen = cursor.width;
     if (cursor.previous) cursor.pen += GetKerning(*cursor.previous, *glyph).x >> 6;
-    cursor.width = cursor.pen + glyph->advance;
+    cursor.width = cursor.pen + Advance(*glyph);
     cursor.previous = glyph;
     return glyph;
   }
@@ -524,11 +533,13 @@ int VuFontAtlas::GetOneLineWidth(const char* text) const {
     if (!step) {
       const Glyph* const glyph = GetGlyph(code, false);
       if (!glyph) continue;
-      step = glyph->advance;
+      const int advance = Advance(*glyph);
+      step = advance;
       const Glyph* const before =
           previous == StepCache::kNone ? nullptr : GetGlyph(previous, false);
       if (before) *step += static_cast<int>(GetKerning(*before, *glyph).x >> 6);
-      s.steps.Store(previous, code, outline, *step);
+      // A glyph that failed to load has advance 0, which changes if it loads later.
+      if (advance != 0) s.steps.Store(previous, code, outline, *step);
     }
     width += *step;
     previous = code;

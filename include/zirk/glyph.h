@@ -10,8 +10,9 @@ namespace ZIRK {
 /// One glyph of a font: its metrics in pixels, and where its bitmap lies in the font's atlas.
 ///
 /// Owned by the font, which hands out pointers that stay valid until its fallback font changes or
-/// it is deleted. What identifies a glyph, and its advance, never change once it is handed out; the
-/// rest does when it is rendered or placed anew (see VuFontAtlas).
+/// it is deleted. What identifies a glyph never changes once it is handed out. Nor does its
+/// advance, save that of a glyph that failed to load: it is 0, and changes once if the glyph loads
+/// later. The rest changes when the glyph is rendered or placed anew (see VuFontAtlas).
 struct Glyph {
   FT_Face face;              ///< The font's main face, or its fallback face.
   uint32_t charcode;         ///< The code point that was asked for first.

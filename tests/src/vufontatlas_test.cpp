@@ -331,6 +331,18 @@ TEST_F(FontAtlas, WidthsWithKerning) {
   }
 }
 
+TEST_F(FontAtlas, AGlyphThatLoadsLaterGetsItsAdvance) {
+  const VuFontAtlas font = Open("sans.ttf", 48), whole = Open("sans.ttf", 48);
+  const int width = whole.GetOneLineWidth("AV"), advance = Add(whole, 'A')->advance;
+  support::calls.glyphsToRefuse = 1;
+  EXPECT_EQ(font.GetOneLineWidth("AV"), width - advance);
+  const Glyph* const a = Add(font, 'A');
+  EXPECT_EQ(a->advance, 0);
+  EXPECT_EQ(font.GetGlyph('A', true), a);
+  EXPECT_EQ(a->advance, advance);
+  EXPECT_EQ(font.GetOneLineWidth("AV"), width);
+}
+
 TEST_F(FontAtlas, MeasuringWhatIsKnownWaitsForNobody) {
   VuFontAtlas font = Open("sans.ttf", 16);
   for (const Type type : {Type::None, Type::Outer}) {
