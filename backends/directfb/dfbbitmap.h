@@ -3,9 +3,9 @@
 #include <memory>
 #include <utility>
 
-#include "common/drawnsurface.h"
 #include "directfb/dfbrenderer.h"
 #include "directfb/start.h"
+#include "surface/drawnsurface.h"
 
 namespace ZIRK::backends {
 

@@ -4,8 +4,8 @@
 
 #include <memory>
 
-#include "images/atlasgraphics.h"
-#include "images/graphicsbase.h"
+#include "context/graphicsbase.h"
+#include "text/atlasgraphics.h"
 
 namespace ZIRK::backends {
 

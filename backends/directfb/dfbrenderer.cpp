@@ -5,15 +5,15 @@
 #include <mutex>
 #include <utility>
 
-#include "common/hairline.h"
-#include "common/ownsurface.h"
-#include "common/pixelmath.h"
 #include "directfb/dfbbitmap.h"
 #include "directfb/dfbscreen.h"
 #include "directfb/start.h"
-#include "images/atlasline.h"
+#include "geometry/hairline.h"
+#include "geometry/pixelmath.h"
 #include "software/pixeltransfer.h"
 #include "software/softwarerenderer.h"
+#include "surface/ownsurface.h"
+#include "text/atlasline.h"
 
 namespace ZIRK::backends {
 

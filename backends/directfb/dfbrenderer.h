@@ -6,12 +6,12 @@
 #include <optional>
 #include <vector>
 
-#include "common/textlayout.h"
 #include "directfb/dfbsurface.h"
 #include "directfb/rules.h"
-#include "images/atlasgraphics.h"
 #include "software/painter.h"
 #include "software/pixelbuffer.h"
+#include "text/atlasgraphics.h"
+#include "text/textlayout.h"
 
 namespace ZIRK::backends {
 

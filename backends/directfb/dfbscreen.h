@@ -4,9 +4,9 @@
 
 #include <memory>
 
-#include "common/presenter.h"
 #include "directfb/dfbbitmap.h"
 #include "directfb/dfblayer.h"
+#include "surface/presenter.h"
 
 namespace ZIRK::backends {
 

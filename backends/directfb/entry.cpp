@@ -1,6 +1,6 @@
 #include <zirk/export.h>
 
-#include "common/entrypoints.h"
+#include "context/entrypoints.h"
 #include "directfb/dfbgraphics.h"
 #include "directfb/start.h"
 

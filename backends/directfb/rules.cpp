@@ -1,6 +1,6 @@
 #include "directfb/rules.h"
 
-#include "common/pixelmath.h"
+#include "geometry/pixelmath.h"
 
 namespace ZIRK::backends {
 

@@ -4,8 +4,8 @@
 
 #include <optional>
 
-#include "common/box.h"
-#include "common/surfacestate.h"
+#include "geometry/box.h"
+#include "surface/surfacestate.h"
 
 namespace ZIRK::backends {
 

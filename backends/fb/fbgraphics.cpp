@@ -2,9 +2,9 @@
 
 #include <utility>
 
-#include "common/ownsurface.h"
 #include "fb/fbscreen.h"
 #include "fb/framebufferdevice.h"
+#include "surface/ownsurface.h"
 
 namespace ZIRK::backends {
 

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "images/graphicsbase.h"
+#include "context/graphicsbase.h"
 #include "software/softwarebitmap.h"
 
 namespace ZIRK::backends {

@@ -5,9 +5,9 @@
 #include <memory>
 #include <string>
 
-#include "common/presenter.h"
 #include "fb/framebufferdevice.h"
 #include "software/softwarebitmap.h"
+#include "surface/presenter.h"
 
 namespace ZIRK::backends {
 

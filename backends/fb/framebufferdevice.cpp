@@ -9,7 +9,7 @@
 #include <cstring>
 #include <utility>
 
-#include "common/surfaceformat.h"
+#include "geometry/surfaceformat.h"
 
 namespace ZIRK::backends {
 

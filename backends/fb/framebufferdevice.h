@@ -9,11 +9,11 @@
 #include <optional>
 #include <string>
 
-#include "common/box.h"
 #include "fb/devicelayout.h"
 #include "fb/framebufferio.h"
 #include "fb/rowconverter.h"
 #include "fb/vsyncwait.h"
+#include "geometry/box.h"
 
 namespace ZIRK::backends {
 

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "common/surfaceformat.h"
+#include "geometry/surfaceformat.h"
 #include "software/pixelbuffer.h"
 
 namespace ZIRK::backends {

@@ -1,6 +1,6 @@
 #include <zirk/export.h>
 
-#include "common/entrypoints.h"
+#include "context/entrypoints.h"
 #include "hybrid/hybridgraphics.h"
 
 extern "C" ZIRK_API void* CreateVuGraphics(bool /*flag*/) {

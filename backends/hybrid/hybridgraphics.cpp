@@ -2,9 +2,9 @@
 
 #include <vector>
 
-#include "common/ownsurface.h"
 #include "fb/fbscreen.h"
 #include "opengles2/glscreen.h"
+#include "surface/ownsurface.h"
 
 namespace ZIRK::backends {
 

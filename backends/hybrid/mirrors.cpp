@@ -5,9 +5,9 @@
 #include <type_traits>
 #include <utility>
 
-#include "common/ownsurface.h"
-#include "common/surfaceformat.h"
 #include "fb/fbscreen.h"
+#include "geometry/surfaceformat.h"
+#include "surface/ownsurface.h"
 
 namespace ZIRK::backends {
 

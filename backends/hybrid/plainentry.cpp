@@ -2,7 +2,7 @@
 
 #include <zirk/export.h>
 
-#include "common/entrypoints.h"
+#include "context/entrypoints.h"
 #include "fb/fbgraphics.h"
 
 using namespace ZIRK;

@@ -9,8 +9,8 @@
 #include <initializer_list>
 #include <new>
 
-#include "common/pixelmath.h"
-#include "common/surfaceformat.h"
+#include "geometry/pixelmath.h"
+#include "geometry/surfaceformat.h"
 #include "images/imagecodec.h"
 #include "images/imagestream.h"
 #include "images/resampler.h"

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "common/pixelmath.h"
+#include "geometry/pixelmath.h"
 #include "opengles2/gldevice.h"
 
 namespace ZIRK::backends {

@@ -6,10 +6,10 @@
 #include <cstdint>
 #include <memory>
 
-#include "common/placement.h"
-#include "common/surfacestate.h"
+#include "geometry/placement.h"
 #include "opengles2/programs.h"
 #include "opengles2/texture.h"
+#include "surface/surfacestate.h"
 
 namespace ZIRK::backends {
 

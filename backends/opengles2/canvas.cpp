@@ -6,9 +6,9 @@
 #include <cstring>
 #include <vector>
 
-#include "common/pixelmath.h"
-#include "common/pixeltraits.h"
-#include "common/surfaceformat.h"
+#include "geometry/pixelmath.h"
+#include "geometry/pixeltraits.h"
+#include "geometry/surfaceformat.h"
 #include "opengles2/polygon.h"
 
 namespace ZIRK::backends {

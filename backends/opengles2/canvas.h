@@ -10,12 +10,12 @@
 #include <optional>
 #include <utility>
 
-#include "common/hairline.h"
-#include "common/placement.h"
-#include "common/surfacestate.h"
+#include "geometry/hairline.h"
+#include "geometry/placement.h"
 #include "opengles2/batch.h"
 #include "opengles2/gldevice.h"
 #include "opengles2/texture.h"
+#include "surface/surfacestate.h"
 
 namespace ZIRK::backends {
 

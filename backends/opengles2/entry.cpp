@@ -1,6 +1,6 @@
 #include <zirk/export.h>
 
-#include "common/entrypoints.h"
+#include "context/entrypoints.h"
 #include "opengles2/glcompositor.h"
 #include "opengles2/glgraphics.h"
 

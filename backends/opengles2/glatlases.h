@@ -3,8 +3,8 @@
 #include <memory>
 #include <utility>
 
-#include "images/atlasgraphics.h"
 #include "opengles2/texturesources.h"
+#include "text/atlasgraphics.h"
 
 namespace ZIRK::backends {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "images/graphicsbase.h"
+#include "context/graphicsbase.h"
 #include "opengles2/gldevice.h"
 #include "opengles2/texturesources.h"
 

@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "images/atlasline.h"
+#include "text/atlasline.h"
 
 namespace ZIRK::backends {
 

@@ -4,10 +4,10 @@
 #include <utility>
 #include <vector>
 
-#include "common/surfaceformat.h"
-#include "common/textlayout.h"
+#include "geometry/surfaceformat.h"
 #include "opengles2/canvas.h"
 #include "opengles2/texturesources.h"
+#include "text/textlayout.h"
 
 namespace ZIRK::backends {
 

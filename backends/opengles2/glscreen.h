@@ -4,9 +4,9 @@
 
 #include <memory>
 
-#include "common/presenter.h"
 #include "opengles2/gllayers.h"
 #include "opengles2/glsurface.h"
+#include "surface/presenter.h"
 
 namespace ZIRK::backends {
 

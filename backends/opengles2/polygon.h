@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "common/placement.h"
+#include "geometry/placement.h"
 
 namespace ZIRK::backends {
 

@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
-#include "common/pixeltraits.h"
-#include "common/surfaceformat.h"
+#include "geometry/pixeltraits.h"
+#include "geometry/surfaceformat.h"
 #include "opengles2/gldevice.h"
 
 namespace ZIRK::backends {

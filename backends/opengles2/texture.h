@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "common/box.h"
+#include "geometry/box.h"
 #include "opengles2/glfunctions.h"
 #include "opengles2/sdlcalls.h"
 

@@ -2,8 +2,8 @@
 
 #include <zirk/impl/log.h>
 
-#include "common/ownsurface.h"
 #include "opengles2/glscreen.h"
+#include "surface/ownsurface.h"
 
 namespace ZIRK::backends {
 

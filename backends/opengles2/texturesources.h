@@ -4,8 +4,8 @@
 
 #include <memory>
 
-#include "images/atlasgraphics.h"
 #include "opengles2/canvas.h"
+#include "text/atlasgraphics.h"
 
 namespace ZIRK::backends {
 

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "common/pixelmath.h"
-#include "common/pixeltraits.h"
+#include "geometry/pixelmath.h"
+#include "geometry/pixeltraits.h"
 #include "software/texture.h"
 
 namespace ZIRK::backends {

@@ -4,9 +4,9 @@
 
 #include <optional>
 
-#include "common/surfacestate.h"
 #include "software/kernels.h"
 #include "software/pixelbuffer.h"
+#include "surface/surfacestate.h"
 
 namespace ZIRK::backends {
 

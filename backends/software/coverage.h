@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "common/box.h"
-#include "common/placement.h"
+#include "geometry/box.h"
+#include "geometry/placement.h"
 
 namespace ZIRK::backends {
 

@@ -11,8 +11,8 @@
 
 #include <algorithm>
 
-#include "common/pixelmath.h"
-#include "common/surfaceformat.h"
+#include "geometry/pixelmath.h"
+#include "geometry/surfaceformat.h"
 
 namespace ZIRK::backends {
 

@@ -7,13 +7,13 @@
 #include <optional>
 #include <utility>
 
-#include "common/hairline.h"
-#include "common/placement.h"
-#include "common/surfacestate.h"
+#include "geometry/hairline.h"
+#include "geometry/placement.h"
 #include "software/blender.h"
 #include "software/coverage.h"
 #include "software/mask.h"
 #include "software/pixelbuffer.h"
+#include "surface/surfacestate.h"
 
 namespace ZIRK::backends {
 

@@ -1,8 +1,8 @@
 // Lines: one pixel wide, hard-edged, both ends included.
 
-#include "common/hairline.h"
-#include "common/pixelmath.h"
-#include "common/pixeltraits.h"
+#include "geometry/hairline.h"
+#include "geometry/pixelmath.h"
+#include "geometry/pixeltraits.h"
 #include "software/painter.h"
 
 namespace ZIRK::backends {

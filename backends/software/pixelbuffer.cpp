@@ -2,7 +2,7 @@
 
 #include <new>
 
-#include "common/surfaceformat.h"
+#include "geometry/surfaceformat.h"
 
 namespace ZIRK::backends {
 

@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <memory>
 
-#include "common/box.h"
+#include "geometry/box.h"
 
 namespace ZIRK::backends {
 

@@ -4,8 +4,8 @@
 
 #include <optional>
 
-#include "images/atlasgraphics.h"
 #include "software/mask.h"
+#include "text/atlasgraphics.h"
 
 namespace ZIRK::backends {
 

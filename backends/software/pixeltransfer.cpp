@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cstring>
 
-#include "common/pixelmath.h"
-#include "common/pixeltraits.h"
-#include "common/surfaceformat.h"
+#include "geometry/pixelmath.h"
+#include "geometry/pixeltraits.h"
+#include "geometry/surfaceformat.h"
 #include "software/kernels.h"
 #include "software/texture.h"
 

@@ -5,8 +5,8 @@
 #include <memory>
 #include <utility>
 
-#include "common/drawnsurface.h"
 #include "software/softwarerenderer.h"
+#include "surface/drawnsurface.h"
 
 namespace ZIRK::backends {
 

@@ -1,7 +1,7 @@
 #include "software/softwarerenderer.h"
 
-#include "common/ownsurface.h"
 #include "software/softwarebitmap.h"
+#include "surface/ownsurface.h"
 
 namespace ZIRK::backends {
 

@@ -6,12 +6,12 @@
 #include <optional>
 #include <utility>
 
-#include "common/ownsurface.h"
 #include "software/painter.h"
 #include "software/pixelbuffer.h"
 #include "software/pixelsources.h"
 #include "software/pixeltransfer.h"
 #include "software/textdrawing.h"
+#include "surface/ownsurface.h"
 
 namespace ZIRK::backends {
 

@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-#include "common/pixelmath.h"
-#include "images/atlasline.h"
+#include "geometry/pixelmath.h"
+#include "text/atlasline.h"
 
 namespace ZIRK::backends {
 

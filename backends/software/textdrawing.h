@@ -1,8 +1,8 @@
 #pragma once
 
-#include "common/textlayout.h"
 #include "software/painter.h"
 #include "software/pixelsources.h"
+#include "text/textlayout.h"
 
 namespace ZIRK::backends {
 

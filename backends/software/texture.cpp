@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "common/pixeltraits.h"
+#include "geometry/pixeltraits.h"
 #include "software/kernels.h"
 
 namespace ZIRK::backends {

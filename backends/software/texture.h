@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "common/box.h"
-#include "common/placement.h"
+#include "geometry/box.h"
+#include "geometry/placement.h"
 #include "software/kernels.h"
 #include "software/pixelbuffer.h"
 

@@ -5,8 +5,8 @@
 #include <cstring>
 #include <utility>
 
-#include "common/bitmapbase.h"
-#include "common/surfaceformat.h"
+#include "geometry/surfaceformat.h"
+#include "surface/bitmapbase.h"
 
 namespace ZIRK::backends {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "images/graphicsbase.h"
+#include "context/graphicsbase.h"
 
 namespace ZIRK::backends {
 

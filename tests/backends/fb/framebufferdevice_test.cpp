@@ -13,7 +13,7 @@
 #include <thread>
 #include <vector>
 
-#include "common/surfaceformat.h"
+#include "geometry/surfaceformat.h"
 #include "support/logged.h"
 
 namespace ZIRK::backends {

@@ -8,7 +8,7 @@
 #include <random>
 #include <vector>
 
-#include "common/pixelmath.h"
+#include "geometry/pixelmath.h"
 
 namespace ZIRK::backends {
 namespace {

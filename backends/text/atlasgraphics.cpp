@@ -1,4 +1,4 @@
-#include "images/atlasgraphics.h"
+#include "text/atlasgraphics.h"
 
 #include <zirk/impl/log.h>
 #include <zirk/impl/vuscreenimpl.h>

@@ -3,7 +3,7 @@
 #include <memory>
 #include <mutex>
 
-#include "images/graphicsbase.h"
+#include "context/graphicsbase.h"
 
 namespace ZIRK::backends {
 

@@ -1,4 +1,4 @@
-#include "common/hairline.h"
+#include "geometry/hairline.h"
 
 #include <cmath>
 #include <utility>

@@ -6,12 +6,12 @@
 #include <new>
 #include <utility>
 
-#include "common/bitmapbase.h"
-#include "common/drawtimer.h"
-#include "common/ownsurface.h"
-#include "common/placement.h"
-#include "common/surfaceformat.h"
-#include "common/textlayout.h"
+#include "geometry/placement.h"
+#include "geometry/surfaceformat.h"
+#include "surface/bitmapbase.h"
+#include "surface/drawtimer.h"
+#include "surface/ownsurface.h"
+#include "text/textlayout.h"
 
 namespace ZIRK::backends {
 

@@ -1,4 +1,4 @@
-#include "common/textlayout.h"
+#include "text/textlayout.h"
 
 #include <zirk/impl/log.h>
 

@@ -1,4 +1,4 @@
-#include "images/graphicsbase.h"
+#include "context/graphicsbase.h"
 
 #include <zirk/impl/log.h>
 #include <zirk/impl/vuscreenimpl.h>
@@ -6,7 +6,7 @@
 #include <new>
 #include <utility>
 
-#include "common/surfaceformat.h"
+#include "geometry/surfaceformat.h"
 
 namespace ZIRK::backends {
 

@@ -8,8 +8,8 @@
 #include <cstdlib>
 #include <optional>
 
-#include "common/box.h"
-#include "common/placement.h"
+#include "geometry/box.h"
+#include "geometry/placement.h"
 
 namespace ZIRK::backends {
 

@@ -1,4 +1,4 @@
-#include "common/surfaceledger.h"
+#include "surface/surfaceledger.h"
 
 #include <unistd.h>
 #include <zirk/impl/log.h>
@@ -9,7 +9,7 @@
 #include <ostream>
 #include <utility>
 
-#include "common/surfaceformat.h"
+#include "geometry/surfaceformat.h"
 
 namespace ZIRK::backends {
 

@@ -4,9 +4,9 @@
 #include <mutex>
 #include <optional>
 
-#include "common/placement.h"
-#include "common/textlayout.h"
-#include "images/atlasgraphics.h"
+#include "geometry/placement.h"
+#include "text/atlasgraphics.h"
+#include "text/textlayout.h"
 
 namespace ZIRK::backends {
 

@@ -8,7 +8,7 @@
 #include <cmath>
 #include <optional>
 
-#include "common/box.h"
+#include "geometry/box.h"
 
 namespace ZIRK::backends {
 

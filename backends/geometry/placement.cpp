@@ -1,4 +1,4 @@
-#include "common/placement.h"
+#include "geometry/placement.h"
 
 #include <algorithm>
 #include <cmath>

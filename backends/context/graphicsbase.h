@@ -4,8 +4,8 @@
 
 #include <memory>
 
-#include "common/surfaceledger.h"
 #include "images/image.h"
+#include "surface/surfaceledger.h"
 
 namespace ZIRK::backends {
 

@@ -1,4 +1,4 @@
-#include "common/surfaceledger.h"
+#include "surface/surfaceledger.h"
 #include "support/logged.h"
 
 #include <sstream>

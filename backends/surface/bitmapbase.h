@@ -5,8 +5,8 @@
 #include <memory>
 #include <utility>
 
-#include "common/surfaceledger.h"
-#include "common/surfacestate.h"
+#include "surface/surfaceledger.h"
+#include "surface/surfacestate.h"
 
 namespace ZIRK::backends {
 

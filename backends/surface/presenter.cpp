@@ -1,10 +1,10 @@
-#include "common/presenter.h"
+#include "surface/presenter.h"
 
 #include <zirk/impl/log.h>
 
 #include <new>
 
-#include "common/drawtimer.h"
+#include "surface/drawtimer.h"
 
 namespace ZIRK::backends {
 
