@@ -1,5 +1,8 @@
 #include "fb/framebufferdevice.h"
 
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <sys/mman.h>
 #include <unistd.h>
 #include <zirk/impl/log.h>
 
@@ -14,6 +17,24 @@
 namespace ZIRK::backends {
 
 namespace {
+
+/// C libraries do not agree about the type of a request.
+template <typename Request>
+Request RequestOf(int (*)(int, Request, ...));
+
+class SystemIo : public FramebufferIo {
+ public:
+  int Open(const char* path) override { return open(path, O_RDWR | O_CLOEXEC); }
+  void Close(int fd) override { close(fd); }
+  bool Control(int fd, unsigned long request, void* argument) override {
+    return ioctl(fd, static_cast<decltype(RequestOf(&ioctl))>(request), argument) == 0;
+  }
+  void* Map(int fd, size_t length) override {
+    void* const memory = mmap(nullptr, length, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
+    return memory == MAP_FAILED ? nullptr : memory;
+  }
+  void Unmap(void* memory, size_t length) override { munmap(memory, length); }
+};
 
 int64_t Area(const Box& box) {
   return box.IsEmpty() ? 0 : int64_t{box.Width()} * box.Height();
@@ -37,6 +58,10 @@ void ProposeDepth(fb_var_screeninfo& mode, unsigned bits) {
 }
 
 }  // namespace
+
+std::shared_ptr<FramebufferIo> SystemFramebufferIo() {
+  return std::make_shared<SystemIo>();
+}
 
 std::string FramebufferDevice::PathOf(int display) {
   const char* const path = std::getenv("ZIRK_FB_DEVICE");

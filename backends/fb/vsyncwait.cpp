@@ -14,6 +14,8 @@
 #include <mutex>
 #include <utility>
 
+#include "fb/framebufferdevice.h"
+
 namespace ZIRK::backends {
 
 namespace {

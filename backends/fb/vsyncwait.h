@@ -4,9 +4,9 @@
 #include <string>
 #include <thread>
 
-#include "fb/framebufferio.h"
-
 namespace ZIRK::backends {
+
+class FramebufferIo;
 
 /// Waits for a display's vertical sync, where its driver can do so.
 ///
