@@ -10,7 +10,6 @@
 #include <optional>
 #include <string>
 
-#include "fb/devicelayout.h"
 #include "fb/rowconverter.h"
 #include "fb/vsyncwait.h"
 #include "geometry/box.h"

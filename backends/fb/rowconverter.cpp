@@ -1,6 +1,8 @@
 #include "fb/rowconverter.h"
 
+#include <algorithm>
 #include <cstring>
+#include <iterator>
 
 #include "geometry/surfaceformat.h"
 #include "software/pixelbuffer.h"
@@ -8,6 +10,70 @@
 namespace ZIRK::backends {
 
 namespace {
+
+using Channel = DeviceLayout::Channel;
+
+struct KnownLayout {
+  pixman_format_code_t format;
+  unsigned bitsPerPixel;
+  Channel red, green, blue, alpha;
+};
+
+constexpr KnownLayout kKnownLayouts[] = {
+    {PIXMAN_x8r8g8b8, 32, {16, 8}, {8, 8}, {0, 8}, {0, 0}},
+    {PIXMAN_a8r8g8b8, 32, {16, 8}, {8, 8}, {0, 8}, {24, 8}},
+    {PIXMAN_x8b8g8r8, 32, {0, 8}, {8, 8}, {16, 8}, {0, 0}},
+    {PIXMAN_a8b8g8r8, 32, {0, 8}, {8, 8}, {16, 8}, {24, 8}},
+    {PIXMAN_r8g8b8x8, 32, {24, 8}, {16, 8}, {8, 8}, {0, 0}},
+    {PIXMAN_r8g8b8a8, 32, {24, 8}, {16, 8}, {8, 8}, {0, 8}},
+    {PIXMAN_b8g8r8x8, 32, {8, 8}, {16, 8}, {24, 8}, {0, 0}},
+    {PIXMAN_b8g8r8a8, 32, {8, 8}, {16, 8}, {24, 8}, {0, 8}},
+    {PIXMAN_r8g8b8, 24, {16, 8}, {8, 8}, {0, 8}, {0, 0}},
+    {PIXMAN_b8g8r8, 24, {0, 8}, {8, 8}, {16, 8}, {0, 0}},
+    {PIXMAN_r5g6b5, 16, {11, 5}, {5, 6}, {0, 5}, {0, 0}},
+    {PIXMAN_b5g6r5, 16, {0, 5}, {5, 6}, {11, 5}, {0, 0}},
+    {PIXMAN_x1r5g5b5, 16, {10, 5}, {5, 5}, {0, 5}, {0, 0}},
+    {PIXMAN_a1r5g5b5, 16, {10, 5}, {5, 5}, {0, 5}, {15, 1}},
+    {PIXMAN_x1b5g5r5, 16, {0, 5}, {5, 5}, {10, 5}, {0, 0}},
+    {PIXMAN_a1b5g5r5, 16, {0, 5}, {5, 5}, {10, 5}, {15, 1}},
+    {PIXMAN_x4r4g4b4, 16, {8, 4}, {4, 4}, {0, 4}, {0, 0}},
+    {PIXMAN_a4r4g4b4, 16, {8, 4}, {4, 4}, {0, 4}, {12, 4}},
+    {PIXMAN_x4b4g4r4, 16, {0, 4}, {4, 4}, {8, 4}, {0, 0}},
+    {PIXMAN_a4b4g4r4, 16, {0, 4}, {4, 4}, {8, 4}, {12, 4}},
+};
+
+bool Same(const Channel& a, const Channel& b) {
+  return a.length == b.length && (a.length == 0 || a.offset == b.offset);
+}
+
+std::optional<pixman_format_code_t> FormatOf(const DeviceLayout& layout) {
+  const auto known =
+      std::find_if(std::begin(kKnownLayouts), std::end(kKnownLayouts), [&](const KnownLayout& k) {
+        return k.bitsPerPixel == layout.bitsPerPixel && Same(k.red, layout.red) &&
+               Same(k.green, layout.green) && Same(k.blue, layout.blue) &&
+               Same(k.alpha, layout.alpha);
+      });
+  if (known == std::end(kKnownLayouts)) return std::nullopt;
+  return known->format;
+}
+
+bool IsUsable(const fb_bitfield& field, unsigned bitsPerPixel) {
+  return field.msb_right == 0 && field.length <= 16 && field.offset <= bitsPerPixel &&
+         field.length <= bitsPerPixel - field.offset;
+}
+
+Channel ChannelOf(const fb_bitfield& field) {
+  return {field.offset, field.length};
+}
+
+/// The top `length` bits of an 8-bit value; repeated where there are more than 8.
+uint32_t Resize(uint32_t value, unsigned length) {
+  return (value << 8 | value) >> (16 - length);
+}
+
+uint32_t Place(uint32_t value, const Channel& channel) {
+  return channel.length == 0 ? 0 : Resize(value, channel.length) << channel.offset;
+}
 
 /// Whether a surface's memory is what the device wants, byte for byte.
 bool AreSameBytes(pixman_format_code_t source, const DeviceLayout& device) {
@@ -17,6 +83,35 @@ bool AreSameBytes(pixman_format_code_t source, const DeviceLayout& device) {
 }
 
 }  // namespace
+
+uint32_t DeviceLayout::Pack(uint32_t argb) const {
+  return Place(argb >> 24, alpha) | Place(argb >> 16 & 255, red) | Place(argb >> 8 & 255, green) |
+         Place(argb & 255, blue);
+}
+
+std::optional<DeviceLayout> LayoutOf(const fb_var_screeninfo& mode,
+                                     const fb_fix_screeninfo& fixed) {
+  const unsigned bits = mode.bits_per_pixel;
+  if (bits != 32 && bits != 24 && bits != 16) return std::nullopt;
+  if (fixed.type != FB_TYPE_PACKED_PIXELS) return std::nullopt;
+  if (fixed.visual != FB_VISUAL_TRUECOLOR && fixed.visual != FB_VISUAL_DIRECTCOLOR)
+    return std::nullopt;
+  for (const fb_bitfield* field : {&mode.red, &mode.green, &mode.blue}) {
+    if (field->length == 0 || !IsUsable(*field, bits)) return std::nullopt;
+  }
+  if (!IsUsable(mode.transp, bits)) return std::nullopt;
+
+  DeviceLayout layout{bits,
+                      ChannelOf(mode.red),
+                      ChannelOf(mode.green),
+                      ChannelOf(mode.blue),
+                      ChannelOf(mode.transp),
+                      std::nullopt};
+  layout.format = FormatOf(layout);
+  // Packing goes by whole words, which three bytes are not.
+  if (!layout.format && bits == 24) return std::nullopt;
+  return layout;
+}
 
 RowConverter::RowConverter(const DeviceLayout& layout, int width)
     : layout_(layout), line_(static_cast<size_t>(width)) {
