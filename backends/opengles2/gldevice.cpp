@@ -55,11 +55,6 @@ bool DriverIs(const char* name) {
 
 }  // namespace
 
-SdlCalls& Sdl() {
-  static SdlCalls calls;
-  return calls;
-}
-
 std::shared_ptr<GlDevice> GlDevice::Acquire(std::string* reason) {
   const std::lock_guard<std::recursive_mutex> lock(mutex);
   if (device && !device->IsLost())

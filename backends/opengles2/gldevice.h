@@ -9,7 +9,6 @@
 #include "images/image.h"
 #include "opengles2/batch.h"
 #include "opengles2/glfunctions.h"
-#include "opengles2/sdlcalls.h"
 
 namespace ZIRK::backends {
 

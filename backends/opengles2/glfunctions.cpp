@@ -46,4 +46,9 @@ bool GlFunctions::Has(const char* extension) const {
   return false;
 }
 
+SdlCalls& Sdl() {
+  static SdlCalls calls;
+  return calls;
+}
+
 }  // namespace ZIRK::backends

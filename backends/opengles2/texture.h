@@ -7,7 +7,6 @@
 
 #include "geometry/box.h"
 #include "opengles2/glfunctions.h"
-#include "opengles2/sdlcalls.h"
 
 namespace ZIRK::backends {
 
