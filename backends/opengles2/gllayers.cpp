@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "opengles2/glscreen.h"
-
 namespace ZIRK::backends {
 
 namespace {

@@ -5,11 +5,9 @@
 
 #include "opengles2/canvas.h"
 #include "opengles2/glcompositor.h"
-#include "opengles2/glwindow.h"
+#include "opengles2/glscreen.h"
 
 namespace ZIRK::backends {
-
-class GlScreen;
 
 /// The screens as layers of the compositor, and the display that they are composed on. Shared by
 /// the screens.

@@ -2,7 +2,93 @@
 
 #include <utility>
 
+#include "opengles2/gllayers.h"
+
 namespace ZIRK::backends {
+
+namespace {
+
+/// The number of the window that the event is for; 0 if it is for none.
+Uint32 WindowOf(const SDL_Event& event) {
+  switch (event.type) {
+    case SDL_FINGERDOWN:
+    case SDL_FINGERUP:
+    case SDL_FINGERMOTION:
+      return event.tfinger.windowID;
+    case SDL_DROPFILE:
+    case SDL_DROPTEXT:
+    case SDL_DROPBEGIN:
+    case SDL_DROPCOMPLETE:
+      return event.drop.windowID;
+    case SDL_KEYMAPCHANGED:
+      return 0;
+    default: {
+      // All of these have the window in the same place.
+      const bool hasWindow = event.type == SDL_WINDOWEVENT ||
+                             (event.type >= SDL_KEYDOWN && event.type < SDL_JOYAXISMOTION);
+      return hasWindow ? event.window.windowID : 0;
+    }
+  }
+}
+
+struct Listener {
+  Uint32 window;
+  bool alone;  ///< Nobody else waits for events that are for no window.
+};
+
+/// Drops what is for the window of the Listener at `listener`: nobody else is to see it, and SDL's
+/// queue must not fill up.
+int KeepOthersEvents(void* listener, SDL_Event* event) {
+  const auto& ours = *static_cast<const Listener*>(listener);
+  const Uint32 window = WindowOf(*event);
+  const bool nobodys = window == 0 && ours.alone && event->type < SDL_USEREVENT;
+  if (window != ours.window && !nobodys) return 1;
+  // The receiver of these would free what comes with them.
+  if (event->type == SDL_DROPFILE || event->type == SDL_DROPTEXT) SDL_free(event->drop.file);
+  return 0;
+}
+
+}  // namespace
+
+std::unique_ptr<GlWindow> GlWindow::Open(std::shared_ptr<GlDevice> device, int width, int height,
+                                         int display) {
+  std::unique_ptr<GlWindow> window(new GlWindow(std::move(device)));
+  window->target_.width = width;
+  window->target_.height = height;
+  window->target_.order = ChannelOrder::RedFirst;
+  window->target_.window = window->device_->OpenWindow(width, height, display);
+  if (!window->target_.window) return nullptr;
+  window->FindBottom();
+  return window;
+}
+
+GlWindow::~GlWindow() {
+  device_->Pending().Forget(target_);
+  if (target_.window) device_->CloseWindow(target_.window);
+}
+
+/// A window that came out larger or smaller shows the picture from its top-left corner.
+void GlWindow::FindBottom() {
+  int width = 0, height = 0;
+  SDL_GL_GetDrawableSize(target_.window, &width, &height);
+  const int bottom = height - target_.height;
+  if (bottom == target_.bottom) return;
+  device_->Pending().Flush();
+  device_->Pending().WindowChanged();
+  target_.bottom = bottom;
+}
+
+void GlWindow::Present(bool inStep) {
+  device_->Pending().Flush();
+  const GlScope scope(*device_, target_.window);
+  if (!scope || !device_->Check("drawing")) return;
+  device_->SetSwapInterval(inStep ? 1 : 0);
+  SDL_GL_SwapWindow(target_.window);
+  SDL_PumpEvents();
+  Listener listener = {SDL_GetWindowID(target_.window), device_->HasSdlAlone()};
+  SDL_FilterEvents(KeepOthersEvents, &listener);
+  FindBottom();
+}
 
 GlScreen::GlScreen(std::unique_ptr<SurfaceLedger::Entry> entry,
                    const VuScreenDescription& description, std::shared_ptr<GlDevice> device,

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "backends/opengles2/injected.h"
+#include "opengles2/gllayers.h"
 #include "support/logged.h"
 
 namespace ZIRK::backends {
