@@ -5,12 +5,13 @@
 #include <algorithm>
 #include <array>
 #include <mutex>
+#include <utility>
 
 namespace ZIRK::backends {
 
 namespace {
 
-// Guards all of this and every compositor. Nothing here has a destructor that would run at exit.
+// Guards `active` and every compositor. Neither has a destructor that would run at exit.
 std::mutex mutex;
 GlCompositor* active = nullptr;
 
@@ -32,6 +33,11 @@ const char* FaultOf(const LayerDescription* layers, int count) {
       return "a rectangle is inverted or half empty";
   }
   return nullptr;
+}
+
+Extent ToExtent(const VuRect& r, const VuRect& all) {
+  const VuRect& used = r.width > 0 && r.height > 0 ? r : all;
+  return {double(used.x), double(used.y), double(used.width), double(used.height)};
 }
 
 }  // namespace
@@ -85,6 +91,114 @@ GlCompositor::Stack GlCompositor::Current() {
   std::stable_sort(stack.layers.begin(), stack.layers.end(),
                    [](const auto& a, const auto& b) { return a.order < b.order; });
   return stack;
+}
+
+std::shared_ptr<GlLayers> GlLayers::Of(const std::shared_ptr<GlDevice>& device) {
+  auto layers = device->Layers().lock();
+  if (!layers) device->Layers() = layers = std::make_shared<GlLayers>(device);
+  return layers;
+}
+
+GlLayers::GlLayers(std::shared_ptr<GlDevice> device)
+    : device_(std::move(device)), canvas_(device_, state_) {}
+
+void GlLayers::Add(GlScreen& screen) {
+  screens_.push_back({&screen, screen.Frame(), false});
+}
+
+void GlLayers::Remove(const GlScreen& screen) {
+  screens_.erase(std::remove_if(screens_.begin(), screens_.end(),
+                                [&](const Layer& layer) { return layer.screen == &screen; }),
+                 screens_.end());
+}
+
+/// The screen that was made last is the layer.
+GlLayers::Layer* GlLayers::Find(int index) {
+  const auto at = std::find_if(screens_.rbegin(), screens_.rend(),
+                               [=](const Layer& l) { return l.screen->Index() == index; });
+  return at == screens_.rend() ? nullptr : &*at;
+}
+
+void GlLayers::SetDisplay(std::unique_ptr<GlWindow> window) {
+  canvas_.DrawOn(nullptr);
+  display_ = std::move(window);
+}
+
+std::unique_ptr<GlWindow> GlLayers::TakeDisplay() {
+  canvas_.DrawOn(nullptr);
+  return std::move(display_);
+}
+
+void GlLayers::StopComposing() {
+  if (!Find(0)) SetDisplay(nullptr);
+}
+
+void GlLayers::Swap(GlScreen& screen, const GlCompositor::Stack& stack, bool inStep) {
+  device_->Pending().Flush();
+  bool again = false;
+  for (Layer& layer : screens_)
+    if (layer.screen == &screen) again = std::exchange(layer.swapped, true);
+  if (!again && IsUnfinished(stack)) return;
+  if (!OpenDisplay()) return;
+  Compose(stack);
+  ++frames_;
+  for (Layer& layer : screens_) {
+    layer.shown = layer.screen->Frame();
+    layer.swapped = false;
+  }
+  display_->Present(inStep);
+}
+
+/// Whether a layer that would be shown has been drawn on and not been swapped.
+bool GlLayers::IsUnfinished(const GlCompositor::Stack& stack) {
+  return std::any_of(stack.layers.begin(), stack.layers.end(), [this](const auto& description) {
+    const Layer* const layer = Find(description.layer);
+    const unsigned frame = layer ? layer->screen->Frame() : 0;
+    // 0 is that of a screen that is still a window.
+    return frame != 0 && frame != layer->shown && !layer->swapped;
+  });
+}
+
+/// Opens it if there is none, or another one if the screens have changed.
+bool GlLayers::OpenDisplay() {
+  Layer* const first = Find(0);
+  // Its window is the display.
+  if (first && !first->screen->EnterLayers()) return false;
+  VuRect size{};
+  for (const Layer& layer : screens_) {
+    const VuRect bounds = layer.screen->GetBounds();
+    size.width = std::max(size.width, bounds.width);
+    size.height = std::max(size.height, bounds.height);
+  }
+  if (first) size = first->screen->GetBounds();
+  if (!display_ || display_->Target().width != size.width ||
+      display_->Target().height != size.height) {
+    SetDisplay(nullptr);
+    display_ = GlWindow::Open(device_, size.width, size.height, 0);
+    if (!display_) return false;
+  }
+  state_.width = size.width;
+  state_.height = size.height;
+  state_.clip = size;
+  canvas_.DrawOn(&display_->Target());
+  return true;
+}
+
+void GlLayers::Compose(const GlCompositor::Stack& stack) {
+  canvas_.Clear(VuColor{0xFF000000});
+  const VuRect all = {0, 0, state_.width, state_.height};
+  for (const LayerDescription& description : stack.layers) {
+    const Layer* const layer = Find(description.layer);
+    if (!layer || !layer->screen->Canvas().Texture()) continue;
+    state_.blendEnabled = description.blended;
+    ++state_.revision;
+    GlScreen& screen = *layer->screen;
+    const GlOperand operand = {screen.Canvas().Texture(), screen.GetScaleMode()};
+    const VuColor opacity{uint32_t{description.opacity} << 24 | 0x00FFFFFFu};
+    canvas_.DrawObject(ToExtent(description.destination, all), operand,
+                       ToExtent(description.source, screen.GetBounds()), Edges::OnWholePixels, {},
+                       opacity, nullptr);
+  }
 }
 
 }  // namespace ZIRK::backends

@@ -3,7 +3,11 @@
 #include <zirk/impl/vucompositorimpl.h>
 #include <zirk/layerdescription.h>
 
+#include <memory>
 #include <vector>
+
+#include "opengles2/canvas.h"
+#include "opengles2/glscreen.h"
 
 namespace ZIRK::backends {
 
@@ -32,6 +36,53 @@ class GlCompositor final : public VuCompositorImpl {
 
  private:
   std::vector<LayerDescription> layers_;
+};
+
+/// The screens as layers of the compositor, and the display that they are composed on. Shared by
+/// the screens.
+class GlLayers {
+ public:
+  /// Those of `device`.
+  static std::shared_ptr<GlLayers> Of(const std::shared_ptr<GlDevice>& device);
+  explicit GlLayers(std::shared_ptr<GlDevice> device);
+
+  /// What has been drawn on it until now is not waited for.
+  void Add(GlScreen& screen);
+  void Remove(const GlScreen& screen);
+
+  /// The window that screen 0 had, or gets, of its own.
+  void SetDisplay(std::unique_ptr<GlWindow> window);
+  std::unique_ptr<GlWindow> TakeDisplay();
+  /// There is no compositor now: closes the display unless screen 0 is going to take it.
+  void StopComposing();
+
+  /// `screen` has a new frame. It is shown at once unless another layer has been drawn on and not
+  /// swapped yet; then with that one's, or with the screen's own next swap.
+  void Swap(GlScreen& screen, const GlCompositor::Stack& stack, bool inStep);
+
+  /// How often that has been done.
+  unsigned Frames() const { return frames_; }
+  /// What is shown; null as long as nothing has been composed.
+  GlCanvas* Composed() { return display_ ? &canvas_ : nullptr; }
+
+ private:
+  struct Layer {
+    GlScreen* screen;
+    unsigned shown;  ///< Its frame that has been composed last.
+    bool swapped;    ///< It has been since then.
+  };
+
+  bool IsUnfinished(const GlCompositor::Stack& stack);
+  bool OpenDisplay();
+  void Compose(const GlCompositor::Stack& stack);
+  Layer* Find(int index);
+
+  const std::shared_ptr<GlDevice> device_;
+  std::vector<Layer> screens_;
+  std::unique_ptr<GlWindow> display_;
+  SurfaceState state_{};
+  GlCanvas canvas_;
+  unsigned frames_ = 0;
 };
 
 }  // namespace ZIRK::backends

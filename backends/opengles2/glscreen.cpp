@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "opengles2/gllayers.h"
+#include "opengles2/glcompositor.h"
 
 namespace ZIRK::backends {
 

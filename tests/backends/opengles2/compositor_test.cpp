@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "backends/opengles2/injected.h"
-#include "opengles2/gllayers.h"
+#include "opengles2/glcompositor.h"
 #include "support/logged.h"
 
 namespace ZIRK::backends {
