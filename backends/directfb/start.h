@@ -24,8 +24,4 @@ void WaitForDirectFb();
 /// Held by who makes DirectFB or its surfaces do anything. Nothing else is waited for meanwhile.
 std::mutex& DirectFbTurn();
 
-/// Starts DirectFB with the options of ours, of which none is set that `DFBARGS` has its own mind
-/// about.
-DFBResult CreateDirectFb(IDirectFB** directFb);
-
 }  // namespace ZIRK::backends
