@@ -41,10 +41,9 @@ bool UserSets(std::string_view option) {
   return false;
 }
 
-/// Starts DirectFB with the options of ours, of which none is set that `DFBARGS` has its own mind
-/// about.
+/// Starts DirectFB with this plug-in's options, except those that `DFBARGS` already sets.
 DFBResult CreateDirectFb(IDirectFB** directFb) {
-  // Without arguments of ours DirectFB would take those of the process.
+  // Without these arguments DirectFB would take those of the process.
   char name[] = "zirk";
   char* arguments[] = {name, nullptr};
   char** argv = arguments;
@@ -67,78 +66,79 @@ DFBResult CreateDirectFb(IDirectFB** directFb) {
   return DirectFBCreate(directFb);
 }
 
-// A display may take a while to change its mode.
-constexpr int kPatienceMs = 10000;
+/// How long a probe may take. A display may need some of it to change its mode.
+constexpr int kProbeTimeoutMs = 10000;
 
-void Silence() {
+void SilenceOutput() {
   const int nowhere = open("/dev/null", O_WRONLY);
   if (nowhere < 0) return;
   dup2(nowhere, STDOUT_FILENO);
   dup2(nowhere, STDERR_FILENO);
 }
 
-/// The child: says on `out` how the start went, and comes to an end.
-[[noreturn]] void Try(int out, bool aloud) {
+/// The child process: starts DirectFB, writes the result to `out`, and exits.
+[[noreturn]] void RunProbe(int out, bool aloud) {
   // DirectFB may call exit(), which is for the parent's process to do.
   std::atexit([] { _exit(EXIT_FAILURE); });
   for (const int fault : {SIGSEGV, SIGABRT, SIGBUS, SIGFPE, SIGILL}) std::signal(fault, SIG_DFL);
   const rlimit none = {0, 0};
   setrlimit(RLIMIT_CORE, &none);
-  if (!aloud) Silence();
+  if (!aloud) SilenceOutput();
   IDirectFB* directFb = nullptr;
   const DFBResult result = CreateDirectFb(&directFb);
-  const bool said = write(out, &result, sizeof result) == static_cast<ssize_t>(sizeof result);
+  const bool written = write(out, &result, sizeof result) == static_cast<ssize_t>(sizeof result);
   // Gives the display back.
   if (directFb) directFb->Release(directFb);
-  _exit(said ? EXIT_SUCCESS : EXIT_FAILURE);
+  _exit(written ? EXIT_SUCCESS : EXIT_FAILURE);
 }
 
-/// What the child has said, if anything, and whether it was then waited for in vain.
-struct Answer {
+/// The result that the child wrote, if any, and whether it then failed to exit in time.
+struct ProbeResult {
   std::optional<DFBResult> result;
   bool timedOut;
 };
 
-/// Reads until the other side is closed.
-Answer Listen(int in) {
-  std::optional<DFBResult> said;
+/// Reads until the child closes its end of the pipe.
+ProbeResult ReadProbe(int in) {
+  std::optional<DFBResult> last;
   for (;;) {
     pollfd waiting = {in, POLLIN, 0};
-    const int ready = poll(&waiting, 1, kPatienceMs);
+    const int ready = poll(&waiting, 1, kProbeTimeoutMs);
     if (ready < 0 && errno == EINTR) continue;
-    if (ready <= 0) return {said, true};
+    if (ready <= 0) return {last, true};
     DFBResult result = DFB_OK;
     const ssize_t count = read(in, &result, sizeof result);
     if (count < 0 && errno == EINTR) continue;
-    if (count != static_cast<ssize_t>(sizeof result)) return {said, false};
-    said = result;
+    if (count != static_cast<ssize_t>(sizeof result)) return {last, false};
+    last = result;
   }
 }
 
-DFBResult TryOnce(bool aloud) {
+/// One probe in one child process.
+DFBResult ProbeOnce(bool aloud) {
   int ends[2];
   if (pipe2(ends, O_CLOEXEC) != 0) return DFB_LIMITEXCEEDED;
   const pid_t child = fork();
-  if (child == 0) Try(ends[1], aloud);
+  if (child == 0) RunProbe(ends[1], aloud);
   close(ends[1]);
-  const Answer answer = child < 0 ? Answer{DFB_LIMITEXCEEDED, false} : Listen(ends[0]);
+  const ProbeResult probe = child < 0 ? ProbeResult{DFB_LIMITEXCEEDED, false} : ReadProbe(ends[0]);
   close(ends[0]);
-  if (answer.timedOut) kill(child, SIGKILL);
+  if (probe.timedOut) kill(child, SIGKILL);
   while (child > 0 && waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
   }
-  return answer.result.value_or(answer.timedOut ? DFB_TIMEOUT : DFB_DEAD);
+  return probe.result.value_or(probe.timedOut ? DFB_TIMEOUT : DFB_DEAD);
 }
 
-/// Starts DirectFB for a trial in a child process, and ends it there. Where a start fails, DirectFB
-/// 1.7 more often than not takes the process with it: it lets go of what a thread of its own still
-/// uses. Bad options end the process, too. What DirectFB says goes unheard, unless `aloud`.
+/// Starts DirectFB in a child process and ends it there. Where a start fails, DirectFB 1.7 usually
+/// crashes the process: it frees what one of its own threads still uses. Wrong options end the
+/// process too. DirectFB's messages are discarded unless `aloud`.
 ///
-/// Returns what the start came to; DFB_DEAD if the child came to an end before it could say, and
-/// DFB_TIMEOUT if twice it did not come to any.
-DFBResult TryToStartDirectFb(bool aloud) {
-  const DFBResult result = TryOnce(aloud);
-  // The child of a process with threads may wait for what one of them held at the fork.
-  return result == DFB_TIMEOUT ? TryOnce(aloud) : result;
+/// Returns the result of that start; DFB_DEAD if the child ends without one, and DFB_TIMEOUT if two
+/// children in turn do not end.
+DFBResult ProbeStart(bool aloud) {
+  const DFBResult result = ProbeOnce(aloud);
+  // The child of a process with threads may wait for a lock that one of them held at the fork.
+  return result == DFB_TIMEOUT ? ProbeOnce(aloud) : result;
 }
 
 }  // namespace
@@ -154,7 +154,7 @@ std::mutex& DirectFbTurn() {
 IDirectFB* StartDirectFb() {
   const std::lock_guard lock(turn);
   if (running) return running;
-  DFBResult result = TryToStartDirectFb(UserSets("quiet"));
+  DFBResult result = ProbeStart(UserSets("quiet"));
   if (result == DFB_OK) result = CreateDirectFb(&running);
   if (result == DFB_OK) {
     // Comes before the end of whatever has been set up until now.
