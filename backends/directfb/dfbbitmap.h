@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "directfb/dfbrenderer.h"
-#include "directfb/start.h"
+#include "directfb/directfbruntime.h"
 #include "surface/drawnsurface.h"
 
 namespace ZIRK::backends {

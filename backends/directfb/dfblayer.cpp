@@ -1,7 +1,5 @@
 #include "directfb/dfblayer.h"
 
-#include "directfb/start.h"
-
 namespace ZIRK::backends {
 
 namespace {

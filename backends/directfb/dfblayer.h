@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-#include "directfb/dfbsurface.h"
+#include "directfb/directfbruntime.h"
 #include "images/image.h"
 
 namespace ZIRK::backends {

@@ -7,7 +7,6 @@
 
 #include "directfb/dfbbitmap.h"
 #include "directfb/dfbscreen.h"
-#include "directfb/start.h"
 #include "geometry/hairline.h"
 #include "geometry/pixelmath.h"
 #include "software/pixeltransfer.h"

@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-#include "directfb/dfbsurface.h"
+#include "directfb/directfbruntime.h"
 #include "directfb/rules.h"
 #include "software/painter.h"
 #include "software/pixelbuffer.h"

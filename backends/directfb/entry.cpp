@@ -2,7 +2,7 @@
 
 #include "context/entrypoints.h"
 #include "directfb/dfbgraphics.h"
-#include "directfb/start.h"
+#include "directfb/directfbruntime.h"
 
 using namespace ZIRK;
 

@@ -1,8 +1,11 @@
 #pragma once
 
 #include <directfb.h>
+#include <zirk/vuenums.h>
 
+#include <memory>
 #include <mutex>
+#include <optional>
 
 namespace ZIRK::backends {
 
@@ -23,5 +26,22 @@ void WaitForDirectFb();
 
 /// Held by who makes DirectFB or its surfaces do anything. Nothing else is waited for meanwhile.
 std::mutex& DirectFbTurn();
+
+/// The format's name in DirectFB.
+DFBSurfacePixelFormat ToDirectFb(VuPixelFormat format);
+/// The way back; nothing for what is no format of ours.
+std::optional<VuPixelFormat> FromDirectFb(DFBSurfacePixelFormat format);
+
+struct ReleaseSurface {
+  void operator()(IDirectFBSurface* surface) const;
+};
+using DirectFbSurfacePtr = std::unique_ptr<IDirectFBSurface, ReleaseSurface>;
+
+/// An off-screen surface of undefined pixels; null after an error line.
+DirectFbSurfacePtr CreateDirectFbSurface(IDirectFB& directFb, int width, int height,
+                                         VuPixelFormat format);
+
+/// Writes an error line if `result` is one, and says whether it is none.
+bool IsGood(DFBResult result, const char* what);
 
 }  // namespace ZIRK::backends

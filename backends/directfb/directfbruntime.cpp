@@ -1,4 +1,4 @@
-#include "directfb/start.h"
+#include "directfb/directfbruntime.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -141,6 +141,13 @@ DFBResult ProbeStart(bool aloud) {
   return result == DFB_TIMEOUT ? ProbeOnce(aloud) : result;
 }
 
+constexpr struct {
+  VuPixelFormat ours;
+  DFBSurfacePixelFormat theirs;
+} kFormats[] = {{VuPixelFormat::ARGB8888, DSPF_ARGB},     {VuPixelFormat::XRGB8888, DSPF_RGB32},
+                {VuPixelFormat::RGB565, DSPF_RGB16},      {VuPixelFormat::ARGB4444, DSPF_ARGB4444},
+                {VuPixelFormat::ARGB1555, DSPF_ARGB1555}, {VuPixelFormat::A8, DSPF_A8}};
+
 }  // namespace
 
 bool HasDirectFbEnded() {
@@ -176,6 +183,44 @@ IDirectFB* StartDirectFb() {
 void WaitForDirectFb() {
   const std::lock_guard lock(turn);
   if (running && !ended) running->WaitIdle(running);
+}
+
+DFBSurfacePixelFormat ToDirectFb(VuPixelFormat format) {
+  for (const auto& row : kFormats)
+    if (row.ours == format) return row.theirs;
+  return DSPF_UNKNOWN;
+}
+
+std::optional<VuPixelFormat> FromDirectFb(DFBSurfacePixelFormat format) {
+  for (const auto& row : kFormats)
+    if (row.theirs == format) return row.ours;
+  return std::nullopt;
+}
+
+void ReleaseSurface::operator()(IDirectFBSurface* surface) const {
+  const std::lock_guard turn(DirectFbTurn());
+  if (!HasDirectFbEnded()) surface->Release(surface);
+}
+
+DirectFbSurfacePtr CreateDirectFbSurface(IDirectFB& directFb, int width, int height,
+                                         VuPixelFormat format) {
+  DFBSurfaceDescription description = {};
+  description.flags = static_cast<DFBSurfaceDescriptionFlags>(DSDESC_CAPS | DSDESC_WIDTH |
+                                                              DSDESC_HEIGHT | DSDESC_PIXELFORMAT);
+  description.caps = DSCAPS_PREMULTIPLIED;
+  description.width = width;
+  description.height = height;
+  description.pixelformat = ToDirectFb(format);
+  IDirectFBSurface* surface = nullptr;
+  const std::lock_guard turn(DirectFbTurn());
+  const DFBResult result = directFb.CreateSurface(&directFb, &description, &surface);
+  return DirectFbSurfacePtr(IsGood(result, "create a surface") ? surface : nullptr);
+}
+
+bool IsGood(DFBResult result, const char* what) {
+  if (result == DFB_OK) return true;
+  ZIRK_LOG_ERROR("DirectFB cannot %s: %s", what, DirectFBErrorString(result));
+  return false;
 }
 
 }  // namespace ZIRK::backends
