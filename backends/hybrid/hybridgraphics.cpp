@@ -48,7 +48,7 @@ std::shared_ptr<Mirrors> HybridGraphics::FindOpenGl(std::string& reason) const {
 }
 
 void HybridGraphics::Flush() {
-  if (mirrors_) mirrors_->Device()->HandOver();
+  if (mirrors_) mirrors_->Device()->FlushAndDetach();
 }
 
 int HybridGraphics::GetMaxTextureSize() const {

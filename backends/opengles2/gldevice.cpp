@@ -270,7 +270,7 @@ void GlDevice::SetSwapInterval(int interval) {
   interval_ = {current_, interval, SDL_GL_GetSwapInterval()};
 }
 
-void GlDevice::HandOver() {
+void GlDevice::FlushAndDetach() {
   batch_.Flush();
   {
     const GlScope scope(*this);

@@ -53,8 +53,8 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
   /// How many frames of the display one of the window that is drawn to lasts.
   void SetSwapInterval(int interval);
 
-  /// Sends what has been drawn, and lets another thread go on.
-  void HandOver();
+  /// Sends what has been drawn and detaches the context, so that another thread may use it.
+  void FlushAndDetach();
   /// Lets another thread go on.
   void Release();
 

@@ -12,7 +12,7 @@ GlGraphics::GlGraphics(std::shared_ptr<GlDevice> device)
     : device_(std::move(device)), sources_(std::make_shared<GlAtlases>(Ledger(), kType, device_)) {}
 
 void GlGraphics::Flush() {
-  device_->HandOver();
+  device_->FlushAndDetach();
 }
 
 ImageSize GlGraphics::ScreenSize(int index) const {
