@@ -227,7 +227,7 @@ SDL_Window* GlDevice::OpenWindow(int width, int height, int display) {
 
 /// Some drivers take the context away with any window, and SDL goes on calling it current.
 void GlDevice::Destroy(SDL_Window* window) {
-  Release();
+  DetachContext();
   current_ = nullptr;
   SDL_DestroyWindow(window);
 }
@@ -278,10 +278,10 @@ void GlDevice::FlushAndDetach() {
     gl_.Flush();
     Check("drawing");
   }
-  Release();
+  DetachContext();
 }
 
-void GlDevice::Release() {
+void GlDevice::DetachContext() {
   if (IsLost() || SDL_GL_GetCurrentContext() != context_) return;
   Sdl().MakeCurrent(nullptr, nullptr);
   current_ = nullptr;

@@ -55,8 +55,8 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
 
   /// Sends what has been drawn and detaches the context, so that another thread may use it.
   void FlushAndDetach();
-  /// Lets another thread go on.
-  void Release();
+  /// Detaches the context from this thread, so that another one may use it.
+  void DetachContext();
 
   /// Whether OpenGL has reported no error since the last time; if it has, an error line says what
   /// went wrong at `where`.
