@@ -151,7 +151,7 @@ SDL_GLContext GlDevice::CreateContext() {
   for (const int reports :
        {SDL_GL_CONTEXT_RESET_LOSE_CONTEXT, SDL_GL_CONTEXT_RESET_NO_NOTIFICATION}) {
     if (Sdl().SetAttribute(SDL_GL_CONTEXT_RESET_NOTIFICATION, reports) != 0) continue;
-    if (SDL_GLContext context = Sdl().CreateContext(home_)) return context;
+    if (SDL_GLContext context = Sdl().CreateContext(hiddenWindow_)) return context;
   }
   return nullptr;
 }
@@ -162,11 +162,11 @@ bool GlDevice::StartContext() {
   // Beside those of the windows, which come and go.
   if (sdl.LoadLibrary(nullptr) != 0) return Fail("no library", SDL_GetError());
   libraryLoaded_ = true;
-  if (!OpenHome()) return Fail("no window", SDL_GetError());
+  if (!OpenHiddenWindow()) return Fail("no window", SDL_GetError());
   const OthersContext others;
   context_ = CreateContext();
   if (!context_) return Fail("no context", SDL_GetError());
-  if (!MakeCurrent(home_)) return false;
+  if (!MakeCurrent(hiddenWindow_)) return false;
   if (const char* missing = gl_.Load(sdl.GetProcAddress)) return Fail("no function", missing);
   loaded_ = true;
   GLint range[2] = {0, 0}, precision = 0;
@@ -188,9 +188,9 @@ SDL_Window* GlDevice::CreateWindow(int width, int height, int display, bool hidd
   return Sdl().CreateWindow("ZIRK", position, position, width, height, flags);
 }
 
-bool GlDevice::OpenHome() {
-  home_ = CreateWindow(64, 64, 0, true);
-  return home_ != nullptr;
+bool GlDevice::OpenHiddenWindow() {
+  hiddenWindow_ = CreateWindow(64, 64, 0, true);
+  return hiddenWindow_ != nullptr;
 }
 
 std::optional<ImageSize> GlDevice::DisplaySize(int index) const {
@@ -218,8 +218,8 @@ SDL_Window* GlDevice::OpenWindow(int width, int height, int display) {
   }
   windows_.push_back(window);
   // Not before: without a window system, OpenGL ends with the last window.
-  if (home_) Destroy(home_);
-  home_ = nullptr;
+  if (hiddenWindow_) Destroy(hiddenWindow_);
+  hiddenWindow_ = nullptr;
   if (MakeCurrent(window)) return window;
   CloseWindow(window);
   return nullptr;
@@ -239,14 +239,14 @@ void GlDevice::CloseWindow(SDL_Window* window) {
   const OthersContext others(context_);
   windows_.erase(at);
   if (interval_.window == window) interval_.window = nullptr;
-  const bool hasOther = !windows_.empty() || home_ || OpenHome();
+  const bool hasOther = !windows_.empty() || hiddenWindow_ || OpenHiddenWindow();
   Destroy(window);
   if (!hasOther) Lose("no window is left");
 }
 
 bool GlDevice::MakeCurrent(SDL_Window* window) {
   if (IsLost()) return false;
-  if (!window) window = current_ ? current_ : home_ ? home_ : windows_.front();
+  if (!window) window = current_ ? current_ : hiddenWindow_ ? hiddenWindow_ : windows_.front();
   if (current_ == window && SDL_GL_GetCurrentContext() == context_) return true;
   if (Sdl().MakeCurrent(window, context_) != 0) {
     const char* const why = SDL_GetError();
@@ -316,8 +316,8 @@ void GlDevice::Shutdown() {
   current_ = nullptr;
   for (SDL_Window* window : windows_) SDL_DestroyWindow(window);
   windows_.clear();
-  if (home_) SDL_DestroyWindow(home_);
-  home_ = nullptr;
+  if (hiddenWindow_) SDL_DestroyWindow(hiddenWindow_);
+  hiddenWindow_ = nullptr;
   if (libraryLoaded_) SDL_GL_UnloadLibrary();
   libraryLoaded_ = false;
   if (videoStarted_) SDL_QuitSubSystem(SDL_INIT_VIDEO);

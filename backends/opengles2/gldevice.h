@@ -73,7 +73,7 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
   SDL_GLContext CreateContext();
   bool StartContext();
   SDL_Window* CreateWindow(int width, int height, int display, bool hidden);
-  bool OpenHome();
+  bool OpenHiddenWindow();
   void Destroy(SDL_Window* window);
   static bool Fail(const char* what, const char* why);
   void Lose(const char* why);
@@ -82,8 +82,8 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
   GlFunctions gl_;
   Batch batch_;
   SDL_GLContext context_ = nullptr;
-  /// Not shown; keeps the context company while there is no other window.
-  SDL_Window* home_ = nullptr;
+  /// What the context is current with while there is no other window; never shown.
+  SDL_Window* hiddenWindow_ = nullptr;
   SDL_Window* current_ = nullptr;
   std::vector<SDL_Window*> windows_;
   std::weak_ptr<GlLayers> layers_;
