@@ -133,7 +133,7 @@ void GlLayers::StopComposing() {
   if (!Find(0)) SetDisplay(nullptr);
 }
 
-void GlLayers::Swap(GlScreen& screen, const GlCompositor::Stack& stack, bool inStep) {
+void GlLayers::Swap(GlScreen& screen, const GlCompositor::Stack& stack, bool vsync) {
   device_->Pending().Flush();
   bool again = false;
   for (Layer& layer : screens_)
@@ -146,7 +146,7 @@ void GlLayers::Swap(GlScreen& screen, const GlCompositor::Stack& stack, bool inS
     layer.shown = layer.screen->Frame();
     layer.swapped = false;
   }
-  display_->Present(inStep);
+  display_->Present(vsync);
 }
 
 /// Whether a layer that would be shown has been drawn on and not been swapped.

@@ -58,7 +58,7 @@ class GlLayers {
 
   /// `screen` has a new frame. It is shown at once unless another layer has been drawn on and not
   /// swapped yet; then with that one's, or with the screen's own next swap.
-  void Swap(GlScreen& screen, const GlCompositor::Stack& stack, bool inStep);
+  void Swap(GlScreen& screen, const GlCompositor::Stack& stack, bool vsync);
 
   /// How often that has been done.
   unsigned Frames() const { return frames_; }

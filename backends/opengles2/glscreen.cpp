@@ -78,11 +78,11 @@ void GlWindow::FindBottom() {
   target_.bottom = bottom;
 }
 
-void GlWindow::Present(bool inStep) {
+void GlWindow::Present(bool vsync) {
   device_->Pending().Flush();
   const GlScope scope(*device_, target_.window);
   if (!scope || !device_->Check("drawing")) return;
-  device_->SetSwapInterval(inStep ? 1 : 0);
+  device_->SetSwapInterval(vsync ? 1 : 0);
   SDL_GL_SwapWindow(target_.window);
   SDL_PumpEvents();
   Listener listener = {SDL_GetWindowID(target_.window), device_->HasSdlAlone()};

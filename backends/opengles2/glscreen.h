@@ -27,8 +27,9 @@ class GlWindow {
   /// Whether alpha is to stay 255.
   void KeepAlpha(bool keep) { target_.keepsAlpha = keep; }
 
-  /// Shows what has been drawn, in step with the display or at once, and answers the window system.
-  void Present(bool inStep);
+  /// Shows what is drawn, at the display's vertical sync or at once, and handles the window's
+  /// events.
+  void Present(bool vsync);
 
  private:
   explicit GlWindow(std::shared_ptr<GlDevice> device) : device_(std::move(device)) {}
