@@ -12,7 +12,7 @@
 
 #include "geometry/hairline.h"
 #include "geometry/placement.h"
-#include "opengles2/batch.h"
+#include "opengles2/glbatch.h"
 #include "opengles2/gldevice.h"
 #include "opengles2/texture.h"
 #include "surface/surfacestate.h"

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "images/image.h"
-#include "opengles2/batch.h"
+#include "opengles2/glbatch.h"
 #include "opengles2/glfunctions.h"
 
 namespace ZIRK::backends {
@@ -29,7 +29,7 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
   GlDevice& operator=(const GlDevice&) = delete;
 
   const GlFunctions& Gl() const { return gl_; }
-  Batch& Pending() { return batch_; }
+  GlBatch& Pending() { return batch_; }
   int MaxTextureSize() const { return maxTextureSize_; }
   /// Whether textures may have one channel.
   bool HasOneChannel() const { return hasOneChannel_; }
@@ -80,7 +80,7 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
   void Shutdown();
 
   GlFunctions gl_;
-  Batch batch_;
+  GlBatch batch_;
   SDL_GLContext context_ = nullptr;
   /// What the context is current with while there is no other window; never shown.
   SDL_Window* hiddenWindow_ = nullptr;

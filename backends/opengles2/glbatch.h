@@ -47,10 +47,10 @@ struct DrawKey {
 /// they came.
 ///
 /// It also knows OpenGL's state, and changes only what differs.
-class Batch {
+class GlBatch {
  public:
-  explicit Batch(GlDevice& device);
-  ~Batch();
+  explicit GlBatch(GlDevice& device);
+  ~GlBatch();
 
   /// Builds the programs. False after an error line.
   bool Start();

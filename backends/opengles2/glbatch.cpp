@@ -1,4 +1,4 @@
-#include "opengles2/batch.h"
+#include "opengles2/glbatch.h"
 
 #include <algorithm>
 #include <cstring>
@@ -79,11 +79,11 @@ std::array<GLenum, 4> GlBlend::FactorsFor(const GlTarget& target) const {
   return all;
 }
 
-Batch::Batch(GlDevice& device) : device_(device), lines_(new Line[kMaxQuads]) {}
+GlBatch::GlBatch(GlDevice& device) : device_(device), lines_(new Line[kMaxQuads]) {}
 
-Batch::~Batch() = default;
+GlBatch::~GlBatch() = default;
 
-bool Batch::Start() {
+bool GlBatch::Start() {
   const GlFunctions& gl = device_.Gl();
   if (!programs_.Build(gl)) return false;
   gl.GenBuffers(1, &vertices_);
@@ -111,7 +111,7 @@ bool Batch::Start() {
   return device_.Check("starting");
 }
 
-void Batch::Stop() {
+void GlBatch::Stop() {
   const GlFunctions& gl = device_.Gl();
   programs_.Delete(gl);
   gl.DeleteBuffers(1, &vertices_);
@@ -119,18 +119,18 @@ void Batch::Stop() {
   gl.DeleteTextures(1, &white_);
 }
 
-void Batch::Begin(const DrawKey& key) {
+void GlBatch::Begin(const DrawKey& key) {
   Flush();
   key_ = key;
   colors_ = false;
   blend_ = *key.blend;
 }
 
-void Batch::JoinOrBegin(const DrawKey& key) {
+void GlBatch::JoinOrBegin(const DrawKey& key) {
   if (quads_ == kMaxQuads || !TryJoin(key)) Begin(key);
 }
 
-void Batch::Flush() {
+void GlBatch::Flush() {
   if (quads_ == 0) return;
   const GLsizeiptr bytes = End() - Vertices();
   const int quads = std::exchange(quads_, 0);
@@ -151,7 +151,7 @@ void Batch::Flush() {
 }
 
 /// Whether a quadrilateral that has been collected reads pixels of `box` of the texture.
-bool Batch::Reads(const Box& box) const {
+bool GlBatch::Reads(const Box& box) const {
   const ptrdiff_t stride = 4 * WordsOfVertex(key_.program);
   const ptrdiff_t offset = 4 * TexelsInVertex(key_.program);
   const float margin = key_.filter == GL_NEAREST && key_.program == GlProgram::Plain ? 0 : 1;
@@ -173,24 +173,24 @@ bool Batch::Reads(const Box& box) const {
   return false;
 }
 
-void Batch::BeforeWriting(const GlTexture& texture, const Box& box) {
+void GlBatch::BeforeWriting(const GlTexture& texture, const Box& box) {
   if (quads_ == 0) return;
   if (key_.mask == &texture || key_.target == texture.AsTarget() ||
       (key_.texture == &texture && Reads(box)))
     Flush();
 }
 
-void Batch::Forget(const GlTexture& texture) {
+void GlBatch::Forget(const GlTexture& texture) {
   Forget(*texture.AsTarget());
   if (quads_ > 0 && (key_.texture == &texture || key_.mask == &texture)) Flush();
 }
 
-void Batch::Forget(const GlTarget& target) {
+void GlBatch::Forget(const GlTarget& target) {
   if (key_.target == &target) quads_ = 0;
   if (viewportOf_ == &target) viewportOf_ = nullptr;
 }
 
-bool Batch::Clear(const GlTarget& target, uint32_t color) {
+bool GlBatch::Clear(const GlTarget& target, uint32_t color) {
   // It covers all that was to be drawn on the same target.
   if (quads_ > 0 && key_.target == &target)
     quads_ = 0;
@@ -209,7 +209,7 @@ bool Batch::Clear(const GlTarget& target, uint32_t color) {
   return true;
 }
 
-void Batch::Bind(int unit, GLuint texture) {
+void GlBatch::Bind(int unit, GLuint texture) {
   // What follows, a texture's parameters or pixels, goes to the unit that is active.
   if (unit_ != unit) device_.Gl().ActiveTexture(unit ? GL_TEXTURE1 : GL_TEXTURE0);
   unit_ = unit;
@@ -218,24 +218,24 @@ void Batch::Bind(int unit, GLuint texture) {
   bound_[unit] = texture;
 }
 
-void Batch::Unbind(GLuint texture) {
+void GlBatch::Unbind(GLuint texture) {
   for (GLuint& bound : bound_)
     if (bound == texture) bound = 0;
 }
 
-void Batch::BindFramebuffer(GLuint framebuffer) {
+void GlBatch::BindFramebuffer(GLuint framebuffer) {
   if (framebuffer_ == framebuffer) return;
   device_.Gl().BindFramebuffer(GL_FRAMEBUFFER, framebuffer);
   framebuffer_ = framebuffer;
 }
 
-void Batch::DeleteFramebuffer(GLuint framebuffer) {
+void GlBatch::DeleteFramebuffer(GLuint framebuffer) {
   if (framebuffer_ == framebuffer) framebuffer_ = 0;
   device_.Gl().DeleteFramebuffers(1, &framebuffer);
 }
 
 /// Everything that is drawn begins with this.
-void Batch::UseTarget(const GlTarget& target) {
+void GlBatch::UseTarget(const GlTarget& target) {
   ++target.changes;
   BindFramebuffer(target.framebuffer);
   if (viewportOf_ == &target) return;
@@ -243,7 +243,7 @@ void Batch::UseTarget(const GlTarget& target) {
   viewportOf_ = &target;
 }
 
-void Batch::UseBlend() {
+void GlBatch::UseBlend() {
   const GlFunctions& gl = device_.Gl();
   if (alphaWritten_ == key_.target->keepsAlpha) {
     alphaWritten_ = !alphaWritten_;
@@ -266,7 +266,7 @@ void Batch::UseBlend() {
   blendColorSet_ = color;
 }
 
-void Batch::UseTexture(int unit, GlTexture* texture, GLint filter) {
+void GlBatch::UseTexture(int unit, GlTexture* texture, GLint filter) {
   Bind(unit, texture ? texture->Name() : white_);
   if (texture) texture->SetFilter(filter);
 }
