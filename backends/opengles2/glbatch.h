@@ -7,7 +7,7 @@
 #include <memory>
 
 #include "geometry/placement.h"
-#include "opengles2/programs.h"
+#include "opengles2/glprograms.h"
 #include "opengles2/texture.h"
 #include "surface/surfacestate.h"
 
@@ -145,7 +145,7 @@ class GlBatch {
   bool colors_ = false;  ///< Some of them are of one colour.
   const std::unique_ptr<Line[]> lines_;
 
-  Programs programs_;
+  GlPrograms programs_;
   GLuint vertices_ = 0;
   GLuint indices_ = 0;
   GLuint white_ = 0;  ///< Stands in for the texture where there is none.

@@ -64,7 +64,7 @@ constexpr int TexelsInVertex(GlProgram program) {
 
 /// The programs, and the values that are the same for a draw call. What OpenGL has been told is
 /// not told again.
-class Programs {
+class GlPrograms {
  public:
   /// False after an error line that says what the driver complains of.
   bool Build(const GlFunctions& gl);

@@ -1,4 +1,4 @@
-#include "opengles2/programs.h"
+#include "opengles2/glprograms.h"
 
 #include <zirk/impl/log.h>
 
@@ -199,13 +199,13 @@ GlProgram Simplified(GlProgram program, const GlTexture* texture, bool colors, c
 
 }  // namespace
 
-bool Programs::Build(const GlFunctions& gl) {
+bool GlPrograms::Build(const GlFunctions& gl) {
   for (int i = 0; i < kProgramCount; ++i)
     if (!Build(gl, static_cast<GlProgram>(i))) return false;
   return true;
 }
 
-bool Programs::Build(const GlFunctions& gl, GlProgram which) {
+bool GlPrograms::Build(const GlFunctions& gl, GlProgram which) {
   Program& p = programs_[static_cast<size_t>(which)];
   const GLuint vertex = Compile(gl, GL_VERTEX_SHADER, which, kVertexShader);
   if (!vertex) return false;
@@ -243,13 +243,13 @@ bool Programs::Build(const GlFunctions& gl, GlProgram which) {
   return true;
 }
 
-void Programs::Delete(const GlFunctions& gl) {
+void GlPrograms::Delete(const GlFunctions& gl) {
   for (Program& p : programs_) gl.DeleteProgram(p.name);
   programs_ = {};
 }
 
-void Programs::Use(const GlFunctions& gl, GlProgram program, const GlTarget& target,
-                   const GlTexture* texture, bool colors, const GlTexture* mask) {
+void GlPrograms::Use(const GlFunctions& gl, GlProgram program, const GlTarget& target,
+                     const GlTexture* texture, bool colors, const GlTexture* mask) {
   const Order order(target, texture);
   Program& p = programs_[static_cast<size_t>(Simplified(program, texture, colors, order))];
   if (used_ != p.name) gl.UseProgram(p.name);
@@ -279,7 +279,7 @@ void Programs::Use(const GlFunctions& gl, GlProgram program, const GlTarget& tar
     gl.UniformMatrix4fv(p.order.location, 1, GL_FALSE, matrix.data());
 }
 
-void Programs::SetAttributes(const GlFunctions& gl, GlProgram program) {
+void GlPrograms::SetAttributes(const GlFunctions& gl, GlProgram program) {
   const int words = WordsOfVertex(program);
   if (words == wordsOfVertex_) return;
   wordsOfVertex_ = words;
