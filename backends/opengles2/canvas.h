@@ -14,7 +14,7 @@
 #include "geometry/placement.h"
 #include "opengles2/glbatch.h"
 #include "opengles2/gldevice.h"
-#include "opengles2/texture.h"
+#include "opengles2/gltexture.h"
 #include "surface/surfacestate.h"
 
 namespace ZIRK::backends {

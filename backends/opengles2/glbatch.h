@@ -8,7 +8,7 @@
 
 #include "geometry/placement.h"
 #include "opengles2/glprograms.h"
-#include "opengles2/texture.h"
+#include "opengles2/gltexture.h"
 #include "surface/surfacestate.h"
 
 namespace ZIRK::backends {

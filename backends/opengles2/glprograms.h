@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "opengles2/texture.h"
+#include "opengles2/gltexture.h"
 
 namespace ZIRK::backends {
 

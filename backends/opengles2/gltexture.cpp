@@ -1,4 +1,4 @@
-#include "opengles2/texture.h"
+#include "opengles2/gltexture.h"
 
 #include <zirk/impl/log.h>
 
