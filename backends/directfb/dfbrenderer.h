@@ -6,8 +6,8 @@
 #include <optional>
 #include <vector>
 
+#include "directfb/directfbrules.h"
 #include "directfb/directfbruntime.h"
-#include "directfb/rules.h"
 #include "software/painter.h"
 #include "software/pixelbuffer.h"
 #include "text/atlasgraphics.h"

@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "directfb/dfbbitmap.h"
-#include "directfb/dfblayer.h"
+#include "directfb/directfblayer.h"
 #include "surface/presenter.h"
 
 namespace ZIRK::backends {

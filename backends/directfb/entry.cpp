@@ -1,7 +1,7 @@
 #include <zirk/export.h>
 
 #include "context/entrypoints.h"
-#include "directfb/dfbgraphics.h"
+#include "directfb/directfbgraphics.h"
 #include "directfb/directfbruntime.h"
 
 using namespace ZIRK;

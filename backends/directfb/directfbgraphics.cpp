@@ -1,4 +1,4 @@
-#include "directfb/dfbgraphics.h"
+#include "directfb/directfbgraphics.h"
 
 #include <zirk/impl/log.h>
 

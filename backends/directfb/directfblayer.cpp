@@ -1,4 +1,4 @@
-#include "directfb/dfblayer.h"
+#include "directfb/directfblayer.h"
 
 namespace ZIRK::backends {
 

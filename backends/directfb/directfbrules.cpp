@@ -1,4 +1,4 @@
-#include "directfb/rules.h"
+#include "directfb/directfbrules.h"
 
 #include "geometry/pixelmath.h"
 
