@@ -10,7 +10,7 @@
 #include <thread>
 #include <vector>
 
-#include "backends/opengles2/injected.h"
+#include "backends/opengles2/injectedgl.h"
 #include "hybrid/hybridgraphics.h"
 #include "support/logged.h"
 #include "support/pixels.h"

@@ -9,7 +9,7 @@
 #include <type_traits>
 #include <utility>
 
-#include "backends/opengles2/injected.h"
+#include "backends/opengles2/injectedgl.h"
 #include "support/logged.h"
 
 namespace ZIRK::backends {

@@ -4,7 +4,7 @@
 #include <thread>
 #include <vector>
 
-#include "backends/opengles2/injected.h"
+#include "backends/opengles2/injectedgl.h"
 #include "opengles2/glcompositor.h"
 #include "support/logged.h"
 

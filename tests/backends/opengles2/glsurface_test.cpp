@@ -7,7 +7,7 @@
 #include <thread>
 #include <vector>
 
-#include "backends/opengles2/injected.h"
+#include "backends/opengles2/injectedgl.h"
 
 namespace ZIRK::backends {
 namespace {
