@@ -7,7 +7,7 @@
 
 namespace ZIRK::backends {
 
-/// The sources of surfaces in memory: bitmaps and screens.
+/// Finds the pixels of the surfaces that drawing reads: bitmaps and screens in memory.
 class FbSources : public SoftwareAtlases {
  public:
   using SoftwareAtlases::SoftwareAtlases;
@@ -19,14 +19,14 @@ class FbSources : public SoftwareAtlases {
 /// the kernel's framebuffer device.
 class FbGraphics : public GraphicsBase {
  public:
-  /// `type` is what GetGraphicsType() says.
+  /// `type` is what GetGraphicsType() returns.
   explicit FbGraphics(int type = 5);
 
   void Flush() override {}
   int GetGraphicsType() const final { return type_; }
 
  protected:
-  /// `sources` are in the books of `ledger`.
+  /// `sources` count their memory in `ledger`.
   FbGraphics(std::shared_ptr<SurfaceLedger> ledger, std::shared_ptr<FbSources> sources);
 
   ImageSize ScreenSize(int index) const override;

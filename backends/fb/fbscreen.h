@@ -14,13 +14,14 @@ namespace ZIRK::backends {
 /// A screen: drawn in cached memory, and copied to the device when the frame is done.
 class FbScreen final : public SoftwareSurface<VuScreenImpl>, private Presenter {
  public:
-  /// Where there is no device the picture stays in memory, after a warning. `reason`, if any, is
-  /// why there is no better screen, and is in the warning, which is then always given.
+  /// If there is no device the picture stays in memory, after a warning. `reason`, if not empty,
+  /// says why there is no better screen; then there is a warning in any case, and it includes it.
   static std::unique_ptr<FbScreen> Open(std::unique_ptr<SurfaceLedger::Entry> entry,
                                         const VuScreenDescription& description,
                                         std::shared_ptr<PixelSources> sources,
                                         const std::string& reason = {});
 
+  /// `device` is null if the picture stays in memory.
   FbScreen(std::unique_ptr<SurfaceLedger::Entry> entry, const VuScreenDescription& description,
            std::unique_ptr<FramebufferDevice> device, std::shared_ptr<PixelSources> sources);
 

@@ -18,7 +18,7 @@ namespace ZIRK::backends {
 
 namespace {
 
-/// C libraries do not agree about the type of a request.
+/// The type of ioctl()'s request, which differs between C libraries.
 template <typename Request>
 Request RequestOf(int (*)(int, Request, ...));
 
@@ -47,7 +47,7 @@ fb_bitfield Bits(unsigned offset, unsigned length) {
   return field;
 }
 
-/// The usual layout of 32 or 16 bits, as a proposal: drivers put their own in its place.
+/// Proposes the usual layout of 32 or 16 bits; drivers replace it with their own.
 void ProposeDepth(fb_var_screeninfo& mode, unsigned bits) {
   mode.bits_per_pixel = bits;
   mode.grayscale = 0;
@@ -137,7 +137,7 @@ bool FramebufferDevice::ReadMode() {
   return true;
 }
 
-/// Whether the driver took the mode, or one like it that can be drawn to.
+/// Whether the driver takes the mode, or one like it that can be drawn to.
 bool FramebufferDevice::TryMode(const fb_var_screeninfo& mode) {
   fb_var_screeninfo asked = mode;
   asked.activate = FB_ACTIVATE_NOW;
@@ -204,8 +204,8 @@ bool FramebufferDevice::MapMemory() {
   return true;
 }
 
-/// Pages only in a virtual screen that is there: drivers that grant one on request may show the
-/// wrong part of it.
+/// Uses pages only if the virtual screen already has them: drivers that grant one on request may
+/// show the wrong part of it.
 void FramebufferDevice::SetUpPages(bool wanted) {
   const auto hasTwo = [](const fb_var_screeninfo& mode) {
     return mode.yres_virtual / 2 >= mode.yres;

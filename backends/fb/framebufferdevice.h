@@ -16,8 +16,8 @@
 
 namespace ZIRK::backends {
 
-/// The system calls that a framebuffer device needs. Tests put a device of their own in its place.
-/// Failures leave their reason in `errno`. Any thread may call.
+/// The system calls that a framebuffer device needs; tests replace them. Failures leave their
+/// reason in `errno`. Any thread may call.
 class FramebufferIo {
  public:
   virtual ~FramebufferIo() = default;
@@ -32,13 +32,13 @@ class FramebufferIo {
   virtual void Unmap(void* memory, size_t length) = 0;
 };
 
-/// The machine's own.
+/// The kernel's own.
 std::shared_ptr<FramebufferIo> SystemFramebufferIo();
 
 /// A display that the kernel offers as a framebuffer device, in one of its true-colour modes.
 ///
-/// The device's memory is only ever written. A picture that is larger or smaller than the display
-/// is shown from the top-left corner. The mode that was found comes back in the destructor.
+/// The device's memory is written and never read. A picture that is larger or smaller than the
+/// display is shown from the top-left corner. The destructor restores the mode that the device had.
 class FramebufferDevice {
  public:
   /// Pixels.
@@ -47,24 +47,25 @@ class FramebufferDevice {
     int height;
   };
 
+  /// What Open() asks the driver for.
   struct Request {
-    int width = 0;  ///< Pixels; with zero or less in either side, the size the device has.
+    int width = 0;  ///< Pixels; the device's own size if either side is zero or less.
     int height = 0;
-    /// Two pages, where the device has the memory for them and can show either.
+    /// Two pages, if the device has the memory for them and can show either.
     bool doubleBuffer = false;
   };
 
-  /// "/dev/fb0" for display 0 and so on, or the device that the environment variable
-  /// `ZIRK_FB_DEVICE` names.
+  /// "/dev/fb0" for display 0 and so on; the device that the environment variable `ZIRK_FB_DEVICE`
+  /// names if it is set.
   static std::string PathOf(int display);
 
-  /// The size of the display as it is now; nothing if there is no such device.
+  /// The display's present size; nullopt if there is no such device.
   static std::optional<Size> SizeOf(const std::string& path,
                                     std::shared_ptr<FramebufferIo> io = SystemFramebufferIo());
 
-  /// Opens the device in `path` and makes its memory ready, black. The size asked for is tried;
-  /// what the driver grants is in Width() and Height(). Null, with the reason in `error`, if there
-  /// is no such device or it has no mode that can be drawn to.
+  /// Opens the device in `path` and fills its memory with black. Width() and Height() give the size
+  /// that the driver grants. Null, with the reason in `error`, if there is no such device or it has
+  /// no mode that can be drawn to.
   static std::unique_ptr<FramebufferDevice> Open(
       const std::string& path, const Request& request, std::string& error,
       std::shared_ptr<FramebufferIo> io = SystemFramebufferIo());
@@ -103,12 +104,12 @@ class FramebufferDevice {
   const std::shared_ptr<FramebufferIo> io_;
   const int fd_;
 
-  fb_var_screeninfo found_{};  ///< As it was when the device was opened.
-  fb_var_screeninfo mode_{};
+  fb_var_screeninfo found_{};  ///< The mode when the device was opened.
+  fb_var_screeninfo mode_{};   ///< The mode now.
   fb_fix_screeninfo fixed_{};
-  std::optional<DeviceLayout> layout_;
-  bool modeChanged_ = false;
-  bool panned_ = false;
+  std::optional<DeviceLayout> layout_;  ///< None while the mode cannot be drawn to.
+  bool modeChanged_ = false;            ///< The mode has to be restored.
+  bool panned_ = false;                 ///< The offset has to be restored.
 
   uint8_t* mapping_ = nullptr;
   size_t mappedBytes_ = 0;
@@ -119,7 +120,7 @@ class FramebufferDevice {
 
   bool twoPages_ = false;
   unsigned shownPage_ = 0;
-  Box lastDamage_;  ///< What the page that is not shown lacks of the one that is.
+  Box lastDamage_;  ///< The part of the hidden page that is older than the shown one.
 };
 
 }  // namespace ZIRK::backends

@@ -13,14 +13,14 @@ namespace ZIRK::backends {
 
 /// How a device lays a pixel out in its memory.
 struct DeviceLayout {
-  /// Position and width of a channel, in bits; no width where the device has no such channel.
+  /// Position and width of a channel, in bits; the width is zero if the device has no such channel.
   struct Channel {
     unsigned offset, length;
   };
 
   unsigned bitsPerPixel;
   Channel red, green, blue, alpha;
-  /// The same as Pixman's format; none where Pixman has no such.
+  /// The same layout in Pixman's terms; nullopt if Pixman does not have it.
   std::optional<pixman_format_code_t> format;
 
   unsigned BytesPerPixel() const { return bitsPerPixel / 8; }
@@ -29,24 +29,24 @@ struct DeviceLayout {
   uint32_t Pack(uint32_t argb) const;
 };
 
-/// The layout of a mode in true colour; none for any other mode.
+/// The layout of a mode in true colour; nullopt for any other mode.
 std::optional<DeviceLayout> LayoutOf(const fb_var_screeninfo& mode, const fb_fix_screeninfo& fixed);
 
-/// Brings the rows of a surface into a device's layout, in cached memory.
+/// Converts the rows of a surface to a device's layout, in cached memory.
 ///
-/// The colours are those of the premultiplied pixels, that is, over black. Where both the surface
-/// and the device have alpha it is carried over; the device's alpha is opaque otherwise.
+/// The colours are those of the premultiplied pixels, that is, over black. Alpha is kept if both
+/// the surface and the device have it; otherwise the device's alpha is opaque.
 class RowConverter {
  public:
   /// For rows of at most `width` pixels.
   RowConverter(const DeviceLayout& layout, int width);
 
-  /// The pixels to convert, `width` x `height`, rows `pitch` bytes apart (a multiple of four).
-  /// They are read by Row(). False if the format does not exist or memory runs out.
+  /// Sets the pixels that Row() reads: `width` x `height`, rows `pitch` bytes apart (a multiple of
+  /// four). False if the format does not exist or memory runs out.
   bool SetSource(const uint8_t* pixels, int pitch, VuPixelFormat format, int width, int height);
 
-  /// `count` pixels of row `y` from `x` on, valid until the next call: the source's own memory
-  /// where the layouts agree.
+  /// `count` converted pixels of row `y`, starting at `x`, valid until the next call. Points into
+  /// the source if the layouts agree.
   const uint8_t* Row(int x, int y, int count);
 
  private:
@@ -58,15 +58,15 @@ class RowConverter {
   void Pack(int count);
 
   const DeviceLayout layout_;
-  std::vector<uint32_t> line_;
-  Image lineImage_;
-  Image white_;
+  std::vector<uint32_t> line_;  ///< The converted row.
+  Image lineImage_;             ///< `line_` for Pixman.
+  Image white_;                 ///< The colour of A8 pixels.
 
   const uint8_t* pixels_ = nullptr;
   int pitch_ = 0;
   Image source_;
-  bool sameLayout_ = false;
-  bool isCoverage_ = false;
+  bool sameLayout_ = false;  ///< The source needs no conversion.
+  bool isCoverage_ = false;  ///< The source is A8.
 };
 
 }  // namespace ZIRK::backends

@@ -28,14 +28,14 @@ bool WaitOnce(FramebufferIo& io, int fd) {
   return io.Control(fd, FBIO_WAITFORVSYNC, &display) || errno == EINTR;
 }
 
-/// Keeps the plug-in in memory for good, for a thread that may come back into it at any time.
+/// Keeps the plug-in loaded until the process ends: an abandoned thread may return into it.
 void StayLoaded() {
   Dl_info self{};
   if (dladdr(reinterpret_cast<const void*>(&StayLoaded), &self) == 0) return;
   dlopen(self.dli_fname, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE);
 }
 
-/// No signal of the application's is delivered to a thread that starts meanwhile.
+/// Blocks the application's signals in threads that start while it exists.
 class SignalsBlocked {
  public:
   SignalsBlocked() {
@@ -51,11 +51,11 @@ class SignalsBlocked {
 
 }  // namespace
 
-/// What the two threads share. It stays for as long as either needs it.
+/// What the two threads share, kept until neither needs it.
 struct VsyncWait::Worker {
   enum class State { Idle, Asked, Failed, Stopped };
 
-  /// Waits whenever asked, on a descriptor of its own.
+  /// The thread: waits whenever asked, on a descriptor of its own.
   void Run() {
     const int fd = io->Open(path.c_str());
     std::unique_lock<std::mutex> lock(mutex);
@@ -71,7 +71,7 @@ struct VsyncWait::Worker {
     if (fd >= 0) io->Close(fd);
   }
 
-  /// Once stopped, it goes when it comes back.
+  /// Ends the thread, once its wait returns.
   void Stop() {
     const std::lock_guard<std::mutex> lock(mutex);
     state = State::Stopped;

@@ -8,10 +8,10 @@ namespace ZIRK::backends {
 
 class FramebufferIo;
 
-/// Waits for a display's vertical sync, where its driver can do so.
+/// Waits for a display's vertical sync, if its driver can do so.
 ///
-/// Some drivers never return from the wait. So it is made on a thread of its own, which is left
-/// behind if it is not back in time. That, or an error, ends the waiting for good.
+/// Some drivers never return from the wait. It therefore runs on a thread of its own, which is
+/// abandoned if it does not return in time. After that, or after an error, nothing waits any more.
 class VsyncWait {
  public:
   /// Tries a wait on the device in `path`.
@@ -20,8 +20,8 @@ class VsyncWait {
   VsyncWait(const VsyncWait&) = delete;
   VsyncWait& operator=(const VsyncWait&) = delete;
 
-  /// Returns at the next vertical sync, after a fifth of a second at the latest, and at once where
-  /// there is no waiting for it.
+  /// Returns at the next vertical sync, or after a fifth of a second; at once if the driver cannot
+  /// wait.
   void Wait();
 
  private:
@@ -29,7 +29,7 @@ class VsyncWait {
 
   void Start(std::shared_ptr<FramebufferIo> io, const std::string& path);
 
-  std::shared_ptr<Worker> worker_;  ///< Null where there is no waiting.
+  std::shared_ptr<Worker> worker_;  ///< Null if the driver cannot wait.
   std::thread thread_;
 };
 
