@@ -44,7 +44,7 @@ DirectFbGraphics::DirectFbGraphics(IDirectFB& directFb)
     : directFb_(directFb), atlases_(std::make_shared<DirectFbAtlases>(Ledger(), kType, directFb)) {}
 
 ImageSize DirectFbGraphics::ScreenSize(int index) const {
-  // A layer that is not there is reported when the screen is made.
+  // A missing layer is reported when the screen is made.
   const auto size = DirectFbLayer::SizeOf(directFb_, index);
   return size ? *size : GraphicsBase::ScreenSize(index);
 }
@@ -52,7 +52,7 @@ ImageSize DirectFbGraphics::ScreenSize(int index) const {
 std::unique_ptr<VuScreenImpl> DirectFbGraphics::MakeScreen(Entry entry,
                                                            const VuScreenDescription& d) {
   std::string error;
-  std::unique_ptr<DirectFbLayer> layer;  // goes after its surface
+  std::unique_ptr<DirectFbLayer> layer;  // destroyed after its surface
   DirectFbLayer::Screen screen{nullptr, d.width, d.height, d.format, false};
   layer = DirectFbLayer::Open(directFb_, d, screen, error);
   if (!layer) {

@@ -4,12 +4,12 @@ namespace ZIRK::backends {
 
 namespace {
 
-// No display is smaller; the system that has none says 8 x 8.
+// No display is smaller; a system without a display reports 8 x 8.
 constexpr int kLeastSide = 64;
 
 constexpr int kMostLayers = 32;
 
-unsigned inUse = 0;  // a bit for each layer; as all DirectFB, for who has the turn
+unsigned inUse = 0;  // a bit for each layer; guarded by DirectFbTurn()
 
 }  // namespace
 
@@ -58,7 +58,7 @@ DirectFbLayer::~DirectFbLayer() {
   inUse &= ~bit_;
 }
 
-/// Tries what was asked for first, then what gives way in format, in size, and in both.
+/// Tries what is asked for first, then the layer's own format, its own size, and both.
 DFBResult DirectFbLayer::Configure(const VuScreenDescription& description) {
   DFBDisplayLayerConfig own = {};
   DFBResult result = layer_->GetConfiguration(layer_, &own);

@@ -12,11 +12,11 @@
 
 namespace ZIRK::backends {
 
-/// A display layer, which is this screen's alone. The configuration that it had comes back in the
-/// destructor; the surface has been let go of by then.
+/// A display layer that one screen uses exclusively. The destructor restores the configuration that
+/// the layer had; the layer's surface has to be released before.
 class DirectFbLayer {
  public:
-  /// What has been granted.
+  /// What the layer grants.
   struct Screen {
     DirectFbSurfacePtr surface;
     int width, height;
@@ -24,12 +24,13 @@ class DirectFbLayer {
     bool twoBuffers;
   };
 
-  /// The size that the layer has; nothing if there is no such layer.
+  /// The layer's size; nullopt if there is no such layer.
   static std::optional<ImageSize> SizeOf(IDirectFB& directFb, int index);
 
-  /// The layer of the screen's index, in its size, format and buffers, or in what comes nearest:
-  /// the layer's own size or format, a single buffer. Null, with the reason in `error`, if there is
-  /// no such layer, if another screen has it, or if it has no format of ours.
+  /// Opens the layer of the screen's index with the size, format and buffers asked for. What the
+  /// system does not grant gives way to the layer's own size, its own format, or a single buffer.
+  /// Null, with the reason in `error`, if there is no such layer, if another screen has it, or if
+  /// surfaces do not have its format.
   static std::unique_ptr<DirectFbLayer> Open(IDirectFB& directFb,
                                              const VuScreenDescription& description, Screen& screen,
                                              std::string& error);
@@ -45,7 +46,7 @@ class DirectFbLayer {
   DFBResult TakeSurface(Screen& screen);
 
   IDirectFBDisplayLayer* const layer_;
-  const unsigned bit_;  ///< Among those that are in use.
+  const unsigned bit_;  ///< The layer's bit among the layers in use.
 };
 
 }  // namespace ZIRK::backends

@@ -16,9 +16,9 @@ struct Row {
   DirectFbBlend blend;
 };
 
-// The rules of Porter and Duff, and those to add, to multiply and to screen. Of other pairs some
-// come out wrong by far in the software renderer's shortcuts; and the rule to clear fills with
-// zeros, where the X byte of XRGB8888 has to be 255.
+// The rules of Porter and Duff, and those to add, to multiply and to screen. Some other pairs come
+// out far off in the software renderer's shortcuts; and the rule to clear fills with zeros, where
+// the X byte of XRGB8888 has to be 255.
 constexpr Row kRows[] = {
     {Factor::One, Factor::OneMinusSrcAlpha, {DSBF_ONE, DSBF_INVSRCALPHA}},
     {Factor::One, Factor::Zero, kReplace},
@@ -71,15 +71,15 @@ std::optional<BlitRule> FindBlit(const DirectFbBlend& blend, VuPixelFormat from,
   const DirectFbBlend effective = blend.IsOver() && opaque ? kReplace : blend;
   if (effective.Replaces() && !tinted && (!coverage || to == Format::A8))
     return BlitRule{DSBLIT_NOFX, kReplace};
-  // Coverage is multiplied with a translucent colour three times over.
+  // DirectFB multiplies coverage by a translucent colour three times.
   if (coverage && !IsOpaque(color)) return std::nullopt;
   if (effective.Products() + tinted > kMostProducts) return std::nullopt;
   unsigned flags = DSBLIT_BLEND_ALPHACHANNEL;
   if (tinted) flags |= DSBLIT_COLORIZE;
   if (!IsOpaque(color)) flags |= DSBLIT_BLEND_COLORALPHA;
   if (coverage && to != Format::A8) flags |= DSBLIT_SRC_PREMULTIPLY;
-  // Shortcuts of the software renderer's are wrong: over, where colours exceed their alpha, and
-  // coverage to 16 bits. Like this they are not taken.
+  // The software renderer has two wrong shortcuts: over, if colours exceed their alpha, and
+  // coverage to 16 bits. This flag keeps it from taking them.
   const bool to16 = to == Format::RGB565 || to == Format::ARGB1555;
   if (effective.IsOver() || (coverage && to16)) flags |= DSBLIT_BLEND_COLORALPHA;
   return BlitRule{static_cast<DFBSurfaceBlittingFlags>(flags), effective};

@@ -164,12 +164,12 @@ IDirectFB* StartDirectFb() {
   DFBResult result = ProbeStart(UserSets("quiet"));
   if (result == DFB_OK) result = CreateDirectFb(&running);
   if (result == DFB_OK) {
-    // Comes before the end of whatever has been set up until now.
+    // Runs before the destructors of all static objects that exist by now.
     std::atexit([] {
       const std::lock_guard last(turn);
       ended = true;
-      // DirectFB shows a frame some time after it was told to, on a thread of its own, and then
-      // reads what it has freed by the end of the process. There is nothing to wait for but time.
+      // DirectFB shows a frame later, on a thread of its own, and then reads what it has freed by
+      // the end of the process. It offers nothing to wait for but time.
       std::this_thread::sleep_for(kLastFrame);
     });
     return running;

@@ -9,29 +9,31 @@
 
 namespace ZIRK::backends {
 
-/// DirectFB, started with the first context of the process; null, after an error line, if it cannot
-/// be.
+/// Starts DirectFB on the first call and returns it; null, after an error line, if it does not
+/// start.
 ///
-/// It then runs until the process ends. DirectFB 1.7 cannot be ended before: it does not wait for
-/// a thread of its own that goes on with what has been freed.
+/// It then runs until the process ends. DirectFB 1.7 cannot be ended earlier: it does not wait for
+/// one of its own threads, which goes on using what has been freed.
 IDirectFB* StartDirectFb();
 
-/// Whether the process is about to end, and DirectFB's own static objects are gone or going. An
-/// application's may be left, and their surfaces; these draw nothing any more. For who has the
-/// turn.
+/// Whether the process is exiting and DirectFB's static objects may be gone. Surfaces that the
+/// application's static objects own may still exist; they draw nothing any more. Call it with
+/// DirectFbTurn() locked.
 bool HasDirectFbEnded();
 
-/// Waits until all drawing is done.
+/// Waits until DirectFB has done all drawing.
 void WaitForDirectFb();
 
-/// Held by who makes DirectFB or its surfaces do anything. Nothing else is waited for meanwhile.
+/// Locked around every use of DirectFB and its surfaces. No other lock of this plug-in is taken
+/// while it is held.
 std::mutex& DirectFbTurn();
 
-/// The format's name in DirectFB.
+/// The same format in DirectFB's terms.
 DFBSurfacePixelFormat ToDirectFb(VuPixelFormat format);
-/// The way back; nothing for what is no format of ours.
+/// The opposite; nullopt for a format that surfaces do not have.
 std::optional<VuPixelFormat> FromDirectFb(DFBSurfacePixelFormat format);
 
+/// Releases a surface, unless DirectFB has ended.
 struct ReleaseSurface {
   void operator()(IDirectFBSurface* surface) const;
 };
@@ -41,7 +43,7 @@ using DirectFbSurfacePtr = std::unique_ptr<IDirectFBSurface, ReleaseSurface>;
 DirectFbSurfacePtr CreateDirectFbSurface(IDirectFB& directFb, int width, int height,
                                          VuPixelFormat format);
 
-/// Writes an error line if `result` is one, and says whether it is none.
+/// Whether `result` is DFB_OK; if not, an error line says that DirectFB cannot do `what`.
 bool IsGood(DFBResult result, const char* what);
 
 }  // namespace ZIRK::backends
