@@ -41,7 +41,7 @@ std::array<float, 4> Split(uint32_t color) {
   return channels;
 }
 
-/// The same for a target whose colour is its alpha: to OpenGL all its pixels are opaque.
+/// The factor for a target whose colour is its alpha: OpenGL takes all its pixels as opaque.
 GLenum OfAlpha(GLenum factor) {
   switch (factor) {
     case GL_SRC_ALPHA_SATURATE:
@@ -142,15 +142,15 @@ void GlBatch::Flush() {
   programs_.Use(gl, key_.program, *key_.target, key_.texture, colors_, key_.mask);
   if (key_.mask) UseTexture(1, key_.mask, key_.maskFilter);
   UseTexture(0, key_.texture, key_.filter);
-  // New storage each time: what the last draw calls may still read is not written.
+  // New storage each time: the last draw calls may still read the old one.
   gl.BufferData(GL_ARRAY_BUFFER, bytes, Vertices(), GL_STREAM_DRAW);
-  // Drivers may crash on vertices that are not there.
+  // Drivers may crash on missing vertices.
   if (!device_.Check("drawing")) return;
   programs_.SetAttributes(gl, key_.program);
   gl.DrawElements(GL_TRIANGLES, quads * 6, GL_UNSIGNED_SHORT, nullptr);
 }
 
-/// Whether a quadrilateral that has been collected reads pixels of `box` of the texture.
+/// Whether a collected quadrilateral reads pixels of `box` of the texture.
 bool GlBatch::Reads(const Box& box) const {
   const ptrdiff_t stride = 4 * WordsOfVertex(key_.program);
   const ptrdiff_t offset = 4 * TexelsInVertex(key_.program);
@@ -191,7 +191,7 @@ void GlBatch::Forget(const GlTarget& target) {
 }
 
 bool GlBatch::Clear(const GlTarget& target, uint32_t color) {
-  // It covers all that was to be drawn on the same target.
+  // It covers all that is collected for the same target.
   if (quads_ > 0 && key_.target == &target)
     quads_ = 0;
   else
@@ -200,7 +200,7 @@ bool GlBatch::Clear(const GlTarget& target, uint32_t color) {
   if (!scope) return false;
   UseTarget(target);
   const GlFunctions& gl = device_.Gl();
-  // Written once, the alpha of those that keep theirs is 1 for good.
+  // Targets that keep alpha have it written here only, as 1.
   if (!alphaWritten_) gl.ColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
   alphaWritten_ = true;
   const auto c = Split(target.Channels(color));
@@ -210,7 +210,7 @@ bool GlBatch::Clear(const GlTarget& target, uint32_t color) {
 }
 
 void GlBatch::Bind(int unit, GLuint texture) {
-  // What follows, a texture's parameters or pixels, goes to the unit that is active.
+  // Parameters and pixels that follow go to the active unit.
   if (unit_ != unit) device_.Gl().ActiveTexture(unit ? GL_TEXTURE1 : GL_TEXTURE0);
   unit_ = unit;
   if (bound_[unit] == texture) return;
@@ -234,7 +234,7 @@ void GlBatch::DeleteFramebuffer(GLuint framebuffer) {
   device_.Gl().DeleteFramebuffers(1, &framebuffer);
 }
 
-/// Everything that is drawn begins with this.
+/// Every draw call and every Clear() begins with this.
 void GlBatch::UseTarget(const GlTarget& target) {
   ++target.changes;
   BindFramebuffer(target.framebuffer);
@@ -253,8 +253,8 @@ void GlBatch::UseBlend() {
   blendUsed_ = blend_.IsEnabled();
   if (!blendUsed_) return;
   std::array<GLenum, 4> factors = blend_.FactorsFor(*key_.target);
-  // What this version of OpenGL does not have for the destination. For alpha it means One; for
-  // colours Zero is right only where the destination is opaque.
+  // This version of OpenGL does not have the factor for the destination. For alpha it means One;
+  // for colours Zero is right only where the destination is opaque.
   if (!saturatesDestination_ && factors[1] == GL_SRC_ALPHA_SATURATE) factors[1] = GL_ZERO;
   if (!saturatesDestination_ && factors[3] == GL_SRC_ALPHA_SATURATE) factors[3] = GL_ONE;
   if (factors != factorsSet_) gl.BlendFuncSeparate(factors[0], factors[1], factors[2], factors[3]);

@@ -13,17 +13,17 @@
 
 namespace ZIRK::backends {
 
-/// A blending function, in a form that is quickly compared.
+/// A blending function, in a form that compares quickly.
 struct GlBlend {
   uint32_t color = 0;    ///< Premultiplied ARGB8888.
-  uint32_t factors = 0;  ///< Four bits each, and one more for whether there is any blending.
+  uint32_t factors = 0;  ///< Four bits each, and kEnabled.
 
   GlBlend() = default;
   explicit GlBlend(const SurfaceState& state);
 
   bool IsEnabled() const { return (factors & kEnabled) != 0; }
-  /// In OpenGL's terms, as they are for the target: source colour, destination colour, source
-  /// alpha, destination alpha.
+  /// OpenGL's factors for the target: source colour, destination colour, source alpha, destination
+  /// alpha.
   std::array<GLenum, 4> FactorsFor(const GlTarget& target) const;
 
   bool operator==(const GlBlend& b) const { return color == b.color && factors == b.factors; }
@@ -32,7 +32,7 @@ struct GlBlend {
   static constexpr uint32_t kEnabled = 1u << 16;
 };
 
-/// What is the same for all quadrilaterals of a draw call.
+/// What all quadrilaterals of a draw call have in common.
 struct DrawKey {
   const GlTarget* target = nullptr;
   const GlBlend* blend = nullptr;
@@ -43,10 +43,9 @@ struct DrawKey {
   GLint maskFilter = GL_NEAREST;
 };
 
-/// Collects quadrilaterals and draws them, as many as possible at a time, in the order in which
-/// they came.
+/// Collects quadrilaterals and draws them in order, as many as possible with one draw call.
 ///
-/// It also knows OpenGL's state, and changes only what differs.
+/// It also keeps OpenGL's state, and sets only what changes.
 class GlBatch {
  public:
   explicit GlBatch(GlDevice& device);
@@ -54,11 +53,11 @@ class GlBatch {
 
   /// Builds the programs. False after an error line.
   bool Start();
-  /// Lets go of everything in OpenGL.
+  /// Deletes its objects of OpenGL.
   void Stop();
 
-  /// Room for `count` quadrilaterals, at most kMaxAtOnce, each four vertices as the program has
-  /// them. It is to be filled before the next call. `key.blend` is copied.
+  /// Makes room for `count` quadrilaterals, at most kMaxAtOnce, each of four vertices as the
+  /// program has them. The caller fills it before the next call. `key.blend` is copied.
   std::byte* Add(const DrawKey& key, int count) {
     const int room = std::min(kWords / WordsOfQuad(key.program), kMaxQuads) - quads_;
     if (count > room || !TryJoin(key)) Begin(key);
@@ -69,7 +68,7 @@ class GlBatch {
   }
   static constexpr int kMaxAtOnce = 8;
 
-  /// The same for one quadrilateral of GlProgram::Plain, which nearly all are. A texture or null.
+  /// The same for one quadrilateral of GlProgram::Plain, as most are. `texture` may be null.
   PlainVertex* AddPlain(const GlTarget* target, const GlBlend& blend, GlTexture* texture,
                         GLint filter) {
     const bool joins = quads_ > 0 && quads_ < kMaxQuads && key_.target == target &&
@@ -80,33 +79,34 @@ class GlBatch {
     return reinterpret_cast<PlainVertex*>(lines_[static_cast<size_t>(quads_++)].bytes);
   }
 
-  /// Draws what has been collected.
+  /// Draws what is collected.
   void Flush();
 
-  /// Draws first what reads `box` of `texture`, or draws on the texture.
+  /// To be called before `box` of `texture` is written: draws what reads it, or draws on the
+  /// texture.
   void BeforeWriting(const GlTexture& texture, const Box& box);
-  /// The same for all of it; what was to be drawn on it is dropped.
+  /// To be called before `texture` is deleted: draws what reads it, drops what draws on it.
   void Forget(const GlTexture& texture);
-  /// Drops what was to be drawn on it.
+  /// Drops what draws on `target`.
   void Forget(const GlTarget& target);
 
   /// Fills all of `target` with premultiplied `color`. False after an error line.
   bool Clear(const GlTarget& target, uint32_t color);
 
-  // OpenGL's state.
+  // OpenGL's state. A name of OpenGL's that is deleted has to be unbound here too.
   void Bind(GLuint texture) { Bind(0, texture); }
   void Unbind(GLuint texture);
   void BindFramebuffer(GLuint framebuffer);
   void DeleteFramebuffer(GLuint framebuffer);
-  /// The window has changed, so that framebuffer 0 is another one.
+  /// To be called when the current window changes, and framebuffer 0 with it.
   void WindowChanged() { viewportOf_ = nullptr; }
 
  private:
-  // What a processor's cache holds; indices have 16 bits.
+  // As many as fit a processor's cache; indices have 16 bits.
   static constexpr int kMaxQuads = 4096;
   static constexpr int kWords = kMaxQuads * WordsOfQuad(GlProgram::Plain);
 
-  /// A plain quadrilateral, and what a processor fetches at a time.
+  /// A plain quadrilateral, which is one cache line.
   struct alignas(64) Line {
     std::byte bytes[64];
   };
@@ -115,7 +115,7 @@ class GlBatch {
   std::byte* Vertices() const { return lines_[0].bytes; }
   std::byte* End() const { return Vertices() + ptrdiff_t{4} * quads_ * WordsOfQuad(key_.program); }
 
-  /// Whether `key` goes with what has been collected; that takes over its texture if it had none.
+  /// Whether `key` fits what is collected; if that has no texture yet, it takes the key's.
   bool TryJoin(const DrawKey& key) {
     if (quads_ == 0 || key.target != key_.target || key.program != key_.program ||
         key.mask != key_.mask || key.maskFilter != key_.maskFilter || !(*key.blend == blend_))
@@ -142,7 +142,7 @@ class GlBatch {
   DrawKey key_;
   GlBlend blend_;
   int quads_ = 0;
-  bool colors_ = false;  ///< Some of them are of one colour.
+  bool colors_ = false;  ///< Some quadrilaterals are of one colour.
   const std::unique_ptr<Line[]> lines_;
 
   GlPrograms programs_;
@@ -150,9 +150,9 @@ class GlBatch {
   GLuint indices_ = 0;
   GLuint white_ = 0;  ///< Stands in for the texture where there is none.
 
-  bool saturatesDestination_ = true;
+  bool saturatesDestination_ = true;  ///< GL_SRC_ALPHA_SATURATE works for the destination.
 
-  // What OpenGL has been told.
+  // What OpenGL is set to.
   GLuint bound_[2] = {0, 0};
   int unit_ = 0;
   GLuint framebuffer_ = 0;

@@ -15,12 +15,12 @@ namespace {
 std::mutex mutex;
 GlCompositor* active = nullptr;
 
-/// Without extent is everything; half of an extent is a mistake.
+/// An empty rectangle stands for everything; a half empty one is a mistake.
 bool IsSane(const VuRect& r) {
   return (r.width > 0 && r.height > 0) || (r.width == 0 && r.height == 0);
 }
 
-/// Null, or what is wrong.
+/// What is wrong with a configuration; null if nothing is.
 const char* FaultOf(const LayerDescription* layers, int count) {
   if (count < 0 || (count > 0 && !layers)) return "there are no such layers";
   std::array<bool, GlCompositor::kLayers> seen{};
@@ -51,7 +51,7 @@ GlCompositor::GlCompositor() : layers_(kLayers) {
 
 GlCompositor::~GlCompositor() {
   const std::lock_guard<std::mutex> lock(mutex);
-  // Another may have been enabled before the last call into this one returned.
+  // The application may have enabled another one already.
   if (active == this) active = nullptr;
 }
 
@@ -112,7 +112,7 @@ void GlLayers::Remove(const GlScreen& screen) {
                  screens_.end());
 }
 
-/// The screen that was made last is the layer.
+/// The screen of that index; the newest if there are several.
 GlLayers::Layer* GlLayers::Find(int index) {
   const auto at = std::find_if(screens_.rbegin(), screens_.rend(),
                                [=](const Layer& l) { return l.screen->Index() == index; });
@@ -149,20 +149,20 @@ void GlLayers::Swap(GlScreen& screen, const GlCompositor::Stack& stack, bool vsy
   display_->Present(vsync);
 }
 
-/// Whether a layer that would be shown has been drawn on and not been swapped.
+/// Whether a layer of `stack` is drawn on and not swapped yet.
 bool GlLayers::IsUnfinished(const GlCompositor::Stack& stack) {
   return std::any_of(stack.layers.begin(), stack.layers.end(), [this](const auto& description) {
     const Layer* const layer = Find(description.layer);
     const unsigned frame = layer ? layer->screen->Frame() : 0;
-    // 0 is that of a screen that is still a window.
+    // A screen that is still a window has frame 0.
     return frame != 0 && frame != layer->shown && !layer->swapped;
   });
 }
 
-/// Opens it if there is none, or another one if the screens have changed.
+/// Opens the display if there is none, or if the screens ask for another size.
 bool GlLayers::OpenDisplay() {
   Layer* const first = Find(0);
-  // Its window is the display.
+  // Gives its window to the layers as their display.
   if (first && !first->screen->EnterLayers()) return false;
   VuRect size{};
   for (const Layer& layer : screens_) {

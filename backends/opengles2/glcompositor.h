@@ -11,8 +11,8 @@
 
 namespace ZIRK::backends {
 
-/// What is to be shown: nothing of OpenGL, so that any thread may change or end it. Those who draw
-/// ask for it once a frame.
+/// The configuration of the layers. It holds nothing of OpenGL, so that any thread may change or
+/// delete it; screens read it once a frame.
 class GlCompositor final : public VuCompositorImpl {
  public:
   static constexpr int kLayers = 16;
@@ -26,50 +26,50 @@ class GlCompositor final : public VuCompositorImpl {
   void EnableLayer(signed char layer, bool enable) override;
   int GetVirtualLayerCount() override { return kLayers; }
 
-  /// The layers that are enabled, from the lowest to the highest.
+  /// The enabled layers, from the lowest to the highest.
   struct Stack {
     bool composing = false;  ///< Whether there is a compositor.
     std::vector<LayerDescription> layers;
   };
-  /// Of the compositor that there is.
+  /// The stack of the active compositor.
   static Stack Current();
 
  private:
   std::vector<LayerDescription> layers_;
 };
 
-/// The screens as layers of the compositor, and the display that they are composed on. Shared by
-/// the screens.
+/// Composes the screens as layers, on a display of their own. Shared by the screens.
 class GlLayers {
  public:
-  /// Those of `device`.
+  /// The layers of `device`.
   static std::shared_ptr<GlLayers> Of(const std::shared_ptr<GlDevice>& device);
   explicit GlLayers(std::shared_ptr<GlDevice> device);
 
-  /// What has been drawn on it until now is not waited for.
+  /// Adds a screen. Its frame so far counts as shown.
   void Add(GlScreen& screen);
   void Remove(const GlScreen& screen);
 
-  /// The window that screen 0 had, or gets, of its own.
+  /// Takes the window of screen 0 as the display; null closes the display.
   void SetDisplay(std::unique_ptr<GlWindow> window);
+  /// Gives the display back to screen 0 as its window.
   std::unique_ptr<GlWindow> TakeDisplay();
-  /// There is no compositor now: closes the display unless screen 0 is going to take it.
+  /// Ends composing: closes the display unless screen 0 exists, which then takes it.
   void StopComposing();
 
-  /// `screen` has a new frame. It is shown at once unless another layer has been drawn on and not
-  /// swapped yet; then with that one's, or with the screen's own next swap.
+  /// Takes a new frame of `screen`. It is shown at once, unless another layer is drawn on and not
+  /// swapped yet; then it is shown with that layer's swap, or with the screen's own next one.
   void Swap(GlScreen& screen, const GlCompositor::Stack& stack, bool vsync);
 
-  /// How often that has been done.
+  /// How many frames were composed.
   unsigned Frames() const { return frames_; }
-  /// What is shown; null as long as nothing has been composed.
+  /// The picture on the display; null before the first frame.
   GlCanvas* Composed() { return display_ ? &canvas_ : nullptr; }
 
  private:
   struct Layer {
     GlScreen* screen;
-    unsigned shown;  ///< Its frame that has been composed last.
-    bool swapped;    ///< It has been since then.
+    unsigned shown;  ///< GlScreen::Frame() when it was last composed.
+    bool swapped;    ///< It was swapped since then.
   };
 
   bool IsUnfinished(const GlCompositor::Stack& stack);

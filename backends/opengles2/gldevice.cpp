@@ -17,13 +17,13 @@ std::recursive_mutex mutex;
 GlDevice* device = nullptr;
 bool exiting = false;
 
-// Where it is to be said why there is no device; null for the log. Set while one starts.
+// Where Fail() puts its text while a device starts; null for the log.
 thread_local std::string* refusal = nullptr;
 
-/// Of messages that are kept while SDL makes others.
+/// Length of a message that is kept while SDL writes others.
 constexpr int kErrorLength = 160;
 
-/// A hint of SDL's as it has to be while something of SDL starts; afterwards it is as it was.
+/// Sets a hint of SDL's, and restores it.
 class TemporaryHint {
  public:
   TemporaryHint(const char* name, const char* value) : name_(name) {
@@ -39,7 +39,7 @@ class TemporaryHint {
   std::string before_;
 };
 
-/// Has failures be told to `reason` while it stands.
+/// Makes Fail() write to `reason` while it exists.
 class Refusal {
  public:
   explicit Refusal(std::string* reason) { refusal = reason; }
@@ -70,8 +70,8 @@ std::shared_ptr<GlDevice> GlDevice::Acquire(std::string* reason) {
     return nullptr;
   }
   device = created.get();
-  // The driver has objects with destructors of its own. Those run before the application's static
-  // objects let go of their surfaces, and after this.
+  // The driver has static objects with destructors. These run after this handler, and before the
+  // destructors of the application's static objects, which may own surfaces.
   static const bool registered = std::atexit([] {
                                    const std::lock_guard<std::recursive_mutex> atExit(mutex);
                                    exiting = true;
@@ -100,7 +100,7 @@ bool GlDevice::Start() {
 }
 
 bool GlDevice::StartVideo() {
-  // SDL belongs to the application, and so do signals and the screen saver.
+  // Signals and the screen saver are the application's to handle.
   const TemporaryHint signals(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
   const TemporaryHint screenSaver(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "1");
   sdlWasIdle_ = SDL_WasInit(0) == 0;
@@ -110,7 +110,7 @@ bool GlDevice::StartVideo() {
   SDL_GetErrorMsg(why, kErrorLength);
   const char* const named = SDL_GetHint(SDL_HINT_VIDEODRIVER);
   if (!named || !*named) {
-    // Not every version of SDL comes to this by itself.
+    // Not every version of SDL tries this by itself.
     const TemporaryHint driver(SDL_HINT_VIDEODRIVER, "offscreen");
     videoStarted_ = Sdl().InitSubSystem(SDL_INIT_VIDEO) == 0;
   }
@@ -122,7 +122,7 @@ bool GlDevice::HasSdlAlone() const {
 }
 
 bool GlDevice::SetAttributes() {
-  // An opaque window is what an application expects; where there are no others, alpha is kept.
+  // On X11, applications expect an opaque window; elsewhere alpha is kept.
   const int alphaBits = DriverIs("x11") ? 0 : 8;
   const struct {
     SDL_GLattr name;
@@ -146,7 +146,7 @@ bool GlDevice::SetAttributes() {
   return true;
 }
 
-/// One that reports its loss, where there are such.
+/// Creates a context that reports its loss, if the driver has such contexts.
 SDL_GLContext GlDevice::CreateContext() {
   for (const int reports :
        {SDL_GL_CONTEXT_RESET_LOSE_CONTEXT, SDL_GL_CONTEXT_RESET_NO_NOTIFICATION}) {
@@ -159,7 +159,7 @@ SDL_GLContext GlDevice::CreateContext() {
 bool GlDevice::StartContext() {
   if (!SetAttributes()) return false;
   SdlCalls& sdl = Sdl();
-  // Beside those of the windows, which come and go.
+  // In addition to the references that windows hold while they are open.
   if (sdl.LoadLibrary(nullptr) != 0) return Fail("no library", SDL_GetError());
   libraryLoaded_ = true;
   if (!OpenHiddenWindow()) return Fail("no window", SDL_GetError());
@@ -171,7 +171,7 @@ bool GlDevice::StartContext() {
   loaded_ = true;
   GLint range[2] = {0, 0}, precision = 0;
   gl_.GetShaderPrecisionFormat(GL_FRAGMENT_SHADER, GL_HIGH_FLOAT, range, &precision);
-  // Positions in a texture of 2048 pixels do not survive fewer bits; another backend does better.
+  // Positions in a texture of 2048 pixels do not survive fewer bits.
   if (precision < 16) return Fail("no use", "the fragment stage has no highp");
   gl_.LoadExtensions(sdl.GetProcAddress);
   gl_.GetIntegerv(GL_MAX_TEXTURE_SIZE, &maxTextureSize_);
@@ -180,7 +180,7 @@ bool GlDevice::StartContext() {
 }
 
 SDL_Window* GlDevice::CreateWindow(int width, int height, int display, bool hidden) {
-  // Nor does the desktop stop its effects for us.
+  // The desktop keeps its effects.
   const TemporaryHint compositor(SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR, "0");
   const Uint32 flags = SDL_WINDOW_OPENGL | (hidden ? SDL_WINDOW_HIDDEN : SDL_WINDOW_SHOWN);
   const auto position = static_cast<int>(
@@ -194,7 +194,7 @@ bool GlDevice::OpenHiddenWindow() {
 }
 
 std::optional<ImageSize> GlDevice::DisplaySize(int index) const {
-  // Off-screen SDL makes up a display.
+  // SDL's off-screen driver makes up a display.
   if (IsLost() || DriverIs("offscreen")) return std::nullopt;
   SDL_DisplayMode mode = {};
   if (Sdl().GetDesktopDisplayMode(index, &mode) != 0 || mode.w <= 0 || mode.h <= 0)
@@ -217,7 +217,7 @@ SDL_Window* GlDevice::OpenWindow(int width, int height, int display) {
     return nullptr;
   }
   windows_.push_back(window);
-  // Not before: without a window system, OpenGL ends with the last window.
+  // Only now: without a window system, OpenGL ends with the last window.
   if (hiddenWindow_) Destroy(hiddenWindow_);
   hiddenWindow_ = nullptr;
   if (MakeCurrent(window)) return window;
@@ -225,7 +225,8 @@ SDL_Window* GlDevice::OpenWindow(int width, int height, int display) {
   return nullptr;
 }
 
-/// Some drivers take the context away with any window, and SDL goes on calling it current.
+/// Detaches the context first: some drivers detach it with any window, and SDL still calls it
+/// current.
 void GlDevice::Destroy(SDL_Window* window) {
   DetachContext();
   current_ = nullptr;
@@ -234,7 +235,7 @@ void GlDevice::Destroy(SDL_Window* window) {
 
 void GlDevice::CloseWindow(SDL_Window* window) {
   const auto at = std::find(windows_.begin(), windows_.end(), window);
-  // After the end of the device there are no windows any more.
+  // A device that has ended has no windows.
   if (at == windows_.end()) return;
   const OthersContext others(context_);
   windows_.erase(at);
@@ -250,7 +251,7 @@ bool GlDevice::MakeCurrent(SDL_Window* window) {
   if (current_ == window && SDL_GL_GetCurrentContext() == context_) return true;
   if (Sdl().MakeCurrent(window, context_) != 0) {
     const char* const why = SDL_GetError();
-    // There is no other way to tell it from a context that is current in another thread.
+    // Nothing else tells a lost context from one that is current in another thread.
     if (!std::strstr(why, "CONTEXT_LOST")) return Fail("no current context in this thread", why);
     Lose(why);
     return false;
@@ -260,8 +261,8 @@ bool GlDevice::MakeCurrent(SDL_Window* window) {
   return true;
 }
 
-/// With some drivers each window has an interval, with others all have one, which the application
-/// may have set for its own.
+/// With some drivers each window has an interval; with others all windows share one, which the
+/// application may have set for its own.
 void GlDevice::SetSwapInterval(int interval) {
   if (interval_.window == current_ && interval_.asked == interval &&
       SDL_GL_GetSwapInterval() == interval_.got)
@@ -301,7 +302,7 @@ bool GlDevice::Check(const char* where) {
 
 void GlDevice::Lose(const char* why) {
   Fail("the context is lost", why);
-  // What it had goes with it; there may be no window left to delete that by itself.
+  // Its objects end with it; there may be no window left to delete them one by one.
   loaded_ = false;
   Shutdown();
 }

@@ -14,15 +14,15 @@ namespace ZIRK::backends {
 
 class GlLayers;
 
-/// OpenGL, as everything of this plug-in shares it: one context, and the windows that it draws to.
+/// OpenGL as all of this plug-in shares it: one OpenGL context, and the windows that it draws to.
 ///
-/// It lives as long as any graphics context or surface holds it, so surfaces may outlive the
-/// context that made them, and may be drawn on those of another. After the context was lost, or
-/// the process has begun to exit, nothing is done any more; surfaces are only deleted.
+/// It lives as long as any graphics context or surface holds it. So surfaces may outlive the
+/// graphics context that made them, and may be drawn on those of another. Once the OpenGL context
+/// is lost or the process exits, no operation has an effect; surfaces can only be deleted.
 class GlDevice : public std::enable_shared_from_this<GlDevice> {
  public:
-  /// The one there is, or a new one. Null, after one error line, if there can be none; where there
-  /// is a `reason` to be filled, it is said there instead.
+  /// The existing device, or a new one. Null, after one error line, if it does not start; with
+  /// `reason`, the text goes there instead of to the log.
   static std::shared_ptr<GlDevice> Acquire(std::string* reason = nullptr);
   ~GlDevice();
   GlDevice(const GlDevice&) = delete;
@@ -31,26 +31,26 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
   const GlFunctions& Gl() const { return gl_; }
   GlBatch& Pending() { return batch_; }
   int MaxTextureSize() const { return maxTextureSize_; }
-  /// Whether textures may have one channel.
+  /// Whether textures can have one channel.
   bool HasOneChannel() const { return hasOneChannel_; }
-  /// The screens' own, kept here for them to find each other.
+  /// Owned by the screens, and kept here so that they find each other.
   std::weak_ptr<GlLayers>& Layers() { return layers_; }
   bool IsLost() const { return !context_; }
-  /// Whether nobody else in the process uses SDL, as far as SDL tells.
+  /// Whether SDL knows of no other user in the process.
   bool HasSdlAlone() const;
 
-  /// The size of display `index`, if there is one.
+  /// The size of display `index`; nullopt if there is no such display.
   std::optional<ImageSize> DisplaySize(int index) const;
 
-  /// A window with its framebuffer. Null after one error line.
+  /// Opens a window with its framebuffer. Null after one error line.
   SDL_Window* OpenWindow(int width, int height, int display);
   void CloseWindow(SDL_Window* window);
 
-  /// Makes `window`, or with null any window, the one that is drawn to. False if the context is
-  /// lost; an error line says so once.
+  /// Makes the context current with `window`, or with any window if that is null. False if the
+  /// context is lost; an error line says so once.
   bool MakeCurrent(SDL_Window* window = nullptr);
 
-  /// How many frames of the display one of the window that is drawn to lasts.
+  /// Sets how many of the display's frames one frame of the current window lasts.
   void SetSwapInterval(int interval);
 
   /// Sends what has been drawn and detaches the context, so that another thread may use it.
@@ -58,8 +58,8 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
   /// Detaches the context from this thread, so that another one may use it.
   void DetachContext();
 
-  /// Whether OpenGL has reported no error since the last time; if it has, an error line says what
-  /// went wrong at `where`.
+  /// Whether OpenGL has reported no error since the last call; if it has, an error line gives the
+  /// error and `where`.
   bool Check(const char* where);
 
  private:
@@ -84,7 +84,7 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
   SDL_GLContext context_ = nullptr;
   /// What the context is current with while there is no other window; never shown.
   SDL_Window* hiddenWindow_ = nullptr;
-  SDL_Window* current_ = nullptr;
+  SDL_Window* current_ = nullptr;  ///< The window that the context is current with.
   std::vector<SDL_Window*> windows_;
   std::weak_ptr<GlLayers> layers_;
   bool sdlWasIdle_ = false;
@@ -93,7 +93,7 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
   bool loaded_ = false;  ///< The functions can be called.
   int maxTextureSize_ = 0;
   bool hasOneChannel_ = false;
-  /// The window whose interval was set last, what was asked for, and what SDL said then.
+  /// The window whose interval was set last, the interval asked for, and what SDL then reported.
   struct {
     SDL_Window* window = nullptr;
     int asked = 0;
@@ -101,7 +101,7 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
   } interval_;
 };
 
-/// Makes the context current again that is so now, if there is one and it is not `ours`.
+/// Remembers the context that is current, unless it is `ours`, and makes it current again.
 class OthersContext {
  public:
   explicit OthersContext(SDL_GLContext ours = nullptr) {
@@ -119,12 +119,13 @@ class OthersContext {
   SDL_Window* window_ = nullptr;
 };
 
-/// Stands around everything that calls OpenGL: our context is current in it. Afterwards the
-/// application's own, if it had one in this thread, is current again.
+/// Makes the device's context current while it exists; every call of OpenGL needs one. Afterwards
+/// the application's own context, if it had one in this thread, is current again.
 class GlScope {
  public:
   explicit GlScope(GlDevice& owner, SDL_Window* window = nullptr);
 
+  /// Whether OpenGL can be called.
   explicit operator bool() const { return usable_; }
 
  private:

@@ -17,7 +17,7 @@ const char* GlFunctions::Load(void* (*find)(const char*)) {
 void GlFunctions::LoadExtensions(void* (*find)(const char*)) {
   if (Has("GL_KHR_debug"))
     ObjectLabel = reinterpret_cast<PFNGLOBJECTLABELKHRPROC>(find("glObjectLabelKHR"));
-  // Both have the same function under names of their own.
+  // Both extensions have the same function, each under its own name.
   for (const std::string vendor : {"KHR", "EXT"}) {
     if (GetGraphicsResetStatus || !Has(("GL_" + vendor + "_robustness").c_str())) continue;
     GetGraphicsResetStatus = reinterpret_cast<PFNGLGETGRAPHICSRESETSTATUSEXTPROC>(
@@ -27,7 +27,7 @@ void GlFunctions::LoadExtensions(void* (*find)(const char*)) {
 
 GLenum GlFunctions::TakeError() const {
   GLenum first = GL_NO_ERROR;
-  // There may be one of each kind.
+  // One error of each kind may be pending.
   for (int i = 0; i < 8; ++i) {
     const GLenum error = GetError();
     if (error == GL_NO_ERROR) break;

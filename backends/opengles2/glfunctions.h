@@ -6,7 +6,7 @@
 
 namespace ZIRK::backends {
 
-/// The functions of OpenGL ES 2.0 that are used here, as the driver has them.
+/// The functions of OpenGL ES 2.0 that this plug-in calls, looked up in the driver.
 struct GlFunctions {
 #define ZIRK_GL_FUNCTIONS(X)                                     \
   X(ActiveTexture, PFNGLACTIVETEXTUREPROC)                       \
@@ -74,20 +74,21 @@ struct GlFunctions {
   PFNGLOBJECTLABELKHRPROC ObjectLabel = nullptr;
   PFNGLGETGRAPHICSRESETSTATUSEXTPROC GetGraphicsResetStatus = nullptr;
 
-  /// Looks all of them up. The name of the first that is missing, or null. Extensions come later,
-  /// when there is a context to ask.
+  /// Looks up all functions of OpenGL ES 2.0. Returns the name of the first that is missing, or
+  /// null.
   const char* Load(void* (*find)(const char*));
+  /// Looks up the extensions' functions. The context has to be current.
   void LoadExtensions(void* (*find)(const char*));
 
-  /// The first error since the last time, or GL_NO_ERROR.
+  /// The first error since the last call, or GL_NO_ERROR.
   GLenum TakeError() const;
 
   /// Whether the current context has the extension.
   bool Has(const char* extension) const;
 };
 
-/// The functions of SDL that can fail, and the way to OpenGL's. All calls go through here, so that
-/// tests can have each of them fail.
+/// The functions of SDL that can fail, and the one that finds OpenGL's. The plug-in calls all of
+/// them through this table, so that tests can make each fail.
 struct SdlCalls {
   decltype(&SDL_InitSubSystem) InitSubSystem = SDL_InitSubSystem;
   decltype(&SDL_GL_LoadLibrary) LoadLibrary = SDL_GL_LoadLibrary;
@@ -100,6 +101,7 @@ struct SdlCalls {
   decltype(&SDL_GetDesktopDisplayMode) GetDesktopDisplayMode = SDL_GetDesktopDisplayMode;
 };
 
+/// The table in use.
 SdlCalls& Sdl();
 
 }  // namespace ZIRK::backends

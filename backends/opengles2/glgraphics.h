@@ -11,7 +11,7 @@ class GlGraphics final : public GraphicsBase {
  public:
   explicit GlGraphics(std::shared_ptr<GlDevice> device);
 
-  /// Afterwards another thread may go on.
+  /// Sends what is drawn; afterwards another thread may use OpenGL.
   void Flush() override;
   int GetGraphicsType() const override { return kType; }
   int GetMaxTextureSize() const override { return device_->MaxTextureSize(); }

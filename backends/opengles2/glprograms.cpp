@@ -10,7 +10,7 @@ namespace ZIRK::backends {
 
 namespace {
 
-// Each source follows `#define`s of SHAPED, MASKED, COLOR and TEXTURE as the program has them.
+// Compile() puts the program's `#define`s of SHAPED, MASKED, COLOR and TEXTURE before each source.
 
 constexpr char kVertexShader[] = R"(
 precision highp float;
@@ -132,7 +132,7 @@ void main() {
 #endif
 )";
 
-/// In the order of the words of a vertex.
+/// An attribute; kAttributes is in the order of a vertex's words.
 struct Attribute {
   const char* name;
   GLint size;
@@ -159,7 +159,7 @@ constexpr const char* kDefines[kProgramCount] = {"", "#define SHAPED\n",
                                                  "#define SHAPED\n#define MASKED\n",
                                                  "#define COLOR\n", "#define TEXTURE\n"};
 
-/// 0 after an error line.
+/// Compiles a shader; 0 after an error line.
 GLuint Compile(const GlFunctions& gl, GLenum stage, GlProgram which, const char* source) {
   const GLuint shader = gl.CreateShader(stage);
   const char* const parts[] = {kDefines[static_cast<int>(which)], source};
@@ -175,7 +175,7 @@ GLuint Compile(const GlFunctions& gl, GLenum stage, GlProgram which, const char*
   return 0;
 }
 
-/// Which of the texture's channels each of the target's is.
+/// The channel of the texture that each channel of the target is read from.
 struct Order {
   int from[4] = {0, 1, 2, 3};
 
@@ -220,7 +220,7 @@ bool GlPrograms::Build(const GlFunctions& gl, GlProgram which) {
   for (int i = 0; i < AttributeCount(which); ++i)
     gl.BindAttribLocation(p.name, static_cast<GLuint>(i), kAttributes[i].name);
   gl.LinkProgram(p.name);
-  // They go with the program.
+  // OpenGL keeps the shaders as long as the program.
   gl.DeleteShader(vertex);
   gl.DeleteShader(fragment);
   GLint linked = GL_FALSE;
@@ -264,7 +264,7 @@ void GlPrograms::Use(const GlFunctions& gl, GlProgram program, const GlTarget& t
                                        t ? 1 / static_cast<float>(t->Height()) : 1};
     if (uniform.Changes(size)) gl.Uniform2fv(uniform.location, 1, size.data());
   };
-  // Without a texture any size will do, but there has to be one.
+  // Without a texture any size is right, but one has to be set.
   if (texture || !p.texelSize.value) setTexelSize(p.texelSize, texture);
   if (mask) {
     setTexelSize(p.maskTexelSize, mask);

@@ -9,18 +9,19 @@
 
 namespace ZIRK::backends {
 
-/// How a quadrilateral is drawn, and what each of its vertices is.
+/// How a quadrilateral is drawn, and what its vertices are.
 enum class GlProgram {
   Plain,   ///< Hard edges. A PlainVertex.
   Shaped,  ///< Edges are anti-aliased, reading is limited. A ShapedVertex.
   Masked,  ///< That through a mask. A MaskedVertex.
-  /// Plain for colours only, and for a texture only whose channels are in the target's order.
+  /// Chosen by GlPrograms::Use() in place of Plain: for colours alone, and for a texture alone
+  /// whose channels are in the target's order.
   PlainColor,
   PlainTexture,
 };
 constexpr int kProgramCount = 5;
 
-/// As short as can be: everything that is drawn passes through memory in this form.
+/// Short, as nearly all that is drawn passes through memory in this form.
 struct PlainVertex {
   uint16_t x, y;   ///< Whole pixels.
   uint32_t color;  ///< Premultiplied, as GlTarget::Channels() gives it.
@@ -46,45 +47,45 @@ struct MaskedVertex {
   GlPoint twist;  ///< See MaskPlacement.
 };
 
-/// In words of 32 bits.
+/// The size of a vertex in words of 32 bits.
 constexpr int WordsOfVertex(GlProgram program) {
   const size_t bytes = program == GlProgram::Shaped   ? sizeof(ShapedVertex)
                        : program == GlProgram::Masked ? sizeof(MaskedVertex)
                                                       : sizeof(PlainVertex);
   return static_cast<int>(bytes / 4);
 }
+/// The size of a quadrilateral in words of 32 bits.
 constexpr int WordsOfQuad(GlProgram program) {
   return 4 * WordsOfVertex(program);
 }
-/// Where the position in the texture lies.
+/// The offset of the position in the texture in a vertex, in words of 32 bits.
 constexpr int TexelsInVertex(GlProgram program) {
   const bool plain = program != GlProgram::Shaped && program != GlProgram::Masked;
   return static_cast<int>((plain ? offsetof(PlainVertex, s) : offsetof(ShapedVertex, texel)) / 4);
 }
 
-/// The programs, and the values that are the same for a draw call. What OpenGL has been told is
-/// not told again.
+/// The shader programs, and their uniforms. Sets only what changes.
 class GlPrograms {
  public:
-  /// False after an error line that says what the driver complains of.
+  /// Compiles and links all programs. False after an error line with the driver's message.
   bool Build(const GlFunctions& gl);
   void Delete(const GlFunctions& gl);
 
-  /// Makes it the one in use, with these operands; `colors` is whether there are any beside what
-  /// the texture fills.
+  /// Makes `program` current with these operands. `colors` says whether it also draws
+  /// quadrilaterals of one colour.
   void Use(const GlFunctions& gl, GlProgram program, const GlTarget& target,
            const GlTexture* texture, bool colors, const GlTexture* mask);
-  /// Says where the attributes of its vertices lie in the buffer that is bound, always the same.
+  /// Sets where the attributes lie in the bound buffer, which has to be the same one always.
   void SetAttributes(const GlFunctions& gl, GlProgram program);
 
  private:
-  /// A uniform with the value that it has been given.
+  /// A uniform and the value that it is set to.
   template <size_t N>
   struct Uniform {
     GLint location = -1;
     std::optional<std::array<float, N>> value{};
 
-    /// Whether `wanted` is another value; it counts as given then.
+    /// Whether `wanted` is another value; if so it counts as set.
     bool Changes(const std::array<float, N>& wanted) {
       if (location < 0 || value == wanted) return false;
       value = wanted;
@@ -103,8 +104,8 @@ class GlPrograms {
 
   std::array<Program, kProgramCount> programs_{};
   GLuint used_ = 0;
-  std::optional<int> wordsOfVertex_;  ///< Of the attributes as they are set.
-  int attributes_ = 0;                ///< That are enabled.
+  std::optional<int> wordsOfVertex_;  ///< Of the vertices that the attributes are set for.
+  int attributes_ = 0;                ///< How many are enabled.
 };
 
 }  // namespace ZIRK::backends

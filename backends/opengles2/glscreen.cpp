@@ -8,7 +8,7 @@ namespace ZIRK::backends {
 
 namespace {
 
-/// The number of the window that the event is for; 0 if it is for none.
+/// The ID of the event's window; 0 if it has none.
 Uint32 WindowOf(const SDL_Event& event) {
   switch (event.type) {
     case SDL_FINGERDOWN:
@@ -23,7 +23,7 @@ Uint32 WindowOf(const SDL_Event& event) {
     case SDL_KEYMAPCHANGED:
       return 0;
     default: {
-      // All of these have the window in the same place.
+      // All of these events have the window in the same place.
       const bool hasWindow = event.type == SDL_WINDOWEVENT ||
                              (event.type >= SDL_KEYDOWN && event.type < SDL_JOYAXISMOTION);
       return hasWindow ? event.window.windowID : 0;
@@ -31,19 +31,20 @@ Uint32 WindowOf(const SDL_Event& event) {
   }
 }
 
+/// What KeepOthersEvents() needs to know.
 struct Listener {
   Uint32 window;
-  bool alone;  ///< Nobody else waits for events that are for no window.
+  bool alone;  ///< The process has no other user of SDL.
 };
 
-/// Drops what is for the window of the Listener at `listener`: nobody else is to see it, and SDL's
-/// queue must not fill up.
+/// Drops the events of the Listener's window: nothing else handles them, and SDL's queue must not
+/// fill up.
 int KeepOthersEvents(void* listener, SDL_Event* event) {
   const auto& ours = *static_cast<const Listener*>(listener);
   const Uint32 window = WindowOf(*event);
   const bool nobodys = window == 0 && ours.alone && event->type < SDL_USEREVENT;
   if (window != ours.window && !nobodys) return 1;
-  // The receiver of these would free what comes with them.
+  // The receiver of these events owns their file name.
   if (event->type == SDL_DROPFILE || event->type == SDL_DROPTEXT) SDL_free(event->drop.file);
   return 0;
 }
@@ -67,7 +68,7 @@ GlWindow::~GlWindow() {
   if (target_.window) device_->CloseWindow(target_.window);
 }
 
-/// A window that came out larger or smaller shows the picture from its top-left corner.
+/// Places the picture at the top-left corner of a window that is larger or smaller than it.
 void GlWindow::FindBottom() {
   int width = 0, height = 0;
   SDL_GL_GetDrawableSize(target_.window, &width, &height);
@@ -117,11 +118,11 @@ GlScreen::~GlScreen() {
   layers_->Remove(*this);
 }
 
-/// Between a window and the layers, with what has been drawn until now.
+/// Moves between a window and the layers, with the picture.
 bool GlScreen::Move(bool toLayers) {
   const auto frame = Canvas().Snapshot(All());
   if (!frame || !(toLayers ? BecomeLayer() : BecomeWindow())) return false;
-  // Copying leaves alpha alone where the format has none.
+  // Copying does not write alpha if the format has none.
   if (!Canvas().Clear(VuColor{0})) return false;
   return Canvas().Copy(All(), *frame, 0, 0);
 }

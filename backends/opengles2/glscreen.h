@@ -24,7 +24,7 @@ class GlWindow {
   GlWindow& operator=(const GlWindow&) = delete;
 
   const GlTarget& Target() const { return target_; }
-  /// Whether alpha is to stay 255.
+  /// Sets whether alpha stays 255.
   void KeepAlpha(bool keep) { target_.keepsAlpha = keep; }
 
   /// Shows what is drawn, at the display's vertical sync or at once, and handles the window's
@@ -39,8 +39,8 @@ class GlWindow {
   GlTarget target_;
 };
 
-/// A screen: a window, or all of a display where there is no window system; a texture while there
-/// is a compositor, which makes it one of its layers.
+/// A screen: a window, or all of a display if there is no window system. While there is a
+/// compositor it is a texture, and one of the compositor's layers.
 class GlScreen final : public GlSurface<VuScreenImpl>, private Presenter {
  public:
   /// Null after one error line.
@@ -51,10 +51,11 @@ class GlScreen final : public GlSurface<VuScreenImpl>, private Presenter {
   ~GlScreen() override;
 
   int Index() const { return index_; }
-  /// Another number whenever something has been drawn on the layer; 0 while it is none.
+  /// A number that changes whenever the layer is drawn on; 0 while the screen is no layer.
   unsigned Frame() { return Canvas().Texture() ? Canvas().Texture()->AsTarget()->changes : 0; }
 
-  /// Makes it a layer, with the picture that it has, if it is none yet. False after an error line.
+  /// Makes the screen a layer, if it is none yet, with its present picture. False after an error
+  /// line.
   bool EnterLayers() { return Canvas().Texture() || Move(true); }
 
   void SwapBuffers() override { Swap(); }
@@ -75,7 +76,7 @@ class GlScreen final : public GlSurface<VuScreenImpl>, private Presenter {
   void Present() override;
 
   const int index_;
-  bool ownsWindow_ = true;  ///< Whenever there is no compositor.
+  bool ownsWindow_ = true;  ///< The screen has a window while there is no compositor.
   const std::shared_ptr<GlLayers> layers_;
   std::unique_ptr<GlWindow> window_;
 };

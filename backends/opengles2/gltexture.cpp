@@ -17,7 +17,8 @@ static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "pixels are handed on a
 
 namespace {
 
-/// What every implementation keeps of a label; a longer one would be an error of later drawing.
+/// The length that every implementation accepts. A longer label would raise an error, which a later
+/// check would report.
 constexpr size_t kLabelSize = 255;
 
 struct GlFormat {
@@ -44,7 +45,7 @@ GlFormat FormatOf(VuPixelFormat format, bool oneChannel) {
   return {GL_RGBA, GL_UNSIGNED_BYTE, ChannelOrder::Ours};
 }
 
-/// One row from our layout to OpenGL's.
+/// Converts one row from the surface's layout to OpenGL's.
 void ConvertRow(VuPixelFormat format, const uint8_t* in, int count, uint8_t* out) {
   const auto each = [=](auto stored, auto result, auto convert) {
     auto* const to = reinterpret_cast<decltype(result)*>(out);

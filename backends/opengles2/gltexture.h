@@ -16,14 +16,14 @@ constexpr uint32_t ExchangeRedAndBlue(uint32_t p) {
   return (p & 0xFF00FF00u) | (p >> 16 & 255u) | (p & 255u) << 16;
 }
 
-/// Where OpenGL has the channels of a pixel.
+/// The order of a pixel's channels in OpenGL.
 enum class ChannelOrder {
-  Ours,       ///< A pixel's bytes as they lie in memory: blue, to OpenGL, is red.
+  Ours,       ///< The bytes of a surface's pixel in memory: OpenGL's red is blue.
   RedFirst,   ///< OpenGL's own.
-  AlphaOnly,  ///< Red is alpha, and there is nothing else.
+  AlphaOnly,  ///< One channel: red is alpha.
 };
 
-/// Something to draw on: a texture, or a window's own framebuffer.
+/// What OpenGL draws on: a texture, or a window's framebuffer.
 struct GlTarget {
   GLuint framebuffer = 0;
   SDL_Window* window = nullptr;  ///< Null for a texture.
@@ -33,12 +33,12 @@ struct GlTarget {
   ChannelOrder order = ChannelOrder::Ours;
   bool keepsAlpha = false;  ///< Alpha is not written, so that it stays 255.
 
-  mutable unsigned changes = 0;  ///< Goes up whenever something is drawn or written.
+  mutable unsigned changes = 0;  ///< Counts draw calls and writes.
 
   bool IsWindow() const { return window != nullptr; }
 
-  /// A premultiplied ARGB8888 colour with its channels, from the lowest byte up, as OpenGL is given
-  /// them for this target.
+  /// A premultiplied ARGB8888 colour with its channels, from the lowest byte up, in the order that
+  /// OpenGL takes for this target.
   uint32_t Channels(uint32_t color) const {
     if (order == ChannelOrder::Ours) return color;
     if (order == ChannelOrder::AlphaOnly) return (color >> 24) * 0x01010101u;
@@ -48,18 +48,19 @@ struct GlTarget {
 
 /// The pixels of a surface as a texture, of the surface's own format:
 ///
-/// - The 32-bit formats hold the words as they lie in memory, which to OpenGL has red and blue
-///   exchanged: nothing is converted on the way in or out. Shaders put the channels in order.
+/// - The 32-bit formats keep a surface's words, in which OpenGL takes red for blue and blue for
+/// red.
+///   Pixels need no conversion in or out; shaders put the channels in order.
 /// - The 16-bit formats are OpenGL's own. Two of them have alpha at the other end.
-/// - A8 is one channel where OpenGL can draw on that, and else four, of which only alpha counts.
+/// - A8 has one channel if OpenGL can draw on that, and otherwise four, of which only alpha counts.
 ///
 /// The top row comes first, which is OpenGL's bottom one.
 class GlTexture {
  public:
-  /// Null after one error line. What it holds is not defined yet.
+  /// A texture of undefined pixels; null after one error line.
   static std::unique_ptr<GlTexture> Create(std::shared_ptr<GlDevice> device, int width, int height,
                                            VuPixelFormat format);
-  /// Draws first what was to read this texture.
+  /// Draws first what the batch reads from this texture.
   ~GlTexture();
   GlTexture(const GlTexture&) = delete;
   GlTexture& operator=(const GlTexture&) = delete;
@@ -71,19 +72,22 @@ class GlTexture {
   GLuint Name() const { return name_; }
   GlDevice& Device() const { return *device_; }
 
-  /// For drawing on it. Null after an error line.
+  /// The texture as a target. Null after an error line.
   const GlTarget* Target();
 
-  /// Pixels of `box`, rows `pitch` bytes apart, in the surface's format. May throw std::bad_alloc.
+  /// Writes the pixels of `box`, rows `pitch` bytes apart, in the surface's format. False after an
+  /// error line. May throw std::bad_alloc.
   bool Upload(const Box& box, const void* pixels, unsigned pitch);
 
-  /// Copies `box` of the framebuffer that is bound to (x, y).
+  /// Copies `box` of the bound framebuffer to (x, y).
   void CopyFromFramebuffer(const Box& box, int x, int y);
 
+  /// The texture has to be bound.
   void SetFilter(GLint filter);
+  /// Labels the texture for debuggers.
   void SetName(const char* name);
 
-  /// The same, of which only the address is looked at.
+  /// The same, without making its framebuffer: only for its address and its `changes`.
   const GlTarget* AsTarget() const { return &target_; }
 
   ChannelOrder Order() const { return target_.order; }
@@ -99,12 +103,11 @@ class GlTexture {
   GLint filter_ = GL_NEAREST;
 };
 
-/// Whether there are textures of one channel that can be drawn on. To be asked once, with nothing
-/// bound.
+/// Whether OpenGL can draw on textures of one channel. To be called once, with nothing bound.
 bool DrawsOnOneChannel(const GlFunctions& gl);
 
-/// Reads `box` of the framebuffer of `target`, which is bound, as tight rows of `format`, top row
-/// first. May throw std::bad_alloc.
+/// Reads `box` of `target`, whose framebuffer is bound, as tight rows of `format`, top row first.
+/// May throw std::bad_alloc.
 void ReadFramebuffer(const GlFunctions& gl, const GlTarget& target, const Box& box,
                      VuPixelFormat format, void* out);
 
