@@ -61,7 +61,7 @@ DirectFbRenderer::DirectFbRenderer(const SurfaceState& state, DirectFbSurfacePtr
 
 bool DirectFbRenderer::Begin() {
   {
-    const std::lock_guard turn(DirectFbTurn());
+    const std::lock_guard lock(DirectFbMutex());
     const Access own(this);
     if (!own) return false;
   }
@@ -209,7 +209,7 @@ bool DirectFbRenderer::Resolve(VuBitmapImpl& surface, Extent* rect, Operand& ope
   if (!operand.surface) return RefuseSource();
   if (operand.surface != this) return true;
   const Box part = TakePart(rect, pixels_.Bounds());
-  const std::lock_guard turn(DirectFbTurn());
+  const std::lock_guard lock(DirectFbMutex());
   const Access own(this);
   if (own) copy = CopyOf(pixels_, part);
   if (copy) operand = {nullptr, &*copy, operand.scaleMode};
@@ -220,7 +220,7 @@ bool DirectFbRenderer::Resolve(VuBitmapImpl& surface, Extent* rect, Operand& ope
 
 bool DirectFbRenderer::FillBox(const VuRect& rect, VuColor color) {
   if (!IsNear(rect)) return false;
-  const std::lock_guard turn(DirectFbTurn());
+  const std::lock_guard lock(DirectFbMutex());
   return Fill(ToBox(rect), Premultiply(color));
 }
 
@@ -228,7 +228,7 @@ void DirectFbRenderer::DrawRect(const Extent& rect, VuColor color, const MatrixF
                                 const Mask* mask) {
   const std::optional<Placement> placement = Place(rect, m, Edges::OnWholePixels);
   if (!placement) return;
-  const std::lock_guard turn(DirectFbTurn());
+  const std::lock_guard lock(DirectFbMutex());
   if (!mask && placement->hardEdged && Fill(placement->box, Premultiply(color))) return;
   Paint(nullptr, mask,
         [&](const auto&, const auto* through) { painter_.DrawRect(rect, color, m, through); });
@@ -237,7 +237,7 @@ void DirectFbRenderer::DrawRect(const Extent& rect, VuColor color, const MatrixF
 void DirectFbRenderer::DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m,
                                  const Mask* mask) {
   if (!mask) return DrawRect(ToExtent(p, size), color, m, nullptr);
-  const std::lock_guard turn(DirectFbTurn());
+  const std::lock_guard lock(DirectFbMutex());
   Paint(nullptr, mask,
         [&](const auto&, const auto* through) { painter_.DrawPoint(p, size, color, m, through); });
 }
@@ -246,7 +246,7 @@ void DirectFbRenderer::DrawLine(VuPoint from, VuPoint to, VuColor color, const M
                                 const Mask* mask) {
   const std::optional<Hairline> line = PlaceLine(from, to, m);
   if (!line) return;
-  const std::lock_guard turn(DirectFbTurn());
+  const std::lock_guard lock(DirectFbMutex());
   if (!mask && FillLine(*line, Premultiply(color))) return;
   Paint(nullptr, mask,
         [&](const auto&, const auto* through) { painter_.DrawLine(from, to, color, m, through); });
@@ -258,13 +258,13 @@ bool DirectFbRenderer::BlitBox(const VuRect& dst, VuBitmapImpl& src, const VuRec
   if (!source || source == this || srcRect.width <= 0 || srcRect.height <= 0) return false;
   const std::optional<Box> box = PlaceUpright(ToExtent(dst), m);
   if (!box || !source->pixels_.Bounds().Contains(ToBox(srcRect))) return false;
-  const std::lock_guard turn(DirectFbTurn());
+  const std::lock_guard lock(DirectFbMutex());
   return Blit(*source, srcRect, *box, Premultiply(color));
 }
 
 void DirectFbRenderer::DrawObject(const Extent& dst, const Operand& src, const Extent& srcRect,
                                   Edges edges, const MatrixF& m, VuColor color, const Mask* mask) {
-  const std::lock_guard turn(DirectFbTurn());
+  const std::lock_guard lock(DirectFbMutex());
   Paint(&src, mask, [&](const backends::Operand& operand, const auto* through) {
     painter_.DrawObject(dst, operand, srcRect, edges, m, color, through);
   });
@@ -301,7 +301,7 @@ void DirectFbRenderer::DrawGlyph(const TextLayout::Glyph& glyph, const GlyphPlac
   // Atlases are made of bitmaps.
   const Operand atlas = {&static_cast<DirectFbBitmap*>(glyph.atlas)->Drawing(), nullptr,
                          VuScaleMode::Bilinear};
-  const std::lock_guard turn(DirectFbTurn());
+  const std::lock_guard lock(DirectFbMutex());
   if (place.unscaled && IsNear(glyph.destination)) {
     const Box to = ToBox(glyph.destination);
     const VuPoint move = place.move;
@@ -318,7 +318,7 @@ void DirectFbRenderer::DrawGlyph(const TextLayout::Glyph& glyph, const GlyphPlac
 // --- Pixels -------------------------------------------------------------------------------------
 
 bool DirectFbRenderer::Clear(VuColor color) {
-  const std::lock_guard turn(DirectFbTurn());
+  const std::lock_guard lock(DirectFbMutex());
   painter_.Touch(pixels_.Bounds());
   if (SetWholeClip()) {
     surface_->SetDrawingFlags(surface_.get(), DSDRAW_NOFX);
@@ -332,13 +332,13 @@ bool DirectFbRenderer::Clear(VuColor color) {
 }
 
 bool DirectFbRenderer::Read(const Box& box, void* dst) {
-  const std::lock_guard turn(DirectFbTurn());
+  const std::lock_guard lock(DirectFbMutex());
   const Access own(this);
   return own && GetPixels(pixels_, ToRect(box), dst);
 }
 
 bool DirectFbRenderer::Write(const Box& box, const void* src, unsigned pitch) {
-  const std::lock_guard turn(DirectFbTurn());
+  const std::lock_guard lock(DirectFbMutex());
   const Access own(this);
   painter_.Touch(box);
   return own && SetPixels(pixels_, ToRect(box), src, pitch);
@@ -349,7 +349,7 @@ bool DirectFbRenderer::Copy(VuPoint at, VuBitmapImpl& src, const VuRect& srcRect
   if (!source) return RefuseSource();
   const CopyPlan plan = PlanCopy(at.x, at.y, pixels_.Bounds(), srcRect, source->pixels_.Bounds());
   if (plan.box.IsEmpty()) return true;
-  const std::lock_guard turn(DirectFbTurn());
+  const std::lock_guard lock(DirectFbMutex());
   painter_.Touch(plan.box);
   if (CopyBox(*source, plan)) return true;
   const Access own(this), read(source);
@@ -358,12 +358,12 @@ bool DirectFbRenderer::Copy(VuPoint at, VuBitmapImpl& src, const VuRect& srcRect
 }
 
 bool DirectFbRenderer::Lock(bool) {
-  const std::lock_guard turn(DirectFbTurn());
+  const std::lock_guard lock(DirectFbMutex());
   return Reach();
 }
 
 bool DirectFbRenderer::Unlock(bool written) {
-  const std::lock_guard turn(DirectFbTurn());
+  const std::lock_guard lock(DirectFbMutex());
   if (written && !HasDirectFbEnded()) {
     pixels_.RestoreOpaqueBits(pixels_.Bounds());
     painter_.Touch(pixels_.Bounds());
@@ -373,7 +373,7 @@ bool DirectFbRenderer::Unlock(bool written) {
 }
 
 void DirectFbRenderer::Flip() {
-  const std::lock_guard turn(DirectFbTurn());
+  const std::lock_guard lock(DirectFbMutex());
   if (HasDirectFbEnded()) return;
   if (holders_ > 0) {
     ZIRK_LOG_ERROR("the screen is locked, and not shown");

@@ -9,12 +9,12 @@ constexpr int kLeastSide = 64;
 
 constexpr int kMostLayers = 32;
 
-unsigned inUse = 0;  // a bit for each layer; guarded by DirectFbTurn()
+unsigned inUse = 0;  // a bit for each layer; guarded by DirectFbMutex()
 
 }  // namespace
 
 std::optional<ImageSize> DirectFbLayer::SizeOf(IDirectFB& directFb, int index) {
-  const std::lock_guard turn(DirectFbTurn());
+  const std::lock_guard lock(DirectFbMutex());
   IDirectFBDisplayLayer* layer = nullptr;
   const auto id = static_cast<DFBDisplayLayerID>(index);
   if (directFb.GetDisplayLayer(&directFb, id, &layer) != DFB_OK) return std::nullopt;
@@ -30,7 +30,7 @@ std::unique_ptr<DirectFbLayer> DirectFbLayer::Open(IDirectFB& directFb,
                                                    Screen& screen, std::string& error) {
   std::unique_ptr<DirectFbLayer> opened;
   error = "display layer " + std::to_string(description.index) + ": ";
-  const std::lock_guard turn(DirectFbTurn());
+  const std::lock_guard lock(DirectFbMutex());
   const unsigned bit = description.index < kMostLayers ? 1u << description.index : 0;
   if (inUse & bit) {
     error += "another screen has it";
@@ -51,7 +51,7 @@ std::unique_ptr<DirectFbLayer> DirectFbLayer::Open(IDirectFB& directFb,
 }
 
 DirectFbLayer::~DirectFbLayer() {
-  const std::lock_guard turn(DirectFbTurn());
+  const std::lock_guard lock(DirectFbMutex());
   if (HasDirectFbEnded()) return;
   layer_->SetCooperativeLevel(layer_, DLSCL_SHARED);
   layer_->Release(layer_);

@@ -21,7 +21,7 @@ namespace ZIRK::backends {
 
 namespace {
 
-std::mutex turn;
+std::mutex mutex;
 static_assert(std::is_trivially_destructible_v<std::mutex>);
 
 constexpr std::chrono::milliseconds kLastFrame{100};
@@ -154,19 +154,19 @@ bool HasDirectFbEnded() {
   return ended;
 }
 
-std::mutex& DirectFbTurn() {
-  return turn;
+std::mutex& DirectFbMutex() {
+  return mutex;
 }
 
 IDirectFB* StartDirectFb() {
-  const std::lock_guard lock(turn);
+  const std::lock_guard lock(mutex);
   if (running) return running;
   DFBResult result = ProbeStart(UserSets("quiet"));
   if (result == DFB_OK) result = CreateDirectFb(&running);
   if (result == DFB_OK) {
     // Runs before the destructors of all static objects that exist by now.
     std::atexit([] {
-      const std::lock_guard last(turn);
+      const std::lock_guard last(mutex);
       ended = true;
       // DirectFB shows a frame later, on a thread of its own, and then reads what it has freed by
       // the end of the process. It offers nothing to wait for but time.
@@ -181,7 +181,7 @@ IDirectFB* StartDirectFb() {
 }
 
 void WaitForDirectFb() {
-  const std::lock_guard lock(turn);
+  const std::lock_guard lock(mutex);
   if (running && !ended) running->WaitIdle(running);
 }
 
@@ -198,7 +198,7 @@ std::optional<VuPixelFormat> FromDirectFb(DFBSurfacePixelFormat format) {
 }
 
 void ReleaseSurface::operator()(IDirectFBSurface* surface) const {
-  const std::lock_guard turn(DirectFbTurn());
+  const std::lock_guard lock(DirectFbMutex());
   if (!HasDirectFbEnded()) surface->Release(surface);
 }
 
@@ -212,7 +212,7 @@ DirectFbSurfacePtr CreateDirectFbSurface(IDirectFB& directFb, int width, int hei
   description.height = height;
   description.pixelformat = ToDirectFb(format);
   IDirectFBSurface* surface = nullptr;
-  const std::lock_guard turn(DirectFbTurn());
+  const std::lock_guard lock(DirectFbMutex());
   const DFBResult result = directFb.CreateSurface(&directFb, &description, &surface);
   return DirectFbSurfacePtr(IsGood(result, "create a surface") ? surface : nullptr);
 }

@@ -18,7 +18,7 @@ IDirectFB* StartDirectFb();
 
 /// Whether the process is exiting and DirectFB's static objects may be gone. Surfaces that the
 /// application's static objects own may still exist; they draw nothing any more. Call it with
-/// DirectFbTurn() locked.
+/// DirectFbMutex() locked.
 bool HasDirectFbEnded();
 
 /// Waits until DirectFB has done all drawing.
@@ -26,7 +26,7 @@ void WaitForDirectFb();
 
 /// Locked around every use of DirectFB and its surfaces. No other lock of this plug-in is taken
 /// while it is held.
-std::mutex& DirectFbTurn();
+std::mutex& DirectFbMutex();
 
 /// The same format in DirectFB's terms.
 DFBSurfacePixelFormat ToDirectFb(VuPixelFormat format);
