@@ -149,7 +149,7 @@ bool GlCanvas::BlitBox(VuRect dst, GlOperand src, VuRect srcRect, const MatrixF&
 
   const std::optional<Reading> reading = ReadingFor(box, src, srcRect);
   if (!reading) return false;
-  PutPlainQuad(device_->Pending().AddPlain(target_, blend_, src.texture, reading->filter), visible,
+  PutPlainQuad(device_->Batch().AddPlain(target_, blend_, src.texture, reading->filter), visible,
                CutTexels(srcRect, reading->bias, box, visible), Shade(color));
   return true;
 }
@@ -212,8 +212,8 @@ void GlCanvas::DrawObject(const Extent& dst, const GlOperand& src, const Extent&
 void GlCanvas::PaintBox(const Box& box, uint32_t color) {
   const Box visible = Visible(box);
   if (visible.IsEmpty()) return;
-  PutPlainQuad(device_->Pending().AddPlain(target_, blend_, nullptr, GL_NEAREST), visible,
-               kNoTexels, color);
+  PutPlainQuad(device_->Batch().AddPlain(target_, blend_, nullptr, GL_NEAREST), visible, kNoTexels,
+               color);
 }
 
 std::optional<GlCanvas::PlacedMask> GlCanvas::PlaceOver(const Placement& primitive,
@@ -281,7 +281,7 @@ void GlCanvas::PaintShape(const Shape& shape, const Filling& filling, uint32_t c
   if (outline.count < 3) return;
   const DrawKey key = KeyFor(shape, filling, mask);
   const int quads = (outline.count - 1) / 2;
-  std::byte* at = device_->Pending().Add(key, quads);
+  std::byte* at = device_->Batch().Add(key, quads);
   const auto put = [&at](const auto& vertex) {
     std::memcpy(at, &vertex, sizeof vertex);
     at += sizeof vertex;
@@ -326,17 +326,17 @@ bool GlCanvas::Clear(VuColor color) {
     const uint32_t held = Traits::Widen(Traits::Narrow(Premultiply(color)));
     return held;
   });
-  return device_->Pending().Clear(*target, shade);
+  return device_->Batch().Clear(*target, shade);
 }
 
 bool GlCanvas::Read(const Box& box, void* dst) {
   const GlTarget* const target = Target();
   if (!target) return false;
   if (box.IsEmpty()) return true;
-  device_->Pending().Flush();
+  device_->Batch().Flush();
   const GlScope scope(*device_, target->window);
   if (!scope) return false;
-  device_->Pending().BindFramebuffer(target->framebuffer);
+  device_->Batch().BindFramebuffer(target->framebuffer);
   ReadFramebuffer(device_->Gl(), *target, box, state_.format, dst);
   return device_->Check("reading pixels");
 }
@@ -355,16 +355,16 @@ bool GlCanvas::Copy(const Box& box, GlTexture& src, int srcX, int srcY) {
   if (texture_ && texture_->Format() == src.Format() && IsLarge(box)) {
     const GlTarget* const from = src.Target();
     if (!from) return false;
-    device_->Pending().Flush();
+    device_->Batch().Flush();
     const GlScope scope(*device_);
     if (!scope) return false;
-    device_->Pending().BindFramebuffer(from->framebuffer);
+    device_->Batch().BindFramebuffer(from->framebuffer);
     texture_->CopyFromFramebuffer({srcX, srcY, srcX + box.Width(), srcY + box.Height()}, box.x0,
                                   box.y0);
     return device_->Check("copying pixels");
   }
   const auto s = static_cast<float>(srcX), t = static_cast<float>(srcY);
-  PutPlainQuad(device_->Pending().AddPlain(target, kReplace, &src, GL_NEAREST), box,
+  PutPlainQuad(device_->Batch().AddPlain(target, kReplace, &src, GL_NEAREST), box,
                {s, t, s + static_cast<float>(box.Width()), t + static_cast<float>(box.Height())},
                ~0u);
   return true;
@@ -375,10 +375,10 @@ std::unique_ptr<GlTexture> GlCanvas::Snapshot(const Box& box) {
   const GlTarget* const target = Target();
   if (!copy || !target) return nullptr;
   if (!target->IsWindow()) {
-    device_->Pending().Flush();
+    device_->Batch().Flush();
     const GlScope scope(*device_);
     if (!scope) return nullptr;
-    device_->Pending().BindFramebuffer(target->framebuffer);
+    device_->Batch().BindFramebuffer(target->framebuffer);
     copy->CopyFromFramebuffer(box, 0, 0);
     return copy;
   }

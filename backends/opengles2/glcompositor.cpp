@@ -134,7 +134,7 @@ void GlLayers::StopComposing() {
 }
 
 void GlLayers::Swap(GlScreen& screen, const GlCompositor::Stack& stack, bool vsync) {
-  device_->Pending().Flush();
+  device_->Batch().Flush();
   bool again = false;
   for (Layer& layer : screens_)
     if (layer.screen == &screen) again = std::exchange(layer.swapped, true);

@@ -29,7 +29,8 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
   GlDevice& operator=(const GlDevice&) = delete;
 
   const GlFunctions& Gl() const { return gl_; }
-  GlBatch& Pending() { return batch_; }
+  /// The quadrilaterals that are not drawn yet.
+  GlBatch& Batch() { return batch_; }
   int MaxTextureSize() const { return maxTextureSize_; }
   /// Whether textures can have one channel.
   bool HasOneChannel() const { return hasOneChannel_; }

@@ -64,7 +64,7 @@ std::unique_ptr<GlWindow> GlWindow::Open(std::shared_ptr<GlDevice> device, int w
 }
 
 GlWindow::~GlWindow() {
-  device_->Pending().Forget(target_);
+  device_->Batch().Forget(target_);
   if (target_.window) device_->CloseWindow(target_.window);
 }
 
@@ -74,13 +74,13 @@ void GlWindow::FindBottom() {
   SDL_GL_GetDrawableSize(target_.window, &width, &height);
   const int bottom = height - target_.height;
   if (bottom == target_.bottom) return;
-  device_->Pending().Flush();
-  device_->Pending().WindowChanged();
+  device_->Batch().Flush();
+  device_->Batch().WindowChanged();
   target_.bottom = bottom;
 }
 
 void GlWindow::Present(bool vsync) {
-  device_->Pending().Flush();
+  device_->Batch().Flush();
   const GlScope scope(*device_, target_.window);
   if (!scope || !device_->Check("drawing")) return;
   device_->SetSwapInterval(vsync ? 1 : 0);

@@ -39,7 +39,7 @@ class GlSurface : public DrawnSurface<Base, GlRenderer> {
   void EndFrame(PFNGLFLUSHPROC GlFunctions::*how) {
     const DrawTimer timer = DrawTimer::Drawing();
     GlDevice& device = Canvas().Device();
-    device.Pending().Flush();
+    device.Batch().Flush();
     const GlScope scope(device);
     if (!scope) return;
     (device.Gl().*how)();

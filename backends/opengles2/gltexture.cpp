@@ -97,7 +97,7 @@ std::unique_ptr<GlTexture> GlTexture::Create(std::shared_ptr<GlDevice> device, i
   const GlFunctions& gl = shared.Gl();
   const GlFormat layout = FormatOf(format, shared.HasOneChannel());
   gl.GenTextures(1, &texture->name_);
-  shared.Pending().Bind(texture->name_);
+  shared.Batch().Bind(texture->name_);
   gl.TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
   gl.TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
   gl.TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
@@ -109,11 +109,11 @@ std::unique_ptr<GlTexture> GlTexture::Create(std::shared_ptr<GlDevice> device, i
 }
 
 GlTexture::~GlTexture() {
-  device_->Pending().Forget(*this);
+  device_->Batch().Forget(*this);
   const GlScope scope(*device_);
   if (!scope) return;
-  device_->Pending().Unbind(name_);
-  if (target_.framebuffer) device_->Pending().DeleteFramebuffer(target_.framebuffer);
+  device_->Batch().Unbind(name_);
+  if (target_.framebuffer) device_->Batch().DeleteFramebuffer(target_.framebuffer);
   device_->Gl().DeleteTextures(1, &name_);
 }
 
@@ -124,7 +124,7 @@ const GlTarget* GlTexture::Target() {
   const GlFunctions& gl = device_->Gl();
   GLuint framebuffer = 0;
   gl.GenFramebuffers(1, &framebuffer);
-  device_->Pending().BindFramebuffer(framebuffer);
+  device_->Batch().BindFramebuffer(framebuffer);
   gl.FramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, name_, 0);
   const GLenum status = gl.CheckFramebufferStatus(GL_FRAMEBUFFER);
   const bool made = device_->Check("making a framebuffer");
@@ -132,7 +132,7 @@ const GlTarget* GlTexture::Target() {
     if (made)
       ZIRK_LOG_ERROR("OpenGL cannot draw on a texture of %d x %d in format %d (0x%04x)", Width(),
                      Height(), static_cast<int>(format_), status);
-    device_->Pending().DeleteFramebuffer(framebuffer);
+    device_->Batch().DeleteFramebuffer(framebuffer);
     return nullptr;
   }
   target_.framebuffer = framebuffer;
@@ -163,12 +163,12 @@ bool GlTexture::Upload(const Box& box, const void* pixels, unsigned pitch) {
     }
     pixels = converted.data();
   }
-  device_->Pending().BeforeWriting(*this, box);
+  device_->Batch().BeforeWriting(*this, box);
   const GlScope scope(*device_);
   if (!scope) return false;
   const GlFormat layout = FormatOf(format_, device_->HasOneChannel());
   ++target_.changes;
-  device_->Pending().Bind(name_);
+  device_->Batch().Bind(name_);
   device_->Gl().TexSubImage2D(GL_TEXTURE_2D, 0, box.x0, box.y0, box.Width(), box.Height(),
                               layout.format, layout.type, pixels);
   return device_->Check("writing pixels");
@@ -176,7 +176,7 @@ bool GlTexture::Upload(const Box& box, const void* pixels, unsigned pitch) {
 
 void GlTexture::CopyFromFramebuffer(const Box& box, int x, int y) {
   ++target_.changes;
-  device_->Pending().Bind(name_);
+  device_->Batch().Bind(name_);
   device_->Gl().CopyTexSubImage2D(GL_TEXTURE_2D, 0, x, y, box.x0, box.y0, box.Width(),
                                   box.Height());
 }
