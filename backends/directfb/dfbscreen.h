@@ -1,14 +1,56 @@
 #pragma once
 
+#include <directfb.h>
 #include <zirk/impl/vuscreenimpl.h>
+#include <zirk/vuscreendescription.h>
 
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "directfb/dfbbitmap.h"
-#include "directfb/directfblayer.h"
+#include "directfb/directfbruntime.h"
+#include "images/image.h"
 #include "surface/presenter.h"
 
 namespace ZIRK::backends {
+
+/// A display layer that one screen uses exclusively. The destructor restores the configuration that
+/// the layer had; the layer's surface has to be released before.
+class DirectFbLayer {
+ public:
+  /// What the layer grants.
+  struct Screen {
+    DirectFbSurfacePtr surface;
+    int width, height;
+    VuPixelFormat format;
+    bool twoBuffers;
+  };
+
+  /// The layer's size; nullopt if there is no such layer.
+  static std::optional<ImageSize> SizeOf(IDirectFB& directFb, int index);
+
+  /// Opens the layer of the screen's index with the size, format and buffers asked for. What the
+  /// system does not grant gives way to the layer's own size, its own format, or a single buffer.
+  /// Null, with the reason in `error`, if there is no such layer, if another screen has it, or if
+  /// surfaces do not have its format.
+  static std::unique_ptr<DirectFbLayer> Open(IDirectFB& directFb,
+                                             const VuScreenDescription& description, Screen& screen,
+                                             std::string& error);
+
+  ~DirectFbLayer();
+  DirectFbLayer(const DirectFbLayer&) = delete;
+  DirectFbLayer& operator=(const DirectFbLayer&) = delete;
+
+ private:
+  DirectFbLayer(IDirectFBDisplayLayer* layer, unsigned bit) : layer_(layer), bit_(bit) {}
+
+  DFBResult Configure(const VuScreenDescription& description);
+  DFBResult TakeSurface(Screen& screen);
+
+  IDirectFBDisplayLayer* const layer_;
+  const unsigned bit_;  ///< The layer's bit among the layers in use.
+};
 
 /// What a screen's surface lies on, and outlives.
 struct ScreenLayer {
