@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "directfb/dfbscreen.h"
+#include "directfb/directfbscreen.h"
 
 namespace ZIRK::backends {
 

@@ -1,4 +1,4 @@
-#include "directfb/dfbscreen.h"
+#include "directfb/directfbscreen.h"
 
 #include <utility>
 

@@ -3,7 +3,7 @@
 #include <memory>
 #include <utility>
 
-#include "directfb/dfbrenderer.h"
+#include "directfb/directfbrenderer.h"
 #include "directfb/directfbruntime.h"
 #include "surface/drawnsurface.h"
 

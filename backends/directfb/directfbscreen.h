@@ -8,8 +8,8 @@
 #include <optional>
 #include <string>
 
-#include "directfb/dfbbitmap.h"
 #include "directfb/directfbruntime.h"
+#include "directfb/directfbsurface.h"
 #include "images/image.h"
 #include "surface/presenter.h"
 

@@ -1,12 +1,12 @@
-#include "directfb/dfbrenderer.h"
+#include "directfb/directfbrenderer.h"
 
 #include <zirk/impl/log.h>
 
 #include <mutex>
 #include <utility>
 
-#include "directfb/dfbbitmap.h"
-#include "directfb/dfbscreen.h"
+#include "directfb/directfbscreen.h"
+#include "directfb/directfbsurface.h"
 #include "geometry/hairline.h"
 #include "geometry/pixelmath.h"
 #include "software/pixeltransfer.h"
