@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-#include "opengles2/canvas.h"
+#include "opengles2/glcanvas.h"
 #include "opengles2/glscreen.h"
 
 namespace ZIRK::backends {

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "geometry/surfaceformat.h"
-#include "opengles2/canvas.h"
+#include "opengles2/glcanvas.h"
 #include "opengles2/texturesources.h"
 #include "text/textlayout.h"
 

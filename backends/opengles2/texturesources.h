@@ -4,7 +4,7 @@
 
 #include <memory>
 
-#include "opengles2/canvas.h"
+#include "opengles2/glcanvas.h"
 #include "text/atlasgraphics.h"
 
 namespace ZIRK::backends {

@@ -1,4 +1,4 @@
-#include "opengles2/canvas.h"
+#include "opengles2/glcanvas.h"
 
 #include <algorithm>
 #include <array>
