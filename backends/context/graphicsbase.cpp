@@ -62,26 +62,25 @@ VuBitmapImpl* GraphicsBase::CreateBitmap(int width, int height, VuPixelFormat fo
 }
 
 VuBitmapImpl* GraphicsBase::CreateBitmapFromFile(const char* path) {
-  return CreatePicture(ImageSource(path), kOwnSize, VuScaleMode::Nearest);
+  return CreatePicture(Image::Open(path), kOwnSize, VuScaleMode::Nearest);
 }
 
 VuBitmapImpl* GraphicsBase::CreateBitmapFromFile(const char* path, int width, int height,
                                                  VuScaleMode scaleMode, VuDisplayMode displayMode) {
-  return CreatePicture(ImageSource(path), {width, height, displayMode}, scaleMode);
+  return CreatePicture(Image::Open(path), {width, height, displayMode}, scaleMode);
 }
 
 VuBitmapImpl* GraphicsBase::CreateBitmapFromMemory(const void* data, unsigned size) {
-  return CreatePicture(ImageSource(data, size), kOwnSize, VuScaleMode::Nearest);
+  return CreatePicture(Image::Open(data, size), kOwnSize, VuScaleMode::Nearest);
 }
 
 VuBitmapImpl* GraphicsBase::CreateBitmapFromMemory(const void* data, unsigned size, int width,
                                                    int height, VuScaleMode scaleMode) {
-  return CreatePicture(ImageSource(data, size), {width, height, VuDisplayMode::Stretch}, scaleMode);
+  return CreatePicture(Image::Open(data, size), {width, height, VuDisplayMode::Stretch}, scaleMode);
 }
 
-VuBitmapImpl* GraphicsBase::CreatePicture(const ImageSource& source, const Fit& fit,
+VuBitmapImpl* GraphicsBase::CreatePicture(std::unique_ptr<Image> image, const Fit& fit,
                                           VuScaleMode scaleMode) {
-  const std::unique_ptr<Image> image = Image::Open(source);
   if (!image) return nullptr;
   const std::optional<ImageSize> size = image->FittedSize(fit.width, fit.height, fit.mode);
   if (!size) return nullptr;
@@ -118,23 +117,22 @@ unsigned GraphicsBase::BitmapSize(int width, int height, VuPixelFormat format) c
 }
 
 unsigned GraphicsBase::BitmapSize(const char* path) const {
-  return PictureSize(ImageSource(path), kOwnSize);
+  return PictureSize(Image::Open(path), kOwnSize);
 }
 
 unsigned GraphicsBase::BitmapSize(const char* path, int width, int height) const {
-  return PictureSize(ImageSource(path), {width, height, VuDisplayMode::Stretch});
+  return PictureSize(Image::Open(path), {width, height, VuDisplayMode::Stretch});
 }
 
 unsigned GraphicsBase::BitmapSize(const void* data, unsigned size) const {
-  return PictureSize(ImageSource(data, size), kOwnSize);
+  return PictureSize(Image::Open(data, size), kOwnSize);
 }
 
 unsigned GraphicsBase::BitmapSize(const void* data, unsigned size, int width, int height) const {
-  return PictureSize(ImageSource(data, size), {width, height, VuDisplayMode::Stretch});
+  return PictureSize(Image::Open(data, size), {width, height, VuDisplayMode::Stretch});
 }
 
-unsigned GraphicsBase::PictureSize(const ImageSource& source, const Fit& fit) {
-  const std::unique_ptr<Image> image = Image::Open(source);
+unsigned GraphicsBase::PictureSize(std::unique_ptr<Image> image, const Fit& fit) {
   if (!image) return 0;
   const std::optional<ImageSize> size = image->FittedSize(fit.width, fit.height, fit.mode);
   return size ? SurfaceBytes(size->width, size->height, kPictureFormat) : 0;

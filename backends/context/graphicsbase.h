@@ -72,8 +72,10 @@ class GraphicsBase : public VuGraphicsImpl {
   /// No box: the picture keeps its size.
   static constexpr Fit kOwnSize{0, 0, VuDisplayMode::Stretch};
 
-  VuBitmapImpl* CreatePicture(const ImageSource& source, const Fit& fit, VuScaleMode scaleMode);
-  static unsigned PictureSize(const ImageSource& source, const Fit& fit);
+  /// The bitmap of an opened picture; null if `image` is.
+  VuBitmapImpl* CreatePicture(std::unique_ptr<Image> image, const Fit& fit, VuScaleMode scaleMode);
+  /// The bytes that this bitmap takes; 0 if `image` is null.
+  static unsigned PictureSize(std::unique_ptr<Image> image, const Fit& fit);
 
   const std::shared_ptr<SurfaceLedger> ledger_;
 };

@@ -12,7 +12,6 @@
 #include "geometry/pixelmath.h"
 #include "geometry/surfaceformat.h"
 #include "images/imagecodec.h"
-#include "images/imagestream.h"
 #include "images/resampler.h"
 
 namespace ZIRK::backends {
@@ -43,6 +42,16 @@ std::unique_ptr<ImageCodec> NewCodecFor(ImageStream& stream) {
   return nullptr;
 }
 
+/// The path as log lines show it. They are cut at their end, where the reason stands, so that a
+/// long path loses its beginning.
+std::string FileName(const char* path) {
+  if (!path) return "(null)";
+  constexpr size_t kLongest = 512;
+  std::string name(path);
+  if (name.size() > kLongest) name.replace(0, name.size() - kLongest, "...");
+  return name;
+}
+
 /// The rows of a picture that lies in memory as a whole.
 class StoredRows {
  public:
@@ -71,25 +80,36 @@ void PremultiplyRow(uint32_t* row, int width) {
   for (int x = 0; x < width; ++x) row[x] = Premultiply(VuColor{row[x]});
 }
 
-Image::Image(const ImageSource& source)
-    : name_(source.Name()), stream_(std::make_unique<ImageStream>(source)) {}
+Image::Image(const char* path) : name_(FileName(path)), stream_(path) {}
+
+Image::Image(const void* data, size_t size)
+    : name_("image in memory (" + std::to_string(size) + " bytes)"), stream_(data, size) {}
 
 Image::~Image() = default;
 
-std::unique_ptr<Image> Image::Open(const ImageSource& source) {
+/// `name` stands in the error line if there is no memory to make an image.
+template <typename... Source>
+std::unique_ptr<Image> Image::OpenSource(const char* name, Source... source) {
   try {
-    std::unique_ptr<Image> image(new Image(source));
+    std::unique_ptr<Image> image(new Image(source...));
     return image->ReadHeader() ? std::move(image) : nullptr;
   } catch (const std::bad_alloc&) {
-    ZIRK_LOG_ERROR("cannot read %s: %s", source.Path() ? source.Path() : "image in memory",
-                   std::strerror(ENOMEM));
+    ZIRK_LOG_ERROR("cannot read %s: %s", name, std::strerror(ENOMEM));
     return nullptr;
   }
 }
 
+std::unique_ptr<Image> Image::Open(const char* path) {
+  return OpenSource(path ? path : "(null)", path);
+}
+
+std::unique_ptr<Image> Image::Open(const void* data, size_t size) {
+  return OpenSource("image in memory", data, size);
+}
+
 bool Image::ReadHeader() {
-  if (stream_->Peek().size == 0) return Fail(stream_->Problem());
-  codec_ = NewCodecFor(*stream_);
+  if (stream_.Peek().size == 0) return Fail(stream_.Problem());
+  codec_ = NewCodecFor(stream_);
   if (!codec_) return Fail("it is in no known image format");
   if (!codec_->ReadHeader()) return Fail(codec_->Error());
   const auto [width, height] = Size();

@@ -2,17 +2,17 @@
 
 #include <zirk/vuenums.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 
-#include "images/imagesource.h"
+#include "images/imagestream.h"
 
 namespace ZIRK::backends {
 
 class ImageCodec;
-class ImageStream;
 
 /// Pixels.
 struct ImageSize {
@@ -28,39 +28,47 @@ struct PixelRows {
   int height;
 };
 
-/// A PNG, JPEG or WebP picture, told apart by content. Opened first, which reads its size, then
-/// decoded into memory of the caller's, at most once.
+/// A PNG, JPEG or WebP picture; its content decides which. Open() reads its size, then Decode()
+/// writes its pixels to memory of the caller's, at most once.
 ///
-/// What fails gives null or false, after one error line with the picture's name and the reason.
-/// That includes memory running out; nothing is thrown.
+/// An operation that fails returns null or false, after one error line with the picture's name and
+/// the reason. That includes running out of memory; nothing is thrown.
 class Image {
  public:
-  /// Decodes no pixels. Null for what is no picture, and for one over kMaxSide pixels a side.
-  static std::unique_ptr<Image> Open(const ImageSource& source);
+  /// Opens a file and reads the picture's size, but no pixels. Null for a file that is no picture,
+  /// and for a picture with a side of more than kMaxSide pixels.
+  static std::unique_ptr<Image> Open(const char* path);
+  /// The same for a file in memory, which has to outlive the image.
+  static std::unique_ptr<Image> Open(const void* data, size_t size);
   ~Image();
 
+  /// The picture's own size.
   ImageSize Size() const;
+  /// The picture's name in log lines: the path, or "image in memory (N bytes)".
   const std::string& Name() const { return name_; }
 
-  /// The size at which it is shown in the box `width` x `height`, as by
-  /// VuGraphics::GetScaledDimensions, but at least one pixel each way. None, as a failure, if no
-  /// surface can be that large.
+  /// The picture's size in a box of `width` x `height`, as VuGraphics::GetScaledDimensions() gives
+  /// it, but at least one pixel in each direction. No value, as a failure, if no surface can be
+  /// that large.
   std::optional<ImageSize> FittedSize(int width, int height, VuDisplayMode mode) const;
 
-  /// Fills `target` with the whole picture, premultiplied, resampled if the size is not its own:
+  /// Fills `target` with the whole picture, premultiplied, and resampled if the sizes differ:
   /// Nearest takes the nearest pixel; Bilinear interpolates, and averages where it shrinks. False
-  /// for a picture that turns out broken or incomplete; what `target` then holds is unspecified.
+  /// for a broken or incomplete picture; the content of `target` is then unspecified.
   bool Decode(const PixelRows& target, VuScaleMode mode);
 
  private:
-  Image(const ImageSource& source);
+  explicit Image(const char* path);
+  Image(const void* data, size_t size);
 
+  template <typename... Source>
+  static std::unique_ptr<Image> OpenSource(const char* name, Source... source);
   bool ReadHeader();
   bool DecodePixels(const PixelRows& target, VuScaleMode mode);
   bool Fail(const char* reason) const;
 
   std::string name_;
-  std::unique_ptr<ImageStream> stream_;
+  ImageStream stream_;
   std::unique_ptr<ImageCodec> codec_;
 };
 

@@ -13,19 +13,19 @@ namespace {
 constexpr size_t kBufferSize = 16384;
 }
 
-ImageStream::ImageStream(const ImageSource& source) {
-  if (!source.IsFile()) {
-    if (source.Data()) next_ = {static_cast<const uint8_t*>(source.Data()), source.Size()};
-    return;
-  }
-  if (!source.Path()) {
+ImageStream::ImageStream(const char* path) {
+  if (!path) {
     problem_ = "there is no path";
     return;
   }
   buffer_ = std::make_unique<uint8_t[]>(kBufferSize);
-  // Of a pipe that nobody writes to nothing is read, instead of waiting for it.
-  file_ = open(source.Path(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+  // O_NONBLOCK: a pipe that nobody writes to reads as empty, instead of blocking.
+  file_ = open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
   if (file_ < 0) problem_ = std::strerror(errno);
+}
+
+ImageStream::ImageStream(const void* data, size_t size) {
+  if (data) next_ = {static_cast<const uint8_t*>(data), size};
 }
 
 ImageStream::~ImageStream() {

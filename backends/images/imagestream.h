@@ -5,37 +5,39 @@
 #include <memory>
 #include <vector>
 
-#include "images/imagesource.h"
-
 namespace ZIRK::backends {
 
-/// The bytes of an image source, front to back. A file is read in small pieces, so that knowing
-/// the size of a large picture costs one of them.
+/// The bytes of an encoded picture, front to back. A file is read in small pieces, so that reading
+/// the size of a large picture costs one piece.
 class ImageStream {
  public:
+  /// A piece of the stream.
   struct Bytes {
     const uint8_t* data;
     size_t size;
   };
 
-  /// Opens a file; whether that succeeded shows in what can be read.
-  explicit ImageStream(const ImageSource& source);
+  /// Opens a file. A file that cannot be opened, or a null path, gives no bytes; Problem() says
+  /// why.
+  explicit ImageStream(const char* path);
+  /// Reads from memory of the caller's, which has to outlive the stream. Null gives no bytes.
+  ImageStream(const void* data, size_t size);
   ~ImageStream();
   ImageStream(const ImageStream&) = delete;
   ImageStream& operator=(const ImageStream&) = delete;
 
-  /// The bytes that come next, of a file at least the first few, of memory all. None at the end
-  /// and after an error. Valid until the stream is read on.
+  /// The next bytes: a piece of a file, or all of memory. None at the end and after an error. Valid
+  /// until the next call.
   Bytes Peek();
-  /// The same, and goes on behind them.
+  /// As Peek(), and moves past these bytes.
   Bytes Take();
-  /// Everything that comes next, up to `limit` bytes or a little more, in one piece. Valid as long
-  /// as the stream, once.
+  /// The rest of the stream in one piece, up to `limit` bytes or a little more. Valid as long as
+  /// the stream. May be called once.
   Bytes TakeUpTo(uint64_t limit);
-  /// Copies exactly `size` bytes; false if there are fewer.
+  /// Copies exactly `size` bytes to `to`; false if there are fewer.
   bool Read(void* to, size_t size);
 
-  /// Why there is nothing more to read.
+  /// The reason why there is nothing more to read.
   const char* Problem() const { return problem_; }
 
  private:

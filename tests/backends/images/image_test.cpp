@@ -19,7 +19,6 @@ namespace ZIRK::tests {
 namespace {
 
 using backends::Image;
-using backends::ImageSource;
 using support::LogsOneError;
 using Bytes = std::vector<uint8_t>;
 
@@ -99,17 +98,21 @@ int Difference(const Pixels& a, const Pixels& b) {
   return worst;
 }
 
-std::optional<Pixels> Decode(const ImageSource& source, int width, int height, VuScaleMode mode) {
+std::unique_ptr<Image> Open(const Bytes& file) {
+  return Image::Open(file.data(), file.size());
+}
+
+std::optional<Pixels> Decode(std::unique_ptr<Image> image, int width, int height,
+                             VuScaleMode mode) {
   Pixels pixels(width, height);
-  const auto image = Image::Open(source);
   if (!image || !image->Decode({pixels.data.data(), pixels.pitch * 4, width, height}, mode))
     return std::nullopt;
   return pixels;
 }
 
-Pixels Shown(const ImageSource& source, int width, int height, VuScaleMode mode) {
-  const auto pixels = Decode(source, width, height, mode);
-  EXPECT_TRUE(pixels) << source.Name();
+Pixels Shown(std::unique_ptr<Image> image, int width, int height, VuScaleMode mode) {
+  const auto pixels = Decode(std::move(image), width, height, mode);
+  EXPECT_TRUE(pixels);
   return pixels.value_or(Pixels(width, height));
 }
 
@@ -124,7 +127,7 @@ Pixels Scaled(const Pixels& original, int width, int height, VuScaleMode mode) {
   Bytes file(size);
   EXPECT_TRUE(png_image_write_to_memory(&image, file.data(), &size, 0, original.data.data(),
                                         original.pitch * 4, nullptr));
-  return Shown(ImageSource(file.data(), size), width, height, mode);
+  return Shown(Image::Open(file.data(), size), width, height, mode);
 }
 
 TEST(Image, ShowsEverySampleInItsOwnSizeAndSmaller) {
@@ -136,12 +139,12 @@ TEST(Image, ShowsEverySampleInItsOwnSizeAndSmaller) {
     const Pixels expected(29, 19, [&](int x, int y) { return Premultiplied(colour(x, y)); });
     const std::string path = std::string(ZIRK_TEST_IMAGES) + sample.file;
     const Bytes bytes = ReadSample(sample.file);
-    const ImageSource file(path.c_str()), memory(bytes.data(), bytes.size());
     for (const auto mode : {VuScaleMode::Nearest, VuScaleMode::Bilinear}) {
       SCOPED_TRACE(path);
-      EXPECT_LE(Difference(Shown(file, 29, 19, mode), expected), sample.tolerance);
+      EXPECT_LE(Difference(Shown(Image::Open(path.c_str()), 29, 19, mode), expected),
+                sample.tolerance);
       // The ways to a smaller picture differ by format: whole or by rows, or from larger steps.
-      EXPECT_LE(Difference(Shown(memory, 5, 3, mode), Scaled(original, 5, 3, mode)),
+      EXPECT_LE(Difference(Shown(Open(bytes), 5, 3, mode), Scaled(original, 5, 3, mode)),
                 sample.tolerance);
     }
   }
@@ -162,20 +165,19 @@ TEST(Image, IsReadInPieces) {
   const std::string path = testing::TempDir() + "zirk-image-" + std::to_string(getpid());
   std::ofstream(path, std::ios::binary)
       .write(reinterpret_cast<const char*>(bytes.data()), static_cast<int>(bytes.size()));
-  const ImageSource file(path.c_str()), memory(plain.data(), plain.size());
 
-  backends::ImageStream stream(file);
+  backends::ImageStream stream(path.c_str());
   Bytes joined(20000);
   EXPECT_TRUE(stream.Read(joined.data(), joined.size()));
   const auto rest = stream.TakeUpTo(1000000);
   joined.insert(joined.end(), rest.data, rest.data + rest.size);
   EXPECT_EQ(joined, bytes);
-  EXPECT_EQ(Shown(file, 5, 5, {}).data, Shown(memory, 5, 5, {}).data);
+  EXPECT_EQ(Shown(Image::Open(path.c_str()), 5, 5, {}).data, Shown(Open(plain), 5, 5, {}).data);
   unlink(path.c_str());
 }
 
 TEST(Image, FitsABoxThatASurfaceCanFill) {
-  const auto image = Image::Open(ImageSource(ZIRK_TEST_IMAGES "rgba8.png"));
+  const auto image = Image::Open(ZIRK_TEST_IMAGES "rgba8.png");
   EXPECT_EQ(image->FittedSize(1, 50, VuDisplayMode::Fit)->height, 1);
   EXPECT_TRUE(LogsOneError("rgba8.png: 16385 x 1 pixels", [&] {
     EXPECT_FALSE(image->FittedSize(16385, 1, VuDisplayMode::Stretch));
@@ -238,7 +240,12 @@ TEST(BrokenImage, IsReportedByPathAndReason) {
                {longPath.c_str(), "d/last.png: File name too long"}};
   for (const auto& c : cases)
     EXPECT_TRUE(
-        LogsOneError(c.message, [&] { EXPECT_FALSE(Decode(ImageSource(c.path), 9, 9, {})); }));
+        LogsOneError(c.message, [&] { EXPECT_FALSE(Decode(Image::Open(c.path), 9, 9, {})); }));
+}
+
+/// The name of a picture in memory.
+std::string NameOf(const Bytes& file) {
+  return "image in memory (" + std::to_string(file.size()) + " bytes)";
 }
 
 /// Writes a big-endian number of `size` bytes.
@@ -277,9 +284,8 @@ TEST(BrokenImage, IsReportedBySizeAndReason) {
   for (const auto& c : cases) {
     Bytes bytes = ReadSample(c.sample);
     c.spoil(bytes);
-    const ImageSource source(bytes.data(), bytes.size());
-    EXPECT_TRUE(LogsOneError("cannot read " + source.Name() + ": " + c.reason,
-                             [&] { EXPECT_FALSE(Decode(source, 29, 19, {})); }));
+    EXPECT_TRUE(LogsOneError("cannot read " + NameOf(bytes) + ": " + c.reason,
+                             [&] { EXPECT_FALSE(Decode(Open(bytes), 29, 19, {})); }));
   }
 }
 
@@ -288,10 +294,9 @@ TEST(BrokenImage, FailsWithOneLineWhereverItIsCut) {
     const Bytes whole = ReadSample(sample.file);
     for (size_t cut = 4; cut < whole.size() - 1; cut += whole.size() / 16) {
       const Bytes bytes(whole.data(), whole.data() + cut);
-      const ImageSource source(bytes.data(), cut);
       for (const int side : {19, 1})  // One pixel needs but one row.
         EXPECT_TRUE(
-            LogsOneError(source.Name(), [&] { EXPECT_FALSE(Decode(source, side, side, {})); }))
+            LogsOneError(NameOf(bytes), [&] { EXPECT_FALSE(Decode(Open(bytes), side, side, {})); }))
             << sample.file << " cut at " << cut;
     }
   }
@@ -307,8 +312,7 @@ TEST(BrokenImage, SurvivesFlippedBits) {
       Bytes bytes = ReadSample(sample.file);
       for (auto flips = random() % 6 + 1; flips > 0; --flips)
         bytes[random() % bytes.size()] ^= static_cast<uint8_t>(1u << random() % 8);
-      const ImageSource source(bytes.data(), bytes.size());
-      Decode(source, 40, 7, static_cast<VuScaleMode>(round & 1));
+      Decode(Open(bytes), 40, 7, static_cast<VuScaleMode>(round & 1));
     }
 }
 
