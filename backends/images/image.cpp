@@ -134,21 +134,20 @@ std::optional<ImageSize> Image::FittedSize(int width, int height, VuDisplayMode 
 
 bool Image::Decode(const PixelRows& target, VuScaleMode mode) {
   try {
-    return DecodePixels(target, mode) || Fail(codec_->Error());
+    const ImageSize own = Size();
+    const bool decoded = target.width == own.width && target.height == own.height
+                             ? codec_->ReadAll(target.pixels, target.pitch)
+                             : DecodeResampled(target, mode);
+    return decoded || Fail(codec_->Error());
   } catch (const std::bad_alloc&) {
     return Fail(std::strerror(ENOMEM));
   }
 }
 
-bool Image::DecodePixels(const PixelRows& target, VuScaleMode mode) {
-  const auto [width, height] = Size();
-  if (target.width == width && target.height == height)
-    return codec_->ReadAll(target.pixels, target.pitch);
-
-  const auto resample = [&, width = width,
-                         height = height](const std::function<bool(uint32_t*)>& nextRow) {
-    return Resample({width, codec_->Shrink(), target.width},
-                    {height, codec_->Shrink(), target.height}, mode, nextRow, target);
+bool Image::DecodeResampled(const PixelRows& target, VuScaleMode mode) {
+  const auto resample = [&](const std::function<bool(uint32_t*)>& nextRow) {
+    return Resample({codec_->Width(), codec_->Shrink(), target.width},
+                    {codec_->Height(), codec_->Shrink(), target.height}, mode, nextRow, target);
   };
   if (!codec_->HasRows()) {
     StoredRows rows(*codec_);

@@ -64,7 +64,7 @@ class Image {
   template <typename... Source>
   static std::unique_ptr<Image> OpenSource(const char* name, Source... source);
   bool ReadHeader();
-  bool DecodePixels(const PixelRows& target, VuScaleMode mode);
+  bool DecodeResampled(const PixelRows& target, VuScaleMode mode);
   bool Fail(const char* reason) const;
 
   std::string name_;

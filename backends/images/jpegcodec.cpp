@@ -50,6 +50,8 @@ bool IsDamage(int messageCode) {
   }
 }
 
+/// An error in libjpeg jumps back to the setjmp() of the operation. No object with a destructor is
+/// created after that call.
 class JpegCodec final : public ImageCodec {
  public:
   explicit JpegCodec(ImageStream& stream) : stream_(stream) {
@@ -69,14 +71,14 @@ class JpegCodec final : public ImageCodec {
 
   bool ReadHeader() override {
     jpeg_.client_data = this;
-    return Guarded([this] {
-      jpeg_create_decompress(&jpeg_);
-      jpeg_.src = &source_;
-      jpeg_.progress = &progress_;
-      jpeg_read_header(&jpeg_, TRUE);
-      width_ = static_cast<int>(jpeg_.image_width);
-      height_ = static_cast<int>(jpeg_.image_height);
-    });
+    if (setjmp(escape_) != 0) return false;
+    jpeg_create_decompress(&jpeg_);
+    jpeg_.src = &source_;
+    jpeg_.progress = &progress_;
+    jpeg_read_header(&jpeg_, TRUE);
+    width_ = static_cast<int>(jpeg_.image_width);
+    height_ = static_cast<int>(jpeg_.image_height);
+    return true;
   }
 
   void ShrinkTowards(int width, int height) override {
@@ -85,16 +87,15 @@ class JpegCodec final : public ImageCodec {
   }
 
   bool ReadRow(uint32_t* row) override {
-    const bool read = Guarded([=] {
-      if (!begun_) Begin();
-      auto* bytes = reinterpret_cast<JSAMPROW>(row);
-      jpeg_read_scanlines(&jpeg_, &bytes, 1);
-      if (jpeg_.output_scanline == jpeg_.output_height) jpeg_finish_decompress(&jpeg_);
-    });
+    if (setjmp(escape_) != 0) return false;
+    if (!begun_) Begin();
+    auto* bytes = reinterpret_cast<JSAMPROW>(row);
+    jpeg_read_scanlines(&jpeg_, &bytes, 1);
+    if (jpeg_.output_scanline == jpeg_.output_height) jpeg_finish_decompress(&jpeg_);
     // Files with this marker store their inks inverted.
-    if (read && jpeg_.out_color_space == JCS_CMYK)
+    if (jpeg_.out_color_space == JCS_CMYK)
       CmykToArgb(row, RowWidth(), jpeg_.saw_Adobe_marker ? 0 : 255);
-    return read;
+    return true;
   }
 
   bool ReadAll(uint32_t* pixels, int pitch) override {
@@ -116,13 +117,7 @@ class JpegCodec final : public ImageCodec {
       Escape("unexpected size");
   }
 
-  /// Where Escape() comes back to. `step` holds nothing that would need a destructor.
-  template <typename Step>
-  bool Guarded(Step step) {
-    if (setjmp(escape_) != 0) return false;
-    step();
-    return true;
-  }
+  /// Makes the operation fail: jumps back to its setjmp().
   [[noreturn]] void Escape(const char* reason) {
     Fail(reason);
     std::longjmp(escape_, 1);

@@ -12,6 +12,8 @@ namespace {
 
 constexpr png_byte kUnused[] = "iCCP\0iTXt\0sPLT\0tEXt\0zTXt";
 
+/// An error in libpng jumps back to the setjmp() of the operation. No object with a destructor is
+/// created after that call.
 class PngCodec final : public ImageCodec {
  public:
   explicit PngCodec(ImageStream& stream)
@@ -25,45 +27,42 @@ class PngCodec final : public ImageCodec {
 
   bool ReadHeader() override {
     if (!info_) return Fail(std::strerror(ENOMEM));
-    return Guarded([this] {
-      // Our own limit is tested on the result, and reported with the size.
-      png_set_user_limits(png_, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
-      // Nobody reads these, and they may unpack to any size.
-      png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_NEVER, kUnused, 5);
-      png_set_read_fn(png_, this, OnRead);
-      png_read_info(png_, info_);
-      width_ = static_cast<int>(png_get_image_width(png_, info_));
-      height_ = static_cast<int>(png_get_image_height(png_, info_));
-      interlaced_ = png_get_interlace_type(png_, info_) != PNG_INTERLACE_NONE;
-      hasAlpha_ = (png_get_color_type(png_, info_) & PNG_COLOR_MASK_ALPHA) != 0 ||
-                  png_get_valid(png_, info_, PNG_INFO_tRNS) != 0;
-    });
+    if (setjmp(png_jmpbuf(png_)) != 0) return false;
+    // Our own limit is tested on the result, and reported with the size.
+    png_set_user_limits(png_, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
+    // Nobody reads these, and they may unpack to any size.
+    png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_NEVER, kUnused, 5);
+    png_set_read_fn(png_, this, OnRead);
+    png_read_info(png_, info_);
+    width_ = static_cast<int>(png_get_image_width(png_, info_));
+    height_ = static_cast<int>(png_get_image_height(png_, info_));
+    interlaced_ = png_get_interlace_type(png_, info_) != PNG_INTERLACE_NONE;
+    hasAlpha_ = (png_get_color_type(png_, info_) & PNG_COLOR_MASK_ALPHA) != 0 ||
+                png_get_valid(png_, info_, PNG_INFO_tRNS) != 0;
+    return true;
   }
 
   bool HasRows() const override { return !interlaced_; }
 
   bool ReadRow(uint32_t* row) override {
-    const bool read = Guarded([=] {
-      if (rowsRead_ == 0) Begin();
-      png_read_row(png_, reinterpret_cast<png_bytep>(row), nullptr);
-      if (++rowsRead_ == height_) png_read_end(png_, nullptr);
-    });
-    if (read && hasAlpha_) PremultiplyRow(row, width_);
-    return read;
+    if (setjmp(png_jmpbuf(png_)) != 0) return false;
+    if (rowsRead_ == 0) Begin();
+    png_read_row(png_, reinterpret_cast<png_bytep>(row), nullptr);
+    if (++rowsRead_ == height_) png_read_end(png_, nullptr);
+    if (hasAlpha_) PremultiplyRow(row, width_);
+    return true;
   }
 
   bool ReadAll(uint32_t* pixels, int pitch) override {
     std::vector<png_bytep> rows(static_cast<size_t>(height_));
     for (int y = 0; y < height_; ++y)
       rows[static_cast<size_t>(y)] = reinterpret_cast<png_bytep>(RowAt(pixels, pitch, y));
-    const bool read = Guarded([&] {
-      Begin();
-      png_read_image(png_, rows.data());
-      png_read_end(png_, nullptr);
-    });
-    for (int y = 0; read && hasAlpha_ && y < height_; ++y)
-      PremultiplyRow(RowAt(pixels, pitch, y), width_);
-    return read;
+    if (setjmp(png_jmpbuf(png_)) != 0) return false;
+    Begin();
+    png_read_image(png_, rows.data());
+    png_read_end(png_, nullptr);
+    for (int y = 0; hasAlpha_ && y < height_; ++y) PremultiplyRow(RowAt(pixels, pitch, y), width_);
+    return true;
   }
 
  private:
@@ -79,14 +78,6 @@ class PngCodec final : public ImageCodec {
     png_read_update_info(png_, info_);
     if (png_get_rowbytes(png_, info_) != static_cast<size_t>(width_) * 4)
       png_error(png_, "unexpected row size");
-  }
-
-  /// libpng's errors jump back to here. `step` holds nothing that would need a destructor.
-  template <typename Step>
-  bool Guarded(Step step) {
-    if (setjmp(png_jmpbuf(png_)) != 0) return false;
-    step();
-    return true;
   }
 
   [[noreturn]] static void OnError(png_structp png, png_const_charp message) {
