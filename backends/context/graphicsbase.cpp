@@ -3,6 +3,7 @@
 #include <zirk/impl/log.h>
 #include <zirk/impl/vuscreenimpl.h>
 
+#include <cstddef>
 #include <new>
 #include <utility>
 
@@ -14,16 +15,10 @@ namespace {
 
 constexpr VuPixelFormat kPictureFormat = VuPixelFormat::ARGB8888;
 
-/// The owned result of `make`, or null and an error line if memory runs out on the way. By
-/// reference, as `make` may settle the size first.
-template <typename Make>
-auto ReleaseOrNull(const int& width, const int& height, Make make) -> decltype(make().release()) {
-  try {
-    return make().release();
-  } catch (const std::bad_alloc&) {
-    ZIRK_LOG_ERROR("no memory for a surface of %d x %d", width, height);
-    return nullptr;
-  }
+/// Reports a std::bad_alloc, which must not reach the library.
+std::nullptr_t FailWithoutMemory(int width, int height) {
+  ZIRK_LOG_ERROR("no memory for a surface of %d x %d", width, height);
+  return nullptr;
 }
 
 }  // namespace
@@ -37,17 +32,19 @@ VuScreenImpl* GraphicsBase::CreateScreen(bool flag) {
 }
 
 VuScreenImpl* GraphicsBase::CreateScreen(const VuScreenDescription& description) {
-  VuScreenDescription settled = description;
-  return ReleaseOrNull(settled.width, settled.height, [&]() -> std::unique_ptr<VuScreenImpl> {
-    if (settled.width <= 0 || settled.height <= 0) {
-      const ImageSize own = ScreenSize(settled.index);
+  VuScreenDescription sized = description;
+  try {
+    if (sized.width <= 0 || sized.height <= 0) {
+      const ImageSize own = ScreenSize(sized.index);
       if (own.width <= 0 || own.height <= 0) return nullptr;
-      settled.width = own.width;
-      settled.height = own.height;
+      sized.width = own.width;
+      sized.height = own.height;
     }
-    Entry entry = ledger_->Enter(settled.width, settled.height, settled.format);
-    return entry ? MakeScreen(std::move(entry), settled) : nullptr;
-  });
+    Entry entry = ledger_->Enter(sized.width, sized.height, sized.format);
+    return entry ? MakeScreen(std::move(entry), sized).release() : nullptr;
+  } catch (const std::bad_alloc&) {
+    return FailWithoutMemory(sized.width, sized.height);
+  }
 }
 
 ImageSize GraphicsBase::ScreenSize(int) const {
@@ -55,10 +52,12 @@ ImageSize GraphicsBase::ScreenSize(int) const {
 }
 
 VuBitmapImpl* GraphicsBase::CreateBitmap(int width, int height, VuPixelFormat format) {
-  return ReleaseOrNull(width, height, [&]() -> std::unique_ptr<VuBitmapImpl> {
+  try {
     Entry entry = ledger_->Enter(width, height, format);
-    return entry ? MakeBitmap(std::move(entry), width, height, format) : nullptr;
-  });
+    return entry ? MakeBitmap(std::move(entry), width, height, format).release() : nullptr;
+  } catch (const std::bad_alloc&) {
+    return FailWithoutMemory(width, height);
+  }
 }
 
 VuBitmapImpl* GraphicsBase::CreateBitmapFromFile(const char* path) {
@@ -97,11 +96,13 @@ VuBitmapImpl* GraphicsBase::CreatePicture(std::unique_ptr<Image> image, const Fi
                    size->width, size->height, ledger_->Available());
     return nullptr;
   }
-  return ReleaseOrNull(size->width, size->height, [&]() -> std::unique_ptr<VuBitmapImpl> {
+  try {
     Entry entry = ledger_->Enter(size->width, size->height, kPictureFormat);
     if (!entry) return nullptr;
-    return MakePicture(std::move(entry), size->width, size->height, *image, scaleMode);
-  });
+    return MakePicture(std::move(entry), size->width, size->height, *image, scaleMode).release();
+  } catch (const std::bad_alloc&) {
+    return FailWithoutMemory(size->width, size->height);
+  }
 }
 
 unsigned GraphicsBase::AvailableMemory() const {
