@@ -83,21 +83,15 @@ VuBitmapImpl* GraphicsBase::CreatePicture(std::unique_ptr<Image> image, const Fi
   if (!image) return nullptr;
   const std::optional<ImageSize> size = image->FittedSize(fit.width, fit.height, fit.mode);
   if (!size) return nullptr;
-  // Pictures are decoded row by row as far as their kind allows, but some kinds need it all.
+  // Scaling may need the whole picture in memory; some formats cannot be decoded row by row.
   const ImageSize own = image->Size();
   if (SurfaceBytes(own.width, own.height, kPictureFormat) > ledger_->Total()) {
     ZIRK_LOG_ERROR("%s: %d x %d pixels are more than memory allows", image->Name().c_str(),
                    own.width, own.height);
     return nullptr;
   }
-  // The ledger would refuse as well, without knowing the picture's name.
-  if (SurfaceBytes(size->width, size->height, kPictureFormat) > ledger_->Available()) {
-    ZIRK_LOG_ERROR("no memory for %s: %d x %d pixels, %u bytes left", image->Name().c_str(),
-                   size->width, size->height, ledger_->Available());
-    return nullptr;
-  }
   try {
-    Entry entry = ledger_->Enter(size->width, size->height, kPictureFormat);
+    Entry entry = ledger_->Enter(size->width, size->height, kPictureFormat, image->Name().c_str());
     if (!entry) return nullptr;
     return MakePicture(std::move(entry), size->width, size->height, *image, scaleMode).release();
   } catch (const std::bad_alloc&) {

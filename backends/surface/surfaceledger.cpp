@@ -28,9 +28,10 @@ std::shared_ptr<SurfaceLedger> SurfaceLedger::Create(uint64_t limit) {
   return std::shared_ptr<SurfaceLedger>(new SurfaceLedger(limit));
 }
 
-/// Whether there can be such a surface, and there is memory for it once `given` bytes are given
-/// up. For who has the lock.
-bool SurfaceLedger::Grants(int width, int height, VuPixelFormat format, uint32_t given) const {
+/// Whether there can be such a surface, and memory for it once `given` bytes are returned. The
+/// caller holds the lock.
+bool SurfaceLedger::Grants(int width, int height, VuPixelFormat format, uint32_t given,
+                           const char* picture) const {
   if (!IsValidSurface(width, height, format)) {
     ZIRK_LOG_ERROR("cannot create a surface of %d x %d in format %d", width, height,
                    static_cast<int>(format));
@@ -39,15 +40,19 @@ bool SurfaceLedger::Grants(int width, int height, VuPixelFormat format, uint32_t
   const uint32_t bytes = SurfaceBytes(width, height, format);
   const uint32_t left = limit_ - held_ + given;
   if (bytes <= left) return true;
-  ZIRK_LOG_ERROR("no memory for a surface of %d x %d: %u bytes asked, %u left", width, height,
-                 bytes, left);
+  if (picture)
+    ZIRK_LOG_ERROR("no memory for %s: %d x %d pixels, %u bytes left", picture, width, height, left);
+  else
+    ZIRK_LOG_ERROR("no memory for a surface of %d x %d: %u bytes asked, %u left", width, height,
+                   bytes, left);
   return false;
 }
 
 std::unique_ptr<SurfaceLedger::Entry> SurfaceLedger::Enter(int width, int height,
-                                                           VuPixelFormat format) {
+                                                           VuPixelFormat format,
+                                                           const char* picture) {
   const std::lock_guard<std::mutex> lock(mutex_);
-  if (!Grants(width, height, format, 0)) return nullptr;
+  if (!Grants(width, height, format, 0, picture)) return nullptr;
   const uint32_t bytes = SurfaceBytes(width, height, format);
   const auto record = records_.insert(records_.end(), Record{width, height, format, bytes, {}});
   held_ += bytes;

@@ -23,9 +23,11 @@ class SurfaceLedger : public std::enable_shared_from_this<SurfaceLedger> {
   static std::shared_ptr<SurfaceLedger> Create(uint64_t limit = QuarterOfMachineMemory());
   static uint64_t QuarterOfMachineMemory();
 
-  /// Enters a surface and grants its memory. Null, with an error line that says why, for a size
-  /// or format that no surface can have and for one that exceeds what is left.
-  std::unique_ptr<Entry> Enter(int width, int height, VuPixelFormat format);
+  /// Reserves the memory of a surface. Null, after an error line with the reason, if no surface can
+  /// have this size or format, or if too little memory is left. The line names `picture`, if there
+  /// is one, as what the memory is for.
+  std::unique_ptr<Entry> Enter(int width, int height, VuPixelFormat format,
+                               const char* picture = nullptr);
 
   /// Bytes.
   unsigned Available() const;
@@ -45,7 +47,8 @@ class SurfaceLedger : public std::enable_shared_from_this<SurfaceLedger> {
 
   explicit SurfaceLedger(uint64_t limit);
 
-  bool Grants(int width, int height, VuPixelFormat format, uint32_t given) const;
+  bool Grants(int width, int height, VuPixelFormat format, uint32_t given,
+              const char* picture = nullptr) const;
 
   mutable std::mutex mutex_;
   const uint32_t limit_;
