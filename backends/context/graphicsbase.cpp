@@ -15,6 +15,9 @@ namespace {
 
 constexpr VuPixelFormat kPictureFormat = VuPixelFormat::ARGB8888;
 
+/// The size of a screen if none is asked for and the device does not tell its own.
+constexpr ImageSize kDefaultScreenSize{1280, 720};
+
 /// Reports a std::bad_alloc, which must not reach the library.
 std::nullptr_t FailWithoutMemory(int width, int height) {
   ZIRK_LOG_ERROR("no memory for a surface of %d x %d", width, height);
@@ -35,10 +38,9 @@ VuScreenImpl* GraphicsBase::CreateScreen(const VuScreenDescription& description)
   VuScreenDescription sized = description;
   try {
     if (sized.width <= 0 || sized.height <= 0) {
-      const ImageSize own = ScreenSize(sized.index);
-      if (own.width <= 0 || own.height <= 0) return nullptr;
-      sized.width = own.width;
-      sized.height = own.height;
+      const ImageSize size = DeviceSize(sized.index).value_or(kDefaultScreenSize);
+      sized.width = size.width;
+      sized.height = size.height;
     }
     Entry entry = ledger_->Enter(sized.width, sized.height, sized.format);
     return entry ? MakeScreen(std::move(entry), sized).release() : nullptr;
@@ -47,8 +49,8 @@ VuScreenImpl* GraphicsBase::CreateScreen(const VuScreenDescription& description)
   }
 }
 
-ImageSize GraphicsBase::ScreenSize(int) const {
-  return {1280, 720};
+std::optional<ImageSize> GraphicsBase::DeviceSize(int) const {
+  return std::nullopt;
 }
 
 VuBitmapImpl* GraphicsBase::CreateBitmap(int width, int height, VuPixelFormat format) {

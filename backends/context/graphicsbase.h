@@ -3,6 +3,7 @@
 #include <zirk/impl/vugraphicsimpl.h>
 
 #include <memory>
+#include <optional>
 
 #include "images/image.h"
 #include "surface/surfaceledger.h"
@@ -49,9 +50,9 @@ class GraphicsBase : public VuGraphicsImpl {
   // What makes a surface takes its place in the ledger. It returns null after an error line, and
   // may throw std::bad_alloc, which becomes both.
 
-  /// The size of a screen that is to have the device's own; 1280 x 720 unless overridden. Zeros,
-  /// after an error line, if there is no such device.
-  virtual ImageSize ScreenSize(int index) const;
+  /// The size of the display `index`; no value, as unless overridden, if there is none or it is
+  /// unknown. A screen that is created without a size gets this one, or else 1280 x 720.
+  virtual std::optional<ImageSize> DeviceSize(int index) const;
   /// `description` has a size and a format that a surface can have.
   virtual std::unique_ptr<VuScreenImpl> MakeScreen(Entry entry,
                                                    const VuScreenDescription& description) = 0;

@@ -43,10 +43,9 @@ class DirectFbAtlases final : public AtlasGraphics {
 DirectFbGraphics::DirectFbGraphics(IDirectFB& directFb)
     : directFb_(directFb), atlases_(std::make_shared<DirectFbAtlases>(Ledger(), kType, directFb)) {}
 
-ImageSize DirectFbGraphics::ScreenSize(int index) const {
+std::optional<ImageSize> DirectFbGraphics::DeviceSize(int index) const {
   // A missing layer is reported when the screen is made.
-  const auto size = DirectFbLayer::SizeOf(directFb_, index);
-  return size ? *size : GraphicsBase::ScreenSize(index);
+  return DirectFbLayer::SizeOf(directFb_, index);
 }
 
 std::unique_ptr<VuScreenImpl> DirectFbGraphics::MakeScreen(Entry entry,

@@ -3,6 +3,7 @@
 #include <directfb.h>
 
 #include <memory>
+#include <optional>
 
 #include "context/graphicsbase.h"
 #include "text/atlasgraphics.h"
@@ -18,7 +19,7 @@ class DirectFbGraphics final : public GraphicsBase {
   int GetGraphicsType() const override { return kType; }
 
  protected:
-  ImageSize ScreenSize(int index) const override;
+  std::optional<ImageSize> DeviceSize(int index) const override;
   std::unique_ptr<VuScreenImpl> MakeScreen(Entry entry,
                                            const VuScreenDescription& description) override;
   std::unique_ptr<VuBitmapImpl> MakeBitmap(Entry entry, int width, int height,

@@ -21,10 +21,11 @@ FbGraphics::FbGraphics(std::shared_ptr<SurfaceLedger> ledger, std::shared_ptr<Fb
       type_(sources->GetGraphicsType()),
       sources_(std::move(sources)) {}
 
-ImageSize FbGraphics::ScreenSize(int index) const {
+std::optional<ImageSize> FbGraphics::DeviceSize(int index) const {
+  // A missing device is reported when the screen is made.
   const auto size = FramebufferDevice::SizeOf(FramebufferDevice::PathOf(index));
-  // A device that is not there is reported when the screen is made.
-  return size ? ImageSize{size->width, size->height} : GraphicsBase::ScreenSize(index);
+  if (!size) return std::nullopt;
+  return ImageSize{size->width, size->height};
 }
 
 std::unique_ptr<VuScreenImpl> FbGraphics::MakeScreen(Entry entry,

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 #include "context/graphicsbase.h"
 #include "software/softwarebitmap.h"
@@ -29,7 +30,7 @@ class FbGraphics : public GraphicsBase {
   /// `sources` count their memory in `ledger`.
   FbGraphics(std::shared_ptr<SurfaceLedger> ledger, std::shared_ptr<FbSources> sources);
 
-  ImageSize ScreenSize(int index) const override;
+  std::optional<ImageSize> DeviceSize(int index) const override;
   std::unique_ptr<VuScreenImpl> MakeScreen(Entry entry,
                                            const VuScreenDescription& description) override;
   std::unique_ptr<VuBitmapImpl> MakeBitmap(Entry entry, int width, int height,

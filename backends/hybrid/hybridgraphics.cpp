@@ -55,11 +55,10 @@ int HybridGraphics::GetMaxTextureSize() const {
   return mirrors_ ? mirrors_->Device()->MaxTextureSize() : FbGraphics::GetMaxTextureSize();
 }
 
-ImageSize HybridGraphics::ScreenSize(int index) const {
+std::optional<ImageSize> HybridGraphics::DeviceSize(int index) const {
   std::string reason;
   const auto mirrors = FindOpenGl(reason);
-  if (!mirrors) return FbGraphics::ScreenSize(index);
-  return mirrors->Device()->DisplaySize(index).value_or(GraphicsBase::ScreenSize(index));
+  return mirrors ? mirrors->Device()->DisplaySize(index) : FbGraphics::DeviceSize(index);
 }
 
 std::unique_ptr<VuScreenImpl> HybridGraphics::MakeScreen(Entry entry,

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "fb/fbgraphics.h"
@@ -22,7 +23,7 @@ class HybridGraphics final : public FbGraphics {
   int GetMaxTextureSize() const override;
 
  protected:
-  ImageSize ScreenSize(int index) const override;
+  std::optional<ImageSize> DeviceSize(int index) const override;
   std::unique_ptr<VuScreenImpl> MakeScreen(Entry entry,
                                            const VuScreenDescription& description) override;
 

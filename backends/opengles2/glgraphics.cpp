@@ -15,8 +15,8 @@ void GlGraphics::Flush() {
   device_->FlushAndDetach();
 }
 
-ImageSize GlGraphics::ScreenSize(int index) const {
-  return device_->DisplaySize(index).value_or(GraphicsBase::ScreenSize(index));
+std::optional<ImageSize> GlGraphics::DeviceSize(int index) const {
+  return device_->DisplaySize(index);
 }
 
 std::unique_ptr<VuScreenImpl> GlGraphics::MakeScreen(Entry entry,

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <memory>
+#include <optional>
+
 #include "context/graphicsbase.h"
 #include "opengles2/gldevice.h"
 #include "opengles2/texturesources.h"
@@ -17,7 +20,7 @@ class GlGraphics final : public GraphicsBase {
   int GetMaxTextureSize() const override { return device_->MaxTextureSize(); }
 
  protected:
-  ImageSize ScreenSize(int index) const override;
+  std::optional<ImageSize> DeviceSize(int index) const override;
   std::unique_ptr<VuScreenImpl> MakeScreen(Entry entry,
                                            const VuScreenDescription& description) override;
   std::unique_ptr<VuBitmapImpl> MakeBitmap(Entry entry, int width, int height,
