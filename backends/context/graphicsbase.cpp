@@ -49,10 +49,6 @@ VuScreenImpl* GraphicsBase::CreateScreen(const VuScreenDescription& description)
   }
 }
 
-std::optional<ImageSize> GraphicsBase::DeviceSize(int) const {
-  return std::nullopt;
-}
-
 VuBitmapImpl* GraphicsBase::CreateBitmap(int width, int height, VuPixelFormat format) {
   try {
     Entry entry = ledger_->Enter(width, height, format);
@@ -66,13 +62,13 @@ VuBitmapImpl* GraphicsBase::CreateBitmapFromFile(const char* path) {
   return CreatePicture(Image::Open(path), kOwnSize, VuScaleMode::Nearest);
 }
 
+VuBitmapImpl* GraphicsBase::CreateBitmapFromMemory(const void* data, unsigned size) {
+  return CreatePicture(Image::Open(data, size), kOwnSize, VuScaleMode::Nearest);
+}
+
 VuBitmapImpl* GraphicsBase::CreateBitmapFromFile(const char* path, int width, int height,
                                                  VuScaleMode scaleMode, VuDisplayMode displayMode) {
   return CreatePicture(Image::Open(path), {width, height, displayMode}, scaleMode);
-}
-
-VuBitmapImpl* GraphicsBase::CreateBitmapFromMemory(const void* data, unsigned size) {
-  return CreatePicture(Image::Open(data, size), kOwnSize, VuScaleMode::Nearest);
 }
 
 VuBitmapImpl* GraphicsBase::CreateBitmapFromMemory(const void* data, unsigned size, int width,
@@ -101,6 +97,10 @@ VuBitmapImpl* GraphicsBase::CreatePicture(std::unique_ptr<Image> image, const Fi
   }
 }
 
+void GraphicsBase::PrintBitmapList(unsigned key, std::ostream& os) {
+  ledger_->Print(key, os);
+}
+
 unsigned GraphicsBase::AvailableMemory() const {
   return ledger_->Available();
 }
@@ -117,12 +117,12 @@ unsigned GraphicsBase::BitmapSize(const char* path) const {
   return PictureSize(Image::Open(path), kOwnSize);
 }
 
-unsigned GraphicsBase::BitmapSize(const char* path, int width, int height) const {
-  return PictureSize(Image::Open(path), {width, height, VuDisplayMode::Stretch});
-}
-
 unsigned GraphicsBase::BitmapSize(const void* data, unsigned size) const {
   return PictureSize(Image::Open(data, size), kOwnSize);
+}
+
+unsigned GraphicsBase::BitmapSize(const char* path, int width, int height) const {
+  return PictureSize(Image::Open(path), {width, height, VuDisplayMode::Stretch});
 }
 
 unsigned GraphicsBase::BitmapSize(const void* data, unsigned size, int width, int height) const {
@@ -135,12 +135,12 @@ unsigned GraphicsBase::PictureSize(std::unique_ptr<Image> image, const Fit& fit)
   return size ? SurfaceBytes(size->width, size->height, kPictureFormat) : 0;
 }
 
-void GraphicsBase::PrintBitmapList(unsigned key, std::ostream& os) {
-  ledger_->Print(key, os);
-}
-
 int GraphicsBase::GetMaxTextureSize() const {
   return kMaxSide;
+}
+
+std::optional<ImageSize> GraphicsBase::DeviceSize(int) const {
+  return std::nullopt;
 }
 
 }  // namespace ZIRK::backends

@@ -10,58 +10,76 @@
 
 namespace ZIRK::backends {
 
-/// What all of our graphics contexts do alike: the books on memory, and everything about creating
-/// surfaces apart from the surfaces themselves. What is left to a backend is to make one.
+/// What every graphics context does: it creates surfaces, lists them, and keeps their memory within
+/// a limit. A backend derives from it and makes the surfaces themselves.
 class GraphicsBase : public VuGraphicsImpl {
  public:
-  /// `memoryLimit` is what all surfaces together may take, in bytes.
+  /// `memoryLimit` is the number of bytes for all surfaces together.
   explicit GraphicsBase(uint64_t memoryLimit = SurfaceLedger::QuarterOfMachineMemory());
-  /// One whose surfaces are in the same books as another's.
+  /// Shares the limit and the list of surfaces with another context.
   explicit GraphicsBase(std::shared_ptr<SurfaceLedger> ledger);
 
-  /// The device's own size in ARGB8888, double-buffered. `flag` becomes the `option`.
-  VuScreenImpl* CreateScreen(bool flag) final;
-  VuScreenImpl* CreateScreen(const VuScreenDescription& description) final;
+  // Creating surfaces.
 
+  /// A screen of the device's own size in ARGB8888, double-buffered. `flag` becomes the `option`.
+  VuScreenImpl* CreateScreen(bool flag) final;
+  /// A screen as described. Without a size it gets that of the device, or else 1280 x 720.
+  VuScreenImpl* CreateScreen(const VuScreenDescription& description) final;
+  /// An empty bitmap.
   VuBitmapImpl* CreateBitmap(int width, int height, VuPixelFormat format) final;
+  /// A picture in its own size, from a file or from memory.
   VuBitmapImpl* CreateBitmapFromFile(const char* path) final;
+  VuBitmapImpl* CreateBitmapFromMemory(const void* data, unsigned size) final;
+  /// A picture fitted into a box, from a file or from memory.
   VuBitmapImpl* CreateBitmapFromFile(const char* path, int width, int height, VuScaleMode scaleMode,
                                      VuDisplayMode displayMode) final;
-  VuBitmapImpl* CreateBitmapFromMemory(const void* data, unsigned size) final;
   VuBitmapImpl* CreateBitmapFromMemory(const void* data, unsigned size, int width, int height,
                                        VuScaleMode scaleMode) final;
 
-  unsigned AvailableMemory() const final;
-  unsigned TotalMemory() const final;
-  unsigned BitmapSize(int width, int height, VuPixelFormat format) const final;
-  unsigned BitmapSize(const char* path) const final;
-  unsigned BitmapSize(const char* path, int width, int height) const final;
-  unsigned BitmapSize(const void* data, unsigned size) const final;
-  unsigned BitmapSize(const void* data, unsigned size, int width, int height) const final;
+  // Listing them.
 
+  /// Prints one line per surface, oldest first. Addresses are XORed with `key`.
   void PrintBitmapList(unsigned key, std::ostream& os) final;
+
+  // Limits.
+
+  /// The bytes that new surfaces may still take.
+  unsigned AvailableMemory() const final;
+  /// The bytes that all surfaces together may take.
+  unsigned TotalMemory() const final;
+  /// The bytes that a bitmap would take; 0 if it cannot be created.
+  unsigned BitmapSize(int width, int height, VuPixelFormat format) const final;
+  /// The same for a picture in its own size.
+  unsigned BitmapSize(const char* path) const final;
+  unsigned BitmapSize(const void* data, unsigned size) const final;
+  /// The same for a picture stretched to a size.
+  unsigned BitmapSize(const char* path, int width, int height) const final;
+  unsigned BitmapSize(const void* data, unsigned size, int width, int height) const final;
+  /// The largest side of a surface, in pixels.
   int GetMaxTextureSize() const override;
 
  protected:
-  const std::shared_ptr<SurfaceLedger>& Ledger() const { return ledger_; }
-
   using Entry = std::unique_ptr<SurfaceLedger::Entry>;
 
-  // What makes a surface takes its place in the ledger. It returns null after an error line, and
-  // may throw std::bad_alloc, which becomes both.
-
   /// The size of the display `index`; no value, as unless overridden, if there is none or it is
-  /// unknown. A screen that is created without a size gets this one, or else 1280 x 720.
+  /// unknown.
   virtual std::optional<ImageSize> DeviceSize(int index) const;
-  /// `description` has a size and a format that a surface can have.
+
+  // What a backend makes. Each surface holds `entry` as long as it lives. These return null after
+  // an error line; if one throws std::bad_alloc, the caller logs the line and returns null.
+
+  /// A screen. `description` has a size and a format that a surface can have.
   virtual std::unique_ptr<VuScreenImpl> MakeScreen(Entry entry,
                                                    const VuScreenDescription& description) = 0;
-  /// A bitmap without anything drawn on it.
+  /// A bitmap with nothing drawn on it.
   virtual std::unique_ptr<VuBitmapImpl> MakeBitmap(Entry entry, int width, int height,
                                                    VuPixelFormat format) = 0;
-  /// An ARGB8888 bitmap with the picture decoded to its size.
+  /// An ARGB8888 bitmap of this size, filled with the decoded picture.
   virtual std::unique_ptr<VuBitmapImpl> MakePicture(Entry entry, int width, int height,
                                                     Image& image, VuScaleMode scaleMode) = 0;
+
+  /// The memory limit and the list of surfaces.
+  const std::shared_ptr<SurfaceLedger>& Ledger() const { return ledger_; }
 
  private:
   /// The box that a picture is fitted into.
