@@ -1,20 +1,20 @@
 #pragma once
 
+#include <zirk/export.h>
 #include <zirk/impl/log.h>
 #include <zirk/impl/vugraphicsimpl.h>
 
+#include <memory>
 #include <new>
 
 namespace ZIRK::backends {
 
-// What the entry points of a plug-in do. Exceptions do not cross them.
-
-/// What `make` makes, as the library expects it; null if it makes none, or after an error line if
-/// it throws.
+/// Calls `make`, which returns an owned object, and gives it to the library as an `Interface`. Null
+/// if `make` returns null, or after an error line if it throws: no exception leaves a plug-in.
 template <class Interface, typename Make>
-void* Create(Make make) {
+void* CreateForLibrary(Make make) {
   try {
-    return static_cast<Interface*>(make());
+    return std::unique_ptr<Interface>(make()).release();
   } catch (const std::bad_alloc&) {
     ZIRK_LOG_ERROR("the backend has no memory to start with");
   } catch (...) {
@@ -23,13 +23,14 @@ void* Create(Make make) {
   return nullptr;
 }
 
-template <class Graphics>
-void* CreateGraphics() {
-  return Create<VuGraphicsImpl>([] { return new Graphics; });
-}
-
-inline void DestroyGraphics(void* graphics) {
-  delete static_cast<VuGraphicsImpl*>(graphics);
-}
-
 }  // namespace ZIRK::backends
+
+/// Defines the two entry points of a plug-in that the library looks up for `Name`, VuGraphics or
+/// VuCompositor. `object` is an expression that makes the backend's object, a std::unique_ptr.
+#define ZIRK_ENTRY_POINTS(Name, object)                                               \
+  extern "C" ZIRK_API void* Create##Name(bool /*flag*/) {                             \
+    return ZIRK::backends::CreateForLibrary<ZIRK::Name##Impl>([] { return object; }); \
+  }                                                                                   \
+  extern "C" ZIRK_API void Destroy##Name(void* impl) {                                \
+    delete static_cast<ZIRK::Name##Impl*>(impl);                                      \
+  }

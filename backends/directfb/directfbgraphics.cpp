@@ -5,6 +5,7 @@
 #include <string>
 #include <utility>
 
+#include "directfb/directfbruntime.h"
 #include "directfb/directfbscreen.h"
 
 namespace ZIRK::backends {
@@ -39,6 +40,11 @@ class DirectFbAtlases final : public AtlasGraphics {
 };
 
 }  // namespace
+
+std::unique_ptr<DirectFbGraphics> DirectFbGraphics::Start() {
+  IDirectFB* const directFb = StartDirectFb();
+  return directFb ? std::make_unique<DirectFbGraphics>(*directFb) : nullptr;
+}
 
 DirectFbGraphics::DirectFbGraphics(IDirectFB& directFb)
     : directFb_(directFb), atlases_(std::make_shared<DirectFbAtlases>(Ledger(), kType, directFb)) {}

@@ -13,6 +13,8 @@ namespace ZIRK::backends {
 /// A context whose surfaces are drawn by DirectFB.
 class DirectFbGraphics final : public GraphicsBase {
  public:
+  /// Null, after an error line, if DirectFB cannot be started.
+  static std::unique_ptr<DirectFbGraphics> Start();
   explicit DirectFbGraphics(IDirectFB& directFb);
 
   void Flush() override {}

@@ -8,6 +8,11 @@
 
 namespace ZIRK::backends {
 
+std::unique_ptr<GlGraphics> GlGraphics::Start() {
+  auto device = GlDevice::Acquire();
+  return device ? std::make_unique<GlGraphics>(std::move(device)) : nullptr;
+}
+
 GlGraphics::GlGraphics(std::shared_ptr<GlDevice> device)
     : device_(std::move(device)), sources_(std::make_shared<GlAtlases>(Ledger(), kType, device_)) {}
 

@@ -12,6 +12,8 @@ namespace ZIRK::backends {
 /// A context whose surfaces are drawn by OpenGL ES 2.
 class GlGraphics final : public GraphicsBase {
  public:
+  /// Null, after an error line, if OpenGL ES 2 cannot be started.
+  static std::unique_ptr<GlGraphics> Start();
   explicit GlGraphics(std::shared_ptr<GlDevice> device);
 
   /// Sends what is drawn; afterwards another thread may use OpenGL.

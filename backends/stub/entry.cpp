@@ -1,12 +1,4 @@
-#include <zirk/export.h>
-
 #include "context/entrypoints.h"
 #include "stub/stubgraphics.h"
 
-extern "C" ZIRK_API void* CreateVuGraphics(bool /*flag*/) {
-  return ZIRK::backends::CreateGraphics<ZIRK::backends::StubGraphics>();
-}
-
-extern "C" ZIRK_API void DestroyVuGraphics(void* graphics) {
-  ZIRK::backends::DestroyGraphics(graphics);
-}
+ZIRK_ENTRY_POINTS(VuGraphics, std::make_unique<ZIRK::backends::StubGraphics>())
