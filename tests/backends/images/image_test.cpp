@@ -1,31 +1,18 @@
 #include "images/image.h"
 
-#include <png.h>
-#include <unistd.h>
 #include <zlib.h>
 
-#include <fstream>
+#include <algorithm>
 #include <functional>
-#include <iterator>
-#include <optional>
 #include <random>
-#include <stdexcept>
-#include <vector>
 
-#include "images/imagestream.h"
+#include "backends/images/pictures.h"
 #include "support/logged.h"
 
 namespace ZIRK::tests {
 namespace {
 
-using backends::Image;
 using support::LogsOneError;
-using Bytes = std::vector<uint8_t>;
-
-/// Channels of 0 to 255, not premultiplied.
-struct Rgba {
-  int r, g, b, a;
-};
 
 /// What the files of tests/images show, 29 x 19: smooth, so that lossy formats keep it.
 Rgba Gradient(int x, int y) {
@@ -59,77 +46,6 @@ const struct Sample {
 #endif
 };
 
-Bytes ReadSample(const std::string& file) {
-  std::ifstream in(ZIRK_TEST_IMAGES + file, std::ios::binary);
-  Bytes bytes{std::istreambuf_iterator<char>(in), {}};
-  if (bytes.empty()) throw std::runtime_error("cannot read the sample " + file);
-  return bytes;
-}
-
-uint32_t Argb(const Rgba& c) {
-  return static_cast<uint32_t>(c.a) << 24 | static_cast<uint32_t>(c.r << 16 | c.g << 8 | c.b);
-}
-
-/// Every colour channel times alpha, rounded to nearest.
-uint32_t Premultiplied(const Rgba& c) {
-  const auto times = [&](int channel) { return (channel * c.a + 127) / 255; };
-  return Argb({times(c.r), times(c.g), times(c.b), c.a});
-}
-
-/// 0xAARRGGBB words, with a gap behind every row that nothing should write to.
-struct Pixels {
-  Pixels(int w, int h, const std::function<uint32_t(int x, int y)>& colour = nullptr)
-      : width(w), height(h), pitch(w + 3), data(static_cast<size_t>(pitch * h), 0xDEADBEEF) {
-    for (int y = 0; y < h; ++y)
-      for (int x = 0; x < w; ++x) At(x, y) = colour ? colour(x, y) : 0;
-  }
-  uint32_t& At(int x, int y) { return data[static_cast<size_t>(y * pitch + x)]; }
-
-  int width, height, pitch;
-  std::vector<uint32_t> data;
-};
-
-/// The largest difference of a channel, in the gaps too.
-int Difference(const Pixels& a, const Pixels& b) {
-  const auto* p = reinterpret_cast<const uint8_t*>(a.data.data());
-  const auto* q = reinterpret_cast<const uint8_t*>(b.data.data());
-  int worst = 0;
-  for (size_t i = 0; i < a.data.size() * 4; ++i) worst = std::max(worst, std::abs(p[i] - q[i]));
-  return worst;
-}
-
-std::unique_ptr<Image> Open(const Bytes& file) {
-  return Image::Open(file.data(), file.size());
-}
-
-std::optional<Pixels> Decode(std::unique_ptr<Image> image, int width, int height,
-                             VuScaleMode mode) {
-  Pixels pixels(width, height);
-  if (!image || !image->Decode({pixels.data.data(), pixels.pitch * 4, width, height}, mode))
-    return std::nullopt;
-  return pixels;
-}
-
-Pixels Shown(std::unique_ptr<Image> image, int width, int height, VuScaleMode mode) {
-  const auto pixels = Decode(std::move(image), width, height, mode);
-  EXPECT_TRUE(pixels);
-  return pixels.value_or(Pixels(width, height));
-}
-
-/// The same after a PNG file has been made of the pixels, which are not premultiplied.
-Pixels Scaled(const Pixels& original, int width, int height, VuScaleMode mode) {
-  png_image image{};
-  image.version = PNG_IMAGE_VERSION;
-  image.width = static_cast<png_uint_32>(original.width);
-  image.height = static_cast<png_uint_32>(original.height);
-  image.format = PNG_FORMAT_BGRA;
-  png_alloc_size_t size = PNG_IMAGE_PNG_SIZE_MAX(image);
-  Bytes file(size);
-  EXPECT_TRUE(png_image_write_to_memory(&image, file.data(), &size, 0, original.data.data(),
-                                        original.pitch * 4, nullptr));
-  return Shown(Image::Open(file.data(), size), width, height, mode);
-}
-
 TEST(Image, ShowsEverySampleInItsOwnSizeAndSmaller) {
   for (const Sample& sample : kSamples) {
     const auto colour = [&](int x, int y) {
@@ -157,75 +73,12 @@ TEST(Image, MultipliesByAlphaWithExactRounding) {
   EXPECT_EQ(Difference(Scaled(original, 256, 256, VuScaleMode::Nearest), expected), 0);
 }
 
-TEST(Image, IsReadInPieces) {
-  const Bytes plain = ReadSample("rgb.jpg");
-  Bytes bytes = {0xFF, 0xD8, 0xFF, 0xFE, 60000 >> 8, 60000 & 255};  // A long comment.
-  for (unsigned i = 2; i < 60000; ++i) bytes.push_back(static_cast<uint8_t>(i * i >> 7));
-  bytes.insert(bytes.end(), plain.begin() + 2, plain.end());
-  const std::string path = testing::TempDir() + "zirk-image-" + std::to_string(getpid());
-  std::ofstream(path, std::ios::binary)
-      .write(reinterpret_cast<const char*>(bytes.data()), static_cast<int>(bytes.size()));
-
-  backends::ImageStream stream(path.c_str());
-  Bytes joined(20000);
-  EXPECT_TRUE(stream.Read(joined.data(), joined.size()));
-  const auto rest = stream.TakeUpTo(1000000);
-  joined.insert(joined.end(), rest.data, rest.data + rest.size);
-  EXPECT_EQ(joined, bytes);
-  EXPECT_EQ(Shown(Image::Open(path.c_str()), 5, 5, {}).data, Shown(Open(plain), 5, 5, {}).data);
-  unlink(path.c_str());
-}
-
 TEST(Image, FitsABoxThatASurfaceCanFill) {
   const auto image = Image::Open(ZIRK_TEST_IMAGES "rgba8.png");
   EXPECT_EQ(image->FittedSize(1, 50, VuDisplayMode::Fit)->height, 1);
   EXPECT_TRUE(LogsOneError("rgba8.png: 16385 x 1 pixels", [&] {
     EXPECT_FALSE(image->FittedSize(16385, 1, VuDisplayMode::Stretch));
   }));
-}
-
-TEST(Scaling, AveragesACheckerboardToGreyEverywhere) {
-  const auto field = [](int x, int y) { return (x + y) % 2 ? 0xFFFFFFFF : 0xFF000000; };
-  const Pixels grey(8, 8, [](int, int) { return 0xFF808080; });
-  for (const int size : {64, 61, 127})  // An eighth, and less even parts.
-    EXPECT_LE(Difference(Scaled({size, size, field}, 8, 8, VuScaleMode::Bilinear), grey),
-              size == 64 ? 0 : 4);
-}
-
-TEST(Scaling, KeepsAFlatColourExactly) {
-  const auto flat = [](int, int) { return 0xFF01FE7F; };
-  for (const int to : {1, 3, 7, 8, 13, 14, 100})
-    for (const auto mode : {VuScaleMode::Nearest, VuScaleMode::Bilinear})
-      EXPECT_EQ(Difference(Scaled({13, 13, flat}, to, to, mode), {to, to, flat}), 0);
-}
-
-TEST(Scaling, NeitherBleedsNorRingsAtAnEdgeOfAlpha) {
-  const auto halves = [](int x, int) { return x < 6 ? 0xFFFF0000 : 0x0000FF00; };
-  for (const int to : {5, 31}) {
-    Pixels pixels = Scaled({13, 13, halves}, to, to, VuScaleMode::Bilinear);
-    EXPECT_EQ(pixels.At(0, 0), 0xFFFF0000);
-    EXPECT_EQ(pixels.At(to - 1, 0), 0u);
-    for (int x = 0; x < to; ++x) {
-      EXPECT_EQ(pixels.At(x, 0), (pixels.At(x, 0) >> 24) * 0x01010000) << "premultiplied red";
-      EXPECT_LE(pixels.At(x, 0), pixels.At(std::max(x - 1, 0), 0));
-    }
-  }
-}
-
-TEST(Scaling, InterpolatesBetweenCentresOrTakesTheNearest) {
-  const auto step = [](int x, int) { return x ? 0xFF0000C8 : 0xFF000000; };
-  const uint32_t between[] = {0xFF000000, 0xFF000032, 0xFF000096, 0xFF0000C8};
-  const Pixels expected(4, 2, [&](int x, int) { return between[x]; });
-  EXPECT_EQ(Difference(Scaled({2, 1, step}, 4, 2, VuScaleMode::Bilinear), expected), 0);
-
-  constexpr auto numbered = [](int x, int y) { return Argb({0, x, y, 255}); };
-  for (const auto& [from, sources] :
-       {std::pair(3, std::vector{0, 0, 1, 1, 2, 2}), {4, {1, 3}}, {7, {1, 3, 5}}}) {
-    const int to = static_cast<int>(sources.size());
-    const Pixels scaled = Scaled({from, from, numbered}, to, to, VuScaleMode::Nearest);
-    const auto nearest = [=, at = sources.data()](int x, int y) { return numbered(at[x], at[y]); };
-    EXPECT_EQ(Difference(scaled, {to, to, nearest}), 0) << from << " to " << to;
-  }
 }
 
 TEST(BrokenImage, IsReportedByPathAndReason) {

@@ -1,0 +1,53 @@
+#include "images/imagestream.h"
+
+#include <unistd.h>
+
+#include "backends/images/pictures.h"
+
+namespace ZIRK::tests {
+namespace {
+
+using backends::ImageStream;
+
+TEST(ImageStream, ReadsAFileInPieces) {
+  const Bytes plain = ReadSample("rgb.jpg");
+  Bytes bytes = {0xFF, 0xD8, 0xFF, 0xFE, 60000 >> 8, 60000 & 255};  // A long comment.
+  for (unsigned i = 2; i < 60000; ++i) bytes.push_back(static_cast<uint8_t>(i * i >> 7));
+  bytes.insert(bytes.end(), plain.begin() + 2, plain.end());
+  const std::string path = testing::TempDir() + "zirk-image-" + std::to_string(getpid());
+  std::ofstream(path, std::ios::binary)
+      .write(reinterpret_cast<const char*>(bytes.data()), static_cast<int>(bytes.size()));
+
+  ImageStream stream(path.c_str());
+  Bytes joined(20000);
+  EXPECT_TRUE(stream.Read(joined.data(), joined.size()));
+  const auto rest = stream.TakeUpTo(1000000);
+  joined.insert(joined.end(), rest.data, rest.data + rest.size);
+  EXPECT_EQ(joined, bytes);
+  // A decoder skips the comment.
+  EXPECT_EQ(Shown(Image::Open(path.c_str()), 5, 5, {}).data, Shown(Open(plain), 5, 5, {}).data);
+  unlink(path.c_str());
+}
+
+TEST(ImageStream, ReadsMemoryInOnePiece) {
+  const Bytes bytes = {1, 2, 3};
+  ImageStream stream(bytes.data(), bytes.size());
+  EXPECT_EQ(stream.Peek().data, bytes.data());
+  uint8_t first = 0;
+  EXPECT_TRUE(stream.Read(&first, 1));
+  EXPECT_EQ(first, 1);
+  EXPECT_EQ(stream.Take().size, 2u);
+  EXPECT_EQ(stream.Take().size, 0u);
+  EXPECT_STREQ(stream.Problem(), "it ends too early");
+}
+
+TEST(ImageStream, SaysWhyThereIsNothingToRead) {
+  ImageStream noPath(nullptr), noFile("no.png"), noMemory(nullptr, 3);
+  for (ImageStream* stream : {&noPath, &noFile, &noMemory}) EXPECT_EQ(stream->Peek().size, 0u);
+  EXPECT_STREQ(noPath.Problem(), "there is no path");
+  EXPECT_STREQ(noFile.Problem(), "No such file or directory");
+  EXPECT_STREQ(noMemory.Problem(), "there is nothing in it");
+}
+
+}  // namespace
+}  // namespace ZIRK::tests
