@@ -1,22 +1,14 @@
-#include "stub/stubgraphics.h"
-#include "support/logged.h"
-
-#include <zirk/impl/vubitmapimpl.h>
 #include <zirk/zirk.h>
 
-#include <fstream>
-#include <functional>
-#include <iterator>
 #include <memory>
-#include <sstream>
+
+#include "support/logged.h"
 
 namespace ZIRK::tests {
 namespace {
 
-using support::LogsOneError;
 using Bitmap = std::unique_ptr<VuBitmap>;
 constexpr auto kArgb = VuPixelFormat::ARGB8888;
-const char* const kPath = ZIRK_TEST_IMAGES "rgba8.png";  // 29 x 19.
 
 /// A context around the plug-in, as an application has it.
 class StubPlugIn : public testing::Test {
@@ -73,57 +65,6 @@ TEST_F(StubPlugIn, AcceptsPixelsThatOtherBackendsWould) {
   EXPECT_FALSE(bitmap->GetPixels({2, 0, 3, 1}, pixels));
   EXPECT_FALSE(bitmap->SetPixels({2, 0, 3, 1}, pixels, 16));
   EXPECT_FALSE(bitmap->GetPixels({0, 0, 1, 1}, nullptr));
-}
-
-TEST_F(StubPlugIn, TakesSizesFromPictures) {
-  std::ifstream in(kPath, std::ios::binary);
-  const std::string bytes(std::istreambuf_iterator<char>(in), {});
-  const auto size = static_cast<unsigned>(bytes.size());
-  const auto expect = [&](VuBitmap* created, unsigned asked, int width, int height) {
-    const VuRect bounds = Bitmap(created)->GetBounds();
-    EXPECT_EQ(std::pair(bounds.width, bounds.height), std::pair(width, height));
-    EXPECT_EQ(asked, graphics_->BitmapSize(width, height, kArgb));
-  };
-  auto& g = *graphics_;
-  expect(g.CreateBitmapFromFile(kPath), g.BitmapSize(kPath), 29, 19);
-  expect(g.CreateBitmapFromFile(kPath, 58, 99, {}, VuDisplayMode::Fit), g.BitmapSize(kPath, 58, 38),
-         58, 38);
-  expect(g.CreateBitmapFromMemory(bytes.data(), size), g.BitmapSize(bytes.data(), size), 29, 19);
-  expect(g.CreateBitmapFromMemory(bytes.data(), size, 7, 8, {}),
-         g.BitmapSize(bytes.data(), size, 7, 8), 7, 8);
-}
-
-// With a limit of its own the context is made here, from the plug-in's source.
-TEST(StubGraphics, ReportsOnceWhatItCannotReadOrHasNoMemoryFor) {
-  backends::StubGraphics graphics(4000);
-  const std::unique_ptr<VuBitmapImpl> most(graphics.CreateBitmap(30, 20, kArgb));
-  EXPECT_EQ(graphics.AvailableMemory(), 4000 - most->GetSize());
-  const struct {
-    const char* message;
-    std::function<bool()> succeeds;
-  } attempts[] = {
-      {"no.png", [&] { return graphics.CreateBitmapFromFile("no.png"); }},
-      {"in memory (10 bytes)", [&] { return graphics.CreateBitmapFromMemory(nullptr, 10); }},
-      {kPath, [&] { return graphics.CreateBitmapFromFile(kPath); }},
-      {"1280 x 720", [&] { return graphics.CreateScreen(false); }},
-  };
-  for (const auto& attempt : attempts)
-    EXPECT_TRUE(LogsOneError(attempt.message, [&] { EXPECT_FALSE(attempt.succeeds()); }));
-}
-
-TEST(StubGraphics, ListsLiveBitmapsByNameAndMayGoFirst) {
-  auto graphics = std::make_unique<backends::StubGraphics>();
-  const std::unique_ptr<VuBitmapImpl> bitmap(graphics->CreateBitmap(3, 4, VuPixelFormat::RGB565));
-  bitmap->SetName("panel");
-  delete graphics->CreateBitmap(5, 6, kArgb);
-  std::ostringstream plain, masked;
-  graphics->PrintBitmapList(0, plain);
-  graphics->PrintBitmapList(0x5A5A, masked);
-  const std::string line = " \"panel\" 3x4 format 2 64 bytes\n";
-  EXPECT_EQ(plain.str().find(line) + line.size(), plain.str().size()) << plain.str();
-  EXPECT_NE(plain.str(), masked.str());
-  graphics.reset();
-  bitmap->SetName(nullptr);
 }
 
 }  // namespace
