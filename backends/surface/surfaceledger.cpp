@@ -28,8 +28,6 @@ std::shared_ptr<SurfaceLedger> SurfaceLedger::Create(uint64_t limit) {
   return std::shared_ptr<SurfaceLedger>(new SurfaceLedger(limit));
 }
 
-/// Whether there can be such a surface, and memory for it once `given` bytes are returned. The
-/// caller holds the lock.
 bool SurfaceLedger::Grants(int width, int height, VuPixelFormat format, uint32_t given,
                            const char* picture) const {
   if (!IsValidSurface(width, height, format)) {

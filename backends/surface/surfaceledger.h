@@ -11,16 +11,17 @@
 
 namespace ZIRK::backends {
 
-/// The live surfaces of one graphics context: what they are called and what memory they hold.
+/// The memory that the surfaces of a graphics context may take, and the list of those that exist.
 ///
-/// Shared by the context and its surfaces, so that either may go first. All operations may be
-/// called from any thread.
+/// The context and its surfaces share it, so that either may be deleted first. All operations may
+/// be called from any thread.
 class SurfaceLedger : public std::enable_shared_from_this<SurfaceLedger> {
  public:
   class Entry;
 
-  /// A ledger that grants `limit` bytes, but no more than 32 bits hold.
+  /// `limit` is in bytes; it is cut to what 32 bits hold.
   static std::shared_ptr<SurfaceLedger> Create(uint64_t limit = QuarterOfMachineMemory());
+  /// Bytes; 0 if the system does not tell.
   static uint64_t QuarterOfMachineMemory();
 
   /// Reserves the memory of a surface. Null, after an error line with the reason, if no surface can
@@ -29,14 +30,16 @@ class SurfaceLedger : public std::enable_shared_from_this<SurfaceLedger> {
   std::unique_ptr<Entry> Enter(int width, int height, VuPixelFormat format,
                                const char* picture = nullptr);
 
-  /// Bytes.
+  /// The bytes that are not reserved.
   unsigned Available() const;
+  /// The limit in bytes.
   unsigned Total() const;
 
-  /// One line per surface, oldest first. Addresses are printed XORed with `key`.
+  /// Prints one line per surface, oldest first. Addresses are XORed with `key`.
   void Print(unsigned key, std::ostream& os) const;
 
  private:
+  /// A surface in the list.
   struct Record {
     int width;
     int height;
@@ -47,6 +50,8 @@ class SurfaceLedger : public std::enable_shared_from_this<SurfaceLedger> {
 
   explicit SurfaceLedger(uint64_t limit);
 
+  /// Whether there can be such a surface, and memory for it once `given` bytes are returned. If
+  /// not, logs an error line. The caller holds the lock.
   bool Grants(int width, int height, VuPixelFormat format, uint32_t given,
               const char* picture = nullptr) const;
 
@@ -56,18 +61,19 @@ class SurfaceLedger : public std::enable_shared_from_this<SurfaceLedger> {
   std::list<Record> records_;
 };
 
-/// One surface's place in the ledger, given up when the surface goes.
+/// The memory of one surface. It is returned when this object is deleted, with the surface.
 class SurfaceLedger::Entry {
  public:
   ~Entry();
   Entry(const Entry&) = delete;
   Entry& operator=(const Entry&) = delete;
 
-  /// Enters another size and format in place of those there are; false, after an error line that
-  /// says why, and with nothing changed, where Enter() would not grant that.
+  /// Changes the size and format. False, after an error line with the reason, if Enter() would
+  /// fail; then nothing changes.
   bool Change(int width, int height, VuPixelFormat format);
 
-  /// Null counts as an empty name. Without memory for another name it keeps its own.
+  /// Names the surface in the list; null is an empty name. Without memory for the name, the surface
+  /// keeps the old one.
   void Rename(const char* name);
 
  private:

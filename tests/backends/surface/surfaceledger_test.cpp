@@ -27,7 +27,7 @@ TEST(SurfaceLedger, GrantsUpToItsLimitAndTakesBack) {
   EXPECT_EQ(ledger->Available(), 0u);
   first.reset();
   EXPECT_EQ(ledger->Available(), 640u);
-  // Of more than 32 bits hold, what is left is still told.
+  // A limit beyond 32 bits is cut to them.
   const auto large = SurfaceLedger::Create(uint64_t{5} << 32);
   const auto third = large->Enter(8, 20, VuPixelFormat::ARGB8888);
   EXPECT_EQ(large->Available(), 0xFFFFFFFFu - 640);
