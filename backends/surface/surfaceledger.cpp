@@ -52,9 +52,13 @@ std::unique_ptr<SurfaceLedger::Entry> SurfaceLedger::Enter(int width, int height
   const std::lock_guard<std::mutex> lock(mutex_);
   if (!Grants(width, height, format, 0, picture)) return nullptr;
   const uint32_t bytes = SurfaceBytes(width, height, format);
-  const auto record = records_.insert(records_.end(), Record{width, height, format, bytes, {}});
+  std::list<Record> record;
+  record.push_back({width, height, format, bytes, {}});
+  std::unique_ptr<Entry> entry(new Entry(shared_from_this(), record.begin()));
+  // Nothing throws from here on, so that no record stays without an entry.
+  records_.splice(records_.end(), record);
   held_ += bytes;
-  return std::unique_ptr<Entry>(new Entry(shared_from_this(), record));
+  return entry;
 }
 
 unsigned SurfaceLedger::Available() const {
