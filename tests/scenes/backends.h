@@ -9,7 +9,7 @@
 #include <memory>
 #include <string>
 
-#include "support/fonts.h"
+#include "helpers/fonts.h"
 #include "support/offscreen.h"
 
 namespace ZIRK::scenes {
@@ -57,7 +57,7 @@ inline std::unique_ptr<VuBitmap> NewTarget(VuGraphics& graphics, int width, int 
   return std::unique_ptr<VuBitmap>(graphics.CreateScreen(width, height, true, 0, false, format));
 }
 
-using support::FontFile;
+using helpers::FontFile;
 
 struct TestFont : VuFont {
   TestFont(const char* name, int size, bool bold = false)

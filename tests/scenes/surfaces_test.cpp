@@ -6,15 +6,15 @@
 #include <string>
 #include <vector>
 
+#include "helpers/pixels.h"
 #include "scenes/backends.h"
-#include "support/pixels.h"
 
 namespace ZIRK::scenes {
 namespace {
 
 using Format = VuPixelFormat;
-using support::Pixels;
-using support::PixelsOf;
+using helpers::Pixels;
+using helpers::PixelsOf;
 using Surfaces = OnEachBackend;
 
 INSTANTIATE_TEST_SUITE_P(Backends, Surfaces, testing::ValuesIn(kBackends),

@@ -10,10 +10,10 @@
 #include <limits>
 #include <thread>
 
+#include "helpers/freetype.h"
+#include "helpers/pixels.h"
 #include "scenes/backends.h"
 #include "scenes/trial.h"
-#include "support/freetype.h"
-#include "support/pixels.h"
 
 namespace ZIRK::scenes {
 namespace {
@@ -21,10 +21,10 @@ namespace {
 using Factor = VuBlendingFactor;
 using Format = VuPixelFormat;
 using Outline = VuFont::OutlineType;
-using support::FreeType;
-using support::Letter;
-using support::Pixels;
-using support::PixelsOf;
+using helpers::FreeType;
+using helpers::Letter;
+using helpers::Pixels;
+using helpers::PixelsOf;
 
 using Text = OnEachBackend;
 
@@ -189,7 +189,7 @@ TEST_P(Text, WhatTheAtlasHoldsIsRightAndTheRestIsLeftOut) {
   if (std::getenv("ZIRK_TEST_EMULATED") && !IsReference(GetParam()))
     GTEST_SKIP() << "1700 pictures take a renderer many minutes on an emulated processor";
   constexpr int kCell = 72;
-  const support::Symbols symbols;
+  const helpers::Symbols symbols;
   const VuFont font(new VuFontAtlas(symbols.Path(), 0, symbols.kSize, false, false));
   const FreeType face(symbols.Path(), symbols.kSize);
   const auto target = NewTarget(kCell, kCell);

@@ -4,15 +4,15 @@
 #include <iterator>
 #include <vector>
 
+#include "helpers/logged.h"
+#include "helpers/pixels.h"
 #include "scenes/backends.h"
-#include "support/logged.h"
-#include "support/pixels.h"
 
 namespace ZIRK::scenes {
 namespace {
 
-using support::LogsOneError;
-using support::PixelOf;
+using helpers::LogsOneError;
+using helpers::PixelOf;
 
 constexpr const char* kTogether[] = {"FB", "OpenGLES2", "Hybrid", "DirectFB"};
 

@@ -8,8 +8,8 @@
 #include <memory>
 #include <utility>
 
-#include "support/fonts.h"
-#include "support/plugins.h"
+#include "helpers/fonts.h"
+#include "helpers/plugins.h"
 
 namespace ZIRK {
 namespace {
@@ -33,8 +33,8 @@ void ExpectAtExit(void (*leave)(), const char* said) {
   EXPECT_EXIT(
       {
         LogLevel = 2;
-        support::Install("Hybrid");
-        support::Install("GLCompositor", "Independent", "VuCompositor");
+        helpers::Install("Hybrid");
+        helpers::Install("GLCompositor", "Independent", "VuCompositor");
         graphics.reset(VuGraphics::Create());
         bitmap.reset(graphics->CreateBitmap(1, 1, VuPixelFormat::ARGB8888));
         VuCompositor::Enable(true);
@@ -74,7 +74,7 @@ TEST(ExitOrderDeathTest, AnAtlasHeldByTheFontOverride) {
         const std::shared_ptr<VuGraphicsImpl> impl(static_cast<VuGraphicsImpl*>(
             GraphicsImplLoader::GetInstance()->CreateImplInstance("Hybrid", false)));
         auto* const atlas =
-            new VuFontAtlas(support::FontFile("sans.ttf").c_str(), 0, 9, false, false);
+            new VuFontAtlas(helpers::FontFile("sans.ttf").c_str(), 0, 9, false, false);
         atlas->GetAtlas(impl.get());
         VuFont::SetFontOverride(
             [impl, font = std::make_shared<VuFont>(atlas)](auto...) { return font.get(); });

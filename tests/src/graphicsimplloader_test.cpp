@@ -10,15 +10,15 @@
 #include <tuple>
 #include <vector>
 
-#include "support/calls.h"
-#include "support/logged.h"
-#include "support/plugins.h"
+#include "helpers/calls.h"
+#include "helpers/logged.h"
+#include "helpers/plugins.h"
 
 namespace ZIRK {
 namespace {
 
-using support::LoggedAt;
-using support::Plugin;
+using helpers::LoggedAt;
+using helpers::Plugin;
 
 /// A loader of the test's own, with an empty table.
 class Loader : public testing::Test {
@@ -106,11 +106,11 @@ TEST_F(Loader, LooksOnDiskForTheFirst29CharactersOfAPath) {
 }
 
 TEST_F(Loader, AsksForTwoPathsAPlugin) {
-  support::calls.accessed.clear();
+  helpers::calls.accessed.clear();
   SetUp("libZIRKImplStub.so");
-  EXPECT_THAT(support::calls.accessed, testing::IsEmpty()) << "nothing is looked for";
+  EXPECT_THAT(helpers::calls.accessed, testing::IsEmpty()) << "nothing is looked for";
   loader.SetupGfxImpl("X", "libZIRKImplDirectFB.so", {0, 0}, true);
-  EXPECT_THAT(support::calls.accessed,
+  EXPECT_THAT(helpers::calls.accessed,
               testing::ElementsAre("/lib/libZIRKImplDirectFB.so", "/usr/lib/libZIRKImplDirectFB."));
 }
 

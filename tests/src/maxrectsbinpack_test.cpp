@@ -6,12 +6,12 @@
 #include <random>
 #include <utility>
 
-#include "support/logged.h"
+#include "helpers/logged.h"
 
 namespace ZIRK {
 namespace {
 
-using support::LoggedAt;
+using helpers::LoggedAt;
 using Found = std::pair<std::pair<int, int>, BinRect>;
 
 /// The algorithm step by step, with each comparison made, in the order in which it is defined.

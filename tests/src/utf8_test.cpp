@@ -7,7 +7,7 @@
 #include <string>
 #include <tuple>
 
-#include "support/logged.h"
+#include "helpers/logged.h"
 
 namespace ZIRK {
 namespace {
@@ -56,9 +56,9 @@ TEST(Utf8, WhatIsWrongIsLogged) {
   for (const auto& [text, value, length, logged] : cases) {
     int n = -1;
     const auto decode = [&, s = text, v = value] { EXPECT_EQ(GetUtf8Char(s, &n), v); };
-    EXPECT_EQ(support::LoggedAt(6, decode), logged);
+    EXPECT_EQ(helpers::LoggedAt(6, decode), logged);
     EXPECT_EQ(n, length);
-    EXPECT_EQ(support::LoggedAt(5, decode), "");
+    EXPECT_EQ(helpers::LoggedAt(5, decode), "");
   }
 }
 

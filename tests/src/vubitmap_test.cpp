@@ -11,7 +11,7 @@
 #include <utility>
 
 #include "doubles/fakeobject.h"
-#include "support/logged.h"
+#include "helpers/logged.h"
 
 namespace ZIRK {
 namespace {
@@ -60,7 +60,7 @@ class Slots : public testing::Test {
     }
   }
 
-  const support::Tunables restored;
+  const helpers::Tunables restored;
   FakeObject<VuBitmapImpl> surface, source;
   FakeObject<VuFontImpl> fontObject;
   VuBitmap b{surface.get()};
@@ -184,7 +184,7 @@ TEST_F(Slots, OverdrawIsReportedAtTheEndOfAFrame) {
     LogOverdraw = counting;
     surface.Set(9, bounds);
     surface.fields[0] = 25000;
-    EXPECT_EQ(support::LoggedAt(level, [&] { b.Finish(); }), line);
+    EXPECT_EQ(helpers::LoggedAt(level, [&] { b.Finish(); }), line);
     EXPECT_EQ(surface.fields[0], left) << line;
   }
 }

@@ -4,8 +4,8 @@
 #include <future>
 #include <thread>
 
-#include "support/logged.h"
-#include "support/plugins.h"
+#include "helpers/logged.h"
+#include "helpers/plugins.h"
 
 namespace ZIRK {
 
@@ -28,7 +28,7 @@ TEST(Compositor, DoesNothingUntilEnabled) {
 }
 
 TEST(Compositor, EnabledTwiceIsOneThatForwards) {
-  support::Install("GLCompositor", "Independent", "VuCompositor");
+  helpers::Install("GLCompositor", "Independent", "VuCompositor");
   const auto run = [] {
     VuCompositor::Enable(true);
     VuCompositor::Enable(true);
@@ -41,12 +41,12 @@ TEST(Compositor, EnabledTwiceIsOneThatForwards) {
     VuCompositor::Enable(false);
     VuCompositor::Enable(false);
   };
-  EXPECT_EQ(support::LoggedAt(2, run),
+  EXPECT_EQ(helpers::LoggedAt(2, run),
             "CreateVuCompositor 0\nEnableLayer -3 1\ncompositor destroyed\n");
 }
 
 TEST(Compositor, DisablingWaitsForCallsInProgress) {
-  support::Install("GLCompositor", "Independent", "VuCompositor");
+  helpers::Install("GLCompositor", "Independent", "VuCompositor");
   static std::promise<void> entered, leave;
   const TestLayer layer{[] {
     entered.set_value();
@@ -66,11 +66,11 @@ TEST(Compositor, DisablingWaitsForCallsInProgress) {
     leave.set_value();
     caller.join();
   };
-  EXPECT_EQ(support::LoggedAt(2, run), "CreateVuCompositor 0\nleaving\ncompositor destroyed\n");
+  EXPECT_EQ(helpers::LoggedAt(2, run), "CreateVuCompositor 0\nleaving\ncompositor destroyed\n");
 }
 
 TEST(CompositorDeathTest, NeedsThePlugin) {
-  support::Install("GLCompositor", "Missing", "VuCompositor");
+  helpers::Install("GLCompositor", "Missing", "VuCompositor");
   EXPECT_DEATH(VuCompositor::Enable(true),
                "src/vucompositor.cpp:70: static void ZIRK::VuCompositor::Enable\\(bool\\): "
                "Assertion `instance' failed");

@@ -9,13 +9,13 @@
 #include <string>
 
 #include "doubles/memorygraphics.h"
-#include "support/fonts.h"
-#include "support/logged.h"
+#include "helpers/fonts.h"
+#include "helpers/logged.h"
 
 namespace ZIRK {
 namespace {
 
-using support::FontFile;
+using helpers::FontFile;
 
 class Fonts : public testing::Test {
  protected:
@@ -38,7 +38,7 @@ class Fonts : public testing::Test {
 TEST_F(Fonts, AreMadeAsAskedFor) {
   const std::string file = FontFile("sans.ttf");
   const char* const path = file.c_str();
-  const std::vector<unsigned char> bytes = support::FontBytes("sans.ttf");
+  const std::vector<unsigned char> bytes = helpers::FontBytes("sans.ttf");
   const unsigned char* const data = bytes.data();
   const auto size = static_cast<unsigned>(bytes.size());
   const char* const regular = "58 33";
@@ -78,7 +78,7 @@ TEST_F(Fonts, TheOverrideMakesThoseFromFiles) {
 TEST_F(Fonts, WithoutAFile) {
   EXPECT_THROW(VuFont::CreateFont(nullptr, 0, 10), std::logic_error);
   const auto make = [] { delete VuFont::CreateFontFromMemory(nullptr, 100, 0, 10); };
-  EXPECT_EQ(support::LoggedAt(7, make),
+  EXPECT_EQ(helpers::LoggedAt(7, make),
             "<ZIRK.error>: VuFontAtlas: Failed to create font buffer\n");
 }
 

@@ -17,20 +17,20 @@
 #include <vector>
 
 #include "doubles/memorygraphics.h"
-#include "support/calls.h"
-#include "support/fonts.h"
-#include "support/freetype.h"
-#include "support/logged.h"
+#include "helpers/calls.h"
+#include "helpers/fonts.h"
+#include "helpers/freetype.h"
+#include "helpers/logged.h"
 
 namespace ZIRK {
 namespace {
 
 using doubles::MemoryBitmap;
 using doubles::MemoryGraphics;
-using support::FontFile;
-using support::FreeType;
-using support::Letter;
-using support::LoggedAt;
+using helpers::FontFile;
+using helpers::FreeType;
+using helpers::Letter;
+using helpers::LoggedAt;
 using Type = VuFont::OutlineType;
 
 const MemoryBitmap& Surface(const VuTextureAtlasImpl& atlas) {
@@ -54,7 +54,7 @@ class FontAtlas : public testing::Test {
     return font.GetGlyph(code, false);
   }
 
-  const support::Tunables restored;
+  const helpers::Tunables restored;
   MemoryGraphics graphics;
   const VuFontAtlas cjk = Open("cjk.ttf", 30);
 };
@@ -80,7 +80,7 @@ TEST_F(FontAtlas, Metrics) {
 
 TEST_F(FontAtlas, FontsThatDoNotOpen) {
   const std::string text = FontFile("README.md"), pair = FontFile("collection.ttc");
-  const std::vector<unsigned char> bytes = support::FontBytes("README.md");
+  const std::vector<unsigned char> bytes = helpers::FontBytes("README.md");
   const std::string pipe = testing::TempDir() + "zirk_font_pipe";
   mkfifo(pipe.c_str(), 0600);
   const std::string unsupported = ": font format is unsupported ",
@@ -114,14 +114,14 @@ TEST_F(FontAtlas, FontsThatDoNotOpen) {
 }
 
 TEST_F(FontAtlas, FilesAreOpenedByFtNewFace) {
-  support::calls.faces.clear();
+  helpers::calls.faces.clear();
   const VuFontAtlas font = Open("sans.ttf", 9);
-  EXPECT_THAT(support::calls.faces, testing::ElementsAre(FontFile("sans.ttf")));
+  EXPECT_THAT(helpers::calls.faces, testing::ElementsAre(FontFile("sans.ttf")));
 }
 
 TEST_F(FontAtlas, TruncatedFonts) {
   for (const auto& [file, step] : {std::pair("collection.ttc", size_t(1)), {"sans.ttf", 1009}}) {
-    const std::vector<unsigned char> whole = support::FontBytes(file);
+    const std::vector<unsigned char> whole = helpers::FontBytes(file);
     for (size_t size = whole.size() % step; size <= whole.size(); size += step) {
       const std::vector<unsigned char> part(whole.begin(), whole.begin() + ptrdiff_t(size));
       const VuFontAtlas font(part.data(), unsigned(size), 0, 20, true, false);
@@ -209,7 +209,7 @@ TEST_F(FontAtlas, WhatStandsInForMissingGlyphs) {
   EXPECT_EQ(Add(font, '?'), Add(font, kMissing));
   EXPECT_EQ(Add(font, kOhm), Add(font, kOmega));
 
-  const std::vector<unsigned char> bytes = support::FontBytes("cjk.ttf");
+  const std::vector<unsigned char> bytes = helpers::FontBytes("cjk.ttf");
   const VuFontAtlas fromMemory(bytes.data(), unsigned(bytes.size()), 0, 30, false, false);
   doubles::FakeObject<VuFontImpl> foreign;
   const char* const nothing =
@@ -334,7 +334,7 @@ TEST_F(FontAtlas, WidthsWithKerning) {
 TEST_F(FontAtlas, AGlyphThatLoadsLaterGetsItsAdvance) {
   const VuFontAtlas font = Open("sans.ttf", 48), whole = Open("sans.ttf", 48);
   const int width = whole.GetOneLineWidth("AV"), advance = Add(whole, 'A')->advance;
-  support::calls.glyphsToRefuse = 1;
+  helpers::calls.glyphsToRefuse = 1;
   EXPECT_EQ(font.GetOneLineWidth("AV"), width - advance);
   const Glyph* const a = Add(font, 'A');
   EXPECT_EQ(a->advance, 0);
@@ -360,7 +360,7 @@ TEST_F(FontAtlas, MeasuringWhatIsKnownWaitsForNobody) {
 }
 
 TEST_F(FontAtlas, TheAtlasGrowsUntilItIsFull) {
-  const support::Symbols symbols;
+  const helpers::Symbols symbols;
   for (const int type : {5, 0}) {
     graphics.type = type;
     graphics.heights.clear();

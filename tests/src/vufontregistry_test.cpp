@@ -9,14 +9,14 @@
 #include <thread>
 #include <tuple>
 
-#include "support/fonts.h"
-#include "support/logged.h"
+#include "helpers/fonts.h"
+#include "helpers/logged.h"
 
 namespace ZIRK {
 namespace {
 
-using support::FontFile;
-using support::LoggedAt;
+using helpers::FontFile;
+using helpers::LoggedAt;
 
 const std::string kRegular = FontFile("sans.ttf"), kBold = FontFile("sansbold.ttf"),
                   kOblique = FontFile("sansoblique.ttf");
@@ -116,7 +116,7 @@ TEST(FontRegistry, Log) {
 }
 
 TEST(FontRegistry, AFontWithoutNamesIsOfTheEmptyFamily) {
-  const std::vector<unsigned char> font = support::FontBytes("bitmap.bdf");
+  const std::vector<unsigned char> font = helpers::FontBytes("bitmap.bdf");
   std::string text(font.begin(), font.end());
   const size_t name = text.find("FAMILY_NAME");
   text.replace(name, text.find('\n', name) - name, "COMMENT none");
@@ -135,7 +135,7 @@ TEST(FontRegistry, NullNamesAreThrownBackWithoutTheLock) {
 }
 
 TEST(FontRegistry, FontsComeAndGoWhileTheyAreAskedFor) {
-  const support::Tunables restored;
+  const helpers::Tunables restored;
   LogLevel = 2;
   VuFontRegistry registry(&Note);
   std::thread other([&] {

@@ -12,20 +12,20 @@
 #include <thread>
 #include <tuple>
 
-#include "support/logged.h"
-#include "support/plugins.h"
+#include "helpers/logged.h"
+#include "helpers/plugins.h"
 
 namespace ZIRK {
 namespace {
 
-using support::LoggedAt;
+using helpers::LoggedAt;
 
 /// The test plug-in stands in for every backend.
 class Creation : public testing::Test {
  protected:
   void SetUp() override {
     for (const char* name : {"OpenGLES2", "DirectFB", "Hybrid", "Stub", "FB"})
-      support::Install(name);
+      helpers::Install(name);
   }
   void TearDown() override {
     unsetenv("ZIRK_STUB");
@@ -58,7 +58,7 @@ TEST_F(Creation, OpensTheBackendAskedFor) {
     VuGraphics::SetDefaultImpl(defaultImpl);
     ExpectOpened(create, opened, flag);
   }
-  support::Install("OpenGLES2", "Missing");
+  helpers::Install("OpenGLES2", "Missing");
   VuGraphics::SetDefaultImpl("Default");
   ExpectOpened([] { return VuGraphics::Create(true); }, "DirectFB", true);
   setenv("ZIRK_STUB", "", 1);
@@ -116,7 +116,7 @@ TEST_F(Creation, Queries) {
 
 class Context : public testing::Test {
  protected:
-  void SetUp() override { support::Install("FB"); }
+  void SetUp() override { helpers::Install("FB"); }
 
   static std::unique_ptr<VuGraphics> New() {
     return std::unique_ptr<VuGraphics>(VuGraphics::Create("FB", true));

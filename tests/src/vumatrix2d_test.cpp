@@ -10,7 +10,7 @@
 #include <tuple>
 #include <vector>
 
-#include "support/logged.h"
+#include "helpers/logged.h"
 
 namespace ZIRK {
 namespace {
@@ -169,7 +169,7 @@ TEST(Geometry, Prints) {
     (Scale(2, 3) * Translation(40.5f, -5)).print();
     RectI(1, 2, 9, 8).print("clip");
   };
-  EXPECT_EQ(support::LoggedAt(3, print),
+  EXPECT_EQ(helpers::LoggedAt(3, print),
             "<ZIRK.error>: matrix (null) 1:  2.000  0.000  0.000\n"
             "<ZIRK.error>: matrix (null) 2:  0.000  3.000  0.000\n"
             "<ZIRK.error>: matrix (null) 3: 40.500 -5.000  1.000\n"

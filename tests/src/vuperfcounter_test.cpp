@@ -6,13 +6,13 @@
 #include <string>
 #include <thread>
 
-#include "support/logged.h"
+#include "helpers/logged.h"
 
 namespace ZIRK {
 namespace {
 
+using helpers::LoggedAt;
 using std::this_thread::sleep_for;
-using support::LoggedAt;
 using namespace std::chrono_literals;
 
 TEST(PerfCounter, CountsEveryInterval) {
@@ -46,7 +46,7 @@ TEST(PerfCounter, ResetAlsoStops) {
 // ShowFPS keeps its statistics per thread, so each of these has a thread of its own.
 
 TEST(ShowFps, ReportsAtOnceThenAveragesOncePerSecond) {
-  const support::Tunables restored;
+  const helpers::Tunables restored;
   LogPerf = true;
   const auto run = [] {
     EXPECT_THAT(LoggedAt(4, ShowFPS), testing::HasSubstr("fps in 1.0 secs\n"));
@@ -64,7 +64,7 @@ TEST(ShowFps, ReportsAtOnceThenAveragesOncePerSecond) {
 }
 
 TEST(ShowFps, ClearsTheDrawingTimesSilently) {
-  const support::Tunables restored;
+  const helpers::Tunables restored;
   for (const bool perf : {true, false}) {
     LogPerf = perf;
     draw_time = swap_time = 1;

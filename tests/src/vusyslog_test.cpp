@@ -7,13 +7,13 @@
 #include <string>
 #include <thread>
 
+#include "helpers/logged.h"
 #include "support/allocations.h"
-#include "support/logged.h"
 
 namespace ZIRK {
 namespace {
 
-using support::LoggedAt;
+using helpers::LoggedAt;
 
 TEST(Log, LevelsAndTags) {
   int evaluated = 0;
@@ -60,7 +60,7 @@ std::string Warnings(int count) {
 }
 
 TEST(Log, TheBurstIsLimitedAndReportedOnce) {
-  const support::Tunables restored;
+  const helpers::Tunables restored;
   EXPECT_EQ(LogLevel, 4);
   EXPECT_EQ(LogBurst, 20);
   EXPECT_EQ(LogInterval, 5);

@@ -2,13 +2,13 @@
 #include <zirk/backend.h>
 
 #include "doubles/fakeobject.h"
-#include "support/logged.h"
+#include "helpers/logged.h"
 
 namespace ZIRK {
 namespace {
 
 using namespace doubles;
-using support::LoggedAt;
+using helpers::LoggedAt;
 
 const std::string kFailed = ": bitmap allocation failed\n";
 using Size = std::pair<int, int>;

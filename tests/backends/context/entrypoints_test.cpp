@@ -3,15 +3,15 @@
 #include <memory>
 #include <new>
 
+#include "helpers/logged.h"
 #include "stub/stubgraphics.h"
-#include "support/logged.h"
 
 namespace ZIRK::tests {
 namespace {
 
 using backends::CreateForLibrary;
-using support::LoggedAt;
-using support::LogsOneError;
+using helpers::LoggedAt;
+using helpers::LogsOneError;
 using Graphics = std::unique_ptr<VuGraphicsImpl>;
 
 TEST(EntryPoints, GiveWhatWasMadeOrNull) {

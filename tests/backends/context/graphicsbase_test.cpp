@@ -11,15 +11,15 @@
 #include <sstream>
 #include <string>
 
+#include "helpers/logged.h"
 #include "stub/stubgraphics.h"
-#include "support/logged.h"
 
 namespace ZIRK::tests {
 namespace {
 
 using backends::GraphicsBase;
 using backends::StubGraphics;
-using support::LogsOneError;
+using helpers::LogsOneError;
 using Bitmap = std::unique_ptr<VuBitmapImpl>;
 constexpr auto kArgb = VuPixelFormat::ARGB8888;
 const char* const kPath = ZIRK_TEST_IMAGES "rgba8.png";  // 29 x 19.

@@ -9,16 +9,16 @@
 #include <memory>
 #include <utility>
 
-#include "support/logged.h"
-#include "support/pixels.h"
+#include "helpers/logged.h"
+#include "helpers/pixels.h"
 
 namespace ZIRK::tests {
 namespace {
 
-using support::LogsOneError;
+using helpers::LogsOneError;
 using GraphicsPtr = std::unique_ptr<VuGraphics>;
 using BitmapPtr = std::unique_ptr<VuBitmap>;
-using support::PixelOf;
+using helpers::PixelOf;
 
 /// Goes when DirectFB's own static objects have gone.
 BitmapPtr leftAlive[2];
@@ -42,7 +42,7 @@ TEST(DirectFbStart, FailsWithOneErrorAndThenSucceedsWithoutAWord) {
   struct sigaction before[NSIG] = {}, after{};
   for (int i = 1; i < NSIG; ++i) sigaction(i, nullptr, &before[i]);
   testing::internal::CaptureStdout();
-  EXPECT_EQ(support::LoggedAt(3, [] { EXPECT_NE(Open(), nullptr); }), "");
+  EXPECT_EQ(helpers::LoggedAt(3, [] { EXPECT_NE(Open(), nullptr); }), "");
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
   for (int i = 1; i < NSIG; ++i) {
     sigaction(i, nullptr, &after);
@@ -94,7 +94,7 @@ TEST_F(DirectFb, AScreenIsReadAsItIsDrawnNotAsItIsShown) {
 TEST_F(DirectFb, AScreenWithoutADisplayStaysInMemory) {
   BitmapPtr first = Screen(0, true), second;
   const auto warned = [&](int index) {
-    return support::LoggedAt(4, [&] { second = Screen(index, true); });
+    return helpers::LoggedAt(4, [&] { second = Screen(index, true); });
   };
   EXPECT_NE(warned(0).find("another screen has it: the screen stays in memory"), std::string::npos);
   EXPECT_NE(warned(1).find("display layer 1"), std::string::npos);

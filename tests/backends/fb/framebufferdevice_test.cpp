@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "geometry/surfaceformat.h"
-#include "support/logged.h"
+#include "helpers/logged.h"
 
 namespace ZIRK::backends {
 namespace {
@@ -304,7 +304,7 @@ TEST(FramebufferDevice, BringsThePageItShowsUpToDateAndRestoresTheOffset) {
     auto device = OpenOn(io, {0, 0, true});
     Picture picture;
     picture.ShowOn(*device);
-    const std::string log = support::LoggedAt(4, [&] {
+    const std::string log = helpers::LoggedAt(4, [&] {
       for (const VuRect& damage : damages) {
         picture.Change(damage);
         picture.ShowOn(*device, damage);
@@ -336,7 +336,7 @@ TEST(FramebufferDevice, DoesNotHangOnADriverThatNeverReturns) {
   std::promise<void> vsync;
   io->waitForVsync = [&] { return vsync.get_future().wait(), true; };
   std::unique_ptr<FramebufferDevice> device;
-  EXPECT_EQ(support::LoggedAt(4, [&] { device = OpenOn(io); }),
+  EXPECT_EQ(helpers::LoggedAt(4, [&] { device = OpenOn(io); }),
             "<ZIRK.warning>: /dev/fake: the wait for vertical sync does not return: doing without "
             "it\n");
   Picture().ShowOn(*device);

@@ -11,16 +11,16 @@
 #include <vector>
 
 #include "backends/opengles2/injectedgl.h"
+#include "helpers/logged.h"
+#include "helpers/pixels.h"
 #include "hybrid/hybridgraphics.h"
-#include "support/logged.h"
-#include "support/pixels.h"
 
 namespace ZIRK::backends {
 namespace {
 
-using support::LogsOneError;
-using support::Pixels;
-using support::PixelsOf;
+using helpers::LogsOneError;
+using helpers::Pixels;
+using helpers::PixelsOf;
 const VuTMatrix2D<float> kIdentity;
 constexpr VuColor kRed{0xFFFF0000}, kBlue{0xFF0000FF};
 
@@ -112,7 +112,7 @@ TEST_F(Hybrid, WithoutOpenGlOneWarningSaysWhy) {
   EXPECT_FALSE(bitmap->IsTextureBacked());
   // Whoever comes later is better off, and draws from what there is.
   Sdl() = SdlCalls();
-  EXPECT_EQ(support::LoggedAt(4, [&] { Draw(*NewScreen(*graphics_, 8, 8), *screen); }), "");
+  EXPECT_EQ(helpers::LoggedAt(4, [&] { Draw(*NewScreen(*graphics_, 8, 8), *screen); }), "");
 }
 
 TEST_F(Hybrid, ABitmapIsTextureBackedWhileAScreenHasItsTexture) {
@@ -162,7 +162,7 @@ TEST_F(Hybrid, BitmapsSurviveTheLossOfTheContext) {
   lost_ = true;
   EXPECT_TRUE(LogsOneError("the context is lost", [&] { before->Finish(); }));
   lost_ = false;
-  EXPECT_EQ(support::LoggedAt(3, [&] { Draw(*before, *bitmap); }), "");
+  EXPECT_EQ(helpers::LoggedAt(3, [&] { Draw(*before, *bitmap); }), "");
   const ScreenPtr after = NewScreen(*graphics_, 8, 8);
   Draw(*after, *bitmap);
   EXPECT_EQ(PixelsOf(*after), PixelsOf(*bitmap));

@@ -7,12 +7,12 @@
 #include <random>
 
 #include "backends/images/pictures.h"
-#include "support/logged.h"
+#include "helpers/logged.h"
 
 namespace ZIRK::tests {
 namespace {
 
-using support::LogsOneError;
+using helpers::LogsOneError;
 
 /// What the files of tests/images show, 29 x 19: smooth, so that lossy formats keep it.
 Rgba Gradient(int x, int y) {
@@ -158,7 +158,7 @@ TEST(BrokenImage, FailsWithOneLineWhereverItIsCut) {
 // For the sanitizers: what comes out does not matter, that nothing breaks does.
 TEST(BrokenImage, SurvivesFlippedBits) {
   std::mt19937 random(20250117);
-  const support::Tunables restored;
+  const helpers::Tunables restored;
   LogLevel = 0;
   for (const Sample& sample : kSamples)
     for (int round = 0; round < 200; ++round) {

@@ -10,12 +10,12 @@
 #include <utility>
 
 #include "backends/opengles2/injectedgl.h"
-#include "support/logged.h"
+#include "helpers/logged.h"
 
 namespace ZIRK::backends {
 namespace {
 
-using support::LogsOneError;
+using helpers::LogsOneError;
 
 /// Makes the call at `function` fail.
 template <typename R, typename... A>

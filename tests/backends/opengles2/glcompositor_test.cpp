@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "backends/opengles2/injectedgl.h"
+#include "helpers/logged.h"
 #include "opengles2/glcompositor.h"
-#include "support/logged.h"
 
 namespace ZIRK::backends {
 namespace {
@@ -138,7 +138,7 @@ TEST_F(Compositor, RefusesAConfigurationAsAWhole) {
   Configure({good});
   for (const LayerDescription& bad : {Layer(1, {0, 0, -1, 5}), Layer(1, {5, 5, 0, 9}),
                                       Layer(16, {}), Layer(-1, {}), Layer(3, {})}) {
-    const std::string log = support::LoggedAt(4, [&] { Configure({Layer(4, {}), good, bad}); });
+    const std::string log = helpers::LoggedAt(4, [&] { Configure({Layer(4, {}), good, bad}); });
     EXPECT_EQ(log.rfind("<ZIRK.warning>: the layers stay as they are", 0), 0u);
     EXPECT_EQ(log.find('\n'), log.size() - 1);
   }

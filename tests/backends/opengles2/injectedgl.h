@@ -9,14 +9,14 @@
 #include <string>
 #include <vector>
 
+#include "helpers/pixels.h"
 #include "opengles2/glgraphics.h"
 #include "opengles2/glscreen.h"
 #include "support/offscreen.h"
-#include "support/pixels.h"
 
 namespace ZIRK::backends {
 
-using support::PixelOf;
+using helpers::PixelOf;
 
 /// OpenGL off-screen, with functions of SDL's or OpenGL's replaced before it is started.
 class InjectedGl : public testing::Test {

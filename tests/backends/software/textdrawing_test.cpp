@@ -7,15 +7,15 @@
 #include <string>
 #include <vector>
 
+#include "helpers/fonts.h"
+#include "helpers/logged.h"
 #include "software/softwarebitmap.h"
 #include "stub/stubgraphics.h"
-#include "support/fonts.h"
-#include "support/logged.h"
 
 namespace ZIRK::backends {
 namespace {
 
-using support::Symbols;
+using helpers::Symbols;
 
 constexpr int kWidth = 160, kHeight = 60;
 
@@ -66,7 +66,7 @@ TEST(TextDrawing, NeedsAnAtlasOfItsOwnKind) {
   // The other font's atlas got no bitmap, and whoever was to make it has gone.
   EXPECT_EQ(Context(100).Draw(orphan, text.c_str()), kNothing);
   for (VuFontAtlas* font : {&foreign, &orphan}) {
-    EXPECT_TRUE(support::LogsOneError("glyph atlas", [&] { context.Draw(*font, text.c_str()); }));
+    EXPECT_TRUE(helpers::LogsOneError("glyph atlas", [&] { context.Draw(*font, text.c_str()); }));
     EXPECT_EQ(context.Draw(*font, text.c_str()), kNothing);
   }
 }

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "support/logged.h"
+#include "helpers/logged.h"
 
 namespace ZIRK::tests {
 namespace {
@@ -31,7 +31,7 @@ TEST_F(StubPlugIn, CountsFrames) {
   const Bitmap screen(graphics_->CreateScreen(64, 64, false));
   LogFPS = true;
   // A thread's first frame is reported at once.
-  EXPECT_NE(support::LoggedAt(4, [&] { screen->SwapBuffers(); }), "");
+  EXPECT_NE(helpers::LoggedAt(4, [&] { screen->SwapBuffers(); }), "");
   LogFPS = false;
 }
 

@@ -1,5 +1,5 @@
 #include "surface/surfaceledger.h"
-#include "support/logged.h"
+#include "helpers/logged.h"
 
 #include <sstream>
 #include <thread>
@@ -8,7 +8,7 @@ namespace ZIRK::tests {
 namespace {
 
 using backends::SurfaceLedger;
-using support::LogsOneError;
+using helpers::LogsOneError;
 
 TEST(SurfaceLedger, GrantsUpToItsLimitAndTakesBack) {
   const auto ledger = SurfaceLedger::Create(992);

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-namespace ZIRK::support {
+namespace ZIRK::helpers {
 
 /// What the library asks of the C library and of FreeType: the functions below stand before theirs,
 /// note the call, and forward it.
@@ -14,4 +14,4 @@ struct Calls {
 };
 extern Calls calls;
 
-}  // namespace ZIRK::support
+}  // namespace ZIRK::helpers

@@ -1,4 +1,4 @@
-#include "support/calls.h"
+#include "helpers/calls.h"
 
 #include <dlfcn.h>
 #include <unistd.h>
@@ -7,7 +7,7 @@
 #include <ft2build.h>
 #include FT_FREETYPE_H
 
-namespace ZIRK::support {
+namespace ZIRK::helpers {
 
 Calls calls;
 
@@ -21,10 +21,10 @@ F* Next(const char* name, F* /*own*/) {
 
 }  // namespace
 
-}  // namespace ZIRK::support
+}  // namespace ZIRK::helpers
 
-using ZIRK::support::calls;
-using ZIRK::support::Next;
+using ZIRK::helpers::calls;
+using ZIRK::helpers::Next;
 
 extern "C" {
 

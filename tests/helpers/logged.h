@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-namespace ZIRK::support {
+namespace ZIRK::helpers {
 
 /// Puts the library's global switches back at the end of the scope.
 struct Tunables {
@@ -44,4 +44,4 @@ testing::AssertionResult LogsOneError(const std::string& part, F&& run, int leve
   return testing::AssertionFailure() << "not one such line with \"" << part << "\":\n" << log;
 }
 
-}  // namespace ZIRK::support
+}  // namespace ZIRK::helpers

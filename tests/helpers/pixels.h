@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <vector>
 
-namespace ZIRK::support {
+namespace ZIRK::helpers {
 
 using Pixels = std::vector<uint32_t>;
 
@@ -27,4 +27,4 @@ uint32_t PixelOf(Surface& surface, int x, int y) {
   return pixel;
 }
 
-}  // namespace ZIRK::support
+}  // namespace ZIRK::helpers

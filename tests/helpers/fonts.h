@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace ZIRK::support {
+namespace ZIRK::helpers {
 
 /// The path of a sample font.
 inline std::string FontFile(const std::string& name) {
@@ -55,4 +55,4 @@ class Symbols {
   const std::string path_ = testing::TempDir() + "zirk-symbols-" + std::to_string(getpid());
 };
 
-}  // namespace ZIRK::support
+}  // namespace ZIRK::helpers

@@ -4,7 +4,7 @@
 
 #include <string>
 
-namespace ZIRK::support {
+namespace ZIRK::helpers {
 
 /// The file of the test plug-in `name`.
 inline std::string Plugin(const std::string& name) {
@@ -18,4 +18,4 @@ inline void Install(const std::string& name, const std::string& plugin = "Indepe
                                                   "Destroy" + product, {1, 2}, false);
 }
 
-}  // namespace ZIRK::support
+}  // namespace ZIRK::helpers

@@ -13,7 +13,7 @@
 #include <tuple>
 #include <vector>
 
-namespace ZIRK::support {
+namespace ZIRK::helpers {
 
 /// A glyph as FreeType renders it; x and y are from the pen at the top of the line.
 struct Letter {
@@ -76,4 +76,4 @@ struct FreeType {
   }
 };
 
-}  // namespace ZIRK::support
+}  // namespace ZIRK::helpers
