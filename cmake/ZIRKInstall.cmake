@@ -62,7 +62,7 @@ configure_file("${PROJECT_SOURCE_DIR}/cmake/zirk.pc.in" "${PROJECT_BINARY_DIR}/z
 install(FILES "${PROJECT_BINARY_DIR}/zirk.pc"
   DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT libzirk-dev)
 
-# The documents, and what the examples are made of.
+# The documents, and what the examples are made of, support/ among it.
 set(ZIRK_DOC_DIR "${CMAKE_INSTALL_DATAROOTDIR}/doc/zirk")
 install(FILES
   "${PROJECT_SOURCE_DIR}/CHANGELOG.md"
@@ -72,7 +72,10 @@ install(FILES
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs"
   DESTINATION "${ZIRK_DOC_DIR}" COMPONENT zirk-doc
   FILES_MATCHING PATTERN "*.md" PATTERN "*.png" PATTERN "*.svg")
-install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples" "${PROJECT_SOURCE_DIR}/packaging"
+install(DIRECTORY
+  "${PROJECT_SOURCE_DIR}/examples"
+  "${PROJECT_SOURCE_DIR}/packaging"
+  "${PROJECT_SOURCE_DIR}/support"
   DESTINATION "${ZIRK_DOC_DIR}" COMPONENT zirk-doc)
 file(GLOB documents RELATIVE "${PROJECT_SOURCE_DIR}"
   "${PROJECT_SOURCE_DIR}/backends/README.md" "${PROJECT_SOURCE_DIR}/backends/*/README.md")

@@ -3,8 +3,8 @@
 //     zirk_make_gallery scenes BACKEND SHEET.png            all scenes, drawn on screens
 //     zirk_make_gallery reduce PICTURE.png WIDTH SMALL.png  a picture brought to a width
 
-#include <support/difference.h>
 #include <zirk/zirk.h>
+#include "support/difference.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -16,7 +16,7 @@
 namespace {
 
 using namespace ZIRK;
-using examples::Picture;
+using support::Picture;
 
 constexpr int kColumns = 6;
 
@@ -37,7 +37,7 @@ Picture Draw(VuGraphics& graphics, const scenes::Scene& scene) {
   screen->Clear(VuColor{0xFF182838});
   scene.draw(graphics, *screen);
   screen->Finish();
-  return examples::Crop(examples::PictureOf(*screen), {0, 0, scenes::kWidth, scenes::kHeight});
+  return support::Crop(support::PictureOf(*screen), {0, 0, scenes::kWidth, scenes::kHeight});
 }
 
 int DrawSheet(const char* backend, const char* file) {
@@ -57,7 +57,7 @@ int DrawSheet(const char* backend, const char* file) {
     Paste(sheet, picture, index % kColumns * scenes::kWidth, index / kColumns * scenes::kHeight);
     ++index;
   }
-  return examples::WritePng(file, sheet) ? 0 : 1;
+  return support::WritePng(file, sheet) ? 0 : 1;
 }
 
 int Reduce(const char* file, int width, const char* result) {
@@ -65,7 +65,7 @@ int Reduce(const char* file, int width, const char* result) {
   if (!graphics) return 1;
   const std::unique_ptr<VuBitmap> small(graphics->CreateBitmapFromFile(
       file, width, width, VuScaleMode::Bilinear, VuDisplayMode::Fit));
-  return small && examples::WritePng(result, *small) ? 0 : 1;
+  return small && support::WritePng(result, *small) ? 0 : 1;
 }
 
 }  // namespace

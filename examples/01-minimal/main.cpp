@@ -14,7 +14,7 @@ int main(int argc, char** argv) {
   screen->DrawRect({80, 60, 480, 240}, 0xFF2E6FB0);
   screen->DrawRect({200, 100, 320, 160}, 0xB0FFC857);  // Lets a third of what is below through.
   screen->DrawLine({80, 60}, {559, 299}, 0xFFFFFFFF);
-  const bool done = argc < 2 || ZIRK::examples::WritePng(argv[1], *screen);  // Before the swap.
+  const bool done = argc < 2 || ZIRK::support::WritePng(argv[1], *screen);  // Before the swap.
   screen->SwapBuffers();
   return done ? 0 : 1;
 }

@@ -73,7 +73,7 @@ int main(int argc, char** argv) {
   DrawRing(*screen, {kPanel * 3 / 2, kPanel / 2});
   DrawSpiral(*screen, {kPanel / 2, kPanel * 3 / 2});
   DrawLight(*screen, {kPanel * 3 / 2, kPanel * 3 / 2});
-  const bool done = argc < 2 || examples::WritePng(argv[1], *screen);
+  const bool done = argc < 2 || support::WritePng(argv[1], *screen);
   screen->SwapBuffers();
   return done ? 0 : 1;
 }

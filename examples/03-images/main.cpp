@@ -87,7 +87,7 @@ int main(int argc, char** argv) {
   // A part of the photograph, seen through the disc.
   screen->DrawObject({590, 230, 200, 200}, *photo, {440, 60, 400, 400}, VuTransform(), white, *disc,
                      nullptr);
-  const bool done = argc < 2 || examples::WritePng(argv[1], *screen);
+  const bool done = argc < 2 || support::WritePng(argv[1], *screen);
   screen->SwapBuffers();
   return done ? 0 : 1;
 }

@@ -55,7 +55,7 @@ int main(int argc, char** argv) {
   for (int frame = 0; frame < kFrames; ++frame) {
     DrawFrame(*screen, frame);
     // What the screen holds after the swap depends on the backend.
-    if (frame + 1 == kFrames && argc > 1 && !examples::WritePng(argv[1], *screen)) return 1;
+    if (frame + 1 == kFrames && argc > 1 && !support::WritePng(argv[1], *screen)) return 1;
     screen->SwapBuffers();
     ShowProgress(frame);
     std::this_thread::sleep_until(next += kFrameTime);

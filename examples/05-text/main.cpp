@@ -108,7 +108,7 @@ int main(int argc, char** argv) {
   };
   Column column(*screen, {56, 146, 708, 260}, regular->GetOneLineHeight() + 8);
   for (const Run& run : paragraph) column.Set(run);
-  const bool done = argc < 2 || examples::WritePng(argv[1], *screen);
+  const bool done = argc < 2 || support::WritePng(argv[1], *screen);
   screen->SwapBuffers();
   return done ? 0 : 1;
 }

@@ -95,7 +95,7 @@ int main(int argc, char** argv) {
     video->SwapBuffers();
   }
   // A layer is read like any other screen; the display is not.
-  const bool written = argc < 2 || examples::WritePng(argv[1], *panel);
+  const bool written = argc < 2 || support::WritePng(argv[1], *panel);
   VuCompositor::Enable(false);
   return written ? 0 : 1;
 }

@@ -353,7 +353,7 @@ int main(int argc, char** argv) {
   if (!studio.photo || !studio.balloon) return 1;
   DrawPoster(studio);
   // Before it is shown: what a screen holds afterwards is not the same on every backend.
-  const bool written = argc < 2 || examples::WritePng(argv[1], *screen);
+  const bool written = argc < 2 || support::WritePng(argv[1], *screen);
   screen->SwapBuffers();
   if (argc > 3) WaitForLine();
   return written ? 0 : 1;

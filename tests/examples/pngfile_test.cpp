@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-namespace ZIRK::examples {
+namespace ZIRK::support {
 namespace {
 
 TEST(PngFile, ShowsEveryFormatUnpremultiplied) {
@@ -35,4 +35,4 @@ TEST(PngFile, ShowsEveryFormatUnpremultiplied) {
 }
 
 }  // namespace
-}  // namespace ZIRK::examples
+}  // namespace ZIRK::support

@@ -1,9 +1,6 @@
 // Every scene by every backend, against one set of pictures. `ZIRK_UPDATE_GOLDEN=1` in the
 // environment writes the pictures anew instead, with the first backend.
 
-#include <support/difference.h>
-#include <support/pngfile.h>
-
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
@@ -11,13 +8,15 @@
 
 #include "scenes/backends.h"
 #include "scenes/scenes.h"
+#include "support/difference.h"
+#include "support/pngfile.h"
 
 namespace ZIRK::scenes {
 namespace {
 
-using examples::Compare;
-using examples::Difference;
-using examples::Picture;
+using support::Compare;
+using support::Difference;
+using support::Picture;
 
 bool UpdatesGolden() {
   const char* const value = std::getenv("ZIRK_UPDATE_GOLDEN");
@@ -69,14 +68,14 @@ TEST_P(Golden, Scene) {
   target->Clear(VuColor{0xFF182838});
   scene.draw(*graphics, *target);
   target->Finish();
-  const Picture drawn = examples::PictureOf(*target);
+  const Picture drawn = support::PictureOf(*target);
 
   const std::string file = GoldenFile(scene);
   if (UpdatesGolden() && IsReference(backend)) {
-    ASSERT_TRUE(examples::WritePng(file.c_str(), drawn));
+    ASSERT_TRUE(support::WritePng(file.c_str(), drawn));
     GTEST_SKIP() << "wrote " << file;
   }
-  const std::optional<Picture> golden = examples::ReadPng(file.c_str());
+  const std::optional<Picture> golden = support::ReadPng(file.c_str());
   ASSERT_TRUE(golden) << "make it with ZIRK_UPDATE_GOLDEN=1, and look at it";
   ASSERT_EQ(golden->pixels.size(), drawn.pixels.size());
 
@@ -84,8 +83,8 @@ TEST_P(Golden, Scene) {
   const Difference difference = Compare(drawn, *golden, worst);
   if (difference.worst <= worst && difference.mean <= scene.mean) return;
   const std::string stem = std::string(scene.name) + "_" + backend;
-  examples::WritePng((stem + "_drawn.png").c_str(), drawn);
-  examples::WritePng((stem + "_difference.png").c_str(), difference.picture);
+  support::WritePng((stem + "_drawn.png").c_str(), drawn);
+  support::WritePng((stem + "_difference.png").c_str(), difference.picture);
   const size_t at = std::min(difference.firstPixel, drawn.pixels.size() - 1);
   FAIL() << "worst difference " << difference.worst << " (" << worst << " allowed), mean "
          << difference.mean << " (" << scene.mean << " allowed); first at (" << at % kWidth << ", "

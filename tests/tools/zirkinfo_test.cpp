@@ -131,7 +131,7 @@ TEST(ZirkinfoProgram, DrawsTextOnlyWithAFont) {
   EXPECT_EQ(result.status, 3);
   EXPECT_THAT(result.output, ContainsRegex("panel: text-sizes [1-9]"));
   const auto difference =
-      examples::ReadPng((testing::TempDir() + "zirkinfo_test/difference.png").c_str());
+      support::ReadPng((testing::TempDir() + "zirkinfo_test/difference.png").c_str());
   ASSERT_TRUE(difference);
   EXPECT_EQ(difference->width, 640);
 }

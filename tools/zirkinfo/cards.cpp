@@ -15,7 +15,7 @@ namespace ZIRK::zirkinfo {
 
 namespace {
 
-using examples::Picture;
+using support::Picture;
 
 std::nullopt_t Failed(const std::string& subject, const char* problem) {
   std::fprintf(stderr, "zirkinfo: %s: %s\n", subject.c_str(), problem);
@@ -58,11 +58,11 @@ std::optional<Picture> DrawCard(const std::string& backend, const std::string& f
   if (!DrawTestCard(*graphics, *target, fontFile))
     return Failed(name, "has no bitmaps to draw the card with");
   // Before it is shown: what a screen holds afterwards is not the same on every backend.
-  const Picture drawn = examples::PictureOf(*target);
+  const Picture drawn = support::PictureOf(*target);
   target->SwapBuffers();
   if (line.hold > 0) sleep(static_cast<unsigned>(line.hold));
   if (drawn.pixels.empty()) return Failed(name, "does not give its pixels back");
-  return examples::Crop(drawn, {0, 0, kCardWidth, kCardHeight});
+  return support::Crop(drawn, {0, 0, kCardWidth, kCardHeight});
 }
 
 bool IsPngFile(const std::string& name) {
@@ -74,13 +74,13 @@ bool IsPngFile(const std::string& name) {
 /// A picture of a file, or a card drawn by a backend.
 std::optional<Picture> GetPicture(const std::string& operand, const std::string& fontFile,
                                   const CommandLine& line) {
-  if (IsPngFile(operand)) return examples::ReadPng(operand.c_str());
+  if (IsPngFile(operand)) return support::ReadPng(operand.c_str());
   return DrawCard(operand, fontFile, line);
 }
 
 void ShowPanels(const Picture& a, const Picture& b) {
   for (const PanelPlace& panel : PanelPlaces()) {
-    const auto part = examples::Compare(Crop(a, panel.area), Crop(b, panel.area), 255);
+    const auto part = support::Compare(Crop(a, panel.area), Crop(b, panel.area), 255);
     std::printf("panel: %s %.1f %.4f\n", panel.name, part.worst, part.mean);
   }
 }
@@ -98,7 +98,7 @@ int WriteCard(const CommandLine& line) {
   const std::optional<Picture> card = DrawCard(line.backend, *font, line);
   if (!card) return kFailed;
   if (line.operands.empty()) return kDone;
-  return examples::WritePng(line.operands[0].c_str(), *card) ? kDone : kFailed;
+  return support::WritePng(line.operands[0].c_str(), *card) ? kDone : kFailed;
 }
 
 int CompareCards(const CommandLine& line) {
@@ -115,13 +115,13 @@ int CompareCards(const CommandLine& line) {
     return kFailed;
   }
 
-  const examples::Difference difference = Compare(*a, *b, line.worst);
+  const support::Difference difference = Compare(*a, *b, line.worst);
   const auto width = static_cast<size_t>(a->width);
   std::printf("worst: %.1f\n", difference.worst);
   std::printf("mean: %.4f\n", difference.mean);
   std::printf("worst-at: %zu %zu\n", difference.worstPixel % width, difference.worstPixel / width);
   if (a->width == kCardWidth && a->height == kCardHeight) ShowPanels(*a, *b);
-  if (!line.output.empty() && !examples::WritePng(line.output.c_str(), difference.picture))
+  if (!line.output.empty() && !support::WritePng(line.output.c_str(), difference.picture))
     return kFailed;
   return difference.worst <= line.worst && difference.mean <= line.mean ? kDone : kDiffers;
 }

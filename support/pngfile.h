@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-namespace ZIRK::examples {
+namespace ZIRK::support {
 
 /// Pixels as PNG files have them: 0xAARRGGBB, not premultiplied, rows top down without gaps.
 struct Picture {
@@ -25,4 +25,4 @@ bool WritePng(const char* path, VuBitmap& bitmap);
 /// Nothing, with a line on standard error, if the file cannot be read.
 std::optional<Picture> ReadPng(const char* path);
 
-}  // namespace ZIRK::examples
+}  // namespace ZIRK::support

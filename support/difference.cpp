@@ -4,7 +4,7 @@
 #include <array>
 #include <cmath>
 
-namespace ZIRK::examples {
+namespace ZIRK::support {
 
 namespace {
 
@@ -48,4 +48,4 @@ Picture Crop(const Picture& picture, const VuRect& rect) {
   return part;
 }
 
-}  // namespace ZIRK::examples
+}  // namespace ZIRK::support

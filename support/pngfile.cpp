@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <cstring>
 
-namespace ZIRK::examples {
+namespace ZIRK::support {
 
 namespace {
 
@@ -136,4 +136,4 @@ std::optional<Picture> ReadPng(const char* path) {
   return std::nullopt;
 }
 
-}  // namespace ZIRK::examples
+}  // namespace ZIRK::support

@@ -4,7 +4,7 @@
 
 #include "support/pngfile.h"
 
-namespace ZIRK::examples {
+namespace ZIRK::support {
 
 /// How far two pictures are apart, in steps of a channel, of which white has 255.
 struct Difference {
@@ -21,4 +21,4 @@ Difference Compare(const Picture& drawn, const Picture& expected, double limit);
 /// The part `rect` of a picture, which it lies inside.
 Picture Crop(const Picture& picture, const VuRect& rect);
 
-}  // namespace ZIRK::examples
+}  // namespace ZIRK::support
