@@ -1,5 +1,6 @@
 #include <dlfcn.h>
 #include <unistd.h>
+#include <zirk/backendtable.h>
 #include <zirk/graphicsimplloader.h>
 #include <zirk/impl/log.h>
 
@@ -39,13 +40,9 @@ bool IsOnDisk(const std::string& dso) {
 
 std::shared_ptr<GraphicsImplLoader>& BuildLoader() {
   auto built = std::make_shared<GraphicsImplLoader>();
-  built->SetupGfxImpl("OpenGLES2", "libZIRKImplOpenGL.so", {1, 0x7F}, true);
-  built->SetupGfxImpl("DirectFB", "libZIRKImplDirectFB.so", {0, 0x1BF}, true);
-  built->SetupGfxImpl("GLCompositor", "libZIRKImplOpenGL.so", "CreateVuCompositor",
-                      "DestroyVuCompositor", {0, 0}, false);
-  built->SetupGfxImpl("Hybrid", "libZIRKImplHybrid.so", {1, 0}, true);
-  built->SetupGfxImpl("Stub", "libZIRKImplStub.so", {0, 0}, true);
-  built->SetupGfxImpl("FB", "libZIRKImplFB.so", {0, 0}, true);
+  for (const BackendRecord& record : kBackendTable)
+    built->SetupGfxImpl(record.name, record.dso, record.createSymbol, record.destroySymbol,
+                        {record.features, record.details}, record.lookOnDisk);
   if (const char* const name = getenv("ZIRK_DEFAULT_GFX_BACKEND")) defaultImpl = name;
   loader = std::move(built);
   return loader;

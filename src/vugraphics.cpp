@@ -1,4 +1,5 @@
 #include <strings.h>
+#include <zirk/backendtable.h>
 #include <zirk/graphicsimplloader.h>
 #include <zirk/impl/log.h>
 #include <zirk/impl/vugraphicsimpl.h>
@@ -29,16 +30,21 @@ std::shared_ptr<const GraphicsOverride> graphicsOverride;
 
 constexpr char kDefaultBackend[] = "Hybrid";
 
-/// The names that Create() takes to the loader, which then insists on the exact spelling.
-constexpr const char* kBackends[] = {"OpenGLES2", "DirectFB", "Hybrid", "Stub", "FB"};
+// The backends that functions of their own open.
+constexpr const char* kOpenGl = BackendName(BackendType::OpenGLES2);
+constexpr const char* kDirectFb = BackendName(BackendType::DirectFB);
+constexpr const char* kHybrid = BackendName(BackendType::Hybrid);
 
 bool EqualIgnoringCase(const char* a, const char* b) {
   return strcasecmp(a, b) == 0;
 }
 
+/// Whether Create() hands `name` to the loader, which then insists on the exact spelling.
 bool IsBackendName(const char* name) {
-  return std::any_of(std::begin(kBackends), std::end(kBackends),
-                     [name](const char* known) { return EqualIgnoringCase(name, known); });
+  return std::any_of(std::begin(kBackendTable), std::end(kBackendTable),
+                     [name](const BackendRecord& record) {
+                       return record.IsGraphics() && EqualIgnoringCase(name, record.name);
+                     });
 }
 
 VuGraphicsImpl* CreateImpl(GraphicsImplLoader& loader, const std::string& name, bool flag) {
@@ -48,8 +54,8 @@ VuGraphicsImpl* CreateImpl(GraphicsImplLoader& loader, const std::string& name, 
 VuGraphicsImpl* CreateDefaultImpl(GraphicsImplLoader& loader, bool flag) {
   if (!EqualIgnoringCase(DefaultImpl().c_str(), "Default"))
     return CreateImpl(loader, DefaultImpl(), flag);
-  if (VuGraphicsImpl* const impl = CreateImpl(loader, "OpenGLES2", flag)) return impl;
-  return CreateImpl(loader, "DirectFB", flag);
+  if (VuGraphicsImpl* const impl = CreateImpl(loader, kOpenGl, flag)) return impl;
+  return CreateImpl(loader, kDirectFb, flag);
 }
 
 /// In queries "Default" is this very backend, whatever the default is now.
@@ -99,8 +105,8 @@ VuGraphics* VuGraphics::Create(const char* name, bool flag) {
 
 VuGraphics* VuGraphics::CreateGL(bool flag) {
   const auto loader = GraphicsImplLoader::GetInstance();
-  const bool hybrid = DefaultImpl() == "Hybrid";
-  return Wrap<VuGraphics>(CreateImpl(*loader, hybrid ? "Hybrid" : "OpenGLES2", flag));
+  const bool hybrid = DefaultImpl() == kHybrid;
+  return Wrap<VuGraphics>(CreateImpl(*loader, hybrid ? kHybrid : kOpenGl, flag));
 }
 
 VuGraphics* VuGraphics::CreateGL() {
@@ -108,11 +114,11 @@ VuGraphics* VuGraphics::CreateGL() {
 }
 
 VuGraphics* VuGraphics::CreateDFB() {
-  return Create("DirectFB", false);
+  return Create(kDirectFb, false);
 }
 
 VuGraphics* VuGraphics::CreateStub() {
-  return Create("Stub", false);
+  return Create(BackendName(BackendType::Stub), false);
 }
 
 void VuGraphics::SetDefaultImpl(const char* name) {

@@ -119,7 +119,7 @@ class ZIRK_API VuGraphics {
   /// Handed to the backend; ours take no notice.
   void SetTerminateOnDestruct(bool terminate);
 
-  /// The backend's type code: 1 OpenGLES2, 2 DirectFB, 3 Hybrid, 4 Stub, 5 FB.
+  /// The backend's type code: a BackendType, or another number for a backend of others.
   int GetGraphicsType() const;
   /// Largest side of a bitmap, in pixels; 2048 where the backend does not say.
   int GetMaxTextureSize() const;

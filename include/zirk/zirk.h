@@ -6,6 +6,7 @@
 /// @namespace ZIRK
 /// All that the library has, apart from the macros of its log.
 
+#include <zirk/backendtable.h>
 #include <zirk/glyph.h>
 #include <zirk/graphicsimplloader.h>
 #include <zirk/layerdescription.h>

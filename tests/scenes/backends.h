@@ -16,7 +16,9 @@ namespace ZIRK::scenes {
 
 /// Every backend that draws; all pictures are drawn by each.
 inline constexpr const char* kBackends[] = {
-    "FB", "OpenGLES2", "Hybrid", "HybridWithoutOpenGL", "DirectFB",
+    BackendName(BackendType::FB),       BackendName(BackendType::OpenGLES2),
+    BackendName(BackendType::Hybrid),   "HybridWithoutOpenGL",
+    BackendName(BackendType::DirectFB),
 };
 
 /// Pictures are its own, and so it has to match exactly what others may round differently.
@@ -27,8 +29,8 @@ inline bool IsReference(const char* backend) {
 /// Whether tests may be skipped where it does not run.
 inline bool MayBeMissing(const char* backend) {
   const std::string name = backend;
-  if (name == "DirectFB") return !std::getenv("ZIRK_TEST_REQUIRE_DIRECTFB");
-  return name == "OpenGLES2" && !std::getenv("ZIRK_TEST_REQUIRE_GL");
+  if (name == BackendName(BackendType::DirectFB)) return !std::getenv("ZIRK_TEST_REQUIRE_DIRECTFB");
+  return name == BackendName(BackendType::OpenGLES2) && !std::getenv("ZIRK_TEST_REQUIRE_GL");
 }
 
 /// Null where the backend does not run. One that the library does not know is taken by its file.
@@ -44,7 +46,8 @@ inline std::unique_ptr<VuGraphics> Open(const char* backend) {
   static const std::string driver = std::getenv("SDL_VIDEODRIVER");
   const bool withoutOpenGl = std::string(backend) == "HybridWithoutOpenGL";
   setenv("SDL_VIDEODRIVER", withoutOpenGl ? "none" : driver.c_str(), 1);
-  return std::unique_ptr<VuGraphics>(VuGraphics::Create(withoutOpenGl ? "Hybrid" : backend, false));
+  return std::unique_ptr<VuGraphics>(
+      VuGraphics::Create(withoutOpenGl ? BackendName(BackendType::Hybrid) : backend, false));
 }
 
 /// A surface to draw on, transparent: a bitmap, or a screen where that is drawn in another way. A

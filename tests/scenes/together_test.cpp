@@ -14,7 +14,9 @@ namespace {
 using helpers::LogsOneError;
 using helpers::PixelOf;
 
-constexpr const char* kTogether[] = {"FB", "OpenGLES2", "Hybrid", "DirectFB"};
+constexpr const char* kTogether[] = {
+    BackendName(BackendType::FB), BackendName(BackendType::OpenGLES2),
+    BackendName(BackendType::Hybrid), BackendName(BackendType::DirectFB)};
 
 struct Context {
   explicit Context(const char* backend)

@@ -6,7 +6,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <iterator>
 #include <memory>
+#include <vector>
 
 #include "commands.h"
 
@@ -14,18 +16,21 @@ namespace ZIRK::zirkinfo {
 
 namespace {
 
-/// The plug-ins that the library knows. A compositor is no backend: it composes one's screens.
-struct Plugin {
-  const char* name;
-  const char* file;
-  bool isCompositor = false;
-};
+/// The order in which plug-ins are shown: the backend that Create() opens at first, the others,
+/// the one that draws nothing, and the compositor.
+int Rank(const BackendRecord& plugin) {
+  if (!plugin.IsGraphics()) return 3;
+  if (plugin.type == BackendType::Stub) return 2;
+  return plugin.type == BackendType::Hybrid ? 0 : 1;
+}
 
-constexpr Plugin kPlugins[] = {
-    {"Hybrid", "libZIRKImplHybrid.so"},     {"OpenGLES2", "libZIRKImplOpenGL.so"},
-    {"DirectFB", "libZIRKImplDirectFB.so"}, {"FB", "libZIRKImplFB.so"},
-    {"Stub", "libZIRKImplStub.so"},         {"GLCompositor", "libZIRKImplOpenGL.so", true},
-};
+std::vector<BackendRecord> PluginsToShow() {
+  std::vector<BackendRecord> plugins(std::begin(kBackendTable), std::end(kBackendTable));
+  std::stable_sort(
+      plugins.begin(), plugins.end(),
+      [](const BackendRecord& a, const BackendRecord& b) { return Rank(a) < Rank(b); });
+  return plugins;
+}
 
 const char* YesOrNo(bool yes) {
   return yes ? "yes" : "no";
@@ -52,7 +57,7 @@ std::string PathOf(const char* file) {
 }
 
 /// What a graphics context says of itself; false where there is none.
-bool ShowContext(const Plugin& plugin) {
+bool ShowContext(const BackendRecord& plugin) {
   const std::unique_ptr<VuGraphics> graphics(VuGraphics::Create(plugin.name, false));
   std::printf("opens: %s\n", YesOrNo(graphics != nullptr));
   if (!graphics) return false;
@@ -63,7 +68,7 @@ bool ShowContext(const Plugin& plugin) {
   return true;
 }
 
-bool ShowCompositor(const Plugin& plugin) {
+bool ShowCompositor(const BackendRecord& plugin) {
   const std::unique_ptr<VuCompositorImpl> compositor(static_cast<VuCompositorImpl*>(
       GraphicsImplLoader::GetInstance()->CreateImplInstance(plugin.name, false)));
   std::printf("opens: %s\n", YesOrNo(compositor != nullptr));
@@ -72,20 +77,20 @@ bool ShowCompositor(const Plugin& plugin) {
   return true;
 }
 
-void ShowFeatures(const Plugin& plugin) {
+void ShowFeatures(const BackendRecord& plugin) {
   uint32_t details = 0;
   VuGraphics::GetFeatureDetails(plugin.name, FeatureType::Details, &details);
   std::printf("features: 0x%x\n", VuGraphics::GetSupportedFeatures(plugin.name));
   std::printf("details: 0x%x\n", details);
 }
 
-bool ShowPlugin(const Plugin& plugin) {
+bool ShowPlugin(const BackendRecord& plugin) {
   const bool isLoaded = GraphicsImplLoader::GetInstance()->loadImpl(plugin.name) == 0;
-  std::printf("\n%s: %s\n", plugin.isCompositor ? "compositor" : "backend", plugin.name);
-  std::printf("file: %s\n", plugin.file);
+  std::printf("\n%s: %s\n", plugin.IsGraphics() ? "backend" : "compositor", plugin.name);
+  std::printf("file: %s\n", plugin.dso);
   std::printf("installed: %s\n", YesOrNo(isLoaded));
-  if (isLoaded) std::printf("path: %s\n", PathOf(plugin.file).c_str());
-  if (plugin.isCompositor) return ShowCompositor(plugin);
+  if (isLoaded) std::printf("path: %s\n", PathOf(plugin.dso).c_str());
+  if (!plugin.IsGraphics()) return ShowCompositor(plugin);
 
   std::printf("has-backend: %s\n", YesOrNo(VuGraphics::HasBackend(plugin.name)));
   std::printf("supported-backend: %s\n", YesOrNo(IsListed(plugin.name)));
@@ -94,8 +99,8 @@ bool ShowPlugin(const Plugin& plugin) {
 }
 
 bool IsKnown(const std::string& name) {
-  return std::any_of(std::begin(kPlugins), std::end(kPlugins),
-                     [&](const Plugin& plugin) { return name == plugin.name; });
+  return std::any_of(std::begin(kBackendTable), std::end(kBackendTable),
+                     [&](const BackendRecord& plugin) { return name == plugin.name; });
 }
 
 }  // namespace
@@ -109,9 +114,10 @@ int ShowBackends(const CommandLine& line) {
   // The first query takes the default from the environment.
   const auto loader = GraphicsImplLoader::GetInstance();
   std::printf("version: %s\n", ZIRK_VERSION);
-  std::printf("default: %s\n", std::getenv("ZIRK_STUB") ? "Stub" : VuGraphics::GetDefaultImpl());
+  std::printf("default: %s\n", std::getenv("ZIRK_STUB") ? BackendName(BackendType::Stub)
+                                                        : VuGraphics::GetDefaultImpl());
   int status = kDone;
-  for (const Plugin& plugin : kPlugins) {
+  for (const BackendRecord& plugin : PluginsToShow()) {
     const auto& wanted = line.operands;
     const bool isNamed = std::find(wanted.begin(), wanted.end(), plugin.name) != wanted.end();
     if (!wanted.empty() && !isNamed) continue;

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+/// @file
+/// The backends that the library knows by name. GraphicsImplLoader::SetupGfxImpl() adds others at
+/// run time.
+
+namespace ZIRK {
+
+/// What VuGraphics::GetGraphicsType() returns for the library's own backends. Backends of others
+/// return other numbers.
+enum class BackendType : int32_t {
+  OpenGLES2 = 1,  ///< Draws by OpenGL ES 2.
+  DirectFB = 2,   ///< Draws by DirectFB.
+  Hybrid = 3,     ///< Draws onto screens by OpenGL ES 2, into bitmaps by the processor.
+  Stub = 4,       ///< Draws nothing.
+  FB = 5,         ///< Draws by the processor.
+};
+
+/// The number that VuGraphics::GetGraphicsType() returns for `type`.
+constexpr int TypeCode(BackendType type) {
+  return static_cast<int>(type);
+}
+
+/// What the library knows of a plug-in before it opens it.
+struct BackendRecord {
+  const char* name;                 ///< What VuGraphics::Create() takes, here in its own spelling.
+  std::optional<BackendType> type;  ///< Nothing for a compositor, which is no graphics backend.
+  const char* dso;                  ///< File name of the plug-in, without directory.
+  const char* createSymbol;         ///< Entry point `void* (bool)`.
+  const char* destroySymbol;        ///< Entry point `void (void*)`.
+  uint32_t features;  ///< What VuGraphics::GetSupportedFeatures() returns: 1 by OpenGL ES, else 0.
+  uint32_t details;   ///< What VuGraphics::GetFeatureDetails() stores.
+  bool lookOnDisk;    ///< Whether VuGraphics::HasBackend() looks for the file.
+
+  /// Whether the plug-in makes graphics contexts; it makes compositors otherwise.
+  constexpr bool IsGraphics() const { return type.has_value(); }
+};
+
+/// Every plug-in that the library enters at start, in that order.
+inline constexpr BackendRecord kBackendTable[] = {
+    {"OpenGLES2", BackendType::OpenGLES2, "libZIRKImplOpenGL.so", "CreateVuGraphics",
+     "DestroyVuGraphics", 1, 0x7F, true},
+    {"DirectFB", BackendType::DirectFB, "libZIRKImplDirectFB.so", "CreateVuGraphics",
+     "DestroyVuGraphics", 0, 0x1BF, true},
+    {"GLCompositor", std::nullopt, "libZIRKImplOpenGL.so", "CreateVuCompositor",
+     "DestroyVuCompositor", 0, 0, false},
+    {"Hybrid", BackendType::Hybrid, "libZIRKImplHybrid.so", "CreateVuGraphics", "DestroyVuGraphics",
+     1, 0, true},
+    {"Stub", BackendType::Stub, "libZIRKImplStub.so", "CreateVuGraphics", "DestroyVuGraphics", 0, 0,
+     true},
+    {"FB", BackendType::FB, "libZIRKImplFB.so", "CreateVuGraphics", "DestroyVuGraphics", 0, 0,
+     true},
+};
+
+/// The name of the backend `type`; empty for a value that is none.
+constexpr const char* BackendName(BackendType type) {
+  for (const BackendRecord& record : kBackendTable)
+    if (record.type == type) return record.name;
+  return "";
+}
+
+}  // namespace ZIRK
