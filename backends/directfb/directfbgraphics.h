@@ -1,6 +1,7 @@
 #pragma once
 
 #include <directfb.h>
+#include <zirk/backendtable.h>
 
 #include <memory>
 #include <optional>
@@ -30,7 +31,7 @@ class DirectFbGraphics final : public GraphicsBase {
                                             VuScaleMode scaleMode) override;
 
  private:
-  static constexpr int kType = 2;
+  static constexpr int kType = TypeCode(BackendType::DirectFB);
 
   IDirectFB& directFb_;
   const std::shared_ptr<AtlasGraphics> atlases_;

@@ -13,8 +13,8 @@ const PixelBuffer* FbSources::PixelsOf(VuBitmapImpl& surface) {
   return screen ? &screen->Pixels() : nullptr;
 }
 
-FbGraphics::FbGraphics(int type)
-    : type_(type), sources_(std::make_shared<FbSources>(Ledger(), type)) {}
+FbGraphics::FbGraphics(BackendType type)
+    : type_(TypeCode(type)), sources_(std::make_shared<FbSources>(Ledger(), type_)) {}
 
 FbGraphics::FbGraphics(std::shared_ptr<SurfaceLedger> ledger, std::shared_ptr<FbSources> sources)
     : GraphicsBase(std::move(ledger)),

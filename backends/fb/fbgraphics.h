@@ -1,5 +1,7 @@
 #pragma once
 
+#include <zirk/backendtable.h>
+
 #include <memory>
 #include <optional>
 
@@ -21,7 +23,7 @@ class FbSources : public SoftwareAtlases {
 class FbGraphics : public GraphicsBase {
  public:
   /// `type` is what GetGraphicsType() returns.
-  explicit FbGraphics(int type = 5);
+  explicit FbGraphics(BackendType type = BackendType::FB);
 
   void Flush() override {}
   int GetGraphicsType() const final { return type_; }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <zirk/backendtable.h>
+
 #include <memory>
 #include <optional>
 #include <string>
@@ -28,7 +30,7 @@ class HybridGraphics final : public FbGraphics {
                                            const VuScreenDescription& description) override;
 
  private:
-  static constexpr int kType = 3;
+  static constexpr int kType = TypeCode(BackendType::Hybrid);
 
   explicit HybridGraphics(const std::shared_ptr<SurfaceLedger>& ledger);
   /// Null, for which there is a reason, where there is no OpenGL.

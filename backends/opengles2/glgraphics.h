@@ -1,5 +1,7 @@
 #pragma once
 
+#include <zirk/backendtable.h>
+
 #include <memory>
 #include <optional>
 
@@ -31,7 +33,7 @@ class GlGraphics final : public GraphicsBase {
                                             VuScaleMode scaleMode) override;
 
  private:
-  static constexpr int kType = 1;
+  static constexpr int kType = TypeCode(BackendType::OpenGLES2);
 
   const std::shared_ptr<GlDevice> device_;
   const std::shared_ptr<TextureSources> sources_;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <zirk/backendtable.h>
+
 #include "context/graphicsbase.h"
 
 namespace ZIRK::backends {
@@ -10,7 +12,7 @@ class StubGraphics final : public GraphicsBase {
   using GraphicsBase::GraphicsBase;
 
   void Flush() override {}
-  int GetGraphicsType() const override { return 4; }
+  int GetGraphicsType() const override { return TypeCode(BackendType::Stub); }
 
  protected:
   std::unique_ptr<VuScreenImpl> MakeScreen(Entry entry,

@@ -52,7 +52,7 @@ struct MemoryBitmap : FakeObject<VuBitmapImpl> {
 
 /// A context that makes such surfaces.
 struct MemoryGraphics : FakeObject<VuGraphicsImpl> {
-  int type = 5;
+  int type = TypeCode(BackendType::FB);
   int highest = 2048;        ///< None is made that is higher.
   std::vector<int> heights;  ///< Those asked for.
   std::function<void()> onCreate = [] {};

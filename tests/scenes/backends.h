@@ -54,8 +54,8 @@ inline std::unique_ptr<VuGraphics> Open(const char* backend) {
 /// window that OpenGL draws on has 32 bits.
 inline std::unique_ptr<VuBitmap> NewTarget(VuGraphics& graphics, int width, int height,
                                            VuPixelFormat format = {}) {
-  constexpr int kHybrid = 3;
-  if (graphics.GetGraphicsType() != kHybrid || format > VuPixelFormat::XRGB8888)
+  if (graphics.GetGraphicsType() != TypeCode(BackendType::Hybrid) ||
+      format > VuPixelFormat::XRGB8888)
     return std::unique_ptr<VuBitmap>(graphics.CreateBitmap(width, height, format));
   return std::unique_ptr<VuBitmap>(graphics.CreateScreen(width, height, true, 0, false, format));
 }

@@ -38,7 +38,8 @@ TEST_P(Surfaces, PixelsGoInAndOut) {
       return pixel;
     };
     const int type = graphics_->GetGraphicsType();
-    EXPECT_EQ(target->IsTextureBacked(), type == 1 || type == 2);
+    EXPECT_EQ(target->IsTextureBacked(),
+              type == TypeCode(BackendType::OpenGLES2) || type == TypeCode(BackendType::DirectFB));
     EXPECT_EQ(at(59, 39), first);
     target->SetClippingRect({5, 5, 1, 1});
     target->Clear(VuColor{0x80804020});

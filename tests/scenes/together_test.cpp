@@ -76,9 +76,11 @@ TEST_F(Together, BitmapsOfAnotherBackendAreRefused) {
 TEST_F(Together, DefaultGoesOnToDirectFbWithoutOpenGl) {
   const std::string driver = std::getenv("SDL_VIDEODRIVER");
   VuGraphics::SetDefaultImpl("Default");
-  EXPECT_EQ(std::unique_ptr<VuGraphics>(VuGraphics::Create())->GetGraphicsType(), 1);
+  EXPECT_EQ(std::unique_ptr<VuGraphics>(VuGraphics::Create())->GetGraphicsType(),
+            TypeCode(BackendType::OpenGLES2));
   setenv("SDL_VIDEODRIVER", "none", 1);
-  EXPECT_EQ(std::unique_ptr<VuGraphics>(VuGraphics::Create())->GetGraphicsType(), 2);
+  EXPECT_EQ(std::unique_ptr<VuGraphics>(VuGraphics::Create())->GetGraphicsType(),
+            TypeCode(BackendType::DirectFB));
   setenv("SDL_VIDEODRIVER", driver.c_str(), 1);
   VuGraphics::SetDefaultImpl(nullptr);
 }

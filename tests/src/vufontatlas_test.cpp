@@ -361,7 +361,8 @@ TEST_F(FontAtlas, MeasuringWhatIsKnownWaitsForNobody) {
 
 TEST_F(FontAtlas, TheAtlasGrowsUntilItIsFull) {
   const helpers::Symbols symbols;
-  for (const int type : {5, 0}) {
+  constexpr int kFb = TypeCode(BackendType::FB);
+  for (const int type : {kFb, 0}) {
     graphics.type = type;
     graphics.heights.clear();
     const VuFontAtlas font(symbols.Path(), 0, symbols.kSize, false, false);
@@ -382,11 +383,11 @@ TEST_F(FontAtlas, TheAtlasGrowsUntilItIsFull) {
     });
     // 40 go into a row of 50 pixels. Those that begin anew with each row never fill the atlas.
     for (size_t i = 0; i < 10; ++i) EXPECT_EQ(graphics.heights[i], 2 + 50 * int(i));
-    EXPECT_EQ(atlas->GetHeight(), type == 5 ? 2048 : 452);
-    EXPECT_GE(there, type == 5 ? 1560u : 40u);
+    EXPECT_EQ(atlas->GetHeight(), type == kFb ? 2048 : 452);
+    EXPECT_GE(there, type == kFb ? 1560u : 40u);
     EXPECT_EQ(full.find("LoadGlyph: GetRegion(50x50) returned 0x0.  No room to fit glyph 1700 "
                         "after resize\n") != std::string::npos,
-              type == 5);
+              type == kFb);
   }
 }
 

@@ -20,6 +20,21 @@ namespace {
 
 using helpers::LoggedAt;
 
+TEST(Backends, KeepTheirNumbers) {
+  const std::tuple<const char*, int, BackendType> expected[] = {
+      {"OpenGLES2", 1, BackendType::OpenGLES2},
+      {"DirectFB", 2, BackendType::DirectFB},
+      {"Hybrid", 3, BackendType::Hybrid},
+      {"Stub", 4, BackendType::Stub},
+      {"FB", 5, BackendType::FB},
+  };
+  for (const auto& [name, code, type] : expected) {
+    EXPECT_STREQ(BackendName(type), name);
+    EXPECT_EQ(TypeCode(type), code);
+  }
+  EXPECT_STREQ(BackendName(BackendType{6}), "");
+}
+
 /// The test plug-in stands in for every backend.
 class Creation : public testing::Test {
  protected:

@@ -37,7 +37,8 @@ struct Context {
   }
 
   std::shared_ptr<SurfaceLedger> ledger;
-  std::shared_ptr<PixelSources> sources = std::make_shared<SoftwareAtlases>(ledger, 5);
+  std::shared_ptr<PixelSources> sources =
+      std::make_shared<SoftwareAtlases>(ledger, TypeCode(BackendType::FB));
 };
 
 const std::vector<uint32_t> kNothing(kWidth* kHeight);
