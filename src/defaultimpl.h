@@ -4,7 +4,7 @@
 
 namespace ZIRK {
 
-/// The process's default backend name, "Hybrid" at first. Not synchronised.
+/// The process's default backend name, at first that of kDefaultBackend. Not synchronised.
 std::string& DefaultImpl();
 
 }  // namespace ZIRK

@@ -14,8 +14,6 @@ namespace ZIRK {
 
 namespace {
 
-std::string defaultImpl = "Hybrid";
-
 // Owned from the library's load on, though built later: what is constructed first is destroyed
 // last, so the plug-ins stay open until the application's static objects and the library's own
 // have let go of theirs.
@@ -43,16 +41,12 @@ std::shared_ptr<GraphicsImplLoader>& BuildLoader() {
   for (const BackendRecord& record : kBackendTable)
     built->SetupGfxImpl(record.name, record.dso, record.createSymbol, record.destroySymbol,
                         {record.features, record.details}, record.lookOnDisk);
-  if (const char* const name = getenv("ZIRK_DEFAULT_GFX_BACKEND")) defaultImpl = name;
+  if (const char* const name = getenv("ZIRK_DEFAULT_GFX_BACKEND")) DefaultImpl() = name;
   loader = std::move(built);
   return loader;
 }
 
 }  // namespace
-
-std::string& DefaultImpl() {
-  return defaultImpl;
-}
 
 GfxImplRecord::~GfxImplRecord() {
   if (handle) dlclose(handle);

@@ -28,8 +28,6 @@ using GraphicsOverride = std::function<VuGraphics*(bool)>;
 /// while it runs.
 std::shared_ptr<const GraphicsOverride> graphicsOverride;
 
-constexpr char kDefaultBackend[] = "Hybrid";
-
 // The backends that functions of their own open.
 constexpr const char* kOpenGl = BackendName(BackendType::OpenGLES2);
 constexpr const char* kDirectFb = BackendName(BackendType::DirectFB);
@@ -60,7 +58,7 @@ VuGraphicsImpl* CreateDefaultImpl(GraphicsImplLoader& loader, bool flag) {
 
 /// In queries "Default" is this very backend, whatever the default is now.
 std::string QueriedName(std::string name) {
-  return name == "Default" ? kDefaultBackend : std::move(name);
+  return name == "Default" ? BackendName(kDefaultBackend) : std::move(name);
 }
 
 /// The handle of what a backend made, which goes with the handle where there is no memory for that.
@@ -122,7 +120,7 @@ VuGraphics* VuGraphics::CreateStub() {
 }
 
 void VuGraphics::SetDefaultImpl(const char* name) {
-  DefaultImpl() = name ? name : kDefaultBackend;
+  DefaultImpl() = name ? name : BackendName(kDefaultBackend);
 }
 
 const char* VuGraphics::GetDefaultImpl() {

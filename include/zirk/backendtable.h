@@ -55,6 +55,10 @@ inline constexpr BackendRecord kBackendTable[] = {
      true},
 };
 
+/// What VuGraphics::Create() opens until VuGraphics::SetDefaultImpl() or the environment variable
+/// `ZIRK_DEFAULT_GFX_BACKEND` names another.
+inline constexpr BackendType kDefaultBackend = BackendType::Hybrid;
+
 /// The name of the backend `type`; empty for a value that is none.
 constexpr const char* BackendName(BackendType type) {
   for (const BackendRecord& record : kBackendTable)

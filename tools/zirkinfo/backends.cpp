@@ -21,7 +21,7 @@ namespace {
 int Rank(const BackendRecord& plugin) {
   if (!plugin.IsGraphics()) return 3;
   if (plugin.type == BackendType::Stub) return 2;
-  return plugin.type == BackendType::Hybrid ? 0 : 1;
+  return plugin.type == kDefaultBackend ? 0 : 1;
 }
 
 std::vector<BackendRecord> PluginsToShow() {
