@@ -19,13 +19,14 @@
 #include "glyphimage.h"
 #include "glyphtables.h"
 #include "stepcache.h"
+#include "texturelimit.h"
 
 namespace ZIRK {
 
 namespace {
 
-constexpr int kAtlasWidth = 2048;
-constexpr int kAtlasHeightLimit = 2048;
+constexpr int kAtlasWidth = kMaxTextureSide;
+constexpr int kAtlasHeightLimit = kMaxTextureSide;
 
 /// `inAtlas` is asked for without a lock, too: who finds it set sees where the glyph lies.
 bool IsInAtlas(const Glyph& glyph) {

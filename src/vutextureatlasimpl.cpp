@@ -6,12 +6,11 @@
 
 #include <utility>
 
+#include "texturelimit.h"
+
 namespace ZIRK {
 
 namespace {
-
-/// The longest side that every backend's textures have.
-constexpr int kMaxSide = 2048;
 
 /// A new bitmap, or empty after a line that names the `caller`.
 std::shared_ptr<VuBitmapImpl> CreateBitmap(VuGraphicsImpl* graphics, int width, int height,
@@ -54,7 +53,7 @@ void VuTextureAtlasImpl::SetRegion(int x, int y, int regionWidth, int regionHeig
 
 std::pair<int, int> VuTextureAtlasImpl::Resize(int newWidth, int newHeight) {
   ZIRK_LOG_DEBUG("%s: %s %dx%d", "Resize", name.c_str(), newWidth, newHeight);
-  if (newWidth > kMaxSide || newHeight > kMaxSide || !bitmap) return {width, height};
+  if (newWidth > kMaxTextureSide || newHeight > kMaxTextureSide || !bitmap) return {width, height};
   std::shared_ptr<VuBitmapImpl> resized =
       CreateBitmap(graphics, newWidth, newHeight, format, "Resize");
   if (!resized) return {width, height};

@@ -1,5 +1,7 @@
 #include <zirk/impl/vugraphicsimpl.h>
 
+#include "texturelimit.h"
+
 namespace ZIRK {
 
 // Defined here so that the class's table and type information have one home, the library.
@@ -8,7 +10,7 @@ VuGraphicsImpl::~VuGraphicsImpl() = default;
 void VuGraphicsImpl::SetTerminateOnDestruct(bool) {}
 
 int VuGraphicsImpl::GetMaxTextureSize() const {
-  return 2048;
+  return kMaxTextureSide;
 }
 
 }  // namespace ZIRK
