@@ -7,6 +7,8 @@
 #include <memory>
 #include <vector>
 
+#include "fibonaccihash.h"
+
 namespace ZIRK {
 
 /// A hash table that is only added to, so that it can be searched while that happens.
@@ -59,10 +61,8 @@ class PublishedTable {
     explicit Slots(int bits) : bits_(bits), slots_(new Slot[Capacity()]()) {}
     int Bits() const { return bits_; }
     size_t Capacity() const { return size_t(1) << bits_; }
-    /// Where to begin looking. Neighbouring hashes come to lie far apart.
-    size_t First(uint64_t hash) const {
-      return static_cast<size_t>(hash * 0x9E3779B97F4A7C15u >> (64 - bits_));
-    }
+    /// Where to begin looking. Neighbouring hashes begin far apart.
+    size_t First(uint64_t hash) const { return FibonacciHash(hash, bits_); }
     Slot& At(size_t i) const { return slots_[i & (Capacity() - 1)]; }
 
    private:

@@ -8,6 +8,8 @@
 #include <new>
 #include <optional>
 
+#include "fibonaccihash.h"
+
 namespace ZIRK {
 
 /// How far a code point moves the pen after another one, kerning included: what measuring a line
@@ -62,7 +64,7 @@ class StepCache {
   }
   /// Neighbours, which share a line of the processor's cache.
   static std::array<size_t, 2> Places(uint64_t key) {
-    const auto i = static_cast<size_t>(key * 0x9E3779B97F4A7C15u >> (64 - kSlotBits));
+    const size_t i = FibonacciHash(key, kSlotBits);
     return {i, i ^ 1};
   }
   /// Null if there is no memory: then nothing is kept.
