@@ -1,5 +1,6 @@
 #include "directfb/directfbrules.h"
 
+#include "geometry/pixelformat.h"
 #include "geometry/pixelmath.h"
 
 namespace ZIRK::backends {
@@ -66,8 +67,7 @@ std::optional<DirectFbBlend> FindBlend(const SurfaceState& state) {
 std::optional<BlitRule> FindBlit(const DirectFbBlend& blend, VuPixelFormat from, VuPixelFormat to,
                                  uint32_t color) {
   const bool coverage = from == Format::A8, tinted = color != 0xFFFFFFFFu;
-  const bool opaqueSource = from == Format::XRGB8888 || from == Format::RGB565;
-  const bool opaque = IsOpaque(color) && opaqueSource;
+  const bool opaque = IsOpaque(color) && !PixelLayoutOf(from).HasAlpha();
   const DirectFbBlend effective = blend.IsOver() && opaque ? kReplace : blend;
   if (effective.Replaces() && !tinted && (!coverage || to == Format::A8))
     return BlitRule{DSBLIT_NOFX, kReplace};

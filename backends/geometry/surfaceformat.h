@@ -5,26 +5,12 @@
 
 #include <cstdint>
 
+#include "geometry/pixelformat.h"
+
 namespace ZIRK::backends {
 
 /// Largest side of a surface or an image, in pixels.
 constexpr int kMaxSide = 16384;
-
-/// 0 for a format that does not exist.
-constexpr int BytesPerPixel(VuPixelFormat format) {
-  switch (format) {
-    case VuPixelFormat::ARGB8888:
-    case VuPixelFormat::XRGB8888:
-      return 4;
-    case VuPixelFormat::RGB565:
-    case VuPixelFormat::ARGB4444:
-    case VuPixelFormat::ARGB1555:
-      return 2;
-    case VuPixelFormat::A8:
-      return 1;
-  }
-  return 0;
-}
 
 /// Whether a surface of this size and format can exist at all.
 constexpr bool IsValidSurface(int width, int height, VuPixelFormat format) {

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "geometry/pixelformat.h"
 #include "opengles2/glcompositor.h"
 
 namespace ZIRK::backends {
@@ -146,8 +147,7 @@ bool GlScreen::BecomeWindow() {
     window_ = GlWindow::Open(Canvas().SharedDevice(), state_.width, state_.height, index_);
   }
   if (!window_) return false;
-  window_->KeepAlpha(state_.format == VuPixelFormat::XRGB8888 ||
-                     state_.format == VuPixelFormat::RGB565);
+  window_->KeepAlpha(!PixelLayoutOf(state_.format).HasAlpha());
   Canvas().DrawOn(&window_->Target());
   return true;
 }

@@ -76,7 +76,7 @@ GlTexture::GlTexture(std::shared_ptr<GlDevice> device, int width, int height, Vu
   target_.width = width;
   target_.height = height;
   target_.order = FormatOf(format, device_->HasOneChannel()).order;
-  target_.keepsAlpha = format == VuPixelFormat::XRGB8888;
+  target_.keepsAlpha = PixelLayoutOf(format).unusedBits != 0;
 }
 
 std::unique_ptr<GlTexture> GlTexture::Create(std::shared_ptr<GlDevice> device, int width,

@@ -26,10 +26,11 @@ PixelBuffer::PixelBuffer(int width, int height, VuPixelFormat format, Contents c
 }
 
 void PixelBuffer::RestoreOpaqueBits(const Box& box) {
-  if (OpaqueBits() == 0) return;
+  const uint32_t opaque = OpaqueBits();
+  if (opaque == 0) return;
   for (int y = box.y0; y < box.y1; ++y) {
     uint32_t* row = Row32(y);
-    for (int x = box.x0; x < box.x1; ++x) row[x] |= 0xFF000000u;
+    for (int x = box.x0; x < box.x1; ++x) row[x] |= opaque;
   }
 }
 

@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "geometry/box.h"
+#include "geometry/pixelformat.h"
 
 namespace ZIRK::backends {
 
@@ -47,21 +48,17 @@ class PixelBuffer {
   const uint8_t* Row(int y) const { return pixels_ + int64_t{y} * pitch_; }
 
   /// For the 32-bit formats.
-  bool Is32Bit() const {
-    return format_ == VuPixelFormat::ARGB8888 || format_ == VuPixelFormat::XRGB8888;
-  }
+  bool Is32Bit() const { return PixelLayoutOf(format_).bytes == 4; }
   uint32_t* Row32(int y) { return reinterpret_cast<uint32_t*>(Row(y)); }
   const uint32_t* Row32(int y) const { return reinterpret_cast<const uint32_t*>(Row(y)); }
   ptrdiff_t Pitch32() const { return pitch_ / 4; }
   /// What to set in every pixel stored, to keep the X byte.
-  uint32_t OpaqueBits() const { return format_ == VuPixelFormat::XRGB8888 ? 0xFF000000u : 0; }
+  uint32_t OpaqueBits() const { return PixelLayoutOf(format_).unusedBits; }
   /// Sets the X bytes again after somebody else wrote into `box`.
   void RestoreOpaqueBits(const Box& box);
 
   /// Whether every pixel is opaque by its format.
-  bool IsOpaque() const {
-    return format_ == VuPixelFormat::XRGB8888 || format_ == VuPixelFormat::RGB565;
-  }
+  bool IsOpaque() const { return !PixelLayoutOf(format_).HasAlpha(); }
 
   /// The same memory as Pixman's image, made when first asked for; null if memory runs out.
   pixman_image_t* Image() const;
