@@ -3,74 +3,64 @@
 #include <zirk/vuenums.h>
 
 #include <cstdint>
+#include <type_traits>
+
+#include "geometry/pixelformat.h"
 
 namespace ZIRK::backends {
 
-/// One pixel of each format, as premultiplied ARGB8888 and back. Narrow channels are widened by
+/// One pixel of a format, as premultiplied ARGB8888 and back. Narrow channels are widened by
 /// repeating their bits, and narrowed by dropping the low ones, as Pixman does.
 template <VuPixelFormat kFormat>
-struct PixelTraits;
+struct PixelTraits {
+  static constexpr PixelLayout kLayout = PixelLayoutOf(kFormat);
+  /// A pixel as it is stored.
+  using Stored = std::conditional_t<kLayout.bytes == 4, uint32_t,
+                                    std::conditional_t<kLayout.bytes == 2, uint16_t, uint8_t>>;
 
-template <>
-struct PixelTraits<VuPixelFormat::ARGB8888> {
-  using Stored = uint32_t;
-  static constexpr uint32_t Widen(Stored p) { return p; }
-  static constexpr Stored Narrow(uint32_t p) { return p; }
-};
-
-template <>
-struct PixelTraits<VuPixelFormat::XRGB8888> {
-  using Stored = uint32_t;
-  static constexpr uint32_t Widen(Stored p) { return p | 0xFF000000u; }
-  static constexpr Stored Narrow(uint32_t p) { return p | 0xFF000000u; }
-};
-
-template <>
-struct PixelTraits<VuPixelFormat::RGB565> {
-  using Stored = uint16_t;
+  /// `p` as premultiplied ARGB8888.
   static constexpr uint32_t Widen(Stored p) {
-    const uint32_t r = p >> 11 & 31u, g = p >> 5 & 63u, b = p & 31u;
-    return 0xFF000000u | (r << 3 | r >> 2) << 16 | (g << 2 | g >> 4) << 8 | (b << 3 | b >> 2);
+    if constexpr (!kLayout.HasColor()) {
+      return p * 0x01010101u;
+    } else if constexpr (kLayout.bytes == 4) {
+      return p | kLayout.unusedBits;
+    } else if constexpr (kLayout.alpha.bits == 4) {
+      // One multiplication repeats the four bits of all channels.
+      const uint32_t spread = (p & kLayout.alpha.Mask()) << (24 - kLayout.alpha.shift) |
+                              (p & kLayout.red.Mask()) << (16 - kLayout.red.shift) |
+                              (p & kLayout.green.Mask()) << (8 - kLayout.green.shift) |
+                              (p & kLayout.blue.Mask());
+      return spread * 17;
+    } else {
+      return WidenAlpha(p) | WidenChannel(p, kLayout.red) << 16 |
+             WidenChannel(p, kLayout.green) << 8 | WidenChannel(p, kLayout.blue);
+    }
   }
-  static constexpr Stored Narrow(uint32_t p) {
-    return static_cast<Stored>((p >> 8 & 0xF800u) | (p >> 5 & 0x07E0u) | (p >> 3 & 0x001Fu));
-  }
-};
 
-template <>
-struct PixelTraits<VuPixelFormat::ARGB4444> {
-  using Stored = uint16_t;
-  static constexpr uint32_t Widen(Stored p) {
-    const uint32_t spread =
-        (p & 0xF000u) << 12 | (p & 0x0F00u) << 8 | (p & 0x00F0u) << 4 | (p & 0x000Fu);
-    return spread * 17;
-  }
+  /// Premultiplied ARGB8888 as a stored pixel.
   static constexpr Stored Narrow(uint32_t p) {
-    return static_cast<Stored>((p >> 16 & 0xF000u) | (p >> 12 & 0x0F00u) | (p >> 8 & 0x00F0u) |
-                               (p >> 4 & 0x000Fu));
+    if constexpr (kLayout.bytes == 4) return p | kLayout.unusedBits;
+    return static_cast<Stored>(
+        NarrowChannel(p, 24, kLayout.alpha) | NarrowChannel(p, 16, kLayout.red) |
+        NarrowChannel(p, 8, kLayout.green) | NarrowChannel(p, 0, kLayout.blue));
   }
-};
 
-template <>
-struct PixelTraits<VuPixelFormat::ARGB1555> {
-  using Stored = uint16_t;
-  static constexpr uint32_t Widen(Stored p) {
-    const uint32_t r = p >> 10 & 31u, g = p >> 5 & 31u, b = p & 31u;
-    return (p & 0x8000u ? 0xFF000000u : 0u) | (r << 3 | r >> 2) << 16 | (g << 3 | g >> 2) << 8 |
-           (b << 3 | b >> 2);
+ private:
+  /// The alpha of `p`, of one bit or none, in its place in ARGB8888.
+  static constexpr uint32_t WidenAlpha(Stored p) {
+    if constexpr (!kLayout.HasAlpha()) return 0xFF000000u;
+    return p & kLayout.alpha.Mask() ? 0xFF000000u : 0u;
   }
-  static constexpr Stored Narrow(uint32_t p) {
-    return static_cast<Stored>((p >> 16 & 0x8000u) | (p >> 9 & 0x7C00u) | (p >> 6 & 0x03E0u) |
-                               (p >> 3 & 0x001Fu));
+  /// The channel of `p` as a number of eight bits.
+  static constexpr uint32_t WidenChannel(Stored p, PixelChannel channel) {
+    const uint32_t value = p >> channel.shift & ((1u << channel.bits) - 1);
+    return value << (8 - channel.bits) | value >> (2 * channel.bits - 8);
   }
-};
-
-/// Coverage, seen as white of that alpha.
-template <>
-struct PixelTraits<VuPixelFormat::A8> {
-  using Stored = uint8_t;
-  static constexpr uint32_t Widen(Stored p) { return p * 0x01010101u; }
-  static constexpr Stored Narrow(uint32_t p) { return static_cast<Stored>(p >> 24); }
+  /// The channel at bit `from` of ARGB8888, where `channel` lies.
+  static constexpr uint32_t NarrowChannel(uint32_t p, int from, PixelChannel channel) {
+    if (channel.bits == 0) return 0;
+    return p >> (from + 8 - channel.bits - channel.shift) & channel.Mask();
+  }
 };
 
 /// Calls `f` with the PixelTraits of `format`.
