@@ -3,6 +3,7 @@
 #include <zirk/impl/log.h>
 
 #include <cstring>
+#include <iterator>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -25,27 +26,29 @@ struct GlFormat {
   GLenum format;
   GLenum type;
   ChannelOrder order;
+  bool isOurs;  ///< A row is uploaded as it is; ConvertRow() makes another of it otherwise.
 };
 
-GlFormat FormatOf(VuPixelFormat format, bool oneChannel) {
-  switch (format) {
-    case VuPixelFormat::RGB565:
-      return {GL_RGB, GL_UNSIGNED_SHORT_5_6_5, ChannelOrder::RedFirst};
-    case VuPixelFormat::ARGB4444:
-      return {GL_RGBA, GL_UNSIGNED_SHORT_4_4_4_4, ChannelOrder::RedFirst};
-    case VuPixelFormat::ARGB1555:
-      return {GL_RGBA, GL_UNSIGNED_SHORT_5_5_5_1, ChannelOrder::RedFirst};
-    case VuPixelFormat::A8:
-      if (!oneChannel) break;
-      return {GL_RED_EXT, GL_UNSIGNED_BYTE, ChannelOrder::AlphaOnly};
-    case VuPixelFormat::ARGB8888:
-    case VuPixelFormat::XRGB8888:
-      break;
-  }
-  return {GL_RGBA, GL_UNSIGNED_BYTE, ChannelOrder::Ours};
+/// In the order of VuPixelFormat.
+constexpr GlFormat kFormats[] = {
+    {GL_RGBA, GL_UNSIGNED_BYTE, ChannelOrder::Ours, true},
+    {GL_RGBA, GL_UNSIGNED_BYTE, ChannelOrder::Ours, false},
+    {GL_RGB, GL_UNSIGNED_SHORT_5_6_5, ChannelOrder::RedFirst, true},
+    {GL_RGBA, GL_UNSIGNED_SHORT_4_4_4_4, ChannelOrder::RedFirst, false},
+    {GL_RGBA, GL_UNSIGNED_SHORT_5_5_5_1, ChannelOrder::RedFirst, false},
+    {GL_RED_EXT, GL_UNSIGNED_BYTE, ChannelOrder::AlphaOnly, true},
+};
+static_assert(std::size(kFormats) == std::size(kPixelLayouts));
+
+/// A8 where OpenGL does not draw on textures of one channel.
+constexpr GlFormat kFourChannelsForA8{GL_RGBA, GL_UNSIGNED_BYTE, ChannelOrder::Ours, false};
+
+const GlFormat& FormatOf(VuPixelFormat format, bool oneChannel) {
+  if (format == VuPixelFormat::A8 && !oneChannel) return kFourChannelsForA8;
+  return kFormats[static_cast<size_t>(format)];
 }
 
-/// Converts one row from the surface's layout to OpenGL's.
+/// Converts one row from the surface's layout to OpenGL's, for the formats where these differ.
 void ConvertRow(VuPixelFormat format, const uint8_t* in, int count, uint8_t* out) {
   const auto each = [=](auto stored, auto result, auto convert) {
     auto* const to = reinterpret_cast<decltype(result)*>(out);
@@ -54,19 +57,14 @@ void ConvertRow(VuPixelFormat format, const uint8_t* in, int count, uint8_t* out
       to[i] = static_cast<decltype(result)>(convert(stored));
     }
   };
-  switch (format) {
-    case VuPixelFormat::XRGB8888:
-      return each(uint32_t(), uint32_t(), [](uint32_t p) { return p | 0xFF000000u; });
-    case VuPixelFormat::ARGB4444:
-      return each(uint16_t(), uint16_t(), [](uint32_t p) { return p << 4 | p >> 12; });
-    case VuPixelFormat::ARGB1555:
-      return each(uint16_t(), uint16_t(), [](uint32_t p) { return p << 1 | p >> 15; });
-    case VuPixelFormat::A8:
-      return each(uint8_t(), uint32_t(), [](uint32_t p) { return p * 0x01010101u; });
-    case VuPixelFormat::ARGB8888:
-    case VuPixelFormat::RGB565:
-      break;
-  }
+  const PixelLayout& layout = PixelLayoutOf(format);
+  if (layout.bytes == 4)
+    return each(uint32_t(), uint32_t(), [&](uint32_t p) { return p | layout.unusedBits; });
+  if (layout.bytes == 1)
+    return each(uint8_t(), uint32_t(), [](uint32_t p) { return p * 0x01010101u; });
+  // Alpha, at the top, goes to the bottom.
+  const int bits = layout.alpha.bits;
+  each(uint16_t(), uint16_t(), [=](uint32_t p) { return p << bits | p >> (16 - bits); });
 }
 
 }  // namespace
@@ -95,7 +93,7 @@ std::unique_ptr<GlTexture> GlTexture::Create(std::shared_ptr<GlDevice> device, i
   if (!scope) return nullptr;
   std::unique_ptr<GlTexture> texture(new GlTexture(std::move(device), width, height, format));
   const GlFunctions& gl = shared.Gl();
-  const GlFormat layout = FormatOf(format, shared.HasOneChannel());
+  const GlFormat& layout = FormatOf(format, shared.HasOneChannel());
   gl.GenTextures(1, &texture->name_);
   shared.Batch().Bind(texture->name_);
   gl.TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
@@ -140,8 +138,7 @@ const GlTarget* GlTexture::Target() {
 }
 
 bool GlTexture::IsUploadedAsItIs() const {
-  return format_ == VuPixelFormat::ARGB8888 || format_ == VuPixelFormat::RGB565 ||
-         target_.order == ChannelOrder::AlphaOnly;
+  return FormatOf(format_, device_->HasOneChannel()).isOurs;
 }
 
 bool GlTexture::Upload(const Box& box, const void* pixels, unsigned pitch) {
@@ -166,7 +163,7 @@ bool GlTexture::Upload(const Box& box, const void* pixels, unsigned pitch) {
   device_->Batch().BeforeWriting(*this, box);
   const GlScope scope(*device_);
   if (!scope) return false;
-  const GlFormat layout = FormatOf(format_, device_->HasOneChannel());
+  const GlFormat& layout = FormatOf(format_, device_->HasOneChannel());
   ++target_.changes;
   device_->Batch().Bind(name_);
   device_->Gl().TexSubImage2D(GL_TEXTURE_2D, 0, box.x0, box.y0, box.Width(), box.Height(),
