@@ -1,7 +1,8 @@
 # How every target of this project is compiled: zirk_target_defaults(target).
-# Nothing of it reaches those who use the installed package.
+# Nothing of it reaches those who use the installed package. The project's own sources are C++20;
+# the public headers stay C++17, for their users.
 function(zirk_target_defaults target)
-  target_compile_features(${target} PRIVATE cxx_std_17)
+  target_compile_features(${target} PRIVATE cxx_std_20)
   set_target_properties(${target} PROPERTIES
     CXX_EXTENSIONS OFF
     POSITION_INDEPENDENT_CODE ON

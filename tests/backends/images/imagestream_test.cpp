@@ -2,6 +2,9 @@
 
 #include <unistd.h>
 
+#include <algorithm>
+#include <iterator>
+
 #include "backends/images/pictures.h"
 
 namespace ZIRK::tests {
@@ -22,7 +25,7 @@ TEST(ImageStream, ReadsAFileInPieces) {
   Bytes joined(20000);
   EXPECT_TRUE(stream.Read(joined.data(), joined.size()));
   const auto rest = stream.TakeUpTo(1000000);
-  joined.insert(joined.end(), rest.data, rest.data + rest.size);
+  std::copy_n(rest.data, rest.size, std::back_inserter(joined));
   EXPECT_EQ(joined, bytes);
   // A decoder skips the comment.
   EXPECT_EQ(Shown(Image::Open(path.c_str()), 5, 5, {}).data, Shown(Open(plain), 5, 5, {}).data);
