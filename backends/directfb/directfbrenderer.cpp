@@ -31,38 +31,20 @@ DFBRectangle ToDirectFb(const Box& box) {
 
 }  // namespace
 
-/// Keeps a surface's pixels where the processor reaches them. Null has none.
-class DirectFbRenderer::Access {
- public:
-  explicit Access(DirectFbRenderer* surface)
-      : surface_(surface), granted_(!surface || surface->Reach()) {}
-  ~Access() {
-    if (surface_ && granted_) surface_->LetGo();
-  }
-  Access(const Access&) = delete;
-  Access& operator=(const Access&) = delete;
-
-  explicit operator bool() const { return granted_; }
-
- private:
-  DirectFbRenderer* const surface_;
-  const bool granted_;
-};
-
 DirectFbRenderer::DirectFbRenderer(const SurfaceState& state, DirectFbSurfacePtr surface,
                                    std::shared_ptr<AtlasGraphics> atlases, Buffers buffers)
     : state_(state),
       surface_(std::move(surface)),
       atlases_(std::move(atlases)),
       buffers_(buffers),
-      pixels_(PixelBuffer::Elsewhere(state.width, state.height, state.format)),
-      painter_(pixels_, state),
+      pixels_(surface_.get(), state.width, state.height, state.format),
+      painter_(pixels_.Buffer(), state),
       revision_(state.revision - 1) {}
 
 bool DirectFbRenderer::Begin() {
   {
     const std::lock_guard lock(DirectFbMutex());
-    const Access own(this);
+    const DirectFbLock own(&pixels_);
     if (!own) return false;
   }
   return Clear(VuColor{0});
@@ -80,12 +62,12 @@ bool DirectFbRenderer::Refresh() {
     const DFBRegion region = {clip_.x0, clip_.y0, clip_.x1 - 1, clip_.y1 - 1};
     if (!clip_.IsEmpty()) surface_->SetClip(surface_.get(), &region);
   }
-  return holders_ == 0 && blend_;
+  return !pixels_.IsLocked() && blend_;
 }
 
 /// For what goes beyond the clipping rectangle. Whether DirectFB may draw on the surface as it is.
 bool DirectFbRenderer::SetWholeClip() {
-  if (holders_ > 0 || HasDirectFbEnded()) return false;
+  if (pixels_.IsLocked() || HasDirectFbEnded()) return false;
   revision_ = state_.revision - 1;
   return surface_->SetClip(surface_.get(), nullptr) == DFB_OK;
 }
@@ -93,25 +75,6 @@ bool DirectFbRenderer::SetWholeClip() {
 void DirectFbRenderer::SetColor(uint32_t color) {
   const auto channel = [color](int shift) { return static_cast<uint8_t>(color >> shift); };
   surface_->SetColor(surface_.get(), channel(16), channel(8), channel(0), channel(24));
-}
-
-/// Has the pixels locked; an error line if that fails.
-bool DirectFbRenderer::Reach() {
-  if (HasDirectFbEnded()) return false;
-  if (holders_ == 0) {
-    void* pixels = nullptr;
-    int pitch = 0;
-    const auto how = static_cast<DFBSurfaceLockFlags>(DSLF_READ | DSLF_WRITE);
-    const DFBResult result = surface_->Lock(surface_.get(), how, &pixels, &pitch);
-    if (!IsGood(result, "lock a surface")) return false;
-    if (pixels != pixels_.Row(0) || pitch != pixels_.Pitch()) pixels_.PlaceAt(pixels, pitch);
-  }
-  ++holders_;
-  return true;
-}
-
-void DirectFbRenderer::LetGo() {
-  if (--holders_ == 0 && !HasDirectFbEnded()) surface_->Unlock(surface_.get());
 }
 
 // --- By DirectFB --------------------------------------------------------------------------------
@@ -152,7 +115,7 @@ bool DirectFbRenderer::FillLine(const Hairline& line, uint32_t color) {
 /// The whole `part` of `source`, which is another surface, in the place of `box`.
 bool DirectFbRenderer::Blit(DirectFbRenderer& source, const VuRect& part, const Box& box,
                             uint32_t color) {
-  if (!Refresh() || source.holders_ > 0 || source.buffers_ == Buffers::Two) return false;
+  if (!Refresh() || source.pixels_.IsLocked() || source.buffers_ == Buffers::Two) return false;
   if (!TakesRightPixels(part.width, part.height, source.state_.scaleMode, box, clip_)) return false;
   const std::optional<BlitRule> rule =
       FindBlit(*blend_, source.state_.format, state_.format, color);
@@ -177,7 +140,8 @@ bool DirectFbRenderer::Blit(DirectFbRenderer& source, const VuRect& part, const 
 bool DirectFbRenderer::CopyBox(DirectFbRenderer& source, const CopyPlan& plan) {
   const std::optional<BlitRule> rule =
       FindBlit({DSBF_ONE, DSBF_ZERO}, source.state_.format, state_.format, 0xFFFFFFFFu);
-  const bool other = &source != this && source.holders_ == 0 && source.buffers_ == Buffers::One;
+  const bool other =
+      &source != this && !source.pixels_.IsLocked() && source.buffers_ == Buffers::One;
   if (!other || !rule || rule->flags != DSBLIT_NOFX || !SetWholeClip()) return false;
   surface_->SetBlittingFlags(surface_.get(), DSBLIT_NOFX);
   const DFBRectangle from = {plan.srcX, plan.srcY, plan.box.Width(), plan.box.Height()};
@@ -187,32 +151,35 @@ bool DirectFbRenderer::CopyBox(DirectFbRenderer& source, const CopyPlan& plan) {
 
 // --- By the painter -----------------------------------------------------------------------------
 
-/// Calls `draw(operand, mask)` with the surfaces that are read as the painter reads them, and with
-/// everybody's pixels locked.
+/// Calls `draw(source, mask)` with the surfaces that are read as the painter reads them, and with
+/// all pixels locked.
 template <typename F>
-void DirectFbRenderer::Paint(const Operand* source, const Mask* mask, F&& draw) {
-  const Access own(this), read(source ? source->surface : nullptr),
-      masked(mask ? mask->operand.surface : nullptr);
+void DirectFbRenderer::Paint(const Source* source, const Mask* mask, F&& draw) {
+  const DirectFbLock own(&pixels_), read(source ? source->pixels : nullptr),
+      masked(mask ? mask->source.pixels : nullptr);
   if (!own || !read || !masked) return;
-  const auto inMemory = [](const Operand& operand) {
-    return backends::Operand{operand.copy ? operand.copy : &operand.surface->pixels_,
-                             operand.scaleMode};
+  const auto inMemory = [](const Source& s) {
+    return Painter::Source{&s.pixels->Buffer(), s.scaleMode};
   };
-  Painter::MaskArgument through{};
-  if (mask) through = {inMemory(mask->operand), mask->coords};
-  draw(source ? inMemory(*source) : backends::Operand{}, mask ? &through : nullptr);
+  Painter::Mask through{};
+  if (mask) through = {inMemory(mask->source), mask->coords, mask->primitive};
+  draw(source ? inMemory(*source) : Painter::Source{}, mask ? &through : nullptr);
 }
 
-bool DirectFbRenderer::Resolve(VuBitmapImpl& surface, Extent* rect, Operand& operand,
-                               Copies& copy) {
-  operand = {FindRenderer(surface), nullptr, surface.GetScaleMode()};
-  if (!operand.surface) return RefuseSource();
-  if (operand.surface != this) return true;
+bool DirectFbRenderer::Resolve(VuBitmapImpl& surface, Extent* rect, Source& source,
+                               SourceCopy& copy) {
+  DirectFbRenderer* const other = FindRenderer(surface);
+  if (!other) return RefuseSource();
+  source = {&other->pixels_, surface.GetScaleMode()};
+  if (other != this) return true;
   const Box part = TakePart(rect, pixels_.Bounds());
   const std::lock_guard lock(DirectFbMutex());
-  const Access own(this);
-  if (own) copy = CopyOf(pixels_, part);
-  if (copy) operand = {nullptr, &*copy, operand.scaleMode};
+  const DirectFbLock own(&pixels_);
+  if (!own) return false;
+  if (std::optional<PixelBuffer> copied = CopyOf(pixels_.Buffer(), part)) {
+    copy.emplace(std::move(*copied));
+    source.pixels = &*copy;
+  }
   return copy.has_value();
 }
 
@@ -262,11 +229,11 @@ bool DirectFbRenderer::BlitBox(const VuRect& dst, VuBitmapImpl& src, const VuRec
   return Blit(*source, srcRect, *box, Premultiply(color));
 }
 
-void DirectFbRenderer::DrawObject(const Extent& dst, const Operand& src, const Extent& srcRect,
+void DirectFbRenderer::DrawObject(const Extent& dst, const Source& src, const Extent& srcRect,
                                   Edges edges, const MatrixF& m, VuColor color, const Mask* mask) {
   const std::lock_guard lock(DirectFbMutex());
-  Paint(&src, mask, [&](const backends::Operand& operand, const auto* through) {
-    painter_.DrawObject(dst, operand, srcRect, edges, m, color, through);
+  Paint(&src, mask, [&](const Painter::Source& source, const auto* through) {
+    painter_.DrawObject(dst, source, srcRect, edges, m, color, through);
   });
 }
 
@@ -299,18 +266,18 @@ void DirectFbRenderer::DrawText(const TextArguments& text, VuColor color, const 
 
 void DirectFbRenderer::DrawGlyph(const TextLayout::Glyph& glyph, const GlyphPlace& place) {
   // Atlases are made of bitmaps.
-  const Operand atlas = {&static_cast<DirectFbBitmap*>(glyph.atlas)->Drawing(), nullptr,
-                         VuScaleMode::Bilinear};
+  DirectFbRenderer& atlas = static_cast<DirectFbBitmap*>(glyph.atlas)->Drawing();
   const std::lock_guard lock(DirectFbMutex());
   if (place.unscaled && IsNear(glyph.destination)) {
     const Box to = ToBox(glyph.destination);
     const VuPoint move = place.move;
     const Box box = {to.x0 + move.x, to.y0 + move.y, to.x1 + move.x, to.y1 + move.y};
-    if (Blit(*atlas.surface, glyph.source, box, Premultiply(place.color))) return;
+    if (Blit(atlas, glyph.source, box, Premultiply(place.color))) return;
   }
-  Paint(&atlas, place.mask, [&](const backends::Operand& operand, Painter::MaskArgument* through) {
+  const Source source = {&atlas.pixels_, VuScaleMode::Bilinear};
+  Paint(&source, place.mask, [&](const Painter::Source& read, Painter::Mask* through) {
     if (through) through->primitive = &*place.line;
-    painter_.DrawObject(ToExtent(glyph.destination), operand, ToExtent(glyph.source),
+    painter_.DrawObject(ToExtent(glyph.destination), read, ToExtent(glyph.source),
                         Edges::OnWholePixels, place.matrix, place.color, through);
   });
 }
@@ -326,22 +293,22 @@ bool DirectFbRenderer::Clear(VuColor color) {
     if (surface_->FillRectangle(surface_.get(), 0, 0, state_.width, state_.height) == DFB_OK)
       return true;
   }
-  const Access own(this);
-  if (own) ClearPixels(pixels_, color);
+  const DirectFbLock own(&pixels_);
+  if (own) ClearPixels(pixels_.Buffer(), color);
   return bool(own);
 }
 
 bool DirectFbRenderer::Read(const Box& box, void* dst) {
   const std::lock_guard lock(DirectFbMutex());
-  const Access own(this);
-  return own && GetPixels(pixels_, ToRect(box), dst);
+  const DirectFbLock own(&pixels_);
+  return own && GetPixels(pixels_.Buffer(), ToRect(box), dst);
 }
 
 bool DirectFbRenderer::Write(const Box& box, const void* src, unsigned pitch) {
   const std::lock_guard lock(DirectFbMutex());
-  const Access own(this);
+  const DirectFbLock own(&pixels_);
   painter_.Touch(box);
-  return own && SetPixels(pixels_, ToRect(box), src, pitch);
+  return own && SetPixels(pixels_.Buffer(), ToRect(box), src, pitch);
 }
 
 bool DirectFbRenderer::Copy(VuPoint at, VuBitmapImpl& src, const VuRect& srcRect) {
@@ -352,30 +319,30 @@ bool DirectFbRenderer::Copy(VuPoint at, VuBitmapImpl& src, const VuRect& srcRect
   const std::lock_guard lock(DirectFbMutex());
   painter_.Touch(plan.box);
   if (CopyBox(*source, plan)) return true;
-  const Access own(this), read(source);
-  if (own && read) CopyPixels(pixels_, at, source->pixels_, srcRect);
+  const DirectFbLock own(&pixels_), read(&source->pixels_);
+  if (own && read) CopyPixels(pixels_.Buffer(), at, source->pixels_.Buffer(), srcRect);
   return own && read;
 }
 
 bool DirectFbRenderer::Lock(bool) {
   const std::lock_guard lock(DirectFbMutex());
-  return Reach();
+  return pixels_.Lock();
 }
 
 bool DirectFbRenderer::Unlock(bool written) {
   const std::lock_guard lock(DirectFbMutex());
   if (written && !HasDirectFbEnded()) {
-    pixels_.RestoreOpaqueBits(pixels_.Bounds());
+    pixels_.Buffer().RestoreOpaqueBits(pixels_.Bounds());
     painter_.Touch(pixels_.Bounds());
   }
-  LetGo();
+  pixels_.Unlock();
   return true;
 }
 
 void DirectFbRenderer::Flip() {
   const std::lock_guard lock(DirectFbMutex());
   if (HasDirectFbEnded()) return;
-  if (holders_ > 0) {
+  if (pixels_.IsLocked()) {
     ZIRK_LOG_ERROR("the screen is locked, and not shown");
     return;
   }

@@ -6,10 +6,11 @@
 #include <optional>
 #include <vector>
 
+#include "directfb/directfbpixels.h"
 #include "directfb/directfbrules.h"
 #include "directfb/directfbruntime.h"
 #include "software/painter.h"
-#include "software/pixelbuffer.h"
+#include "surface/operands.h"
 #include "text/atlasgraphics.h"
 #include "text/textlayout.h"
 
@@ -19,19 +20,10 @@ namespace ZIRK::backends {
 /// locked pixels by the software painter beyond.
 class DirectFbRenderer {
  public:
-  using MatrixF = VuTMatrix2D<float>;
-
-  /// A surface, or a copy of what was on it.
-  struct Operand {
-    DirectFbRenderer* surface;
-    const PixelBuffer* copy;
-    VuScaleMode scaleMode;
-  };
-  struct Mask {
-    Operand operand;
-    const VuTVector2D<float>* coords;
-  };
-  using Copies = std::optional<PixelBuffer>;
+  using Pixels = DirectFbPixels;
+  using Source = backends::Source<DirectFbPixels>;
+  using Mask = backends::Mask<DirectFbPixels>;
+  using SourceCopy = std::optional<DirectFbPixels>;
 
   /// Whether drawing goes to the surface's back buffer, and reading as DirectFB does it would take
   /// what is shown.
@@ -46,12 +38,12 @@ class DirectFbRenderer {
   /// DirectFB looks for only now.
   bool Begin();
 
-  bool Resolve(VuBitmapImpl& surface, Extent* part, Operand& operand, Copies& copy);
+  bool Resolve(VuBitmapImpl& surface, Extent* part, Source& source, SourceCopy& copy);
 
   void DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m, const Mask* mask);
   void DrawLine(VuPoint from, VuPoint to, VuColor color, const MatrixF& m, const Mask* mask);
   void DrawRect(const Extent& rect, VuColor color, const MatrixF& m, const Mask* mask);
-  void DrawObject(const Extent& dst, const Operand& src, const Extent& srcRect, Edges edges,
+  void DrawObject(const Extent& dst, const Source& src, const Extent& srcRect, Edges edges,
                   const MatrixF& m, VuColor color, const Mask* mask);
   void DrawText(const TextArguments& text, VuColor color, const MatrixF& m, const Mask* mask);
   bool FillBox(const VuRect& rect, VuColor color);
@@ -66,20 +58,17 @@ class DirectFbRenderer {
   /// Always for writing: for reading alone DirectFB would give the pixels that are shown.
   bool Lock(bool write);
   bool Unlock(bool written);
-  void* LockedPixels() const { return const_cast<uint8_t*>(pixels_.Row(0)); }
-  int Pitch() const { return pixels_.Pitch(); }
+  void* LockedPixels() const { return const_cast<uint8_t*>(pixels_.Buffer().Row(0)); }
+  int Pitch() const { return pixels_.Buffer().Pitch(); }
 
   /// Shows what is drawn; with two buffers, waits until it is, and then brings the other one up to
   /// date.
   void Flip();
 
  private:
-  class Access;
   struct GlyphPlace;
 
   bool Refresh();
-  bool Reach();
-  void LetGo();
   void SetColor(uint32_t color);
   bool SetWholeClip();
 
@@ -90,15 +79,14 @@ class DirectFbRenderer {
   bool CopyBox(DirectFbRenderer& source, const CopyPlan& plan);
   void DrawGlyph(const TextLayout::Glyph& glyph, const GlyphPlace& place);
   template <typename F>
-  void Paint(const Operand* source, const Mask* mask, F&& draw);
+  void Paint(const Source* source, const Mask* mask, F&& draw);
 
   const SurfaceState& state_;
   const DirectFbSurfacePtr surface_;
   const std::shared_ptr<AtlasGraphics> atlases_;
   const Buffers buffers_;
 
-  PixelBuffer pixels_;  ///< Placed while they are held.
-  int holders_ = 0;     ///< Of the pixels, which are locked while there are any.
+  DirectFbPixels pixels_;
   Painter painter_;
 
   unsigned revision_;  ///< Of the state that what follows, and the surface's clip, are up to.

@@ -51,12 +51,13 @@ struct Reading {
 };
 
 /// For `rect` of `src` that fills `box`; nothing if it takes a program that limits what is read.
-std::optional<Reading> ReadingFor(const Box& box, const GlOperand& src, const VuRect& rect) {
+std::optional<Reading> ReadingFor(const Box& box, const Source<GlTexture>& src,
+                                  const VuRect& rect) {
   if (box.Width() == rect.width && box.Height() == rect.height) return Reading{GL_NEAREST, 0};
   const GLint filter = FilterOf(src.scaleMode);
   const bool enlarged =
       kSmallestStep * box.Width() > rect.width || kSmallestStep * box.Height() > rect.height;
-  const bool whole = ToBox(rect) == src.texture->Bounds();
+  const bool whole = ToBox(rect) == src.pixels->Bounds();
   if (filter == GL_NEAREST ? enlarged : !whole) return std::nullopt;
   return Reading{filter, filter == GL_NEAREST ? static_cast<float>(kTexelBias) : 0};
 }
@@ -114,7 +115,7 @@ uint32_t GlCanvas::Shade(VuColor color) const {
   return target_->Channels(Premultiply(color));
 }
 
-void GlCanvas::DrawRect(const Extent& rect, VuColor color, const MatrixF& m, const GlMask* mask) {
+void GlCanvas::DrawRect(const Extent& rect, VuColor color, const MatrixF& m, const Mask* mask) {
   if (!Refresh()) return;
   if (!mask)
     if (const std::optional<Box> box = PlaceUpright(rect, m)) return PaintBox(*box, Shade(color));
@@ -131,8 +132,8 @@ bool GlCanvas::FillBox(VuRect r, VuColor color) {
   return true;
 }
 
-bool GlCanvas::BlitBox(VuRect dst, GlOperand src, VuRect srcRect, const MatrixF& m, VuColor color) {
-  if (!IsInside(srcRect, src.texture->Width(), src.texture->Height())) return false;
+bool GlCanvas::BlitBox(VuRect dst, Source src, VuRect srcRect, const MatrixF& m, VuColor color) {
+  if (!IsInside(srcRect, src.pixels->Width(), src.pixels->Height())) return false;
   Box box = {dst.x, dst.y, dst.x, dst.y};
   if (m.isIdentity() && IsNear(dst)) {
     box.x1 += dst.width;
@@ -149,25 +150,24 @@ bool GlCanvas::BlitBox(VuRect dst, GlOperand src, VuRect srcRect, const MatrixF&
 
   const std::optional<Reading> reading = ReadingFor(box, src, srcRect);
   if (!reading) return false;
-  PutPlainQuad(device_->Batch().AddPlain(target_, blend_, src.texture, reading->filter), visible,
+  PutPlainQuad(device_->Batch().AddPlain(target_, blend_, src.pixels, reading->filter), visible,
                CutTexels(srcRect, reading->bias, box, visible), Shade(color));
   return true;
 }
 
-void GlCanvas::DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m,
-                         const GlMask* mask) {
+void GlCanvas::DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m, const Mask* mask) {
   if (!Refresh()) return;
   const std::optional<Placement> placement = Place(ToExtent(p, size), m, Edges::OnWholePixels);
   if (!placement) return;
   if (!mask) return Paint(*placement, Filling(), Shade(color), nullptr);
   const Point at = ToPoint(*mask->coords);
-  const PlacedMask placed = PlaceAt(at, mask->operand);
+  const PlacedMask placed = PlaceAt(at, mask->source);
   const bool finite = IsFinite(at);
   Paint(*placement, Filling(), finite ? Shade(color) : 0, finite ? &placed : nullptr);
 }
 
 void GlCanvas::DrawLine(VuPoint from, VuPoint to, VuColor color, const MatrixF& m,
-                        const GlMask* mask) {
+                        const Mask* mask) {
   if (!Refresh()) return;
   const std::optional<Hairline> line = PlaceLine(from, to, m);
   if (!line) return;
@@ -175,18 +175,18 @@ void GlCanvas::DrawLine(VuPoint from, VuPoint to, VuColor color, const MatrixF& 
   if (box.IsEmpty()) return;
   const uint32_t shade = Shade(color);
   if (mask) {
-    const GlTexture& texture = *mask->operand.texture;
+    const GlTexture& texture = *mask->source.pixels;
     const LineEnds ends =
         MaskEnds(mask->coords, texture.Width(), texture.Height(), from, to, *line);
     Walk(*line, clip_, [&](int x, int y, int step) {
-      PaintMaskedPixel(x, y, shade, mask->operand, ends.At(*line, step));
+      PaintMaskedPixel(x, y, shade, mask->source, ends.At(*line, step));
     });
     return;
   }
   WalkRuns(*line, clip_, [&](const Box& run) { PaintBox(run, shade); });
 }
 
-void GlCanvas::PaintMaskedPixel(int x, int y, uint32_t color, const GlOperand& mask, Point at) {
+void GlCanvas::PaintMaskedPixel(int x, int y, uint32_t color, const Source& mask, Point at) {
   const Box pixel = {x, y, x + 1, y + 1};
   if (!IsFinite(at)) return PaintBox(pixel, 0);
   const PlacedMask placed = PlaceAt(at, mask);
@@ -194,18 +194,18 @@ void GlCanvas::PaintMaskedPixel(int x, int y, uint32_t color, const GlOperand& m
   PaintShape({Polygon(pixel), toSurface, true}, Filling(), color, &placed);
 }
 
-void GlCanvas::DrawObject(const Extent& dst, const GlOperand& src, const Extent& srcRect,
-                          Edges edges, const MatrixF& m, VuColor color, const GlMask* mask) {
+void GlCanvas::DrawObject(const Extent& dst, const Source& src, const Extent& srcRect, Edges edges,
+                          const MatrixF& m, VuColor color, const Mask* mask) {
   if (!Refresh()) return;
   const std::optional<Placement> whole = Place(dst, m, edges);
   if (!whole) return;
   const std::optional<SourcePlacement> source =
-      PlaceSource(srcRect, src.texture->Bounds(), *whole, src.scaleMode);
+      PlaceSource(srcRect, src.pixels->Bounds(), *whole, src.scaleMode);
   if (!source) return;
   const std::optional<PlacedMask> placed =
       mask ? PlaceOver(mask->primitive ? *mask->primitive : *whole, *mask) : std::nullopt;
   if (mask && !placed) return;
-  const Filling filling = {src.texture, FilterOf(src.scaleMode), source->toTexture, source->limits};
+  const Filling filling = {src.pixels, FilterOf(src.scaleMode), source->toTexture, source->limits};
   Paint(source->part, filling, Shade(color), placed ? &*placed : nullptr);
 }
 
@@ -217,17 +217,17 @@ void GlCanvas::PaintBox(const Box& box, uint32_t color) {
 }
 
 std::optional<GlCanvas::PlacedMask> GlCanvas::PlaceOver(const Placement& primitive,
-                                                        const GlMask& mask) {
-  GlTexture* const texture = mask.operand.texture;
-  const VuScaleMode mode = mask.operand.scaleMode;
+                                                        const Mask& mask) {
+  GlTexture* const texture = mask.source.pixels;
+  const VuScaleMode mode = mask.source.scaleMode;
   const std::optional<MaskPlacement> place =
       PlaceMask(texture->Width(), texture->Height(), mask.coords, primitive, mode);
   return place ? std::optional(PlacedMask{texture, FilterOf(mode), *place}) : std::nullopt;
 }
 
 /// One position for all of a shape.
-GlCanvas::PlacedMask GlCanvas::PlaceAt(Point at, const GlOperand& mask) {
-  return {mask.texture, FilterOf(mask.scaleMode), {{at, {0, 0}, {0, 0}}, {}, {0, 0}}};
+GlCanvas::PlacedMask GlCanvas::PlaceAt(Point at, const Source& mask) {
+  return {mask.pixels, FilterOf(mask.scaleMode), {{at, {0, 0}, {0, 0}}, {}, {0, 0}}};
 }
 
 void GlCanvas::Paint(const Placement& placement, const Filling& filling, uint32_t color,

@@ -15,28 +15,17 @@
 #include "opengles2/glbatch.h"
 #include "opengles2/gldevice.h"
 #include "opengles2/gltexture.h"
+#include "surface/operands.h"
 #include "surface/surfacestate.h"
 
 namespace ZIRK::backends {
 
-/// A texture as an operand of a drawing operation.
-struct GlOperand {
-  GlTexture* texture;
-  VuScaleMode scaleMode;
-};
-
-/// A mask with its coordinates: as many as the primitive has, or null.
-struct GlMask {
-  GlOperand operand;
-  const VuTVector2D<float>* coords;
-  const Placement* primitive = nullptr;  ///< If more than what is drawn at a time.
-};
-
-/// What a surface is drawn on, and the drawing operations. Operands are never what is drawn on: who
-/// calls has made a snapshot if they were.
+/// What a surface is drawn on, and the drawing operations. Sources and masks are never what is
+/// drawn on: who calls has made a snapshot if they were.
 class GlCanvas {
  public:
-  using MatrixF = VuTMatrix2D<float>;
+  using Source = backends::Source<GlTexture>;
+  using Mask = backends::Mask<GlTexture>;
 
   /// `state` lives as long as the canvas; operations go by what it is at the time.
   GlCanvas(std::shared_ptr<GlDevice> device, const SurfaceState& state)
@@ -52,16 +41,16 @@ class GlCanvas {
   /// Null where that is a window.
   GlTexture* Texture() const { return texture_.get(); }
 
-  void DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m, const GlMask* mask);
-  void DrawLine(VuPoint from, VuPoint to, VuColor color, const MatrixF& m, const GlMask* mask);
-  void DrawRect(const Extent& rect, VuColor color, const MatrixF& m, const GlMask* mask);
-  void DrawObject(const Extent& dst, const GlOperand& src, const Extent& srcRect, Edges edges,
-                  const MatrixF& m, VuColor color, const GlMask* mask);
+  void DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m, const Mask* mask);
+  void DrawLine(VuPoint from, VuPoint to, VuColor color, const MatrixF& m, const Mask* mask);
+  void DrawRect(const Extent& rect, VuColor color, const MatrixF& m, const Mask* mask);
+  void DrawObject(const Extent& dst, const Source& src, const Extent& srcRect, Edges edges,
+                  const MatrixF& m, VuColor color, const Mask* mask);
 
   /// The usual cases, worked out quickly; false, with nothing drawn, in any other. Rectangles come
   /// by value, in registers: through memory each would be waited for.
   bool FillBox(VuRect rect, VuColor color);
-  bool BlitBox(VuRect dst, GlOperand src, VuRect srcRect, const MatrixF& m, VuColor color);
+  bool BlitBox(VuRect dst, Source src, VuRect srcRect, const MatrixF& m, VuColor color);
 
   bool Clear(VuColor color);
   /// These take boxes inside the surface; rows of `dst` are tight. May throw std::bad_alloc.
@@ -88,8 +77,8 @@ class GlCanvas {
   };
   struct Shape;
 
-  static std::optional<PlacedMask> PlaceOver(const Placement& primitive, const GlMask& mask);
-  static PlacedMask PlaceAt(Point at, const GlOperand& mask);
+  static std::optional<PlacedMask> PlaceOver(const Placement& primitive, const Mask& mask);
+  static PlacedMask PlaceAt(Point at, const Source& mask);
   static bool NeedsLimits(const Filling& filling);
   DrawKey KeyFor(const Shape& shape, const Filling& filling, const PlacedMask* mask) const;
   static ShapedVertex VertexOf(const Shape& shape, const Filling& filling, uint32_t color);
@@ -105,7 +94,7 @@ class GlCanvas {
              const PlacedMask* mask);
   void PaintShape(const Shape& shape, const Filling& filling, uint32_t color,
                   const PlacedMask* mask);
-  void PaintMaskedPixel(int x, int y, uint32_t color, const GlOperand& mask, Point at);
+  void PaintMaskedPixel(int x, int y, uint32_t color, const Source& mask, Point at);
 
   const std::shared_ptr<GlDevice> device_;
   const SurfaceState& state_;

@@ -193,9 +193,9 @@ void GlLayers::Compose(const GlCompositor::Stack& stack) {
     state_.blendEnabled = description.blended;
     ++state_.revision;
     GlScreen& screen = *layer->screen;
-    const GlOperand operand = {screen.Canvas().Texture(), screen.GetScaleMode()};
+    const Source<GlTexture> source = {screen.Canvas().Texture(), screen.GetScaleMode()};
     const VuColor opacity{uint32_t{description.opacity} << 24 | 0x00FFFFFFu};
-    canvas_.DrawObject(ToExtent(description.destination, all), operand,
+    canvas_.DrawObject(ToExtent(description.destination, all), source,
                        ToExtent(description.source, screen.GetBounds()), Edges::OnWholePixels, {},
                        opacity, nullptr);
   }

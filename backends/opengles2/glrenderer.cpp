@@ -6,40 +6,40 @@
 
 namespace ZIRK::backends {
 
-bool GlRenderer::Resolve(VuBitmapImpl& surface, Extent* rect, GlOperand& operand, Copies& copy) {
-  operand = FindOperand(*sources_, surface, Device());
-  if (operand.texture && operand.texture != Texture()) return true;
+bool GlRenderer::Resolve(VuBitmapImpl& surface, Extent* rect, Source& source, SourceCopy& copy) {
+  source = FindSource(*sources_, surface, Device());
+  if (source.pixels && source.pixels != Texture()) return true;
   const Box part = TakePart(rect, ToBox(surface.GetBounds()));
   if (!sources_->CopyPixels(surface, part, Device(), copy)) return false;
-  operand.texture = copy.get();
+  source.pixels = copy.get();
   return copy != nullptr;
 }
 
 bool GlRenderer::BlitBox(VuRect dst, VuBitmapImpl& src, VuRect srcRect, const MatrixF& m,
                          VuColor color) {
-  const GlOperand operand = FindOperand(*sources_, src, Device());
-  if (!operand.texture || operand.texture == Texture()) return false;
-  return GlCanvas::BlitBox(dst, operand, srcRect, m, color);
+  const Source source = FindSource(*sources_, src, Device());
+  if (!source.pixels || source.pixels == Texture()) return false;
+  return GlCanvas::BlitBox(dst, source, srcRect, m, color);
 }
 
 bool GlRenderer::Copy(VuPoint at, VuBitmapImpl& src, const VuRect& srcRect) {
   const CopyPlan plan = PlanCopy(at.x, at.y, All(), srcRect, ToBox(src.GetBounds()));
   const Box& box = plan.box;
-  GlTexture* const texture = FindOperand(*sources_, src, Device()).texture;
+  GlTexture* const texture = FindSource(*sources_, src, Device()).pixels;
   if (texture && box.IsEmpty()) return true;
   if (texture && texture != Texture()) return GlCanvas::Copy(box, *texture, plan.srcX, plan.srcY);
   const Box part = {plan.srcX, plan.srcY, plan.srcX + box.Width(), plan.srcY + box.Height()};
-  Copies copy;
+  SourceCopy copy;
   if (!sources_->CopyPixels(src, part, Device(), copy)) return false;
   return !copy || GlCanvas::Copy(box, *copy, 0, 0);
 }
 
 void GlRenderer::DrawText(const TextArguments& text, VuColor color, const MatrixF& m,
-                          const GlMask* mask) {
+                          const Mask* mask) {
   AtlasLine line(sources_->Atlases(), text);
   if (!line) return;
   std::optional<Placement> box;
-  GlMask over{};
+  Mask over{};
   if (mask) {
     box = line.Place(m);
     if (!box) return;
@@ -47,13 +47,13 @@ void GlRenderer::DrawText(const TextArguments& text, VuColor color, const Matrix
     over.primitive = &*box;
   }
   for (TextLayout::Glyph glyph; line.Next(glyph);) {
-    GlTexture* const texture = FindOperand(*sources_, *glyph.atlas, Device()).texture;
+    GlTexture* const texture = FindSource(*sources_, *glyph.atlas, Device()).pixels;
     // That of a context that was lost has none.
     if (!texture) continue;
-    const GlOperand operand = {texture, VuScaleMode::Bilinear};
-    if (!mask && GlCanvas::BlitBox(glyph.destination, operand, glyph.source, m, color)) continue;
-    DrawObject(ToExtent(glyph.destination), operand, ToExtent(glyph.source), Edges::OnWholePixels,
-               m, color, mask ? &over : nullptr);
+    const Source source = {texture, VuScaleMode::Bilinear};
+    if (!mask && GlCanvas::BlitBox(glyph.destination, source, glyph.source, m, color)) continue;
+    DrawObject(ToExtent(glyph.destination), source, ToExtent(glyph.source), Edges::OnWholePixels, m,
+               color, mask ? &over : nullptr);
   }
 }
 

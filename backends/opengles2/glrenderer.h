@@ -14,17 +14,16 @@ namespace ZIRK::backends {
 /// Draws by OpenGL, for DrawnSurface.
 class GlRenderer : public GlCanvas {
  public:
-  using Operand = GlOperand;
-  using Mask = GlMask;
-  using Copies = std::unique_ptr<GlTexture>;
+  using Pixels = GlTexture;
+  using SourceCopy = std::unique_ptr<GlTexture>;
 
   GlRenderer(const SurfaceState& state, std::shared_ptr<GlDevice> device,
              std::shared_ptr<TextureSources> sources)
       : GlCanvas(std::move(device), state), state_(state), sources_(std::move(sources)) {}
 
-  bool Resolve(VuBitmapImpl& surface, Extent* part, GlOperand& operand, Copies& copy);
+  bool Resolve(VuBitmapImpl& surface, Extent* part, Source& source, SourceCopy& copy);
   bool BlitBox(VuRect dst, VuBitmapImpl& src, VuRect srcRect, const MatrixF& m, VuColor color);
-  void DrawText(const TextArguments& text, VuColor color, const MatrixF& m, const GlMask* mask);
+  void DrawText(const TextArguments& text, VuColor color, const MatrixF& m, const Mask* mask);
   bool Copy(VuPoint at, VuBitmapImpl& src, const VuRect& srcRect);
 
   /// The pixels are a copy while they are locked.

@@ -7,7 +7,7 @@
 
 namespace ZIRK::backends {
 
-GlOperand FindOperand(TextureSources& sources, VuBitmapImpl& surface, GlDevice& device) {
+Source<GlTexture> FindSource(TextureSources& sources, VuBitmapImpl& surface, GlDevice& device) {
   // Nearly always a bitmap, which is quickly found out.
   if (auto* const bitmap = AsOwn<GlBitmap>(&surface))
     return {TextureOf(&bitmap->Canvas(), device), bitmap->GetScaleMode()};

@@ -32,7 +32,7 @@ class TextureSources {
 
 /// A surface as it is read where a texture of `device` holds it: a bitmap's own, or what `sources`
 /// knows. Without texture if there is none.
-GlOperand FindOperand(TextureSources& sources, VuBitmapImpl& surface, GlDevice& device);
+Source<GlTexture> FindSource(TextureSources& sources, VuBitmapImpl& surface, GlDevice& device);
 
 /// What an OpenGL surface of this plug-in is drawn on; null for any other.
 GlCanvas* FindCanvas(VuBitmapImpl& surface);

@@ -25,8 +25,7 @@ void Painter::TakeState() {
   clip_ = Intersection(ToBox(state_.clip), target_.Bounds());
 }
 
-void Painter::DrawRect(const Extent& rect, VuColor color, const MatrixF& m,
-                       const MaskArgument* mask) {
+void Painter::DrawRect(const Extent& rect, VuColor color, const MatrixF& m, const Mask* mask) {
   Refresh();
   if (!mask)
     if (const std::optional<Box> box = PlaceUpright(rect, m))
@@ -35,21 +34,20 @@ void Painter::DrawRect(const Extent& rect, VuColor color, const MatrixF& m,
   if (placement) Paint(*placement, *placement, nullptr, Premultiply(color), mask);
 }
 
-void Painter::DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m,
-                        const MaskArgument* mask) {
+void Painter::DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m, const Mask* mask) {
   Refresh();
   const std::optional<Placement> placement = Place(ToExtent(p, size), m, Edges::OnWholePixels);
   if (!placement) return;
   uint32_t shade = Premultiply(color);
   if (mask) {
     const Point at = ToPoint(*mask->coords);
-    shade = ScalePixel(shade, MaskPoints(mask->operand).AlphaAt(at));
+    shade = ScalePixel(shade, MaskPoints(mask->source).AlphaAt(at));
   }
   Paint(*placement, *placement, nullptr, shade, nullptr);
 }
 
-void Painter::DrawObject(const Extent& dst, const Operand& src, const Extent& srcRect, Edges edges,
-                         const MatrixF& m, VuColor color, const MaskArgument* mask) {
+void Painter::DrawObject(const Extent& dst, const Source& src, const Extent& srcRect, Edges edges,
+                         const MatrixF& m, VuColor color, const Mask* mask) {
   Refresh();
   if (edges == Edges::OnWholePixels && !mask && DrawUnscaled(dst, src, srcRect, m, color)) return;
   const std::optional<Placement> whole = Place(dst, m, edges);
@@ -70,8 +68,8 @@ bool Painter::FillBox(const VuRect& r, VuColor color) {
   return true;
 }
 
-bool Painter::BlitBox(const VuRect& dst, const Operand& src, const VuRect& srcRect,
-                      const MatrixF& m, VuColor color) {
+bool Painter::BlitBox(const VuRect& dst, const Source& src, const VuRect& srcRect, const MatrixF& m,
+                      VuColor color) {
   if (!m.isIdentity() || !IsNear(dst) || dst.width != srcRect.width ||
       dst.height != srcRect.height || !IsInside(srcRect, src.pixels->Width(), src.pixels->Height()))
     return false;
@@ -82,7 +80,7 @@ bool Painter::BlitBox(const VuRect& dst, const Operand& src, const VuRect& srcRe
 }
 
 /// Whether the source needs no resampling; then it has been drawn.
-bool Painter::DrawUnscaled(const Extent& dst, const Operand& src, const Extent& srcRect,
+bool Painter::DrawUnscaled(const Extent& dst, const Source& src, const Extent& srcRect,
                            const MatrixF& m, VuColor color) {
   const std::optional<Box> box = PlaceUpright(dst, m);
   if (!box || box->Width() != srcRect.width || box->Height() != srcRect.height) return false;
@@ -115,16 +113,17 @@ void Painter::PaintBox(const Box& whole, const Texture* texture, uint32_t color)
 
 /// Draws `placement`, a part of `whole`, over which the mask lies.
 void Painter::Paint(const Placement& placement, const Placement& whole, const Texture* texture,
-                    uint32_t color, const MaskArgument* maskArgument) {
+                    uint32_t color, const Mask* maskArgument) {
   const Box box = Visible(placement.box);
   if (box.IsEmpty()) return;
-  const std::optional<Mask> mask =
-      maskArgument ? Mask::Create(maskArgument->operand, maskArgument->coords,
-                                  maskArgument->primitive ? *maskArgument->primitive : whole, box)
-                   : std::nullopt;
+  const std::optional<MaskSampler> mask =
+      maskArgument
+          ? MaskSampler::Create(maskArgument->source, maskArgument->coords,
+                                maskArgument->primitive ? *maskArgument->primitive : whole, box)
+          : std::nullopt;
   if (maskArgument && !mask) return;
   Touch(box);
-  const Mask* const maskOrNull = mask ? &*mask : nullptr;
+  const MaskSampler* const maskOrNull = mask ? &*mask : nullptr;
   if (!placement.hardEdged) return PaintSlanted(placement, box, texture, color, maskOrNull);
   const bool opaque = IsOpaque(color) && (!texture || texture->Pixels().IsOpaque()) && !mask;
   if (PaintAligned(box, texture, color, maskOrNull, opaque)) return;
@@ -132,8 +131,8 @@ void Painter::Paint(const Placement& placement, const Placement& whole, const Te
 }
 
 /// All rows at once, where source and mask, if any, need no resampling.
-bool Painter::PaintAligned(const Box& box, const Texture* texture, uint32_t color, const Mask* mask,
-                           bool opaque) {
+bool Painter::PaintAligned(const Box& box, const Texture* texture, uint32_t color,
+                           const MaskSampler* mask, bool opaque) {
   if ((texture && !texture->IsAligned()) || (mask && !mask->IsInPlace())) return false;
   if (!blender_.IsDirect()) {
     Blender::PixmanSource source;
@@ -144,9 +143,9 @@ bool Painter::PaintAligned(const Box& box, const Texture* texture, uint32_t colo
       source.sourceY = texture->AlignedY(box.y0);
     }
     if (mask) {
-      source.mask = &mask->Source().Pixels();
-      source.maskX = mask->Source().AlignedX(box.x0);
-      source.maskY = mask->Source().AlignedY(box.y0);
+      source.mask = &mask->Texels().Pixels();
+      source.maskX = mask->Texels().AlignedX(box.x0);
+      source.maskY = mask->Texels().AlignedY(box.y0);
     }
     return blender_.DrawByPixman(box, source, opaque);
   }
@@ -171,13 +170,14 @@ bool Painter::PaintAligned(const Box& box, const Texture* texture, uint32_t colo
   return true;
 }
 
-void Painter::PaintRows(const Box& box, const Texture* texture, uint32_t color, const Mask* mask) {
+void Painter::PaintRows(const Box& box, const Texture* texture, uint32_t color,
+                        const MaskSampler* mask) {
   const QuadCoverage::Row row = {box.x0, box.x0, box.x1, box.x1};
   for (int y = box.y0; y < box.y1; ++y) PaintRow(row, y, texture, color, mask, nullptr);
 }
 
 void Painter::PaintSlanted(const Placement& placement, const Box& box, const Texture* texture,
-                           uint32_t color, const Mask* mask) {
+                           uint32_t color, const MaskSampler* mask) {
   // In a short row the solid part is drawn with the edges: one operation costs less than three.
   constexpr int kShort = 192;
   QuadCoverage coverage(placement.corners, box, scratch_);
@@ -190,7 +190,7 @@ void Painter::PaintSlanted(const Placement& placement, const Box& box, const Tex
 
 /// The pixels of row `y` that a shape covers; without `coverage` all of them are solid.
 void Painter::PaintRow(const QuadCoverage::Row& row, int y, const Texture* texture, uint32_t color,
-                       const Mask* mask, const QuadCoverage* coverage) {
+                       const MaskSampler* mask, const QuadCoverage* coverage) {
   uint32_t scratch[kChunk];
   for (int x0 = row.begin; x0 < row.end; x0 += kChunk) {
     const int x1 = std::min(x0 + kChunk, row.end);
@@ -211,7 +211,7 @@ void Painter::PaintRow(const QuadCoverage::Row& row, int y, const Texture* textu
 /// At most kChunk pixels, from `x0` to `x1` of row `y`: those at `pixels`, or of one colour where
 /// there are none. `alpha` is the shape's coverage, null where it is whole.
 void Painter::PaintRun(int x0, int x1, int y, const uint32_t* pixels, uint32_t color,
-                       const Mask* mask, const uint8_t* alpha) {
+                       const MaskSampler* mask, const uint8_t* alpha) {
   // Pixels that are not covered at all stay as they are even where blending is off.
   while (alpha && x0 < x1 && *alpha == 0) {
     ++x0;

@@ -11,8 +11,9 @@
 #include "geometry/placement.h"
 #include "software/blender.h"
 #include "software/coverage.h"
-#include "software/mask.h"
+#include "software/masksampler.h"
 #include "software/pixelbuffer.h"
+#include "surface/operands.h"
 #include "surface/surfacestate.h"
 
 namespace ZIRK::backends {
@@ -21,31 +22,23 @@ namespace ZIRK::backends {
 /// made a copy if they were. May throw std::bad_alloc.
 class Painter {
  public:
-  using MatrixF = VuTMatrix2D<float>;
-
-  /// A mask with its coordinates: as many as the primitive has, or null. Operations take null for
-  /// no mask.
-  struct MaskArgument {
-    Operand operand;
-    const VuTVector2D<float>* coords;
-    const Placement* primitive = nullptr;  ///< If more than what is drawn at a time.
-  };
+  using Source = backends::Source<const PixelBuffer>;
+  using Mask = backends::Mask<const PixelBuffer>;
 
   /// Both live as long as the painter; operations go by what `state` is at the time.
   Painter(PixelBuffer& target, const SurfaceState& state);
 
-  void DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m, const MaskArgument* mask);
-  void DrawLine(VuPoint from, VuPoint to, VuColor color, const MatrixF& m,
-                const MaskArgument* mask);
+  void DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m, const Mask* mask);
+  void DrawLine(VuPoint from, VuPoint to, VuColor color, const MatrixF& m, const Mask* mask);
   /// A rectangle of one colour, with its edges on whole pixels where it comes out axis-aligned.
-  void DrawRect(const Extent& rect, VuColor color, const MatrixF& m, const MaskArgument* mask);
+  void DrawRect(const Extent& rect, VuColor color, const MatrixF& m, const Mask* mask);
   /// The part `srcRect` of `src` in the place of `dst`.
-  void DrawObject(const Extent& dst, const Operand& src, const Extent& srcRect, Edges edges,
-                  const MatrixF& m, VuColor color, const MaskArgument* mask);
+  void DrawObject(const Extent& dst, const Source& src, const Extent& srcRect, Edges edges,
+                  const MatrixF& m, VuColor color, const Mask* mask);
 
   /// The usual cases, worked out quickly; false, with nothing drawn, in any other.
   bool FillBox(const VuRect& rect, VuColor color);
-  bool BlitBox(const VuRect& dst, const Operand& src, const VuRect& srcRect, const MatrixF& m,
+  bool BlitBox(const VuRect& dst, const Source& src, const VuRect& srcRect, const MatrixF& m,
                VuColor color);
 
   /// The A8 `src` from (srcX, srcY) on, pixel for pixel in the place of `box`, which may lie
@@ -70,22 +63,22 @@ class Painter {
   }
 
  private:
-  bool DrawUnscaled(const Extent& dst, const Operand& src, const Extent& srcRect, const MatrixF& m,
+  bool DrawUnscaled(const Extent& dst, const Source& src, const Extent& srcRect, const MatrixF& m,
                     VuColor color);
   void PaintBox(const Box& whole, const Texture* texture, uint32_t color);
   void Paint(const Placement& placement, const Placement& whole, const Texture* texture,
-             uint32_t color, const MaskArgument* mask);
-  bool PaintAligned(const Box& box, const Texture* texture, uint32_t color, const Mask* mask,
+             uint32_t color, const Mask* mask);
+  bool PaintAligned(const Box& box, const Texture* texture, uint32_t color, const MaskSampler* mask,
                     bool opaque);
-  void PaintRows(const Box& box, const Texture* texture, uint32_t color, const Mask* mask);
+  void PaintRows(const Box& box, const Texture* texture, uint32_t color, const MaskSampler* mask);
   void PaintSlanted(const Placement& placement, const Box& box, const Texture* texture,
-                    uint32_t color, const Mask* mask);
+                    uint32_t color, const MaskSampler* mask);
   void PaintRow(const QuadCoverage::Row& row, int y, const Texture* texture, uint32_t color,
-                const Mask* mask, const QuadCoverage* coverage);
-  void PaintRun(int x0, int x1, int y, const uint32_t* pixels, uint32_t color, const Mask* mask,
-                const uint8_t* alpha);
+                const MaskSampler* mask, const QuadCoverage* coverage);
+  void PaintRun(int x0, int x1, int y, const uint32_t* pixels, uint32_t color,
+                const MaskSampler* mask, const uint8_t* alpha);
   void DrawSlantedLine(const Hairline& line, uint32_t color);
-  void DrawMaskedLine(const Hairline& line, uint32_t color, const Operand& mask,
+  void DrawMaskedLine(const Hairline& line, uint32_t color, const Source& mask,
                       const LineEnds& ends);
   void Refresh() {
     if (revision_ != state_.revision) TakeState();

@@ -8,7 +8,7 @@
 namespace ZIRK::backends {
 
 void Painter::DrawLine(VuPoint from, VuPoint to, VuColor color, const MatrixF& m,
-                       const MaskArgument* mask) {
+                       const Mask* mask) {
   Refresh();
   const std::optional<Hairline> line = PlaceLine(from, to, m);
   if (!line) return;
@@ -17,9 +17,9 @@ void Painter::DrawLine(VuPoint from, VuPoint to, VuColor color, const MatrixF& m
   Touch(box);
   const uint32_t shade = Premultiply(color);
   if (mask) {
-    const PixelBuffer& pixels = *mask->operand.pixels;
+    const PixelBuffer& pixels = *mask->source.pixels;
     const LineEnds ends = MaskEnds(mask->coords, pixels.Width(), pixels.Height(), from, to, *line);
-    DrawMaskedLine(*line, shade, mask->operand, ends);
+    DrawMaskedLine(*line, shade, mask->source, ends);
   } else if (line->x0 == line->x1 || line->y0 == line->y1) {
     PaintBox(box, nullptr, shade);
   } else {
@@ -27,7 +27,7 @@ void Painter::DrawLine(VuPoint from, VuPoint to, VuColor color, const MatrixF& m
   }
 }
 
-void Painter::DrawMaskedLine(const Hairline& line, uint32_t color, const Operand& mask,
+void Painter::DrawMaskedLine(const Hairline& line, uint32_t color, const Source& mask,
                              const LineEnds& ends) {
   const MaskPoints points(mask);
   Walk(line, clip_, [&](int x, int y, int step) {

@@ -4,7 +4,8 @@
 
 #include <optional>
 
-#include "software/mask.h"
+#include "software/pixelbuffer.h"
+#include "surface/operands.h"
 #include "text/atlasgraphics.h"
 
 namespace ZIRK::backends {
@@ -30,6 +31,6 @@ class PixelSources {
 
 /// A surface as it is read where it has its pixels in memory: a software bitmap, or what `sources`
 /// knows. Without pixels if it has none there.
-Operand FindOperand(PixelSources& sources, VuBitmapImpl& surface);
+Source<const PixelBuffer> FindSource(PixelSources& sources, VuBitmapImpl& surface);
 
 }  // namespace ZIRK::backends

@@ -19,8 +19,8 @@ class SoftwareSurface : public DrawnSurface<Base, SoftwareRenderer> {
  public:
   using DrawnSurface<Base, SoftwareRenderer>::DrawnSurface;
 
-  PixelBuffer& Pixels() { return this->Drawing().Pixels(); }
-  const PixelBuffer& Pixels() const { return this->Drawing().Pixels(); }
+  PixelBuffer& Pixels() { return this->Drawing().Buffer(); }
+  const PixelBuffer& Pixels() const { return this->Drawing().Buffer(); }
   /// What has changed since the last TakeDamage().
   const Box& Damage() const { return this->Drawing().Touched(); }
   Box TakeDamage() { return this->Drawing().TakeTouched(); }

@@ -13,23 +13,23 @@ std::optional<PixelBuffer> CopyOf(const PixelBuffer& pixels, const Box& part) {
   return copy;
 }
 
-Operand FindOperand(PixelSources& sources, VuBitmapImpl& surface) {
+Source<const PixelBuffer> FindSource(PixelSources& sources, VuBitmapImpl& surface) {
   // Nearly always a bitmap, which is quickly found out.
   if (const auto* bitmap = AsOwn<SoftwareBitmap>(&surface))
     return {&bitmap->Pixels(), bitmap->GetScaleMode()};
   return {sources.PixelsOf(surface), surface.GetScaleMode()};
 }
 
-bool SoftwareRenderer::Resolve(VuBitmapImpl& surface, Extent* rect, Operand& operand,
-                               Copies& copy) const {
-  operand = FindOperand(*sources_, surface);
-  if (operand.pixels && operand.pixels != &pixels_) return true;
+bool SoftwareRenderer::Resolve(VuBitmapImpl& surface, Extent* rect, Source& source,
+                               SourceCopy& copy) const {
+  source = FindSource(*sources_, surface);
+  if (source.pixels && source.pixels != &pixels_) return true;
   const Box part = TakePart(rect, ToBox(surface.GetBounds()));
-  if (operand.pixels)
+  if (source.pixels)
     copy = CopyOf(pixels_, part);
   else if (!sources_->CopyPixels(surface, part, copy))
     return false;
-  if (copy) operand.pixels = &*copy;
+  if (copy) source.pixels = &*copy;
   return copy.has_value();
 }
 
@@ -41,7 +41,7 @@ bool SoftwareRenderer::BlitBox(const VuRect& dst, VuBitmapImpl& src, const VuRec
 }
 
 bool SoftwareRenderer::Copy(VuPoint at, VuBitmapImpl& src, const VuRect& srcRect) {
-  if (const PixelBuffer* const pixels = FindOperand(*sources_, src).pixels) {
+  if (const PixelBuffer* const pixels = FindSource(*sources_, src).pixels) {
     Touch(backends::CopyPixels(pixels_, at, *pixels, srcRect));
     return true;
   }

@@ -26,9 +26,8 @@ struct OwnPixels {
 /// Draws on pixels in memory, for DrawnSurface.
 class SoftwareRenderer : private OwnPixels, public Painter {
  public:
-  using Operand = backends::Operand;
-  using Mask = MaskArgument;
-  using Copies = std::optional<PixelBuffer>;
+  using Pixels = const PixelBuffer;
+  using SourceCopy = std::optional<PixelBuffer>;
 
   SoftwareRenderer(const SurfaceState& state, std::shared_ptr<PixelSources> sources,
                    PixelBuffer::Contents contents = PixelBuffer::Contents::Clear)
@@ -36,10 +35,10 @@ class SoftwareRenderer : private OwnPixels, public Painter {
         Painter(pixels_, state),
         sources_(std::move(sources)) {}
 
-  PixelBuffer& Pixels() { return pixels_; }
-  const PixelBuffer& Pixels() const { return pixels_; }
+  PixelBuffer& Buffer() { return pixels_; }
+  const PixelBuffer& Buffer() const { return pixels_; }
 
-  bool Resolve(VuBitmapImpl& surface, Extent* part, Operand& operand, Copies& copy) const;
+  bool Resolve(VuBitmapImpl& surface, Extent* part, Source& source, SourceCopy& copy) const;
   bool BlitBox(const VuRect& dst, VuBitmapImpl& src, const VuRect& srcRect, const MatrixF& m,
                VuColor color);
   void DrawText(const TextArguments& text, VuColor color, const MatrixF& m, const Mask* mask) {

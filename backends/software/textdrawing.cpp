@@ -16,7 +16,7 @@ struct Glyphs : TextLayout::Glyph {
 
   bool Next() {
     if (!line.Next(*this)) return false;
-    pixels = FindOperand(sources, *atlas).pixels;
+    pixels = FindSource(sources, *atlas).pixels;
     return pixels != nullptr;
   }
 
@@ -42,9 +42,9 @@ void DrawUpright(Painter& painter, Glyphs& glyph, VuColor color, VuPoint move) {
   }
 }
 
-void DrawTransformed(Painter& painter, Glyphs& glyph, VuColor color, const Painter::MatrixF& m,
-                     const Painter::MaskArgument* mask) {
-  std::optional<Painter::MaskArgument> over;
+void DrawTransformed(Painter& painter, Glyphs& glyph, VuColor color, const MatrixF& m,
+                     const Painter::Mask* mask) {
+  std::optional<Painter::Mask> over;
   std::optional<Placement> box;
   if (mask) {
     box = glyph.line.Place(m);
@@ -61,7 +61,7 @@ void DrawTransformed(Painter& painter, Glyphs& glyph, VuColor color, const Paint
 }  // namespace
 
 void DrawText(Painter& painter, PixelSources& sources, const TextArguments& text, VuColor color,
-              const Painter::MatrixF& m, const Painter::MaskArgument* mask) {
+              const MatrixF& m, const Painter::Mask* mask) {
   Glyphs glyphs(sources, text);
   if (!glyphs.line) return;
   const std::optional<VuPoint> move = mask ? std::nullopt : WholePixelMove(m);

@@ -8,6 +8,6 @@ namespace ZIRK::backends {
 
 /// Draws a line from an atlas that has its pixels in memory. May throw std::bad_alloc.
 void DrawText(Painter& painter, PixelSources& sources, const TextArguments& text, VuColor color,
-              const Painter::MatrixF& m, const Painter::MaskArgument* mask);
+              const MatrixF& m, const Painter::Mask* mask);
 
 }  // namespace ZIRK::backends

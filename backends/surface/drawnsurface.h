@@ -10,8 +10,8 @@
 #include "geometry/surfaceformat.h"
 #include "surface/bitmapbase.h"
 #include "surface/drawtimer.h"
+#include "surface/operands.h"
 #include "surface/ownsurface.h"
-#include "text/textlayout.h"
 
 namespace ZIRK::backends {
 
@@ -20,9 +20,11 @@ namespace ZIRK::backends {
 /// is taken, and memory that runs out is reported. `Renderer` does the rest. It has
 ///
 /// - a constructor whose first argument is the surface's state;
-/// - `Operand`, a surface that is read; `Mask`, {Operand, coordinates or null}; `Copies`, which may
-///   hold what is read in place of a surface;
-/// - `bool Resolve(VuBitmapImpl& surface, Extent* part, Operand&, Copies&)`: what `surface` is read
+/// - `Pixels`, the form in which it reads surfaces; `SourceCopy`, which may hold what is read in
+/// place of
+///   a surface;
+/// - `bool Resolve(VuBitmapImpl& surface, Extent* part, Source<Pixels>&, SourceCopy&)`: what
+/// `surface` is read
 ///   from: a copy if it is the one that is drawn on, or if there is no other way, and then only of
 ///   `part`, which from there on goes by the copy, unless that is null. False, after an error line
 ///   if there is something to be said, if there is nothing to read;
@@ -129,7 +131,8 @@ class DrawnSurface : public BitmapBase<Base> {
   const Renderer& Drawing() const { return renderer_; }
 
  private:
-  using Mask = typename Renderer::Mask;
+  using Pixels = typename Renderer::Pixels;
+  using Mask = backends::Mask<Pixels>;
   enum class Locked { No, ForReading, ForWriting };
 
   static Extent ToExtent(const VuTRect2D<float>& r) {
@@ -159,8 +162,8 @@ class DrawnSurface : public BitmapBase<Base> {
         return true;
       }
       Mask masked{{}, maskCoords};
-      typename Renderer::Copies copy;
-      if (!renderer_.Resolve(*mask, nullptr, masked.operand, copy)) return false;
+      typename Renderer::SourceCopy copy;
+      if (!renderer_.Resolve(*mask, nullptr, masked.source, copy)) return false;
       draw(&masked);
       return true;
     });
@@ -170,11 +173,11 @@ class DrawnSurface : public BitmapBase<Base> {
                   const Matrix& m, VuColor color, VuBitmapImpl* mask,
                   const VuTVector2D<float>* maskCoords) {
     Draw(mask, maskCoords, [&](const Mask* masked) {
-      typename Renderer::Operand operand{};
-      typename Renderer::Copies copy;
+      Source<Pixels> source{};
+      typename Renderer::SourceCopy copy;
       Extent part = srcRect;
-      if (!renderer_.Resolve(src, &part, operand, copy)) return;
-      renderer_.DrawObject(dst, operand, part, edges, m, color, masked);
+      if (!renderer_.Resolve(src, &part, source, copy)) return;
+      renderer_.DrawObject(dst, source, part, edges, m, color, masked);
     });
   }
 

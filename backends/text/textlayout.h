@@ -11,21 +11,14 @@
 #include <memory>
 #include <optional>
 
+#include "surface/operands.h"
+
 namespace ZIRK {
 class VuBitmapImpl;
 class VuGraphicsImpl;
 }  // namespace ZIRK
 
 namespace ZIRK::backends {
-
-/// What is to be written where: the pen starts at `pos`, the top-left corner of the line. A `rect`
-/// that is not all zeros cuts the glyphs.
-struct TextArguments {
-  const VuFontImpl* font;
-  const char* text;
-  VuPoint pos;
-  VuRect rect;
-};
 
 /// Lays out one line of text: which parts of the font's atlas go where, in the text's own
 /// coordinates.

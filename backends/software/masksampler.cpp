@@ -1,4 +1,4 @@
-#include "software/mask.h"
+#include "software/masksampler.h"
 
 #include <cmath>
 
@@ -11,19 +11,21 @@ constexpr double kTolerance = 1.0 / 1024;
 
 }  // namespace
 
-std::optional<Mask> Mask::Create(const Operand& mask, const VuTVector2D<float>* coords,
-                                 const Placement& placement, const Box& area) {
+std::optional<MaskSampler> MaskSampler::Create(const Source<const PixelBuffer>& mask,
+                                               const VuTVector2D<float>* coords,
+                                               const Placement& placement, const Box& area) {
   const std::optional<MaskPlacement> place =
       PlaceMask(mask.pixels->Width(), mask.pixels->Height(), coords, placement, mask.scaleMode);
-  return place ? std::optional(Mask(mask, *place, area)) : std::nullopt;
+  return place ? std::optional(MaskSampler(mask, *place, area)) : std::nullopt;
 }
 
-Mask::Mask(const Operand& mask, const MaskPlacement& place, const Box& area)
+MaskSampler::MaskSampler(const Source<const PixelBuffer>& mask, const MaskPlacement& place,
+                         const Box& area)
     : texture_(*mask.pixels, mask.pixels->Bounds(), mask.scaleMode, place.toMask, area),
       place_(place),
       twisted_(std::abs(place.twist.x) > kTolerance || std::abs(place.twist.y) > kTolerance) {}
 
-const uint8_t* Mask::Row(int x, int y, int count, uint8_t* scratch) const {
+const uint8_t* MaskSampler::Row(int x, int y, int count, uint8_t* scratch) const {
   if (twisted_) {
     for (int i = 0; i < count; ++i) {
       const Point unit = place_.toUnit(x + i + 0.5, y + 0.5);
@@ -39,7 +41,7 @@ const uint8_t* Mask::Row(int x, int y, int count, uint8_t* scratch) const {
   return scratch;
 }
 
-MaskPoints::MaskPoints(const Operand& mask)
+MaskPoints::MaskPoints(const Source<const PixelBuffer>& mask)
     : texture_(*mask.pixels, mask.pixels->Bounds(), mask.scaleMode, {{0, 0}, {1, 0}, {0, 1}}, {}) {}
 
 uint32_t MaskPoints::AlphaAt(Point position) const {
