@@ -39,7 +39,7 @@ DirectFbRenderer::DirectFbRenderer(const SurfaceState& state, DirectFbSurfacePtr
       buffers_(buffers),
       pixels_(surface_.get(), state.width, state.height, state.format),
       painter_(pixels_.Buffer(), state),
-      revision_(state.revision - 1) {}
+      revision_(state) {}
 
 bool DirectFbRenderer::Begin() {
   {
@@ -55,8 +55,7 @@ bool DirectFbRenderer::Begin() {
 /// Takes over what has been set on the surface. Whether DirectFB may draw on it as it is.
 bool DirectFbRenderer::Refresh() {
   if (HasDirectFbEnded()) return false;
-  if (revision_ != state_.revision) {
-    revision_ = state_.revision;
+  if (revision_.CatchUp()) {
     blend_ = FindBlend(state_);
     clip_ = Intersection(ToBox(state_.clip), pixels_.Bounds());
     const DFBRegion region = {clip_.x0, clip_.y0, clip_.x1 - 1, clip_.y1 - 1};
@@ -68,7 +67,7 @@ bool DirectFbRenderer::Refresh() {
 /// For what goes beyond the clipping rectangle. Whether DirectFB may draw on the surface as it is.
 bool DirectFbRenderer::SetWholeClip() {
   if (pixels_.IsLocked() || HasDirectFbEnded()) return false;
-  revision_ = state_.revision - 1;
+  revision_.Forget();
   return surface_->SetClip(surface_.get(), nullptr) == DFB_OK;
 }
 

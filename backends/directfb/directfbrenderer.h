@@ -89,7 +89,7 @@ class DirectFbRenderer {
   DirectFbPixels pixels_;
   Painter painter_;
 
-  unsigned revision_;  ///< Of the state that what follows, and the surface's clip, are up to.
+  SeenRevision revision_;  ///< What the surface's clip, and what follows, are up to.
   std::optional<DirectFbBlend> blend_;
   Box clip_;
 

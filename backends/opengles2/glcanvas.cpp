@@ -92,22 +92,22 @@ struct GlCanvas::Shape {
 void GlCanvas::DrawOn(std::unique_ptr<GlTexture> texture) {
   texture_ = std::move(texture);
   window_ = nullptr;
-  revision_ = state_.revision - 1;
+  revision_.Forget();
 }
 
 void GlCanvas::DrawOn(const GlTarget* window) {
   texture_ = nullptr;
   window_ = window;
-  revision_ = state_.revision - 1;
+  revision_.Forget();
 }
 
 /// Whether there is anything to draw on.
 bool GlCanvas::Refresh() {
-  if (revision_ == state_.revision) return target_ && !clip_.IsEmpty();
-  revision_ = state_.revision;
-  blend_ = GlBlend(state_);
-  target_ = Target();
-  clip_ = Intersection(ToBox(state_.clip), {0, 0, state_.width, state_.height});
+  if (revision_.CatchUp()) {
+    blend_ = GlBlend(state_);
+    target_ = Target();
+    clip_ = Intersection(ToBox(state_.clip), {0, 0, state_.width, state_.height});
+  }
   return target_ && !clip_.IsEmpty();
 }
 

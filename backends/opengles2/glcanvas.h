@@ -29,7 +29,7 @@ class GlCanvas {
 
   /// `state` lives as long as the canvas; operations go by what it is at the time.
   GlCanvas(std::shared_ptr<GlDevice> device, const SurfaceState& state)
-      : device_(std::move(device)), state_(state), revision_(state.revision - 1) {}
+      : device_(std::move(device)), state_(state), revision_(state) {}
 
   GlDevice& Device() const { return *device_; }
   const std::shared_ptr<GlDevice>& SharedDevice() const { return device_; }
@@ -103,7 +103,7 @@ class GlCanvas {
   const GlTarget* target_ = nullptr;  ///< As of the last Refresh().
   GlBlend blend_;
   Box clip_;
-  unsigned revision_;  ///< Of the state that blending and clip are up to.
+  SeenRevision revision_;  ///< What blending and clip are up to.
 };
 
 }  // namespace ZIRK::backends

@@ -17,10 +17,9 @@
 namespace ZIRK::backends {
 
 Painter::Painter(PixelBuffer& target, const SurfaceState& state)
-    : target_(target), state_(state), blender_(target), revision_(state.revision - 1) {}
+    : target_(target), state_(state), blender_(target), revision_(state) {}
 
 void Painter::TakeState() {
-  revision_ = state_.revision;
   blender_.Update(state_);
   clip_ = Intersection(ToBox(state_.clip), target_.Bounds());
 }

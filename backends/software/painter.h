@@ -81,7 +81,7 @@ class Painter {
   void DrawMaskedLine(const Hairline& line, uint32_t color, const Source& mask,
                       const LineEnds& ends);
   void Refresh() {
-    if (revision_ != state_.revision) TakeState();
+    if (revision_.CatchUp()) TakeState();
   }
   void TakeState();
   void DrawCoverageIndirect(const Box& box, const PixelBuffer& src, int moveX, int moveY,
@@ -92,7 +92,7 @@ class Painter {
   const SurfaceState& state_;
   Blender blender_;
   Box clip_;
-  unsigned revision_;  ///< Of the state that blender and clip are up to.
+  SeenRevision revision_;  ///< What blender and clip are up to.
   Box touched_;
   QuadCoverage::Scratch scratch_;
 };

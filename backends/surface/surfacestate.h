@@ -25,8 +25,28 @@ struct SurfaceState {
   VuColor blendColor{0};
   VuScaleMode scaleMode = VuScaleMode::Nearest;
 
-  /// Goes up with every change of what is above, for those who keep something derived from it.
+  /// Goes up with every change of what is above; see SeenRevision.
   unsigned revision = 0;
+};
+
+/// The revision of a surface's state that something derived from it is up to.
+class SeenRevision {
+ public:
+  /// `state` lives as long.
+  explicit SeenRevision(const SurfaceState& state) : state_(state) { Forget(); }
+
+  /// Whether the state has changed since the last call. True the first time.
+  bool CatchUp() {
+    if (seen_ == state_.revision) return false;
+    seen_ = state_.revision;
+    return true;
+  }
+  /// Has the next CatchUp() return true.
+  void Forget() { seen_ = state_.revision - 1; }
+
+ private:
+  const SurfaceState& state_;
+  unsigned seen_;
 };
 
 }  // namespace ZIRK::backends
