@@ -2,6 +2,7 @@
 
 #include <zirk/impl/log.h>
 
+#include <algorithm>
 #include <mutex>
 #include <utility>
 
@@ -106,9 +107,11 @@ bool DirectFbRenderer::FillLine(const Hairline& line, uint32_t color) {
   const Box visible = Intersection(line.Bounds(), clip_);
   if (visible.IsEmpty()) return true;
   painter_.Touch(visible);
-  runs_.clear();
-  WalkRuns(line, clip_, [this](const Box& run) { runs_.push_back(ToDirectFb(run)); });
-  return runs_.empty() || FillBoxes(runs_.data(), static_cast<unsigned>(runs_.size()), color);
+  // Each run has a row, or in a steep line a column, of its own.
+  if (!runs_.Reserve(static_cast<size_t>(std::min(visible.Width(), visible.Height())))) return true;
+  unsigned count = 0;
+  WalkRuns(line, clip_, [&](const Box& run) { runs_.Data()[count++] = ToDirectFb(run); });
+  return count == 0 || FillBoxes(runs_.Data(), count, color);
 }
 
 /// The whole `part` of `source`, which is another surface, in the place of `box`.

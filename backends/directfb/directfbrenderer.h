@@ -4,12 +4,12 @@
 
 #include <memory>
 #include <optional>
-#include <vector>
 
 #include "directfb/directfbpixels.h"
 #include "directfb/directfbrules.h"
 #include "directfb/directfbruntime.h"
 #include "software/painter.h"
+#include "surface/drawmemory.h"
 #include "surface/operands.h"
 #include "text/atlasgraphics.h"
 #include "text/textlayout.h"
@@ -93,7 +93,7 @@ class DirectFbRenderer {
   std::optional<DirectFbBlend> blend_;
   Box clip_;
 
-  std::vector<DFBRectangle> runs_;  ///< Of a line; memory to work in.
+  WorkMemory<DFBRectangle> runs_;  ///< Of a line.
 };
 
 }  // namespace ZIRK::backends

@@ -1,9 +1,8 @@
 #include "hybrid/hybridgraphics.h"
 
-#include <vector>
-
 #include "fb/fbscreen.h"
 #include "opengles2/glscreen.h"
+#include "surface/drawmemory.h"
 #include "surface/ownsurface.h"
 
 namespace ZIRK::backends {
@@ -22,10 +21,12 @@ class HybridSources final : public FbSources {
     if (part.IsEmpty()) return true;
     const VuPixelFormat format = surface.GetInfo().format;
     const int pitch = part.Width() * BytesPerPixel(format);
-    std::vector<uint8_t> rows(static_cast<size_t>(pitch) * static_cast<size_t>(part.Height()));
-    if (!canvas->Read(part, rows.data())) return false;
-    copy.emplace(part.Width(), part.Height(), format, PixelBuffer::Contents::Undefined);
-    return SetPixels(*copy, ToRect(copy->Bounds()), rows.data(), static_cast<unsigned>(pitch));
+    const auto rows =
+        AllocateToDraw<uint8_t>(static_cast<size_t>(pitch) * static_cast<size_t>(part.Height()));
+    if (!rows || !canvas->Read(part, rows.get())) return false;
+    copy = PixelBuffer::TryCreate(part.Width(), part.Height(), format);
+    return copy &&
+           SetPixels(*copy, ToRect(copy->Bounds()), rows.get(), static_cast<unsigned>(pitch));
   }
 };
 

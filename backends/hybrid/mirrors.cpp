@@ -2,11 +2,13 @@
 
 #include <iterator>
 #include <mutex>
+#include <new>
 #include <type_traits>
 #include <utility>
 
 #include "fb/fbscreen.h"
 #include "geometry/surfaceformat.h"
+#include "surface/drawmemory.h"
 #include "surface/ownsurface.h"
 
 namespace ZIRK::backends {
@@ -109,16 +111,24 @@ GlTexture* Mirrors::TextureOf(SoftwareBitmap& bitmap, GlDevice& device) {
   return texture;
 }
 
-/// Null, without a word, if the bitmap is too large or the device lost.
+/// Null if the bitmap is too large or the device lost; and after an error line if that fails.
 GlTexture* Mirrors::Make(SoftwareBitmap& bitmap) {
   const PixelBuffer& pixels = bitmap.Pixels();
   const int most = device_->MaxTextureSize();
   if (pixels.Width() > most || pixels.Height() > most || device_->IsLost()) return nullptr;
+  std::list<Slot> made;
+  try {
+    made.emplace_back();
+    if (!bitmap.Mirror()) bitmap.Mirror() = std::make_unique<Mirror>();
+  } catch (const std::bad_alloc&) {
+    ReportNoMemory();
+    return nullptr;
+  }
   auto texture = GlTexture::Create(device_, pixels.Width(), pixels.Height(), pixels.Format());
   if (!texture || !Upload(*texture, pixels.Bounds(), pixels, pixels.Bounds())) return nullptr;
-  if (!bitmap.Mirror()) bitmap.Mirror() = std::make_unique<Mirror>();
+  made.back().texture = std::move(texture);
   const std::lock_guard lock(mutex);
-  slots_.push_back({std::move(texture), nullptr});
+  slots_.splice(slots_.end(), made);
   static_cast<Mirror&>(*bitmap.Mirror()).MoveTo(*this, std::prev(slots_.end()));
   bitmap.TakeDamage();
   return slots_.back().texture.get();

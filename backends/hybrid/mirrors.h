@@ -34,7 +34,7 @@ class Mirrors final : public TextureSources {
   class Mirror;
   struct Slot {
     std::unique_ptr<GlTexture> texture;
-    Mirror* mirror;  ///< Null when the bitmap has gone.
+    Mirror* mirror = nullptr;  ///< Null when the bitmap has gone.
   };
 
   GlTexture* TextureOf(SoftwareBitmap& bitmap, GlDevice& device);

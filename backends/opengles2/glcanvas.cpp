@@ -4,12 +4,12 @@
 #include <array>
 #include <cmath>
 #include <cstring>
-#include <vector>
 
 #include "geometry/pixelmath.h"
 #include "geometry/pixeltraits.h"
 #include "geometry/surfaceformat.h"
 #include "opengles2/polygon.h"
+#include "surface/drawmemory.h"
 
 namespace ZIRK::backends {
 
@@ -337,7 +337,7 @@ bool GlCanvas::Read(const Box& box, void* dst) {
   const GlScope scope(*device_, target->window);
   if (!scope) return false;
   device_->Batch().BindFramebuffer(target->framebuffer);
-  ReadFramebuffer(device_->Gl(), *target, box, state_.format, dst);
+  if (!ReadFramebuffer(device_->Gl(), *target, box, state_.format, dst)) return false;
   return device_->Check("reading pixels");
 }
 
@@ -384,9 +384,10 @@ std::unique_ptr<GlTexture> GlCanvas::Snapshot(const Box& box) {
   }
   // A window has its rows and its channels in another order.
   const int pitch = box.Width() * BytesPerPixel(state_.format);
-  std::vector<uint8_t> pixels(static_cast<size_t>(pitch) * static_cast<size_t>(box.Height()));
-  if (!Read(box, pixels.data())) return nullptr;
-  if (!copy->Upload(copy->Bounds(), pixels.data(), static_cast<unsigned>(pitch))) return nullptr;
+  const auto pixels =
+      AllocateToDraw<uint8_t>(static_cast<size_t>(pitch) * static_cast<size_t>(box.Height()));
+  if (!pixels || !Read(box, pixels.get())) return nullptr;
+  if (!copy->Upload(copy->Bounds(), pixels.get(), static_cast<unsigned>(pitch))) return nullptr;
   return copy;
 }
 

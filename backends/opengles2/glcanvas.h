@@ -53,13 +53,13 @@ class GlCanvas {
   bool BlitBox(VuRect dst, Source src, VuRect srcRect, const MatrixF& m, VuColor color);
 
   bool Clear(VuColor color);
-  /// These take boxes inside the surface; rows of `dst` are tight. May throw std::bad_alloc.
+  /// These take boxes inside the surface; rows of `dst` are tight. False after an error line.
   bool Read(const Box& box, void* dst);
   bool Write(const Box& box, const void* src, unsigned pitch);
   /// `box` is where the pixels from (srcX, srcY) on come to lie.
   bool Copy(const Box& box, GlTexture& src, int srcX, int srcY);
 
-  /// A texture with the pixels of `box`; null after an error line. May throw std::bad_alloc.
+  /// A texture with the pixels of `box`; null after an error line.
   std::unique_ptr<GlTexture> Snapshot(const Box& box);
 
  private:

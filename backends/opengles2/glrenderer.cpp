@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "surface/drawmemory.h"
 #include "text/atlasline.h"
 
 namespace ZIRK::backends {
@@ -58,13 +59,14 @@ void GlRenderer::DrawText(const TextArguments& text, VuColor color, const Matrix
 }
 
 bool GlRenderer::Lock(bool) {
-  locked_.resize(static_cast<size_t>(Pitch()) * static_cast<size_t>(state_.height));
-  return Read(All(), locked_.data());
+  locked_ =
+      AllocateToDraw<uint8_t>(static_cast<size_t>(Pitch()) * static_cast<size_t>(state_.height));
+  return locked_ && Read(All(), locked_.get());
 }
 
 bool GlRenderer::Unlock(bool written) {
-  const std::vector<uint8_t> pixels = std::exchange(locked_, {});
-  return !written || Write(All(), pixels.data(), static_cast<unsigned>(Pitch()));
+  const std::unique_ptr<uint8_t[]> pixels = std::move(locked_);
+  return !written || Write(All(), pixels.get(), static_cast<unsigned>(Pitch()));
 }
 
 }  // namespace ZIRK::backends

@@ -2,7 +2,6 @@
 
 #include <memory>
 #include <utility>
-#include <vector>
 
 #include "geometry/surfaceformat.h"
 #include "opengles2/glcanvas.h"
@@ -29,7 +28,7 @@ class GlRenderer : public GlCanvas {
   /// The pixels are a copy while they are locked.
   bool Lock(bool write);
   bool Unlock(bool written);
-  void* LockedPixels() const { return const_cast<uint8_t*>(locked_.data()); }
+  void* LockedPixels() const { return locked_.get(); }
   int Pitch() const { return state_.width * BytesPerPixel(state_.format); }
 
  private:
@@ -37,7 +36,7 @@ class GlRenderer : public GlCanvas {
 
   const SurfaceState& state_;
   const std::shared_ptr<TextureSources> sources_;
-  std::vector<uint8_t> locked_;
+  std::unique_ptr<uint8_t[]> locked_;
 };
 
 }  // namespace ZIRK::backends

@@ -4,13 +4,14 @@
 
 #include <cstring>
 #include <iterator>
+#include <new>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 #include "geometry/pixeltraits.h"
 #include "geometry/surfaceformat.h"
 #include "opengles2/gldevice.h"
+#include "surface/drawmemory.h"
 
 namespace ZIRK::backends {
 
@@ -91,7 +92,12 @@ std::unique_ptr<GlTexture> GlTexture::Create(std::shared_ptr<GlDevice> device, i
   }
   const GlScope scope(shared);
   if (!scope) return nullptr;
-  std::unique_ptr<GlTexture> texture(new GlTexture(std::move(device), width, height, format));
+  std::unique_ptr<GlTexture> texture(new (std::nothrow)
+                                         GlTexture(std::move(device), width, height, format));
+  if (!texture) {
+    ReportNoMemory();
+    return nullptr;
+  }
   const GlFunctions& gl = shared.Gl();
   const GlFormat& layout = FormatOf(format, shared.HasOneChannel());
   gl.GenTextures(1, &texture->name_);
@@ -144,21 +150,22 @@ bool GlTexture::IsUploadedAsItIs() const {
 bool GlTexture::Upload(const Box& box, const void* pixels, unsigned pitch) {
   if (box.IsEmpty()) return true;
   const size_t rowBytes = static_cast<size_t>(box.Width() * BytesPerPixel(format_));
-  std::vector<uint8_t> converted;
+  std::unique_ptr<uint8_t[]> converted;
   const bool asItIs = IsUploadedAsItIs();
   if (!asItIs || pitch != rowBytes) {
     const bool widened = format_ == VuPixelFormat::A8 && !asItIs;
     const size_t outBytes = widened ? 4 * rowBytes : rowBytes;
-    converted.resize(outBytes * static_cast<size_t>(box.Height()));
+    converted = AllocateToDraw<uint8_t>(outBytes * static_cast<size_t>(box.Height()));
+    if (!converted) return false;
     const auto* in = static_cast<const uint8_t*>(pixels);
-    uint8_t* out = converted.data();
+    uint8_t* out = converted.get();
     for (int y = 0; y < box.Height(); ++y, in += pitch, out += outBytes) {
       if (asItIs)
         std::memcpy(out, in, rowBytes);
       else
         ConvertRow(format_, in, box.Width(), out);
     }
-    pixels = converted.data();
+    pixels = converted.get();
   }
   device_->Batch().BeforeWriting(*this, box);
   const GlScope scope(*device_);
@@ -207,25 +214,29 @@ bool DrawsOnOneChannel(const GlFunctions& gl) {
   return gl.TakeError() == GL_NO_ERROR && status == GL_FRAMEBUFFER_COMPLETE;
 }
 
-void ReadFramebuffer(const GlFunctions& gl, const GlTarget& target, const Box& box,
+bool ReadFramebuffer(const GlFunctions& gl, const GlTarget& target, const Box& box,
                      VuPixelFormat format, void* out) {
   const int width = box.Width(), height = box.Height();
   const int y = target.IsWindow() ? target.bottom + target.height - box.y1 : box.y0;
   const bool direct = BytesPerPixel(format) == 4 && !target.IsWindow();
-  std::vector<uint32_t> rows;
-  if (!direct) rows.resize(static_cast<size_t>(width) * static_cast<size_t>(height));
-  gl.ReadPixels(box.x0, y, width, height, GL_RGBA, GL_UNSIGNED_BYTE, direct ? out : rows.data());
-  if (direct) return;
+  std::unique_ptr<uint32_t[]> rows;
+  if (!direct) {
+    rows = AllocateToDraw<uint32_t>(static_cast<size_t>(width) * static_cast<size_t>(height));
+    if (!rows) return false;
+  }
+  gl.ReadPixels(box.x0, y, width, height, GL_RGBA, GL_UNSIGNED_BYTE, direct ? out : rows.get());
+  if (direct) return true;
   auto* to = static_cast<uint8_t*>(out);
   const auto pitch = static_cast<ptrdiff_t>(width) * BytesPerPixel(format);
   for (int i = 0; i < height; ++i, to += pitch) {
-    uint32_t* const row = rows.data() + ptrdiff_t{target.IsWindow() ? height - 1 - i : i} * width;
+    uint32_t* const row = rows.get() + ptrdiff_t{target.IsWindow() ? height - 1 - i : i} * width;
     if (target.order == ChannelOrder::RedFirst)
       for (int x = 0; x < width; ++x) row[x] = ExchangeRedAndBlue(row[x]);
     if (target.order == ChannelOrder::AlphaOnly)
       for (int x = 0; x < width; ++x) row[x] <<= 24;
     NarrowRow(format, row, width, to, 0);
   }
+  return true;
 }
 
 }  // namespace ZIRK::backends

@@ -76,7 +76,7 @@ class GlTexture {
   const GlTarget* Target();
 
   /// Writes the pixels of `box`, rows `pitch` bytes apart, in the surface's format. False after an
-  /// error line. May throw std::bad_alloc.
+  /// error line.
   bool Upload(const Box& box, const void* pixels, unsigned pitch);
 
   /// Copies `box` of the bound framebuffer to (x, y).
@@ -106,9 +106,9 @@ class GlTexture {
 /// Whether OpenGL can draw on textures of one channel. To be called once, with nothing bound.
 bool DrawsOnOneChannel(const GlFunctions& gl);
 
-/// Reads `box` of `target`, whose framebuffer is bound, as tight rows of `format`, top row first.
-/// May throw std::bad_alloc.
-void ReadFramebuffer(const GlFunctions& gl, const GlTarget& target, const Box& box,
+/// Reads `box` of the framebuffer of `target`, which is bound, as tight rows of `format`, top row
+/// first. False after an error line if memory runs out.
+bool ReadFramebuffer(const GlFunctions& gl, const GlTarget& target, const Box& box,
                      VuPixelFormat format, void* out);
 
 }  // namespace ZIRK::backends

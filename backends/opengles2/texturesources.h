@@ -16,13 +16,12 @@ class TextureSources {
   /// Makes the atlases of fonts that are first drawn with on one of the surfaces.
   virtual AtlasGraphics& Atlases() = 0;
 
-  /// The texture of `device` that holds all of `surface`; null, without a word, if there is none.
-  /// May throw std::bad_alloc.
+  /// The texture of `device` that holds all of `surface`. Null if there is none, after an error
+  /// line if one could not be made.
   virtual GlTexture* TextureOf(VuBitmapImpl& surface, GlDevice& device) = 0;
 
   /// Copies `part`, which lies on `surface` and may be empty, into a texture of `device`, from
-  /// where else it is. False after an error line; so it is for surfaces of other plug-ins. May
-  /// throw std::bad_alloc.
+  /// where else it is. False after an error line; so it is for surfaces of other plug-ins.
   virtual bool CopyPixels(VuBitmapImpl& surface, const Box& part, GlDevice& device,
                           std::unique_ptr<GlTexture>& copy) = 0;
 

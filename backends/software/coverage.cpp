@@ -25,10 +25,8 @@ uint8_t ToAlpha(double coverage) {
 
 QuadCoverage::QuadCoverage(const Point corners[4], const Box& limits, Scratch& scratch)
     : limits_(limits), scratch_(scratch) {
-  const auto width = static_cast<size_t>(limits.Width());
-  scratch.area.assign(width + 1, 0);
-  scratch.carry.assign(width + 1, 0);
-  scratch.alpha.resize(width);
+  std::fill_n(scratch.area.Data(), limits.Width() + 1, 0.0f);
+  std::fill_n(scratch.carry.Data(), limits.Width() + 1, 0.0f);
   const Point side = corners[1] - corners[0], other = corners[3] - corners[0];
   const bool clockwise = side.x * other.y - side.y * other.x > 0;
   for (int i = 0; i < 4; ++i) {
@@ -54,18 +52,17 @@ QuadCoverage::Columns QuadCoverage::AddEdge(const Edge& edge, double top, double
   double reach = MeanReach(begin, left, right);
   for (int i = begin; i < end; ++i) {
     const double next = MeanReach(i + 1, left, right);
-    scratch_.area[static_cast<size_t>(i)] += static_cast<float>(height * (next - reach));
+    scratch_.area.Data()[i] += static_cast<float>(height * (next - reach));
     reach = next;
   }
-  scratch_.carry[static_cast<size_t>(end)] += static_cast<float>(height);
+  scratch_.carry.Data()[end] += static_cast<float>(height);
   return {begin, end};
 }
 
 void QuadCoverage::Resolve(int begin, int end, double inherited) {
   for (int i = begin; i < end; ++i) {
-    const auto at = static_cast<size_t>(i);
-    inherited += static_cast<double>(scratch_.carry[at]);
-    scratch_.alpha[at] = ToAlpha(inherited + static_cast<double>(scratch_.area[at]));
+    inherited += static_cast<double>(scratch_.carry.Data()[i]);
+    scratch_.alpha.Data()[i] = ToAlpha(inherited + static_cast<double>(scratch_.area.Data()[i]));
   }
 }
 
@@ -96,7 +93,7 @@ QuadCoverage::Row QuadCoverage::Compute(int y) {
     Resolve(begin, end, 0);
   } else {
     Resolve(begin, solidBegin, 0);
-    std::fill_n(scratch_.alpha.begin() + solidBegin, solidEnd - solidBegin, uint8_t{255});
+    std::fill_n(scratch_.alpha.Data() + solidBegin, solidEnd - solidBegin, uint8_t{255});
     Resolve(solidEnd, end, coveredHeight);
   }
   for (size_t i = 0; i < usedCount; ++i) Forget(used[i]);
@@ -104,8 +101,8 @@ QuadCoverage::Row QuadCoverage::Compute(int y) {
 }
 
 void QuadCoverage::Forget(const Columns& columns) {
-  std::fill(scratch_.area.begin() + columns.begin, scratch_.area.begin() + columns.end, 0.0f);
-  scratch_.carry[static_cast<size_t>(columns.end)] = 0;
+  std::fill_n(scratch_.area.Data() + columns.begin, columns.end - columns.begin, 0.0f);
+  scratch_.carry.Data()[columns.end] = 0;
 }
 
 }  // namespace ZIRK::backends

@@ -2,10 +2,10 @@
 
 #include <array>
 #include <cstdint>
-#include <vector>
 
 #include "geometry/box.h"
 #include "geometry/placement.h"
+#include "surface/drawmemory.h"
 
 namespace ZIRK::backends {
 
@@ -20,20 +20,26 @@ class QuadCoverage {
 
   /// Memory to work in, kept from one shape to the next.
   struct Scratch {
-    std::vector<float> area;   ///< Covered to the right of the edges, within the pixel.
-    std::vector<float> carry;  ///< Height that is covered from this pixel on.
-    std::vector<uint8_t> alpha;
+    WorkMemory<float> area;     ///< Covered to the right of the edges, within the pixel.
+    WorkMemory<float> carry;    ///< Height that is covered from this pixel on.
+    WorkMemory<uint8_t> alpha;  ///< Of the row that was computed last.
+
+    /// Has room for rows of `width` pixels. False after an error line if memory runs out.
+    bool Reserve(int width) {
+      const auto count = static_cast<size_t>(width);
+      return area.Reserve(count + 1) && carry.Reserve(count + 1) && alpha.Reserve(count);
+    }
   };
 
   /// `corners` in order around the shape, either way. Only pixels inside `limits` are looked at.
-  /// `scratch` is in use until the end of the object.
+  /// `scratch` has room for rows of their width, and is in use until the end of the object.
   QuadCoverage(const Point corners[4], const Box& limits, Scratch& scratch);
 
   /// Computes row `y`, which lies inside the limits.
   Row Compute(int y);
 
   /// Coverage, 0 to 255, of pixel `x` of the computed row and those that follow.
-  const uint8_t* Alpha(int x) const { return scratch_.alpha.data() + (x - limits_.x0); }
+  const uint8_t* Alpha(int x) const { return scratch_.alpha.Data() + (x - limits_.x0); }
 
  private:
   struct Edge {

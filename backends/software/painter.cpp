@@ -179,6 +179,7 @@ void Painter::PaintSlanted(const Placement& placement, const Box& box, const Tex
                            uint32_t color, const MaskSampler* mask) {
   // In a short row the solid part is drawn with the edges: one operation costs less than three.
   constexpr int kShort = 192;
+  if (!scratch_.Reserve(box.Width())) return;
   QuadCoverage coverage(placement.corners, box, scratch_);
   for (int y = box.y0; y < box.y1; ++y) {
     QuadCoverage::Row row = coverage.Compute(y);

@@ -19,7 +19,7 @@
 namespace ZIRK::backends {
 
 /// The drawing operations on pixels in memory. Sources and masks are not the target: who calls has
-/// made a copy if they were. May throw std::bad_alloc.
+/// made a copy if they were.
 class Painter {
  public:
   using Source = backends::Source<const PixelBuffer>;

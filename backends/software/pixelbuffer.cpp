@@ -3,26 +3,33 @@
 #include <new>
 
 #include "geometry/surfaceformat.h"
+#include "surface/drawmemory.h"
 
 namespace ZIRK::backends {
 
-namespace {
-
-void* Allocate(size_t rows, size_t pitch, PixelBuffer::Contents contents) {
-  if (contents == PixelBuffer::Contents::Clear) return std::calloc(rows, pitch);
-  // Less than 4 GiB, as every surface.
-  return std::malloc(rows * pitch);
-}
-
-}  // namespace
-
 PixelBuffer::PixelBuffer(int width, int height, VuPixelFormat format, Contents contents)
     : PixelBuffer(width, height, format, RowPitch(width, format)) {
-  own_.reset(static_cast<uint8_t*>(
-      Allocate(static_cast<size_t>(height), static_cast<size_t>(pitch_), contents)));
-  if (!own_) throw std::bad_alloc();
+  if (!Allocate(contents)) throw std::bad_alloc();
+}
+
+std::optional<PixelBuffer> PixelBuffer::TryCreate(int width, int height, VuPixelFormat format) {
+  std::optional<PixelBuffer> made(PixelBuffer(width, height, format, RowPitch(width, format)));
+  if (made->Allocate(Contents::Undefined)) return made;
+  ReportNoMemory();
+  return std::nullopt;
+}
+
+/// Takes memory of the buffer's own. False if there is none.
+bool PixelBuffer::Allocate(Contents contents) {
+  const auto rows = static_cast<size_t>(height_), pitch = static_cast<size_t>(pitch_);
+  // Less than 4 GiB, as every surface.
+  void* const memory =
+      contents == Contents::Clear ? std::calloc(rows, pitch) : std::malloc(rows * pitch);
+  own_.reset(static_cast<uint8_t*>(memory));
   pixels_ = own_.get();
-  RestoreOpaqueBits(Bounds());
+  if (!own_) return false;
+  if (contents == Contents::Clear) RestoreOpaqueBits(Bounds());
+  return true;
 }
 
 void PixelBuffer::RestoreOpaqueBits(const Box& box) {

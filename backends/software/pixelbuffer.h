@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
+#include <optional>
 
 #include "geometry/box.h"
 #include "geometry/pixelformat.h"
@@ -18,11 +19,15 @@ class PixelBuffer {
  public:
   enum class Contents {
     Clear,      ///< Transparent, or black where there is no alpha.
-    Undefined,  ///< For who reads no pixel that was not written.
+    Undefined,  ///< For callers that write every pixel before they read it.
   };
 
   /// Expects a size and format that a surface can have; throws std::bad_alloc.
   PixelBuffer(int width, int height, VuPixelFormat format, Contents contents = Contents::Clear);
+
+  /// The same with undefined pixels, during drawing: nothing after the error line if memory runs
+  /// out.
+  static std::optional<PixelBuffer> TryCreate(int width, int height, VuPixelFormat format);
 
   /// Pixels in memory that belongs to somebody else, none at first: PlaceAt() says where they are.
   static PixelBuffer Elsewhere(int width, int height, VuPixelFormat format) {
@@ -71,6 +76,7 @@ class PixelBuffer {
 
   PixelBuffer(int width, int height, VuPixelFormat format, int pitch)
       : width_(width), height_(height), format_(format), pitch_(pitch) {}
+  bool Allocate(Contents contents);
 
   int width_;
   int height_;

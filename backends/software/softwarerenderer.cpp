@@ -6,10 +6,9 @@
 namespace ZIRK::backends {
 
 std::optional<PixelBuffer> CopyOf(const PixelBuffer& pixels, const Box& part) {
-  std::optional<PixelBuffer> copy;
-  if (part.IsEmpty()) return copy;
-  copy.emplace(part.Width(), part.Height(), pixels.Format());
-  CopyPixels(*copy, {0, 0}, pixels, ToRect(part));
+  if (part.IsEmpty()) return std::nullopt;
+  auto copy = PixelBuffer::TryCreate(part.Width(), part.Height(), pixels.Format());
+  if (copy) CopyPixels(*copy, {0, 0}, pixels, ToRect(part));
   return copy;
 }
 

@@ -15,7 +15,7 @@
 
 namespace ZIRK::backends {
 
-/// `part` of `pixels`; none if it is empty.
+/// `part` of `pixels`. Nothing if it is empty or, after an error line, if memory runs out.
 std::optional<PixelBuffer> CopyOf(const PixelBuffer& pixels, const Box& part);
 
 /// The pixels of a software surface.

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <zirk/impl/log.h>
-
 #include <memory>
 #include <new>
 #include <utility>
@@ -9,6 +7,7 @@
 #include "geometry/placement.h"
 #include "geometry/surfaceformat.h"
 #include "surface/bitmapbase.h"
+#include "surface/drawmemory.h"
 #include "surface/drawtimer.h"
 #include "surface/operands.h"
 #include "surface/ownsurface.h"
@@ -148,8 +147,7 @@ class DrawnSurface : public BitmapBase<Base> {
     try {
       return operation();
     } catch (const std::bad_alloc&) {
-      ZIRK_LOG_ERROR("no memory to draw with");
-      return false;
+      return ReportNoMemory();
     }
   }
 

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <new>
+
+// Memory that drawing takes on its way. An application expects no exception from an operation of a
+// surface, so renderers allocate by what stands here, or catch std::bad_alloc where a library
+// throws it, and do nothing more if memory runs out.
+
+namespace ZIRK::backends {
+
+/// Writes the error line for it. Returns false.
+bool ReportNoMemory();
+
+/// `count` values, not initialised. Null after the error line if memory runs out.
+template <class T>
+std::unique_ptr<T[]> AllocateToDraw(size_t count) {
+  std::unique_ptr<T[]> memory(new (std::nothrow) T[count]);
+  if (!memory) ReportNoMemory();
+  return memory;
+}
+
+/// Memory to work in that is kept from one operation to the next.
+template <class T>
+class WorkMemory {
+ public:
+  /// Has room for `count` values, which are not initialised. False after the error line if memory
+  /// runs out.
+  bool Reserve(size_t count) {
+    if (count <= size_) return true;
+    memory_ = AllocateToDraw<T>(count);
+    size_ = memory_ ? count : 0;
+    return memory_ != nullptr;
+  }
+  T* Data() { return memory_.get(); }
+  const T* Data() const { return memory_.get(); }
+
+ private:
+  std::unique_ptr<T[]> memory_;
+  size_t size_ = 0;
+};
+
+}  // namespace ZIRK::backends
