@@ -16,26 +16,25 @@ namespace {
 std::unique_ptr<DirectFbBitmap> NewBitmap(std::unique_ptr<SurfaceLedger::Entry> entry,
                                           IDirectFB& directFb, int width, int height,
                                           VuPixelFormat format,
-                                          std::shared_ptr<AtlasGraphics> atlases) {
+                                          std::shared_ptr<GlyphAtlasAllocator> atlases) {
   DirectFbSurfacePtr surface = CreateDirectFbSurface(directFb, width, height, format);
   if (!surface) return nullptr;
   return std::make_unique<DirectFbBitmap>(std::move(entry), width, height, format,
                                           std::move(surface), std::move(atlases));
 }
 
-/// Makes the atlases' bitmaps.
-class DirectFbAtlases final : public AtlasGraphics {
+class DirectFbAtlasAllocator final : public GlyphAtlasAllocator {
  public:
-  DirectFbAtlases(std::shared_ptr<SurfaceLedger> ledger, int graphicsType, IDirectFB& directFb)
-      : AtlasGraphics(std::move(ledger), graphicsType), directFb_(directFb) {}
+  DirectFbAtlasAllocator(std::shared_ptr<SurfaceLedger> ledger, int graphicsType,
+                         IDirectFB& directFb)
+      : GlyphAtlasAllocator(std::move(ledger), graphicsType), directFb_(directFb) {}
 
- protected:
+ private:
   std::unique_ptr<VuBitmapImpl> MakeBitmap(Entry entry, int width, int height,
                                            VuPixelFormat format) override {
     return NewBitmap(std::move(entry), directFb_, width, height, format, shared_from_this());
   }
 
- private:
   IDirectFB& directFb_;
 };
 
@@ -47,7 +46,8 @@ std::unique_ptr<DirectFbGraphics> DirectFbGraphics::Start() {
 }
 
 DirectFbGraphics::DirectFbGraphics(IDirectFB& directFb)
-    : directFb_(directFb), atlases_(std::make_shared<DirectFbAtlases>(Ledger(), kType, directFb)) {}
+    : directFb_(directFb),
+      atlases_(std::make_shared<DirectFbAtlasAllocator>(Ledger(), kType, directFb)) {}
 
 std::optional<ImageSize> DirectFbGraphics::DeviceSize(int index) const {
   // A missing layer is reported when the screen is made.

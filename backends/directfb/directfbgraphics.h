@@ -7,7 +7,7 @@
 #include <optional>
 
 #include "context/graphicsbase.h"
-#include "text/atlasgraphics.h"
+#include "text/glyphatlasallocator.h"
 
 namespace ZIRK::backends {
 
@@ -34,7 +34,7 @@ class DirectFbGraphics final : public GraphicsBase {
   static constexpr int kType = TypeCode(BackendType::DirectFB);
 
   IDirectFB& directFb_;
-  const std::shared_ptr<AtlasGraphics> atlases_;
+  const std::shared_ptr<GlyphAtlasAllocator> atlases_;
 };
 
 }  // namespace ZIRK::backends

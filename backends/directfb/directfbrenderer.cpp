@@ -33,7 +33,7 @@ DFBRectangle ToDirectFb(const Box& box) {
 }  // namespace
 
 DirectFbRenderer::DirectFbRenderer(const SurfaceState& state, DirectFbSurfacePtr surface,
-                                   std::shared_ptr<AtlasGraphics> atlases, Buffers buffers)
+                                   std::shared_ptr<GlyphAtlasAllocator> atlases, Buffers buffers)
     : state_(state),
       surface_(std::move(surface)),
       atlases_(std::move(atlases)),

@@ -11,7 +11,7 @@
 #include "software/painter.h"
 #include "surface/drawmemory.h"
 #include "surface/operands.h"
-#include "text/atlasgraphics.h"
+#include "text/glyphatlasallocator.h"
 #include "text/textlayout.h"
 
 namespace ZIRK::backends {
@@ -32,7 +32,7 @@ class DirectFbRenderer {
   /// `surface` has the size and format of `state`. `atlases` makes the atlases of fonts that are
   /// first drawn with here.
   DirectFbRenderer(const SurfaceState& state, DirectFbSurfacePtr surface,
-                   std::shared_ptr<AtlasGraphics> atlases, Buffers buffers = Buffers::One);
+                   std::shared_ptr<GlyphAtlasAllocator> atlases, Buffers buffers = Buffers::One);
 
   /// Clears a new surface; false, after an error line, if there is no memory for its pixels, which
   /// DirectFB looks for only now.
@@ -83,7 +83,7 @@ class DirectFbRenderer {
 
   const SurfaceState& state_;
   const DirectFbSurfacePtr surface_;
-  const std::shared_ptr<AtlasGraphics> atlases_;
+  const std::shared_ptr<GlyphAtlasAllocator> atlases_;
   const Buffers buffers_;
 
   DirectFbPixels pixels_;

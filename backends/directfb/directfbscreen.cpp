@@ -105,7 +105,7 @@ DFBResult DirectFbLayer::TakeSurface(Screen& screen) {
 
 DirectFbScreen::DirectFbScreen(std::unique_ptr<SurfaceLedger::Entry> entry,
                                std::unique_ptr<DirectFbLayer> layer, DirectFbLayer::Screen screen,
-                               std::shared_ptr<AtlasGraphics> atlases)
+                               std::shared_ptr<GlyphAtlasAllocator> atlases)
     : ScreenLayer{std::move(layer)},
       DirectFbSurface(
           std::move(entry), screen.width, screen.height, screen.format, std::move(screen.surface),

@@ -13,6 +13,18 @@ const PixelBuffer* FbSources::PixelsOf(VuBitmapImpl& surface) {
   return screen ? &screen->Pixels() : nullptr;
 }
 
+bool FbSources::CopyPixels(VuBitmapImpl&, const Box&, std::optional<PixelBuffer>&) {
+  return RefuseSource();
+}
+
+std::unique_ptr<VuBitmapImpl> FbSources::MakeBitmap(Entry entry, int width, int height,
+                                                    VuPixelFormat format) {
+  // Clearing it would take longer than packing the glyphs.
+  return std::make_unique<SoftwareBitmap>(std::move(entry), width, height, format,
+                                          std::shared_ptr<PixelSources>(shared_from_this(), this),
+                                          PixelBuffer::Contents::Undefined);
+}
+
 FbGraphics::FbGraphics(BackendType type)
     : type_(TypeCode(type)), sources_(std::make_shared<FbSources>(Ledger(), type_)) {}
 

@@ -10,12 +10,20 @@
 
 namespace ZIRK::backends {
 
-/// Finds the pixels of the surfaces that drawing reads: bitmaps and screens in memory.
-class FbSources : public SoftwareAtlases {
+/// What surfaces in memory read: each other, bitmaps and screens. It also makes the bitmaps of
+/// their glyph atlases.
+class FbSources : public GlyphAtlasAllocator, public PixelSources {
  public:
-  using SoftwareAtlases::SoftwareAtlases;
+  using GlyphAtlasAllocator::GlyphAtlasAllocator;
 
-  const PixelBuffer* PixelsOf(VuBitmapImpl& surface) override;
+  GlyphAtlasAllocator& Atlases() final { return *this; }
+  const PixelBuffer* PixelsOf(VuBitmapImpl& surface) final;
+  bool CopyPixels(VuBitmapImpl& surface, const Box& part,
+                  std::optional<PixelBuffer>& copy) override;
+
+ private:
+  std::unique_ptr<VuBitmapImpl> MakeBitmap(Entry entry, int width, int height,
+                                           VuPixelFormat format) final;
 };
 
 /// A context whose surfaces are drawn in memory by the processor, and whose screen is shown through

@@ -74,7 +74,7 @@ class Mirrors::Mirror final : public BitmapMirror {
   std::list<Slot>::iterator slot_;
 };
 
-Mirrors::Mirrors(std::shared_ptr<GlDevice> device, std::shared_ptr<AtlasGraphics> atlases)
+Mirrors::Mirrors(std::shared_ptr<GlDevice> device, std::shared_ptr<GlyphAtlasAllocator> atlases)
     : device_(std::move(device)), atlases_(std::move(atlases)) {}
 
 Mirrors::~Mirrors() {

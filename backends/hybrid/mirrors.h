@@ -18,14 +18,14 @@ namespace ZIRK::backends {
 /// deleted on any other; their textures then wait here for the next bitmap to be drawn from.
 class Mirrors final : public TextureSources {
  public:
-  Mirrors(std::shared_ptr<GlDevice> device, std::shared_ptr<AtlasGraphics> atlases);
+  Mirrors(std::shared_ptr<GlDevice> device, std::shared_ptr<GlyphAtlasAllocator> atlases);
   ~Mirrors();
   Mirrors(const Mirrors&) = delete;
   Mirrors& operator=(const Mirrors&) = delete;
 
   const std::shared_ptr<GlDevice>& Device() const { return device_; }
 
-  AtlasGraphics& Atlases() override { return *atlases_; }
+  GlyphAtlasAllocator& Atlases() override { return *atlases_; }
   GlTexture* TextureOf(VuBitmapImpl& surface, GlDevice& device) override;
   bool CopyPixels(VuBitmapImpl& surface, const Box& part, GlDevice& device,
                   std::unique_ptr<GlTexture>& copy) override;
@@ -42,7 +42,7 @@ class Mirrors final : public TextureSources {
   void DeleteAbandoned();
 
   const std::shared_ptr<GlDevice> device_;
-  const std::shared_ptr<AtlasGraphics> atlases_;
+  const std::shared_ptr<GlyphAtlasAllocator> atlases_;
   std::list<Slot> slots_;
   std::atomic<bool> anyAbandoned_{false};
 };

@@ -3,8 +3,8 @@
 #include <utility>
 #include <vector>
 
-#include "opengles2/glatlases.h"
 #include "opengles2/glscreen.h"
+#include "opengles2/glsources.h"
 
 namespace ZIRK::backends {
 
@@ -14,7 +14,7 @@ std::unique_ptr<GlGraphics> GlGraphics::Start() {
 }
 
 GlGraphics::GlGraphics(std::shared_ptr<GlDevice> device)
-    : device_(std::move(device)), sources_(std::make_shared<GlAtlases>(Ledger(), kType, device_)) {}
+    : device_(std::move(device)), sources_(std::make_shared<GlSources>(Ledger(), kType, device_)) {}
 
 void GlGraphics::Flush() {
   device_->FlushAndDetach();

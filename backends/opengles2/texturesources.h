@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "opengles2/glcanvas.h"
-#include "text/atlasgraphics.h"
+#include "text/glyphatlasallocator.h"
 
 namespace ZIRK::backends {
 
@@ -14,7 +14,7 @@ namespace ZIRK::backends {
 class TextureSources {
  public:
   /// Makes the atlases of fonts that are first drawn with on one of the surfaces.
-  virtual AtlasGraphics& Atlases() = 0;
+  virtual GlyphAtlasAllocator& Atlases() = 0;
 
   /// The texture of `device` that holds all of `surface`. Null if there is none, after an error
   /// line if one could not be made.

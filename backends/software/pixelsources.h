@@ -6,7 +6,7 @@
 
 #include "software/pixelbuffer.h"
 #include "surface/operands.h"
-#include "text/atlasgraphics.h"
+#include "text/glyphatlasallocator.h"
 
 namespace ZIRK::backends {
 
@@ -15,7 +15,7 @@ namespace ZIRK::backends {
 class PixelSources {
  public:
   /// Makes the atlases of fonts that are first drawn with on one of the surfaces.
-  virtual AtlasGraphics& Atlases() = 0;
+  virtual GlyphAtlasAllocator& Atlases() = 0;
 
   /// The pixels that `surface` has in memory; null, without a word, if it has none there.
   virtual const PixelBuffer* PixelsOf(VuBitmapImpl& surface) = 0;

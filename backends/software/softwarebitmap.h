@@ -3,7 +3,6 @@
 #include <zirk/impl/vuscreenimpl.h>
 
 #include <memory>
-#include <utility>
 
 #include "software/softwarerenderer.h"
 #include "surface/drawnsurface.h"
@@ -51,27 +50,6 @@ class SoftwareBitmap final : public SoftwareSurface<VuBitmapImpl> {
 
  private:
   std::unique_ptr<BitmapMirror> mirror_;
-};
-
-/// Makes the atlases' bitmaps. Bitmaps are the only sources.
-class SoftwareAtlases : public AtlasGraphics, public PixelSources {
- public:
-  using AtlasGraphics::AtlasGraphics;
-
-  AtlasGraphics& Atlases() final { return *this; }
-  const PixelBuffer* PixelsOf(VuBitmapImpl&) override { return nullptr; }
-  bool CopyPixels(VuBitmapImpl&, const Box&, std::optional<PixelBuffer>&) override {
-    return RefuseSource();
-  }
-
- protected:
-  std::unique_ptr<VuBitmapImpl> MakeBitmap(Entry entry, int width, int height,
-                                           VuPixelFormat format) override {
-    // Clearing it would take longer than packing the glyphs.
-    return std::make_unique<SoftwareBitmap>(std::move(entry), width, height, format,
-                                            std::shared_ptr<PixelSources>(shared_from_this(), this),
-                                            PixelBuffer::Contents::Undefined);
-  }
 };
 
 }  // namespace ZIRK::backends

@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "geometry/placement.h"
-#include "text/atlasgraphics.h"
+#include "text/glyphatlasallocator.h"
 #include "text/textlayout.h"
 
 namespace ZIRK::backends {
@@ -15,7 +15,7 @@ namespace ZIRK::backends {
 class AtlasLine {
  public:
   /// `atlases` makes the font's atlas if it has none yet. May throw std::bad_alloc.
-  AtlasLine(AtlasGraphics& atlases, const TextArguments& arguments)
+  AtlasLine(GlyphAtlasAllocator& atlases, const TextArguments& arguments)
       : layout_(arguments, &atlases),
         owner_(layout_.Owner() ? atlases.FindOwner(layout_.Owner()) : nullptr) {
     if (owner_) turn_ = std::unique_lock(owner_->DrawingMutex());
@@ -34,7 +34,7 @@ class AtlasLine {
 
  private:
   TextLayout layout_;
-  const std::shared_ptr<AtlasGraphics> owner_;
+  const std::shared_ptr<GlyphAtlasAllocator> owner_;
   std::unique_lock<std::mutex> turn_;
 };
 

@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
+#include "fb/fbgraphics.h"
 #include "helpers/fonts.h"
 #include "helpers/logged.h"
-#include "software/softwarebitmap.h"
 #include "stub/stubgraphics.h"
 
 namespace ZIRK::backends {
@@ -38,7 +38,7 @@ struct Context {
 
   std::shared_ptr<SurfaceLedger> ledger;
   std::shared_ptr<PixelSources> sources =
-      std::make_shared<SoftwareAtlases>(ledger, TypeCode(BackendType::FB));
+      std::make_shared<FbSources>(ledger, TypeCode(BackendType::FB));
 };
 
 const std::vector<uint32_t> kNothing(kWidth* kHeight);

@@ -4,18 +4,18 @@
 #include <utility>
 
 #include "opengles2/texturesources.h"
-#include "text/atlasgraphics.h"
+#include "text/glyphatlasallocator.h"
 
 namespace ZIRK::backends {
 
-/// Makes the atlases' bitmaps. OpenGL surfaces are the only sources.
-class GlAtlases final : public AtlasGraphics, public TextureSources {
+/// What OpenGL surfaces read: each other. It also makes the bitmaps of their glyph atlases.
+class GlSources final : public GlyphAtlasAllocator, public TextureSources {
  public:
-  GlAtlases(std::shared_ptr<SurfaceLedger> ledger, int graphicsType,
+  GlSources(std::shared_ptr<SurfaceLedger> ledger, int graphicsType,
             std::shared_ptr<GlDevice> device)
-      : AtlasGraphics(std::move(ledger), graphicsType), device_(std::move(device)) {}
+      : GlyphAtlasAllocator(std::move(ledger), graphicsType), device_(std::move(device)) {}
 
-  AtlasGraphics& Atlases() override { return *this; }
+  GlyphAtlasAllocator& Atlases() override { return *this; }
   GlTexture* TextureOf(VuBitmapImpl& surface, GlDevice& device) override {
     return backends::TextureOf(FindCanvas(surface), device);
   }
@@ -24,11 +24,10 @@ class GlAtlases final : public AtlasGraphics, public TextureSources {
     return backends::CopyPixels(FindCanvas(surface), part, device, copy);
   }
 
- protected:
+ private:
   std::unique_ptr<VuBitmapImpl> MakeBitmap(Entry entry, int width, int height,
                                            VuPixelFormat format) override;
 
- private:
   const std::shared_ptr<GlDevice> device_;
 };
 

@@ -1,10 +1,10 @@
-#include "opengles2/glatlases.h"
+#include "opengles2/glsources.h"
 
 #include "opengles2/glsurface.h"
 
 namespace ZIRK::backends {
 
-std::unique_ptr<VuBitmapImpl> GlAtlases::MakeBitmap(Entry entry, int width, int height,
+std::unique_ptr<VuBitmapImpl> GlSources::MakeBitmap(Entry entry, int width, int height,
                                                     VuPixelFormat format) {
   auto texture = GlTexture::Create(device_, width, height, format);
   if (!texture) return nullptr;
