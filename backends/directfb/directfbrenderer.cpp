@@ -13,7 +13,6 @@
 #include "software/pixeltransfer.h"
 #include "software/softwarerenderer.h"
 #include "surface/ownsurface.h"
-#include "text/atlasline.h"
 
 namespace ZIRK::backends {
 
@@ -241,48 +240,26 @@ void DirectFbRenderer::DrawObject(const Extent& dst, const Source& src, const Ex
 
 // --- Text ---------------------------------------------------------------------------------------
 
-/// What all glyphs of a line have in common.
-struct DirectFbRenderer::GlyphPlace {
-  const MatrixF& matrix;
-  VuColor color;
-  const Mask* mask;
-  std::optional<Placement> line;  ///< What the mask lies over, if there is one.
-  bool unscaled;                  ///< And upright, moved by `move`, without a mask.
-  VuPoint move;
-};
-
-void DirectFbRenderer::DrawText(const TextArguments& text, VuColor color, const MatrixF& m,
-                                const Mask* mask) {
-  AtlasLine line(*atlases_, text);
-  if (!line) return;
-  const std::optional<VuPoint> move = mask ? std::nullopt : WholePixelMove(m);
-  const GlyphPlace place = {m,
-                            color,
-                            mask,
-                            mask ? line.Place(m) : std::nullopt,
-                            move.has_value(),
-                            move.value_or(VuPoint{0, 0})};
-  if (mask && !place.line) return;
-  for (TextLayout::Glyph glyph; line.Next(glyph);) DrawGlyph(glyph, place);
-}
-
-void DirectFbRenderer::DrawGlyph(const TextLayout::Glyph& glyph, const GlyphPlace& place) {
+bool DirectFbRenderer::DrawGlyph(const TextLayout::Glyph& glyph,
+                                 const LineStyle<DirectFbPixels>& style) {
   // Atlases are made of bitmaps.
   DirectFbRenderer& atlas = static_cast<DirectFbBitmap*>(glyph.atlas)->Drawing();
   const std::lock_guard lock(DirectFbMutex());
-  if (place.unscaled && IsNear(glyph.destination)) {
+  if (style.move && IsNear(glyph.destination)) {
     const Box to = ToBox(glyph.destination);
-    const VuPoint move = place.move;
+    const VuPoint move = *style.move;
     const Box box = {to.x0 + move.x, to.y0 + move.y, to.x1 + move.x, to.y1 + move.y};
-    if (Blit(atlas, glyph.source, box, Premultiply(place.color))) return;
+    if (Blit(atlas, glyph.source, box, style.premultiplied)) return true;
   }
   const Source source = {&atlas.pixels_, VuScaleMode::Bilinear};
-  Paint(&source, place.mask, [&](const Painter::Source& read, Painter::Mask* through) {
-    if (through) through->primitive = &*place.line;
+  Paint(&source, style.mask, [&](const Painter::Source& read, const Painter::Mask* through) {
     painter_.DrawObject(ToExtent(glyph.destination), read, ToExtent(glyph.source),
-                        Edges::OnWholePixels, place.matrix, place.color, through);
+                        Edges::OnWholePixels, style.matrix, style.color, through);
   });
+  return true;
 }
+
+template class TextDrawing<DirectFbRenderer, DirectFbPixels>;
 
 // --- Pixels -------------------------------------------------------------------------------------
 

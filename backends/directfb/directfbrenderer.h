@@ -11,14 +11,13 @@
 #include "software/painter.h"
 #include "surface/drawmemory.h"
 #include "surface/operands.h"
-#include "text/glyphatlasallocator.h"
-#include "text/textlayout.h"
+#include "text/textdrawing.h"
 
 namespace ZIRK::backends {
 
 /// Draws on an IDirectFBSurface, for DrawnSurface: by DirectFB as far as its rules go, and on the
 /// locked pixels by the software painter beyond.
-class DirectFbRenderer {
+class DirectFbRenderer : public TextDrawing<DirectFbRenderer, DirectFbPixels> {
  public:
   using Pixels = DirectFbPixels;
   using Source = backends::Source<DirectFbPixels>;
@@ -45,10 +44,13 @@ class DirectFbRenderer {
   void DrawRect(const Extent& rect, VuColor color, const MatrixF& m, const Mask* mask);
   void DrawObject(const Extent& dst, const Source& src, const Extent& srcRect, Edges edges,
                   const MatrixF& m, VuColor color, const Mask* mask);
-  void DrawText(const TextArguments& text, VuColor color, const MatrixF& m, const Mask* mask);
   bool FillBox(const VuRect& rect, VuColor color);
   bool BlitBox(const VuRect& dst, VuBitmapImpl& src, const VuRect& srcRect, const MatrixF& m,
                VuColor color);
+
+  // For TextDrawing.
+  GlyphAtlasAllocator& Atlases() const { return *atlases_; }
+  bool DrawGlyph(const TextLayout::Glyph& glyph, const LineStyle<DirectFbPixels>& style);
 
   bool Clear(VuColor color);
   bool Read(const Box& box, void* dst);
@@ -66,8 +68,6 @@ class DirectFbRenderer {
   void Flip();
 
  private:
-  struct GlyphPlace;
-
   bool Refresh();
   void SetColor(uint32_t color);
   bool SetWholeClip();
@@ -77,7 +77,6 @@ class DirectFbRenderer {
   bool FillBoxes(const DFBRectangle* boxes, unsigned count, uint32_t color);
   bool Blit(DirectFbRenderer& source, const VuRect& part, const Box& box, uint32_t color);
   bool CopyBox(DirectFbRenderer& source, const CopyPlan& plan);
-  void DrawGlyph(const TextLayout::Glyph& glyph, const GlyphPlace& place);
   template <typename F>
   void Paint(const Source* source, const Mask* mask, F&& draw);
 
@@ -95,5 +94,7 @@ class DirectFbRenderer {
 
   WorkMemory<DFBRectangle> runs_;  ///< Of a line.
 };
+
+extern template class TextDrawing<DirectFbRenderer, DirectFbPixels>;
 
 }  // namespace ZIRK::backends

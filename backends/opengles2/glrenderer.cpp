@@ -1,9 +1,6 @@
 #include "opengles2/glrenderer.h"
 
-#include <optional>
-
 #include "surface/drawmemory.h"
-#include "text/atlasline.h"
 
 namespace ZIRK::backends {
 
@@ -35,28 +32,20 @@ bool GlRenderer::Copy(VuPoint at, VuBitmapImpl& src, const VuRect& srcRect) {
   return !copy || GlCanvas::Copy(box, *copy, 0, 0);
 }
 
-void GlRenderer::DrawText(const TextArguments& text, VuColor color, const MatrixF& m,
-                          const Mask* mask) {
-  AtlasLine line(sources_->Atlases(), text);
-  if (!line) return;
-  std::optional<Placement> box;
-  Mask over{};
-  if (mask) {
-    box = line.Place(m);
-    if (!box) return;
-    over = *mask;
-    over.primitive = &*box;
-  }
-  for (TextLayout::Glyph glyph; line.Next(glyph);) {
-    GlTexture* const texture = FindSource(*sources_, *glyph.atlas, Device()).pixels;
-    // That of a context that was lost has none.
-    if (!texture) continue;
-    const Source source = {texture, VuScaleMode::Bilinear};
-    if (!mask && GlCanvas::BlitBox(glyph.destination, source, glyph.source, m, color)) continue;
-    DrawObject(ToExtent(glyph.destination), source, ToExtent(glyph.source), Edges::OnWholePixels, m,
-               color, mask ? &over : nullptr);
-  }
+bool GlRenderer::DrawGlyph(const TextLayout::Glyph& glyph, const LineStyle<GlTexture>& style) {
+  const Source atlas = {FindSource(*sources_, *glyph.atlas, Device()).pixels,
+                        VuScaleMode::Bilinear};
+  // That of a context that was lost has none.
+  if (!atlas.pixels) return false;
+  if (!style.mask &&
+      GlCanvas::BlitBox(glyph.destination, atlas, glyph.source, style.matrix, style.color))
+    return true;
+  DrawObject(ToExtent(glyph.destination), atlas, ToExtent(glyph.source), Edges::OnWholePixels,
+             style.matrix, style.color, style.mask);
+  return true;
 }
+
+template class TextDrawing<GlRenderer, GlTexture>;
 
 bool GlRenderer::Lock(bool) {
   locked_ =

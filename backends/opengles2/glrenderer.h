@@ -6,12 +6,12 @@
 #include "geometry/surfaceformat.h"
 #include "opengles2/glcanvas.h"
 #include "opengles2/texturesources.h"
-#include "text/textlayout.h"
+#include "text/textdrawing.h"
 
 namespace ZIRK::backends {
 
 /// Draws by OpenGL, for DrawnSurface.
-class GlRenderer : public GlCanvas {
+class GlRenderer : public GlCanvas, public TextDrawing<GlRenderer, GlTexture> {
  public:
   using Pixels = GlTexture;
   using SourceCopy = std::unique_ptr<GlTexture>;
@@ -22,8 +22,11 @@ class GlRenderer : public GlCanvas {
 
   bool Resolve(VuBitmapImpl& surface, Extent* part, Source& source, SourceCopy& copy);
   bool BlitBox(VuRect dst, VuBitmapImpl& src, VuRect srcRect, const MatrixF& m, VuColor color);
-  void DrawText(const TextArguments& text, VuColor color, const MatrixF& m, const Mask* mask);
   bool Copy(VuPoint at, VuBitmapImpl& src, const VuRect& srcRect);
+
+  // For TextDrawing.
+  GlyphAtlasAllocator& Atlases() const { return sources_->Atlases(); }
+  bool DrawGlyph(const TextLayout::Glyph& glyph, const LineStyle<GlTexture>& style);
 
   /// The pixels are a copy while they are locked.
   bool Lock(bool write);
@@ -38,5 +41,7 @@ class GlRenderer : public GlCanvas {
   const std::shared_ptr<TextureSources> sources_;
   std::unique_ptr<uint8_t[]> locked_;
 };
+
+extern template class TextDrawing<GlRenderer, GlTexture>;
 
 }  // namespace ZIRK::backends

@@ -41,19 +41,6 @@ class Painter {
   bool BlitBox(const VuRect& dst, const Source& src, const VuRect& srcRect, const MatrixF& m,
                VuColor color);
 
-  /// The A8 `src` from (srcX, srcY) on, pixel for pixel in the place of `box`, which may lie
-  /// anywhere. `color` is premultiplied.
-  void DrawCoverage(const Box& box, const PixelBuffer& src, int srcX, int srcY, uint32_t color) {
-    Refresh();
-    const Box visible = Visible(box);
-    if (visible.IsEmpty()) return;
-    Touch(visible);
-    const int moveX = srcX - box.x0, moveY = srcY - box.y0;
-    if (!blender_.IsDirect()) return DrawCoverageIndirect(visible, src, moveX, moveY, color);
-    const uint8_t* const coverage = src.Row(visible.y0 + moveY) + visible.x0 + moveX;
-    blender_.CoverDirect(visible, coverage, src.Pitch(), color);
-  }
-
   /// The pixels that may have changed since the last TakeTouched().
   const Box& Touched() const { return touched_; }
   Box TakeTouched() { return std::exchange(touched_, Box()); }
@@ -61,6 +48,20 @@ class Painter {
   void Touch(const Box& box) {
     if (!touched_.Contains(box)) touched_ = Union(touched_, box);
   }
+
+ protected:
+  // For a renderer that draws glyphs itself.
+
+  /// Comes first: takes over what has changed of the state.
+  void Refresh() {
+    if (revision_.CatchUp()) TakeState();
+  }
+  Box Visible(const Box& box) const { return Intersection(box, clip_); }
+  Blender& Blending() { return blender_; }
+  /// One premultiplied colour through the A8 pixels of `src` that `box`, which is visible, moved by
+  /// (moveX, moveY) covers; where Blending() is not direct.
+  void DrawCoverageIndirect(const Box& box, const PixelBuffer& src, int moveX, int moveY,
+                            uint32_t color);
 
  private:
   bool DrawUnscaled(const Extent& dst, const Source& src, const Extent& srcRect, const MatrixF& m,
@@ -80,13 +81,7 @@ class Painter {
   void DrawSlantedLine(const Hairline& line, uint32_t color);
   void DrawMaskedLine(const Hairline& line, uint32_t color, const Source& mask,
                       const LineEnds& ends);
-  void Refresh() {
-    if (revision_.CatchUp()) TakeState();
-  }
   void TakeState();
-  void DrawCoverageIndirect(const Box& box, const PixelBuffer& src, int moveX, int moveY,
-                            uint32_t color);
-  Box Visible(const Box& box) const { return Intersection(box, clip_); }
 
   PixelBuffer& target_;
   const SurfaceState& state_;

@@ -5,6 +5,15 @@
 
 namespace ZIRK::backends {
 
+namespace {
+
+bool IsNear(int64_t position) {
+  constexpr auto kLimit = static_cast<int64_t>(kFar);
+  return position >= -kLimit && position <= kLimit;
+}
+
+}  // namespace
+
 std::optional<PixelBuffer> CopyOf(const PixelBuffer& pixels, const Box& part) {
   if (part.IsEmpty()) return std::nullopt;
   auto copy = PixelBuffer::TryCreate(part.Width(), part.Height(), pixels.Format());
@@ -38,6 +47,33 @@ bool SoftwareRenderer::BlitBox(const VuRect& dst, VuBitmapImpl& src, const VuRec
   if (!bitmap || &bitmap->Pixels() == &pixels_) return false;
   return Painter::BlitBox(dst, {&bitmap->Pixels(), VuScaleMode::Nearest}, srcRect, m, color);
 }
+
+bool SoftwareRenderer::DrawGlyph(const TextLayout::Glyph& glyph, const LineStyle<Pixels>& style) {
+  const PixelBuffer* const atlas = FindSource(*sources_, *glyph.atlas).pixels;
+  if (!atlas) return false;
+  const VuRect &from = glyph.source, &to = glyph.destination;
+  if (!style.move) {
+    DrawObject(ToExtent(to), {atlas, VuScaleMode::Bilinear}, ToExtent(from), Edges::OnWholePixels,
+               style.matrix, style.color, style.mask);
+    return true;
+  }
+  const int64_t x = int64_t{to.x} + style.move->x, y = int64_t{to.y} + style.move->y;
+  if (!IsNear(x) || !IsNear(y)) return true;
+  Refresh();
+  const int left = static_cast<int>(x), top = static_cast<int>(y);
+  const Box box = Visible({left, top, left + to.width, top + to.height});
+  if (box.IsEmpty()) return true;
+  Touch(box);
+  const int moveX = from.x - left, moveY = from.y - top;
+  if (Blending().IsDirect())
+    Blending().CoverDirect(box, atlas->Row(box.y0 + moveY) + box.x0 + moveX, atlas->Pitch(),
+                           style.premultiplied);
+  else
+    DrawCoverageIndirect(box, *atlas, moveX, moveY, style.premultiplied);
+  return true;
+}
+
+template class TextDrawing<SoftwareRenderer, const PixelBuffer>;
 
 bool SoftwareRenderer::Copy(VuPoint at, VuBitmapImpl& src, const VuRect& srcRect) {
   if (const PixelBuffer* const pixels = FindSource(*sources_, src).pixels) {

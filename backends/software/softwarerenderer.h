@@ -10,8 +10,8 @@
 #include "software/pixelbuffer.h"
 #include "software/pixelsources.h"
 #include "software/pixeltransfer.h"
-#include "software/textdrawing.h"
 #include "surface/ownsurface.h"
+#include "text/textdrawing.h"
 
 namespace ZIRK::backends {
 
@@ -24,7 +24,9 @@ struct OwnPixels {
 };
 
 /// Draws on pixels in memory, for DrawnSurface.
-class SoftwareRenderer : private OwnPixels, public Painter {
+class SoftwareRenderer : private OwnPixels,
+                         public Painter,
+                         public TextDrawing<SoftwareRenderer, const PixelBuffer> {
  public:
   using Pixels = const PixelBuffer;
   using SourceCopy = std::optional<PixelBuffer>;
@@ -41,9 +43,10 @@ class SoftwareRenderer : private OwnPixels, public Painter {
   bool Resolve(VuBitmapImpl& surface, Extent* part, Source& source, SourceCopy& copy) const;
   bool BlitBox(const VuRect& dst, VuBitmapImpl& src, const VuRect& srcRect, const MatrixF& m,
                VuColor color);
-  void DrawText(const TextArguments& text, VuColor color, const MatrixF& m, const Mask* mask) {
-    backends::DrawText(*this, *sources_, text, color, m, mask);
-  }
+
+  // For TextDrawing.
+  GlyphAtlasAllocator& Atlases() const { return sources_->Atlases(); }
+  bool DrawGlyph(const TextLayout::Glyph& glyph, const LineStyle<Pixels>& style);
 
   bool Clear(VuColor color) {
     ClearPixels(pixels_, color);
@@ -70,5 +73,7 @@ class SoftwareRenderer : private OwnPixels, public Painter {
  private:
   const std::shared_ptr<PixelSources> sources_;
 };
+
+extern template class TextDrawing<SoftwareRenderer, const PixelBuffer>;
 
 }  // namespace ZIRK::backends

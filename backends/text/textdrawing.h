@@ -1,0 +1,72 @@
+#pragma once
+
+#include <memory>
+#include <mutex>
+#include <new>
+#include <optional>
+
+#include "geometry/pixelmath.h"
+#include "geometry/placement.h"
+#include "surface/drawmemory.h"
+#include "surface/operands.h"
+#include "text/glyphatlasallocator.h"
+#include "text/textlayout.h"
+
+namespace ZIRK::backends {
+
+/// What the glyphs of a line have in common.
+template <class Pixels>
+struct LineStyle {
+  VuColor color;
+  uint32_t premultiplied;  ///< The same colour.
+  const MatrixF& matrix;
+  const Mask<Pixels>* mask;     ///< Lies over the whole line. Null if there is none.
+  std::optional<VuPoint> move;  ///< Set if the matrix only moves by whole pixels, without a mask.
+};
+
+/// The operation DrawText of a renderer, which derives from this and has
+///
+/// - `GlyphAtlasAllocator& Atlases()`, which makes the atlas of a font that has none yet;
+/// - `bool DrawGlyph(const TextLayout::Glyph&, const LineStyle<Pixels>&)`, which draws before it
+///   returns, or keeps what it takes: the next glyph may move the atlas to another bitmap, or empty
+///   it. False ends the line.
+template <class Renderer, class Pixels>
+class TextDrawing {
+ public:
+  /// Only one thread at a time draws from an atlas. A font whose atlas another plug-in has made
+  /// draws nothing, after an error line.
+  void DrawText(const TextArguments& text, VuColor color, const MatrixF& m,
+                const Mask<Pixels>* mask);
+};
+
+template <class Renderer, class Pixels>
+void TextDrawing<Renderer, Pixels>::DrawText(const TextArguments& text, VuColor color,
+                                             const MatrixF& m, const Mask<Pixels>* mask) {
+  auto& renderer = static_cast<Renderer&>(*this);
+  // The font and its atlas throw.
+  try {
+    TextLayout layout(text, &renderer.Atlases());
+    if (!layout.Owner()) return;
+    const auto owner = renderer.Atlases().FindOwner(layout.Owner());
+    if (!owner) return;
+    const std::lock_guard lock(owner->DrawingMutex());
+
+    LineStyle<Pixels> style = {color, Premultiply(color), m, nullptr, std::nullopt};
+    std::optional<Placement> line;
+    Mask<Pixels> overLine{};
+    if (mask) {
+      line = Place(ToExtent(layout.Box()), m, Edges::OnWholePixels);
+      if (!line) return;
+      overLine = {mask->source, mask->coords, &*line};
+      style.mask = &overLine;
+    } else {
+      style.move = WholePixelMove(m);
+    }
+    TextLayout::Glyph glyph;
+    while (layout.Next(glyph) && renderer.DrawGlyph(glyph, style)) continue;
+  } catch (const std::bad_alloc&) {
+    ReportNoMemory();
+  }
+}
+
+}  // namespace ZIRK::backends
