@@ -5,6 +5,7 @@
 #include <string>
 #include <utility>
 
+#include "directfb/directfbbitmap.h"
 #include "directfb/directfbruntime.h"
 #include "directfb/directfbscreen.h"
 

@@ -6,8 +6,8 @@
 #include <mutex>
 #include <utility>
 
+#include "directfb/directfbbitmap.h"
 #include "directfb/directfbscreen.h"
-#include "directfb/directfbsurface.h"
 #include "geometry/hairline.h"
 #include "geometry/pixelmath.h"
 #include "software/pixeltransfer.h"
@@ -280,14 +280,16 @@ bool DirectFbRenderer::Clear(VuColor color) {
 bool DirectFbRenderer::Read(const Box& box, void* dst) {
   const std::lock_guard lock(DirectFbMutex());
   const DirectFbLock own(&pixels_);
-  return own && GetPixels(pixels_.Buffer(), ToRect(box), dst);
+  if (own) ReadPixels(pixels_.Buffer(), box, dst);
+  return bool(own);
 }
 
 bool DirectFbRenderer::Write(const Box& box, const void* src, unsigned pitch) {
   const std::lock_guard lock(DirectFbMutex());
   const DirectFbLock own(&pixels_);
   painter_.Touch(box);
-  return own && SetPixels(pixels_.Buffer(), ToRect(box), src, pitch);
+  if (own) WritePixels(pixels_.Buffer(), box, src, pitch);
+  return bool(own);
 }
 
 bool DirectFbRenderer::Copy(VuPoint at, VuBitmapImpl& src, const VuRect& srcRect) {
@@ -316,6 +318,10 @@ bool DirectFbRenderer::Unlock(bool written) {
   }
   pixels_.Unlock();
   return true;
+}
+
+void DirectFbRenderer::Finish() {
+  WaitForDirectFb();
 }
 
 void DirectFbRenderer::Flip() {

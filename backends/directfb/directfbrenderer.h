@@ -15,15 +15,11 @@
 
 namespace ZIRK::backends {
 
-/// Draws on an IDirectFBSurface, for DrawnSurface: by DirectFB as far as its rules go, and on the
-/// locked pixels by the software painter beyond.
+/// Draws on an IDirectFBSurface: by DirectFB as far as its rules go, and on the locked pixels by
+/// the software painter beyond. Sources and masks are other surfaces of this plug-in, of whichever
+/// context. surface/renderer.h says what the operations mean.
 class DirectFbRenderer : public TextDrawing<DirectFbRenderer, DirectFbPixels> {
  public:
-  using Pixels = DirectFbPixels;
-  using Source = backends::Source<DirectFbPixels>;
-  using Mask = backends::Mask<DirectFbPixels>;
-  using SourceCopy = std::optional<DirectFbPixels>;
-
   /// Whether drawing goes to the surface's back buffer, and reading as DirectFB does it would take
   /// what is shown.
   enum class Buffers { One, Two };
@@ -37,37 +33,57 @@ class DirectFbRenderer : public TextDrawing<DirectFbRenderer, DirectFbPixels> {
   /// DirectFB looks for only now.
   bool Begin();
 
+  // --- Reading ---
+
+  using Pixels = DirectFbPixels;
+  using Source = backends::Source<DirectFbPixels>;
+  using SourceCopy = std::optional<DirectFbPixels>;
   bool Resolve(VuBitmapImpl& surface, Extent* part, Source& source, SourceCopy& copy);
 
+  // --- Drawing ---
+
+  using Mask = backends::Mask<DirectFbPixels>;
+  bool FillBox(const VuRect& rect, VuColor color);
+  bool BlitBox(const VuRect& dst, VuBitmapImpl& src, const VuRect& srcRect, const MatrixF& m,
+               VuColor color);
   void DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m, const Mask* mask);
   void DrawLine(VuPoint from, VuPoint to, VuColor color, const MatrixF& m, const Mask* mask);
   void DrawRect(const Extent& rect, VuColor color, const MatrixF& m, const Mask* mask);
   void DrawObject(const Extent& dst, const Source& src, const Extent& srcRect, Edges edges,
                   const MatrixF& m, VuColor color, const Mask* mask);
-  bool FillBox(const VuRect& rect, VuColor color);
-  bool BlitBox(const VuRect& dst, VuBitmapImpl& src, const VuRect& srcRect, const MatrixF& m,
-               VuColor color);
+  using TextDrawing::DrawText;
 
-  // For TextDrawing.
-  GlyphAtlasAllocator& Atlases() const { return *atlases_; }
-  bool DrawGlyph(const TextLayout::Glyph& glyph, const LineStyle<DirectFbPixels>& style);
+  // --- Pixels ---
 
   bool Clear(VuColor color);
   bool Read(const Box& box, void* dst);
   bool Write(const Box& box, const void* src, unsigned pitch);
   bool Copy(VuPoint at, VuBitmapImpl& src, const VuRect& srcRect);
 
-  /// Always for writing: for reading alone DirectFB would give the pixels that are shown.
+  // --- Locking ---
+
+  // Always for writing: for reading alone DirectFB would give the pixels that are shown.
   bool Lock(bool write);
   bool Unlock(bool written);
   void* LockedPixels() const { return const_cast<uint8_t*>(pixels_.Buffer().Row(0)); }
   int Pitch() const { return pixels_.Buffer().Pitch(); }
+
+  // --- The whole surface ---
+
+  void Finish();
+  void Flush() {}
+  void SetName(const char* /*name*/) {}
+  bool IsTextureBacked() const { return true; }
 
   /// Shows what is drawn; with two buffers, waits until it is, and then brings the other one up to
   /// date.
   void Flip();
 
  private:
+  friend class TextDrawing<DirectFbRenderer, DirectFbPixels>;
+  GlyphAtlasAllocator& Atlases() const { return *atlases_; }
+  bool DrawGlyph(const TextLayout::Glyph& glyph, const LineStyle<DirectFbPixels>& style);
+
   bool Refresh();
   void SetColor(uint32_t color);
   bool SetWholeClip();

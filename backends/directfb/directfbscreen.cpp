@@ -107,10 +107,9 @@ DirectFbScreen::DirectFbScreen(std::unique_ptr<SurfaceLedger::Entry> entry,
                                std::unique_ptr<DirectFbLayer> layer, DirectFbLayer::Screen screen,
                                std::shared_ptr<GlyphAtlasAllocator> atlases)
     : ScreenLayer{std::move(layer)},
-      DirectFbSurface(
-          std::move(entry), screen.width, screen.height, screen.format, std::move(screen.surface),
-          std::move(atlases),
-          screen.twoBuffers ? DirectFbRenderer::Buffers::Two : DirectFbRenderer::Buffers::One),
+      Surface(std::move(entry), screen.width, screen.height, screen.format,
+              std::move(screen.surface), std::move(atlases),
+              screen.twoBuffers ? DirectFbRenderer::Buffers::Two : DirectFbRenderer::Buffers::One),
       Presenter(!screen.twoBuffers) {}
 
 bool DirectFbScreen::Begin() {

@@ -8,10 +8,11 @@
 #include <optional>
 #include <string>
 
+#include "directfb/directfbrenderer.h"
 #include "directfb/directfbruntime.h"
-#include "directfb/directfbsurface.h"
 #include "images/image.h"
 #include "surface/presenter.h"
+#include "surface/surface.h"
 
 namespace ZIRK::backends {
 
@@ -59,7 +60,7 @@ struct ScreenLayer {
 
 /// A screen: a display layer's surface.
 class DirectFbScreen final : private ScreenLayer,
-                             public DirectFbSurface<VuScreenImpl>,
+                             public Surface<VuScreenImpl, DirectFbRenderer>,
                              private Presenter {
  public:
   /// `layer` is null where there is none: the picture then stays in memory.
@@ -72,7 +73,7 @@ class DirectFbScreen final : private ScreenLayer,
   void SwapBuffers() override { Swap(); }
   void Finish() override {
     ShowIfSingleBuffered();
-    DirectFbSurface::Finish();
+    Surface::Finish();
   }
   void Flush() override { ShowIfSingleBuffered(); }
 

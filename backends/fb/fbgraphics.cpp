@@ -10,7 +10,7 @@ namespace ZIRK::backends {
 
 const PixelBuffer* FbSources::PixelsOf(VuBitmapImpl& surface) {
   const auto* const screen = AsOwn<FbScreen>(&surface);
-  return screen ? &screen->Pixels() : nullptr;
+  return screen ? &screen->Drawing().Buffer() : nullptr;
 }
 
 bool FbSources::CopyPixels(VuBitmapImpl&, const Box&, std::optional<PixelBuffer>&) {
@@ -54,7 +54,7 @@ std::unique_ptr<VuBitmapImpl> FbGraphics::MakePicture(Entry entry, int width, in
                                                       Image& image, VuScaleMode scaleMode) {
   auto bitmap = std::make_unique<SoftwareBitmap>(std::move(entry), width, height,
                                                  VuPixelFormat::ARGB8888, sources_);
-  PixelBuffer& pixels = bitmap->Pixels();
+  PixelBuffer& pixels = bitmap->Drawing().Buffer();
   const PixelRows rows = {pixels.Row32(0), pixels.Pitch(), width, height};
   if (!image.Decode(rows, scaleMode)) return nullptr;
   return bitmap;

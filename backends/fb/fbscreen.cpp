@@ -26,15 +26,15 @@ std::unique_ptr<FbScreen> FbScreen::Open(std::unique_ptr<SurfaceLedger::Entry> e
 FbScreen::FbScreen(std::unique_ptr<SurfaceLedger::Entry> entry,
                    const VuScreenDescription& description,
                    std::unique_ptr<FramebufferDevice> device, std::shared_ptr<PixelSources> sources)
-    : SoftwareSurface(std::move(entry), description.width, description.height, description.format,
-                      std::move(sources)),
+    : Surface(std::move(entry), description.width, description.height, description.format,
+              std::move(sources)),
       Presenter(description.buffers < 2),
       device_(std::move(device)) {}
 
 void FbScreen::Present() {
-  const Box damage = TakeDamage();
+  const Box damage = Drawing().TakeTouched();
   if (!device_) return;
-  const PixelBuffer& pixels = Pixels();
+  const PixelBuffer& pixels = Drawing().Buffer();
   device_->Present(pixels.Row(0), pixels.Pitch(), pixels.Format(),
                    {damage.x0, damage.y0, damage.Width(), damage.Height()});
 }

@@ -1,18 +1,20 @@
 #pragma once
 
+#include <zirk/impl/vuscreenimpl.h>
 #include <zirk/vuscreendescription.h>
 
 #include <memory>
 #include <string>
 
 #include "fb/framebufferdevice.h"
-#include "software/softwarebitmap.h"
+#include "software/softwarerenderer.h"
 #include "surface/presenter.h"
+#include "surface/surface.h"
 
 namespace ZIRK::backends {
 
 /// A screen: drawn in cached memory, and copied to the device when the frame is done.
-class FbScreen final : public SoftwareSurface<VuScreenImpl>, private Presenter {
+class FbScreen final : public Surface<VuScreenImpl, SoftwareRenderer>, private Presenter {
  public:
   /// If there is no device the picture stays in memory, after a warning. `reason`, if not empty,
   /// says why there is no better screen; then there is a warning in any case, and it includes it.

@@ -3,6 +3,7 @@
 #include <zirk/vuenums.h>
 #include <zirk/vumatrix2d.h>
 #include <zirk/vupoint.h>
+#include <zirk/vurect2d.h>
 #include <zirk/vuvector2d.h>
 
 #include <cmath>
@@ -46,6 +47,11 @@ struct Extent {
 
 inline Extent ToExtent(const VuRect& r) {
   return {double(r.x), double(r.y), double(r.width), double(r.height)};
+}
+
+inline Extent ToExtent(const VuTRect2D<float>& r) {
+  const double x = double(r.minPoint().x()), y = double(r.minPoint().y());
+  return {x, y, double(r.maxPoint().x()) - x, double(r.maxPoint().y()) - y};
 }
 
 /// A point: the square around the centre of its pixel.

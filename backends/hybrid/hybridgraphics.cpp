@@ -25,8 +25,8 @@ class HybridSources final : public FbSources {
         AllocateToDraw<uint8_t>(static_cast<size_t>(pitch) * static_cast<size_t>(part.Height()));
     if (!rows || !canvas->Read(part, rows.get())) return false;
     copy = PixelBuffer::TryCreate(part.Width(), part.Height(), format);
-    return copy &&
-           SetPixels(*copy, ToRect(copy->Bounds()), rows.get(), static_cast<unsigned>(pitch));
+    if (copy) WritePixels(*copy, copy->Bounds(), rows.get(), static_cast<unsigned>(pitch));
+    return copy.has_value();
   }
 };
 

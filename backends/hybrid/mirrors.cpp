@@ -28,9 +28,10 @@ bool Upload(GlTexture& texture, const Box& box, const PixelBuffer& pixels, const
 
 /// What `surface` has in memory; null if it is neither a bitmap nor a screen there.
 const PixelBuffer* PixelsOf(VuBitmapImpl& surface) {
-  if (const auto* const bitmap = AsOwn<SoftwareBitmap>(&surface)) return &bitmap->Pixels();
+  if (const auto* const bitmap = AsOwn<SoftwareBitmap>(&surface))
+    return &bitmap->Drawing().Buffer();
   const auto* const screen = AsOwn<FbScreen>(&surface);
-  return screen ? &screen->Pixels() : nullptr;
+  return screen ? &screen->Drawing().Buffer() : nullptr;
 }
 
 }  // namespace
@@ -104,16 +105,16 @@ GlTexture* Mirrors::TextureOf(SoftwareBitmap& bitmap, GlDevice& device) {
   const auto* const mirror = static_cast<const Mirror*>(bitmap.Mirror().get());
   GlTexture* const texture = mirror ? mirror->TextureOn(device) : nullptr;
   if (!texture) return Make(bitmap);
-  const Box& changed = bitmap.Damage();
+  const Box& changed = bitmap.Drawing().Touched();
   if (changed.IsEmpty()) return texture;
-  if (!Upload(*texture, changed, bitmap.Pixels(), changed)) return nullptr;
-  bitmap.TakeDamage();
+  if (!Upload(*texture, changed, bitmap.Drawing().Buffer(), changed)) return nullptr;
+  bitmap.Drawing().TakeTouched();
   return texture;
 }
 
 /// Null if the bitmap is too large or the device lost; and after an error line if that fails.
 GlTexture* Mirrors::Make(SoftwareBitmap& bitmap) {
-  const PixelBuffer& pixels = bitmap.Pixels();
+  const PixelBuffer& pixels = bitmap.Drawing().Buffer();
   const int most = device_->MaxTextureSize();
   if (pixels.Width() > most || pixels.Height() > most || device_->IsLost()) return nullptr;
   std::list<Slot> made;
@@ -130,7 +131,7 @@ GlTexture* Mirrors::Make(SoftwareBitmap& bitmap) {
   const std::lock_guard lock(mutex);
   slots_.splice(slots_.end(), made);
   static_cast<Mirror&>(*bitmap.Mirror()).MoveTo(*this, std::prev(slots_.end()));
-  bitmap.TakeDamage();
+  bitmap.Drawing().TakeTouched();
   return slots_.back().texture.get();
 }
 

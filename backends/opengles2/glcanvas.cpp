@@ -106,7 +106,7 @@ bool GlCanvas::Refresh() {
   if (revision_.CatchUp()) {
     blend_ = GlBlend(state_);
     target_ = Target();
-    clip_ = Intersection(ToBox(state_.clip), {0, 0, state_.width, state_.height});
+    clip_ = Intersection(ToBox(state_.clip), Bounds());
   }
   return target_ && !clip_.IsEmpty();
 }
@@ -345,10 +345,10 @@ bool GlCanvas::Write(const Box& box, const void* src, unsigned pitch) {
   if (texture_) return texture_->Upload(box, src, pitch);
   if (box.IsEmpty()) return true;
   const auto scratch = GlTexture::Create(device_, box.Width(), box.Height(), state_.format);
-  return scratch && scratch->Upload(scratch->Bounds(), src, pitch) && Copy(box, *scratch, 0, 0);
+  return scratch && scratch->Upload(scratch->Bounds(), src, pitch) && CopyFrom(*scratch, 0, 0, box);
 }
 
-bool GlCanvas::Copy(const Box& box, GlTexture& src, int srcX, int srcY) {
+bool GlCanvas::CopyFrom(GlTexture& src, int srcX, int srcY, const Box& box) {
   static constexpr GlBlend kReplace{};
   const GlTarget* const target = Target();
   if (!target) return false;

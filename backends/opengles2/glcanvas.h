@@ -33,6 +33,8 @@ class GlCanvas {
 
   GlDevice& Device() const { return *device_; }
   const std::shared_ptr<GlDevice>& SharedDevice() const { return device_; }
+  const SurfaceState& State() const { return state_; }
+  Box Bounds() const { return {0, 0, state_.width, state_.height}; }
 
   /// Where drawing goes from now on: a texture of the canvas's own, or a window's framebuffer,
   /// which has to live as long.
@@ -56,8 +58,8 @@ class GlCanvas {
   /// These take boxes inside the surface; rows of `dst` are tight. False after an error line.
   bool Read(const Box& box, void* dst);
   bool Write(const Box& box, const void* src, unsigned pitch);
-  /// `box` is where the pixels from (srcX, srcY) on come to lie.
-  bool Copy(const Box& box, GlTexture& src, int srcX, int srcY);
+  /// Copies the pixels of `src` from (srcX, srcY) on to `box`.
+  bool CopyFrom(GlTexture& src, int srcX, int srcY, const Box& box);
 
   /// A texture with the pixels of `box`; null after an error line.
   std::unique_ptr<GlTexture> Snapshot(const Box& box);

@@ -189,11 +189,11 @@ void GlLayers::Compose(const GlCompositor::Stack& stack) {
   const VuRect all = {0, 0, state_.width, state_.height};
   for (const LayerDescription& description : stack.layers) {
     const Layer* const layer = Find(description.layer);
-    if (!layer || !layer->screen->Canvas().Texture()) continue;
+    if (!layer || !layer->screen->Drawing().Texture()) continue;
     state_.blendEnabled = description.blended;
     ++state_.revision;
     GlScreen& screen = *layer->screen;
-    const Source<GlTexture> source = {screen.Canvas().Texture(), screen.GetScaleMode()};
+    const Source<GlTexture> source = {screen.Drawing().Texture(), screen.GetScaleMode()};
     const VuColor opacity{uint32_t{description.opacity} << 24 | 0x00FFFFFFu};
     canvas_.DrawObject(ToExtent(description.destination, all), source,
                        ToExtent(description.source, screen.GetBounds()), Edges::OnWholePixels, {},

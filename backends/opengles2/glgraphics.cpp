@@ -3,6 +3,7 @@
 #include <utility>
 #include <vector>
 
+#include "opengles2/glbitmap.h"
 #include "opengles2/glscreen.h"
 #include "opengles2/glsources.h"
 
@@ -35,8 +36,8 @@ std::unique_ptr<VuBitmapImpl> GlGraphics::MakeBitmap(Entry entry, int width, int
   if (!texture) return nullptr;
   auto bitmap =
       std::make_unique<GlBitmap>(std::move(entry), width, height, format, device_, sources_);
-  bitmap->Canvas().DrawOn(std::move(texture));
-  if (!bitmap->Canvas().Clear(VuColor{0})) return nullptr;
+  bitmap->Drawing().DrawOn(std::move(texture));
+  if (!bitmap->Drawing().Clear(VuColor{0})) return nullptr;
   return bitmap;
 }
 
@@ -51,7 +52,7 @@ std::unique_ptr<VuBitmapImpl> GlGraphics::MakePicture(Entry entry, int width, in
     return nullptr;
   auto bitmap = std::make_unique<GlBitmap>(std::move(entry), width, height, VuPixelFormat::ARGB8888,
                                            device_, sources_);
-  bitmap->Canvas().DrawOn(std::move(texture));
+  bitmap->Drawing().DrawOn(std::move(texture));
   return bitmap;
 }
 

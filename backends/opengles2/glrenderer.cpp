@@ -21,15 +21,39 @@ bool GlRenderer::BlitBox(VuRect dst, VuBitmapImpl& src, VuRect srcRect, const Ma
 }
 
 bool GlRenderer::Copy(VuPoint at, VuBitmapImpl& src, const VuRect& srcRect) {
-  const CopyPlan plan = PlanCopy(at.x, at.y, All(), srcRect, ToBox(src.GetBounds()));
+  const CopyPlan plan = PlanCopy(at.x, at.y, Bounds(), srcRect, ToBox(src.GetBounds()));
   const Box& box = plan.box;
   GlTexture* const texture = FindSource(*sources_, src, Device()).pixels;
   if (texture && box.IsEmpty()) return true;
-  if (texture && texture != Texture()) return GlCanvas::Copy(box, *texture, plan.srcX, plan.srcY);
+  if (texture && texture != Texture()) return CopyFrom(*texture, plan.srcX, plan.srcY, box);
   const Box part = {plan.srcX, plan.srcY, plan.srcX + box.Width(), plan.srcY + box.Height()};
   SourceCopy copy;
   if (!sources_->CopyPixels(src, part, Device(), copy)) return false;
-  return !copy || GlCanvas::Copy(box, *copy, 0, 0);
+  return !copy || CopyFrom(*copy, 0, 0, box);
+}
+
+bool GlRenderer::Lock(bool) {
+  locked_ =
+      AllocateToDraw<uint8_t>(static_cast<size_t>(Pitch()) * static_cast<size_t>(State().height));
+  return locked_ && Read(Bounds(), locked_.get());
+}
+
+bool GlRenderer::Unlock(bool written) {
+  const std::unique_ptr<uint8_t[]> pixels = std::move(locked_);
+  return !written || Write(Bounds(), pixels.get(), static_cast<unsigned>(Pitch()));
+}
+
+/// Sends what has been drawn, and reports what went wrong with it.
+void GlRenderer::EndFrame(PFNGLFLUSHPROC GlFunctions::*how) {
+  Device().Batch().Flush();
+  const GlScope scope(Device());
+  if (!scope) return;
+  (Device().Gl().*how)();
+  Device().Check("drawing");
+}
+
+void GlRenderer::SetName(const char* name) {
+  if (Texture()) Texture()->SetName(name);
 }
 
 bool GlRenderer::DrawGlyph(const TextLayout::Glyph& glyph, const LineStyle<GlTexture>& style) {
@@ -46,16 +70,5 @@ bool GlRenderer::DrawGlyph(const TextLayout::Glyph& glyph, const LineStyle<GlTex
 }
 
 template class TextDrawing<GlRenderer, GlTexture>;
-
-bool GlRenderer::Lock(bool) {
-  locked_ =
-      AllocateToDraw<uint8_t>(static_cast<size_t>(Pitch()) * static_cast<size_t>(state_.height));
-  return locked_ && Read(All(), locked_.get());
-}
-
-bool GlRenderer::Unlock(bool written) {
-  const std::unique_ptr<uint8_t[]> pixels = std::move(locked_);
-  return !written || Write(All(), pixels.get(), static_cast<unsigned>(Pitch()));
-}
 
 }  // namespace ZIRK::backends

@@ -10,34 +10,60 @@
 
 namespace ZIRK::backends {
 
-/// Draws by OpenGL, for DrawnSurface.
+/// Draws by OpenGL. Sources and masks are other surfaces drawn by it, also those of other contexts
+/// of this plug-in, and what its TextureSources know. surface/renderer.h says what the operations
+/// mean.
 class GlRenderer : public GlCanvas, public TextDrawing<GlRenderer, GlTexture> {
  public:
-  using Pixels = GlTexture;
-  using SourceCopy = std::unique_ptr<GlTexture>;
-
   GlRenderer(const SurfaceState& state, std::shared_ptr<GlDevice> device,
              std::shared_ptr<TextureSources> sources)
-      : GlCanvas(std::move(device), state), state_(state), sources_(std::move(sources)) {}
+      : GlCanvas(std::move(device), state), sources_(std::move(sources)) {}
 
+  // --- Reading ---
+
+  using Pixels = GlTexture;
+  using SourceCopy = std::unique_ptr<GlTexture>;
   bool Resolve(VuBitmapImpl& surface, Extent* part, Source& source, SourceCopy& copy);
+
+  // --- Drawing ---
+
+  using GlCanvas::FillBox;
   bool BlitBox(VuRect dst, VuBitmapImpl& src, VuRect srcRect, const MatrixF& m, VuColor color);
+  using GlCanvas::DrawLine;
+  using GlCanvas::DrawObject;
+  using GlCanvas::DrawPoint;
+  using GlCanvas::DrawRect;
+  using TextDrawing::DrawText;
+
+  // --- Pixels ---
+
+  using GlCanvas::Clear;
+  using GlCanvas::Read;
+  using GlCanvas::Write;
   bool Copy(VuPoint at, VuBitmapImpl& src, const VuRect& srcRect);
 
-  // For TextDrawing.
-  GlyphAtlasAllocator& Atlases() const { return sources_->Atlases(); }
-  bool DrawGlyph(const TextLayout::Glyph& glyph, const LineStyle<GlTexture>& style);
+  // --- Locking ---
 
-  /// The pixels are a copy while they are locked.
+  // The pixels are a copy while they are locked.
   bool Lock(bool write);
   bool Unlock(bool written);
   void* LockedPixels() const { return locked_.get(); }
-  int Pitch() const { return state_.width * BytesPerPixel(state_.format); }
+  int Pitch() const { return State().width * BytesPerPixel(State().format); }
+
+  // --- The whole surface ---
+
+  void Finish() { EndFrame(&GlFunctions::Finish); }
+  void Flush() { EndFrame(&GlFunctions::Flush); }
+  void SetName(const char* name);
+  bool IsTextureBacked() const { return Texture() != nullptr; }
 
  private:
-  Box All() const { return {0, 0, state_.width, state_.height}; }
+  friend class TextDrawing<GlRenderer, GlTexture>;
+  GlyphAtlasAllocator& Atlases() const { return sources_->Atlases(); }
+  bool DrawGlyph(const TextLayout::Glyph& glyph, const LineStyle<GlTexture>& style);
 
-  const SurfaceState& state_;
+  void EndFrame(PFNGLFLUSHPROC GlFunctions::*how);
+
   const std::shared_ptr<TextureSources> sources_;
   std::unique_ptr<uint8_t[]> locked_;
 };

@@ -95,8 +95,8 @@ void GlWindow::Present(bool vsync) {
 GlScreen::GlScreen(std::unique_ptr<SurfaceLedger::Entry> entry,
                    const VuScreenDescription& description, std::shared_ptr<GlDevice> device,
                    std::shared_ptr<TextureSources> sources)
-    : GlSurface(std::move(entry), description.width, description.height, description.format, device,
-                std::move(sources)),
+    : Surface(std::move(entry), description.width, description.height, description.format, device,
+              std::move(sources)),
       Presenter(description.buffers < 2),
       index_(description.index),
       layers_(GlLayers::Of(device)) {}
@@ -110,7 +110,7 @@ std::unique_ptr<GlScreen> GlScreen::Open(std::unique_ptr<SurfaceLedger::Entry> e
   const bool composing = GlCompositor::Current().composing;
   screen->ownsWindow_ = screen->index_ == 0 || !composing;
   if (!(composing ? screen->BecomeLayer() : screen->BecomeWindow())) return nullptr;
-  if (!screen->Canvas().Clear(VuColor{0})) return nullptr;
+  if (!screen->Drawing().Clear(VuColor{0})) return nullptr;
   screen->layers_->Add(*screen);
   return screen;
 }
@@ -121,18 +121,18 @@ GlScreen::~GlScreen() {
 
 /// Moves between a window and the layers, with the picture.
 bool GlScreen::Move(bool toLayers) {
-  const auto frame = Canvas().Snapshot(All());
+  const auto frame = Drawing().Snapshot(Drawing().Bounds());
   if (!frame || !(toLayers ? BecomeLayer() : BecomeWindow())) return false;
-  // Copying does not write alpha if the format has none.
-  if (!Canvas().Clear(VuColor{0})) return false;
-  return Canvas().Copy(All(), *frame, 0, 0);
+  // Copying leaves alpha alone where the format has none.
+  if (!Drawing().Clear(VuColor{0})) return false;
+  return Drawing().CopyFrom(*frame, 0, 0, Drawing().Bounds());
 }
 
 bool GlScreen::BecomeLayer() {
   auto texture =
-      GlTexture::Create(Canvas().SharedDevice(), state_.width, state_.height, state_.format);
+      GlTexture::Create(Drawing().SharedDevice(), State().width, State().height, State().format);
   if (!texture) return false;
-  Canvas().DrawOn(std::move(texture));
+  Drawing().DrawOn(std::move(texture));
   if (index_ == 0 && window_) layers_->SetDisplay(std::move(window_));
   window_.reset();
   return true;
@@ -140,22 +140,22 @@ bool GlScreen::BecomeLayer() {
 
 bool GlScreen::BecomeWindow() {
   if (!window_ && index_ == 0) window_ = layers_->TakeDisplay();
-  const bool fits = window_ && window_->Target().width == state_.width &&
-                    window_->Target().height == state_.height;
+  const bool fits = window_ && window_->Target().width == State().width &&
+                    window_->Target().height == State().height;
   if (!fits) {
     window_.reset();
-    window_ = GlWindow::Open(Canvas().SharedDevice(), state_.width, state_.height, index_);
+    window_ = GlWindow::Open(Drawing().SharedDevice(), State().width, State().height, index_);
   }
   if (!window_) return false;
-  window_->KeepAlpha(!PixelLayoutOf(state_.format).HasAlpha());
-  Canvas().DrawOn(&window_->Target());
+  window_->KeepAlpha(!PixelLayoutOf(State().format).HasAlpha());
+  Drawing().DrawOn(&window_->Target());
   return true;
 }
 
 void GlScreen::Present() {
   const GlCompositor::Stack stack = GlCompositor::Current();
   if (!stack.composing) layers_->StopComposing();
-  const bool isLayer = Canvas().Texture() != nullptr;
+  const bool isLayer = Drawing().Texture() != nullptr;
   const bool becomesLayer = stack.composing || !ownsWindow_;
   if (isLayer != becomesLayer && !Move(becomesLayer)) return;
   if (stack.composing)

@@ -1,13 +1,15 @@
 #pragma once
 
+#include <zirk/impl/vuscreenimpl.h>
 #include <zirk/vuscreendescription.h>
 
 #include <memory>
 #include <utility>
 
 #include "opengles2/gldevice.h"
-#include "opengles2/glsurface.h"
+#include "opengles2/glrenderer.h"
 #include "surface/presenter.h"
+#include "surface/surface.h"
 
 namespace ZIRK::backends {
 
@@ -41,7 +43,7 @@ class GlWindow {
 
 /// A screen: a window, or all of a display if there is no window system. While there is a
 /// compositor it is a texture, and one of the compositor's layers.
-class GlScreen final : public GlSurface<VuScreenImpl>, private Presenter {
+class GlScreen final : public Surface<VuScreenImpl, GlRenderer>, private Presenter {
  public:
   /// Null after one error line.
   static std::unique_ptr<GlScreen> Open(std::unique_ptr<SurfaceLedger::Entry> entry,
@@ -52,18 +54,18 @@ class GlScreen final : public GlSurface<VuScreenImpl>, private Presenter {
 
   int Index() const { return index_; }
   /// A number that changes whenever the layer is drawn on; 0 while the screen is no layer.
-  unsigned Frame() { return Canvas().Texture() ? Canvas().Texture()->AsTarget()->changes : 0; }
+  unsigned Frame() { return Drawing().Texture() ? Drawing().Texture()->AsTarget()->changes : 0; }
 
   /// Makes the screen a layer, if it is none yet, with its present picture. False after an error
   /// line.
-  bool EnterLayers() { return Canvas().Texture() || Move(true); }
+  bool EnterLayers() { return Drawing().Texture() || Move(true); }
 
   void SwapBuffers() override { Swap(); }
   void Finish() override {
-    if (!ShowIfSingleBuffered()) GlSurface::Finish();
+    if (!ShowIfSingleBuffered()) Surface::Finish();
   }
   void Flush() override {
-    if (!ShowIfSingleBuffered()) GlSurface::Flush();
+    if (!ShowIfSingleBuffered()) Surface::Flush();
   }
 
  private:

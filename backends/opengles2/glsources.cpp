@@ -1,6 +1,6 @@
 #include "opengles2/glsources.h"
 
-#include "opengles2/glsurface.h"
+#include "opengles2/glbitmap.h"
 
 namespace ZIRK::backends {
 
@@ -11,7 +11,7 @@ std::unique_ptr<VuBitmapImpl> GlSources::MakeBitmap(Entry entry, int width, int 
   auto bitmap =
       std::make_unique<GlBitmap>(std::move(entry), width, height, format, device_,
                                  std::shared_ptr<TextureSources>(shared_from_this(), this));
-  bitmap->Canvas().DrawOn(std::move(texture));
+  bitmap->Drawing().DrawOn(std::move(texture));
   return bitmap;
 }
 

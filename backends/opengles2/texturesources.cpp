@@ -2,6 +2,7 @@
 
 #include <zirk/impl/log.h>
 
+#include "opengles2/glbitmap.h"
 #include "opengles2/glscreen.h"
 #include "surface/ownsurface.h"
 
@@ -10,14 +11,14 @@ namespace ZIRK::backends {
 Source<GlTexture> FindSource(TextureSources& sources, VuBitmapImpl& surface, GlDevice& device) {
   // Nearly always a bitmap, which is quickly found out.
   if (auto* const bitmap = AsOwn<GlBitmap>(&surface))
-    return {TextureOf(&bitmap->Canvas(), device), bitmap->GetScaleMode()};
+    return {TextureOf(&bitmap->Drawing(), device), bitmap->GetScaleMode()};
   return {sources.TextureOf(surface, device), surface.GetScaleMode()};
 }
 
 GlCanvas* FindCanvas(VuBitmapImpl& surface) {
-  if (auto* const bitmap = AsOwn<GlBitmap>(&surface)) return &bitmap->Canvas();
+  if (auto* const bitmap = AsOwn<GlBitmap>(&surface)) return &bitmap->Drawing();
   auto* const screen = AsOwn<GlScreen>(&surface);
-  return screen ? &screen->Canvas() : nullptr;
+  return screen ? &screen->Drawing() : nullptr;
 }
 
 GlTexture* TextureOf(GlCanvas* canvas, const GlDevice& device) {

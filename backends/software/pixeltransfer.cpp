@@ -33,25 +33,19 @@ void ConvertRow(PixelBuffer& dst, int dstX, int dstY, const PixelBuffer& src, in
 
 }  // namespace
 
-bool GetPixels(const PixelBuffer& pixels, const VuRect& rect, void* dst) {
-  if (!dst || !IsInside(rect, pixels.Width(), pixels.Height())) return false;
-  const Box box = ToBox(rect);
+void ReadPixels(const PixelBuffer& pixels, const Box& box, void* dst) {
   const size_t bytes = RowBytes(pixels, box.Width());
   auto* out = static_cast<uint8_t*>(dst);
   for (int y = box.y0; y < box.y1; ++y, out += bytes)
     std::memcpy(out, pixels.Row(y) + ByteOffset(pixels, box.x0), bytes);
-  return true;
 }
 
-bool SetPixels(PixelBuffer& pixels, const VuRect& rect, const void* src, unsigned pitch) {
-  if (!src || !IsInside(rect, pixels.Width(), pixels.Height())) return false;
-  const Box box = ToBox(rect);
+void WritePixels(PixelBuffer& pixels, const Box& box, const void* src, unsigned pitch) {
   const size_t bytes = RowBytes(pixels, box.Width());
   const auto* in = static_cast<const uint8_t*>(src);
   for (int y = box.y0; y < box.y1; ++y, in += pitch)
     std::memcpy(pixels.Row(y) + ByteOffset(pixels, box.x0), in, bytes);
   pixels.RestoreOpaqueBits(box);
-  return true;
 }
 
 Box CopyPixels(PixelBuffer& dst, VuPoint at, const PixelBuffer& src, const VuRect& srcRect) {

@@ -8,10 +8,14 @@
 
 namespace ZIRK::backends {
 
-/// What VuBitmap's operations of the same names do. Neither clipping nor blending applies.
-bool GetPixels(const PixelBuffer& pixels, const VuRect& rect, void* dst);
-bool SetPixels(PixelBuffer& pixels, const VuRect& rect, const void* src, unsigned pitch);
-/// Returns the pixels that were written.
+// Neither clipping nor blending applies.
+
+/// Reads `box`, which lies on the surface, as tight rows.
+void ReadPixels(const PixelBuffer& pixels, const Box& box, void* dst);
+/// Writes `box`, which lies on the surface, from rows `pitch` bytes apart.
+void WritePixels(PixelBuffer& pixels, const Box& box, const void* src, unsigned pitch);
+/// Copies `srcRect` of one surface, or of the same, to `at`, as far as both surfaces reach. Returns
+/// the pixels that were written.
 Box CopyPixels(PixelBuffer& dst, VuPoint at, const PixelBuffer& src, const VuRect& srcRect);
 
 /// Sets every pixel.

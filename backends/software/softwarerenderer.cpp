@@ -24,7 +24,7 @@ std::optional<PixelBuffer> CopyOf(const PixelBuffer& pixels, const Box& part) {
 Source<const PixelBuffer> FindSource(PixelSources& sources, VuBitmapImpl& surface) {
   // Nearly always a bitmap, which is quickly found out.
   if (const auto* bitmap = AsOwn<SoftwareBitmap>(&surface))
-    return {&bitmap->Pixels(), bitmap->GetScaleMode()};
+    return {&bitmap->Drawing().Buffer(), bitmap->GetScaleMode()};
   return {sources.PixelsOf(surface), surface.GetScaleMode()};
 }
 
@@ -44,8 +44,47 @@ bool SoftwareRenderer::Resolve(VuBitmapImpl& surface, Extent* rect, Source& sour
 bool SoftwareRenderer::BlitBox(const VuRect& dst, VuBitmapImpl& src, const VuRect& srcRect,
                                const MatrixF& m, VuColor color) {
   const auto* const bitmap = AsOwn<SoftwareBitmap>(&src);
-  if (!bitmap || &bitmap->Pixels() == &pixels_) return false;
-  return Painter::BlitBox(dst, {&bitmap->Pixels(), VuScaleMode::Nearest}, srcRect, m, color);
+  if (!bitmap || &bitmap->Drawing().Buffer() == &pixels_) return false;
+  return Painter::BlitBox(dst, {&bitmap->Drawing().Buffer(), VuScaleMode::Nearest}, srcRect, m,
+                          color);
+}
+
+bool SoftwareRenderer::Clear(VuColor color) {
+  ClearPixels(pixels_, color);
+  Touch(pixels_.Bounds());
+  return true;
+}
+
+bool SoftwareRenderer::Read(const Box& box, void* dst) const {
+  ReadPixels(pixels_, box, dst);
+  return true;
+}
+
+bool SoftwareRenderer::Write(const Box& box, const void* src, unsigned pitch) {
+  WritePixels(pixels_, box, src, pitch);
+  Touch(box);
+  return true;
+}
+
+bool SoftwareRenderer::Copy(VuPoint at, VuBitmapImpl& src, const VuRect& srcRect) {
+  if (const PixelBuffer* const pixels = FindSource(*sources_, src).pixels) {
+    Touch(backends::CopyPixels(pixels_, at, *pixels, srcRect));
+    return true;
+  }
+  const CopyPlan plan = PlanCopy(at.x, at.y, pixels_.Bounds(), srcRect, ToBox(src.GetBounds()));
+  const Box& to = plan.box;
+  std::optional<PixelBuffer> copy;
+  const Box part = {plan.srcX, plan.srcY, plan.srcX + to.Width(), plan.srcY + to.Height()};
+  if (!sources_->CopyPixels(src, part, copy)) return false;
+  if (copy) Touch(backends::CopyPixels(pixels_, {to.x0, to.y0}, *copy, ToRect(copy->Bounds())));
+  return true;
+}
+
+bool SoftwareRenderer::Unlock(bool written) {
+  if (!written) return true;
+  pixels_.RestoreOpaqueBits(pixels_.Bounds());
+  Touch(pixels_.Bounds());
+  return true;
 }
 
 bool SoftwareRenderer::DrawGlyph(const TextLayout::Glyph& glyph, const LineStyle<Pixels>& style) {
@@ -74,19 +113,5 @@ bool SoftwareRenderer::DrawGlyph(const TextLayout::Glyph& glyph, const LineStyle
 }
 
 template class TextDrawing<SoftwareRenderer, const PixelBuffer>;
-
-bool SoftwareRenderer::Copy(VuPoint at, VuBitmapImpl& src, const VuRect& srcRect) {
-  if (const PixelBuffer* const pixels = FindSource(*sources_, src).pixels) {
-    Touch(backends::CopyPixels(pixels_, at, *pixels, srcRect));
-    return true;
-  }
-  const CopyPlan plan = PlanCopy(at.x, at.y, pixels_.Bounds(), srcRect, ToBox(src.GetBounds()));
-  const Box& to = plan.box;
-  std::optional<PixelBuffer> copy;
-  const Box part = {plan.srcX, plan.srcY, plan.srcX + to.Width(), plan.srcY + to.Height()};
-  if (!sources_->CopyPixels(src, part, copy)) return false;
-  if (copy) Touch(backends::CopyPixels(pixels_, {to.x0, to.y0}, *copy, ToRect(copy->Bounds())));
-  return true;
-}
 
 }  // namespace ZIRK::backends

@@ -10,7 +10,6 @@
 #include "software/pixelbuffer.h"
 #include "software/pixelsources.h"
 #include "software/pixeltransfer.h"
-#include "surface/ownsurface.h"
 #include "text/textdrawing.h"
 
 namespace ZIRK::backends {
@@ -23,14 +22,12 @@ struct OwnPixels {
   PixelBuffer pixels_;
 };
 
-/// Draws on pixels in memory, for DrawnSurface.
+/// Draws on pixels in memory by the processor. Sources and masks are what its PixelSources know.
+/// surface/renderer.h says what the operations mean.
 class SoftwareRenderer : private OwnPixels,
-                         public Painter,
+                         private Painter,
                          public TextDrawing<SoftwareRenderer, const PixelBuffer> {
  public:
-  using Pixels = const PixelBuffer;
-  using SourceCopy = std::optional<PixelBuffer>;
-
   SoftwareRenderer(const SurfaceState& state, std::shared_ptr<PixelSources> sources,
                    PixelBuffer::Contents contents = PixelBuffer::Contents::Clear)
       : OwnPixels{PixelBuffer(state.width, state.height, state.format, contents)},
@@ -39,38 +36,52 @@ class SoftwareRenderer : private OwnPixels,
 
   PixelBuffer& Buffer() { return pixels_; }
   const PixelBuffer& Buffer() const { return pixels_; }
+  using Painter::TakeTouched;
+  using Painter::Touched;
 
+  // --- Reading ---
+
+  using Pixels = const PixelBuffer;
+  using SourceCopy = std::optional<PixelBuffer>;
   bool Resolve(VuBitmapImpl& surface, Extent* part, Source& source, SourceCopy& copy) const;
+
+  // --- Drawing ---
+
+  using Painter::FillBox;
   bool BlitBox(const VuRect& dst, VuBitmapImpl& src, const VuRect& srcRect, const MatrixF& m,
                VuColor color);
+  using Painter::DrawLine;
+  using Painter::DrawObject;
+  using Painter::DrawPoint;
+  using Painter::DrawRect;
+  using TextDrawing::DrawText;
 
-  // For TextDrawing.
-  GlyphAtlasAllocator& Atlases() const { return sources_->Atlases(); }
-  bool DrawGlyph(const TextLayout::Glyph& glyph, const LineStyle<Pixels>& style);
+  // --- Pixels ---
 
-  bool Clear(VuColor color) {
-    ClearPixels(pixels_, color);
-    Touch(pixels_.Bounds());
-    return true;
-  }
-  bool Read(const Box& box, void* dst) const { return GetPixels(pixels_, ToRect(box), dst); }
-  bool Write(const Box& box, const void* src, unsigned pitch) {
-    Touch(box);
-    return SetPixels(pixels_, ToRect(box), src, pitch);
-  }
+  bool Clear(VuColor color);
+  bool Read(const Box& box, void* dst) const;
+  bool Write(const Box& box, const void* src, unsigned pitch);
   bool Copy(VuPoint at, VuBitmapImpl& src, const VuRect& srcRect);
 
-  bool Lock(bool) { return true; }
-  bool Unlock(bool written) {
-    if (!written) return true;
-    pixels_.RestoreOpaqueBits(pixels_.Bounds());
-    Touch(pixels_.Bounds());
-    return true;
-  }
+  // --- Locking ---
+
+  bool Lock(bool /*write*/) { return true; }
+  bool Unlock(bool written);
   void* LockedPixels() const { return const_cast<uint8_t*>(pixels_.Row(0)); }
   int Pitch() const { return pixels_.Pitch(); }
 
+  // --- The whole surface ---
+
+  void Finish() {}
+  void Flush() {}
+  void SetName(const char* /*name*/) {}
+  bool IsTextureBacked() const { return false; }
+
  private:
+  friend class TextDrawing<SoftwareRenderer, const PixelBuffer>;
+  GlyphAtlasAllocator& Atlases() const { return sources_->Atlases(); }
+  bool DrawGlyph(const TextLayout::Glyph& glyph, const LineStyle<Pixels>& style);
+
   const std::shared_ptr<PixelSources> sources_;
 };
 

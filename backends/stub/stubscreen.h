@@ -3,13 +3,15 @@
 #include <zirk/impl/vuscreenimpl.h>
 #include <zirk/vuperfcounter.h>
 
-#include "stub/stubbitmap.h"
+#include "stub/stubrenderer.h"
+#include "surface/surface.h"
 
 namespace ZIRK::backends {
 
-class StubScreen final : public StubSurface<VuScreenImpl> {
+/// A screen that shows nothing, and counts frames.
+class StubScreen final : public Surface<VuScreenImpl, StubRenderer> {
  public:
-  using StubSurface<VuScreenImpl>::StubSurface;
+  using Surface::Surface;
 
   void SwapBuffers() override {
     if (LogFPS) ShowFPS();

@@ -1,0 +1,245 @@
+#pragma once
+
+#include <zirk/impl/vubitmapimpl.h>
+
+#include <memory>
+#include <utility>
+
+#include "geometry/placement.h"
+#include "geometry/surfaceformat.h"
+#include "surface/drawtimer.h"
+#include "surface/operands.h"
+#include "surface/ownsurface.h"
+#include "surface/renderer.h"
+#include "surface/surfaceledger.h"
+#include "surface/surfacestate.h"
+
+namespace ZIRK::backends {
+
+/// What all surfaces do alike, on top of `Base`, which is VuBitmapImpl for a bitmap and
+/// VuScreenImpl for a screen: it keeps the state, turns arguments into a renderer's, finds the
+/// surfaces that an operation reads, keeps count of locks and takes the time. `Renderer` does the
+/// rest.
+template <class Base, SurfaceRenderer Renderer>
+class Surface : public Base {
+ public:
+  /// `entry` is the surface's place in its context's ledger, not null. `arguments` are those that
+  /// the renderer takes after the state.
+  template <typename... Arguments>
+  Surface(std::unique_ptr<SurfaceLedger::Entry> entry, int width, int height, VuPixelFormat format,
+          Arguments&&... arguments)
+      : state_{width, height, format},
+        entry_(std::move(entry)),
+        renderer_(state_, std::forward<Arguments>(arguments)...) {}
+
+  Renderer& Drawing() { return renderer_; }
+  const Renderer& Drawing() const { return renderer_; }
+
+  // --- State ---
+
+  void SetName(const char* name) final {
+    entry_->Rename(name);
+    renderer_.SetName(name);
+  }
+  VuBitmapInfo GetInfo() const final {
+    void* const pixels = lock_ == Locked::No ? nullptr : renderer_.LockedPixels();
+    return {state_.width, state_.height, state_.format, renderer_.Pitch(), pixels};
+  }
+  uint32_t GetSize() const final {
+    return SurfaceBytes(state_.width, state_.height, state_.format);
+  }
+  VuRect GetBounds() const final { return {0, 0, state_.width, state_.height}; }
+  VuRect GetClippingRect() const final { return state_.clip; }
+  void SetClippingRect(VuRect rect) final { Change(state_.clip, rect); }
+  void GetBlendingFunc(VuBlendingFactor& src, VuBlendingFactor& dst) const final {
+    src = state_.factors.srcColor;
+    dst = state_.factors.dstColor;
+  }
+  void SetBlendingFunc(VuBlendingFactor src, VuBlendingFactor dst) final {
+    Change(state_.factors, {src, dst, src, dst});
+  }
+  void SetBlendingFunc(VuBlendingFactor srcColor, VuBlendingFactor dstColor,
+                       VuBlendingFactor srcAlpha, VuBlendingFactor dstAlpha) final {
+    Change(state_.factors, {srcColor, dstColor, srcAlpha, dstAlpha});
+  }
+  bool GetBlendEnabled() const final { return state_.blendEnabled; }
+  void SetBlendEnabled(bool enabled) final { Change(state_.blendEnabled, enabled); }
+  VuColor GetBlendColor() const final { return state_.blendColor; }
+  void SetBlendColor(VuColor color) final { Change(state_.blendColor, color); }
+  VuScaleMode GetScaleMode() const final { return state_.scaleMode; }
+  void SetScaleMode(VuScaleMode mode) final { Change(state_.scaleMode, mode); }
+  bool IsTextureBacked() const override { return renderer_.IsTextureBacked(); }
+
+  // --- Drawing by a transform, which is drawing by the matrix made from it ---
+
+  void DrawPoint(VuPoint p, float size, VuColor color, VuTransform t, VuBitmapImpl* mask,
+                 VuTVector2D<float> maskCoord) final {
+    DrawPoint(p, size, color, MatrixF(t), mask, maskCoord);
+  }
+  void DrawLine(VuPoint from, VuPoint to, VuColor color, VuTransform t, VuBitmapImpl* mask,
+                VuTVector2D<float>* maskCoords) final {
+    DrawLine(from, to, color, MatrixF(t), mask, maskCoords);
+  }
+  void DrawRect(VuRect rect, VuColor color, VuTransform t, VuBitmapImpl* mask,
+                VuTVector2D<float>* maskCoords) final {
+    if (IsIdentity(t)) return DrawRect(rect, color, kIdentity, mask, maskCoords);
+    DrawRect(rect, color, MatrixF(t), mask, maskCoords);
+  }
+  void DrawObject(VuRect dst, VuBitmapImpl* src, VuRect srcRect, VuTransform t, VuColor color,
+                  VuBitmapImpl* mask, VuTVector2D<float>* maskCoords) final {
+    if (IsIdentity(t)) return DrawObject(dst, src, srcRect, kIdentity, color, mask, maskCoords);
+    DrawObject(dst, src, srcRect, MatrixF(t), color, mask, maskCoords);
+  }
+  void DrawText(VuFontImpl* font, const char* text, VuPoint pos, VuColor color, VuTransform t,
+                VuBitmapImpl* mask, VuTVector2D<float>* maskCoords, VuRect rect) final {
+    DrawText(font, text, pos, color, MatrixF(t), mask, maskCoords, rect);
+  }
+
+  // --- Drawing by a matrix ---
+
+  void DrawPoint(VuPoint p, float size, VuColor color, MatrixF m, VuBitmapImpl* mask,
+                 VuTVector2D<float> maskCoord) final {
+    const DrawTimer timer = DrawTimer::Drawing();
+    const GivenMask given(renderer_, mask, &maskCoord);
+    if (given) renderer_.DrawPoint(p, size, color, m, given.OrNull());
+  }
+  void DrawLine(VuPoint from, VuPoint to, VuColor color, MatrixF m, VuBitmapImpl* mask,
+                VuTVector2D<float>* maskCoords) final {
+    const DrawTimer timer = DrawTimer::Drawing();
+    const GivenMask given(renderer_, mask, maskCoords);
+    if (given) renderer_.DrawLine(from, to, color, m, given.OrNull());
+  }
+  void DrawRect(VuRect rect, VuColor color, MatrixF m, VuBitmapImpl* mask,
+                VuTVector2D<float>* maskCoords) final {
+    const DrawTimer timer = DrawTimer::Drawing();
+    if (!mask && m.isIdentity() && renderer_.FillBox(rect, color)) return;
+    const GivenMask given(renderer_, mask, maskCoords);
+    if (given) renderer_.DrawRect(ToExtent(rect), color, m, given.OrNull());
+  }
+  void DrawObject(VuRect dst, VuBitmapImpl* src, VuRect srcRect, MatrixF m, VuColor color,
+                  VuBitmapImpl* mask, VuTVector2D<float>* maskCoords) final {
+    if (!src) return;
+    const DrawTimer timer = DrawTimer::Drawing();
+    if (!mask && renderer_.BlitBox(dst, *src, srcRect, m, color)) return;
+    DrawSource(ToExtent(dst), *src, ToExtent(srcRect), Edges::OnWholePixels, m, color, mask,
+               maskCoords);
+  }
+  void DrawObject(VuTRect2D<float> dst, VuBitmapImpl* src, VuTRect2D<float> srcRect, MatrixF m,
+                  VuColor color, VuBitmapImpl* mask, VuTVector2D<float>* maskCoords) final {
+    if (!src) return;
+    const DrawTimer timer = DrawTimer::Drawing();
+    DrawSource(ToExtent(dst), *src, ToExtent(srcRect), Edges::SubPixel, m, color, mask, maskCoords);
+  }
+  void DrawText(VuFontImpl* font, const char* text, VuPoint pos, VuColor color, MatrixF m,
+                VuBitmapImpl* mask, VuTVector2D<float>* maskCoords, VuRect rect) final {
+    const DrawTimer timer = DrawTimer::Drawing();
+    const GivenMask given(renderer_, mask, maskCoords);
+    if (given) renderer_.DrawText({font, text, pos, rect}, color, m, given.OrNull());
+  }
+
+  // --- Pixels ---
+
+  void Clear() final { Clear(VuColor{0}); }
+  void Clear(VuColor color) final {
+    const DrawTimer timer = DrawTimer::Drawing();
+    renderer_.Clear(color);
+  }
+  bool GetPixels(VuRect rect, void* dst) final {
+    if (!dst || !IsInside(rect, state_.width, state_.height)) return false;
+    const DrawTimer timer = DrawTimer::Drawing();
+    return renderer_.Read(ToBox(rect), dst);
+  }
+  bool SetPixels(VuRect rect, const void* src, unsigned int n) final {
+    if (!src || !IsInside(rect, state_.width, state_.height)) return false;
+    const DrawTimer timer = DrawTimer::Drawing();
+    return renderer_.Write(ToBox(rect), src, n);
+  }
+  bool CopyPixels(VuPoint dst, VuBitmapImpl* src, VuRect srcRect) final {
+    const DrawTimer timer = DrawTimer::Drawing();
+    return src ? renderer_.Copy(dst, *src, srcRect) : RefuseSource();
+  }
+
+  // --- Locking ---
+
+  bool Lock(bool write) final {
+    if (lock_ != Locked::No) return false;
+    const DrawTimer timer = DrawTimer::Drawing();
+    if (!renderer_.Lock(write)) return false;
+    lock_ = write ? Locked::ForWriting : Locked::ForReading;
+    return true;
+  }
+  bool Unlock() final {
+    if (lock_ == Locked::No) return false;
+    const DrawTimer timer = DrawTimer::Drawing();
+    return renderer_.Unlock(std::exchange(lock_, Locked::No) == Locked::ForWriting);
+  }
+
+  // --- The end of a frame ---
+
+  void Finish() override {
+    const DrawTimer timer = DrawTimer::Drawing();
+    renderer_.Finish();
+  }
+  void Flush() override {
+    const DrawTimer timer = DrawTimer::Drawing();
+    renderer_.Flush();
+  }
+
+ protected:
+  const SurfaceState& State() const { return state_; }
+
+ private:
+  using Pixels = typename Renderer::Pixels;
+  enum class Locked { No, ForReading, ForWriting };
+
+  // The usual transform is not made into a matrix each time.
+  static inline const MatrixF kIdentity;
+  static bool IsIdentity(const VuTransform& t) {
+    return t.translateX == 0 && t.translateY == 0 && t.scaleX == 1 && t.scaleY == 1 &&
+           t.rotation == 0;
+  }
+
+  /// The mask of an operation as the renderer reads it, if one is given.
+  class GivenMask {
+   public:
+    GivenMask(Renderer& renderer, VuBitmapImpl* surface, const VuTVector2D<float>* coords)
+        : mask_{{}, coords},
+          given_(surface != nullptr),
+          readable_(!surface || renderer.Resolve(*surface, nullptr, mask_.source, copy_)) {}
+
+    /// False if nothing is to be drawn, since the mask cannot be read.
+    explicit operator bool() const { return readable_; }
+    const Mask<Pixels>* OrNull() const { return given_ ? &mask_ : nullptr; }
+
+   private:
+    Mask<Pixels> mask_;
+    typename Renderer::SourceCopy copy_{};
+    const bool given_;
+    const bool readable_;
+  };
+
+  template <typename Field>
+  void Change(Field& field, const Field& value) {
+    field = value;
+    ++state_.revision;
+  }
+
+  // Apart, for the usual cases to need few registers.
+  [[gnu::noinline]] void DrawSource(const Extent& dst, VuBitmapImpl& src, Extent srcRect,
+                                    Edges edges, const MatrixF& m, VuColor color,
+                                    VuBitmapImpl* mask, const VuTVector2D<float>* maskCoords) {
+    const GivenMask given(renderer_, mask, maskCoords);
+    if (!given) return;
+    Source<Pixels> source{};
+    typename Renderer::SourceCopy copy{};
+    if (renderer_.Resolve(src, &srcRect, source, copy))
+      renderer_.DrawObject(dst, source, srcRect, edges, m, color, given.OrNull());
+  }
+
+  SurfaceState state_;
+  const std::unique_ptr<SurfaceLedger::Entry> entry_;
+  Renderer renderer_;
+  Locked lock_ = Locked::No;
+};
+
+}  // namespace ZIRK::backends
