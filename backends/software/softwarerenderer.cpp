@@ -87,15 +87,16 @@ bool SoftwareRenderer::Unlock(bool written) {
   return true;
 }
 
-bool SoftwareRenderer::DrawGlyph(const TextLayout::Glyph& glyph, const LineStyle<Pixels>& style) {
+inline bool SoftwareRenderer::DrawGlyph(const TextLayout::Glyph& glyph,
+                                        const LineStyle<Pixels>& style) {
   const PixelBuffer* const atlas = FindSource(*sources_, *glyph.atlas).pixels;
   if (!atlas) return false;
-  const VuRect &from = glyph.source, &to = glyph.destination;
   if (!style.move) {
-    DrawObject(ToExtent(to), {atlas, VuScaleMode::Bilinear}, ToExtent(from), Edges::OnWholePixels,
-               style.matrix, style.color, style.mask);
+    DrawObject(ToExtent(glyph.destination), {atlas, VuScaleMode::Bilinear}, ToExtent(glyph.source),
+               Edges::OnWholePixels, style.matrix, style.color, style.mask);
     return true;
   }
+  const VuRect &from = glyph.source, &to = glyph.destination;
   const int64_t x = int64_t{to.x} + style.move->x, y = int64_t{to.y} + style.move->y;
   if (!IsNear(x) || !IsNear(y)) return true;
   Refresh();

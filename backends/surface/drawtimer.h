@@ -10,11 +10,11 @@ namespace ZIRK::backends {
 /// Of timers inside one another, in one thread, only the outermost counts.
 class DrawTimer {
  public:
-  static DrawTimer Drawing() { return DrawTimer(LogPerf ? Start(false) : Measurement()); }
-  static DrawTimer Swapping() { return DrawTimer(LogPerf ? Start(true) : Measurement()); }
+  static DrawTimer Drawing() { return DrawTimer(false); }
+  static DrawTimer Swapping() { return DrawTimer(true); }
 
   ~DrawTimer() {
-    if (measured_.thread) Stop(measured_);
+    if (thread_) Stop();
   }
   DrawTimer(const DrawTimer&) = delete;
   DrawTimer& operator=(const DrawTimer&) = delete;
@@ -28,32 +28,32 @@ class DrawTimer {
     // microsecond.
     uint64_t remainders[2];
   };
-  /// Null where nothing is measured.
-  struct Measurement {
-    Thread* thread = nullptr;
-    bool swapping = false;
-    Clock::time_point start{};
-  };
 
-  explicit DrawTimer(const Measurement& measured) : measured_(measured) {}
+  explicit DrawTimer(bool swapping) {
+    if (LogPerf) Start(swapping);
+  }
 
   // Apart: to find out where a thread's own variables lie takes longer than a small operation, and
   // compilers like to do that beforehand.
-  [[gnu::cold, gnu::noinline]] static Measurement Start(bool swapping) {
+  [[gnu::cold, gnu::noinline]] void Start(bool swapping) {
     static thread_local Thread thread = {};
     ++thread.depth;
-    return {&thread, swapping, Clock::now()};
+    thread_ = &thread;
+    swapping_ = swapping;
+    start_ = Clock::now();
   }
-  [[gnu::cold, gnu::noinline]] static void Stop(const Measurement& m) {
-    if (--m.thread->depth > 0) return;
-    const auto spent = std::chrono::nanoseconds(Clock::now() - m.start).count();
-    uint64_t& remainder = m.thread->remainders[m.swapping];
+  [[gnu::cold, gnu::noinline]] void Stop() const {
+    if (--thread_->depth > 0) return;
+    const auto spent = std::chrono::nanoseconds(Clock::now() - start_).count();
+    uint64_t& remainder = thread_->remainders[swapping_];
     remainder += static_cast<uint64_t>(spent);
-    (m.swapping ? swap_time : draw_time) += static_cast<uint32_t>(remainder / 1000);
+    (swapping_ ? swap_time : draw_time) += static_cast<uint32_t>(remainder / 1000);
     remainder %= 1000;
   }
 
-  const Measurement measured_;
+  Thread* thread_ = nullptr;  ///< Null where nothing is measured.
+  bool swapping_;             ///< These two only where something is.
+  Clock::time_point start_;
 };
 
 }  // namespace ZIRK::backends

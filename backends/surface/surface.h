@@ -3,6 +3,7 @@
 #include <zirk/impl/vubitmapimpl.h>
 
 #include <memory>
+#include <optional>
 #include <utility>
 
 #include "geometry/placement.h"
@@ -202,20 +203,28 @@ class Surface : public Base {
   /// The mask of an operation as the renderer reads it, if one is given.
   class GivenMask {
    public:
-    GivenMask(Renderer& renderer, VuBitmapImpl* surface, const VuTVector2D<float>* coords)
-        : mask_{{}, coords},
-          given_(surface != nullptr),
-          readable_(!surface || renderer.Resolve(*surface, nullptr, mask_.source, copy_)) {}
+    GivenMask(Renderer& renderer, VuBitmapImpl* surface, const VuTVector2D<float>* coords) {
+      if (surface) Read(renderer, *surface, coords);
+    }
 
     /// False if nothing is to be drawn, since the mask cannot be read.
     explicit operator bool() const { return readable_; }
-    const Mask<Pixels>* OrNull() const { return given_ ? &mask_ : nullptr; }
+    const Mask<Pixels>* OrNull() const { return read_ ? &read_->mask : nullptr; }
 
    private:
-    Mask<Pixels> mask_;
-    typename Renderer::SourceCopy copy_{};
-    const bool given_;
-    const bool readable_;
+    struct ReadMask {
+      Mask<Pixels> mask;
+      typename Renderer::SourceCopy copy;
+    };
+    // Apart, as most operations have no mask.
+    [[gnu::noinline]] void Read(Renderer& renderer, VuBitmapImpl& surface,
+                                const VuTVector2D<float>* coords) {
+      read_.emplace(ReadMask{{{}, coords}, {}});
+      readable_ = renderer.Resolve(surface, nullptr, read_->mask.source, read_->copy);
+    }
+
+    std::optional<ReadMask> read_;
+    bool readable_ = true;
   };
 
   template <typename Field>
