@@ -26,9 +26,9 @@ std::nullptr_t FailWithoutMemory(int width, int height) {
 
 }  // namespace
 
-GraphicsBase::GraphicsBase(uint64_t memoryLimit) : ledger_(SurfaceLedger::Create(memoryLimit)) {}
+GraphicsBase::GraphicsBase(uint64_t memoryLimit) : budget_(MemoryBudget::Create(memoryLimit)) {}
 
-GraphicsBase::GraphicsBase(std::shared_ptr<SurfaceLedger> ledger) : ledger_(std::move(ledger)) {}
+GraphicsBase::GraphicsBase(std::shared_ptr<MemoryBudget> budget) : budget_(std::move(budget)) {}
 
 VuScreenImpl* GraphicsBase::CreateScreen(bool flag) {
   return CreateScreen(VuScreenDescription{0, 0, 0, 2, VuPixelFormat::ARGB8888, flag});
@@ -42,8 +42,8 @@ VuScreenImpl* GraphicsBase::CreateScreen(const VuScreenDescription& description)
       sized.width = size.width;
       sized.height = size.height;
     }
-    Entry entry = ledger_->Enter(sized.width, sized.height, sized.format);
-    return entry ? MakeScreen(std::move(entry), sized).release() : nullptr;
+    Reservation reservation = budget_->Reserve(sized.width, sized.height, sized.format);
+    return reservation ? MakeScreen(std::move(reservation), sized).release() : nullptr;
   } catch (const std::bad_alloc&) {
     return FailWithoutMemory(sized.width, sized.height);
   }
@@ -51,8 +51,9 @@ VuScreenImpl* GraphicsBase::CreateScreen(const VuScreenDescription& description)
 
 VuBitmapImpl* GraphicsBase::CreateBitmap(int width, int height, VuPixelFormat format) {
   try {
-    Entry entry = ledger_->Enter(width, height, format);
-    return entry ? MakeBitmap(std::move(entry), width, height, format).release() : nullptr;
+    Reservation reservation = budget_->Reserve(width, height, format);
+    return reservation ? MakeBitmap(std::move(reservation), width, height, format).release()
+                       : nullptr;
   } catch (const std::bad_alloc&) {
     return FailWithoutMemory(width, height);
   }
@@ -83,30 +84,32 @@ VuBitmapImpl* GraphicsBase::CreatePicture(std::unique_ptr<Image> image, const Fi
   if (!size) return nullptr;
   // Scaling may need the whole picture in memory; some formats cannot be decoded row by row.
   const ImageSize own = image->Size();
-  if (SurfaceBytes(own.width, own.height, kPictureFormat) > ledger_->Total()) {
+  if (SurfaceBytes(own.width, own.height, kPictureFormat) > budget_->Total()) {
     ZIRK_LOG_ERROR("%s: %d x %d pixels are more than memory allows", image->Name().c_str(),
                    own.width, own.height);
     return nullptr;
   }
   try {
-    Entry entry = ledger_->Enter(size->width, size->height, kPictureFormat, image->Name().c_str());
-    if (!entry) return nullptr;
-    return MakePicture(std::move(entry), size->width, size->height, *image, scaleMode).release();
+    Reservation reservation =
+        budget_->Reserve(size->width, size->height, kPictureFormat, image->Name().c_str());
+    if (!reservation) return nullptr;
+    return MakePicture(std::move(reservation), size->width, size->height, *image, scaleMode)
+        .release();
   } catch (const std::bad_alloc&) {
     return FailWithoutMemory(size->width, size->height);
   }
 }
 
 void GraphicsBase::PrintBitmapList(unsigned key, std::ostream& os) {
-  ledger_->Print(key, os);
+  budget_->Print(key, os);
 }
 
 unsigned GraphicsBase::AvailableMemory() const {
-  return ledger_->Available();
+  return budget_->Available();
 }
 
 unsigned GraphicsBase::TotalMemory() const {
-  return ledger_->Total();
+  return budget_->Total();
 }
 
 unsigned GraphicsBase::BitmapSize(int width, int height, VuPixelFormat format) const {

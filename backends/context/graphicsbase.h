@@ -6,7 +6,7 @@
 #include <optional>
 
 #include "images/image.h"
-#include "surface/surfaceledger.h"
+#include "surface/memorybudget.h"
 
 namespace ZIRK::backends {
 
@@ -15,9 +15,9 @@ namespace ZIRK::backends {
 class GraphicsBase : public VuGraphicsImpl {
  public:
   /// `memoryLimit` is the number of bytes for all surfaces together.
-  explicit GraphicsBase(uint64_t memoryLimit = SurfaceLedger::QuarterOfMachineMemory());
+  explicit GraphicsBase(uint64_t memoryLimit = MemoryBudget::QuarterOfMachineMemory());
   /// Shares the limit and the list of surfaces with another context.
-  explicit GraphicsBase(std::shared_ptr<SurfaceLedger> ledger);
+  explicit GraphicsBase(std::shared_ptr<MemoryBudget> budget);
 
   // Creating surfaces.
 
@@ -59,27 +59,27 @@ class GraphicsBase : public VuGraphicsImpl {
   int GetMaxTextureSize() const override;
 
  protected:
-  using Entry = std::unique_ptr<SurfaceLedger::Entry>;
+  using Reservation = std::unique_ptr<MemoryBudget::Reservation>;
 
   /// The size of the display `index`; no value, as unless overridden, if there is none or it is
   /// unknown.
   virtual std::optional<ImageSize> DeviceSize(int index) const;
 
-  // What a backend makes. Each surface holds `entry` as long as it lives. These return null after
-  // an error line; if one throws std::bad_alloc, the caller logs the line and returns null.
+  // What a backend makes. Each surface holds `reservation` as long as it lives. These return null
+  // after an error line; if one throws std::bad_alloc, the caller logs the line and returns null.
 
   /// A screen. `description` has a size and a format that a surface can have.
-  virtual std::unique_ptr<VuScreenImpl> MakeScreen(Entry entry,
+  virtual std::unique_ptr<VuScreenImpl> MakeScreen(Reservation reservation,
                                                    const VuScreenDescription& description) = 0;
   /// A bitmap with nothing drawn on it.
-  virtual std::unique_ptr<VuBitmapImpl> MakeBitmap(Entry entry, int width, int height,
+  virtual std::unique_ptr<VuBitmapImpl> MakeBitmap(Reservation reservation, int width, int height,
                                                    VuPixelFormat format) = 0;
   /// An ARGB8888 bitmap of this size, filled with the decoded picture.
-  virtual std::unique_ptr<VuBitmapImpl> MakePicture(Entry entry, int width, int height,
+  virtual std::unique_ptr<VuBitmapImpl> MakePicture(Reservation reservation, int width, int height,
                                                     Image& image, VuScaleMode scaleMode) = 0;
 
   /// The memory limit and the list of surfaces.
-  const std::shared_ptr<SurfaceLedger>& Ledger() const { return ledger_; }
+  const std::shared_ptr<MemoryBudget>& Budget() const { return budget_; }
 
  private:
   /// The box that a picture is fitted into.
@@ -96,7 +96,7 @@ class GraphicsBase : public VuGraphicsImpl {
   /// The bytes that this bitmap takes; 0 if `image` is null.
   static unsigned PictureSize(std::unique_ptr<Image> image, const Fit& fit);
 
-  const std::shared_ptr<SurfaceLedger> ledger_;
+  const std::shared_ptr<MemoryBudget> budget_;
 };
 
 }  // namespace ZIRK::backends

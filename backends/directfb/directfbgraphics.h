@@ -23,12 +23,12 @@ class DirectFbGraphics final : public GraphicsBase {
 
  protected:
   std::optional<ImageSize> DeviceSize(int index) const override;
-  std::unique_ptr<VuScreenImpl> MakeScreen(Entry entry,
+  std::unique_ptr<VuScreenImpl> MakeScreen(Reservation reservation,
                                            const VuScreenDescription& description) override;
-  std::unique_ptr<VuBitmapImpl> MakeBitmap(Entry entry, int width, int height,
+  std::unique_ptr<VuBitmapImpl> MakeBitmap(Reservation reservation, int width, int height,
                                            VuPixelFormat format) override;
-  std::unique_ptr<VuBitmapImpl> MakePicture(Entry entry, int width, int height, Image& image,
-                                            VuScaleMode scaleMode) override;
+  std::unique_ptr<VuBitmapImpl> MakePicture(Reservation reservation, int width, int height,
+                                            Image& image, VuScaleMode scaleMode) override;
 
  private:
   static constexpr int kType = TypeCode(BackendType::DirectFB);

@@ -103,11 +103,11 @@ DFBResult DirectFbLayer::TakeSurface(Screen& screen) {
   return DFB_OK;
 }
 
-DirectFbScreen::DirectFbScreen(std::unique_ptr<SurfaceLedger::Entry> entry,
+DirectFbScreen::DirectFbScreen(std::unique_ptr<MemoryBudget::Reservation> reservation,
                                std::unique_ptr<DirectFbLayer> layer, DirectFbLayer::Screen screen,
                                std::shared_ptr<GlyphAtlasAllocator> atlases)
     : ScreenLayer{std::move(layer)},
-      Surface(std::move(entry), screen.width, screen.height, screen.format,
+      Surface(std::move(reservation), screen.width, screen.height, screen.format,
               std::move(screen.surface), std::move(atlases),
               screen.twoBuffers ? DirectFbRenderer::Buffers::Two : DirectFbRenderer::Buffers::One),
       Presenter(!screen.twoBuffers) {}

@@ -64,8 +64,9 @@ class DirectFbScreen final : private ScreenLayer,
                              private Presenter {
  public:
   /// `layer` is null where there is none: the picture then stays in memory.
-  DirectFbScreen(std::unique_ptr<SurfaceLedger::Entry> entry, std::unique_ptr<DirectFbLayer> layer,
-                 DirectFbLayer::Screen screen, std::shared_ptr<GlyphAtlasAllocator> atlases);
+  DirectFbScreen(std::unique_ptr<MemoryBudget::Reservation> reservation,
+                 std::unique_ptr<DirectFbLayer> layer, DirectFbLayer::Screen screen,
+                 std::shared_ptr<GlyphAtlasAllocator> atlases);
 
   /// Clears a new screen; false, after an error line, if there is no memory for it.
   bool Begin();

@@ -17,19 +17,19 @@ bool FbSources::CopyPixels(VuBitmapImpl&, const Box&, std::optional<PixelBuffer>
   return RefuseSource();
 }
 
-std::unique_ptr<VuBitmapImpl> FbSources::MakeBitmap(Entry entry, int width, int height,
+std::unique_ptr<VuBitmapImpl> FbSources::MakeBitmap(Reservation reservation, int width, int height,
                                                     VuPixelFormat format) {
   // Clearing it would take longer than packing the glyphs.
-  return std::make_unique<SoftwareBitmap>(std::move(entry), width, height, format,
+  return std::make_unique<SoftwareBitmap>(std::move(reservation), width, height, format,
                                           std::shared_ptr<PixelSources>(shared_from_this(), this),
                                           PixelBuffer::Contents::Undefined);
 }
 
 FbGraphics::FbGraphics(BackendType type)
-    : type_(TypeCode(type)), sources_(std::make_shared<FbSources>(Ledger(), type_)) {}
+    : type_(TypeCode(type)), sources_(std::make_shared<FbSources>(Budget(), type_)) {}
 
-FbGraphics::FbGraphics(std::shared_ptr<SurfaceLedger> ledger, std::shared_ptr<FbSources> sources)
-    : GraphicsBase(std::move(ledger)),
+FbGraphics::FbGraphics(std::shared_ptr<MemoryBudget> budget, std::shared_ptr<FbSources> sources)
+    : GraphicsBase(std::move(budget)),
       type_(sources->GetGraphicsType()),
       sources_(std::move(sources)) {}
 
@@ -40,19 +40,20 @@ std::optional<ImageSize> FbGraphics::DeviceSize(int index) const {
   return ImageSize{size->width, size->height};
 }
 
-std::unique_ptr<VuScreenImpl> FbGraphics::MakeScreen(Entry entry,
+std::unique_ptr<VuScreenImpl> FbGraphics::MakeScreen(Reservation reservation,
                                                      const VuScreenDescription& description) {
-  return FbScreen::Open(std::move(entry), description, sources_);
+  return FbScreen::Open(std::move(reservation), description, sources_);
 }
 
-std::unique_ptr<VuBitmapImpl> FbGraphics::MakeBitmap(Entry entry, int width, int height,
+std::unique_ptr<VuBitmapImpl> FbGraphics::MakeBitmap(Reservation reservation, int width, int height,
                                                      VuPixelFormat format) {
-  return std::make_unique<SoftwareBitmap>(std::move(entry), width, height, format, sources_);
+  return std::make_unique<SoftwareBitmap>(std::move(reservation), width, height, format, sources_);
 }
 
-std::unique_ptr<VuBitmapImpl> FbGraphics::MakePicture(Entry entry, int width, int height,
-                                                      Image& image, VuScaleMode scaleMode) {
-  auto bitmap = std::make_unique<SoftwareBitmap>(std::move(entry), width, height,
+std::unique_ptr<VuBitmapImpl> FbGraphics::MakePicture(Reservation reservation, int width,
+                                                      int height, Image& image,
+                                                      VuScaleMode scaleMode) {
+  auto bitmap = std::make_unique<SoftwareBitmap>(std::move(reservation), width, height,
                                                  VuPixelFormat::ARGB8888, sources_);
   PixelBuffer& pixels = bitmap->Drawing().Buffer();
   const PixelRows rows = {pixels.Row32(0), pixels.Pitch(), width, height};

@@ -22,7 +22,7 @@ class FbSources : public GlyphAtlasAllocator, public PixelSources {
                   std::optional<PixelBuffer>& copy) override;
 
  private:
-  std::unique_ptr<VuBitmapImpl> MakeBitmap(Entry entry, int width, int height,
+  std::unique_ptr<VuBitmapImpl> MakeBitmap(Reservation reservation, int width, int height,
                                            VuPixelFormat format) final;
 };
 
@@ -37,16 +37,16 @@ class FbGraphics : public GraphicsBase {
   int GetGraphicsType() const final { return type_; }
 
  protected:
-  /// `sources` count their memory in `ledger`.
-  FbGraphics(std::shared_ptr<SurfaceLedger> ledger, std::shared_ptr<FbSources> sources);
+  /// `sources` count their memory in `budget`.
+  FbGraphics(std::shared_ptr<MemoryBudget> budget, std::shared_ptr<FbSources> sources);
 
   std::optional<ImageSize> DeviceSize(int index) const override;
-  std::unique_ptr<VuScreenImpl> MakeScreen(Entry entry,
+  std::unique_ptr<VuScreenImpl> MakeScreen(Reservation reservation,
                                            const VuScreenDescription& description) override;
-  std::unique_ptr<VuBitmapImpl> MakeBitmap(Entry entry, int width, int height,
+  std::unique_ptr<VuBitmapImpl> MakeBitmap(Reservation reservation, int width, int height,
                                            VuPixelFormat format) final;
-  std::unique_ptr<VuBitmapImpl> MakePicture(Entry entry, int width, int height, Image& image,
-                                            VuScaleMode scaleMode) final;
+  std::unique_ptr<VuBitmapImpl> MakePicture(Reservation reservation, int width, int height,
+                                            Image& image, VuScaleMode scaleMode) final;
 
   const std::shared_ptr<FbSources>& Sources() const { return sources_; }
 

@@ -6,7 +6,7 @@
 
 namespace ZIRK::backends {
 
-std::unique_ptr<FbScreen> FbScreen::Open(std::unique_ptr<SurfaceLedger::Entry> entry,
+std::unique_ptr<FbScreen> FbScreen::Open(std::unique_ptr<MemoryBudget::Reservation> reservation,
                                          const VuScreenDescription& description,
                                          std::shared_ptr<PixelSources> sources,
                                          const std::string& reason) {
@@ -19,14 +19,14 @@ std::unique_ptr<FbScreen> FbScreen::Open(std::unique_ptr<SurfaceLedger::Entry> e
     ZIRK_LOG_WARNING("%s: the screen stays in memory", why.c_str());
   else if (!why.empty())
     ZIRK_LOG_WARNING("%s: the screen is shown through the framebuffer device", why.c_str());
-  return std::make_unique<FbScreen>(std::move(entry), description, std::move(device),
+  return std::make_unique<FbScreen>(std::move(reservation), description, std::move(device),
                                     std::move(sources));
 }
 
-FbScreen::FbScreen(std::unique_ptr<SurfaceLedger::Entry> entry,
+FbScreen::FbScreen(std::unique_ptr<MemoryBudget::Reservation> reservation,
                    const VuScreenDescription& description,
                    std::unique_ptr<FramebufferDevice> device, std::shared_ptr<PixelSources> sources)
-    : Surface(std::move(entry), description.width, description.height, description.format,
+    : Surface(std::move(reservation), description.width, description.height, description.format,
               std::move(sources)),
       Presenter(description.buffers < 2),
       device_(std::move(device)) {}

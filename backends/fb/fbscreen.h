@@ -18,14 +18,15 @@ class FbScreen final : public Surface<VuScreenImpl, SoftwareRenderer>, private P
  public:
   /// If there is no device the picture stays in memory, after a warning. `reason`, if not empty,
   /// says why there is no better screen; then there is a warning in any case, and it includes it.
-  static std::unique_ptr<FbScreen> Open(std::unique_ptr<SurfaceLedger::Entry> entry,
+  static std::unique_ptr<FbScreen> Open(std::unique_ptr<MemoryBudget::Reservation> reservation,
                                         const VuScreenDescription& description,
                                         std::shared_ptr<PixelSources> sources,
                                         const std::string& reason = {});
 
   /// `device` is null if the picture stays in memory.
-  FbScreen(std::unique_ptr<SurfaceLedger::Entry> entry, const VuScreenDescription& description,
-           std::unique_ptr<FramebufferDevice> device, std::shared_ptr<PixelSources> sources);
+  FbScreen(std::unique_ptr<MemoryBudget::Reservation> reservation,
+           const VuScreenDescription& description, std::unique_ptr<FramebufferDevice> device,
+           std::shared_ptr<PixelSources> sources);
 
   void SwapBuffers() override { Swap(); }
   void Finish() override { ShowIfSingleBuffered(); }

@@ -32,10 +32,10 @@ class HybridSources final : public FbSources {
 
 }  // namespace
 
-HybridGraphics::HybridGraphics() : HybridGraphics(SurfaceLedger::Create()) {}
+HybridGraphics::HybridGraphics() : HybridGraphics(MemoryBudget::Create()) {}
 
-HybridGraphics::HybridGraphics(const std::shared_ptr<SurfaceLedger>& ledger)
-    : FbGraphics(ledger, std::make_shared<HybridSources>(ledger, kType)) {}
+HybridGraphics::HybridGraphics(const std::shared_ptr<MemoryBudget>& budget)
+    : FbGraphics(budget, std::make_shared<HybridSources>(budget, kType)) {}
 
 /// After a loss it starts anew.
 std::shared_ptr<Mirrors> HybridGraphics::FindOpenGl(std::string& reason) const {
@@ -62,14 +62,15 @@ std::optional<ImageSize> HybridGraphics::DeviceSize(int index) const {
   return mirrors ? mirrors->Device()->DisplaySize(index) : FbGraphics::DeviceSize(index);
 }
 
-std::unique_ptr<VuScreenImpl> HybridGraphics::MakeScreen(Entry entry,
+std::unique_ptr<VuScreenImpl> HybridGraphics::MakeScreen(Reservation reservation,
                                                          const VuScreenDescription& description) {
   std::string reason;
   if (auto mirrors = FindOpenGl(reason)) {
     auto device = mirrors->Device();
-    return GlScreen::Open(std::move(entry), description, std::move(device), std::move(mirrors));
+    return GlScreen::Open(std::move(reservation), description, std::move(device),
+                          std::move(mirrors));
   }
-  return FbScreen::Open(std::move(entry), description, Sources(), reason);
+  return FbScreen::Open(std::move(reservation), description, Sources(), reason);
 }
 
 }  // namespace ZIRK::backends

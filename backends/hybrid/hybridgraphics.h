@@ -26,13 +26,13 @@ class HybridGraphics final : public FbGraphics {
 
  protected:
   std::optional<ImageSize> DeviceSize(int index) const override;
-  std::unique_ptr<VuScreenImpl> MakeScreen(Entry entry,
+  std::unique_ptr<VuScreenImpl> MakeScreen(Reservation reservation,
                                            const VuScreenDescription& description) override;
 
  private:
   static constexpr int kType = TypeCode(BackendType::Hybrid);
 
-  explicit HybridGraphics(const std::shared_ptr<SurfaceLedger>& ledger);
+  explicit HybridGraphics(const std::shared_ptr<MemoryBudget>& budget);
   /// Null, for which there is a reason, where there is no OpenGL.
   std::shared_ptr<Mirrors> FindOpenGl(std::string& reason) const;
 

@@ -15,7 +15,7 @@ std::unique_ptr<GlGraphics> GlGraphics::Start() {
 }
 
 GlGraphics::GlGraphics(std::shared_ptr<GlDevice> device)
-    : device_(std::move(device)), sources_(std::make_shared<GlSources>(Ledger(), kType, device_)) {}
+    : device_(std::move(device)), sources_(std::make_shared<GlSources>(Budget(), kType, device_)) {}
 
 void GlGraphics::Flush() {
   device_->FlushAndDetach();
@@ -25,24 +25,25 @@ std::optional<ImageSize> GlGraphics::DeviceSize(int index) const {
   return device_->DisplaySize(index);
 }
 
-std::unique_ptr<VuScreenImpl> GlGraphics::MakeScreen(Entry entry,
+std::unique_ptr<VuScreenImpl> GlGraphics::MakeScreen(Reservation reservation,
                                                      const VuScreenDescription& description) {
-  return GlScreen::Open(std::move(entry), description, device_, sources_);
+  return GlScreen::Open(std::move(reservation), description, device_, sources_);
 }
 
-std::unique_ptr<VuBitmapImpl> GlGraphics::MakeBitmap(Entry entry, int width, int height,
+std::unique_ptr<VuBitmapImpl> GlGraphics::MakeBitmap(Reservation reservation, int width, int height,
                                                      VuPixelFormat format) {
   auto texture = GlTexture::Create(device_, width, height, format);
   if (!texture) return nullptr;
   auto bitmap =
-      std::make_unique<GlBitmap>(std::move(entry), width, height, format, device_, sources_);
+      std::make_unique<GlBitmap>(std::move(reservation), width, height, format, device_, sources_);
   bitmap->Drawing().DrawOn(std::move(texture));
   if (!bitmap->Drawing().Clear(VuColor{0})) return nullptr;
   return bitmap;
 }
 
-std::unique_ptr<VuBitmapImpl> GlGraphics::MakePicture(Entry entry, int width, int height,
-                                                      Image& image, VuScaleMode scaleMode) {
+std::unique_ptr<VuBitmapImpl> GlGraphics::MakePicture(Reservation reservation, int width,
+                                                      int height, Image& image,
+                                                      VuScaleMode scaleMode) {
   auto texture = GlTexture::Create(device_, width, height, VuPixelFormat::ARGB8888);
   if (!texture) return nullptr;
   std::vector<uint32_t> pixels(static_cast<size_t>(width) * static_cast<size_t>(height));
@@ -50,8 +51,8 @@ std::unique_ptr<VuBitmapImpl> GlGraphics::MakePicture(Entry entry, int width, in
   if (!image.Decode({pixels.data(), pitch, width, height}, scaleMode)) return nullptr;
   if (!texture->Upload(texture->Bounds(), pixels.data(), static_cast<unsigned>(pitch)))
     return nullptr;
-  auto bitmap = std::make_unique<GlBitmap>(std::move(entry), width, height, VuPixelFormat::ARGB8888,
-                                           device_, sources_);
+  auto bitmap = std::make_unique<GlBitmap>(std::move(reservation), width, height,
+                                           VuPixelFormat::ARGB8888, device_, sources_);
   bitmap->Drawing().DrawOn(std::move(texture));
   return bitmap;
 }

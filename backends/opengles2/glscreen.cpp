@@ -92,21 +92,21 @@ void GlWindow::Present(bool vsync) {
   FindBottom();
 }
 
-GlScreen::GlScreen(std::unique_ptr<SurfaceLedger::Entry> entry,
+GlScreen::GlScreen(std::unique_ptr<MemoryBudget::Reservation> reservation,
                    const VuScreenDescription& description, std::shared_ptr<GlDevice> device,
                    std::shared_ptr<TextureSources> sources)
-    : Surface(std::move(entry), description.width, description.height, description.format, device,
-              std::move(sources)),
+    : Surface(std::move(reservation), description.width, description.height, description.format,
+              device, std::move(sources)),
       Presenter(description.buffers < 2),
       index_(description.index),
       layers_(GlLayers::Of(device)) {}
 
-std::unique_ptr<GlScreen> GlScreen::Open(std::unique_ptr<SurfaceLedger::Entry> entry,
+std::unique_ptr<GlScreen> GlScreen::Open(std::unique_ptr<MemoryBudget::Reservation> reservation,
                                          const VuScreenDescription& description,
                                          std::shared_ptr<GlDevice> device,
                                          std::shared_ptr<TextureSources> sources) {
   std::unique_ptr<GlScreen> screen(
-      new GlScreen(std::move(entry), description, std::move(device), std::move(sources)));
+      new GlScreen(std::move(reservation), description, std::move(device), std::move(sources)));
   const bool composing = GlCompositor::Current().composing;
   screen->ownsWindow_ = screen->index_ == 0 || !composing;
   if (!(composing ? screen->BecomeLayer() : screen->BecomeWindow())) return nullptr;

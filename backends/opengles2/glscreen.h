@@ -46,7 +46,7 @@ class GlWindow {
 class GlScreen final : public Surface<VuScreenImpl, GlRenderer>, private Presenter {
  public:
   /// Null after one error line.
-  static std::unique_ptr<GlScreen> Open(std::unique_ptr<SurfaceLedger::Entry> entry,
+  static std::unique_ptr<GlScreen> Open(std::unique_ptr<MemoryBudget::Reservation> reservation,
                                         const VuScreenDescription& description,
                                         std::shared_ptr<GlDevice> device,
                                         std::shared_ptr<TextureSources> sources);
@@ -69,8 +69,9 @@ class GlScreen final : public Surface<VuScreenImpl, GlRenderer>, private Present
   }
 
  private:
-  GlScreen(std::unique_ptr<SurfaceLedger::Entry> entry, const VuScreenDescription& description,
-           std::shared_ptr<GlDevice> device, std::shared_ptr<TextureSources> sources);
+  GlScreen(std::unique_ptr<MemoryBudget::Reservation> reservation,
+           const VuScreenDescription& description, std::shared_ptr<GlDevice> device,
+           std::shared_ptr<TextureSources> sources);
 
   bool Move(bool toLayers);
   bool BecomeLayer();

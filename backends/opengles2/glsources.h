@@ -11,9 +11,9 @@ namespace ZIRK::backends {
 /// What OpenGL surfaces read: each other. It also makes the bitmaps of their glyph atlases.
 class GlSources final : public GlyphAtlasAllocator, public TextureSources {
  public:
-  GlSources(std::shared_ptr<SurfaceLedger> ledger, int graphicsType,
+  GlSources(std::shared_ptr<MemoryBudget> budget, int graphicsType,
             std::shared_ptr<GlDevice> device)
-      : GlyphAtlasAllocator(std::move(ledger), graphicsType), device_(std::move(device)) {}
+      : GlyphAtlasAllocator(std::move(budget), graphicsType), device_(std::move(device)) {}
 
   GlyphAtlasAllocator& Atlases() override { return *this; }
   GlTexture* TextureOf(VuBitmapImpl& surface, GlDevice& device) override {
@@ -25,7 +25,7 @@ class GlSources final : public GlyphAtlasAllocator, public TextureSources {
   }
 
  private:
-  std::unique_ptr<VuBitmapImpl> MakeBitmap(Entry entry, int width, int height,
+  std::unique_ptr<VuBitmapImpl> MakeBitmap(Reservation reservation, int width, int height,
                                            VuPixelFormat format) override;
 
   const std::shared_ptr<GlDevice> device_;

@@ -15,12 +15,12 @@ class StubGraphics final : public GraphicsBase {
   int GetGraphicsType() const override { return TypeCode(BackendType::Stub); }
 
  protected:
-  std::unique_ptr<VuScreenImpl> MakeScreen(Entry entry,
+  std::unique_ptr<VuScreenImpl> MakeScreen(Reservation reservation,
                                            const VuScreenDescription& description) override;
-  std::unique_ptr<VuBitmapImpl> MakeBitmap(Entry entry, int width, int height,
+  std::unique_ptr<VuBitmapImpl> MakeBitmap(Reservation reservation, int width, int height,
                                            VuPixelFormat format) override;
-  std::unique_ptr<VuBitmapImpl> MakePicture(Entry entry, int width, int height, Image& image,
-                                            VuScaleMode scaleMode) override;
+  std::unique_ptr<VuBitmapImpl> MakePicture(Reservation reservation, int width, int height,
+                                            Image& image, VuScaleMode scaleMode) override;
 };
 
 }  // namespace ZIRK::backends

@@ -9,10 +9,10 @@
 #include "geometry/placement.h"
 #include "geometry/surfaceformat.h"
 #include "surface/drawtimer.h"
+#include "surface/memorybudget.h"
 #include "surface/operands.h"
 #include "surface/ownsurface.h"
 #include "surface/renderer.h"
-#include "surface/surfaceledger.h"
 #include "surface/surfacestate.h"
 
 namespace ZIRK::backends {
@@ -24,13 +24,13 @@ namespace ZIRK::backends {
 template <class Base, SurfaceRenderer Renderer>
 class Surface : public Base {
  public:
-  /// `entry` is the surface's place in its context's ledger, not null. `arguments` are those that
-  /// the renderer takes after the state.
+  /// `reservation` is the memory of the surface in the budget of its context; it is not null.
+  /// `arguments` are those that the renderer takes after the state.
   template <typename... Arguments>
-  Surface(std::unique_ptr<SurfaceLedger::Entry> entry, int width, int height, VuPixelFormat format,
-          Arguments&&... arguments)
+  Surface(std::unique_ptr<MemoryBudget::Reservation> reservation, int width, int height,
+          VuPixelFormat format, Arguments&&... arguments)
       : state_{width, height, format},
-        entry_(std::move(entry)),
+        reservation_(std::move(reservation)),
         renderer_(state_, std::forward<Arguments>(arguments)...) {}
 
   Renderer& Drawing() { return renderer_; }
@@ -39,7 +39,7 @@ class Surface : public Base {
   // --- State ---
 
   void SetName(const char* name) final {
-    entry_->Rename(name);
+    reservation_->Rename(name);
     renderer_.SetName(name);
   }
   VuBitmapInfo GetInfo() const final {
@@ -246,7 +246,7 @@ class Surface : public Base {
   }
 
   SurfaceState state_;
-  const std::unique_ptr<SurfaceLedger::Entry> entry_;
+  const std::unique_ptr<MemoryBudget::Reservation> reservation_;
   Renderer renderer_;
   Locked lock_ = Locked::No;
 };

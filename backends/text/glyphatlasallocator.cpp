@@ -17,8 +17,8 @@ GlyphAtlasAllocator* first = nullptr;  // of the list
 
 }  // namespace
 
-GlyphAtlasAllocator::GlyphAtlasAllocator(std::shared_ptr<SurfaceLedger> ledger, int graphicsType)
-    : ledger_(std::move(ledger)), graphicsType_(graphicsType) {
+GlyphAtlasAllocator::GlyphAtlasAllocator(std::shared_ptr<MemoryBudget> budget, int graphicsType)
+    : budget_(std::move(budget)), graphicsType_(graphicsType) {
   const std::lock_guard lock(listMutex);
   next_ = std::exchange(first, this);
 }
@@ -45,8 +45,9 @@ std::shared_ptr<GlyphAtlasAllocator> GlyphAtlasAllocator::FindOwner(const VuGrap
 
 VuBitmapImpl* GlyphAtlasAllocator::CreateBitmap(int width, int height, VuPixelFormat format) {
   try {
-    Entry entry = ledger_->Enter(width, height, format);
-    return entry ? MakeBitmap(std::move(entry), width, height, format).release() : nullptr;
+    Reservation reservation = budget_->Reserve(width, height, format);
+    return reservation ? MakeBitmap(std::move(reservation), width, height, format).release()
+                       : nullptr;
   } catch (const std::bad_alloc&) {
     ZIRK_LOG_ERROR("no memory for a surface of %d x %d", width, height);
     return nullptr;

@@ -6,7 +6,7 @@
 #include <memory>
 #include <mutex>
 
-#include "surface/surfaceledger.h"
+#include "surface/memorybudget.h"
 
 namespace ZIRK::backends {
 
@@ -18,8 +18,8 @@ namespace ZIRK::backends {
 class GlyphAtlasAllocator : public VuGraphicsImpl,
                             public std::enable_shared_from_this<GlyphAtlasAllocator> {
  public:
-  /// The bitmaps count in `ledger`. `graphicsType` is the context's. Owned by a std::shared_ptr.
-  GlyphAtlasAllocator(std::shared_ptr<SurfaceLedger> ledger, int graphicsType);
+  /// The bitmaps count in `budget`. `graphicsType` is the context's. Owned by a std::shared_ptr.
+  GlyphAtlasAllocator(std::shared_ptr<MemoryBudget> budget, int graphicsType);
   ~GlyphAtlasAllocator() override;
 
   /// The allocator at the address that an atlas has of it: usually this one, otherwise that of
@@ -55,15 +55,15 @@ class GlyphAtlasAllocator : public VuGraphicsImpl,
   void Flush() final {}
 
  protected:
-  using Entry = std::unique_ptr<SurfaceLedger::Entry>;
+  using Reservation = std::unique_ptr<MemoryBudget::Reservation>;
 
  private:
   /// A bitmap, which need not be cleared: only glyphs are read. Null after an error line; may throw
   /// std::bad_alloc, which becomes both.
-  virtual std::unique_ptr<VuBitmapImpl> MakeBitmap(Entry entry, int width, int height,
+  virtual std::unique_ptr<VuBitmapImpl> MakeBitmap(Reservation reservation, int width, int height,
                                                    VuPixelFormat format) = 0;
 
-  const std::shared_ptr<SurfaceLedger> ledger_;
+  const std::shared_ptr<MemoryBudget> budget_;
   const int graphicsType_;
   std::mutex drawingMutex_;
   GlyphAtlasAllocator* next_;  ///< In the list of all that exist.

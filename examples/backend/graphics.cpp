@@ -15,7 +15,7 @@ Made* Graphics::Make(int width, int height, VuPixelFormat format) {
     return nullptr;
   }
   try {
-    if (bytes <= AvailableMemory()) return new Made(books_, width, height, format);
+    if (bytes <= AvailableMemory()) return new Made(live_, width, height, format);
   } catch (const std::bad_alloc&) {
   }
   ZIRK_LOG_ERROR("Plain: no memory for a surface of %d x %d", width, height);
@@ -56,9 +56,9 @@ VuBitmapImpl* Graphics::CreateBitmapFromMemory(const void*, unsigned, int, int, 
 }
 
 unsigned Graphics::AvailableMemory() const {
-  const std::lock_guard lock(books_.mutex);
+  const std::lock_guard lock(live_.mutex);
   unsigned used = 0;
-  for (const Surface* surface : books_.surfaces) used += surface->GetSize();
+  for (const Surface* surface : live_.surfaces) used += surface->GetSize();
   return used < TotalMemory() ? TotalMemory() - used : 0;
 }
 
@@ -71,8 +71,8 @@ unsigned Graphics::BitmapSize(int width, int height, VuPixelFormat format) const
 }
 
 void Graphics::PrintBitmapList(unsigned key, std::ostream& os) {
-  const std::lock_guard lock(books_.mutex);
-  for (const Surface* surface : books_.surfaces) surface->Print(key, os);
+  const std::lock_guard lock(live_.mutex);
+  for (const Surface* surface : live_.surfaces) surface->Print(key, os);
 }
 
 }  // namespace ZIRK::plain

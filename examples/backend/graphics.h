@@ -4,7 +4,7 @@
 
 namespace ZIRK::plain {
 
-/// A context: makes surfaces and keeps the books. It knows no picture formats.
+/// A context: makes surfaces and keeps track of them. It knows no picture formats.
 class Graphics final : public VuGraphicsImpl {
  public:
   VuScreenImpl* CreateScreen(bool flag) override;
@@ -34,7 +34,7 @@ class Graphics final : public VuGraphicsImpl {
   template <class Made>
   Made* Make(int width, int height, VuPixelFormat format);
 
-  mutable Books books_;
+  mutable LiveSurfaces live_;
 };
 
 }  // namespace ZIRK::plain

@@ -177,25 +177,25 @@ std::mutex textMutex;
 // --- State
 // ----------------------------------------------------------------------------------------
 
-Surface::Surface(Books& books, int width, int height, VuPixelFormat format)
-    : books_(books),
+Surface::Surface(LiveSurfaces& live, int width, int height, VuPixelFormat format)
+    : live_(live),
       width_(width),
       height_(height),
       format_(format),
       pixels_(static_cast<size_t>(width) * static_cast<size_t>(height)),
       clip_{0, 0, width, height} {
   SetBlendingFunc(VuBlendingFactor::One, VuBlendingFactor::OneMinusSrcAlpha);
-  const std::lock_guard lock(books_.mutex);
-  books_.surfaces.insert(this);
+  const std::lock_guard lock(live_.mutex);
+  live_.surfaces.insert(this);
 }
 
 Surface::~Surface() {
-  const std::lock_guard lock(books_.mutex);
-  books_.surfaces.erase(this);
+  const std::lock_guard lock(live_.mutex);
+  live_.surfaces.erase(this);
 }
 
 void Surface::SetName(const char* name) {
-  const std::lock_guard lock(books_.mutex);
+  const std::lock_guard lock(live_.mutex);
   name_ = name ? name : "";
 }
 

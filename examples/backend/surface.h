@@ -16,7 +16,7 @@ class Surface;
 using Matrix = VuTMatrix2D<float>;
 
 /// The surfaces that a context has made. It outlives them.
-struct Books {
+struct LiveSurfaces {
   std::mutex mutex;
   std::set<const Surface*> surfaces;
 };
@@ -58,7 +58,7 @@ struct Operation {
 /// The base is virtual, so that it is one and the same for a screen.
 class Surface : public virtual VuBitmapImpl {
  public:
-  Surface(Books& books, int width, int height, VuPixelFormat format);
+  Surface(LiveSurfaces& live, int width, int height, VuPixelFormat format);
   ~Surface() override;
 
   void SetName(const char* name) override;
@@ -141,7 +141,7 @@ class Surface : public virtual VuBitmapImpl {
   bool Contains(const VuRect& rect) const;
   uint32_t& At(int x, int y);
 
-  Books& books_;
+  LiveSurfaces& live_;
   const int width_, height_;
   const VuPixelFormat format_;
   std::vector<uint32_t> pixels_;

@@ -35,13 +35,13 @@ class ExhaustedGraphics final : public GraphicsBase {
     if (index > 0) return std::nullopt;
     return backends::ImageSize{640, 360};
   }
-  std::unique_ptr<VuScreenImpl> MakeScreen(Entry, const VuScreenDescription&) override {
+  std::unique_ptr<VuScreenImpl> MakeScreen(Reservation, const VuScreenDescription&) override {
     throw std::bad_alloc();
   }
-  std::unique_ptr<VuBitmapImpl> MakeBitmap(Entry, int, int, VuPixelFormat) override {
+  std::unique_ptr<VuBitmapImpl> MakeBitmap(Reservation, int, int, VuPixelFormat) override {
     throw std::bad_alloc();
   }
-  std::unique_ptr<VuBitmapImpl> MakePicture(Entry, int, int, backends::Image&,
+  std::unique_ptr<VuBitmapImpl> MakePicture(Reservation, int, int, backends::Image&,
                                             VuScaleMode) override {
     throw std::bad_alloc();
   }

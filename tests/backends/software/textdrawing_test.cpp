@@ -23,12 +23,12 @@ VuFontAtlas Open() {
   return {Symbols().Path(), 0, Symbols::kSize, false, false};
 }
 
-/// A context's books, and what makes atlases in them.
+/// A context's memory budget, and what makes atlases within it.
 struct Context {
-  explicit Context(uint64_t bytes) : ledger(SurfaceLedger::Create(bytes)) {}
+  explicit Context(uint64_t bytes) : budget(MemoryBudget::Create(bytes)) {}
 
   std::vector<uint32_t> Draw(VuFontImpl& font, const char* text) const {
-    SoftwareBitmap target(SurfaceLedger::Create(1 << 20)->Enter(kWidth, kHeight, {}), kWidth,
+    SoftwareBitmap target(MemoryBudget::Create(1 << 20)->Reserve(kWidth, kHeight, {}), kWidth,
                           kHeight, VuPixelFormat::ARGB8888, sources);
     target.DrawText(&font, text, {2, 2}, white, VuTMatrix2D<float>(), nullptr, nullptr, {});
     std::vector<uint32_t> pixels(kWidth * kHeight);
@@ -36,9 +36,9 @@ struct Context {
     return pixels;
   }
 
-  std::shared_ptr<SurfaceLedger> ledger;
+  std::shared_ptr<MemoryBudget> budget;
   std::shared_ptr<PixelSources> sources =
-      std::make_shared<FbSources>(ledger, TypeCode(BackendType::FB));
+      std::make_shared<FbSources>(budget, TypeCode(BackendType::FB));
 };
 
 const std::vector<uint32_t> kNothing(kWidth* kHeight);
@@ -55,7 +55,7 @@ TEST(TextDrawing, AnAtlasThatMayNotGrowIsEmptiedAndFilledAgain) {
     ASSERT_NE(expected, kNothing);
     ASSERT_EQ(small.Draw(tight, text.c_str()), expected) << i;
   }
-  EXPECT_LT(small.ledger->Available(), 2048u * 20);
+  EXPECT_LT(small.budget->Available(), 2048u * 20);
 }
 
 TEST(TextDrawing, NeedsAnAtlasOfItsOwnKind) {

@@ -15,20 +15,20 @@ namespace ZIRK::backends {
 ///
 /// The context and its surfaces share it, so that either may be deleted first. All operations may
 /// be called from any thread.
-class SurfaceLedger : public std::enable_shared_from_this<SurfaceLedger> {
+class MemoryBudget : public std::enable_shared_from_this<MemoryBudget> {
  public:
-  class Entry;
+  class Reservation;
 
   /// `limit` is in bytes; it is cut to what 32 bits hold.
-  static std::shared_ptr<SurfaceLedger> Create(uint64_t limit = QuarterOfMachineMemory());
+  static std::shared_ptr<MemoryBudget> Create(uint64_t limit = QuarterOfMachineMemory());
   /// Bytes; 0 if the system does not tell.
   static uint64_t QuarterOfMachineMemory();
 
   /// Reserves the memory of a surface. Null, after an error line with the reason, if no surface can
   /// have this size or format, or if too little memory is left. The line names `picture`, if there
   /// is one, as what the memory is for.
-  std::unique_ptr<Entry> Enter(int width, int height, VuPixelFormat format,
-                               const char* picture = nullptr);
+  std::unique_ptr<Reservation> Reserve(int width, int height, VuPixelFormat format,
+                                       const char* picture = nullptr);
 
   /// The bytes that are not reserved.
   unsigned Available() const;
@@ -48,39 +48,39 @@ class SurfaceLedger : public std::enable_shared_from_this<SurfaceLedger> {
     std::string name;
   };
 
-  explicit SurfaceLedger(uint64_t limit);
+  explicit MemoryBudget(uint64_t limit);
 
-  /// Whether there can be such a surface, and memory for it once `given` bytes are returned. If
+  /// Whether there can be such a surface, and memory for it once `freed` bytes are freed. If
   /// not, logs an error line. The caller holds the lock.
-  bool Grants(int width, int height, VuPixelFormat format, uint32_t given,
-              const char* picture = nullptr) const;
+  bool Fits(int width, int height, VuPixelFormat format, uint32_t freed,
+            const char* picture = nullptr) const;
 
   mutable std::mutex mutex_;
   const uint32_t limit_;
-  uint32_t held_ = 0;
+  uint32_t reserved_ = 0;
   std::list<Record> records_;
 };
 
 /// The memory of one surface. It is returned when this object is deleted, with the surface.
-class SurfaceLedger::Entry {
+class MemoryBudget::Reservation {
  public:
-  ~Entry();
-  Entry(const Entry&) = delete;
-  Entry& operator=(const Entry&) = delete;
+  ~Reservation();
+  Reservation(const Reservation&) = delete;
+  Reservation& operator=(const Reservation&) = delete;
 
-  /// Changes the size and format. False, after an error line with the reason, if Enter() would
+  /// Changes the size and format. False, after an error line with the reason, if Reserve() would
   /// fail; then nothing changes.
-  bool Change(int width, int height, VuPixelFormat format);
+  bool Resize(int width, int height, VuPixelFormat format);
 
   /// Names the surface in the list; null is an empty name. Without memory for the name, the surface
   /// keeps the old one.
   void Rename(const char* name);
 
  private:
-  friend class SurfaceLedger;
-  Entry(std::shared_ptr<SurfaceLedger> ledger, std::list<Record>::iterator record);
+  friend class MemoryBudget;
+  Reservation(std::shared_ptr<MemoryBudget> budget, std::list<Record>::iterator record);
 
-  std::shared_ptr<SurfaceLedger> ledger_;
+  std::shared_ptr<MemoryBudget> budget_;
   std::list<Record>::iterator record_;
 };
 

@@ -1,0 +1,65 @@
+#include "surface/memorybudget.h"
+#include "helpers/logged.h"
+
+#include <sstream>
+#include <thread>
+
+namespace ZIRK::tests {
+namespace {
+
+using backends::MemoryBudget;
+using helpers::LogsOneError;
+
+TEST(MemoryBudget, ReservesUpToItsLimitAndTakesBack) {
+  const auto budget = MemoryBudget::Create(992);
+  auto first = budget->Reserve(8, 20, VuPixelFormat::ARGB8888);  // 640 bytes.
+  EXPECT_TRUE(LogsOneError("384 bytes asked, 352 left",
+                           [&] { EXPECT_FALSE(budget->Reserve(8, 12, VuPixelFormat::ARGB8888)); }));
+  EXPECT_TRUE(LogsOneError("no memory for a.png: 8 x 12 pixels, 352 bytes left", [&] {
+    EXPECT_FALSE(budget->Reserve(8, 12, VuPixelFormat::ARGB8888, "a.png"));
+  }));
+  EXPECT_TRUE(first->Resize(8, 31, VuPixelFormat::ARGB8888));
+  EXPECT_EQ(budget->Available(), 0u);
+  EXPECT_TRUE(LogsOneError("1024 bytes asked, 992 left",
+                           [&] { EXPECT_FALSE(first->Resize(8, 32, VuPixelFormat::ARGB8888)); }));
+  EXPECT_TRUE(first->Resize(16, 20, VuPixelFormat::RGB565));
+  const auto second = budget->Reserve(17, 11, VuPixelFormat::A8);  // Eleven rows of 32.
+  EXPECT_EQ(budget->Available(), 0u);
+  first.reset();
+  EXPECT_EQ(budget->Available(), 640u);
+  // A limit beyond 32 bits is cut to them.
+  const auto large = MemoryBudget::Create(uint64_t{5} << 32);
+  const auto third = large->Reserve(8, 20, VuPixelFormat::ARGB8888);
+  EXPECT_EQ(large->Available(), 0xFFFFFFFFu - 640);
+}
+
+TEST(MemoryBudget, RefusesWhatNoSurfaceCanBe) {
+  const struct {
+    int width, height, format;
+  } cases[] = {{0, 1, 0}, {1, -1, 0}, {16385, 1, 0}, {1, 1, 6}};
+  for (const auto& c : cases)
+    EXPECT_TRUE(LogsOneError("cannot create a surface of " + std::to_string(c.width), [&] {
+      const auto format = static_cast<VuPixelFormat>(c.format);
+      EXPECT_FALSE(MemoryBudget::Create()->Reserve(c.width, c.height, format));
+    }));
+}
+
+TEST(MemoryBudget, CountsAcrossThreads) {
+  const auto budget = MemoryBudget::Create();
+  const auto before = budget->Available();
+  const auto use = [&] {
+    for (int i = 1; i <= 200; ++i) {
+      const auto reservation = budget->Reserve(i, i, VuPixelFormat::ARGB8888);
+      reservation->Rename("busy");
+      std::ostringstream list;
+      budget->Print(0, list);
+    }
+  };
+  std::thread first(use), second(use);
+  first.join();
+  second.join();
+  EXPECT_EQ(budget->Available(), before);
+}
+
+}  // namespace
+}  // namespace ZIRK::tests
