@@ -1,0 +1,223 @@
+#!/usr/bin/env python3
+"""Holds the #include lines of the project to its layers: tests/structure/includes.py [--planted]
+
+Prints each line that points the wrong way, each circle of files and each exception that is no
+longer needed, and ends with 1 if there are any. --planted checks the check: it adds wrong lines to
+what is read, one at a time, and expects each to be found.
+"""
+
+import re
+import sys
+from pathlib import Path
+
+PROJECT = Path(__file__).resolve().parents[2]
+
+# The folders of backends/ from the ground up. Each includes itself and folders of lower levels:
+# nothing above it, and none beside it.
+LEVELS = [
+    ["geometry"],
+    ["images", "surface"],
+    ["text", "context"],
+    ["software", "opengles2", "stub"],
+    ["fb", "directfb"],
+    ["hybrid"],
+]
+LEVEL_OF = {folder: level for level, folders in enumerate(LEVELS) for folder in folders}
+
+# Plug-ins share what is in the other folders, not each other; these are made of others.
+PLUGINS = {"stub", "opengles2", "fb", "directfb", "hybrid"}
+MADE_OF = {"hybrid": {"fb", "opengles2"}}
+
+# Programs include what an application does: <zirk/zirk.h> and the headers that it names.
+PROGRAMS = ["tools/zirkinfo", "examples", "support"]
+EXCEPTIONS = {
+    # The example of a backend is one.
+    ("examples/backend/surface.h", "zirk/backend.h"),
+    # zirkinfo asks the loader about plug-ins, and opens a compositor as the library does.
+    ("tools/zirkinfo/backends.cpp", "zirk/backend.h"),
+    # A program asks the font's atlas for glyphs, which implements the font's interface.
+    ("include/zirk/vufontatlas.h", "zirk/impl/vufontimpl.h"),
+}
+
+INCLUDE = re.compile(r'^\s*#\s*include\s+([<"])([^>"]+)[>"]')
+
+
+def sources():
+    """The project's sources by path; those in tests/ and docs/ may include anything."""
+    roots = ["src", "include", "backends", "bench"] + PROGRAMS
+    paths = [path for root in roots for path in (PROJECT / root).rglob("*")
+             if path.suffix in (".h", ".cpp")]
+    return {str(path.relative_to(PROJECT)): path.read_text(encoding="utf-8")
+            for path in paths if "include/zirk/impl/" not in str(path)}
+
+
+class Checker:
+    def __init__(self, files):
+        self.files = files
+        self.found = []
+        self.used_exceptions = set()
+        self.graph = {path: [] for path in files}
+        named = re.findall(r"#include <(zirk/[^>]+)>", files["include/zirk/zirk.h"])
+        self.application = {"zirk/zirk.h", "zirk/export.h", *named}
+
+    def check(self):
+        for path, text in sorted(self.files.items()):
+            for number, line in enumerate(text.split("\n"), 1):
+                match = INCLUDE.match(line)
+                if match:
+                    reason = self.fault(path, match[1] == "<", match[2])
+                    if reason:
+                        self.found.append(f"{path}:{number}: {line.strip()}: {reason}")
+        self.find_circles()
+        for path, name in sorted(EXCEPTIONS - self.used_exceptions):
+            self.found.append(f"{path}: does not include <{name}> any more: drop the exception")
+        return self.found
+
+    def fault(self, path, in_angles, name):
+        """What is wrong with an include line, if anything is; else enters it in the graph."""
+        if in_angles and name.startswith("zirk/"):
+            # src/impl is installed as zirk/impl.
+            target = re.sub("^include/zirk/impl/", "src/impl/", "include/" + name)
+            if target not in self.files:
+                return "there is no such header"
+            fault = self.fault_of_public(path, name)
+        elif in_angles:
+            inside = any(f"{root}/{name}" in self.files for root in ("backends", "examples", "src"))
+            return "a file of the project in angle brackets" if inside else None
+        else:
+            target = self.resolve(path, name)
+            if not target:
+                return "no file that may be included from here"
+            fault = None
+            if path.startswith("backends/"):
+                fault = self.fault_of_backend(path.split("/")[1], target.split("/")[1])
+        if not fault:
+            self.graph[path].append(target)
+        return fault
+
+    def resolve(self, path, name):
+        """The file that a name in quotes stands for, where its folder lets it name one."""
+        area, folder = path.split("/")[0], path.rpartition("/")[0]
+        roots = {"src": ["src"], "include": [], "support": [], "examples": [folder, "examples"],
+                 "backends": ["backends", folder]}.get(area, [folder])
+        names = [f"{root}/{name}" for root in roots]
+        if area not in ("src", "include", "backends") and name.startswith("support/"):
+            names.append(name)
+        return next((target for target in names if target in self.files), None)
+
+    def fault_of_public(self, path, name):
+        if name in self.application:
+            return None
+        is_header = path.replace("include/", "") in self.application
+        is_program = any(path.startswith(root + "/") for root in PROGRAMS)
+        if not is_header and not is_program:
+            return None
+        self.used_exceptions.add((path, name))
+        if (path, name) in EXCEPTIONS:
+            return None
+        return ("an application's header includes one for plug-ins" if is_header
+                else "no header for applications")
+
+    @staticmethod
+    def fault_of_backend(folder, target):
+        for name in (folder, target):
+            if name not in LEVEL_OF:
+                return f"backends/{name} has no level in tests/structure/includes.py"
+        if folder == target:
+            return None
+        if LEVEL_OF[target] >= LEVEL_OF[folder]:
+            return f"{target} is not below {folder}"
+        if target in PLUGINS and target not in MADE_OF.get(folder, ()):
+            return f"{target} is another plug-in"
+        return None
+
+    def find_circles(self):
+        done, trail = set(), []
+
+        def visit(path):
+            if path in trail:
+                circle = trail[trail.index(path):] + [path]
+                self.found.append("a circle: " + " -> ".join(circle))
+            elif path not in done:
+                trail.append(path)
+                for target in self.graph[path]:
+                    visit(target)
+                trail.pop()
+                done.add(path)
+
+        for path in sorted(self.graph):
+            visit(path)
+
+
+# Where to plant an include line, what it includes, and part of what is said about it. A folder
+# stands for its first header.
+PLANTED = [
+    ("src", '"backends/fb"', "no file that may be included from here"),
+    ("src", "<backends/fb>", "in angle brackets"),
+    ("include/zirk", '"src"', "no file that may be included from here"),
+    ("include/zirk/vurect.h", "<zirk/impl/log.h>", "includes one for plug-ins"),
+    ("include/zirk", "<zirk/none.h>", "there is no such header"),
+    ("backends/fb", '"src"', "no file that may be included from here"),
+    ("backends/fb", '"../src/exitorder.h"', "no file that may be included from here"),
+    ("backends/fb", "<backends/geometry>", "in angle brackets"),
+    ("backends/geometry", '"backends/images"', "images is not below geometry"),
+    ("backends/surface", '"backends/images"', "images is not below surface"),
+    ("backends/images", '"backends/surface"', "surface is not below images"),
+    ("backends/text", '"backends/context"', "context is not below text"),
+    ("backends/context", '"backends/text"', "text is not below context"),
+    ("backends/software", '"backends/stub"', "stub is not below software"),
+    ("backends/fb", '"backends/opengles2"', "opengles2 is another plug-in"),
+    ("backends/opengles2", '"backends/fb"', "fb is not below opengles2"),
+    ("backends/directfb", '"backends/fb"', "fb is not below directfb"),
+    ("backends/hybrid", '"backends/stub"', "stub is another plug-in"),
+    ("tools/zirkinfo", "<zirk/impl/log.h>", "no header for applications"),
+    ("tools/zirkinfo", '"examples/showcase"', "no file that may be included from here"),
+    ("examples/showcase", "<zirk/backend.h>", "no header for applications"),
+    ("support", "<zirk/vutextureatlasimpl.h>", "no header for applications"),
+    ("support", '"tools/zirkinfo"', "no file that may be included from here"),
+    ("bench", '"helpers/fonts.h"', "no file that may be included from here"),
+]
+
+
+def planted_lines(files):
+    """(file, include line, reason) of each row of PLANTED, and a circle."""
+    def first(folder):
+        return min(path for path in files if path.startswith(folder + "/") and path.endswith(".h"))
+
+    for place, name, reason in PLANTED:
+        folder = name[1:-1]
+        if not folder.endswith(".h"):
+            header = re.sub("^(src|backends|examples)/", "", first(folder))
+            name = name[0] + header + name[-1]
+        yield place if place.endswith(".h") else first(place), name, reason
+    checker = Checker(files)
+    checker.check()
+    end, start = next((a, b) for a, targets in sorted(checker.graph.items()) for b in targets
+                      if a.endswith(".h") and a.split("/")[:2] == b.split("/")[:2])
+    yield start, f'"{end.replace("backends/", "", 1)}"', "a circle: "
+
+
+def check_planted():
+    """How many planted lines are not found."""
+    files = sources()
+    before = set(Checker(files).check())
+    missed = 0
+    for path, name, reason in planted_lines(files):
+        planted = {**files, path: files[path] + f"\n#include {name}\n"}
+        new = [line for line in Checker(planted).check() if line not in before]
+        if not any(reason in line for line in new):
+            missed += 1
+            print(f"{path}: #include {name}: expected {reason}, found {new}")
+    return missed
+
+
+def main():
+    if sys.argv[1:] == ["--planted"]:
+        return 1 if check_planted() else 0
+    found = Checker(sources()).check()
+    print("\n".join(found) or "every include points the right way")
+    return 1 if found else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
