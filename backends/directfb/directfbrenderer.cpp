@@ -167,7 +167,7 @@ void DirectFbRenderer::Paint(const Source* source, const Mask* mask, F&& draw) {
   draw(source ? inMemory(*source) : Painter::Source{}, mask ? &through : nullptr);
 }
 
-bool DirectFbRenderer::Resolve(VuBitmapImpl& surface, Extent* rect, Source& source,
+bool DirectFbRenderer::Resolve(VuBitmapImpl& surface, RectD* rect, Source& source,
                                SourceCopy& copy) {
   DirectFbRenderer* const other = FindRenderer(surface);
   if (!other) return RefuseSource();
@@ -192,7 +192,7 @@ bool DirectFbRenderer::FillBox(const VuRect& rect, VuColor color) {
   return Fill(ToBox(rect), Premultiply(color));
 }
 
-void DirectFbRenderer::DrawRect(const Extent& rect, VuColor color, const MatrixF& m,
+void DirectFbRenderer::DrawRect(const RectD& rect, VuColor color, const MatrixF& m,
                                 const Mask* mask) {
   const std::optional<Placement> placement = Place(rect, m, Edges::OnWholePixels);
   if (!placement) return;
@@ -204,7 +204,7 @@ void DirectFbRenderer::DrawRect(const Extent& rect, VuColor color, const MatrixF
 
 void DirectFbRenderer::DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m,
                                  const Mask* mask) {
-  if (!mask) return DrawRect(ToExtent(p, size), color, m, nullptr);
+  if (!mask) return DrawRect(ToRectD(p, size), color, m, nullptr);
   const std::lock_guard lock(DirectFbMutex());
   Paint(nullptr, mask,
         [&](const auto&, const auto* through) { painter_.DrawPoint(p, size, color, m, through); });
@@ -224,13 +224,13 @@ bool DirectFbRenderer::BlitBox(const VuRect& dst, VuBitmapImpl& src, const VuRec
                                const MatrixF& m, VuColor color) {
   DirectFbRenderer* const source = FindRenderer(src);
   if (!source || source == this || srcRect.width <= 0 || srcRect.height <= 0) return false;
-  const std::optional<Box> box = PlaceUpright(ToExtent(dst), m);
+  const std::optional<Box> box = PlaceUpright(ToRectD(dst), m);
   if (!box || !source->pixels_.Bounds().Contains(ToBox(srcRect))) return false;
   const std::lock_guard lock(DirectFbMutex());
   return Blit(*source, srcRect, *box, Premultiply(color));
 }
 
-void DirectFbRenderer::DrawObject(const Extent& dst, const Source& src, const Extent& srcRect,
+void DirectFbRenderer::DrawObject(const RectD& dst, const Source& src, const RectD& srcRect,
                                   Edges edges, const MatrixF& m, VuColor color, const Mask* mask) {
   const std::lock_guard lock(DirectFbMutex());
   Paint(&src, mask, [&](const Painter::Source& source, const auto* through) {
@@ -253,7 +253,7 @@ bool DirectFbRenderer::DrawGlyph(const TextLayout::Glyph& glyph,
   }
   const Source source = {&atlas.pixels_, VuScaleMode::Bilinear};
   Paint(&source, style.mask, [&](const Painter::Source& read, const Painter::Mask* through) {
-    painter_.DrawObject(ToExtent(glyph.destination), read, ToExtent(glyph.source),
+    painter_.DrawObject(ToRectD(glyph.destination), read, ToRectD(glyph.source),
                         Edges::OnWholePixels, style.matrix, style.color, through);
   });
   return true;

@@ -38,7 +38,7 @@ class DirectFbRenderer : public TextDrawing<DirectFbRenderer, DirectFbPixels> {
   using Pixels = DirectFbPixels;
   using Source = backends::Source<DirectFbPixels>;
   using SourceCopy = std::optional<DirectFbPixels>;
-  bool Resolve(VuBitmapImpl& surface, Extent* part, Source& source, SourceCopy& copy);
+  bool Resolve(VuBitmapImpl& surface, RectD* part, Source& source, SourceCopy& copy);
 
   // --- Drawing ---
 
@@ -48,8 +48,8 @@ class DirectFbRenderer : public TextDrawing<DirectFbRenderer, DirectFbPixels> {
                VuColor color);
   void DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m, const Mask* mask);
   void DrawLine(VuPoint from, VuPoint to, VuColor color, const MatrixF& m, const Mask* mask);
-  void DrawRect(const Extent& rect, VuColor color, const MatrixF& m, const Mask* mask);
-  void DrawObject(const Extent& dst, const Source& src, const Extent& srcRect, Edges edges,
+  void DrawRect(const RectD& rect, VuColor color, const MatrixF& m, const Mask* mask);
+  void DrawObject(const RectD& dst, const Source& src, const RectD& srcRect, Edges edges,
                   const MatrixF& m, VuColor color, const Mask* mask);
   using TextDrawing::DrawText;
 

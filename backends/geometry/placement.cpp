@@ -20,7 +20,7 @@ double Sum(double x, double a, double y, double b, double move) {
   return x * a + y * b + move;
 }
 
-bool IsFinite(const Extent& r) {
+bool IsFinite(const RectD& r) {
   return std::isfinite(r.x + r.width) && std::isfinite(r.y + r.height);
 }
 
@@ -104,7 +104,7 @@ Affine Biased(const Affine& toTexels, VuScaleMode mode) {
 }
 
 /// The part of `r` that lies inside `bounds`; without extent if there is none.
-Extent Cut(const Extent& r, const Box& bounds) {
+RectD Cut(const RectD& r, const Box& bounds) {
   const double x0 = std::max<double>(r.x, bounds.x0), y0 = std::max<double>(r.y, bounds.y0);
   const double x1 = std::min<double>(r.x + r.width, bounds.x1);
   const double y1 = std::min<double>(r.y + r.height, bounds.y1);
@@ -112,23 +112,23 @@ Extent Cut(const Extent& r, const Box& bounds) {
 }
 
 /// All pixels that `r`, which has been cut, touches.
-Box Around(const Extent& r) {
+Box Around(const RectD& r) {
   return {static_cast<int>(std::floor(r.x)), static_cast<int>(std::floor(r.y)),
           static_cast<int>(std::ceil(r.x + r.width)), static_cast<int>(std::ceil(r.y + r.height))};
 }
 
 }  // namespace
 
-Box TakePart(Extent* rect, const Box& bounds) {
+Box TakePart(RectD* rect, const Box& bounds) {
   if (!rect) return bounds;
-  const Extent visible = Cut(*rect, bounds);
+  const RectD visible = Cut(*rect, bounds);
   const Box part = visible.width > 0 && visible.height > 0 ? Around(visible) : Box();
   rect->x -= part.x0;
   rect->y -= part.y0;
   return part;
 }
 
-std::optional<Box> PlaceUpright(const Extent& r, const VuTMatrix2D<float>& m) {
+std::optional<Box> PlaceUpright(const RectD& r, const VuTMatrix2D<float>& m) {
   if (m.hasRotation() || !(r.width > 0 && r.height > 0)) return std::nullopt;
   const double farX = r.x + r.width, farY = r.y + r.height;
   if (m.isIdentity() && IsNear(r.x) && IsNear(r.y) && IsNear(farX) && IsNear(farY))
@@ -159,7 +159,7 @@ Point Map(const VuTMatrix2D<float>& m, double x, double y) {
       Sum(x, static_cast<double>(e[1]), y, static_cast<double>(e[4]), static_cast<double>(e[7]))};
 }
 
-std::optional<Placement> Place(const Extent& r, const VuTMatrix2D<float>& m, Edges edges) {
+std::optional<Placement> Place(const RectD& r, const VuTMatrix2D<float>& m, Edges edges) {
   Placement p;
   if (!(r.width > 0 && r.height > 0)) return std::nullopt;
   const Point origin = Map(m, r.x, r.y);
@@ -178,10 +178,10 @@ std::optional<Placement> Place(const Extent& r, const VuTMatrix2D<float>& m, Edg
   return p;
 }
 
-std::optional<SourcePlacement> PlaceSource(const Extent& srcRect, const Box& bounds,
+std::optional<SourcePlacement> PlaceSource(const RectD& srcRect, const Box& bounds,
                                            const Placement& whole, VuScaleMode mode) {
   if (!(srcRect.width > 0 && srcRect.height > 0) || !IsFinite(srcRect)) return std::nullopt;
-  const Extent visible = Cut(srcRect, bounds);
+  const RectD visible = Cut(srcRect, bounds);
   if (!(visible.width > 0 && visible.height > 0)) return std::nullopt;
   const auto u = [&](double x) { return (x - srcRect.x) / srcRect.width; };
   const auto v = [&](double y) { return (y - srcRect.y) / srcRect.height; };

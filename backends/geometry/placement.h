@@ -41,28 +41,28 @@ struct Affine {
 constexpr double kTexelBias = 1.0 / 4096;
 
 /// A rectangle in the coordinates of a primitive.
-struct Extent {
+struct RectD {
   double x, y, width, height;
 };
 
-inline Extent ToExtent(const VuRect& r) {
+inline RectD ToRectD(const VuRect& r) {
   return {double(r.x), double(r.y), double(r.width), double(r.height)};
 }
 
-inline Extent ToExtent(const VuTRect2D<float>& r) {
+inline RectD ToRectD(const VuTRect2D<float>& r) {
   const double x = double(r.minPoint().x()), y = double(r.minPoint().y());
   return {x, y, double(r.maxPoint().x()) - x, double(r.maxPoint().y()) - y};
 }
 
 /// A point: the square around the centre of its pixel.
-inline Extent ToExtent(VuPoint p, float size) {
+inline RectD ToRectD(VuPoint p, float size) {
   const double side = static_cast<double>(size);
   return {p.x + 0.5 - side / 2, p.y + 0.5 - side / 2, side, side};
 }
 
 /// What is copied of a surface for an operation that reads `rect` of it, which goes by the copy
 /// from there on: all pixels that it touches, perhaps none. Null stands for all there are.
-Box TakePart(Extent* rect, const Box& bounds);
+Box TakePart(RectD* rect, const Box& bounds);
 
 /// Where a rectangle of a primitive comes to lie on the surface.
 ///
@@ -98,11 +98,11 @@ enum class Edges { OnWholePixels, SubPixel };
 
 /// Places `r` by `m`. An axis-aligned result is moved to the nearest whole pixels when `edges`
 /// asks for it. Nothing for what has no area or is not finite.
-std::optional<Placement> Place(const Extent& r, const VuTMatrix2D<float>& m, Edges edges);
+std::optional<Placement> Place(const RectD& r, const VuTMatrix2D<float>& m, Edges edges);
 
 /// The usual case, worked out quickly: where `r` comes to lie, on whole pixels, by a matrix without
 /// rotation. Nothing, which says nothing, in any other case.
-std::optional<Box> PlaceUpright(const Extent& r, const VuTMatrix2D<float>& m);
+std::optional<Box> PlaceUpright(const RectD& r, const VuTMatrix2D<float>& m);
 
 /// By how much `m` moves everything, if that is all it does, rounded as PlaceUpright() rounds what
 /// lies on whole pixels.
@@ -117,7 +117,7 @@ struct SourcePlacement {
 
 /// Places `srcRect` of a source, of which there is `bounds`, so that it fills `whole`. Nothing if
 /// there is nothing to draw.
-std::optional<SourcePlacement> PlaceSource(const Extent& srcRect, const Box& bounds,
+std::optional<SourcePlacement> PlaceSource(const RectD& srcRect, const Box& bounds,
                                            const Placement& whole, VuScaleMode mode);
 
 /// Where a mask comes to lie over a primitive.

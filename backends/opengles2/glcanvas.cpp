@@ -115,7 +115,7 @@ uint32_t GlCanvas::Shade(VuColor color) const {
   return target_->Channels(Premultiply(color));
 }
 
-void GlCanvas::DrawRect(const Extent& rect, VuColor color, const MatrixF& m, const Mask* mask) {
+void GlCanvas::DrawRect(const RectD& rect, VuColor color, const MatrixF& m, const Mask* mask) {
   if (!Refresh()) return;
   if (!mask)
     if (const std::optional<Box> box = PlaceUpright(rect, m)) return PaintBox(*box, Shade(color));
@@ -157,7 +157,7 @@ bool GlCanvas::BlitBox(VuRect dst, Source src, VuRect srcRect, const MatrixF& m,
 
 void GlCanvas::DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m, const Mask* mask) {
   if (!Refresh()) return;
-  const std::optional<Placement> placement = Place(ToExtent(p, size), m, Edges::OnWholePixels);
+  const std::optional<Placement> placement = Place(ToRectD(p, size), m, Edges::OnWholePixels);
   if (!placement) return;
   if (!mask) return Paint(*placement, Filling(), Shade(color), nullptr);
   const Point at = ToPoint(*mask->coords);
@@ -194,7 +194,7 @@ void GlCanvas::PaintMaskedPixel(int x, int y, uint32_t color, const Source& mask
   PaintShape({Polygon(pixel), toSurface, true}, Filling(), color, &placed);
 }
 
-void GlCanvas::DrawObject(const Extent& dst, const Source& src, const Extent& srcRect, Edges edges,
+void GlCanvas::DrawObject(const RectD& dst, const Source& src, const RectD& srcRect, Edges edges,
                           const MatrixF& m, VuColor color, const Mask* mask) {
   if (!Refresh()) return;
   const std::optional<Placement> whole = Place(dst, m, edges);

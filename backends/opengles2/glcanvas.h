@@ -45,8 +45,8 @@ class GlCanvas {
 
   void DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m, const Mask* mask);
   void DrawLine(VuPoint from, VuPoint to, VuColor color, const MatrixF& m, const Mask* mask);
-  void DrawRect(const Extent& rect, VuColor color, const MatrixF& m, const Mask* mask);
-  void DrawObject(const Extent& dst, const Source& src, const Extent& srcRect, Edges edges,
+  void DrawRect(const RectD& rect, VuColor color, const MatrixF& m, const Mask* mask);
+  void DrawObject(const RectD& dst, const Source& src, const RectD& srcRect, Edges edges,
                   const MatrixF& m, VuColor color, const Mask* mask);
 
   /// The usual cases, worked out quickly; false, with nothing drawn, in any other. Rectangles come

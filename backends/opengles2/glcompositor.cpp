@@ -35,7 +35,7 @@ const char* FaultOf(const LayerDescription* layers, int count) {
   return nullptr;
 }
 
-Extent ToExtent(const VuRect& r, const VuRect& all) {
+RectD ToRectD(const VuRect& r, const VuRect& all) {
   const VuRect& used = r.width > 0 && r.height > 0 ? r : all;
   return {double(used.x), double(used.y), double(used.width), double(used.height)};
 }
@@ -195,8 +195,8 @@ void GlLayers::Compose(const GlCompositor::Stack& stack) {
     GlScreen& screen = *layer->screen;
     const Source<GlTexture> source = {screen.Drawing().Texture(), screen.GetScaleMode()};
     const VuColor opacity{uint32_t{description.opacity} << 24 | 0x00FFFFFFu};
-    canvas_.DrawObject(ToExtent(description.destination, all), source,
-                       ToExtent(description.source, screen.GetBounds()), Edges::OnWholePixels, {},
+    canvas_.DrawObject(ToRectD(description.destination, all), source,
+                       ToRectD(description.source, screen.GetBounds()), Edges::OnWholePixels, {},
                        opacity, nullptr);
   }
 }

@@ -4,7 +4,7 @@
 
 namespace ZIRK::backends {
 
-bool GlRenderer::Resolve(VuBitmapImpl& surface, Extent* rect, Source& source, SourceCopy& copy) {
+bool GlRenderer::Resolve(VuBitmapImpl& surface, RectD* rect, Source& source, SourceCopy& copy) {
   source = FindSource(*sources_, surface, Device());
   if (source.pixels && source.pixels != Texture()) return true;
   const Box part = TakePart(rect, ToBox(surface.GetBounds()));
@@ -64,7 +64,7 @@ bool GlRenderer::DrawGlyph(const TextLayout::Glyph& glyph, const LineStyle<GlTex
   if (!style.mask &&
       GlCanvas::BlitBox(glyph.destination, atlas, glyph.source, style.matrix, style.color))
     return true;
-  DrawObject(ToExtent(glyph.destination), atlas, ToExtent(glyph.source), Edges::OnWholePixels,
+  DrawObject(ToRectD(glyph.destination), atlas, ToRectD(glyph.source), Edges::OnWholePixels,
              style.matrix, style.color, style.mask);
   return true;
 }

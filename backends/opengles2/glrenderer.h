@@ -23,7 +23,7 @@ class GlRenderer : public GlCanvas, public TextDrawing<GlRenderer, GlTexture> {
 
   using Pixels = GlTexture;
   using SourceCopy = std::unique_ptr<GlTexture>;
-  bool Resolve(VuBitmapImpl& surface, Extent* part, Source& source, SourceCopy& copy);
+  bool Resolve(VuBitmapImpl& surface, RectD* part, Source& source, SourceCopy& copy);
 
   // --- Drawing ---
 

@@ -24,7 +24,7 @@ void Painter::TakeState() {
   clip_ = Intersection(ToBox(state_.clip), target_.Bounds());
 }
 
-void Painter::DrawRect(const Extent& rect, VuColor color, const MatrixF& m, const Mask* mask) {
+void Painter::DrawRect(const RectD& rect, VuColor color, const MatrixF& m, const Mask* mask) {
   Refresh();
   if (!mask)
     if (const std::optional<Box> box = PlaceUpright(rect, m))
@@ -35,7 +35,7 @@ void Painter::DrawRect(const Extent& rect, VuColor color, const MatrixF& m, cons
 
 void Painter::DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m, const Mask* mask) {
   Refresh();
-  const std::optional<Placement> placement = Place(ToExtent(p, size), m, Edges::OnWholePixels);
+  const std::optional<Placement> placement = Place(ToRectD(p, size), m, Edges::OnWholePixels);
   if (!placement) return;
   uint32_t shade = Premultiply(color);
   if (mask) {
@@ -45,7 +45,7 @@ void Painter::DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m, 
   Paint(*placement, *placement, nullptr, shade, nullptr);
 }
 
-void Painter::DrawObject(const Extent& dst, const Source& src, const Extent& srcRect, Edges edges,
+void Painter::DrawObject(const RectD& dst, const Source& src, const RectD& srcRect, Edges edges,
                          const MatrixF& m, VuColor color, const Mask* mask) {
   Refresh();
   if (edges == Edges::OnWholePixels && !mask && DrawUnscaled(dst, src, srcRect, m, color)) return;
@@ -79,7 +79,7 @@ bool Painter::BlitBox(const VuRect& dst, const Source& src, const VuRect& srcRec
 }
 
 /// Whether the source needs no resampling; then it has been drawn.
-bool Painter::DrawUnscaled(const Extent& dst, const Source& src, const Extent& srcRect,
+bool Painter::DrawUnscaled(const RectD& dst, const Source& src, const RectD& srcRect,
                            const MatrixF& m, VuColor color) {
   const std::optional<Box> box = PlaceUpright(dst, m);
   if (!box || box->Width() != srcRect.width || box->Height() != srcRect.height) return false;

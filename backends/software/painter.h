@@ -31,9 +31,9 @@ class Painter {
   void DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m, const Mask* mask);
   void DrawLine(VuPoint from, VuPoint to, VuColor color, const MatrixF& m, const Mask* mask);
   /// A rectangle of one colour, with its edges on whole pixels where it comes out axis-aligned.
-  void DrawRect(const Extent& rect, VuColor color, const MatrixF& m, const Mask* mask);
+  void DrawRect(const RectD& rect, VuColor color, const MatrixF& m, const Mask* mask);
   /// The part `srcRect` of `src` in the place of `dst`.
-  void DrawObject(const Extent& dst, const Source& src, const Extent& srcRect, Edges edges,
+  void DrawObject(const RectD& dst, const Source& src, const RectD& srcRect, Edges edges,
                   const MatrixF& m, VuColor color, const Mask* mask);
 
   /// The usual cases, worked out quickly; false, with nothing drawn, in any other.
@@ -64,7 +64,7 @@ class Painter {
                             uint32_t color);
 
  private:
-  bool DrawUnscaled(const Extent& dst, const Source& src, const Extent& srcRect, const MatrixF& m,
+  bool DrawUnscaled(const RectD& dst, const Source& src, const RectD& srcRect, const MatrixF& m,
                     VuColor color);
   void PaintBox(const Box& whole, const Texture* texture, uint32_t color);
   void Paint(const Placement& placement, const Placement& whole, const Texture* texture,

@@ -28,7 +28,7 @@ Source<const PixelBuffer> FindSource(PixelSources& sources, VuBitmapImpl& surfac
   return {sources.PixelsOf(surface), surface.GetScaleMode()};
 }
 
-bool SoftwareRenderer::Resolve(VuBitmapImpl& surface, Extent* rect, Source& source,
+bool SoftwareRenderer::Resolve(VuBitmapImpl& surface, RectD* rect, Source& source,
                                SourceCopy& copy) const {
   source = FindSource(*sources_, surface);
   if (source.pixels && source.pixels != &pixels_) return true;
@@ -92,7 +92,7 @@ inline bool SoftwareRenderer::DrawGlyph(const TextLayout::Glyph& glyph,
   const PixelBuffer* const atlas = FindSource(*sources_, *glyph.atlas).pixels;
   if (!atlas) return false;
   if (!style.move) {
-    DrawObject(ToExtent(glyph.destination), {atlas, VuScaleMode::Bilinear}, ToExtent(glyph.source),
+    DrawObject(ToRectD(glyph.destination), {atlas, VuScaleMode::Bilinear}, ToRectD(glyph.source),
                Edges::OnWholePixels, style.matrix, style.color, style.mask);
     return true;
   }

@@ -43,7 +43,7 @@ class SoftwareRenderer : private OwnPixels,
 
   using Pixels = const PixelBuffer;
   using SourceCopy = std::optional<PixelBuffer>;
-  bool Resolve(VuBitmapImpl& surface, Extent* part, Source& source, SourceCopy& copy) const;
+  bool Resolve(VuBitmapImpl& surface, RectD* part, Source& source, SourceCopy& copy) const;
 
   // --- Drawing ---
 

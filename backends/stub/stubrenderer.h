@@ -20,7 +20,7 @@ class StubRenderer {
 
   struct Pixels {};
   struct SourceCopy {};
-  bool Resolve(VuBitmapImpl&, Extent*, Source<Pixels>&, SourceCopy&) { return true; }
+  bool Resolve(VuBitmapImpl&, RectD*, Source<Pixels>&, SourceCopy&) { return true; }
 
   // --- Drawing ---
 
@@ -28,9 +28,9 @@ class StubRenderer {
   bool BlitBox(VuRect, VuBitmapImpl&, VuRect, const MatrixF&, VuColor) { return true; }
   void DrawPoint(VuPoint, float, VuColor, const MatrixF&, const Mask<Pixels>*) {}
   void DrawLine(VuPoint, VuPoint, VuColor, const MatrixF&, const Mask<Pixels>*) {}
-  void DrawRect(const Extent&, VuColor, const MatrixF&, const Mask<Pixels>*) {}
-  void DrawObject(const Extent&, const Source<Pixels>&, const Extent&, Edges, const MatrixF&,
-                  VuColor, const Mask<Pixels>*) {}
+  void DrawRect(const RectD&, VuColor, const MatrixF&, const Mask<Pixels>*) {}
+  void DrawObject(const RectD&, const Source<Pixels>&, const RectD&, Edges, const MatrixF&, VuColor,
+                  const Mask<Pixels>*) {}
   void DrawText(const TextArguments&, VuColor, const MatrixF&, const Mask<Pixels>*) {}
 
   // --- Pixels ---

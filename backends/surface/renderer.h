@@ -27,7 +27,7 @@ namespace ZIRK::backends {
 // in place of one; by default nothing.
 
 template <class R>
-concept ReadsSurfaces = requires(R& renderer, VuBitmapImpl& surface, Extent* part,
+concept ReadsSurfaces = requires(R& renderer, VuBitmapImpl& surface, RectD* part,
                                  Source<typename R::Pixels>& source, typename R::SourceCopy& copy) {
   requires std::default_initializable<typename R::SourceCopy>;
 
@@ -45,7 +45,7 @@ concept ReadsSurfaces = requires(R& renderer, VuBitmapImpl& surface, Extent* par
 
 template <class R>
 concept DrawsPrimitives = requires(R& renderer, VuPoint point, float size, VuRect rect,
-                                   const Extent& extent, Edges edges, VuBitmapImpl& surface,
+                                   const RectD& extent, Edges edges, VuBitmapImpl& surface,
                                    const TextArguments& text, VuColor color, const MatrixF& matrix,
                                    const Source<typename R::Pixels>& source,
                                    const Mask<typename R::Pixels>* mask) {

@@ -115,21 +115,21 @@ class Surface : public Base {
     const DrawTimer timer = DrawTimer::Drawing();
     if (!mask && m.isIdentity() && renderer_.FillBox(rect, color)) return;
     const GivenMask given(renderer_, mask, maskCoords);
-    if (given) renderer_.DrawRect(ToExtent(rect), color, m, given.OrNull());
+    if (given) renderer_.DrawRect(ToRectD(rect), color, m, given.OrNull());
   }
   void DrawObject(VuRect dst, VuBitmapImpl* src, VuRect srcRect, MatrixF m, VuColor color,
                   VuBitmapImpl* mask, VuTVector2D<float>* maskCoords) final {
     if (!src) return;
     const DrawTimer timer = DrawTimer::Drawing();
     if (!mask && renderer_.BlitBox(dst, *src, srcRect, m, color)) return;
-    DrawSource(ToExtent(dst), *src, ToExtent(srcRect), Edges::OnWholePixels, m, color, mask,
+    DrawSource(ToRectD(dst), *src, ToRectD(srcRect), Edges::OnWholePixels, m, color, mask,
                maskCoords);
   }
   void DrawObject(VuTRect2D<float> dst, VuBitmapImpl* src, VuTRect2D<float> srcRect, MatrixF m,
                   VuColor color, VuBitmapImpl* mask, VuTVector2D<float>* maskCoords) final {
     if (!src) return;
     const DrawTimer timer = DrawTimer::Drawing();
-    DrawSource(ToExtent(dst), *src, ToExtent(srcRect), Edges::SubPixel, m, color, mask, maskCoords);
+    DrawSource(ToRectD(dst), *src, ToRectD(srcRect), Edges::SubPixel, m, color, mask, maskCoords);
   }
   void DrawText(VuFontImpl* font, const char* text, VuPoint pos, VuColor color, MatrixF m,
                 VuBitmapImpl* mask, VuTVector2D<float>* maskCoords, VuRect rect) final {
@@ -234,9 +234,9 @@ class Surface : public Base {
   }
 
   // Apart, for the usual cases to need few registers.
-  [[gnu::noinline]] void DrawSource(const Extent& dst, VuBitmapImpl& src, Extent srcRect,
-                                    Edges edges, const MatrixF& m, VuColor color,
-                                    VuBitmapImpl* mask, const VuTVector2D<float>* maskCoords) {
+  [[gnu::noinline]] void DrawSource(const RectD& dst, VuBitmapImpl& src, RectD srcRect, Edges edges,
+                                    const MatrixF& m, VuColor color, VuBitmapImpl* mask,
+                                    const VuTVector2D<float>* maskCoords) {
     const GivenMask given(renderer_, mask, maskCoords);
     if (!given) return;
     Source<Pixels> source{};

@@ -55,7 +55,7 @@ void TextDrawing<Renderer, Pixels>::DrawText(const TextArguments& text, VuColor 
     std::optional<Placement> line;
     Mask<Pixels> overLine{};
     if (mask) {
-      line = Place(ToExtent(layout.Box()), m, Edges::OnWholePixels);
+      line = Place(ToRectD(layout.Box()), m, Edges::OnWholePixels);
       if (!line) return;
       overLine = {mask->source, mask->coords, &*line};
       style.mask = &overLine;
