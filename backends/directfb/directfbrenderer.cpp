@@ -194,10 +194,10 @@ bool DirectFbRenderer::FillBox(const VuRect& rect, VuColor color) {
 
 void DirectFbRenderer::DrawRect(const RectD& rect, VuColor color, const MatrixF& m,
                                 const Mask* mask) {
-  const std::optional<Placement> placement = Place(rect, m, Edges::OnWholePixels);
-  if (!placement) return;
+  const std::optional<MappedQuad> quad = MapRect(rect, m, Edges::OnWholePixels);
+  if (!quad) return;
   const std::lock_guard lock(DirectFbMutex());
-  if (!mask && placement->hardEdged && Fill(placement->box, Premultiply(color))) return;
+  if (!mask && quad->hardEdged && Fill(quad->box, Premultiply(color))) return;
   Paint(nullptr, mask,
         [&](const auto&, const auto* through) { painter_.DrawRect(rect, color, m, through); });
 }
@@ -212,7 +212,7 @@ void DirectFbRenderer::DrawPoint(VuPoint p, float size, VuColor color, const Mat
 
 void DirectFbRenderer::DrawLine(VuPoint from, VuPoint to, VuColor color, const MatrixF& m,
                                 const Mask* mask) {
-  const std::optional<Hairline> line = PlaceLine(from, to, m);
+  const std::optional<Hairline> line = MapLine(from, to, m);
   if (!line) return;
   const std::lock_guard lock(DirectFbMutex());
   if (!mask && FillLine(*line, Premultiply(color))) return;
@@ -224,7 +224,7 @@ bool DirectFbRenderer::BlitBox(const VuRect& dst, VuBitmapImpl& src, const VuRec
                                const MatrixF& m, VuColor color) {
   DirectFbRenderer* const source = FindRenderer(src);
   if (!source || source == this || srcRect.width <= 0 || srcRect.height <= 0) return false;
-  const std::optional<Box> box = PlaceUpright(ToRectD(dst), m);
+  const std::optional<Box> box = MapUpright(ToRectD(dst), m);
   if (!box || !source->pixels_.Bounds().Contains(ToBox(srcRect))) return false;
   const std::lock_guard lock(DirectFbMutex());
   return Blit(*source, srcRect, *box, Premultiply(color));

@@ -37,8 +37,8 @@ bool IsSingular(const VuTMatrix2D<float>& m) {
 
 }  // namespace
 
-std::optional<Hairline> PlaceLine(VuPoint from, VuPoint to, const VuTMatrix2D<float>& m) {
-  Point a = Map(m, from.x, from.y), b = Map(m, to.x, to.y);
+std::optional<Hairline> MapLine(VuPoint from, VuPoint to, const VuTMatrix2D<float>& m) {
+  Point a = MapPoint(m, from.x, from.y), b = MapPoint(m, to.x, to.y);
   if (IsSingular(m) || !IsFinite(a) || !IsFinite(b) || !CutLine(a, b)) return std::nullopt;
   Hairline line = {NearestPixel(a.x), NearestPixel(a.y), NearestPixel(b.x), NearestPixel(b.y),
                    false};

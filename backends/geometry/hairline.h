@@ -9,7 +9,7 @@
 #include <optional>
 
 #include "geometry/box.h"
-#include "geometry/placement.h"
+#include "geometry/mapping.h"
 
 namespace ZIRK::backends {
 
@@ -25,7 +25,7 @@ struct Hairline {
 
 /// Where a line comes to lie on the surface; nothing for a singular matrix, or if no coordinate is
 /// near enough to count with.
-std::optional<Hairline> PlaceLine(VuPoint from, VuPoint to, const VuTMatrix2D<float>& m);
+std::optional<Hairline> MapLine(VuPoint from, VuPoint to, const VuTMatrix2D<float>& m);
 
 /// Positions at the first and last pixel of a line.
 struct LineEnds {

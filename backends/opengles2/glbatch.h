@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "geometry/placement.h"
+#include "geometry/mapping.h"
 #include "opengles2/glprograms.h"
 #include "opengles2/gltexture.h"
 #include "surface/surfacestate.h"

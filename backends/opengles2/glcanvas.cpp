@@ -118,12 +118,12 @@ uint32_t GlCanvas::Shade(VuColor color) const {
 void GlCanvas::DrawRect(const RectD& rect, VuColor color, const MatrixF& m, const Mask* mask) {
   if (!Refresh()) return;
   if (!mask)
-    if (const std::optional<Box> box = PlaceUpright(rect, m)) return PaintBox(*box, Shade(color));
-  const std::optional<Placement> placement = Place(rect, m, Edges::OnWholePixels);
-  if (!placement) return;
-  const std::optional<PlacedMask> placed = mask ? PlaceOver(*placement, *mask) : std::nullopt;
+    if (const std::optional<Box> box = MapUpright(rect, m)) return PaintBox(*box, Shade(color));
+  const std::optional<MappedQuad> quad = MapRect(rect, m, Edges::OnWholePixels);
+  if (!quad) return;
+  const std::optional<PlacedMask> placed = mask ? PlaceOver(*quad, *mask) : std::nullopt;
   if (mask && !placed) return;
-  Paint(*placement, Filling(), Shade(color), placed ? &*placed : nullptr);
+  Paint(*quad, Filling(), Shade(color), placed ? &*placed : nullptr);
 }
 
 bool GlCanvas::FillBox(VuRect r, VuColor color) {
@@ -140,7 +140,7 @@ bool GlCanvas::BlitBox(VuRect dst, Source src, VuRect srcRect, const MatrixF& m,
     box.y1 += dst.height;
   } else {
     const std::optional<Box> placed =
-        PlaceUpright({double(dst.x), double(dst.y), double(dst.width), double(dst.height)}, m);
+        MapUpright({double(dst.x), double(dst.y), double(dst.width), double(dst.height)}, m);
     if (!placed) return false;
     box = *placed;
   }
@@ -157,19 +157,19 @@ bool GlCanvas::BlitBox(VuRect dst, Source src, VuRect srcRect, const MatrixF& m,
 
 void GlCanvas::DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m, const Mask* mask) {
   if (!Refresh()) return;
-  const std::optional<Placement> placement = Place(ToRectD(p, size), m, Edges::OnWholePixels);
-  if (!placement) return;
-  if (!mask) return Paint(*placement, Filling(), Shade(color), nullptr);
+  const std::optional<MappedQuad> quad = MapRect(ToRectD(p, size), m, Edges::OnWholePixels);
+  if (!quad) return;
+  if (!mask) return Paint(*quad, Filling(), Shade(color), nullptr);
   const Point at = ToPoint(*mask->coords);
   const PlacedMask placed = PlaceAt(at, mask->source);
   const bool finite = IsFinite(at);
-  Paint(*placement, Filling(), finite ? Shade(color) : 0, finite ? &placed : nullptr);
+  Paint(*quad, Filling(), finite ? Shade(color) : 0, finite ? &placed : nullptr);
 }
 
 void GlCanvas::DrawLine(VuPoint from, VuPoint to, VuColor color, const MatrixF& m,
                         const Mask* mask) {
   if (!Refresh()) return;
-  const std::optional<Hairline> line = PlaceLine(from, to, m);
+  const std::optional<Hairline> line = MapLine(from, to, m);
   if (!line) return;
   const Box box = Visible(line->Bounds());
   if (box.IsEmpty()) return;
@@ -197,10 +197,10 @@ void GlCanvas::PaintMaskedPixel(int x, int y, uint32_t color, const Source& mask
 void GlCanvas::DrawObject(const RectD& dst, const Source& src, const RectD& srcRect, Edges edges,
                           const MatrixF& m, VuColor color, const Mask* mask) {
   if (!Refresh()) return;
-  const std::optional<Placement> whole = Place(dst, m, edges);
+  const std::optional<MappedQuad> whole = MapRect(dst, m, edges);
   if (!whole) return;
-  const std::optional<SourcePlacement> source =
-      PlaceSource(srcRect, src.pixels->Bounds(), *whole, src.scaleMode);
+  const std::optional<MappedSource> source =
+      MapSource(srcRect, src.pixels->Bounds(), *whole, src.scaleMode);
   if (!source) return;
   const std::optional<PlacedMask> placed =
       mask ? PlaceOver(mask->primitive ? *mask->primitive : *whole, *mask) : std::nullopt;
@@ -216,12 +216,12 @@ void GlCanvas::PaintBox(const Box& box, uint32_t color) {
                color);
 }
 
-std::optional<GlCanvas::PlacedMask> GlCanvas::PlaceOver(const Placement& primitive,
+std::optional<GlCanvas::PlacedMask> GlCanvas::PlaceOver(const MappedQuad& primitive,
                                                         const Mask& mask) {
   GlTexture* const texture = mask.source.pixels;
   const VuScaleMode mode = mask.source.scaleMode;
-  const std::optional<MaskPlacement> place =
-      PlaceMask(texture->Width(), texture->Height(), mask.coords, primitive, mode);
+  const std::optional<MappedMask> place =
+      MapMask(texture->Width(), texture->Height(), mask.coords, primitive, mode);
   return place ? std::optional(PlacedMask{texture, FilterOf(mode), *place}) : std::nullopt;
 }
 
@@ -230,13 +230,13 @@ GlCanvas::PlacedMask GlCanvas::PlaceAt(Point at, const Source& mask) {
   return {mask.pixels, FilterOf(mask.scaleMode), {{at, {0, 0}, {0, 0}}, {}, {0, 0}}};
 }
 
-void GlCanvas::Paint(const Placement& placement, const Filling& filling, uint32_t color,
+void GlCanvas::Paint(const MappedQuad& quad, const Filling& filling, uint32_t color,
                      const PlacedMask* mask) {
-  const Box box = Visible(placement.box);
+  const Box box = Visible(quad.box);
   if (box.IsEmpty()) return;
-  const Point* const c = placement.corners;
-  Shape shape = {Polygon(box), {c[0], c[1] - c[0], c[3] - c[0]}, placement.hardEdged};
-  if (!placement.hardEdged) shape.outline = Polygon::Around(shape.toSurface, box);
+  const Point* const c = quad.corners;
+  Shape shape = {Polygon(box), {c[0], c[1] - c[0], c[3] - c[0]}, quad.hardEdged};
+  if (!quad.hardEdged) shape.outline = Polygon::Around(shape.toSurface, box);
   PaintShape(shape, filling, color, mask);
 }
 

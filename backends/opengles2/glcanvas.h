@@ -11,7 +11,7 @@
 #include <utility>
 
 #include "geometry/hairline.h"
-#include "geometry/placement.h"
+#include "geometry/mapping.h"
 #include "opengles2/glbatch.h"
 #include "opengles2/gldevice.h"
 #include "opengles2/gltexture.h"
@@ -75,11 +75,11 @@ class GlCanvas {
   struct PlacedMask {
     GlTexture* texture;
     GLint filter;
-    MaskPlacement place;
+    MappedMask place;
   };
   struct Shape;
 
-  static std::optional<PlacedMask> PlaceOver(const Placement& primitive, const Mask& mask);
+  static std::optional<PlacedMask> PlaceOver(const MappedQuad& primitive, const Mask& mask);
   static PlacedMask PlaceAt(Point at, const Source& mask);
   static bool NeedsLimits(const Filling& filling);
   DrawKey KeyFor(const Shape& shape, const Filling& filling, const PlacedMask* mask) const;
@@ -92,7 +92,7 @@ class GlCanvas {
   Box Visible(const Box& box) const { return Intersection(box, clip_); }
 
   void PaintBox(const Box& box, uint32_t color);
-  void Paint(const Placement& placement, const Filling& filling, uint32_t color,
+  void Paint(const MappedQuad& quad, const Filling& filling, uint32_t color,
              const PlacedMask* mask);
   void PaintShape(const Shape& shape, const Filling& filling, uint32_t color,
                   const PlacedMask* mask);

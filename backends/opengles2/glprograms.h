@@ -44,7 +44,7 @@ struct ShapedVertex {
 struct MaskedVertex {
   ShapedVertex shaped;
   GlPoint mask;   ///< Texels.
-  GlPoint twist;  ///< See MaskPlacement.
+  GlPoint twist;  ///< See MappedMask.
 };
 
 /// The size of a vertex in words of 32 bits.

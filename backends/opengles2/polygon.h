@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "geometry/placement.h"
+#include "geometry/mapping.h"
 
 namespace ZIRK::backends {
 

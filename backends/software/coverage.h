@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "geometry/box.h"
-#include "geometry/placement.h"
+#include "geometry/mapping.h"
 #include "surface/drawmemory.h"
 
 namespace ZIRK::backends {

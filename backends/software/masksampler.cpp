@@ -13,13 +13,13 @@ constexpr double kTolerance = 1.0 / 1024;
 
 std::optional<MaskSampler> MaskSampler::Create(const Source<const PixelBuffer>& mask,
                                                const VuTVector2D<float>* coords,
-                                               const Placement& placement, const Box& area) {
-  const std::optional<MaskPlacement> place =
-      PlaceMask(mask.pixels->Width(), mask.pixels->Height(), coords, placement, mask.scaleMode);
+                                               const MappedQuad& quad, const Box& area) {
+  const std::optional<MappedMask> place =
+      MapMask(mask.pixels->Width(), mask.pixels->Height(), coords, quad, mask.scaleMode);
   return place ? std::optional(MaskSampler(mask, *place, area)) : std::nullopt;
 }
 
-MaskSampler::MaskSampler(const Source<const PixelBuffer>& mask, const MaskPlacement& place,
+MaskSampler::MaskSampler(const Source<const PixelBuffer>& mask, const MappedMask& place,
                          const Box& area)
     : texture_(*mask.pixels, mask.pixels->Bounds(), mask.scaleMode, place.toMask, area),
       place_(place),

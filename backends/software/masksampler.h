@@ -12,12 +12,12 @@ namespace ZIRK::backends {
 /// The coverage that a mask gives to a primitive.
 class MaskSampler {
  public:
-  /// `coords` are the mask's positions at the four corners of the unit square of `placement`; null
+  /// `coords` are the mask's positions at the four corners of the unit square of `quad`; null
   /// lays the mask over it. Only the pixels of `area` will be asked for. Nothing if a coordinate
   /// is not finite.
   static std::optional<MaskSampler> Create(const Source<const PixelBuffer>& mask,
-                                           const VuTVector2D<float>* coords,
-                                           const Placement& placement, const Box& area);
+                                           const VuTVector2D<float>* coords, const MappedQuad& quad,
+                                           const Box& area);
 
   /// Coverage of `count` pixels, at most kChunk, from (x, y) on. It is written to `scratch`, or
   /// stands where the result points.
@@ -31,10 +31,10 @@ class MaskSampler {
   const Texture& Texels() const { return texture_; }
 
  private:
-  MaskSampler(const Source<const PixelBuffer>& mask, const MaskPlacement& place, const Box& area);
+  MaskSampler(const Source<const PixelBuffer>& mask, const MappedMask& place, const Box& area);
 
   Texture texture_;
-  MaskPlacement place_;
+  MappedMask place_;
   bool twisted_;  ///< Positions cannot be told by `place_.toMask` alone.
 };
 

@@ -27,32 +27,32 @@ void Painter::TakeState() {
 void Painter::DrawRect(const RectD& rect, VuColor color, const MatrixF& m, const Mask* mask) {
   Refresh();
   if (!mask)
-    if (const std::optional<Box> box = PlaceUpright(rect, m))
+    if (const std::optional<Box> box = MapUpright(rect, m))
       return PaintBox(*box, nullptr, Premultiply(color));
-  const std::optional<Placement> placement = Place(rect, m, Edges::OnWholePixels);
-  if (placement) Paint(*placement, *placement, nullptr, Premultiply(color), mask);
+  const std::optional<MappedQuad> quad = MapRect(rect, m, Edges::OnWholePixels);
+  if (quad) Paint(*quad, *quad, nullptr, Premultiply(color), mask);
 }
 
 void Painter::DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m, const Mask* mask) {
   Refresh();
-  const std::optional<Placement> placement = Place(ToRectD(p, size), m, Edges::OnWholePixels);
-  if (!placement) return;
+  const std::optional<MappedQuad> quad = MapRect(ToRectD(p, size), m, Edges::OnWholePixels);
+  if (!quad) return;
   uint32_t shade = Premultiply(color);
   if (mask) {
     const Point at = ToPoint(*mask->coords);
     shade = ScalePixel(shade, MaskPoints(mask->source).AlphaAt(at));
   }
-  Paint(*placement, *placement, nullptr, shade, nullptr);
+  Paint(*quad, *quad, nullptr, shade, nullptr);
 }
 
 void Painter::DrawObject(const RectD& dst, const Source& src, const RectD& srcRect, Edges edges,
                          const MatrixF& m, VuColor color, const Mask* mask) {
   Refresh();
   if (edges == Edges::OnWholePixels && !mask && DrawUnscaled(dst, src, srcRect, m, color)) return;
-  const std::optional<Placement> whole = Place(dst, m, edges);
+  const std::optional<MappedQuad> whole = MapRect(dst, m, edges);
   if (!whole) return;
-  const std::optional<SourcePlacement> source =
-      PlaceSource(srcRect, src.pixels->Bounds(), *whole, src.scaleMode);
+  const std::optional<MappedSource> source =
+      MapSource(srcRect, src.pixels->Bounds(), *whole, src.scaleMode);
   if (!source) return;
   const Box visible = Visible(source->part.box);
   if (visible.IsEmpty()) return;
@@ -81,7 +81,7 @@ bool Painter::BlitBox(const VuRect& dst, const Source& src, const VuRect& srcRec
 /// Whether the source needs no resampling; then it has been drawn.
 bool Painter::DrawUnscaled(const RectD& dst, const Source& src, const RectD& srcRect,
                            const MatrixF& m, VuColor color) {
-  const std::optional<Box> box = PlaceUpright(dst, m);
+  const std::optional<Box> box = MapUpright(dst, m);
   if (!box || box->Width() != srcRect.width || box->Height() != srcRect.height) return false;
   const bool inside = srcRect.x >= 0 && srcRect.y >= 0 &&
                       srcRect.x + srcRect.width <= src.pixels->Width() &&
@@ -110,10 +110,10 @@ void Painter::PaintBox(const Box& whole, const Texture* texture, uint32_t color)
   PaintRows(box, texture, color, nullptr);
 }
 
-/// Draws `placement`, a part of `whole`, over which the mask lies.
-void Painter::Paint(const Placement& placement, const Placement& whole, const Texture* texture,
+/// Draws `quad`, a part of `whole`, over which the mask lies.
+void Painter::Paint(const MappedQuad& quad, const MappedQuad& whole, const Texture* texture,
                     uint32_t color, const Mask* maskArgument) {
-  const Box box = Visible(placement.box);
+  const Box box = Visible(quad.box);
   if (box.IsEmpty()) return;
   const std::optional<MaskSampler> mask =
       maskArgument
@@ -123,7 +123,7 @@ void Painter::Paint(const Placement& placement, const Placement& whole, const Te
   if (maskArgument && !mask) return;
   Touch(box);
   const MaskSampler* const maskOrNull = mask ? &*mask : nullptr;
-  if (!placement.hardEdged) return PaintSlanted(placement, box, texture, color, maskOrNull);
+  if (!quad.hardEdged) return PaintSlanted(quad, box, texture, color, maskOrNull);
   const bool opaque = IsOpaque(color) && (!texture || texture->Pixels().IsOpaque()) && !mask;
   if (PaintAligned(box, texture, color, maskOrNull, opaque)) return;
   PaintRows(box, texture, color, maskOrNull);
@@ -175,12 +175,12 @@ void Painter::PaintRows(const Box& box, const Texture* texture, uint32_t color,
   for (int y = box.y0; y < box.y1; ++y) PaintRow(row, y, texture, color, mask, nullptr);
 }
 
-void Painter::PaintSlanted(const Placement& placement, const Box& box, const Texture* texture,
+void Painter::PaintSlanted(const MappedQuad& quad, const Box& box, const Texture* texture,
                            uint32_t color, const MaskSampler* mask) {
   // In a short row the solid part is drawn with the edges: one operation costs less than three.
   constexpr int kShort = 192;
   if (!scratch_.Reserve(box.Width())) return;
-  QuadCoverage coverage(placement.corners, box, scratch_);
+  QuadCoverage coverage(quad.corners, box, scratch_);
   for (int y = box.y0; y < box.y1; ++y) {
     QuadCoverage::Row row = coverage.Compute(y);
     if (row.solidEnd - row.solidBegin < kShort) row.solidBegin = row.solidEnd = row.end;

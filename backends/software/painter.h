@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "geometry/hairline.h"
-#include "geometry/placement.h"
+#include "geometry/mapping.h"
 #include "software/blender.h"
 #include "software/coverage.h"
 #include "software/masksampler.h"
@@ -67,13 +67,13 @@ class Painter {
   bool DrawUnscaled(const RectD& dst, const Source& src, const RectD& srcRect, const MatrixF& m,
                     VuColor color);
   void PaintBox(const Box& whole, const Texture* texture, uint32_t color);
-  void Paint(const Placement& placement, const Placement& whole, const Texture* texture,
+  void Paint(const MappedQuad& quad, const MappedQuad& whole, const Texture* texture,
              uint32_t color, const Mask* mask);
   bool PaintAligned(const Box& box, const Texture* texture, uint32_t color, const MaskSampler* mask,
                     bool opaque);
   void PaintRows(const Box& box, const Texture* texture, uint32_t color, const MaskSampler* mask);
-  void PaintSlanted(const Placement& placement, const Box& box, const Texture* texture,
-                    uint32_t color, const MaskSampler* mask);
+  void PaintSlanted(const MappedQuad& quad, const Box& box, const Texture* texture, uint32_t color,
+                    const MaskSampler* mask);
   void PaintRow(const QuadCoverage::Row& row, int y, const Texture* texture, uint32_t color,
                 const MaskSampler* mask, const QuadCoverage* coverage);
   void PaintRun(int x0, int x1, int y, const uint32_t* pixels, uint32_t color,

@@ -10,7 +10,7 @@ namespace ZIRK::backends {
 void Painter::DrawLine(VuPoint from, VuPoint to, VuColor color, const MatrixF& m,
                        const Mask* mask) {
   Refresh();
-  const std::optional<Hairline> line = PlaceLine(from, to, m);
+  const std::optional<Hairline> line = MapLine(from, to, m);
   if (!line) return;
   const Box box = Visible(line->Bounds());
   if (box.IsEmpty()) return;

@@ -6,7 +6,7 @@
 #include <cstdint>
 
 #include "geometry/box.h"
-#include "geometry/placement.h"
+#include "geometry/mapping.h"
 #include "software/kernels.h"
 #include "software/pixelbuffer.h"
 

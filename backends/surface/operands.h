@@ -6,7 +6,7 @@
 #include <zirk/vurect.h>
 #include <zirk/vuvector2d.h>
 
-#include "geometry/placement.h"
+#include "geometry/mapping.h"
 
 namespace ZIRK {
 class VuFontImpl;
@@ -29,8 +29,8 @@ struct Source {
 template <class Pixels>
 struct Mask {
   Source<Pixels> source;
-  const VuTVector2D<float>* coords;      ///< As many as the primitive has, or null.
-  const Placement* primitive = nullptr;  ///< What the mask lies over, if not over what is drawn.
+  const VuTVector2D<float>* coords;       ///< As many as the primitive has, or null.
+  const MappedQuad* primitive = nullptr;  ///< What the mask lies over, if not over what is drawn.
 };
 
 /// One line of text. The pen starts at `pos`, the top-left corner of the line. A `rect` that is not

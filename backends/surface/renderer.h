@@ -5,7 +5,7 @@
 #include <concepts>
 
 #include "geometry/box.h"
-#include "geometry/placement.h"
+#include "geometry/mapping.h"
 #include "surface/operands.h"
 #include "surface/surfacestate.h"
 

@@ -6,7 +6,7 @@
 #include <optional>
 #include <utility>
 
-#include "geometry/placement.h"
+#include "geometry/mapping.h"
 #include "geometry/surfaceformat.h"
 #include "surface/drawtimer.h"
 #include "surface/memorybudget.h"

@@ -5,8 +5,8 @@
 #include <new>
 #include <optional>
 
+#include "geometry/mapping.h"
 #include "geometry/pixelmath.h"
-#include "geometry/placement.h"
 #include "surface/drawmemory.h"
 #include "surface/operands.h"
 #include "text/glyphatlasallocator.h"
@@ -52,10 +52,10 @@ void TextDrawing<Renderer, Pixels>::DrawText(const TextArguments& text, VuColor 
     const std::lock_guard lock(owner->DrawingMutex());
 
     LineStyle<Pixels> style = {color, Premultiply(color), m, nullptr, std::nullopt};
-    std::optional<Placement> line;
+    std::optional<MappedQuad> line;
     Mask<Pixels> overLine{};
     if (mask) {
-      line = Place(ToRectD(layout.Box()), m, Edges::OnWholePixels);
+      line = MapRect(ToRectD(layout.Box()), m, Edges::OnWholePixels);
       if (!line) return;
       overLine = {mask->source, mask->coords, &*line};
       style.mask = &overLine;

@@ -68,7 +68,7 @@ Box TakePart(RectD* rect, const Box& bounds);
 ///
 /// The unit square stands for the rectangle: (0, 0) is its top-left corner, (1, 1) its bottom-right
 /// one. `toSurface` takes the unit square to the surface, `toUnit` is its inverse.
-struct Placement {
+struct MappedQuad {
   Affine toSurface;
   Affine toUnit;
   bool hardEdged;  ///< The edges lie on whole pixels: those of `box`, and need no anti-aliasing.
@@ -96,43 +96,43 @@ inline int NearestPixel(double v) {
 
 enum class Edges { OnWholePixels, SubPixel };
 
-/// Places `r` by `m`. An axis-aligned result is moved to the nearest whole pixels when `edges`
+/// Maps `r` by `m`. An axis-aligned result is moved to the nearest whole pixels when `edges`
 /// asks for it. Nothing for what has no area or is not finite.
-std::optional<Placement> Place(const RectD& r, const VuTMatrix2D<float>& m, Edges edges);
+std::optional<MappedQuad> MapRect(const RectD& r, const VuTMatrix2D<float>& m, Edges edges);
 
 /// The usual case, worked out quickly: where `r` comes to lie, on whole pixels, by a matrix without
 /// rotation. Nothing, which says nothing, in any other case.
-std::optional<Box> PlaceUpright(const RectD& r, const VuTMatrix2D<float>& m);
+std::optional<Box> MapUpright(const RectD& r, const VuTMatrix2D<float>& m);
 
-/// By how much `m` moves everything, if that is all it does, rounded as PlaceUpright() rounds what
+/// By how much `m` moves everything, if that is all it does, rounded as MapUpright() rounds what
 /// lies on whole pixels.
 std::optional<VuPoint> WholePixelMove(const VuTMatrix2D<float>& m);
 
 /// Where a rectangle of a source comes to lie.
-struct SourcePlacement {
-  Placement part;    ///< What is drawn: of the rectangle that is filled, as much as there is.
+struct MappedSource {
+  MappedQuad part;   ///< What is drawn: of the rectangle that is filled, as much as there is.
   Affine toTexture;  ///< From the surface to the source, biased.
   Box limits;        ///< The pixels of the source that may be read.
 };
 
-/// Places `srcRect` of a source, of which there is `bounds`, so that it fills `whole`. Nothing if
+/// Maps `srcRect` of a source, of which there is `bounds`, so that it fills `whole`. Nothing if
 /// there is nothing to draw.
-std::optional<SourcePlacement> PlaceSource(const RectD& srcRect, const Box& bounds,
-                                           const Placement& whole, VuScaleMode mode);
+std::optional<MappedSource> MapSource(const RectD& srcRect, const Box& bounds,
+                                      const MappedQuad& whole, VuScaleMode mode);
 
 /// Where a mask comes to lie over a primitive.
-struct MaskPlacement {
+struct MappedMask {
   Affine toMask;  ///< From the surface to the mask, biased.
   Affine toUnit;  ///< From the surface to the unit square of the primitive.
   Point twist;    ///< Times u * v, how positions in the mask depart from those by `toMask`.
 };
 
-/// Places a mask of `width` x `height` over `primitive`: its positions `coords` at the corners, or
+/// Maps a mask of `width` x `height` over `primitive`: its positions `coords` at the corners, or
 /// if they are null all of it. Nothing if a coordinate is not finite.
-std::optional<MaskPlacement> PlaceMask(int width, int height, const VuTVector2D<float>* coords,
-                                       const Placement& primitive, VuScaleMode mode);
+std::optional<MappedMask> MapMask(int width, int height, const VuTVector2D<float>* coords,
+                                  const MappedQuad& primitive, VuScaleMode mode);
 
 /// A position through `m`, in double precision.
-Point Map(const VuTMatrix2D<float>& m, double x, double y);
+Point MapPoint(const VuTMatrix2D<float>& m, double x, double y);
 
 }  // namespace ZIRK::backends

@@ -1,4 +1,4 @@
-#include "geometry/placement.h"
+#include "geometry/mapping.h"
 
 #include <algorithm>
 #include <cmath>
@@ -70,7 +70,7 @@ Affine Inverse(const Affine& a) {
 }
 
 /// Has only the part `u0`..`u1`, `v0`..`v1` of the unit square drawn.
-void SetCorners(Placement& p, double u0, double v0, double u1, double v1) {
+void SetCorners(MappedQuad& p, double u0, double v0, double u1, double v1) {
   p.corners[0] = p.toSurface(u0, v0);
   p.corners[1] = p.toSurface(u1, v0);
   p.corners[2] = p.toSurface(u1, v1);
@@ -128,7 +128,7 @@ Box TakePart(RectD* rect, const Box& bounds) {
   return part;
 }
 
-std::optional<Box> PlaceUpright(const RectD& r, const VuTMatrix2D<float>& m) {
+std::optional<Box> MapUpright(const RectD& r, const VuTMatrix2D<float>& m) {
   if (m.hasRotation() || !(r.width > 0 && r.height > 0)) return std::nullopt;
   const double farX = r.x + r.width, farY = r.y + r.height;
   if (m.isIdentity() && IsNear(r.x) && IsNear(r.y) && IsNear(farX) && IsNear(farY))
@@ -152,19 +152,20 @@ std::optional<VuPoint> WholePixelMove(const VuTMatrix2D<float>& m) {
   return VuPoint{NearestPixel(moveX), NearestPixel(moveY)};
 }
 
-Point Map(const VuTMatrix2D<float>& m, double x, double y) {
+Point MapPoint(const VuTMatrix2D<float>& m, double x, double y) {
   const float* e = m.get();
   return {
       Sum(x, static_cast<double>(e[0]), y, static_cast<double>(e[3]), static_cast<double>(e[6])),
       Sum(x, static_cast<double>(e[1]), y, static_cast<double>(e[4]), static_cast<double>(e[7]))};
 }
 
-std::optional<Placement> Place(const RectD& r, const VuTMatrix2D<float>& m, Edges edges) {
-  Placement p;
+std::optional<MappedQuad> MapRect(const RectD& r, const VuTMatrix2D<float>& m, Edges edges) {
+  MappedQuad p;
   if (!(r.width > 0 && r.height > 0)) return std::nullopt;
-  const Point origin = Map(m, r.x, r.y);
+  const Point origin = MapPoint(m, r.x, r.y);
   // From corner to corner, not extent times element: a neighbour computes the same corner.
-  p.toSurface = {origin, Map(m, r.x + r.width, r.y) - origin, Map(m, r.x, r.y + r.height) - origin};
+  p.toSurface = {origin, MapPoint(m, r.x + r.width, r.y) - origin,
+                 MapPoint(m, r.x, r.y + r.height) - origin};
   if (!IsFinite(p.toSurface.origin) || !IsFinite(p.toSurface.dx) || !IsFinite(p.toSurface.dy))
     return std::nullopt;
 
@@ -178,23 +179,23 @@ std::optional<Placement> Place(const RectD& r, const VuTMatrix2D<float>& m, Edge
   return p;
 }
 
-std::optional<SourcePlacement> PlaceSource(const RectD& srcRect, const Box& bounds,
-                                           const Placement& whole, VuScaleMode mode) {
+std::optional<MappedSource> MapSource(const RectD& srcRect, const Box& bounds,
+                                      const MappedQuad& whole, VuScaleMode mode) {
   if (!(srcRect.width > 0 && srcRect.height > 0) || !IsFinite(srcRect)) return std::nullopt;
   const RectD visible = Cut(srcRect, bounds);
   if (!(visible.width > 0 && visible.height > 0)) return std::nullopt;
   const auto u = [&](double x) { return (x - srcRect.x) / srcRect.width; };
   const auto v = [&](double y) { return (y - srcRect.y) / srcRect.height; };
   const Affine unitToTexture = {{srcRect.x, srcRect.y}, {srcRect.width, 0}, {0, srcRect.height}};
-  SourcePlacement source = {whole, Biased(Compose(unitToTexture, whole.toUnit), mode),
-                            Around(visible)};
+  MappedSource source = {whole, Biased(Compose(unitToTexture, whole.toUnit), mode),
+                         Around(visible)};
   SetCorners(source.part, u(visible.x), v(visible.y), u(visible.x + visible.width),
              v(visible.y + visible.height));
   return source;
 }
 
-std::optional<MaskPlacement> PlaceMask(int width, int height, const VuTVector2D<float>* coords,
-                                       const Placement& primitive, VuScaleMode mode) {
+std::optional<MappedMask> MapMask(int width, int height, const VuTVector2D<float>* coords,
+                                  const MappedQuad& primitive, VuScaleMode mode) {
   const double w = width, h = height;
   Point c[4] = {{0, 0}, {w, 0}, {w, h}, {0, h}};
   for (int i = 0; coords && i < 4; ++i) {
@@ -202,8 +203,8 @@ std::optional<MaskPlacement> PlaceMask(int width, int height, const VuTVector2D<
     if (!IsFinite(c[i])) return std::nullopt;
   }
   const Affine unitToMask = {c[0], c[1] - c[0], c[3] - c[0]};
-  return MaskPlacement{Biased(Compose(unitToMask, primitive.toUnit), mode), primitive.toUnit,
-                       c[0] - c[1] + c[2] - c[3]};
+  return MappedMask{Biased(Compose(unitToMask, primitive.toUnit), mode), primitive.toUnit,
+                    c[0] - c[1] + c[2] - c[3]};
 }
 
 }  // namespace ZIRK::backends
