@@ -187,7 +187,7 @@ bool DirectFbRenderer::Resolve(VuBitmapImpl& surface, RectD* rect, Source& sourc
 // --- Primitives ---------------------------------------------------------------------------------
 
 bool DirectFbRenderer::FillBox(const VuRect& rect, VuColor color) {
-  if (!IsNear(rect)) return false;
+  if (!IsInRange(rect)) return false;
   const std::lock_guard lock(DirectFbMutex());
   return Fill(ToBox(rect), Premultiply(color));
 }
@@ -245,7 +245,7 @@ bool DirectFbRenderer::DrawGlyph(const TextLayout::Glyph& glyph,
   // Atlases are made of bitmaps.
   DirectFbRenderer& atlas = static_cast<DirectFbBitmap*>(glyph.atlas)->Drawing();
   const std::lock_guard lock(DirectFbMutex());
-  if (style.move && IsNear(glyph.destination)) {
+  if (style.move && IsInRange(glyph.destination)) {
     const Box to = ToBox(glyph.destination);
     const VuPoint move = *style.move;
     const Box box = {to.x0 + move.x, to.y0 + move.y, to.x1 + move.x, to.y1 + move.y};

@@ -12,8 +12,9 @@ bool CutLine(Point& a, Point& b) {
   const Point d = b - a;
   double first = 0, last = 1;
   const auto cut = [&](double start, double delta) {
-    if (delta == 0) return std::abs(start) <= kFar;
-    const auto [enter, leave] = std::minmax({(-kFar - start) / delta, (kFar - start) / delta});
+    if (delta == 0) return std::abs(start) <= kMaxCoordinate;
+    const auto [enter, leave] =
+        std::minmax({(-kMaxCoordinate - start) / delta, (kMaxCoordinate - start) / delta});
     first = std::max(first, enter);
     last = std::min(last, leave);
     return true;
@@ -21,7 +22,8 @@ bool CutLine(Point& a, Point& b) {
   if (!cut(a.x, d.x) || !cut(a.y, d.y) || first > last) return false;
   // Cut once more for what precision has lost of huge coordinates.
   const auto near = [](Point p) {
-    return Point{std::clamp(p.x, -kFar, kFar), std::clamp(p.y, -kFar, kFar)};
+    return Point{std::clamp(p.x, -kMaxCoordinate, kMaxCoordinate),
+                 std::clamp(p.y, -kMaxCoordinate, kMaxCoordinate)};
   };
   b = near(a + d * last);
   a = near(a + d * first);

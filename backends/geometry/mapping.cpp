@@ -28,12 +28,12 @@ double NearestWhole(double v) {
   return std::floor(v + 0.5);
 }
 
-int CutToFar(double v) {
-  return static_cast<int>(std::clamp(v, -kFar, kFar));
+int ClampToRange(double v) {
+  return static_cast<int>(std::clamp(v, -kMaxCoordinate, kMaxCoordinate));
 }
 
-bool IsNear(double v) {
-  return std::abs(v) <= kFar;
+bool IsInRange(double v) {
+  return std::abs(v) <= kMaxCoordinate;
 }
 
 /// Whether the sides run along the axes, whichever way round.
@@ -80,11 +80,11 @@ void SetCorners(MappedQuad& p, double u0, double v0, double u1, double v1) {
   const auto [top, bottom] =
       std::minmax({p.corners[0].y, p.corners[1].y, p.corners[2].y, p.corners[3].y});
   if (p.hardEdged)
-    p.box = {CutToFar(NearestWhole(left)), CutToFar(NearestWhole(top)),
-             CutToFar(NearestWhole(right)), CutToFar(NearestWhole(bottom))};
+    p.box = {ClampToRange(NearestWhole(left)), ClampToRange(NearestWhole(top)),
+             ClampToRange(NearestWhole(right)), ClampToRange(NearestWhole(bottom))};
   else
-    p.box = {CutToFar(std::floor(left)), CutToFar(std::floor(top)), CutToFar(std::ceil(right)),
-             CutToFar(std::ceil(bottom))};
+    p.box = {ClampToRange(std::floor(left)), ClampToRange(std::floor(top)),
+             ClampToRange(std::ceil(right)), ClampToRange(std::ceil(bottom))};
 }
 
 /// `outer` of `inner`.
@@ -131,14 +131,14 @@ Box TakePart(RectD* rect, const Box& bounds) {
 std::optional<Box> MapUpright(const RectD& r, const VuTMatrix2D<float>& m) {
   if (m.hasRotation() || !(r.width > 0 && r.height > 0)) return std::nullopt;
   const double farX = r.x + r.width, farY = r.y + r.height;
-  if (m.isIdentity() && IsNear(r.x) && IsNear(r.y) && IsNear(farX) && IsNear(farY))
+  if (m.isIdentity() && IsInRange(r.x) && IsInRange(r.y) && IsInRange(farX) && IsInRange(farY))
     return Box{NearestPixel(r.x), NearestPixel(r.y), NearestPixel(farX), NearestPixel(farY)};
   const float* e = m.get();
   const double scaleX = static_cast<double>(e[0]), scaleY = static_cast<double>(e[4]);
   const double moveX = static_cast<double>(e[6]), moveY = static_cast<double>(e[7]);
   const double x0 = r.x * scaleX + moveX, x1 = farX * scaleX + moveX;
   const double y0 = r.y * scaleY + moveY, y1 = farY * scaleY + moveY;
-  if (!(IsNear(x0) && IsNear(x1) && IsNear(y0) && IsNear(y1)) || x1 < x0 || y1 < y0)
+  if (!(IsInRange(x0) && IsInRange(x1) && IsInRange(y0) && IsInRange(y1)) || x1 < x0 || y1 < y0)
     return std::nullopt;
   return Box{NearestPixel(x0), NearestPixel(y0), NearestPixel(x1), NearestPixel(y1)};
 }
@@ -147,7 +147,7 @@ std::optional<VuPoint> WholePixelMove(const VuTMatrix2D<float>& m) {
   if (m.isIdentity()) return VuPoint{0, 0};
   const float* e = m.get();
   const double moveX = static_cast<double>(e[6]), moveY = static_cast<double>(e[7]);
-  if (m.hasRotation() || e[0] != 1.0f || e[4] != 1.0f || !IsNear(moveX) || !IsNear(moveY))
+  if (m.hasRotation() || e[0] != 1.0f || e[4] != 1.0f || !IsInRange(moveX) || !IsInRange(moveY))
     return std::nullopt;
   return VuPoint{NearestPixel(moveX), NearestPixel(moveY)};
 }

@@ -72,23 +72,24 @@ struct MappedQuad {
   Affine toSurface;
   Affine toUnit;
   bool hardEdged;  ///< The edges lie on whole pixels: those of `box`, and need no anti-aliasing.
-  Box box;         ///< All pixels that are touched; far edges are cut, see kFar.
+  Box box;         ///< All pixels that are touched; far edges are cut, see kMaxCoordinate.
 
   /// Corners of the drawn part on the surface: top-left, top-right, bottom-right, bottom-left.
   Point corners[4];
 };
 
 /// Pixels beyond this never matter: no surface reaches there.
-constexpr double kFar = 1 << 24;
+constexpr double kMaxCoordinate = 1 << 24;
 
 /// Whether the edges of a rectangle with extent can be counted with.
-inline bool IsNear(const VuRect& r) {
+inline bool IsInRange(const VuRect& r) {
   constexpr int kLimit = 1 << 24;
   return r.width > 0 && r.height > 0 && r.width < kLimit && r.height < kLimit && r.x > -kLimit &&
          r.y > -kLimit && r.x < kLimit && r.y < kLimit;
 }
 
-/// Of a value not beyond kFar: without the library call that floor() is on many processors.
+/// Of a value not beyond kMaxCoordinate: without the library call that floor() is on many
+/// processors.
 inline int NearestPixel(double v) {
   const int towardZero = static_cast<int>(v + 0.5);
   return towardZero - (v + 0.5 < towardZero);

@@ -127,7 +127,7 @@ void GlCanvas::DrawRect(const RectD& rect, VuColor color, const MatrixF& m, cons
 }
 
 bool GlCanvas::FillBox(VuRect r, VuColor color) {
-  if (!IsNear(r)) return false;
+  if (!IsInRange(r)) return false;
   if (Refresh()) PaintBox({r.x, r.y, r.x + r.width, r.y + r.height}, Shade(color));
   return true;
 }
@@ -135,7 +135,7 @@ bool GlCanvas::FillBox(VuRect r, VuColor color) {
 bool GlCanvas::BlitBox(VuRect dst, Source src, VuRect srcRect, const MatrixF& m, VuColor color) {
   if (!IsInside(srcRect, src.pixels->Width(), src.pixels->Height())) return false;
   Box box = {dst.x, dst.y, dst.x, dst.y};
-  if (m.isIdentity() && IsNear(dst)) {
+  if (m.isIdentity() && IsInRange(dst)) {
     box.x1 += dst.width;
     box.y1 += dst.height;
   } else {

@@ -61,7 +61,7 @@ void Painter::DrawObject(const RectD& dst, const Source& src, const RectD& srcRe
 }
 
 bool Painter::FillBox(const VuRect& r, VuColor color) {
-  if (!IsNear(r)) return false;
+  if (!IsInRange(r)) return false;
   Refresh();
   PaintBox({r.x, r.y, r.x + r.width, r.y + r.height}, nullptr, Premultiply(color));
   return true;
@@ -69,7 +69,7 @@ bool Painter::FillBox(const VuRect& r, VuColor color) {
 
 bool Painter::BlitBox(const VuRect& dst, const Source& src, const VuRect& srcRect, const MatrixF& m,
                       VuColor color) {
-  if (!m.isIdentity() || !IsNear(dst) || dst.width != srcRect.width ||
+  if (!m.isIdentity() || !IsInRange(dst) || dst.width != srcRect.width ||
       dst.height != srcRect.height || !IsInside(srcRect, src.pixels->Width(), src.pixels->Height()))
     return false;
   Refresh();

@@ -7,8 +7,8 @@ namespace ZIRK::backends {
 
 namespace {
 
-bool IsNear(int64_t position) {
-  constexpr auto kLimit = static_cast<int64_t>(kFar);
+bool IsInRange(int64_t position) {
+  constexpr auto kLimit = static_cast<int64_t>(kMaxCoordinate);
   return position >= -kLimit && position <= kLimit;
 }
 
@@ -98,7 +98,7 @@ inline bool SoftwareRenderer::DrawGlyph(const TextLayout::Glyph& glyph,
   }
   const VuRect &from = glyph.source, &to = glyph.destination;
   const int64_t x = int64_t{to.x} + style.move->x, y = int64_t{to.y} + style.move->y;
-  if (!IsNear(x) || !IsNear(y)) return true;
+  if (!IsInRange(x) || !IsInRange(y)) return true;
   Refresh();
   const int left = static_cast<int>(x), top = static_cast<int>(y);
   const Box box = Visible({left, top, left + to.width, top + to.height});

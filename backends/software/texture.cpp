@@ -29,7 +29,7 @@ int32_t RestOf(double v, int32_t step, double across, bool bilinear) {
   return std::abs(rest) <= kOne / 2 ? static_cast<int32_t>(rest) : 0;
 }
 
-bool IsNearby(Point p) {
+bool IsInSampleRange(Point p) {
   return std::abs(p.x) < kFarthestSample && std::abs(p.y) < kFarthestSample;
 }
 
@@ -71,7 +71,7 @@ void SampleAny(const PixelBuffer& pixels, const SampleRow& s, bool bilinear, int
 }
 
 /// Whether a value that ought to be `whole` is, for the precision of bilinear weights.
-bool IsNear(double v, double whole) {
+bool AlmostEqual(double v, double whole) {
   return std::abs(v - whole) < 1.0 / 512;
 }
 
@@ -91,11 +91,11 @@ Texture::Texture(const PixelBuffer& pixels, const Box& limits, VuScaleMode mode,
   const Point first = toTexture(area.x0, area.y0), last = toTexture(area.x1, area.y1);
   const double offsetX = std::floor(first.x - area.x0 + 0.5);
   const double offsetY = std::floor(first.y - area.y0 + 0.5);
-  aligned_ = toTexture.dx.x > 0.5 && toTexture.dy.y > 0.5 && IsNear(first.x, area.x0 + offsetX) &&
-             IsNear(first.y, area.y0 + offsetY) && IsNear(last.x, area.x1 + offsetX) &&
-             IsNear(last.y, area.y1 + offsetY);
+  aligned_ = toTexture.dx.x > 0.5 && toTexture.dy.y > 0.5 &&
+             AlmostEqual(first.x, area.x0 + offsetX) && AlmostEqual(first.y, area.y0 + offsetY) &&
+             AlmostEqual(last.x, area.x1 + offsetX) && AlmostEqual(last.y, area.y1 + offsetY);
   // Nor does anything lie so far away.
-  aligned_ = aligned_ && IsNearby({offsetX, offsetY});
+  aligned_ = aligned_ && IsInSampleRange({offsetX, offsetY});
   if (!aligned_) return;
   offsetX_ = static_cast<int>(offsetX);
   offsetY_ = static_cast<int>(offsetY);
@@ -144,7 +144,7 @@ void Texture::Sample(Point position, int count, uint32_t* out) const {
 const uint32_t* Texture::Row(int x, int y, int count, uint32_t* scratch) const {
   if (!aligned_) {
     const Point first = toTexture_(x + 0.5, y + 0.5);
-    if (IsNearby(first) && IsNearby(first + toTexture_.dx * count)) {
+    if (IsInSampleRange(first) && IsInSampleRange(first + toTexture_.dx * count)) {
       Sample(first, count, scratch);
     } else {
       // Positions would wrap around on the way, so each is worked out by itself.
