@@ -123,9 +123,9 @@ std::optional<MappedSource> MapSource(const RectD& srcRect, const Box& bounds,
 
 /// Where a mask comes to lie over a primitive.
 struct MappedMask {
-  Affine toMask;  ///< From the surface to the mask, biased.
-  Affine toUnit;  ///< From the surface to the unit square of the primitive.
-  Point twist;    ///< Times u * v, how positions in the mask depart from those by `toMask`.
+  Affine toMask;    ///< From the surface to the mask, biased.
+  Affine toUnit;    ///< From the surface to the unit square of the primitive.
+  Point crossTerm;  ///< Times u * v, how positions in the mask depart from those by `toMask`.
 };
 
 /// Maps a mask of `width` x `height` over `primitive`: its positions `coords` at the corners, or

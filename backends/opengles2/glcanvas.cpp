@@ -288,7 +288,7 @@ void GlCanvas::PaintShape(const Shape& shape, const Filling& filling, uint32_t c
   };
   MaskedVertex v{};
   if (key.program != GlProgram::Plain) v.shaped = VertexOf(shape, filling, color);
-  if (mask) v.twist = ToGl(mask->place.twist);
+  if (mask) v.crossTerm = ToGl(mask->place.crossTerm);
   const auto putAt = [&](Point p) {
     const GlPoint texel = filling.texture ? ToGl(filling.toTexture(p.x, p.y)) : kNoTexel;
     if (key.program == GlProgram::Plain)

@@ -32,7 +32,7 @@ varying vec2 place;
 varying vec4 limit, corners, sideUnit;
 #endif
 #ifdef MASKED
-attribute vec4 mask;       // position in the mask, twist
+attribute vec4 mask;       // position in the mask, crossTerm
 uniform vec2 maskTexelSize;
 varying vec4 maskPosition;
 #endif

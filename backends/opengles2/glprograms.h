@@ -43,8 +43,8 @@ struct ShapedVertex {
 
 struct MaskedVertex {
   ShapedVertex shaped;
-  GlPoint mask;   ///< Texels.
-  GlPoint twist;  ///< See MappedMask.
+  GlPoint mask;       ///< Texels.
+  GlPoint crossTerm;  ///< See MappedMask.
 };
 
 /// The size of a vertex in words of 32 bits.

@@ -23,13 +23,15 @@ MaskSampler::MaskSampler(const Source<const PixelBuffer>& mask, const MappedMask
                          const Box& area)
     : texture_(*mask.pixels, mask.pixels->Bounds(), mask.scaleMode, place.toMask, area),
       place_(place),
-      twisted_(std::abs(place.twist.x) > kTolerance || std::abs(place.twist.y) > kTolerance) {}
+      hasCrossTerm_(std::abs(place.crossTerm.x) > kTolerance ||
+                    std::abs(place.crossTerm.y) > kTolerance) {}
 
 const uint8_t* MaskSampler::Row(int x, int y, int count, uint8_t* scratch) const {
-  if (twisted_) {
+  if (hasCrossTerm_) {
     for (int i = 0; i < count; ++i) {
       const Point unit = place_.toUnit(x + i + 0.5, y + 0.5);
-      const Point position = place_.toMask(x + i + 0.5, y + 0.5) + place_.twist * (unit.x * unit.y);
+      const Point position =
+          place_.toMask(x + i + 0.5, y + 0.5) + place_.crossTerm * (unit.x * unit.y);
       scratch[i] = static_cast<uint8_t>(texture_.At(position) >> 24);
     }
     return scratch;

@@ -25,7 +25,8 @@ class MaskSampler {
 
   /// Whether Row() needs no scratch, and rows lie Pitch() bytes apart.
   bool IsInPlace() const {
-    return !twisted_ && texture_.IsAligned() && texture_.Pixels().Format() == VuPixelFormat::A8;
+    return !hasCrossTerm_ && texture_.IsAligned() &&
+           texture_.Pixels().Format() == VuPixelFormat::A8;
   }
   ptrdiff_t Pitch() const { return texture_.Pixels().Pitch(); }
   const Texture& Texels() const { return texture_; }
@@ -35,7 +36,7 @@ class MaskSampler {
 
   Texture texture_;
   MappedMask place_;
-  bool twisted_;  ///< Positions cannot be told by `place_.toMask` alone.
+  bool hasCrossTerm_;  ///< Positions cannot be told by `place_.toMask` alone.
 };
 
 /// A mask read position by position.
