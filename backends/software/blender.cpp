@@ -4,7 +4,7 @@
 
 #include "geometry/pixelmath.h"
 #include "geometry/pixeltraits.h"
-#include "software/texture.h"
+#include "software/sourcesampler.h"
 
 namespace ZIRK::backends {
 

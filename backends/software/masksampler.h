@@ -4,7 +4,7 @@
 
 #include <optional>
 
-#include "software/texture.h"
+#include "software/sourcesampler.h"
 #include "surface/operands.h"
 
 namespace ZIRK::backends {
@@ -29,12 +29,12 @@ class MaskSampler {
            texture_.Pixels().Format() == VuPixelFormat::A8;
   }
   ptrdiff_t Pitch() const { return texture_.Pixels().Pitch(); }
-  const Texture& Texels() const { return texture_; }
+  const SourceSampler& Texels() const { return texture_; }
 
  private:
   MaskSampler(const Source<const PixelBuffer>& mask, const MappedMask& place, const Box& area);
 
-  Texture texture_;
+  SourceSampler texture_;
   MappedMask place_;
   bool hasCrossTerm_;  ///< Positions cannot be told by `place_.toMask` alone.
 };
@@ -48,7 +48,7 @@ class MaskPoints {
   uint32_t AlphaAt(Point position) const;
 
  private:
-  Texture texture_;
+  SourceSampler texture_;
 };
 
 }  // namespace ZIRK::backends

@@ -56,7 +56,8 @@ void Painter::DrawObject(const RectD& dst, const Source& src, const RectD& srcRe
   if (!source) return;
   const Box visible = Visible(source->part.box);
   if (visible.IsEmpty()) return;
-  const Texture texture(*src.pixels, source->limits, src.scaleMode, source->toTexture, visible);
+  const SourceSampler texture(*src.pixels, source->limits, src.scaleMode, source->toTexture,
+                              visible);
   Paint(source->part, *whole, &texture, Premultiply(color), mask);
 }
 
@@ -73,7 +74,7 @@ bool Painter::BlitBox(const VuRect& dst, const Source& src, const VuRect& srcRec
       dst.height != srcRect.height || !IsInside(srcRect, src.pixels->Width(), src.pixels->Height()))
     return false;
   Refresh();
-  const Texture texture(*src.pixels, srcRect.x - dst.x, srcRect.y - dst.y);
+  const SourceSampler texture(*src.pixels, srcRect.x - dst.x, srcRect.y - dst.y);
   PaintBox({dst.x, dst.y, dst.x + dst.width, dst.y + dst.height}, &texture, Premultiply(color));
   return true;
 }
@@ -87,20 +88,20 @@ bool Painter::DrawUnscaled(const RectD& dst, const Source& src, const RectD& src
                       srcRect.x + srcRect.width <= src.pixels->Width() &&
                       srcRect.y + srcRect.height <= src.pixels->Height();
   if (!inside) return false;
-  const Texture texture(*src.pixels, static_cast<int>(srcRect.x) - box->x0,
-                        static_cast<int>(srcRect.y) - box->y0);
+  const SourceSampler texture(*src.pixels, static_cast<int>(srcRect.x) - box->x0,
+                              static_cast<int>(srcRect.y) - box->y0);
   PaintBox(*box, &texture, Premultiply(color));
   return true;
 }
 
 void Painter::DrawCoverageIndirect(const Box& box, const PixelBuffer& src, int moveX, int moveY,
                                    uint32_t color) {
-  const Texture texture(src, moveX, moveY);
+  const SourceSampler texture(src, moveX, moveY);
   if (!PaintAligned(box, &texture, color, nullptr, false)) PaintRows(box, &texture, color, nullptr);
 }
 
 /// Whole pixels of one colour, or of an aligned texture.
-void Painter::PaintBox(const Box& whole, const Texture* texture, uint32_t color) {
+void Painter::PaintBox(const Box& whole, const SourceSampler* texture, uint32_t color) {
   const Box box = Visible(whole);
   if (box.IsEmpty()) return;
   Touch(box);
@@ -111,7 +112,7 @@ void Painter::PaintBox(const Box& whole, const Texture* texture, uint32_t color)
 }
 
 /// Draws `quad`, a part of `whole`, over which the mask lies.
-void Painter::Paint(const MappedQuad& quad, const MappedQuad& whole, const Texture* texture,
+void Painter::Paint(const MappedQuad& quad, const MappedQuad& whole, const SourceSampler* texture,
                     uint32_t color, const Mask* maskArgument) {
   const Box box = Visible(quad.box);
   if (box.IsEmpty()) return;
@@ -130,7 +131,7 @@ void Painter::Paint(const MappedQuad& quad, const MappedQuad& whole, const Textu
 }
 
 /// All rows at once, where source and mask, if any, need no resampling.
-bool Painter::PaintAligned(const Box& box, const Texture* texture, uint32_t color,
+bool Painter::PaintAligned(const Box& box, const SourceSampler* texture, uint32_t color,
                            const MaskSampler* mask, bool opaque) {
   if ((texture && !texture->IsAligned()) || (mask && !mask->IsInPlace())) return false;
   if (!blender_.IsDirect()) {
@@ -169,13 +170,13 @@ bool Painter::PaintAligned(const Box& box, const Texture* texture, uint32_t colo
   return true;
 }
 
-void Painter::PaintRows(const Box& box, const Texture* texture, uint32_t color,
+void Painter::PaintRows(const Box& box, const SourceSampler* texture, uint32_t color,
                         const MaskSampler* mask) {
   const QuadCoverage::Row row = {box.x0, box.x0, box.x1, box.x1};
   for (int y = box.y0; y < box.y1; ++y) PaintRow(row, y, texture, color, mask, nullptr);
 }
 
-void Painter::PaintSlanted(const MappedQuad& quad, const Box& box, const Texture* texture,
+void Painter::PaintSlanted(const MappedQuad& quad, const Box& box, const SourceSampler* texture,
                            uint32_t color, const MaskSampler* mask) {
   // In a short row the solid part is drawn with the edges: one operation costs less than three.
   constexpr int kShort = 192;
@@ -189,8 +190,8 @@ void Painter::PaintSlanted(const MappedQuad& quad, const Box& box, const Texture
 }
 
 /// The pixels of row `y` that a shape covers; without `coverage` all of them are solid.
-void Painter::PaintRow(const QuadCoverage::Row& row, int y, const Texture* texture, uint32_t color,
-                       const MaskSampler* mask, const QuadCoverage* coverage) {
+void Painter::PaintRow(const QuadCoverage::Row& row, int y, const SourceSampler* texture,
+                       uint32_t color, const MaskSampler* mask, const QuadCoverage* coverage) {
   uint32_t scratch[kChunk];
   for (int x0 = row.begin; x0 < row.end; x0 += kChunk) {
     const int x1 = std::min(x0 + kChunk, row.end);

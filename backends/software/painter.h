@@ -66,15 +66,16 @@ class Painter {
  private:
   bool DrawUnscaled(const RectD& dst, const Source& src, const RectD& srcRect, const MatrixF& m,
                     VuColor color);
-  void PaintBox(const Box& whole, const Texture* texture, uint32_t color);
-  void Paint(const MappedQuad& quad, const MappedQuad& whole, const Texture* texture,
+  void PaintBox(const Box& whole, const SourceSampler* texture, uint32_t color);
+  void Paint(const MappedQuad& quad, const MappedQuad& whole, const SourceSampler* texture,
              uint32_t color, const Mask* mask);
-  bool PaintAligned(const Box& box, const Texture* texture, uint32_t color, const MaskSampler* mask,
-                    bool opaque);
-  void PaintRows(const Box& box, const Texture* texture, uint32_t color, const MaskSampler* mask);
-  void PaintSlanted(const MappedQuad& quad, const Box& box, const Texture* texture, uint32_t color,
-                    const MaskSampler* mask);
-  void PaintRow(const QuadCoverage::Row& row, int y, const Texture* texture, uint32_t color,
+  bool PaintAligned(const Box& box, const SourceSampler* texture, uint32_t color,
+                    const MaskSampler* mask, bool opaque);
+  void PaintRows(const Box& box, const SourceSampler* texture, uint32_t color,
+                 const MaskSampler* mask);
+  void PaintSlanted(const MappedQuad& quad, const Box& box, const SourceSampler* texture,
+                    uint32_t color, const MaskSampler* mask);
+  void PaintRow(const QuadCoverage::Row& row, int y, const SourceSampler* texture, uint32_t color,
                 const MaskSampler* mask, const QuadCoverage* coverage);
   void PaintRun(int x0, int x1, int y, const uint32_t* pixels, uint32_t color,
                 const MaskSampler* mask, const uint8_t* alpha);

@@ -7,7 +7,7 @@
 #include "geometry/pixeltraits.h"
 #include "geometry/surfaceformat.h"
 #include "software/kernels.h"
-#include "software/texture.h"
+#include "software/sourcesampler.h"
 
 namespace ZIRK::backends {
 

@@ -16,15 +16,15 @@ namespace ZIRK::backends {
 constexpr int kChunk = kSampleLimit;
 
 /// A part of a surface that another one is filled from, or masked with.
-class Texture {
+class SourceSampler {
  public:
   /// `limits` is what may be read, `toTexture` takes positions on the destination to positions in
   /// `pixels`. Only the pixels of `area` will be asked for.
-  Texture(const PixelBuffer& pixels, const Box& limits, VuScaleMode mode, const Affine& toTexture,
-          const Box& area);
+  SourceSampler(const PixelBuffer& pixels, const Box& limits, VuScaleMode mode,
+                const Affine& toTexture, const Box& area);
 
   /// An aligned one: the pixel (x, y) of the destination is (x + offsetX, y + offsetY) of `pixels`.
-  Texture(const PixelBuffer& pixels, int offsetX, int offsetY);
+  SourceSampler(const PixelBuffer& pixels, int offsetX, int offsetY);
 
   /// Whether each destination pixel is one pixel of the texture, moved by whole pixels.
   bool IsAligned() const { return aligned_; }

@@ -1,4 +1,4 @@
-#include "software/texture.h"
+#include "software/sourcesampler.h"
 
 #include <algorithm>
 #include <cmath>
@@ -77,8 +77,8 @@ bool AlmostEqual(double v, double whole) {
 
 }  // namespace
 
-Texture::Texture(const PixelBuffer& pixels, const Box& limits, VuScaleMode mode,
-                 const Affine& toTexture, const Box& area)
+SourceSampler::SourceSampler(const PixelBuffer& pixels, const Box& limits, VuScaleMode mode,
+                             const Affine& toTexture, const Box& area)
     : pixels_(pixels),
       limits_(limits),
       bilinear_(mode == VuScaleMode::Bilinear),
@@ -103,7 +103,7 @@ Texture::Texture(const PixelBuffer& pixels, const Box& limits, VuScaleMode mode,
       Box{AlignedX(area.x0), AlignedY(area.y0), AlignedX(area.x1), AlignedY(area.y1)});
 }
 
-Texture::Texture(const PixelBuffer& pixels, int offsetX, int offsetY)
+SourceSampler::SourceSampler(const PixelBuffer& pixels, int offsetX, int offsetY)
     : pixels_(pixels),
       limits_(pixels.Bounds()),
       bilinear_(false),
@@ -116,7 +116,7 @@ Texture::Texture(const PixelBuffer& pixels, int offsetX, int offsetY)
       offsetX_(offsetX),
       offsetY_(offsetY) {}
 
-void Texture::Sample(Point position, int count, uint32_t* out) const {
+void SourceSampler::Sample(Point position, int count, uint32_t* out) const {
   const double toCentre = bilinear_ ? 0.5 : 0;
   const int32_t rounding = bilinear_ ? kHalfWeight : 0;
   const SampleRow s = {pixels_.Row32(0),
@@ -141,7 +141,7 @@ void Texture::Sample(Point position, int count, uint32_t* out) const {
   });
 }
 
-const uint32_t* Texture::Row(int x, int y, int count, uint32_t* scratch) const {
+const uint32_t* SourceSampler::Row(int x, int y, int count, uint32_t* scratch) const {
   if (!aligned_) {
     const Point first = toTexture_(x + 0.5, y + 0.5);
     if (IsInSampleRange(first) && IsInSampleRange(first + toTexture_.dx * count)) {
@@ -157,7 +157,7 @@ const uint32_t* Texture::Row(int x, int y, int count, uint32_t* scratch) const {
   return scratch;
 }
 
-uint32_t Texture::At(Point position) const {
+uint32_t SourceSampler::At(Point position) const {
   uint32_t pixel;
   Sample(position, 1, &pixel);
   return pixel;
