@@ -28,16 +28,16 @@ ZIRK_INLINE void ForEach(const PixelSpan& s, bool aligned, F&& f) {
     head = (kLanes - static_cast<int>(past)) % kLanes;
   }
   const int tail = head + (s.width - head) / kLanes * kLanes;
-  const Rest first(head), last(s.width - tail);
+  const Tail first(head), last(s.width - tail);
   for (int y = 0; y < s.height; ++y) {
-    if (head > 0) ForRest(0, y, first, f);
-    for (int x = head; x < tail; x += kLanes) f(x, y, Whole());
-    if (tail < s.width) ForRest(tail, y, last, f);
+    if (head > 0) ForTail(0, y, first, f);
+    for (int x = head; x < tail; x += kLanes) f(x, y, Full());
+    if (tail < s.width) ForTail(tail, y, last, f);
   }
 }
 
 /// Whether to leave the pixels out: worth a test where they fill a vector.
-ZIRK_INLINE bool IsAllZero(Pixels coverage, Whole) {
+ZIRK_INLINE bool IsAllZero(Pixels coverage, Full) {
   return IsZero(coverage);
 }
 template <typename Some>

@@ -36,7 +36,7 @@ struct SampleRow {
   int32_t x, y, stepX, stepY;
   /// What the steps lack, in 1/65536 of their last place: for nearest pixels along one axis, 0 for
   /// any others.
-  int32_t restX = 0, restY = 0;
+  int32_t stepFractionX = 0, stepFractionY = 0;
 };
 
 /// Most pixels of a row that are sampled at a time.

@@ -31,13 +31,13 @@ ZIRK_INLINE void SampleAlong(const uint32_t* pixels, ptrdiff_t pitch, int32_t fi
 }
 
 void SampleNearest(const SampleRow& s, uint32_t* out, int count) {
-  if (s.stepY == 0 && s.restY == 0) {
+  if (s.stepY == 0 && s.stepFractionY == 0) {
     const uint32_t* const row = s.pixels + Clamp(s.y >> 16, s.minY, s.maxY) * s.pitch;
-    return SampleAlong(row, 1, s.x, s.stepX, s.restX, s.minX, s.maxX, out, count);
+    return SampleAlong(row, 1, s.x, s.stepX, s.stepFractionX, s.minX, s.maxX, out, count);
   }
-  if (s.stepX == 0 && s.restX == 0) {
+  if (s.stepX == 0 && s.stepFractionX == 0) {
     const uint32_t* const column = s.pixels + Clamp(s.x >> 16, s.minX, s.maxX);
-    return SampleAlong(column, s.pitch, s.y, s.stepY, s.restY, s.minY, s.maxY, out, count);
+    return SampleAlong(column, s.pitch, s.y, s.stepY, s.stepFractionY, s.minY, s.maxY, out, count);
   }
   uint32_t x = static_cast<uint32_t>(s.x);
   uint32_t y = static_cast<uint32_t>(s.y);

@@ -23,7 +23,7 @@ int32_t ToFixed(double v) {
 
 /// What `step` lacks of `v`, in 1/65536 of its last place; nothing where it had to be cut, nor
 /// where the texture is not read along one of its axes, pixel by pixel.
-int32_t RestOf(double v, int32_t step, double across, bool bilinear) {
+int32_t StepFraction(double v, int32_t step, double across, bool bilinear) {
   if (bilinear || across != 0) return 0;
   const double rest = (v * kOne - step) * kOne;
   return std::abs(rest) <= kOne / 2 ? static_cast<int32_t>(rest) : 0;
@@ -57,8 +57,8 @@ void SampleAny(const PixelBuffer& pixels, const SampleRow& s, bool bilinear, int
     return Traits::Widen(row[std::clamp(x, s.minX, s.maxX)]);
   };
   for (int i = 0; i < count; ++i) {
-    const uint32_t fixedX = PositionAt(s.x, s.stepX, s.restX, i),
-                   fixedY = PositionAt(s.y, s.stepY, s.restY, i);
+    const uint32_t fixedX = PositionAt(s.x, s.stepX, s.stepFractionX, i),
+                   fixedY = PositionAt(s.y, s.stepY, s.stepFractionY, i);
     const int x = static_cast<int32_t>(fixedX) >> 16, y = static_cast<int32_t>(fixedY) >> 16;
     if (bilinear) {
       const uint32_t weightX = fixedX >> 8 & 255, weightY = fixedY >> 8 & 255;
@@ -85,8 +85,8 @@ SourceSampler::SourceSampler(const PixelBuffer& pixels, const Box& limits, VuSca
       toTexture_(toTexture),
       stepX_(ToFixed(toTexture.dx.x)),
       stepY_(ToFixed(toTexture.dx.y)),
-      restX_(RestOf(toTexture.dx.x, stepX_, toTexture.dx.y, bilinear_)),
-      restY_(RestOf(toTexture.dx.y, stepY_, toTexture.dx.x, bilinear_)) {
+      stepFractionX_(StepFraction(toTexture.dx.x, stepX_, toTexture.dx.y, bilinear_)),
+      stepFractionY_(StepFraction(toTexture.dx.y, stepY_, toTexture.dx.x, bilinear_)) {
   // Two opposite corners that keep their distance to the texture keep it everywhere between.
   const Point first = toTexture(area.x0, area.y0), last = toTexture(area.x1, area.y1);
   const double offsetX = std::floor(first.x - area.x0 + 0.5);
@@ -110,8 +110,8 @@ SourceSampler::SourceSampler(const PixelBuffer& pixels, int offsetX, int offsetY
       toTexture_{{double(offsetX), double(offsetY)}, {1, 0}, {0, 1}},
       stepX_(65536),
       stepY_(0),
-      restX_(0),
-      restY_(0),
+      stepFractionX_(0),
+      stepFractionY_(0),
       aligned_(true),
       offsetX_(offsetX),
       offsetY_(offsetY) {}
@@ -129,8 +129,8 @@ void SourceSampler::Sample(Point position, int count, uint32_t* out) const {
                        ToFixed(position.y - toCentre) + rounding,
                        stepX_,
                        stepY_,
-                       restX_,
-                       restY_};
+                       stepFractionX_,
+                       stepFractionY_};
   if (pixels_.Is32Bit()) {
     const Kernels& kernels = BestKernels();
     (bilinear_ ? kernels.sampleBilinear : kernels.sampleNearest)(s, out, count);

@@ -49,8 +49,8 @@ class SourceSampler {
   const Affine toTexture_;
   const int32_t stepX_;  ///< Along a row, 16.16 fixed point.
   const int32_t stepY_;
-  const int32_t restX_;  ///< What these lack, see SampleRow.
-  const int32_t restY_;
+  const int32_t stepFractionX_;  ///< What these lack, see SampleRow.
+  const int32_t stepFractionY_;
   bool aligned_;
   int offsetX_ = 0;
   int offsetY_ = 0;

@@ -10,11 +10,11 @@
 ///   IsZero(v)            Whether all of the vector is.
 ///   Spread(c)            Each byte of coverage, in both 16-bit halves of its pixel.
 ///
-///   Rest(n)              The last pixels of a row, fewer than a vector has.
+///   Tail(n)              The last pixels of a row, fewer than a vector has.
 ///   Load(p, pixels), Store(p, v, pixels), LoadCoverage(p, pixels)
 ///                        `pixels` says which lanes there are; the others are read as 0 and not
-///                        written. It is a Whole, or else what `f` is called with in the following.
-///   ForRest(x, y, rest, f)
+///                        written. It is a Full, or else what `f` is called with in the following.
+///   ForTail(x, y, rest, f)
 ///                        Calls f(x, y, pixels) for all of `rest`, which is not empty.
 ///   kNarrow              Up to this width ForNarrow() takes two rows at a time, as glyphs often
 ///                        allow. 0 where there is no ForNarrow().
@@ -76,17 +76,17 @@ ZIRK_INLINE Pixels BlendOver(Pixels s, Pixels d) {
   return AddClamped(s, Scale(d, Alphas(s) ^ kLow));
 }
 
-ZIRK_INLINE Pixels LoadCoverage(const uint8_t* p, Whole) {
+ZIRK_INLINE Pixels LoadCoverage(const uint8_t* p, Full) {
   Coverage c;
   __builtin_memcpy(&c, p, sizeof c);
   return Spread(c);
 }
 
 ZIRK_INLINE Pixels LoadUpTo(const uint32_t* p, int n) {
-  return n < kLanes ? Load(p, Rest(n)) : Load(p, Whole());
+  return n < kLanes ? Load(p, Tail(n)) : Load(p, Full());
 }
 ZIRK_INLINE void StoreUpTo(uint32_t* p, const Pixels& v, int n) {
-  return n < kLanes ? Store(p, v, Rest(n)) : Store(p, v, Whole());
+  return n < kLanes ? Store(p, v, Tail(n)) : Store(p, v, Full());
 }
 
 /// The pixels at some offsets, and those to their right.

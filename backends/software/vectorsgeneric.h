@@ -44,18 +44,18 @@ ZIRK_INLINE Pixels Spread(Coverage c) {
   return v;
 }
 
-struct Rest {
+struct Tail {
   int count;
 
-  ZIRK_INLINE explicit Rest(int n) : count(n) {}
+  ZIRK_INLINE explicit Tail(int n) : count(n) {}
 };
 
-ZIRK_INLINE Pixels Load(const uint32_t* p, const Rest& rest) {
+ZIRK_INLINE Pixels Load(const uint32_t* p, const Tail& rest) {
   Pixels v = {};
   for (int i = 0; i < rest.count; ++i) v[i] = p[i];
   return v;
 }
-ZIRK_INLINE void Store(uint32_t* p, const Pixels& v, const Rest& rest) {
+ZIRK_INLINE void Store(uint32_t* p, const Pixels& v, const Tail& rest) {
   for (int i = 0; i < rest.count; ++i) p[i] = v[i];
 }
 
@@ -82,7 +82,7 @@ ZIRK_INLINE Pixels LoadCoverage(const uint8_t* p, Piece<kCount>) {
 
 /// In pieces that add up to it.
 template <typename F>
-ZIRK_INLINE void ForRest(int x, int y, const Rest& rest, F&& f) {
+ZIRK_INLINE void ForTail(int x, int y, const Tail& rest, F&& f) {
   if (rest.count & 4) {
     f(x, y, Piece<4>());
     x += 4;

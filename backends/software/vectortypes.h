@@ -33,15 +33,15 @@ using Bytes = uint8_t __attribute__((vector_size(4 * kLanes)));
 using PixelPairs = uint64_t __attribute__((vector_size(4 * kLanes)));
 using Coverage = uint8_t __attribute__((vector_size(kLanes)));
 
-/// Stands for all pixels of a vector, where a Rest stands for some.
-struct Whole {};
+/// Stands for all pixels of a vector, where a Tail stands for some.
+struct Full {};
 
-ZIRK_INLINE Pixels Load(const uint32_t* p, Whole) {
+ZIRK_INLINE Pixels Load(const uint32_t* p, Full) {
   Pixels v;
   __builtin_memcpy(&v, p, sizeof v);
   return v;
 }
-ZIRK_INLINE void Store(uint32_t* p, const Pixels& v, Whole) {
+ZIRK_INLINE void Store(uint32_t* p, const Pixels& v, Full) {
   __builtin_memcpy(p, &v, sizeof v);
 }
 
