@@ -9,7 +9,7 @@
 
 namespace ZIRK::backends {
 
-/// One pixel of a format, as premultiplied ARGB8888 and back. Narrow channels are widened by
+/// One pixel of a format, as premultiplied ARGB8888 and back. Pack channels are widened by
 /// repeating their bits, and narrowed by dropping the low ones, as Pixman does.
 template <VuPixelFormat kFormat>
 struct PixelTraits {
@@ -19,7 +19,7 @@ struct PixelTraits {
                                     std::conditional_t<kLayout.bytes == 2, uint16_t, uint8_t>>;
 
   /// `p` as premultiplied ARGB8888.
-  static constexpr uint32_t Widen(Stored p) {
+  static constexpr uint32_t Unpack(Stored p) {
     if constexpr (!kLayout.HasColor()) {
       return p * 0x01010101u;
     } else if constexpr (kLayout.bytes == 4) {
@@ -38,7 +38,7 @@ struct PixelTraits {
   }
 
   /// Premultiplied ARGB8888 as a stored pixel.
-  static constexpr Stored Narrow(uint32_t p) {
+  static constexpr Stored Pack(uint32_t p) {
     if constexpr (kLayout.bytes == 4) return p | kLayout.unusedBits;
     return static_cast<Stored>(
         NarrowChannel(p, 24, kLayout.alpha) | NarrowChannel(p, 16, kLayout.red) |
@@ -84,20 +84,20 @@ decltype(auto) WithPixelTraits(VuPixelFormat format, F&& f) {
 }
 
 /// `count` pixels of a row of `format`, from pixel `x` on, to ARGB8888.
-inline void WidenRow(VuPixelFormat format, const uint8_t* row, int x, int count, uint32_t* out) {
+inline void UnpackRow(VuPixelFormat format, const uint8_t* row, int x, int count, uint32_t* out) {
   WithPixelTraits(format, [=](auto traits) {
     using Traits = decltype(traits);
     const auto* in = reinterpret_cast<const typename Traits::Stored*>(row) + x;
-    for (int i = 0; i < count; ++i) out[i] = Traits::Widen(in[i]);
+    for (int i = 0; i < count; ++i) out[i] = Traits::Unpack(in[i]);
   });
 }
 
 /// The way back.
-inline void NarrowRow(VuPixelFormat format, const uint32_t* in, int count, uint8_t* row, int x) {
+inline void PackRow(VuPixelFormat format, const uint32_t* in, int count, uint8_t* row, int x) {
   WithPixelTraits(format, [=](auto traits) {
     using Traits = decltype(traits);
     auto* out = reinterpret_cast<typename Traits::Stored*>(row) + x;
-    for (int i = 0; i < count; ++i) out[i] = Traits::Narrow(in[i]);
+    for (int i = 0; i < count; ++i) out[i] = Traits::Pack(in[i]);
   });
 }
 

@@ -29,7 +29,7 @@ class NarrowedRows {
     for (; rowsRead_ <= y; ++rowsRead_)
       if (!nextRow_(row_.data())) return nullptr;
     auto& line = lines_[y & 1];
-    if (held_[y & 1] != y) Narrow(line.data());
+    if (held_[y & 1] != y) Pack(line.data());
     held_[y & 1] = y;
     return line.data();
   }
@@ -42,7 +42,7 @@ class NarrowedRows {
   }
 
  private:
-  void Narrow(uint16_t* line) const {
+  void Pack(uint16_t* line) const {
     for (int x = 0; x < width_; ++x, line += 4) {
       const AxisFilter::Taps taps = filter_.At(x);
       uint32_t sum[4] = {128, 128, 128, 128};

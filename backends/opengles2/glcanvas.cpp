@@ -323,7 +323,7 @@ bool GlCanvas::Clear(VuColor color) {
   // As the format holds it: OpenGL would round what is to be cut.
   const uint32_t shade = WithPixelTraits(state_.format, [&](auto traits) {
     using Traits = decltype(traits);
-    const uint32_t held = Traits::Widen(Traits::Narrow(Premultiply(color)));
+    const uint32_t held = Traits::Unpack(Traits::Pack(Premultiply(color)));
     return held;
   });
   return device_->Batch().Clear(*target, shade);

@@ -234,7 +234,7 @@ bool ReadFramebuffer(const GlFunctions& gl, const GlTarget& target, const Box& b
       for (int x = 0; x < width; ++x) row[x] = ExchangeRedAndBlue(row[x]);
     if (target.order == ChannelOrder::AlphaOnly)
       for (int x = 0; x < width; ++x) row[x] <<= 24;
-    NarrowRow(format, row, width, to, 0);
+    PackRow(format, row, width, to, 0);
   }
   return true;
 }

@@ -169,10 +169,10 @@ void Blender::DrawIndirect(int x, int y, PixelSpan span, bool opaque) {
   uint8_t* row = target_.Row(y);
   const Kernels::Operator op = factors_ ? Kernels::Source : Simplified(opaque);
   span.dst = factors_ ? shaded : pixels;
-  if (factors_ || op == Kernels::Over) WidenRow(target_.Format(), row, x, span.width, pixels);
+  if (factors_ || op == Kernels::Over) UnpackRow(target_.Format(), row, x, span.width, pixels);
   Run(span, op);
   if (factors_) BlendByFactors(pixels, shaded, span.width, *factors_, blendColor_);
-  NarrowRow(target_.Format(), pixels, span.width, row, x);
+  PackRow(target_.Format(), pixels, span.width, row, x);
 }
 
 bool Blender::DrawByPixman(const Box& box, const PixmanSource& s, bool opaque) {

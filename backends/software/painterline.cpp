@@ -49,12 +49,12 @@ void Painter::DrawSlantedLine(const Hairline& line, uint32_t color) {
     uint8_t* const pixels = target_.Row(0);
     const ptrdiff_t pitch = target_.Pitch();
     const auto at = [=](int x, int y) { return reinterpret_cast<Stored*>(pixels + y * pitch) + x; };
-    const Stored narrow = Traits::Narrow(color);
+    const Stored narrow = Traits::Pack(color);
     if (*op == Kernels::Source)
       Walk(line, clip_, [&](int x, int y, int) { *at(x, y) = narrow; });
     else
       Walk(line, clip_, [&](int x, int y, int) {
-        *at(x, y) = Traits::Narrow(BlendOver(color, Traits::Widen(*at(x, y))));
+        *at(x, y) = Traits::Pack(BlendOver(color, Traits::Unpack(*at(x, y))));
       });
   });
 }

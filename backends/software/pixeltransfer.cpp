@@ -26,8 +26,8 @@ void ConvertRow(PixelBuffer& dst, int dstX, int dstY, const PixelBuffer& src, in
   uint32_t wide[kChunk];
   for (int done = 0; done < count; done += kChunk) {
     const int n = std::min(kChunk, count - done);
-    WidenRow(src.Format(), src.Row(srcY), srcX + done, n, wide);
-    NarrowRow(dst.Format(), wide, n, dst.Row(dstY), dstX + done);
+    UnpackRow(src.Format(), src.Row(srcY), srcX + done, n, wide);
+    PackRow(dst.Format(), wide, n, dst.Row(dstY), dstX + done);
   }
 }
 
@@ -77,7 +77,7 @@ void ClearPixels(PixelBuffer& pixels, VuColor color) {
   uint32_t wide[kChunk];
   std::fill_n(wide, kChunk, shade);
   for (int x = 0; x < pixels.Width(); x += kChunk)
-    NarrowRow(pixels.Format(), wide, std::min(kChunk, pixels.Width() - x), pixels.Row(0), x);
+    PackRow(pixels.Format(), wide, std::min(kChunk, pixels.Width() - x), pixels.Row(0), x);
   for (int y = 1; y < pixels.Height(); ++y)
     std::memcpy(pixels.Row(y), pixels.Row(0), RowBytes(pixels, pixels.Width()));
 }

@@ -54,7 +54,7 @@ void SampleAny(const PixelBuffer& pixels, const SampleRow& s, bool bilinear, int
   const auto pixel = [&](int x, int y) {
     const auto* row =
         reinterpret_cast<const typename Traits::Stored*>(pixels.Row(std::clamp(y, s.minY, s.maxY)));
-    return Traits::Widen(row[std::clamp(x, s.minX, s.maxX)]);
+    return Traits::Unpack(row[std::clamp(x, s.minX, s.maxX)]);
   };
   for (int i = 0; i < count; ++i) {
     const uint32_t fixedX = PositionAt(s.x, s.stepX, s.stepFractionX, i),
@@ -153,7 +153,7 @@ const uint32_t* SourceSampler::Row(int x, int y, int count, uint32_t* scratch) c
     return scratch;
   }
   if (pixels_.Is32Bit()) return pixels_.Row32(AlignedY(y)) + AlignedX(x);
-  WidenRow(pixels_.Format(), pixels_.Row(AlignedY(y)), AlignedX(x), count, scratch);
+  UnpackRow(pixels_.Format(), pixels_.Row(AlignedY(y)), AlignedX(x), count, scratch);
   return scratch;
 }
 

@@ -31,7 +31,7 @@ using Text = OnEachBackend;
 INSTANTIATE_TEST_SUITE_P(Backends, Text, testing::ValuesIn(kBackends),
                          [](const auto& test) { return std::string(test.param); });
 
-enum class Mode { Usual, BlendingOff, OtherFactors, Clipped, Narrow, Bold };
+enum class Mode { Usual, BlendingOff, OtherFactors, Clipped, Pack, Bold };
 
 struct Line {
   const char* name;
@@ -64,7 +64,7 @@ const Line kLines[] = {
     {"blending off", "Off, Ag", 20, Mode::BlendingOff},
     {"other factors", "Others", 20, Mode::OtherFactors},
     {"clipped", "Clipped", 22, Mode::Clipped},
-    {"narrow format", "Narrow", 20, Mode::Narrow},
+    {"narrow format", "Pack", 20, Mode::Pack},
 };
 
 constexpr VuPoint kPosition{3, 2};
@@ -139,7 +139,7 @@ TEST_P(Text, IsItsLettersDrawnOneByOne) {
     font.SetFallbackFont(&cjk);
     font.SetOutlineType(l.outline);
     font.SetOutlineThickness(l.thickness);
-    const Format format = l.mode == Mode::Narrow ? Format::RGB565 : Format::ARGB8888;
+    const Format format = l.mode == Mode::Pack ? Format::RGB565 : Format::ARGB8888;
     Trial trial(*graphics_, 96, 48, format, GetParam());
     if (l.mode == Mode::OtherFactors)
       trial.SetFactors(
