@@ -173,17 +173,17 @@ void GlCanvas::DrawLine(VuPoint from, VuPoint to, VuColor color, const MatrixF& 
   if (!line) return;
   const Box box = Visible(line->Bounds());
   if (box.IsEmpty()) return;
-  const uint32_t shade = Shade(color);
+  const uint32_t premultiplied = Shade(color);
   if (mask) {
     const GlTexture& texture = *mask->source.pixels;
     const LineEnds ends =
         MaskEnds(mask->coords, texture.Width(), texture.Height(), from, to, *line);
     Walk(*line, clip_, [&](int x, int y, int step) {
-      PaintMaskedPixel(x, y, shade, mask->source, ends.At(*line, step));
+      PaintMaskedPixel(x, y, premultiplied, mask->source, ends.At(*line, step));
     });
     return;
   }
-  WalkRuns(*line, clip_, [&](const Box& run) { PaintBox(run, shade); });
+  WalkRuns(*line, clip_, [&](const Box& run) { PaintBox(run, premultiplied); });
 }
 
 void GlCanvas::PaintMaskedPixel(int x, int y, uint32_t color, const Source& mask, Point at) {
@@ -321,12 +321,12 @@ bool GlCanvas::Clear(VuColor color) {
   const GlTarget* const target = Target();
   if (!target) return false;
   // As the format holds it: OpenGL would round what is to be cut.
-  const uint32_t shade = WithPixelTraits(state_.format, [&](auto traits) {
+  const uint32_t premultiplied = WithPixelTraits(state_.format, [&](auto traits) {
     using Traits = decltype(traits);
     const uint32_t held = Traits::Unpack(Traits::Pack(Premultiply(color)));
     return held;
   });
-  return device_->Batch().Clear(*target, shade);
+  return device_->Batch().Clear(*target, premultiplied);
 }
 
 bool GlCanvas::Read(const Box& box, void* dst) {

@@ -37,12 +37,12 @@ void Painter::DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m, 
   Refresh();
   const std::optional<MappedQuad> quad = MapRect(ToRectD(p, size), m, Edges::OnWholePixels);
   if (!quad) return;
-  uint32_t shade = Premultiply(color);
+  uint32_t premultiplied = Premultiply(color);
   if (mask) {
     const Point at = ToPoint(*mask->coords);
-    shade = ScalePixel(shade, MaskPoints(mask->source).AlphaAt(at));
+    premultiplied = ScalePixel(premultiplied, MaskPoints(mask->source).AlphaAt(at));
   }
-  Paint(*quad, *quad, nullptr, shade, nullptr);
+  Paint(*quad, *quad, nullptr, premultiplied, nullptr);
 }
 
 void Painter::DrawObject(const RectD& dst, const Source& src, const RectD& srcRect, Edges edges,

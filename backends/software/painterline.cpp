@@ -15,15 +15,15 @@ void Painter::DrawLine(VuPoint from, VuPoint to, VuColor color, const MatrixF& m
   const Box box = Visible(line->Bounds());
   if (box.IsEmpty()) return;
   Touch(box);
-  const uint32_t shade = Premultiply(color);
+  const uint32_t premultiplied = Premultiply(color);
   if (mask) {
     const PixelBuffer& pixels = *mask->source.pixels;
     const LineEnds ends = MaskEnds(mask->coords, pixels.Width(), pixels.Height(), from, to, *line);
-    DrawMaskedLine(*line, shade, mask->source, ends);
+    DrawMaskedLine(*line, premultiplied, mask->source, ends);
   } else if (line->x0 == line->x1 || line->y0 == line->y1) {
-    PaintBox(box, nullptr, shade);
+    PaintBox(box, nullptr, premultiplied);
   } else {
-    DrawSlantedLine(*line, shade);
+    DrawSlantedLine(*line, premultiplied);
   }
 }
 
@@ -31,8 +31,8 @@ void Painter::DrawMaskedLine(const Hairline& line, uint32_t color, const Source&
                              const LineEnds& ends) {
   const MaskPoints points(mask);
   Walk(line, clip_, [&](int x, int y, int step) {
-    const uint32_t shade = ScalePixel(color, points.AlphaAt(ends.At(line, step)));
-    PaintRun(x, x + 1, y, nullptr, shade, nullptr, nullptr);
+    const uint32_t premultiplied = ScalePixel(color, points.AlphaAt(ends.At(line, step)));
+    PaintRun(x, x + 1, y, nullptr, premultiplied, nullptr, nullptr);
   });
 }
 

@@ -66,16 +66,16 @@ Box CopyPixels(PixelBuffer& dst, VuPoint at, const PixelBuffer& src, const VuRec
 }
 
 void ClearPixels(PixelBuffer& pixels, VuColor color) {
-  const uint32_t shade = Premultiply(color);
+  const uint32_t premultiplied = Premultiply(color);
   if (pixels.Is32Bit()) {
     PixelSpan span = {pixels.Row32(0), pixels.Pitch32(), pixels.Width(), pixels.Height()};
-    span.color = shade;
+    span.color = premultiplied;
     span.opaque = pixels.OpaqueBits();
     BestKernels().fill[Kernels::Source][false](span);
     return;
   }
   uint32_t wide[kChunk];
-  std::fill_n(wide, kChunk, shade);
+  std::fill_n(wide, kChunk, premultiplied);
   for (int x = 0; x < pixels.Width(); x += kChunk)
     PackRow(pixels.Format(), wide, std::min(kChunk, pixels.Width() - x), pixels.Row(0), x);
   for (int y = 1; y < pixels.Height(); ++y)
