@@ -16,7 +16,7 @@ bool SameForAlpha(const BlendFactors& f) {
   return f.srcColor == f.srcAlpha && f.dstColor == f.dstAlpha;
 }
 
-bool Are(const BlendFactors& f, Factor src, Factor dst) {
+bool HasFactors(const BlendFactors& f, Factor src, Factor dst) {
   return SameForAlpha(f) && f.srcColor == src && f.dstColor == dst;
 }
 
@@ -85,7 +85,7 @@ std::optional<pixman_op_t> PixmanOperator(const BlendFactors& f) {
       {Factor::One, Factor::One, PIXMAN_OP_ADD},
   };
   for (const Row& row : kRows)
-    if (Are(f, row.src, row.dst)) return row.op;
+    if (HasFactors(f, row.src, row.dst)) return row.op;
   return std::nullopt;
 }
 
@@ -123,8 +123,8 @@ void BlendByFactors(uint32_t* dst, const uint32_t* src, int count, const BlendFa
 }
 
 void Blender::Update(const SurfaceState& state) {
-  const bool over = Are(state.factors, Factor::One, Factor::OneMinusSrcAlpha);
-  const bool source = !state.blendEnabled || Are(state.factors, Factor::One, Factor::Zero);
+  const bool over = HasFactors(state.factors, Factor::One, Factor::OneMinusSrcAlpha);
+  const bool source = !state.blendEnabled || HasFactors(state.factors, Factor::One, Factor::Zero);
   operator_ = over && !source ? Kernels::Over : Kernels::Source;
   factors_.reset();
   if (!over && !source) factors_ = state.factors;
