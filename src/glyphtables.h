@@ -7,7 +7,7 @@
 
 #include <cstdint>
 
-#include "publishedtable.h"
+#include "lockfreehashtable.h"
 
 namespace ZIRK {
 
@@ -102,9 +102,9 @@ struct NumberedOutline {
   unsigned number;
 };
 
-using CharTable = PublishedTable<ResolvedChar, ResolvedChar>;
-using GlyphTable = PublishedTable<Glyph, GlyphTraits>;
-using KerningTable = PublishedTable<KerningPair, KerningPair>;
-using OutlineTable = PublishedTable<NumberedOutline, NumberedOutline>;
+using CharTable = LockFreeHashTable<ResolvedChar, ResolvedChar>;
+using GlyphTable = LockFreeHashTable<Glyph, GlyphTraits>;
+using KerningTable = LockFreeHashTable<KerningPair, KerningPair>;
+using OutlineTable = LockFreeHashTable<NumberedOutline, NumberedOutline>;
 
 }  // namespace ZIRK

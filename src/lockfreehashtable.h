@@ -17,7 +17,7 @@ namespace ZIRK {
 /// does not change while the entry is in the table. A hash need only be different for different
 /// keys, as far as it goes: the table spreads it.
 template <class Entry, class Traits>
-class PublishedTable {
+class LockFreeHashTable {
  public:
   using Key = typename Traits::Key;
 
