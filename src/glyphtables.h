@@ -84,7 +84,7 @@ struct KerningPair {
   FT_Vector kerning;
 };
 
-/// The number of an outline, by which the steps of the pen are told apart.
+/// The number of an outline, which tells the advances of different outlines apart.
 struct NumberedOutline {
   struct Key {
     int type;

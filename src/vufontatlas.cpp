@@ -13,12 +13,12 @@
 #include <string>
 #include <utility>
 
+#include "advancecache.h"
 #include "floattoint.h"
 #include "fontfile.h"
 #include "freetypeerror.h"
 #include "glyphimage.h"
 #include "glyphtables.h"
-#include "stepcache.h"
 #include "texturelimit.h"
 
 namespace ZIRK {
@@ -132,7 +132,7 @@ struct VuFontAtlas::State {
   CharTable chars;
   GlyphTable glyphs;
   KerningTable kerning;
-  StepCache steps;
+  AdvanceCache advances;
   OutlineTable outlines;
 
   std::shared_ptr<VuTextureAtlasImpl> atlas;
@@ -460,7 +460,7 @@ void VuFontAtlas::ClearGlyphs() const {
     const std::lock_guard lock(s.glyphMutex);
     s.chars.Clear();
     s.glyphs.Clear();
-    s.steps.Clear();
+    s.advances.Clear();
     s.atlas.reset();
     s.maxGlyphHeight = 0;
   }
@@ -518,7 +518,7 @@ unsigned VuFontAtlas::State::OutlineNumber(int type, int thickness) {
   const std::lock_guard lock(glyphMutex);
   if (const NumberedOutline* const known = outlines.Find(key)) return known->number;
   const auto number = static_cast<unsigned>(outlines.Size()) + 1;
-  if (number < StepCache::kOutlines) outlines.Insert({key, number});
+  if (number < AdvanceCache::kOutlines) outlines.Insert({key, number});
   return number;
 }
 
@@ -527,22 +527,22 @@ int VuFontAtlas::GetOneLineWidth(const char* text) const {
   if (!s.face) return 0;
   const unsigned outline = s.OutlineNumber(static_cast<int>(outlineType_), outlineThickness_);
   int64_t width = 0;
-  uint32_t previous = StepCache::kNone;
+  uint32_t previous = AdvanceCache::kNone;
   uint32_t code;
   for (const char* next = text; ReadChar("GetOneLineWidth", text, next, code);) {
-    std::optional<int> step = s.steps.Find(previous, code, outline);
-    if (!step) {
+    std::optional<int> advance = s.advances.Find(previous, code, outline);
+    if (!advance) {
       const Glyph* const glyph = GetGlyph(code, false);
       if (!glyph) continue;
-      const int advance = Advance(*glyph);
-      step = advance;
+      const int glyphAdvance = Advance(*glyph);
+      advance = glyphAdvance;
       const Glyph* const before =
-          previous == StepCache::kNone ? nullptr : GetGlyph(previous, false);
-      if (before) *step += static_cast<int>(GetKerning(*before, *glyph).x >> 6);
+          previous == AdvanceCache::kNone ? nullptr : GetGlyph(previous, false);
+      if (before) *advance += static_cast<int>(GetKerning(*before, *glyph).x >> 6);
       // A glyph that failed to load has advance 0, which changes if it loads later.
-      if (advance != 0) s.steps.Store(previous, code, outline, *step);
+      if (glyphAdvance != 0) s.advances.Store(previous, code, outline, *advance);
     }
-    width += *step;
+    width += *advance;
     previous = code;
   }
   return static_cast<int>(

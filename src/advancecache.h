@@ -17,15 +17,15 @@ namespace ZIRK {
 /// one look-up a character.
 ///
 /// One word holds key and value, so that no reader sees half of an entry: two code points of 22 and
-/// 21 bits, an outline of 9, and a step of 12.
-class StepCache {
+/// 21 bits, an outline of 9, and an advance of 12.
+class AdvanceCache {
  public:
   /// Stands for the code point before the first; no sequence of UTF-8 gives it.
   static constexpr uint32_t kNone = 0x200000;
-  /// Outlines are told apart by numbers below this; steps of others are not kept.
+  /// Outlines are told apart by numbers below this; advances of others are not kept.
   static constexpr unsigned kOutlines = 1 << 9;
 
-  ~StepCache() { delete slots_.load(); }
+  ~AdvanceCache() { delete slots_.load(); }
 
   std::optional<int> Find(uint32_t previous, uint32_t code, unsigned outline) const {
     const Slots* const slots = slots_.load(std::memory_order_acquire);
@@ -33,20 +33,20 @@ class StepCache {
     const uint64_t key = Key(previous, code, outline);
     for (size_t i : Places(key)) {
       const uint64_t word = (*slots)[i].load(std::memory_order_relaxed);
-      if (word >> kStepBits == key && word != 0)
-        return static_cast<int>(word & kStepMask) - kStepBias;
+      if (word >> kAdvanceBits == key && word != 0)
+        return static_cast<int>(word & kAdvanceMask) - kAdvanceBias;
     }
     return std::nullopt;
   }
 
-  void Store(uint32_t previous, uint32_t code, unsigned outline, int step) {
-    if (outline >= kOutlines || step <= -kStepBias || step >= kStepBias) return;
+  void Store(uint32_t previous, uint32_t code, unsigned outline, int advance) {
+    if (outline >= kOutlines || advance <= -kAdvanceBias || advance >= kAdvanceBias) return;
     Slots* const slots = EnsureSlots();
     if (!slots) return;
     const uint64_t key = Key(previous, code, outline);
     const auto places = Places(key);
     const bool firstTaken = (*slots)[places[0]].load(std::memory_order_relaxed) != 0;
-    (*slots)[places[firstTaken]].store(key << kStepBits | uint64_t(step + kStepBias),
+    (*slots)[places[firstTaken]].store(key << kAdvanceBits | uint64_t(advance + kAdvanceBias),
                                        std::memory_order_relaxed);
   }
 
@@ -54,9 +54,9 @@ class StepCache {
   void Clear() { delete slots_.exchange(nullptr); }
 
  private:
-  static constexpr int kCodeBits = 21, kOutlineBits = 9, kStepBits = 12, kSlotBits = 10;
-  static constexpr int kStepBias = 1 << (kStepBits - 1);
-  static constexpr uint64_t kStepMask = (1 << kStepBits) - 1;
+  static constexpr int kCodeBits = 21, kOutlineBits = 9, kAdvanceBits = 12, kSlotBits = 10;
+  static constexpr int kAdvanceBias = 1 << (kAdvanceBits - 1);
+  static constexpr uint64_t kAdvanceMask = (1 << kAdvanceBits) - 1;
   using Slots = std::array<std::atomic<uint64_t>, size_t(1) << kSlotBits>;
 
   static uint64_t Key(uint32_t previous, uint32_t code, unsigned outline) {
