@@ -301,7 +301,7 @@ bool DirectFbRenderer::Copy(VuPoint at, VuBitmapImpl& src, const VuRect& srcRect
   painter_.Touch(plan.box);
   if (CopyBox(*source, plan)) return true;
   const DirectFbLock own(&pixels_), read(&source->pixels_);
-  if (own && read) CopyPixels(pixels_.Buffer(), at, source->pixels_.Buffer(), srcRect);
+  if (own && read) CopyRect(pixels_.Buffer(), at, source->pixels_.Buffer(), srcRect);
   return own && read;
 }
 

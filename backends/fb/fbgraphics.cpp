@@ -13,7 +13,7 @@ const PixelBuffer* FbSources::PixelsOf(VuBitmapImpl& surface) {
   return screen ? &screen->Drawing().Buffer() : nullptr;
 }
 
-bool FbSources::CopyPixels(VuBitmapImpl&, const Box&, std::optional<PixelBuffer>&) {
+bool FbSources::CopyToBuffer(VuBitmapImpl&, const Box&, std::optional<PixelBuffer>&) {
   return RefuseSource();
 }
 

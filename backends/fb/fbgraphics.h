@@ -18,8 +18,8 @@ class FbSources : public GlyphAtlasAllocator, public PixelSources {
 
   GlyphAtlasAllocator& Atlases() final { return *this; }
   const PixelBuffer* PixelsOf(VuBitmapImpl& surface) final;
-  bool CopyPixels(VuBitmapImpl& surface, const Box& part,
-                  std::optional<PixelBuffer>& copy) override;
+  bool CopyToBuffer(VuBitmapImpl& surface, const Box& part,
+                    std::optional<PixelBuffer>& copy) override;
 
  private:
   std::unique_ptr<VuBitmapImpl> MakeBitmap(Reservation reservation, int width, int height,

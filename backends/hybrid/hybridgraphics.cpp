@@ -14,8 +14,8 @@ class HybridSources final : public FbSources {
  public:
   using FbSources::FbSources;
 
-  bool CopyPixels(VuBitmapImpl& surface, const Box& part,
-                  std::optional<PixelBuffer>& copy) override {
+  bool CopyToBuffer(VuBitmapImpl& surface, const Box& part,
+                    std::optional<PixelBuffer>& copy) override {
     GlCanvas* const canvas = FindCanvas(surface);
     if (!canvas) return RefuseSource();
     if (part.IsEmpty()) return true;

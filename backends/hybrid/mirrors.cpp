@@ -135,10 +135,10 @@ GlTexture* Mirrors::Make(SoftwareBitmap& bitmap) {
   return slots_.back().texture.get();
 }
 
-bool Mirrors::CopyPixels(VuBitmapImpl& surface, const Box& part, GlDevice& device,
-                         std::unique_ptr<GlTexture>& copy) {
+bool Mirrors::CopyToTexture(VuBitmapImpl& surface, const Box& part, GlDevice& device,
+                            std::unique_ptr<GlTexture>& copy) {
   const PixelBuffer* const pixels = PixelsOf(surface);
-  if (!pixels) return backends::CopyPixels(FindCanvas(surface), part, device, copy);
+  if (!pixels) return backends::CopyToTexture(FindCanvas(surface), part, device, copy);
   // Of a loss it has been told already.
   if (device.IsLost()) return false;
   if (part.IsEmpty()) return true;

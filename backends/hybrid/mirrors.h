@@ -27,8 +27,8 @@ class Mirrors final : public TextureSources {
 
   GlyphAtlasAllocator& Atlases() override { return *atlases_; }
   GlTexture* TextureOf(VuBitmapImpl& surface, GlDevice& device) override;
-  bool CopyPixels(VuBitmapImpl& surface, const Box& part, GlDevice& device,
-                  std::unique_ptr<GlTexture>& copy) override;
+  bool CopyToTexture(VuBitmapImpl& surface, const Box& part, GlDevice& device,
+                     std::unique_ptr<GlTexture>& copy) override;
 
  private:
   class Mirror;

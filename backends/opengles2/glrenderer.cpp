@@ -8,7 +8,7 @@ bool GlRenderer::Resolve(VuBitmapImpl& surface, RectD* rect, Source& source, Sou
   source = FindSource(*sources_, surface, Device());
   if (source.pixels && source.pixels != Texture()) return true;
   const Box part = TakePart(rect, ToBox(surface.GetBounds()));
-  if (!sources_->CopyPixels(surface, part, Device(), copy)) return false;
+  if (!sources_->CopyToTexture(surface, part, Device(), copy)) return false;
   source.pixels = copy.get();
   return copy != nullptr;
 }
@@ -28,7 +28,7 @@ bool GlRenderer::Copy(VuPoint at, VuBitmapImpl& src, const VuRect& srcRect) {
   if (texture && texture != Texture()) return CopyFrom(*texture, plan.srcX, plan.srcY, box);
   const Box part = {plan.srcX, plan.srcY, plan.srcX + box.Width(), plan.srcY + box.Height()};
   SourceCopy copy;
-  if (!sources_->CopyPixels(src, part, Device(), copy)) return false;
+  if (!sources_->CopyToTexture(src, part, Device(), copy)) return false;
   return !copy || CopyFrom(*copy, 0, 0, box);
 }
 

@@ -19,9 +19,9 @@ class GlSources final : public GlyphAtlasAllocator, public TextureSources {
   GlTexture* TextureOf(VuBitmapImpl& surface, GlDevice& device) override {
     return backends::TextureOf(FindCanvas(surface), device);
   }
-  bool CopyPixels(VuBitmapImpl& surface, const Box& part, GlDevice& device,
-                  std::unique_ptr<GlTexture>& copy) override {
-    return backends::CopyPixels(FindCanvas(surface), part, device, copy);
+  bool CopyToTexture(VuBitmapImpl& surface, const Box& part, GlDevice& device,
+                     std::unique_ptr<GlTexture>& copy) override {
+    return backends::CopyToTexture(FindCanvas(surface), part, device, copy);
   }
 
  private:

@@ -25,8 +25,8 @@ GlTexture* TextureOf(GlCanvas* canvas, const GlDevice& device) {
   return canvas && &canvas->Device() == &device ? canvas->Texture() : nullptr;
 }
 
-bool CopyPixels(GlCanvas* canvas, const Box& part, const GlDevice& device,
-                std::unique_ptr<GlTexture>& copy) {
+bool CopyToTexture(GlCanvas* canvas, const Box& part, const GlDevice& device,
+                   std::unique_ptr<GlTexture>& copy) {
   if (!canvas) return RefuseSource();
   if (&canvas->Device() != &device) {
     ZIRK_LOG_ERROR("a surface from before the context was lost cannot be drawn");

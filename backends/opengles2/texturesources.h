@@ -22,8 +22,8 @@ class TextureSources {
 
   /// Copies `part`, which lies on `surface` and may be empty, into a texture of `device`, from
   /// where else it is. False after an error line; so it is for surfaces of other plug-ins.
-  virtual bool CopyPixels(VuBitmapImpl& surface, const Box& part, GlDevice& device,
-                          std::unique_ptr<GlTexture>& copy) = 0;
+  virtual bool CopyToTexture(VuBitmapImpl& surface, const Box& part, GlDevice& device,
+                             std::unique_ptr<GlTexture>& copy) = 0;
 
  protected:
   ~TextureSources() = default;
@@ -38,7 +38,7 @@ GlCanvas* FindCanvas(VuBitmapImpl& surface);
 
 /// TextureSources' operations for OpenGL surfaces.
 GlTexture* TextureOf(GlCanvas* canvas, const GlDevice& device);
-bool CopyPixels(GlCanvas* canvas, const Box& part, const GlDevice& device,
-                std::unique_ptr<GlTexture>& copy);
+bool CopyToTexture(GlCanvas* canvas, const Box& part, const GlDevice& device,
+                   std::unique_ptr<GlTexture>& copy);
 
 }  // namespace ZIRK::backends

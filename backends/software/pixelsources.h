@@ -22,8 +22,8 @@ class PixelSources {
 
   /// Copies the pixels of `part`, which lies on `surface` and may be empty, from where else they
   /// are. False after an error line; so it is for surfaces of other plug-ins.
-  virtual bool CopyPixels(VuBitmapImpl& surface, const Box& part,
-                          std::optional<PixelBuffer>& copy) = 0;
+  virtual bool CopyToBuffer(VuBitmapImpl& surface, const Box& part,
+                            std::optional<PixelBuffer>& copy) = 0;
 
  protected:
   ~PixelSources() = default;

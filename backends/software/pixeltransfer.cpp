@@ -48,7 +48,7 @@ void WritePixels(PixelBuffer& pixels, const Box& box, const void* src, unsigned 
   pixels.RestoreOpaqueBits(box);
 }
 
-Box CopyPixels(PixelBuffer& dst, VuPoint at, const PixelBuffer& src, const VuRect& srcRect) {
+Box CopyRect(PixelBuffer& dst, VuPoint at, const PixelBuffer& src, const VuRect& srcRect) {
   const auto [box, srcX, srcY] = PlanCopy(at.x, at.y, dst.Bounds(), srcRect, src.Bounds());
   if (box.IsEmpty()) return {};
   const bool sameFormat = dst.Format() == src.Format();

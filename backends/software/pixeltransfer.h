@@ -16,7 +16,7 @@ void ReadPixels(const PixelBuffer& pixels, const Box& box, void* dst);
 void WritePixels(PixelBuffer& pixels, const Box& box, const void* src, unsigned pitch);
 /// Copies `srcRect` of one surface, or of the same, to `at`, as far as both surfaces reach. Returns
 /// the pixels that were written.
-Box CopyPixels(PixelBuffer& dst, VuPoint at, const PixelBuffer& src, const VuRect& srcRect);
+Box CopyRect(PixelBuffer& dst, VuPoint at, const PixelBuffer& src, const VuRect& srcRect);
 
 /// Sets every pixel.
 void ClearPixels(PixelBuffer& pixels, VuColor color);

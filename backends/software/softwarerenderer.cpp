@@ -17,7 +17,7 @@ bool IsInRange(int64_t position) {
 std::optional<PixelBuffer> CopyOf(const PixelBuffer& pixels, const Box& part) {
   if (part.IsEmpty()) return std::nullopt;
   auto copy = PixelBuffer::TryCreate(part.Width(), part.Height(), pixels.Format());
-  if (copy) CopyPixels(*copy, {0, 0}, pixels, ToRect(part));
+  if (copy) CopyRect(*copy, {0, 0}, pixels, ToRect(part));
   return copy;
 }
 
@@ -35,7 +35,7 @@ bool SoftwareRenderer::Resolve(VuBitmapImpl& surface, RectD* rect, Source& sourc
   const Box part = TakePart(rect, ToBox(surface.GetBounds()));
   if (source.pixels)
     copy = CopyOf(pixels_, part);
-  else if (!sources_->CopyPixels(surface, part, copy))
+  else if (!sources_->CopyToBuffer(surface, part, copy))
     return false;
   if (copy) source.pixels = &*copy;
   return copy.has_value();
@@ -68,15 +68,15 @@ bool SoftwareRenderer::Write(const Box& box, const void* src, unsigned pitch) {
 
 bool SoftwareRenderer::Copy(VuPoint at, VuBitmapImpl& src, const VuRect& srcRect) {
   if (const PixelBuffer* const pixels = FindSource(*sources_, src).pixels) {
-    Touch(backends::CopyPixels(pixels_, at, *pixels, srcRect));
+    Touch(CopyRect(pixels_, at, *pixels, srcRect));
     return true;
   }
   const CopyPlan plan = PlanCopy(at.x, at.y, pixels_.Bounds(), srcRect, ToBox(src.GetBounds()));
   const Box& to = plan.box;
   std::optional<PixelBuffer> copy;
   const Box part = {plan.srcX, plan.srcY, plan.srcX + to.Width(), plan.srcY + to.Height()};
-  if (!sources_->CopyPixels(src, part, copy)) return false;
-  if (copy) Touch(backends::CopyPixels(pixels_, {to.x0, to.y0}, *copy, ToRect(copy->Bounds())));
+  if (!sources_->CopyToBuffer(src, part, copy)) return false;
+  if (copy) Touch(CopyRect(pixels_, {to.x0, to.y0}, *copy, ToRect(copy->Bounds())));
   return true;
 }
 

@@ -29,7 +29,7 @@ TEST(Painter, PixelsMayBeSomebodyElsesAndMove) {
     std::fill_n(expected.begin() + pitch / 2 + 1, 2, uint16_t{0x001F});
     EXPECT_EQ(memory, expected) << pitch;
     PixelBuffer read(3, 2, VuPixelFormat::ARGB8888);
-    CopyPixels(read, {0, 0}, pixels, {1, 1, 2, 1});
+    CopyRect(read, {0, 0}, pixels, {1, 1, 2, 1});
     EXPECT_EQ(read.Row32(0)[1], 0xFF0000FFu);
   }
 }
