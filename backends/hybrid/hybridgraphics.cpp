@@ -38,37 +38,37 @@ HybridGraphics::HybridGraphics(const std::shared_ptr<MemoryBudget>& budget)
     : FbGraphics(budget, std::make_shared<HybridSources>(budget, kType)) {}
 
 /// After a loss it starts anew.
-std::shared_ptr<Mirrors> HybridGraphics::FindOpenGl(std::string& reason) const {
-  if (mirrors_ && !mirrors_->Device()->IsLost()) return mirrors_;
-  mirrors_ = nullptr;
+std::shared_ptr<TextureCache> HybridGraphics::FindOpenGl(std::string& reason) const {
+  if (textures_ && !textures_->Device()->IsLost()) return textures_;
+  textures_ = nullptr;
   if (auto device = GlDevice::Acquire(&reason))
-    mirrors_ = std::make_shared<Mirrors>(std::move(device), Sources());
+    textures_ = std::make_shared<TextureCache>(std::move(device), Sources());
   else if (reason.empty())
     reason = "OpenGL ES 2 does not start";
-  return mirrors_;
+  return textures_;
 }
 
 void HybridGraphics::Flush() {
-  if (mirrors_) mirrors_->Device()->FlushAndDetach();
+  if (textures_) textures_->Device()->FlushAndDetach();
 }
 
 int HybridGraphics::GetMaxTextureSize() const {
-  return mirrors_ ? mirrors_->Device()->MaxTextureSize() : FbGraphics::GetMaxTextureSize();
+  return textures_ ? textures_->Device()->MaxTextureSize() : FbGraphics::GetMaxTextureSize();
 }
 
 std::optional<ImageSize> HybridGraphics::DeviceSize(int index) const {
   std::string reason;
-  const auto mirrors = FindOpenGl(reason);
-  return mirrors ? mirrors->Device()->DisplaySize(index) : FbGraphics::DeviceSize(index);
+  const auto textures = FindOpenGl(reason);
+  return textures ? textures->Device()->DisplaySize(index) : FbGraphics::DeviceSize(index);
 }
 
 std::unique_ptr<VuScreenImpl> HybridGraphics::MakeScreen(Reservation reservation,
                                                          const VuScreenDescription& description) {
   std::string reason;
-  if (auto mirrors = FindOpenGl(reason)) {
-    auto device = mirrors->Device();
+  if (auto textures = FindOpenGl(reason)) {
+    auto device = textures->Device();
     return GlScreen::Open(std::move(reservation), description, std::move(device),
-                          std::move(mirrors));
+                          std::move(textures));
   }
   return FbScreen::Open(std::move(reservation), description, Sources(), reason);
 }

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "fb/fbgraphics.h"
-#include "hybrid/mirrors.h"
+#include "hybrid/texturecache.h"
 
 namespace ZIRK::backends {
 
@@ -34,9 +34,9 @@ class HybridGraphics final : public FbGraphics {
 
   explicit HybridGraphics(const std::shared_ptr<MemoryBudget>& budget);
   /// Null, for which there is a reason, where there is no OpenGL.
-  std::shared_ptr<Mirrors> FindOpenGl(std::string& reason) const;
+  std::shared_ptr<TextureCache> FindOpenGl(std::string& reason) const;
 
-  mutable std::shared_ptr<Mirrors> mirrors_;  ///< Null as long as there is no OpenGL.
+  mutable std::shared_ptr<TextureCache> textures_;  ///< Null as long as there is no OpenGL.
 };
 
 }  // namespace ZIRK::backends

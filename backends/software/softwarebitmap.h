@@ -7,10 +7,10 @@
 
 namespace ZIRK::backends {
 
-/// A texture that holds what a bitmap held when it was last looked at.
-class BitmapMirror {
+/// What a cache of textures keeps at a bitmap: whether there is a texture of the bitmap.
+class CachedTexture {
  public:
-  virtual ~BitmapMirror() = default;
+  virtual ~CachedTexture() = default;
   virtual bool HasTexture() const = 0;
 };
 
@@ -19,14 +19,14 @@ class SoftwareBitmap final : public Surface<VuBitmapImpl, SoftwareRenderer> {
  public:
   using Surface::Surface;
 
-  bool IsTextureBacked() const override { return mirror_ && mirror_->HasTexture(); }
+  bool IsTextureBacked() const override { return cached_ && cached_->HasTexture(); }
 
-  /// The bitmap's mirror, null at first, lives no longer than the bitmap. Whoever sets it keeps it
-  /// up to date, by what the renderer has touched.
-  std::unique_ptr<BitmapMirror>& Mirror() { return mirror_; }
+  /// The cache's object, null at first; it is deleted with the bitmap. The cache uploads what the
+  /// renderer has touched.
+  std::unique_ptr<CachedTexture>& Cached() { return cached_; }
 
  private:
-  std::unique_ptr<BitmapMirror> mirror_;
+  std::unique_ptr<CachedTexture> cached_;
 };
 
 }  // namespace ZIRK::backends

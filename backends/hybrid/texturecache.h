@@ -9,19 +9,18 @@
 
 namespace ZIRK::backends {
 
-/// Makes bitmaps in memory sources of OpenGL surfaces: by a texture that mirrors the bitmap from
-/// the first time that it is drawn from. From then on only the rectangle that has changed since the
-/// last time is sent. A bitmap that is too large for a texture is sent anew, as far as it is drawn
-/// from, each time.
+/// Keeps a texture for each bitmap in memory that an OpenGL surface has been drawn from. The first
+/// draw uploads the whole bitmap, each later one the rectangle around what has changed since. A
+/// bitmap that is too large for a texture is not kept: each draw uploads the part that it reads.
 ///
-/// The textures are used and deleted where OpenGL is, on one thread at a time. Bitmaps may be
-/// deleted on any other; their textures then wait here for the next bitmap to be drawn from.
-class Mirrors final : public TextureSources {
+/// Textures are used and deleted on the thread that has OpenGL's context. A bitmap may be deleted
+/// on any thread; its texture is deleted when the next bitmap is drawn from.
+class TextureCache final : public TextureSources {
  public:
-  Mirrors(std::shared_ptr<GlDevice> device, std::shared_ptr<GlyphAtlasAllocator> atlases);
-  ~Mirrors();
-  Mirrors(const Mirrors&) = delete;
-  Mirrors& operator=(const Mirrors&) = delete;
+  TextureCache(std::shared_ptr<GlDevice> device, std::shared_ptr<GlyphAtlasAllocator> atlases);
+  ~TextureCache();
+  TextureCache(const TextureCache&) = delete;
+  TextureCache& operator=(const TextureCache&) = delete;
 
   const std::shared_ptr<GlDevice>& Device() const { return device_; }
 
@@ -31,10 +30,10 @@ class Mirrors final : public TextureSources {
                      std::unique_ptr<GlTexture>& copy) override;
 
  private:
-  class Mirror;
+  class Handle;
   struct Slot {
     std::unique_ptr<GlTexture> texture;
-    Mirror* mirror = nullptr;  ///< Null when the bitmap has gone.
+    Handle* handle = nullptr;  ///< Null after the bitmap is deleted.
   };
 
   GlTexture* TextureOf(SoftwareBitmap& bitmap, GlDevice& device);

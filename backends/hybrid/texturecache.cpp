@@ -1,4 +1,4 @@
-#include "hybrid/mirrors.h"
+#include "hybrid/texturecache.h"
 
 #include <iterator>
 #include <mutex>
@@ -37,73 +37,74 @@ const PixelBuffer* PixelsOf(VuBitmapImpl& surface) {
 }  // namespace
 
 /// What a bitmap keeps of it.
-class Mirrors::Mirror final : public BitmapMirror {
+class TextureCache::Handle final : public CachedTexture {
  public:
-  ~Mirror() override {
+  ~Handle() override {
     const std::lock_guard lock(mutex);
     Abandon();
   }
   bool HasTexture() const override {
     const std::lock_guard lock(mutex);
-    return home_ != nullptr;
+    return cache_ != nullptr;
   }
 
   /// The texture if it is one of `device`. Only used where OpenGL is, as is all that changes it.
   GlTexture* TextureOn(const GlDevice& device) const {
-    return home_ && home_->device_.get() == &device ? slot_->texture.get() : nullptr;
+    return cache_ && cache_->device_.get() == &device ? slot_->texture.get() : nullptr;
   }
 
   // These expect the mutex to be locked.
 
-  void MoveTo(Mirrors& home, std::list<Slot>::iterator slot) {
+  void MoveTo(TextureCache& cache, std::list<Slot>::iterator slot) {
     Abandon();
-    home_ = &home;
+    cache_ = &cache;
     slot_ = slot;
-    slot_->mirror = this;
+    slot_->handle = this;
   }
-  void Forget() { home_ = nullptr; }
+  void Forget() { cache_ = nullptr; }
 
  private:
   void Abandon() {
-    if (!home_) return;
-    slot_->mirror = nullptr;
-    home_->anyAbandoned_ = true;
-    home_ = nullptr;
+    if (!cache_) return;
+    slot_->handle = nullptr;
+    cache_->anyAbandoned_ = true;
+    cache_ = nullptr;
   }
 
-  Mirrors* home_ = nullptr;  ///< Whose slot it has; null as long as it has none.
+  TextureCache* cache_ = nullptr;  ///< Whose slot it has; null as long as it has none.
   std::list<Slot>::iterator slot_;
 };
 
-Mirrors::Mirrors(std::shared_ptr<GlDevice> device, std::shared_ptr<GlyphAtlasAllocator> atlases)
+TextureCache::TextureCache(std::shared_ptr<GlDevice> device,
+                           std::shared_ptr<GlyphAtlasAllocator> atlases)
     : device_(std::move(device)), atlases_(std::move(atlases)) {}
 
-Mirrors::~Mirrors() {
+TextureCache::~TextureCache() {
   const std::lock_guard lock(mutex);
   for (const Slot& slot : slots_)
-    if (slot.mirror) slot.mirror->Forget();
+    if (slot.handle) slot.handle->Forget();
 }
 
-void Mirrors::DeleteAbandoned() {
+void TextureCache::DeleteAbandoned() {
   std::list<Slot> abandoned;
   const std::lock_guard lock(mutex);
   anyAbandoned_ = false;
   for (auto slot = slots_.begin(); slot != slots_.end();) {
     const auto next = std::next(slot);
-    if (!slot->mirror) abandoned.splice(abandoned.end(), slots_, slot);
+    if (!slot->handle) abandoned.splice(abandoned.end(), slots_, slot);
     slot = next;
   }
 }
 
-GlTexture* Mirrors::TextureOf(VuBitmapImpl& surface, GlDevice& device) {
+GlTexture* TextureCache::TextureOf(VuBitmapImpl& surface, GlDevice& device) {
   if (auto* const bitmap = AsOwn<SoftwareBitmap>(&surface)) return TextureOf(*bitmap, device);
   return backends::TextureOf(FindCanvas(surface), device);
 }
 
-GlTexture* Mirrors::TextureOf(SoftwareBitmap& bitmap, GlDevice& device) {
+GlTexture* TextureCache::TextureOf(SoftwareBitmap& bitmap, GlDevice& device) {
   if (anyAbandoned_) DeleteAbandoned();
-  const auto* const mirror = static_cast<const Mirror*>(bitmap.Mirror().get());
-  GlTexture* const texture = mirror ? mirror->TextureOn(device) : nullptr;
+  const auto* const handle = static_cast<const Handle*>(bitmap.Cached().get());
+  GlTexture* const texture = handle ? handle->TextureOn(device) : nullptr;
   if (!texture) return Make(bitmap);
   const Box& changed = bitmap.Drawing().Touched();
   if (changed.IsEmpty()) return texture;
@@ -113,14 +114,14 @@ GlTexture* Mirrors::TextureOf(SoftwareBitmap& bitmap, GlDevice& device) {
 }
 
 /// Null if the bitmap is too large or the device lost; and after an error line if that fails.
-GlTexture* Mirrors::Make(SoftwareBitmap& bitmap) {
+GlTexture* TextureCache::Make(SoftwareBitmap& bitmap) {
   const PixelBuffer& pixels = bitmap.Drawing().Buffer();
   const int most = device_->MaxTextureSize();
   if (pixels.Width() > most || pixels.Height() > most || device_->IsLost()) return nullptr;
   std::list<Slot> made;
   try {
     made.emplace_back();
-    if (!bitmap.Mirror()) bitmap.Mirror() = std::make_unique<Mirror>();
+    if (!bitmap.Cached()) bitmap.Cached() = std::make_unique<Handle>();
   } catch (const std::bad_alloc&) {
     ReportNoMemory();
     return nullptr;
@@ -130,13 +131,13 @@ GlTexture* Mirrors::Make(SoftwareBitmap& bitmap) {
   made.back().texture = std::move(texture);
   const std::lock_guard lock(mutex);
   slots_.splice(slots_.end(), made);
-  static_cast<Mirror&>(*bitmap.Mirror()).MoveTo(*this, std::prev(slots_.end()));
+  static_cast<Handle&>(*bitmap.Cached()).MoveTo(*this, std::prev(slots_.end()));
   bitmap.Drawing().TakeTouched();
   return slots_.back().texture.get();
 }
 
-bool Mirrors::CopyToTexture(VuBitmapImpl& surface, const Box& part, GlDevice& device,
-                            std::unique_ptr<GlTexture>& copy) {
+bool TextureCache::CopyToTexture(VuBitmapImpl& surface, const Box& part, GlDevice& device,
+                                 std::unique_ptr<GlTexture>& copy) {
   const PixelBuffer* const pixels = PixelsOf(surface);
   if (!pixels) return backends::CopyToTexture(FindCanvas(surface), part, device, copy);
   // Of a loss it has been told already.
