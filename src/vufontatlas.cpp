@@ -105,7 +105,7 @@ struct VuFontAtlas::State {
                  FT_Face* face) const;
   std::pair<FT_Face, uint32_t> Resolve(uint32_t code, uint32_t fallbackGlyph) const;
   unsigned OutlineNumber(int type, int thickness);
-  BinRect FindRoom(int width, int height, uint32_t index, const VuFontAtlas& font);
+  BinRect AllocateRegion(int width, int height, uint32_t index, const VuFontAtlas& font);
   void GrowAtlas(const VuFontAtlas& font);
 
   FT_Library freeType = nullptr;
@@ -398,7 +398,7 @@ void VuFontAtlas::LoadGlyph(Glyph& glyph, bool render) const {
   const std::optional<GlyphImage::Coverage> coverage = image.ToCoverage();
   if (!coverage) return;
   const BinRect region =
-      s.FindRoom(glyph.width + margin_, glyph.height + margin_, glyph.index, *this);
+      s.AllocateRegion(glyph.width + margin_, glyph.height + margin_, glyph.index, *this);
   if (region.height == 0) return;
   const auto atlasWidth = static_cast<float>(s.atlas->GetWidth());
   const auto atlasHeight = static_cast<float>(s.atlas->GetHeight());
@@ -418,8 +418,8 @@ void VuFontAtlas::LoadGlyph(Glyph& glyph, bool render) const {
 }
 
 /// A region of the atlas, which grows if it has to. Of height 0 if there is no room.
-BinRect VuFontAtlas::State::FindRoom(int width, int height, uint32_t index,
-                                     const VuFontAtlas& font) {
+BinRect VuFontAtlas::State::AllocateRegion(int width, int height, uint32_t index,
+                                           const VuFontAtlas& font) {
   if (atlas->GetHeight() == 0) {
     ZIRK_LOG_INFO("%s: texture atlas allocation failure", "LoadGlyph");
     return {};
