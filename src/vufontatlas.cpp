@@ -42,7 +42,7 @@ bool HasOutline(const Glyph& glyph, int type, int thickness) {
 }
 
 /// Others may be reading a glyph that is loaded again, so what stays the same is not written.
-void Change(int32_t& field, int64_t value) {
+void StoreIfChanged(int32_t& field, int64_t value) {
   if (field != value) field = static_cast<int32_t>(value);
 }
 
@@ -383,12 +383,12 @@ void VuFontAtlas::LoadGlyph(Glyph& glyph, bool render) const {
     image.Embolden(glyph, kAtlasHeightLimit);
 
   const FT_Bitmap& bitmap = image.Bitmap();
-  Change(glyph.left, image.Left());
-  Change(glyph.width, image.Width());
-  Change(glyph.height, image.Height());
+  StoreIfChanged(glyph.left, image.Left());
+  StoreIfChanged(glyph.width, image.Width());
+  StoreIfChanged(glyph.height, image.Height());
   const bool isCached = s.glyphs.Find(GlyphTraits::KeyOf(glyph)) == &glyph;
   if (!isCached || Advance(glyph) == 0) SetAdvance(glyph, glyph.face->glyph->advance.x);
-  Change(glyph.top, s.ascender - image.Top());
+  StoreIfChanged(glyph.top, s.ascender - image.Top());
   s.maxGlyphHeight = std::max(s.maxGlyphHeight, glyph.height);
   ZIRK_LOG_DEBUG("%s: '%c' charcode 0x%x index %d width %d advance %d left %d height %d top %d",
                  "LoadGlyph", code, glyph.charcode, index, glyph.width, glyph.advance, glyph.left,
