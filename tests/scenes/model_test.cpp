@@ -4,7 +4,7 @@
 #include <limits>
 
 #include "scenes/backends.h"
-#include "scenes/trial.h"
+#include "scenes/modelcheck.h"
 
 namespace ZIRK::scenes {
 namespace {
@@ -33,20 +33,20 @@ TEST_P(Model, EveryPairOfBlendingFactors) {
   const auto src = Noise(9, 9, Format::ARGB8888, 7);
   const auto mask = Noise(9, 9, Format::A8, 8);
   for (const Format format : {Format::ARGB8888, Format::RGB565, Format::A8}) {
-    Trial trial(*graphics_, 20, 20, format, GetParam());
-    trial.SetBlendColor(VuColor{0xA0C04020});
+    ModelCheck check(*graphics_, 20, 20, format, GetParam());
+    check.SetBlendColor(VuColor{0xA0C04020});
     for (int s = 0; s <= 14 && !HasFailure(); ++s)
       for (int d = 0; d <= 14 && !HasFailure(); ++d) {
         SCOPED_TRACE("factors " + std::to_string(s) + ", " + std::to_string(d) + " format " +
                      std::to_string(int(format)));
-        FillWithNoise(trial.Target(), static_cast<unsigned>(s * 15 + d));
-        trial.SetFactors({Factor(s), Factor(d), Factor(s), Factor(d)});
-        trial.DrawRect({1, 1, 18, 9}, VuColor{0x80FF4010});
-        trial.DrawObject({1, 10, 9, 9}, *src, {0, 0, 9, 9});
-        trial.DrawObject({11, 10, 9, 9}, *src, {0, 0, 9, 9}, {}, VuColor{0xC0FFFF00}, {mask.get()});
+        FillWithNoise(check.Target(), static_cast<unsigned>(s * 15 + d));
+        check.SetFactors({Factor(s), Factor(d), Factor(s), Factor(d)});
+        check.DrawRect({1, 1, 18, 9}, VuColor{0x80FF4010});
+        check.DrawObject({1, 10, 9, 9}, *src, {0, 0, 9, 9});
+        check.DrawObject({11, 10, 9, 9}, *src, {0, 0, 9, 9}, {}, VuColor{0xC0FFFF00}, {mask.get()});
         // Others for alpha.
-        trial.SetFactors({Factor(s), Factor(d), Factor(d), Factor(14 - s)});
-        trial.DrawObject({6, 5, 9, 9}, *src, {0, 0, 9, 9});
+        check.SetFactors({Factor(s), Factor(d), Factor(d), Factor(14 - s)});
+        check.DrawObject({6, 5, 9, 9}, *src, {0, 0, 9, 9});
       }
   }
 }
@@ -58,18 +58,18 @@ TEST_P(Model, EveryFormatOntoEveryFormat) {
       SCOPED_TRACE("from " + std::to_string(int(from)) + " to " + std::to_string(int(to)));
       const auto nearest = Noise(13, 11, from, 3);
       const auto bilinear = Noise(13, 11, from, 4, VuScaleMode::Bilinear);
-      Trial trial(*graphics_, 32, 28, to, GetParam());
-      trial.DrawObject({2, 2, 13, 11}, *nearest, {0, 0, 13, 11});
-      trial.DrawObject({2, 2, 13, 11}, *nearest, {0, 0, 13, 11}, {}, VuColor{0xB0FF8040});
-      trial.DrawObject({1, 1, 30, 17}, *nearest, {0, 0, 13, 11});
-      trial.DrawObject({3, 2, 26, 22}, *nearest, {0, 0, 13, 11});
-      trial.DrawObject({-5, 9, 26, 44}, *nearest, {0, 0, 13, 11});
-      trial.DrawObject({1, 1, 30, 26}, *bilinear, {0, 0, 13, 11});
-      trial.DrawObject({-7, -6, 13, 11}, *bilinear, {0, 0, 13, 11}, VuTransform(16, 14, 1, 1, 33));
-      trial.DrawRect({3, 3, 20, 20}, VuColor{0x70102030}, VuTransform(4, -2, 1, 1, -10));
-      trial.Target().SetBlendEnabled(false);
-      trial.DrawObject({3, 4, 13, 11}, *nearest, {0, 0, 13, 11});
-      trial.DrawRect({20, 3, 9, 9}, VuColor{0x50FFFFFF});
+      ModelCheck check(*graphics_, 32, 28, to, GetParam());
+      check.DrawObject({2, 2, 13, 11}, *nearest, {0, 0, 13, 11});
+      check.DrawObject({2, 2, 13, 11}, *nearest, {0, 0, 13, 11}, {}, VuColor{0xB0FF8040});
+      check.DrawObject({1, 1, 30, 17}, *nearest, {0, 0, 13, 11});
+      check.DrawObject({3, 2, 26, 22}, *nearest, {0, 0, 13, 11});
+      check.DrawObject({-5, 9, 26, 44}, *nearest, {0, 0, 13, 11});
+      check.DrawObject({1, 1, 30, 26}, *bilinear, {0, 0, 13, 11});
+      check.DrawObject({-7, -6, 13, 11}, *bilinear, {0, 0, 13, 11}, VuTransform(16, 14, 1, 1, 33));
+      check.DrawRect({3, 3, 20, 20}, VuColor{0x70102030}, VuTransform(4, -2, 1, 1, -10));
+      check.Target().SetBlendEnabled(false);
+      check.DrawObject({3, 4, 13, 11}, *nearest, {0, 0, 13, 11});
+      check.DrawRect({20, 3, 9, 9}, VuColor{0x50FFFFFF});
     }
 }
 
@@ -101,13 +101,13 @@ TEST_P(Model, Transforms) {
       if (HasFailure()) return;
       SCOPED_TRACE(std::string(t.name) + ", scale mode " + std::to_string(int(mode)));
       const auto src = Noise(24, 18, Format::ARGB8888, 3, mode);
-      Trial trial(*graphics_, 48, 48, Format::ARGB8888, GetParam());
-      trial.DrawRect({10, 10, 17, 12}, VuColor{0x9080FF20}, t.transform);
-      trial.DrawObject({6, 8, 24, 18}, *src, {0, 0, 24, 18}, t.transform);
-      trial.DrawObject({6, 8, 24, 18}, *src, {3, 4, 9, 7}, t.transform, VuColor{0xC0FF80FF});
+      ModelCheck check(*graphics_, 48, 48, Format::ARGB8888, GetParam());
+      check.DrawRect({10, 10, 17, 12}, VuColor{0x9080FF20}, t.transform);
+      check.DrawObject({6, 8, 24, 18}, *src, {0, 0, 24, 18}, t.transform);
+      check.DrawObject({6, 8, 24, 18}, *src, {3, 4, 9, 7}, t.transform, VuColor{0xC0FF80FF});
       // Some of its pixels lie between two texels.
-      trial.DrawObject({6, 8, 14, 7}, *src, {0, 0, 24, 12}, t.transform);
-      trial.DrawSubPixel(VuTRect2D<float>(6.3f, 8.6f, 21.5f, 15.8f), *src,
+      check.DrawObject({6, 8, 14, 7}, *src, {0, 0, 24, 12}, t.transform);
+      check.DrawSubPixel(VuTRect2D<float>(6.3f, 8.6f, 21.5f, 15.8f), *src,
                          VuTRect2D<float>(2.25f, 3.5f, 17.5f, 11.25f), t.transform);
     }
 }
@@ -139,35 +139,35 @@ TEST_P(Model, Masks) {
         if (HasFailure()) return;
         const auto mask = Noise(16, 12, format, 5, mode);
         const auto src = Noise(16, 12, Format::ARGB8888, 6);
-        Trial trial(*graphics_, 40, 36, Format::ARGB8888, GetParam());
+        ModelCheck check(*graphics_, 40, 36, Format::ARGB8888, GetParam());
         const MaskArgument argument{mask.get(), coords};
-        trial.DrawRect({2, 2, 16, 12}, VuColor{0xE0FF2040}, {}, argument);
-        trial.DrawRect({2, 2, 35, 30}, VuColor{0xFF40FF40}, {}, argument);
-        trial.DrawObject({20, 20, 16, 12}, *src, {0, 0, 16, 12}, {}, white, argument);
-        trial.DrawObject({-8, -6, 16, 12}, *src, {0, 0, 16, 12},
+        check.DrawRect({2, 2, 16, 12}, VuColor{0xE0FF2040}, {}, argument);
+        check.DrawRect({2, 2, 35, 30}, VuColor{0xFF40FF40}, {}, argument);
+        check.DrawObject({20, 20, 16, 12}, *src, {0, 0, 16, 12}, {}, white, argument);
+        check.DrawObject({-8, -6, 16, 12}, *src, {0, 0, 16, 12},
                          VuTransform(18, 16, 1.5f, 1.5f, 40), white, argument);
-        trial.DrawObject({4, 4, 16, 12}, *src, {-4, -3, 16, 12}, {}, white, argument);
+        check.DrawObject({4, 4, 16, 12}, *src, {-4, -3, 16, 12}, {}, white, argument);
       }
 }
 
 TEST_P(Model, OntoItself) {
-  Trial trial(*graphics_, 40, 36, Format::ARGB8888, GetParam());
-  trial.Target().SetScaleMode(VuScaleMode::Bilinear);
-  VuBitmap& self = trial.Target();
-  trial.DrawObject({6, 4, 20, 20}, self, {2, 3, 20, 20});
-  trial.DrawObject({0, 0, 20, 20}, self, {-6, 20, 30, 30});
-  trial.DrawObject({3, 3, 30, 25}, self, {8, 9, 12, 10}, VuTransform(4, 6, 1, 1, -15));
-  trial.DrawRect({5, 5, 30, 20}, VuColor{0xE0FF2040}, {}, {&self});
-  trial.DrawObject({2, 1, 36, 30}, self, {5, 6, 30, 20}, {}, white, {&self});
-  trial.DrawObject({0, 0, 20, 20}, self, {50, 50, 10, 10});
+  ModelCheck check(*graphics_, 40, 36, Format::ARGB8888, GetParam());
+  check.Target().SetScaleMode(VuScaleMode::Bilinear);
+  VuBitmap& self = check.Target();
+  check.DrawObject({6, 4, 20, 20}, self, {2, 3, 20, 20});
+  check.DrawObject({0, 0, 20, 20}, self, {-6, 20, 30, 30});
+  check.DrawObject({3, 3, 30, 25}, self, {8, 9, 12, 10}, VuTransform(4, 6, 1, 1, -15));
+  check.DrawRect({5, 5, 30, 20}, VuColor{0xE0FF2040}, {}, {&self});
+  check.DrawObject({2, 1, 36, 30}, self, {5, 6, 30, 20}, {}, white, {&self});
+  check.DrawObject({0, 0, 20, 20}, self, {50, 50, 10, 10});
 }
 
 TEST_P(Model, WhatHasNoExtentOrNoPlaceDrawsNothing) {
   const float infinity = std::numeric_limits<float>::infinity();
   const float nan = std::numeric_limits<float>::quiet_NaN();
   const auto src = Noise(8, 8, Format::ARGB8888, 2);
-  Trial trial(*graphics_, 16, 16, Format::ARGB8888, GetParam());
-  VuBitmap& target = trial.Target();
+  ModelCheck check(*graphics_, 16, 16, Format::ARGB8888, GetParam());
+  VuBitmap& target = check.Target();
   const model::Picture before(target);
   for (const VuTransform& t :
        {VuTransform(0, 0, 0, 1, 0), VuTransform(0, 0, 1, 0, 30), VuTransform(0, 0, 0, 0, 0),
@@ -268,34 +268,35 @@ TEST_P(Model, RandomOperations) {
   };
   for (int round = 0; round < 300 && !HasFailure(); ++round) {
     SCOPED_TRACE("round " + std::to_string(round));
-    Trial trial(*graphics_, number(10, 60), number(10, 60), kFormats[random() % 6], GetParam());
+    ModelCheck check(*graphics_, number(10, 60), number(10, 60), kFormats[random() % 6],
+                     GetParam());
     const auto src = Noise(number(1, 30), number(1, 30), kFormats[random() % 6], random(),
                            VuScaleMode(random() % 2));
     const auto mask = Noise(number(1, 30), number(1, 30), kFormats[random() % 6], random(),
                             VuScaleMode(random() % 2));
-    trial.Target().SetBlendEnabled(random() % 4 != 0);
-    if (random() % 4 == 0) trial.Target().SetClippingRect(kClips[random() % std::size(kClips)]);
+    check.Target().SetBlendEnabled(random() % 4 != 0);
+    if (random() % 4 == 0) check.Target().SetClippingRect(kClips[random() % std::size(kClips)]);
     if (random() % 3 == 0)
-      trial.SetFactors({Factor(random() % 15), Factor(random() % 15), Factor(random() % 15),
+      check.SetFactors({Factor(random() % 15), Factor(random() % 15), Factor(random() % 15),
                         Factor(random() % 15)});
-    trial.SetBlendColor(VuColor{random()});
+    check.SetBlendColor(VuColor{random()});
 
     const VuTransform t(real(-5, 30), real(-5, 30), real(-2, 2), real(-2, 2),
                         random() % 2 ? 0 : real(-180, 180));
     const MaskArgument masked{random() % 2 ? mask.get() : nullptr};
     const VuColor color{random()};
-    trial.DrawRect({number(-9, 40), number(-9, 40), number(1, 40), number(1, 40)}, color, t,
+    check.DrawRect({number(-9, 40), number(-9, 40), number(1, 40), number(1, 40)}, color, t,
                    masked);
-    trial.DrawObject({number(-9, 40), number(-9, 40), number(1, 40), number(1, 40)}, *src,
+    check.DrawObject({number(-9, 40), number(-9, 40), number(1, 40), number(1, 40)}, *src,
                      {number(-5, 20), number(-5, 20), number(1, 40), number(1, 40)}, t, color,
                      masked);
     // As most is drawn, in its own size.
     const int width = number(1, 40), height = number(1, 40);
     const VuRect dst{number(-9, 40), number(-9, 40), width, height};
-    trial.DrawRect(dst, color);
-    trial.DrawObject(dst, *src, {number(-5, 20), number(-5, 20), width, height},
+    check.DrawRect(dst, color);
+    check.DrawObject(dst, *src, {number(-5, 20), number(-5, 20), width, height},
                      VuTransform(0, 0, 1, 1, 0), color);
-    trial.DrawObject(dst, *src, {number(-5, 20), number(-5, 20), width, height},
+    check.DrawObject(dst, *src, {number(-5, 20), number(-5, 20), width, height},
                      VuTransform(3, 4, 1, 1, 0));
   }
 }

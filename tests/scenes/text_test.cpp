@@ -13,7 +13,7 @@
 #include "helpers/freetype.h"
 #include "helpers/pixels.h"
 #include "scenes/backends.h"
-#include "scenes/trial.h"
+#include "scenes/modelcheck.h"
 
 namespace ZIRK::scenes {
 namespace {
@@ -101,7 +101,7 @@ std::vector<Letter> LayOut(const Line& l, int& width) {
 
 /// Draws a letter as a bitmap, on which the model keeps an eye. `mask` lies over the whole line,
 /// which is `lineWidth` by `lineHeight`.
-void DrawLetter(Trial& trial, const Line& l, const Letter& letter, VuBitmap& coverage,
+void DrawLetter(ModelCheck& check, const Line& l, const Letter& letter, VuBitmap& coverage,
                 const VuBitmap* mask, float lineWidth, float lineHeight) {
   coverage.SetPixels(coverage.GetBounds(), letter.coverage.data(),
                      static_cast<unsigned>(letter.width));
@@ -114,7 +114,7 @@ void DrawLetter(Trial& trial, const Line& l, const Letter& letter, VuBitmap& cov
   for (int i = 0; i < 4; ++i)
     coords[i] = {float((i == 1 || i == 2 ? x1 : x0) - kPosition.x) / lineWidth * 8,
                  float((i >= 2 ? y1 : y0) - kPosition.y) / lineHeight * 4};
-  trial.DrawObject({x0, y0, x1 - x0, y1 - y0}, coverage,
+  check.DrawObject({x0, y0, x1 - x0, y1 - y0}, coverage,
                    {x0 - letter.x, y0 - letter.y, x1 - x0, y1 - y0},
                    VuTMatrix2D<float>(l.transform), kColor, {mask, coords});
 }
@@ -140,18 +140,18 @@ TEST_P(Text, IsItsLettersDrawnOneByOne) {
     font.SetOutlineType(l.outline);
     font.SetOutlineThickness(l.thickness);
     const Format format = l.mode == Mode::Pack ? Format::RGB565 : Format::ARGB8888;
-    Trial trial(*graphics_, 96, 48, format, GetParam());
+    ModelCheck check(*graphics_, 96, 48, format, GetParam());
     if (l.mode == Mode::OtherFactors)
-      trial.SetFactors(
+      check.SetFactors(
           {Factor::DstAlpha, Factor::OneMinusSrcColor, Factor::DstAlpha, Factor::OneMinusSrcColor});
-    Prepare(trial.Target(), l.mode);
+    Prepare(check.Target(), l.mode);
     int width = 0;
     const std::vector<Letter> letters = LayOut(l, width);
     for (const Letter& letter : letters)
       if (!letter.coverage.empty())
-        DrawLetter(trial, l, letter, *New(letter.width, letter.height, Format::A8),
+        DrawLetter(check, l, letter, *New(letter.width, letter.height, Format::A8),
                    l.masked ? mask.get() : nullptr, float(width), float(font.GetOneLineHeight()));
-    const model::Picture expected(trial.Target());
+    const model::Picture expected(check.Target());
     // What goes through a mask is rounded at other places. One of Mesa's renderers blends in
     // floating point, and rounds only once where the letters of a line lie over each other.
     const bool through = l.masked || l.rect.width != 0;

@@ -1,4 +1,4 @@
-#include "scenes/trial.h"
+#include "scenes/modelcheck.h"
 
 #include <algorithm>
 #include <cmath>
@@ -37,21 +37,22 @@ std::tuple<double, double, double, double> Numbers(const VuTRect2D<float>& r) {
 
 }  // namespace
 
-Trial::Trial(VuGraphics& graphics, int width, int height, VuPixelFormat format, const char* backend)
+ModelCheck::ModelCheck(VuGraphics& graphics, int width, int height, VuPixelFormat format,
+                       const char* backend)
     : onlyDropsBits_(IsReference(backend)), target_(NewTarget(graphics, width, height, format)) {
   FillWithNoise(*target_, 1);
 }
 
-void Trial::SetFactors(model::Factors f) {
+void ModelCheck::SetFactors(model::Factors f) {
   factors_ = f;
   target_->SetBlendingFunc(f.srcColor, f.dstColor, f.srcAlpha, f.dstAlpha);
 }
 
-void Trial::SetBlendColor(VuColor color) {
+void ModelCheck::SetBlendColor(VuColor color) {
   target_->SetBlendColor(color);
 }
 
-void Trial::DrawRect(VuRect r, VuColor color, VuTMatrix2D<float> m, MaskArgument mask) {
+void ModelCheck::DrawRect(VuRect r, VuColor color, VuTMatrix2D<float> m, MaskArgument mask) {
   model::Operation op;
   std::tie(op.x, op.y, op.width, op.height) = Numbers(r);
   op.matrix = m;
@@ -65,8 +66,8 @@ void Trial::DrawRect(VuRect r, VuColor color, VuTMatrix2D<float> m, MaskArgument
 }
 
 template <class Rect>
-void Trial::Blit(model::Operation op, Rect dst, VuBitmap& src, Rect srcRect, VuTMatrix2D<float> m,
-                 VuColor color, MaskArgument mask) {
+void ModelCheck::Blit(model::Operation op, Rect dst, VuBitmap& src, Rect srcRect,
+                      VuTMatrix2D<float> m, VuColor color, MaskArgument mask) {
   std::tie(op.x, op.y, op.width, op.height) = Numbers(dst);
   std::tie(op.srcX, op.srcY, op.srcWidth, op.srcHeight) = Numbers(srcRect);
   op.matrix = m;
@@ -79,20 +80,20 @@ void Trial::Blit(model::Operation op, Rect dst, VuBitmap& src, Rect srcRect, VuT
   });
 }
 
-void Trial::DrawObject(VuRect dst, VuBitmap& src, VuRect srcRect, VuTMatrix2D<float> m,
-                       VuColor color, MaskArgument mask) {
+void ModelCheck::DrawObject(VuRect dst, VuBitmap& src, VuRect srcRect, VuTMatrix2D<float> m,
+                            VuColor color, MaskArgument mask) {
   Blit({}, dst, src, srcRect, m, color, mask);
 }
 
-void Trial::DrawSubPixel(VuTRect2D<float> dst, VuBitmap& src, VuTRect2D<float> srcRect,
-                         VuTMatrix2D<float> m, VuColor color, MaskArgument mask) {
+void ModelCheck::DrawSubPixel(VuTRect2D<float> dst, VuBitmap& src, VuTRect2D<float> srcRect,
+                              VuTMatrix2D<float> m, VuColor color, MaskArgument mask) {
   model::Operation op;
   op.subPixel = true;
   Blit(op, dst, src, srcRect, m, color, mask);
 }
 
 template <typename F>
-void Trial::Check(model::Operation op, VuBitmap* src, const MaskArgument& mask, F&& draw) {
+void ModelCheck::Check(model::Operation op, VuBitmap* src, const MaskArgument& mask, F&& draw) {
   const model::Picture before(*target_);
   std::unique_ptr<model::Picture> source, masked;
   if (src) {
@@ -115,8 +116,8 @@ void Trial::Check(model::Operation op, VuBitmap* src, const MaskArgument& mask, 
       CheckPixel(op, before, after, x, y);
 }
 
-void Trial::CheckPixel(const model::Operation& op, const model::Picture& before,
-                       const model::Picture& after, int x, int y) {
+void ModelCheck::CheckPixel(const model::Operation& op, const model::Picture& before,
+                            const model::Picture& after, int x, int y) {
   const model::Outcome expected = model::Draw(op, before, x, y);
   if (!expected.touched && expected.near) return;
   if (expected.ambiguous) return;

@@ -28,9 +28,10 @@ struct MaskArgument {
 
 /// Draws on a bitmap and checks every pixel after every operation against the model. The model
 /// starts each time from what the bitmap held, so that errors do not add up.
-class Trial {
+class ModelCheck {
  public:
-  Trial(VuGraphics& graphics, int width, int height, VuPixelFormat format, const char* backend);
+  ModelCheck(VuGraphics& graphics, int width, int height, VuPixelFormat format,
+             const char* backend);
 
   /// The bitmap, to set its state.
   VuBitmap& Target() { return *target_; }
