@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Shows the showcase on emulated devices and compares what is seen: trials.py [MACHINE]"""
+"""Shows the showcase on emulated devices and compares what is seen: device_tests.py [MACHINE]"""
 
 import base64
 import functools
@@ -19,7 +19,7 @@ SIZE = (1280, 720)  # Of a display, where it can be chosen.
 
 
 @dataclass
-class Trial:
+class DeviceTest:
     machine: str
     backend: str
     environment: str = ""
@@ -39,74 +39,74 @@ OPENGL = {"worst": 8, "mean": 0.6}
 # It would keep the console, and its driver omap crashes where there is no such hardware.
 DIRECTFB = "DFBARGS=system=fbdev,no-vt,disable-module=omap"
 
-TRIALS = [
-    Trial("virtio", "FB"),
+TESTS = [
+    DeviceTest("virtio", "FB"),
     # In a mode of its own, the next larger one.
-    Trial("virtio", "OpenGLES2", "SDL_VIDEODRIVER=KMSDRM", size=(1024, 768), **OPENGL),
-    Trial("virtio", "Hybrid", "SDL_VIDEODRIVER=KMSDRM", **OPENGL),
-    Trial("virtio", "DirectFB", DIRECTFB, worst=2, mean=0.05),
-    Trial("board", "FB", **RGB565),
+    DeviceTest("virtio", "OpenGLES2", "SDL_VIDEODRIVER=KMSDRM", size=(1024, 768), **OPENGL),
+    DeviceTest("virtio", "Hybrid", "SDL_VIDEODRIVER=KMSDRM", **OPENGL),
+    DeviceTest("virtio", "DirectFB", DIRECTFB, worst=2, mean=0.05),
+    DeviceTest("board", "FB", **RGB565),
     # Draws in 16 bits, so that each blending loses a little. Nothing gives back the palette that
     # DirectFB sets where the driver has one.
-    Trial("board", "DirectFB", DIRECTFB, worst=28, mean=4.5, keeps_colours=False),
+    DeviceTest("board", "DirectFB", DIRECTFB, worst=28, mean=4.5, keeps_colours=False),
     # From 8 bits, which have no true colours, to a mode of the screen's own.
-    Trial("memory", "FB"),
-    Trial("memory", "FB", mode="1280 720 32 2", shown_at="at 0,720"),
-    Trial("memory", "FB", mode="1280 720 16 1", **RGB565),
+    DeviceTest("memory", "FB"),
+    DeviceTest("memory", "FB", mode="1280 720 32 2", shown_at="at 0,720"),
+    DeviceTest("memory", "FB", mode="1280 720 16 1", **RGB565),
 ]
 
 
-def photograph(machine, probe, trial):
-    if trial.machine != "memory":
+def photograph(machine, probe, test):
+    if test.machine != "memory":
         return machine.screen()
     text = machine.run(f"{probe} read | gzip -1 | base64")
     with Image.open(io.BytesIO(gzip.decompress(base64.b64decode(text)))) as picture:
         return picture.convert("RGB")
 
 
-def console(machine, trial):
+def console(machine, test):
     """The console's picture, after it has been written to anew."""
-    if trial.machine == "memory":
+    if test.machine == "memory":
         return None
     machine.run(r"printf '\033[2J\033[HThe console of the device\n' > /dev/tty0")
     picture = machine.screen()
-    return picture if trial.keeps_colours else picture.convert("L").point(lambda value: value > 0)
+    return picture if test.keeps_colours else picture.convert("L").point(lambda value: value > 0)
 
 
-def compare(seen, trial):
+def compare(seen, test):
     with Image.open(PROJECT / "docs/showcase.png") as golden:
         common = (0, 0, min(golden.width, seen.width), min(golden.height, seen.height))
         difference = ImageChops.difference(golden.convert("RGB").crop(common), seen.crop(common))
     worst = max(high for _, high in difference.getextrema())
     mean = max(ImageStat.Stat(difference).mean)
-    if worst > trial.worst or mean > trial.mean:
+    if worst > test.worst or mean > test.mean:
         raise Failure(f"the picture differs by up to {worst}, on average by {mean:.2f}")
     return f"differs by up to {worst}, on average by {mean:.2f}"
 
 
-def show(machine, trial, picture):
+def show(machine, test, picture):
     """Has the showcase shown, and says how far the screen's picture is from the golden one."""
     programs = machine.programs
     probe = programs / "zirk_framebuffer_probe"
-    if trial.mode:
-        machine.run(f"{probe} set {trial.mode}")
-    mode, before = machine.run(f"{probe} mode"), console(machine, trial)
+    if test.mode:
+        machine.run(f"{probe} set {test.mode}")
+    mode, before = machine.run(f"{probe} mode"), console(machine, test)
     # It waits for a line from a pipe, so that the shell stays free.
     machine.run("rm -f /tmp/pipe; mkfifo /tmp/pipe")
-    showcase = f"{trial.environment} {programs}/showcase /tmp/showcase.png {trial.backend} wait"
+    showcase = f"{test.environment} {programs}/showcase /tmp/showcase.png {test.backend} wait"
     machine.run(f"{{ {showcase} <>/tmp/pipe; echo ENDED $?; }} & shown=$!", until="shown")
-    seen = photograph(machine, probe, trial)
+    seen = photograph(machine, probe, test)
     seen.save(picture)
     shown_at = machine.run(f"{probe} mode")
     machine.run("echo > /tmp/pipe; wait $shown")
-    if trial.shown_at not in shown_at:
+    if test.shown_at not in shown_at:
         raise Failure(f"shown with the mode {shown_at.strip()}")
     after = machine.run(f"{probe} mode")
     if after != mode:
         raise Failure(f"the mode was {mode.strip()} and is {after.strip()}")
-    if before and ImageChops.difference(before, console(machine, trial)).getbbox():
+    if before and ImageChops.difference(before, console(machine, test)).getbbox():
         raise Failure("the console does not look as before")
-    return compare(seen, trial)
+    return compare(seen, test)
 
 
 def measure(machine):
@@ -133,11 +133,11 @@ def main():
     wanted = sys.argv[1:] or list(MACHINES)
     RESULTS.mkdir(parents=True, exist_ok=True)
     succeed = []
-    for number, trial in enumerate(TRIALS, 1):
-        if trial.machine in wanted:
-            name = f"{number}-{trial.machine}-{trial.backend}"
-            do = functools.partial(show, trial=trial, picture=RESULTS / f"{name}.png")
-            succeed.append(attempt(name, trial.machine, trial.size, do))
+    for number, test in enumerate(TESTS, 1):
+        if test.machine in wanted:
+            name = f"{number}-{test.machine}-{test.backend}"
+            do = functools.partial(show, test=test, picture=RESULTS / f"{name}.png")
+            succeed.append(attempt(name, test.machine, test.size, do))
     if "board" in wanted:
         succeed.append(attempt("memory-of-a-page", "board", SIZE, measure))
     print(f"pictures and logs: {RESULTS}")
