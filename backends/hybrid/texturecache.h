@@ -4,7 +4,7 @@
 #include <list>
 #include <memory>
 
-#include "opengles2/texturesources.h"
+#include "opengles2/glsources.h"
 #include "software/softwarebitmap.h"
 
 namespace ZIRK::backends {

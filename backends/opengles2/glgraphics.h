@@ -7,7 +7,7 @@
 
 #include "context/graphicsbase.h"
 #include "opengles2/gldevice.h"
-#include "opengles2/texturesources.h"
+#include "opengles2/glsources.h"
 
 namespace ZIRK::backends {
 

@@ -5,7 +5,7 @@
 
 #include "geometry/surfaceformat.h"
 #include "opengles2/glcanvas.h"
-#include "opengles2/texturesources.h"
+#include "opengles2/glsources.h"
 #include "text/textdrawing.h"
 
 namespace ZIRK::backends {
