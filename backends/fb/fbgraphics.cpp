@@ -8,30 +8,32 @@
 
 namespace ZIRK::backends {
 
-const PixelBuffer* FbSources::PixelsOf(VuBitmapImpl& surface) {
+const PixelBuffer* FbSourceResolver::PixelsOf(VuBitmapImpl& surface) {
   const auto* const screen = AsOwn<FbScreen>(&surface);
   return screen ? &screen->Drawing().Buffer() : nullptr;
 }
 
-bool FbSources::CopyToBuffer(VuBitmapImpl&, const Box&, std::optional<PixelBuffer>&) {
+bool FbSourceResolver::CopyToBuffer(VuBitmapImpl&, const Box&, std::optional<PixelBuffer>&) {
   return RefuseSource();
 }
 
-std::unique_ptr<VuBitmapImpl> FbSources::MakeBitmap(Reservation reservation, int width, int height,
-                                                    VuPixelFormat format) {
+std::unique_ptr<VuBitmapImpl> FbSourceResolver::MakeBitmap(Reservation reservation, int width,
+                                                           int height, VuPixelFormat format) {
   // Clearing it would take longer than packing the glyphs.
-  return std::make_unique<SoftwareBitmap>(std::move(reservation), width, height, format,
-                                          std::shared_ptr<PixelSources>(shared_from_this(), this),
-                                          PixelBuffer::Contents::Undefined);
+  return std::make_unique<SoftwareBitmap>(
+      std::move(reservation), width, height, format,
+      std::shared_ptr<PixelSourceResolver>(shared_from_this(), this),
+      PixelBuffer::Contents::Undefined);
 }
 
 FbGraphics::FbGraphics(BackendType type)
-    : type_(TypeCode(type)), sources_(std::make_shared<FbSources>(Budget(), type_)) {}
+    : type_(TypeCode(type)), resolver_(std::make_shared<FbSourceResolver>(Budget(), type_)) {}
 
-FbGraphics::FbGraphics(std::shared_ptr<MemoryBudget> budget, std::shared_ptr<FbSources> sources)
+FbGraphics::FbGraphics(std::shared_ptr<MemoryBudget> budget,
+                       std::shared_ptr<FbSourceResolver> resolver)
     : GraphicsBase(std::move(budget)),
-      type_(sources->GetGraphicsType()),
-      sources_(std::move(sources)) {}
+      type_(resolver->GetGraphicsType()),
+      resolver_(std::move(resolver)) {}
 
 std::optional<ImageSize> FbGraphics::DeviceSize(int index) const {
   // A missing device is reported when the screen is made.
@@ -42,19 +44,19 @@ std::optional<ImageSize> FbGraphics::DeviceSize(int index) const {
 
 std::unique_ptr<VuScreenImpl> FbGraphics::MakeScreen(Reservation reservation,
                                                      const VuScreenDescription& description) {
-  return FbScreen::Open(std::move(reservation), description, sources_);
+  return FbScreen::Open(std::move(reservation), description, resolver_);
 }
 
 std::unique_ptr<VuBitmapImpl> FbGraphics::MakeBitmap(Reservation reservation, int width, int height,
                                                      VuPixelFormat format) {
-  return std::make_unique<SoftwareBitmap>(std::move(reservation), width, height, format, sources_);
+  return std::make_unique<SoftwareBitmap>(std::move(reservation), width, height, format, resolver_);
 }
 
 std::unique_ptr<VuBitmapImpl> FbGraphics::MakePicture(Reservation reservation, int width,
                                                       int height, Image& image,
                                                       VuScaleMode scaleMode) {
   auto bitmap = std::make_unique<SoftwareBitmap>(std::move(reservation), width, height,
-                                                 VuPixelFormat::ARGB8888, sources_);
+                                                 VuPixelFormat::ARGB8888, resolver_);
   PixelBuffer& pixels = bitmap->Drawing().Buffer();
   const PixelRows rows = {pixels.Row32(0), pixels.Pitch(), width, height};
   if (!image.Decode(rows, scaleMode)) return nullptr;

@@ -12,7 +12,7 @@ namespace ZIRK::backends {
 
 /// What surfaces in memory read: each other, bitmaps and screens. It also makes the bitmaps of
 /// their glyph atlases.
-class FbSources : public GlyphAtlasAllocator, public PixelSources {
+class FbSourceResolver : public GlyphAtlasAllocator, public PixelSourceResolver {
  public:
   using GlyphAtlasAllocator::GlyphAtlasAllocator;
 
@@ -37,8 +37,8 @@ class FbGraphics : public GraphicsBase {
   int GetGraphicsType() const final { return type_; }
 
  protected:
-  /// `sources` count their memory in `budget`.
-  FbGraphics(std::shared_ptr<MemoryBudget> budget, std::shared_ptr<FbSources> sources);
+  /// `resolver` count their memory in `budget`.
+  FbGraphics(std::shared_ptr<MemoryBudget> budget, std::shared_ptr<FbSourceResolver> resolver);
 
   std::optional<ImageSize> DeviceSize(int index) const override;
   std::unique_ptr<VuScreenImpl> MakeScreen(Reservation reservation,
@@ -48,11 +48,11 @@ class FbGraphics : public GraphicsBase {
   std::unique_ptr<VuBitmapImpl> MakePicture(Reservation reservation, int width, int height,
                                             Image& image, VuScaleMode scaleMode) final;
 
-  const std::shared_ptr<FbSources>& Sources() const { return sources_; }
+  const std::shared_ptr<FbSourceResolver>& SourceResolver() const { return resolver_; }
 
  private:
   const int type_;
-  const std::shared_ptr<FbSources> sources_;
+  const std::shared_ptr<FbSourceResolver> resolver_;
 };
 
 }  // namespace ZIRK::backends

@@ -8,7 +8,7 @@ namespace ZIRK::backends {
 
 std::unique_ptr<FbScreen> FbScreen::Open(std::unique_ptr<MemoryBudget::Reservation> reservation,
                                          const VuScreenDescription& description,
-                                         std::shared_ptr<PixelSources> sources,
+                                         std::shared_ptr<PixelSourceResolver> resolver,
                                          const std::string& reason) {
   std::string error;
   auto device = FramebufferDevice::Open(
@@ -20,14 +20,15 @@ std::unique_ptr<FbScreen> FbScreen::Open(std::unique_ptr<MemoryBudget::Reservati
   else if (!why.empty())
     ZIRK_LOG_WARNING("%s: the screen is shown through the framebuffer device", why.c_str());
   return std::make_unique<FbScreen>(std::move(reservation), description, std::move(device),
-                                    std::move(sources));
+                                    std::move(resolver));
 }
 
 FbScreen::FbScreen(std::unique_ptr<MemoryBudget::Reservation> reservation,
                    const VuScreenDescription& description,
-                   std::unique_ptr<FramebufferDevice> device, std::shared_ptr<PixelSources> sources)
+                   std::unique_ptr<FramebufferDevice> device,
+                   std::shared_ptr<PixelSourceResolver> resolver)
     : Surface(std::move(reservation), description.width, description.height, description.format,
-              std::move(sources)),
+              std::move(resolver)),
       Presenter(description.buffers < 2),
       device_(std::move(device)) {}
 

@@ -20,13 +20,13 @@ class FbScreen final : public Surface<VuScreenImpl, SoftwareRenderer>, private P
   /// says why there is no better screen; then there is a warning in any case, and it includes it.
   static std::unique_ptr<FbScreen> Open(std::unique_ptr<MemoryBudget::Reservation> reservation,
                                         const VuScreenDescription& description,
-                                        std::shared_ptr<PixelSources> sources,
+                                        std::shared_ptr<PixelSourceResolver> resolver,
                                         const std::string& reason = {});
 
   /// `device` is null if the picture stays in memory.
   FbScreen(std::unique_ptr<MemoryBudget::Reservation> reservation,
            const VuScreenDescription& description, std::unique_ptr<FramebufferDevice> device,
-           std::shared_ptr<PixelSources> sources);
+           std::shared_ptr<PixelSourceResolver> resolver);
 
   void SwapBuffers() override { Swap(); }
   void Finish() override { ShowIfSingleBuffered(); }

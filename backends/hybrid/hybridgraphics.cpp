@@ -9,10 +9,10 @@ namespace ZIRK::backends {
 
 namespace {
 
-/// Screens drawn by OpenGL are sources of bitmaps as well: they are read back.
-class HybridSources final : public FbSources {
+/// Reads screens drawn by OpenGL back, so that they are sources of bitmaps, too.
+class HybridSourceResolver final : public FbSourceResolver {
  public:
-  using FbSources::FbSources;
+  using FbSourceResolver::FbSourceResolver;
 
   bool CopyToBuffer(VuBitmapImpl& surface, const Box& part,
                     std::optional<PixelBuffer>& copy) override {
@@ -35,14 +35,14 @@ class HybridSources final : public FbSources {
 HybridGraphics::HybridGraphics() : HybridGraphics(MemoryBudget::Create()) {}
 
 HybridGraphics::HybridGraphics(const std::shared_ptr<MemoryBudget>& budget)
-    : FbGraphics(budget, std::make_shared<HybridSources>(budget, kType)) {}
+    : FbGraphics(budget, std::make_shared<HybridSourceResolver>(budget, kType)) {}
 
 /// After a loss it starts anew.
 std::shared_ptr<TextureCache> HybridGraphics::FindOpenGl(std::string& reason) const {
   if (textures_ && !textures_->Device()->IsLost()) return textures_;
   textures_ = nullptr;
   if (auto device = GlDevice::Acquire(&reason))
-    textures_ = std::make_shared<TextureCache>(std::move(device), Sources());
+    textures_ = std::make_shared<TextureCache>(std::move(device), SourceResolver());
   else if (reason.empty())
     reason = "OpenGL ES 2 does not start";
   return textures_;
@@ -70,7 +70,7 @@ std::unique_ptr<VuScreenImpl> HybridGraphics::MakeScreen(Reservation reservation
     return GlScreen::Open(std::move(reservation), description, std::move(device),
                           std::move(textures));
   }
-  return FbScreen::Open(std::move(reservation), description, Sources(), reason);
+  return FbScreen::Open(std::move(reservation), description, SourceResolver(), reason);
 }
 
 }  // namespace ZIRK::backends

@@ -4,7 +4,7 @@
 #include <list>
 #include <memory>
 
-#include "opengles2/glsources.h"
+#include "opengles2/glsourceresolver.h"
 #include "software/softwarebitmap.h"
 
 namespace ZIRK::backends {
@@ -15,7 +15,7 @@ namespace ZIRK::backends {
 ///
 /// Textures are used and deleted on the thread that has OpenGL's context. A bitmap may be deleted
 /// on any thread; its texture is deleted when the next bitmap is drawn from.
-class TextureCache final : public TextureSources {
+class TextureCache final : public TextureSourceResolver {
  public:
   TextureCache(std::shared_ptr<GlDevice> device, std::shared_ptr<GlyphAtlasAllocator> atlases);
   ~TextureCache();

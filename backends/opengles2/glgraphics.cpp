@@ -5,7 +5,7 @@
 
 #include "opengles2/glbitmap.h"
 #include "opengles2/glscreen.h"
-#include "opengles2/glsources.h"
+#include "opengles2/glsourceresolver.h"
 
 namespace ZIRK::backends {
 
@@ -15,7 +15,8 @@ std::unique_ptr<GlGraphics> GlGraphics::Start() {
 }
 
 GlGraphics::GlGraphics(std::shared_ptr<GlDevice> device)
-    : device_(std::move(device)), sources_(std::make_shared<GlSources>(Budget(), kType, device_)) {}
+    : device_(std::move(device)),
+      resolver_(std::make_shared<GlSourceResolver>(Budget(), kType, device_)) {}
 
 void GlGraphics::Flush() {
   device_->FlushAndDetach();
@@ -27,7 +28,7 @@ std::optional<ImageSize> GlGraphics::DeviceSize(int index) const {
 
 std::unique_ptr<VuScreenImpl> GlGraphics::MakeScreen(Reservation reservation,
                                                      const VuScreenDescription& description) {
-  return GlScreen::Open(std::move(reservation), description, device_, sources_);
+  return GlScreen::Open(std::move(reservation), description, device_, resolver_);
 }
 
 std::unique_ptr<VuBitmapImpl> GlGraphics::MakeBitmap(Reservation reservation, int width, int height,
@@ -35,7 +36,7 @@ std::unique_ptr<VuBitmapImpl> GlGraphics::MakeBitmap(Reservation reservation, in
   auto texture = GlTexture::Create(device_, width, height, format);
   if (!texture) return nullptr;
   auto bitmap =
-      std::make_unique<GlBitmap>(std::move(reservation), width, height, format, device_, sources_);
+      std::make_unique<GlBitmap>(std::move(reservation), width, height, format, device_, resolver_);
   bitmap->Drawing().DrawOn(std::move(texture));
   if (!bitmap->Drawing().Clear(VuColor{0})) return nullptr;
   return bitmap;
@@ -52,7 +53,7 @@ std::unique_ptr<VuBitmapImpl> GlGraphics::MakePicture(Reservation reservation, i
   if (!texture->Upload(texture->Bounds(), pixels.data(), static_cast<unsigned>(pitch)))
     return nullptr;
   auto bitmap = std::make_unique<GlBitmap>(std::move(reservation), width, height,
-                                           VuPixelFormat::ARGB8888, device_, sources_);
+                                           VuPixelFormat::ARGB8888, device_, resolver_);
   bitmap->Drawing().DrawOn(std::move(texture));
   return bitmap;
 }

@@ -7,7 +7,7 @@
 
 #include "context/graphicsbase.h"
 #include "opengles2/gldevice.h"
-#include "opengles2/glsources.h"
+#include "opengles2/glsourceresolver.h"
 
 namespace ZIRK::backends {
 
@@ -36,7 +36,7 @@ class GlGraphics final : public GraphicsBase {
   static constexpr int kType = TypeCode(BackendType::OpenGLES2);
 
   const std::shared_ptr<GlDevice> device_;
-  const std::shared_ptr<TextureSources> sources_;
+  const std::shared_ptr<TextureSourceResolver> resolver_;
 };
 
 }  // namespace ZIRK::backends

@@ -5,17 +5,17 @@
 namespace ZIRK::backends {
 
 bool GlRenderer::Resolve(VuBitmapImpl& surface, RectD* rect, Source& source, SourceCopy& copy) {
-  source = FindSource(*sources_, surface, Device());
+  source = FindSource(*resolver_, surface, Device());
   if (source.pixels && source.pixels != Texture()) return true;
   const Box part = TakePart(rect, ToBox(surface.GetBounds()));
-  if (!sources_->CopyToTexture(surface, part, Device(), copy)) return false;
+  if (!resolver_->CopyToTexture(surface, part, Device(), copy)) return false;
   source.pixels = copy.get();
   return copy != nullptr;
 }
 
 bool GlRenderer::BlitBox(VuRect dst, VuBitmapImpl& src, VuRect srcRect, const MatrixF& m,
                          VuColor color) {
-  const Source source = FindSource(*sources_, src, Device());
+  const Source source = FindSource(*resolver_, src, Device());
   if (!source.pixels || source.pixels == Texture()) return false;
   return GlCanvas::BlitBox(dst, source, srcRect, m, color);
 }
@@ -23,12 +23,12 @@ bool GlRenderer::BlitBox(VuRect dst, VuBitmapImpl& src, VuRect srcRect, const Ma
 bool GlRenderer::Copy(VuPoint at, VuBitmapImpl& src, const VuRect& srcRect) {
   const CopyPlan plan = PlanCopy(at.x, at.y, Bounds(), srcRect, ToBox(src.GetBounds()));
   const Box& box = plan.box;
-  GlTexture* const texture = FindSource(*sources_, src, Device()).pixels;
+  GlTexture* const texture = FindSource(*resolver_, src, Device()).pixels;
   if (texture && box.IsEmpty()) return true;
   if (texture && texture != Texture()) return CopyFrom(*texture, plan.srcX, plan.srcY, box);
   const Box part = {plan.srcX, plan.srcY, plan.srcX + box.Width(), plan.srcY + box.Height()};
   SourceCopy copy;
-  if (!sources_->CopyToTexture(src, part, Device(), copy)) return false;
+  if (!resolver_->CopyToTexture(src, part, Device(), copy)) return false;
   return !copy || CopyFrom(*copy, 0, 0, box);
 }
 
@@ -57,7 +57,7 @@ void GlRenderer::SetName(const char* name) {
 }
 
 bool GlRenderer::DrawGlyph(const TextLayout::Glyph& glyph, const LineStyle<GlTexture>& style) {
-  const Source atlas = {FindSource(*sources_, *glyph.atlas, Device()).pixels,
+  const Source atlas = {FindSource(*resolver_, *glyph.atlas, Device()).pixels,
                         VuScaleMode::Bilinear};
   // That of a context that was lost has none.
   if (!atlas.pixels) return false;

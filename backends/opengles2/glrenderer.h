@@ -5,19 +5,19 @@
 
 #include "geometry/surfaceformat.h"
 #include "opengles2/glcanvas.h"
-#include "opengles2/glsources.h"
+#include "opengles2/glsourceresolver.h"
 #include "text/textdrawing.h"
 
 namespace ZIRK::backends {
 
 /// Draws by OpenGL. Sources and masks are other surfaces drawn by it, also those of other contexts
-/// of this plug-in, and what its TextureSources know. surface/renderer.h says what the operations
-/// mean.
+/// of this plug-in, and what its TextureSourceResolver know. surface/renderer.h says what the
+/// operations mean.
 class GlRenderer : public GlCanvas, public TextDrawing<GlRenderer, GlTexture> {
  public:
   GlRenderer(const SurfaceState& state, std::shared_ptr<GlDevice> device,
-             std::shared_ptr<TextureSources> sources)
-      : GlCanvas(std::move(device), state), sources_(std::move(sources)) {}
+             std::shared_ptr<TextureSourceResolver> resolver)
+      : GlCanvas(std::move(device), state), resolver_(std::move(resolver)) {}
 
   // --- Reading ---
 
@@ -59,12 +59,12 @@ class GlRenderer : public GlCanvas, public TextDrawing<GlRenderer, GlTexture> {
 
  private:
   friend class TextDrawing<GlRenderer, GlTexture>;
-  GlyphAtlasAllocator& Atlases() const { return sources_->Atlases(); }
+  GlyphAtlasAllocator& Atlases() const { return resolver_->Atlases(); }
   bool DrawGlyph(const TextLayout::Glyph& glyph, const LineStyle<GlTexture>& style);
 
   void EndFrame(PFNGLFLUSHPROC GlFunctions::*how);
 
-  const std::shared_ptr<TextureSources> sources_;
+  const std::shared_ptr<TextureSourceResolver> resolver_;
   std::unique_ptr<uint8_t[]> locked_;
 };
 

@@ -94,9 +94,9 @@ void GlWindow::Present(bool vsync) {
 
 GlScreen::GlScreen(std::unique_ptr<MemoryBudget::Reservation> reservation,
                    const VuScreenDescription& description, std::shared_ptr<GlDevice> device,
-                   std::shared_ptr<TextureSources> sources)
+                   std::shared_ptr<TextureSourceResolver> resolver)
     : Surface(std::move(reservation), description.width, description.height, description.format,
-              device, std::move(sources)),
+              device, std::move(resolver)),
       Presenter(description.buffers < 2),
       index_(description.index),
       layers_(GlLayers::Of(device)) {}
@@ -104,9 +104,9 @@ GlScreen::GlScreen(std::unique_ptr<MemoryBudget::Reservation> reservation,
 std::unique_ptr<GlScreen> GlScreen::Open(std::unique_ptr<MemoryBudget::Reservation> reservation,
                                          const VuScreenDescription& description,
                                          std::shared_ptr<GlDevice> device,
-                                         std::shared_ptr<TextureSources> sources) {
+                                         std::shared_ptr<TextureSourceResolver> resolver) {
   std::unique_ptr<GlScreen> screen(
-      new GlScreen(std::move(reservation), description, std::move(device), std::move(sources)));
+      new GlScreen(std::move(reservation), description, std::move(device), std::move(resolver)));
   const bool composing = GlCompositor::Current().composing;
   screen->ownsWindow_ = screen->index_ == 0 || !composing;
   if (!(composing ? screen->BecomeLayer() : screen->BecomeWindow())) return nullptr;

@@ -49,7 +49,7 @@ class GlScreen final : public Surface<VuScreenImpl, GlRenderer>, private Present
   static std::unique_ptr<GlScreen> Open(std::unique_ptr<MemoryBudget::Reservation> reservation,
                                         const VuScreenDescription& description,
                                         std::shared_ptr<GlDevice> device,
-                                        std::shared_ptr<TextureSources> sources);
+                                        std::shared_ptr<TextureSourceResolver> resolver);
   ~GlScreen() override;
 
   int Index() const { return index_; }
@@ -71,7 +71,7 @@ class GlScreen final : public Surface<VuScreenImpl, GlRenderer>, private Present
  private:
   GlScreen(std::unique_ptr<MemoryBudget::Reservation> reservation,
            const VuScreenDescription& description, std::shared_ptr<GlDevice> device,
-           std::shared_ptr<TextureSources> sources);
+           std::shared_ptr<TextureSourceResolver> resolver);
 
   bool Move(bool toLayers);
   bool BecomeLayer();

@@ -21,21 +21,21 @@ std::optional<PixelBuffer> CopyOf(const PixelBuffer& pixels, const Box& part) {
   return copy;
 }
 
-Source<const PixelBuffer> FindSource(PixelSources& sources, VuBitmapImpl& surface) {
+Source<const PixelBuffer> FindSource(PixelSourceResolver& resolver, VuBitmapImpl& surface) {
   // Nearly always a bitmap, which is quickly found out.
   if (const auto* bitmap = AsOwn<SoftwareBitmap>(&surface))
     return {&bitmap->Drawing().Buffer(), bitmap->GetScaleMode()};
-  return {sources.PixelsOf(surface), surface.GetScaleMode()};
+  return {resolver.PixelsOf(surface), surface.GetScaleMode()};
 }
 
 bool SoftwareRenderer::Resolve(VuBitmapImpl& surface, RectD* rect, Source& source,
                                SourceCopy& copy) const {
-  source = FindSource(*sources_, surface);
+  source = FindSource(*resolver_, surface);
   if (source.pixels && source.pixels != &pixels_) return true;
   const Box part = TakePart(rect, ToBox(surface.GetBounds()));
   if (source.pixels)
     copy = CopyOf(pixels_, part);
-  else if (!sources_->CopyToBuffer(surface, part, copy))
+  else if (!resolver_->CopyToBuffer(surface, part, copy))
     return false;
   if (copy) source.pixels = &*copy;
   return copy.has_value();
@@ -67,7 +67,7 @@ bool SoftwareRenderer::Write(const Box& box, const void* src, unsigned pitch) {
 }
 
 bool SoftwareRenderer::Copy(VuPoint at, VuBitmapImpl& src, const VuRect& srcRect) {
-  if (const PixelBuffer* const pixels = FindSource(*sources_, src).pixels) {
+  if (const PixelBuffer* const pixels = FindSource(*resolver_, src).pixels) {
     Touch(CopyRect(pixels_, at, *pixels, srcRect));
     return true;
   }
@@ -75,7 +75,7 @@ bool SoftwareRenderer::Copy(VuPoint at, VuBitmapImpl& src, const VuRect& srcRect
   const Box& to = plan.box;
   std::optional<PixelBuffer> copy;
   const Box part = {plan.srcX, plan.srcY, plan.srcX + to.Width(), plan.srcY + to.Height()};
-  if (!sources_->CopyToBuffer(src, part, copy)) return false;
+  if (!resolver_->CopyToBuffer(src, part, copy)) return false;
   if (copy) Touch(CopyRect(pixels_, {to.x0, to.y0}, *copy, ToRect(copy->Bounds())));
   return true;
 }
@@ -89,7 +89,7 @@ bool SoftwareRenderer::Unlock(bool written) {
 
 inline bool SoftwareRenderer::DrawGlyph(const TextLayout::Glyph& glyph,
                                         const LineStyle<Pixels>& style) {
-  const PixelBuffer* const atlas = FindSource(*sources_, *glyph.atlas).pixels;
+  const PixelBuffer* const atlas = FindSource(*resolver_, *glyph.atlas).pixels;
   if (!atlas) return false;
   if (!style.move) {
     DrawObject(ToRectD(glyph.destination), {atlas, VuScaleMode::Bilinear}, ToRectD(glyph.source),

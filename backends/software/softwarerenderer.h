@@ -8,7 +8,7 @@
 
 #include "software/painter.h"
 #include "software/pixelbuffer.h"
-#include "software/pixelsources.h"
+#include "software/pixelsourceresolver.h"
 #include "software/pixeltransfer.h"
 #include "text/textdrawing.h"
 
@@ -22,17 +22,17 @@ struct OwnPixels {
   PixelBuffer pixels_;
 };
 
-/// Draws on pixels in memory by the processor. Sources and masks are what its PixelSources know.
+/// Draws on pixels in memory by the processor. Its PixelSourceResolver finds the sources and masks.
 /// surface/renderer.h says what the operations mean.
 class SoftwareRenderer : private OwnPixels,
                          private Painter,
                          public TextDrawing<SoftwareRenderer, const PixelBuffer> {
  public:
-  SoftwareRenderer(const SurfaceState& state, std::shared_ptr<PixelSources> sources,
+  SoftwareRenderer(const SurfaceState& state, std::shared_ptr<PixelSourceResolver> resolver,
                    PixelBuffer::Contents contents = PixelBuffer::Contents::Clear)
       : OwnPixels{PixelBuffer(state.width, state.height, state.format, contents)},
         Painter(pixels_, state),
-        sources_(std::move(sources)) {}
+        resolver_(std::move(resolver)) {}
 
   PixelBuffer& Buffer() { return pixels_; }
   const PixelBuffer& Buffer() const { return pixels_; }
@@ -79,10 +79,10 @@ class SoftwareRenderer : private OwnPixels,
 
  private:
   friend class TextDrawing<SoftwareRenderer, const PixelBuffer>;
-  GlyphAtlasAllocator& Atlases() const { return sources_->Atlases(); }
+  GlyphAtlasAllocator& Atlases() const { return resolver_->Atlases(); }
   bool DrawGlyph(const TextLayout::Glyph& glyph, const LineStyle<Pixels>& style);
 
-  const std::shared_ptr<PixelSources> sources_;
+  const std::shared_ptr<PixelSourceResolver> resolver_;
 };
 
 extern template class TextDrawing<SoftwareRenderer, const PixelBuffer>;

@@ -28,7 +28,7 @@ struct Context {
 
   std::vector<uint32_t> Draw(VuFontImpl& font, const char* text) const {
     SoftwareBitmap target(MemoryBudget::Create(1 << 20)->Reserve(kWidth, kHeight, {}), kWidth,
-                          kHeight, VuPixelFormat::ARGB8888, sources);
+                          kHeight, VuPixelFormat::ARGB8888, resolver);
     target.DrawText(&font, text, {2, 2}, white, VuTMatrix2D<float>(), nullptr, nullptr, {});
     std::vector<uint32_t> pixels(kWidth * kHeight);
     target.GetPixels({0, 0, kWidth, kHeight}, pixels.data());
@@ -36,8 +36,8 @@ struct Context {
   }
 
   std::shared_ptr<MemoryBudget> budget;
-  std::shared_ptr<PixelSources> sources =
-      std::make_shared<FbSources>(budget, TypeCode(BackendType::FB));
+  std::shared_ptr<PixelSourceResolver> resolver =
+      std::make_shared<FbSourceResolver>(budget, TypeCode(BackendType::FB));
 };
 
 const std::vector<uint32_t> kNothing(kWidth* kHeight);

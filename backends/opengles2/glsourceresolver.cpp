@@ -1,4 +1,4 @@
-#include "opengles2/glsources.h"
+#include "opengles2/glsourceresolver.h"
 
 #include <zirk/impl/log.h>
 
@@ -8,11 +8,12 @@
 
 namespace ZIRK::backends {
 
-Source<GlTexture> FindSource(TextureSources& sources, VuBitmapImpl& surface, GlDevice& device) {
+Source<GlTexture> FindSource(TextureSourceResolver& resolver, VuBitmapImpl& surface,
+                             GlDevice& device) {
   // Nearly always a bitmap, which is quickly found out.
   if (auto* const bitmap = AsOwn<GlBitmap>(&surface))
     return {TextureOf(&bitmap->Drawing(), device), bitmap->GetScaleMode()};
-  return {sources.TextureOf(surface, device), surface.GetScaleMode()};
+  return {resolver.TextureOf(surface, device), surface.GetScaleMode()};
 }
 
 GlCanvas* FindCanvas(VuBitmapImpl& surface) {
@@ -37,13 +38,13 @@ bool CopyToTexture(GlCanvas* canvas, const Box& part, const GlDevice& device,
   return copy != nullptr;
 }
 
-std::unique_ptr<VuBitmapImpl> GlSources::MakeBitmap(Reservation reservation, int width, int height,
-                                                    VuPixelFormat format) {
+std::unique_ptr<VuBitmapImpl> GlSourceResolver::MakeBitmap(Reservation reservation, int width,
+                                                           int height, VuPixelFormat format) {
   auto texture = GlTexture::Create(device_, width, height, format);
   if (!texture) return nullptr;
   auto bitmap =
       std::make_unique<GlBitmap>(std::move(reservation), width, height, format, device_,
-                                 std::shared_ptr<TextureSources>(shared_from_this(), this));
+                                 std::shared_ptr<TextureSourceResolver>(shared_from_this(), this));
   bitmap->Drawing().DrawOn(std::move(texture));
   return bitmap;
 }
