@@ -37,7 +37,7 @@ class FbGraphics : public GraphicsBase {
   int GetGraphicsType() const final { return type_; }
 
  protected:
-  /// `resolver` count their memory in `budget`.
+  /// The atlases that `resolver` makes count against `budget`.
   FbGraphics(std::shared_ptr<MemoryBudget> budget, std::shared_ptr<FbSourceResolver> resolver);
 
   std::optional<ImageSize> DeviceSize(int index) const override;

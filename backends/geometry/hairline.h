@@ -23,8 +23,8 @@ struct Hairline {
   Box Bounds() const { return {std::min(x0, x1), y0, std::max(x0, x1) + 1, y1 + 1}; }
 };
 
-/// Where a line comes to lie on the surface; nothing for a singular matrix, or if no coordinate is
-/// near enough to count with.
+/// Maps a line to the surface. Returns nullopt for a singular matrix, and if no part of the line
+/// lies in the range of coordinates.
 std::optional<Hairline> MapLine(VuPoint from, VuPoint to, const VuTMatrix2D<float>& m);
 
 /// Positions at the first and last pixel of a line.

@@ -60,14 +60,14 @@ inline RectD ToRectD(VuPoint p, float size) {
   return {p.x + 0.5 - side / 2, p.y + 0.5 - side / 2, side, side};
 }
 
-/// What is copied of a surface for an operation that reads `rect` of it, which goes by the copy
-/// from there on: all pixels that it touches, perhaps none. Null stands for all there are.
+/// The pixels to copy of a surface of `bounds` for an operation that reads `rect` of it: all that
+/// it touches, perhaps none; all there are if `rect` is null. Rebases `rect` to the copy.
 Box TakePart(RectD* rect, const Box& bounds);
 
-/// Where a rectangle of a primitive comes to lie on the surface.
+/// A rectangle mapped to the surface.
 ///
 /// The unit square stands for the rectangle: (0, 0) is its top-left corner, (1, 1) its bottom-right
-/// one. `toSurface` takes the unit square to the surface, `toUnit` is its inverse.
+/// one. `toSurface` maps the unit square to the surface, `toUnit` is the inverse.
 struct MappedQuad {
   Affine toSurface;
   Affine toUnit;
@@ -78,18 +78,18 @@ struct MappedQuad {
   Point corners[4];
 };
 
-/// Pixels beyond this never matter: no surface reaches there.
+/// Coordinates are clamped to plus and minus this. No surface is that large.
 constexpr double kMaxCoordinate = 1 << 24;
 
-/// Whether the edges of a rectangle with extent can be counted with.
+/// Whether a rectangle has extent, and all its edges lie in the range of coordinates.
 inline bool IsInRange(const VuRect& r) {
   constexpr int kLimit = 1 << 24;
   return r.width > 0 && r.height > 0 && r.width < kLimit && r.height < kLimit && r.x > -kLimit &&
          r.y > -kLimit && r.x < kLimit && r.y < kLimit;
 }
 
-/// Of a value not beyond kMaxCoordinate: without the library call that floor() is on many
-/// processors.
+/// Rounds a value in the range of coordinates to the nearest pixel. floor() would be a library call
+/// on many processors.
 inline int NearestPixel(double v) {
   const int towardZero = static_cast<int>(v + 0.5);
   return towardZero - (v + 0.5 < towardZero);
@@ -101,15 +101,15 @@ enum class Edges { OnWholePixels, SubPixel };
 /// asks for it. Nothing for what has no area or is not finite.
 std::optional<MappedQuad> MapRect(const RectD& r, const VuTMatrix2D<float>& m, Edges edges);
 
-/// The usual case, worked out quickly: where `r` comes to lie, on whole pixels, by a matrix without
-/// rotation. Nothing, which says nothing, in any other case.
+/// Fast path for matrices without rotation: the pixels that `r` maps to. Returns nullopt where the
+/// fast path does not apply; `r` may be visible all the same.
 std::optional<Box> MapUpright(const RectD& r, const VuTMatrix2D<float>& m);
 
-/// By how much `m` moves everything, if that is all it does, rounded as MapUpright() rounds what
-/// lies on whole pixels.
+/// The whole pixels by which `m` moves everything, rounded as MapUpright() rounds. Returns nullopt
+/// if `m` does more than move.
 std::optional<VuPoint> WholePixelMove(const VuTMatrix2D<float>& m);
 
-/// Where a rectangle of a source comes to lie.
+/// A rectangle of a source mapped to the surface.
 struct MappedSource {
   MappedQuad part;   ///< What is drawn: of the rectangle that is filled, as much as there is.
   Affine toTexture;  ///< From the surface to the source, biased.
@@ -121,11 +121,11 @@ struct MappedSource {
 std::optional<MappedSource> MapSource(const RectD& srcRect, const Box& bounds,
                                       const MappedQuad& whole, VuScaleMode mode);
 
-/// Where a mask comes to lie over a primitive.
+/// A mask mapped over a primitive.
 struct MappedMask {
   Affine toMask;    ///< From the surface to the mask, biased.
   Affine toUnit;    ///< From the surface to the unit square of the primitive.
-  Point crossTerm;  ///< Times u * v, how positions in the mask depart from those by `toMask`.
+  Point crossTerm;  ///< Times u * v: how positions in the mask differ from those by `toMask`.
 };
 
 /// Maps a mask of `width` x `height` over `primitive`: its positions `coords` at the corners, or
