@@ -59,7 +59,7 @@ void GlRenderer::SetName(const char* name) {
 bool GlRenderer::DrawGlyph(const TextLayout::Glyph& glyph, const LineStyle<GlTexture>& style) {
   const Source atlas = {FindSource(*resolver_, *glyph.atlas, Device()).pixels,
                         VuScaleMode::Bilinear};
-  // That of a context that was lost has none.
+  // The atlas of a lost context has no texture.
   if (!atlas.pixels) return false;
   if (!style.mask &&
       GlCanvas::BlitBox(glyph.destination, atlas, glyph.source, style.matrix, style.color))

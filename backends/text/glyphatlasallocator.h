@@ -33,7 +33,7 @@ class GlyphAtlasAllocator : public VuGraphicsImpl,
   VuBitmapImpl* CreateBitmap(int width, int height, VuPixelFormat format) final;
   int GetGraphicsType() const final { return graphicsType_; }
 
-  // What else a context offers, and nobody asks an allocator for.
+  // The rest of what a context offers. No atlas asks for it.
   VuScreenImpl* CreateScreen(bool) final { return nullptr; }
   VuScreenImpl* CreateScreen(const VuScreenDescription&) final { return nullptr; }
   VuBitmapImpl* CreateBitmapFromFile(const char*) final { return nullptr; }
