@@ -236,12 +236,13 @@ TEST_F(FontAtlas, GlyphsStayWhereTheyAre) {
   VuFontAtlas font = Open("sans.ttf", 16);
   std::set<const Glyph*> found;
   for (const Type type : {Type::None, Type::Stroked, Type::Outer, Type::Inner})
-    for (const float thickness : {1.0f, 2.0f, 3.0f}) {
+    for (int thickness = 1; thickness <= 50; ++thickness) {
       font.SetOutlineType(type);
-      font.SetOutlineThickness(thickness);
-      found.insert(Add(font, 'A'));
+      font.SetOutlineThickness(float(thickness));
+      // The second time the font remembers which outline was the latest.
+      for (int time = 0; time < 2; ++time) found.insert(Add(font, 'A'));
     }
-  EXPECT_EQ(found.size(), 10u) << "without an outline its thickness is nothing";
+  EXPECT_EQ(found.size(), 151u) << "without an outline its thickness is nothing";
   font.SetOutlineType(Type::None);
   const Glyph* const a = Add(font, 'A');
   EXPECT_EQ(found.count(a), 1u);
