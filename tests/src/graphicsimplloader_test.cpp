@@ -99,10 +99,12 @@ TEST_F(Loader, LooksOnDiskForTheFirst29CharactersOfAPath) {
   for (const auto& [name, file, look] : cases)
     loader.SetupGfxImpl(name, "../../tmp/" + file, {0, 0}, look);
   for (const std::string& name : {there, absent + "z"}) unlink(("/tmp/" + name).c_str());
-  unsigned count = 0;
-  const char* const* const names = loader.GetBackends(count);
-  EXPECT_THAT(std::vector<std::string>(names, names + count),
-              testing::UnorderedElementsAre("There", "Cut to one that is there"));
+  for (int call = 0; call < 2; ++call) {
+    unsigned count = 0;
+    const char* const* const names = loader.GetBackends(count);
+    EXPECT_THAT(std::vector<std::string>(names, names + count),
+                testing::UnorderedElementsAre("There", "Cut to one that is there"));
+  }
 }
 
 TEST_F(Loader, AsksForTwoPathsAPlugin) {
