@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <functional>
@@ -334,7 +335,10 @@ TEST(FramebufferDevice, WaitsForVsyncUntilTheFirstError) {
 TEST(FramebufferDevice, DoesNotHangOnADriverThatNeverReturns) {
   const auto io = Fake(4, 4);
   std::promise<void> vsync;
-  io->waitForVsync = [&] { return vsync.get_future().wait(), true; };
+  // A driver that takes seconds counts as one that never returns.
+  io->waitForVsync = [returns = vsync.get_future().share()] {
+    return returns.wait_for(std::chrono::seconds(3)), true;
+  };
   std::unique_ptr<FramebufferDevice> device;
   EXPECT_EQ(helpers::LoggedAt(4, [&] { device = OpenOn(io); }),
             "<ZIRK.warning>: /dev/fake: the wait for vertical sync does not return: doing without "
