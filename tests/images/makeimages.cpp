@@ -66,7 +66,9 @@ constexpr jpeg_scan_info kScans[] = {{3, {0, 1, 2}, 0, 0, 0, 0},
                                      {1, {1}, 1, 63, 0, 0},
                                      {1, {2}, 1, 63, 0, 0}};
 
-void WriteJpeg(FILE* file, Bytes bytes, J_COLOR_SPACE colours, int channels, bool progressive) {
+enum class JpegKind { Plain, Progressive, WithoutAdobeMarker };
+
+void WriteJpeg(FILE* file, Bytes bytes, J_COLOR_SPACE colours, int channels, JpegKind kind) {
   jpeg_compress_struct jpeg;
   jpeg_error_mgr errors;
   jpeg.err = jpeg_std_error(&errors);
@@ -78,7 +80,8 @@ void WriteJpeg(FILE* file, Bytes bytes, J_COLOR_SPACE colours, int channels, boo
   jpeg.input_components = channels;
   jpeg_set_defaults(&jpeg);
   jpeg_set_quality(&jpeg, 97, TRUE);
-  if (progressive) {
+  if (kind == JpegKind::WithoutAdobeMarker) jpeg.write_Adobe_marker = FALSE;
+  if (kind == JpegKind::Progressive) {
     jpeg.scan_info = kScans;
     jpeg.num_scans = 4;
   }
@@ -109,7 +112,10 @@ int main() {
   const Bytes rgba = Packed([](Rgba c, int) { return Values{c.r, c.g, c.b, c.a}; });
   const Bytes rgb = Packed([](Rgba c, int) { return Values{c.r, c.g, c.b}; });
   const Bytes grey = Packed([](Rgba c, int) { return Values{c.r}; });
-  const Bytes inks = Packed([](Rgba c, int) { return Values{c.r, c.g, c.b, 204}; });
+  const Bytes invertedInks = Packed([](Rgba c, int) { return Values{c.r, c.g, c.b, 204}; });
+  const Bytes inks = Packed([](Rgba c, int) {
+    return Values{255 - c.r, 255 - c.g, 255 - c.b, 51};
+  });
   const Bytes blocks = Packed([](Rgba, int block) { return Values{block}; });
   const Bytes greyAlpha16 = Packed([](Rgba c, int) {
     // A little less than the same in two bytes, so that only rounding gives the same again.
@@ -121,9 +127,10 @@ int main() {
   WritePng(create("rgba8interlaced.png"), rgba, PNG_COLOR_TYPE_RGBA, 8, interlaced);
   WritePng(create("greyalpha16.png"), greyAlpha16, PNG_COLOR_TYPE_GA, 16, plain);
   WritePng(create("palette8.png"), blocks, PNG_COLOR_TYPE_PALETTE, 8, plain);
-  WriteJpeg(create("rgb.jpg"), rgb, JCS_RGB, 3, false);
-  WriteJpeg(create("progressive.jpg"), rgb, JCS_RGB, 3, true);
-  WriteJpeg(create("grey.jpg"), grey, JCS_GRAYSCALE, 1, false);
-  WriteJpeg(create("cmykinverted.jpg"), inks, JCS_CMYK, 4, false);
+  WriteJpeg(create("rgb.jpg"), rgb, JCS_RGB, 3, JpegKind::Plain);
+  WriteJpeg(create("progressive.jpg"), rgb, JCS_RGB, 3, JpegKind::Progressive);
+  WriteJpeg(create("grey.jpg"), grey, JCS_GRAYSCALE, 1, JpegKind::Plain);
+  WriteJpeg(create("cmyk.jpg"), inks, JCS_CMYK, 4, JpegKind::WithoutAdobeMarker);
+  WriteJpeg(create("cmykinverted.jpg"), invertedInks, JCS_CMYK, 4, JpegKind::Plain);
   WriteWebp(create("lossless.webp"), rgba);
 }

@@ -40,6 +40,7 @@ const struct Sample {
     {"rgb.jpg", kOpaque, 14},
     {"progressive.jpg", kOpaque, 14},
     {"grey.jpg", kGrey, 3},
+    {"cmyk.jpg", kPrinted, 5},  // Inks as they are, the next one inverted.
     {"cmykinverted.jpg", kPrinted, 5},
 #ifdef ZIRK_HAVE_WEBP
     {"lossless.webp", kAll},
