@@ -128,6 +128,23 @@ TEST_F(Hybrid, ABitmapIsTextureBackedWhileAScreenHasItsTexture) {
   EXPECT_FALSE(bitmap->IsTextureBacked());
 }
 
+TEST_F(Hybrid, TexturesOfDeletedBitmapsGoWithTheNextDraw) {
+  graphics_.reset();
+  int freed = 0;
+  seen_ = [&freed](int) { return ++freed; };
+  Watch<0>("glDeleteTextures", PFNGLDELETETEXTURESPROC());
+  graphics_ = std::make_unique<HybridGraphics>();
+  const ScreenPtr screen = NewScreen(*graphics_, 8, 8);
+  const BitmapPtr kept = New(*graphics_, 8, 8);
+  for (int deleted = 0; deleted < 3; ++deleted) {
+    Draw(*screen, *New(*graphics_, 8, 8));
+    const int before = freed;
+    Draw(*screen, *kept);
+    EXPECT_EQ(freed, before + 1);
+  }
+  graphics_.reset();
+}
+
 TEST_F(Hybrid, EverythingMayBeDeletedInAnyOrder) {
   std::array<int, 5> order;
   std::iota(order.begin(), order.end(), 0);
