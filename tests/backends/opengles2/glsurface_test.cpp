@@ -105,6 +105,21 @@ TEST_F(Surfaces, AFrameDrawnAgainChangesNoState) {
   graphics_.reset();
 }
 
+TEST_F(Surfaces, OnlyScreensOfTwoBuffersWaitForTheDisplay) {
+  static std::vector<int> intervals;
+  Sdl().SetSwapInterval = [](int interval) {
+    intervals.push_back(interval);
+    return SDL_GL_SetSwapInterval(interval);
+  };
+  for (const bool two : {true, false}) {
+    intervals.clear();
+    const auto buffers = static_cast<uint8_t>(two ? 2 : 1);
+    const ScreenPtr screen(graphics_->CreateScreen({8, 8, 0, buffers, Format::ARGB8888, false}));
+    screen->SwapBuffers();
+    EXPECT_EQ(intervals, std::vector<int>{two});
+  }
+}
+
 TEST_F(Surfaces, WritingComesAfterWhatReadsThePixelsAndSendsNothingElse) {
   const BitmapPtr target = New(64, 16), atlas = New(64, 16);
   const std::vector<uint32_t> red(64, 0xFFFF0000u), blue(64, 0xFF0000FFu);
