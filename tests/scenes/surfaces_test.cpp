@@ -97,6 +97,18 @@ TEST_P(Surfaces, CopyPixelsCutsConvertsAndOverlaps) {
   }
 }
 
+TEST_P(Surfaces, LargeCopiesComeAfterWhatIsDrawnBefore) {
+  constexpr int kSide = 160;
+  const VuRect all{0, 0, kSide, kSide};
+  const auto source = New(kSide, kSide), target = New(kSide, kSide);
+  for (const uint32_t color : {0xFF112233u, 0xFF445566u}) {
+    source->DrawRect(all, VuColor{color});
+    target->DrawRect(all, white);
+    EXPECT_TRUE(target->CopyPixels({0, 0}, *source, all));
+    EXPECT_EQ(PixelsOf(*target), Pixels(kSide * kSide, color));
+  }
+}
+
 TEST_P(Surfaces, LinesAreTheSameBothWaysAndHaveBothEnds) {
   const auto target = NewTarget(20, 20);
   for (int dx = -9; dx <= 9; ++dx)
