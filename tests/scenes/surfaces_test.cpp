@@ -139,6 +139,33 @@ TEST_P(Surfaces, ClippedLinesKeepTheirPixels) {
   EXPECT_EQ(PixelsOf(*clipped), expected);
 }
 
+TEST_P(Surfaces, MasksOfLinesRunAsTheLineIsGiven) {
+  constexpr int kLength = 9, kLast = 8, kMiddle = 10, kSide = 21;
+  const auto mask = New(kLength, kLength, Format::A8), target = NewTarget(kSide, kSide);
+  std::vector<uint8_t> alphas(kLength * kLength);
+  for (size_t i = 0; i < alphas.size(); ++i) alphas[i] = static_cast<uint8_t>(i * 2 + 1);
+  mask->SetPixels(mask->GetBounds(), alphas.data(), kLength);
+  VuTVector2D<float> diagonal[2] = {{0.5f, 0.5f}, {8.5f, 8.5f}};
+  for (const int dx : {-1, 0, 1})
+    for (const int dy : {-1, 0, 1})
+      for (VuTVector2D<float>* const ends : {diagonal, static_cast<VuTVector2D<float>*>(nullptr)}) {
+        if (dx == 0 && dy == 0) continue;
+        target->Clear();
+        target->DrawLine({kMiddle, kMiddle}, {kMiddle + kLast * dx, kMiddle + kLast * dy}, white,
+                         VuTransform(), *mask, ends);
+        const Pixels drawn = PixelsOf(*target);
+        for (int i = 0; i < kLength; ++i) {
+          // Without coordinates the mask keeps its sides, and where the line is one pixel thin, the
+          // middle of the mask is read.
+          const auto texel = [&](int d) { return ends || d > 0 ? i : d < 0 ? kLast - i : 4; };
+          const uint32_t alpha = alphas[size_t(texel(dy) * kLength + texel(dx))];
+          ASSERT_EQ(drawn[size_t((kMiddle + i * dy) * kSide + kMiddle + i * dx)],
+                    alpha * 0x01010101u)
+              << dx << ", " << dy << " step " << i << (ends ? " with" : " without") << " ends";
+        }
+      }
+}
+
 TEST_P(Surfaces, PointsCoverSquaresAroundTheirPixel) {
   constexpr struct {
     float size;
