@@ -3,6 +3,7 @@
 #include <cmath>
 #include <limits>
 
+#include "helpers/pixels.h"
 #include "scenes/backends.h"
 #include "scenes/modelcheck.h"
 
@@ -32,7 +33,7 @@ INSTANTIATE_TEST_SUITE_P(Backends, Model, testing::ValuesIn(kBackends),
 TEST_P(Model, EveryPairOfBlendingFactors) {
   const auto src = Noise(9, 9, Format::ARGB8888, 7);
   const auto mask = Noise(9, 9, Format::A8, 8);
-  for (const Format format : {Format::ARGB8888, Format::RGB565, Format::A8}) {
+  for (const Format format : {Format::ARGB8888, Format::XRGB8888, Format::RGB565, Format::A8}) {
     ModelCheck check(*graphics_, 20, 20, format, GetParam());
     check.SetBlendColor(VuColor{0xA0C04020});
     for (int s = 0; s <= 14 && !HasFailure(); ++s)
@@ -47,6 +48,8 @@ TEST_P(Model, EveryPairOfBlendingFactors) {
         // Others for alpha.
         check.SetFactors({Factor(s), Factor(d), Factor(d), Factor(14 - s)});
         check.DrawObject({6, 5, 9, 9}, *src, {0, 0, 9, 9});
+        if (format != Format::XRGB8888) continue;
+        for (const uint32_t pixel : helpers::PixelsOf(check.Target())) ASSERT_EQ(pixel >> 24, 255u);
       }
   }
 }
