@@ -73,6 +73,12 @@ TEST_P(Model, EveryFormatOntoEveryFormat) {
       check.Target().SetBlendEnabled(false);
       check.DrawObject({3, 4, 13, 11}, *nearest, {0, 0, 13, 11});
       check.DrawRect({20, 3, 9, 9}, VuColor{0x50FFFFFF});
+      // Wider than what is converted at a time.
+      const auto row = Noise(290, 1, from, 5);
+      ModelCheck wide(*graphics_, 300, 1, to, GetParam());
+      wide.DrawObject({4, 0, 290, 1}, *row, {0, 0, 290, 1});
+      wide.DrawObject({4, 0, 290, 1}, *row, {0, 0, 290, 1}, {}, VuColor{0xB0FF8040}, {row.get()});
+      wide.CopyPixels({5, 0}, *row, {0, 0, 290, 1});
     }
 }
 

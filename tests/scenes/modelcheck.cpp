@@ -92,6 +92,16 @@ void ModelCheck::DrawSubPixel(VuTRect2D<float> dst, VuBitmap& src, VuTRect2D<flo
   Blit(op, dst, src, srcRect, m, color, mask);
 }
 
+void ModelCheck::CopyPixels(VuPoint at, VuBitmap& src, VuRect part) {
+  model::Operation op;
+  std::tie(op.x, op.y, op.width, op.height) = Numbers(VuRect{at.x, at.y, part.width, part.height});
+  std::tie(op.srcX, op.srcY, op.srcWidth, op.srcHeight) = Numbers(part);
+  const bool blended = target_->GetBlendEnabled();
+  target_->SetBlendEnabled(false);
+  Check(op, &src, {}, [&] { target_->CopyPixels(at, src, part); });
+  target_->SetBlendEnabled(blended);
+}
+
 template <typename F>
 void ModelCheck::Check(model::Operation op, VuBitmap* src, const MaskArgument& mask, F&& draw) {
   const model::Picture before(*target_);

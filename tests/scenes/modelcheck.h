@@ -44,6 +44,8 @@ class ModelCheck {
                   VuColor color = white, MaskArgument mask = {});
   void DrawSubPixel(VuTRect2D<float> dst, VuBitmap& src, VuTRect2D<float> srcRect,
                     VuTMatrix2D<float> m = {}, VuColor color = white, MaskArgument mask = {});
+  /// The target must have no clipping rectangle.
+  void CopyPixels(VuPoint at, VuBitmap& src, VuRect part);
 
  private:
   template <class Rect>

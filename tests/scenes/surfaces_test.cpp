@@ -30,7 +30,8 @@ TEST_P(Surfaces, PixelsGoInAndOut) {
   for (size_t format = 0; format < 6; ++format) {
     SCOPED_TRACE(format);
     const auto& [bytes, first, cleared] = kFormats[format];
-    const auto target = NewTarget(60, 40, Format(format));
+    // Wider than what is converted at a time.
+    const auto target = NewTarget(300, 40, Format(format));
     target->SetName(std::string(300, 'n').c_str());
     const auto at = [&](int x, int y) {
       uint32_t pixel = 0;
@@ -40,10 +41,10 @@ TEST_P(Surfaces, PixelsGoInAndOut) {
     const int type = graphics_->GetGraphicsType();
     EXPECT_EQ(target->IsTextureBacked(),
               type == TypeCode(BackendType::OpenGLES2) || type == TypeCode(BackendType::DirectFB));
-    EXPECT_EQ(at(59, 39), first);
+    EXPECT_EQ(at(299, 39), first);
     target->SetClippingRect({5, 5, 1, 1});
     target->Clear(VuColor{0x80804020});
-    EXPECT_EQ(std::pair(at(0, 0), at(59, 39)), std::pair(cleared, cleared));
+    EXPECT_EQ(std::pair(at(0, 0), at(299, 39)), std::pair(cleared, cleared));
 
     std::vector<uint8_t> in(8 * bytes), out(6 * bytes + 1, 7);  // Two rows of three, four apart.
     for (size_t i = 0; i < in.size(); ++i) in[i] = static_cast<uint8_t>(i * 37 + 11);
@@ -67,7 +68,7 @@ TEST_P(Surfaces, PixelsGoInAndOut) {
     EXPECT_EQ(target->GetInfo().pixels, nullptr);
     EXPECT_EQ(at(1, 1), 0x21212121u >> (32 - 8 * bytes) | first);
 
-    for (const VuRect& outside : {VuRect{-1, 0, 2, 2}, VuRect{58, 0, 3, 1}, VuRect{0, 39, 1, 2},
+    for (const VuRect& outside : {VuRect{-1, 0, 2, 2}, VuRect{298, 0, 3, 1}, VuRect{0, 39, 1, 2},
                                   VuRect{2, 2, -1, 1}, VuRect{1, 1, INT32_MAX, 1}}) {
       EXPECT_FALSE(target->SetPixels(outside, in.data(), 16));
       EXPECT_FALSE(target->GetPixels(outside, out.data()));
