@@ -20,16 +20,16 @@ build() {
   cmake --build --preset "$1"
 }
 
-# Keeps ctest's closing lines for the end.
+# Keeps ctest's closing lines for the end: run_tests PRESET [CTEST OPTION...]
 run_tests() {
-  ctest --preset "$1" -j "$(nproc)" 2>&1 | tee "build/$1.ctest"
+  ctest --preset "$@" -j "$(nproc)" 2>&1 | tee "build/$1.ctest"
 }
 
-# Builds and tests a preset.
+# Builds and tests a preset: test_preset PRESET [CTEST OPTION...]
 test_preset() {
   rm -f "build/$1.ctest"
   if step "build $1" build "$1"; then
-    step "test $1" run_tests "$1" || true
+    step "test $1" run_tests "$@" || true
   fi
 }
 
