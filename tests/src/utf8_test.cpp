@@ -34,15 +34,16 @@ std::pair<unsigned, int> Decoded(const std::string& s) {
   return {value, length};
 }
 
-TEST(Utf8, EverySequence) {
-  // A third and a fourth byte stand for their kind. What follows a zero is cut off.
-  const std::string kinds("\0\x01\x7F\x80\xBF\xC0\xDF\xE0\xF7\xFF", 10);
-  for (int head = 0; head < 1 << 16; ++head)
-    for (const char third : kinds)
-      for (const char fourth : kinds) {
-        const char bytes[] = {char(head), char(head >> 8), third, fourth, 0};
-        ASSERT_EQ(Decoded(bytes), Expected(bytes)) << testing::PrintToString(bytes);
-      }
+TEST(Utf8, EveryKindOfSequence) {
+  // The first and the last byte of each kind; a zero cuts the sequence off.
+  const std::string kinds("\0\x01\x7F\x80\xBF\xC0\xDF\xE0\xEF\xF0\xF7\xF8\xFF", 13);
+  for (const char first : kinds)
+    for (const char second : kinds)
+      for (const char third : kinds)
+        for (const char fourth : kinds) {
+          const char bytes[] = {first, second, third, fourth, 0};
+          ASSERT_EQ(Decoded(bytes), Expected(bytes)) << testing::PrintToString(bytes);
+        }
 }
 
 TEST(Utf8, WhatIsWrongIsLogged) {
