@@ -1,6 +1,8 @@
 #include "helpers/calls.h"
 
 #include <dlfcn.h>
+#include <sys/syscall.h>
+#include <time.h>
 #include <unistd.h>
 #include <zirk/export.h>
 
@@ -27,6 +29,19 @@ using ZIRK::helpers::calls;
 using ZIRK::helpers::Next;
 
 extern "C" {
+
+ZIRK_API int clock_gettime(clockid_t clock, timespec* now) noexcept {
+  static std::chrono::nanoseconds ahead{};
+  // Not by Next(): dlsym() frees what dlerror() returned, which may be about to be logged.
+  static_assert(sizeof now->tv_sec == sizeof(long), "the kernel's older call");
+  const auto result = static_cast<int>(syscall(SYS_clock_gettime, clock, now));
+  if (clock != CLOCK_MONOTONIC) return result;
+  const auto real = std::chrono::seconds(now->tv_sec) + std::chrono::nanoseconds(now->tv_nsec);
+  if (calls.stoppedAt.count() != 0) ahead = calls.stoppedAt - real;
+  now->tv_sec = static_cast<time_t>((real + ahead).count() / 1'000'000'000);
+  now->tv_nsec = static_cast<long>((real + ahead).count() % 1'000'000'000);
+  return result;
+}
 
 ZIRK_API int access(const char* path, int mode) noexcept {
   const std::string asked = path;

@@ -1,17 +1,26 @@
 #pragma once
 
+#include <chrono>
 #include <string>
 #include <vector>
 
 namespace ZIRK::helpers {
 
 /// What the library asks of the C library and of FreeType: the functions below stand before theirs,
-/// note the call, and forward it.
+/// note the call, and forward it. The clock is clock_gettime()'s, which std::chrono asks too.
 struct Calls {
-  std::vector<std::string> accessed;  ///< Paths below /lib and /usr/lib given to access().
-  std::vector<std::string> faces;     ///< Paths given to FT_New_Face().
-  int glyphsToRefuse = 0;             ///< So many FT_Load_Glyph() fail for want of memory.
+  std::vector<std::string> accessed;     ///< Paths below /lib and /usr/lib given to access().
+  std::vector<std::string> faces;        ///< Paths given to FT_New_Face().
+  int glyphsToRefuse = 0;                ///< So many FT_Load_Glyph() fail for want of memory.
+  std::chrono::nanoseconds stoppedAt{};  ///< What the monotonic clock shows, unless it is zero.
 };
 extern Calls calls;
+
+/// While one lives, the monotonic clock moves only by Advance(). It goes on from there afterwards.
+struct StoppedClock {
+  StoppedClock() { Advance(std::chrono::steady_clock::now().time_since_epoch()); }
+  ~StoppedClock() { calls.stoppedAt = {}; }
+  static void Advance(std::chrono::nanoseconds time) { calls.stoppedAt += time; }
+};
 
 }  // namespace ZIRK::helpers

@@ -3,10 +3,10 @@
 #include <unistd.h>
 #include <zirk/impl/log.h>
 
-#include <chrono>
 #include <string>
 #include <thread>
 
+#include "helpers/calls.h"
 #include "helpers/logged.h"
 #include "support/allocations.h"
 
@@ -61,14 +61,17 @@ std::string Warnings(int count) {
 
 TEST(Log, TheBurstIsLimitedAndReportedOnce) {
   const helpers::Tunables restored;
+  helpers::StoppedClock clock;
   EXPECT_EQ(LogLevel, 4);
   EXPECT_EQ(LogBurst, 20);
   EXPECT_EQ(LogInterval, 5);
   LogInterval = 1;
   LogBurst = 1000;
-  const auto endInterval = [] { std::this_thread::sleep_for(std::chrono::milliseconds(1001)); };
+  const std::chrono::nanoseconds interval = std::chrono::seconds(1);
+  const auto endInterval = [&] { clock.Advance(interval + std::chrono::nanoseconds(1)); };
   endInterval();
   Warnings(1);
+  clock.Advance(interval);
   LogBurst = 3;
   EXPECT_EQ(Warnings(19), "<ZIRK.warning>: 0\n<ZIRK.warning>: 1\n");
   endInterval();
