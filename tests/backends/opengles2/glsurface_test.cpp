@@ -162,9 +162,10 @@ TEST_F(Surfaces, DropTheEventsThatAreForNobodyElse) {
 }
 
 TEST_F(Surfaces, LeaveTheApplicationItsSdl) {
-  struct sigaction action = {};
-  sigaction(SIGINT, nullptr, &action);
-  EXPECT_EQ(action.sa_handler, SIG_DFL);
+  graphics_.reset();
+  const auto before = std::signal(SIGINT, SIG_DFL);  // SDL handles no signal that is ignored.
+  graphics_ = NewContext();
+  EXPECT_EQ(std::signal(SIGINT, before), SIG_DFL);
   ASSERT_EQ(SDL_InitSubSystem(SDL_INIT_VIDEO), 0);
   SDL_Window* const window = SDL_CreateWindow("own", 0, 0, 32, 32, SDL_WINDOW_OPENGL);
   SDL_GLContext const context = SDL_GL_CreateContext(window);
