@@ -20,9 +20,6 @@ using GraphicsPtr = std::unique_ptr<VuGraphics>;
 using BitmapPtr = std::unique_ptr<VuBitmap>;
 using helpers::PixelOf;
 
-/// Goes when DirectFB's own static objects have gone.
-BitmapPtr leftAlive[2];
-
 constexpr char kArgs[] = "system=dummy,mode=800x600";
 constexpr uint32_t kRed = 0xFFE04030, kGreen = 0xFF30C060;
 
@@ -30,24 +27,32 @@ GraphicsPtr Open() {
   return GraphicsPtr(VuGraphics::Create("DirectFB", false));
 }
 
-// The first test of the process: DirectFB has to be yet to start.
-TEST(DirectFbStart, FailsWithOneErrorAndThenSucceedsWithoutAWord) {
-  for (const char* args : {"system=fbdev,fbdev=/nonexistent", "system=dummy,wm=nonexistent", "help",
-                           "nonexistent=1"}) {
-    setenv("DFBARGS", args, 1);
-    EXPECT_TRUE(LogsOneError("DirectFB cannot be started", [] { EXPECT_EQ(Open(), nullptr); }))
-        << args;
-  }
-  setenv("DFBARGS", kArgs, 1);
-  struct sigaction before[NSIG] = {}, after{};
-  for (int i = 1; i < NSIG; ++i) sigaction(i, nullptr, &before[i]);
-  testing::internal::CaptureStdout();
-  EXPECT_EQ(helpers::LoggedAt(3, [] { EXPECT_NE(Open(), nullptr); }), "");
-  EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
-  for (int i = 1; i < NSIG; ++i) {
-    sigaction(i, nullptr, &after);
-    EXPECT_EQ(after.sa_handler, before[i].sa_handler) << "signal " << i;
-  }
+/// Runs `run` in a process in which DirectFB has not started. Neither an expectation nor the exit
+/// may fail there.
+void ExpectInAProcessOfItsOwn(void (*run)()) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT((run(), exit(testing::Test::HasFailure())), testing::ExitedWithCode(0), "");
+}
+
+TEST(DirectFbDeathTest, FailsWithOneErrorAndThenSucceedsWithoutAWord) {
+  ExpectInAProcessOfItsOwn([] {
+    for (const char* args : {"system=fbdev,fbdev=/nonexistent", "system=dummy,wm=nonexistent",
+                             "help", "nonexistent=1"}) {
+      setenv("DFBARGS", args, 1);
+      EXPECT_TRUE(LogsOneError("DirectFB cannot be started", [] { EXPECT_EQ(Open(), nullptr); }))
+          << args;
+    }
+    setenv("DFBARGS", kArgs, 1);
+    struct sigaction before[NSIG] = {}, after{};
+    for (int i = 1; i < NSIG; ++i) sigaction(i, nullptr, &before[i]);
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(helpers::LoggedAt(3, [] { EXPECT_NE(Open(), nullptr); }), "");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+    for (int i = 1; i < NSIG; ++i) {
+      sigaction(i, nullptr, &after);
+      EXPECT_EQ(after.sa_handler, before[i].sa_handler) << "signal " << i;
+    }
+  });
 }
 
 class DirectFb : public testing::Test {
@@ -153,14 +158,21 @@ TEST_F(DirectFb, LockedSurfacesAreDrawnOnAndReadAsEver) {
   screen->SwapBuffers();
 }
 
-TEST_F(DirectFb, SurfacesOutliveTheirContextAndTheProcess) {
-  leftAlive[0] = Screen(0, true);
-  leftAlive[1].reset(graphics_->CreateBitmap(8, 8, VuPixelFormat::ARGB8888));
-  graphics_.reset();
-  leftAlive[1]->Clear(VuColor{kRed});
-  leftAlive[0]->DrawObject({0, 0, 8, 8}, *leftAlive[1]);
-  leftAlive[0]->SwapBuffers();
-  EXPECT_EQ(PixelOf(*leftAlive[0], 7, 7), kRed);
+/// Destroyed after DirectFB's own static objects.
+BitmapPtr leftAlive[2];
+
+TEST(DirectFbDeathTest, SurfacesOutliveTheirContextAndTheProcess) {
+  ExpectInAProcessOfItsOwn([] {
+    setenv("DFBARGS", kArgs, 1);
+    GraphicsPtr graphics = Open();
+    leftAlive[0].reset(graphics->CreateScreen(false));
+    leftAlive[1].reset(graphics->CreateBitmap(8, 8, VuPixelFormat::ARGB8888));
+    graphics.reset();
+    leftAlive[1]->Clear(VuColor{kRed});
+    leftAlive[0]->DrawObject({0, 0, 8, 8}, *leftAlive[1]);
+    leftAlive[0]->SwapBuffers();
+    EXPECT_EQ(PixelOf(*leftAlive[0], 7, 7), kRed);
+  });
 }
 
 }  // namespace
