@@ -48,6 +48,8 @@ TEST(Compositor, EnabledTwiceIsOneThatForwards) {
 TEST(Compositor, DisablingWaitsForCallsInProgress) {
   helpers::Install("GLCompositor", "Independent", "VuCompositor");
   static std::promise<void> entered, leave;
+  entered = {};
+  leave = {};
   const TestLayer layer{[] {
     entered.set_value();
     leave.get_future().wait();

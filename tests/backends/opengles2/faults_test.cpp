@@ -184,7 +184,8 @@ TEST_F(Faults, ALostContextEndsEverythingButDeletion) {
 
 // Without a window system OpenGL ends with the last window.
 TEST_F(Faults, EveryWindowIsOpenedBeforeTheOneThatItReplacesIsClosed) {
-  static Uint32 replaced = 0;
+  static Uint32 replaced;
+  replaced = 0;
   Sdl().CreateWindow = [](auto... arguments) {
     EXPECT_TRUE(replaced == 0 || SDL_GetWindowFromID(replaced));
     SDL_Window* const window = SDL_CreateWindow(arguments...);
