@@ -201,7 +201,7 @@ TEST_P(Model, WhatHasNoExtentOrNoPlaceDrawsNothing) {
   EXPECT_EQ(before.pixels, model::Picture(target).pixels);
 }
 
-TEST_P(Model, AbsurdGeometryIsHarmless) {
+TEST_P(Model, SanitizedAbsurdGeometry) {
   const auto src = Noise(300, 40, Format::ARGB8888, 2, VuScaleMode::Bilinear);
   const auto mask = Noise(31, 300, Format::XRGB8888, 3, VuScaleMode::Bilinear);
   std::unique_ptr<VuBitmap> target(graphics_->CreateBitmap(300, 30, Format::ARGB8888));

@@ -134,7 +134,7 @@ TEST(FontRegistry, NullNamesAreThrownBackWithoutTheLock) {
   EXPECT_TRUE(registry.Register(kRegular.c_str()));
 }
 
-TEST(FontRegistry, FontsComeAndGoWhileTheyAreAskedFor) {
+TEST(FontRegistry, SanitizedFontsComeAndGoWhileTheyAreAskedFor) {
   const helpers::Tunables restored;
   LogLevel = 2;
   VuFontRegistry registry(&Note);

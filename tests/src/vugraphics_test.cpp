@@ -185,7 +185,7 @@ TEST_F(Context, AllAreListedInOrder) {
   EXPECT_EQ(Listed(0), Part(*second, 0));
 }
 
-TEST_F(Context, ComeAndGoWhileTheyAreListed) {
+TEST_F(Context, SanitizedComeAndGoWhileTheyAreListed) {
   LoggedAt(2, [] {
     std::thread other([] {
       for (int round = 0; round < 200; ++round) Listed(0);

@@ -93,7 +93,7 @@ TEST(Log, NothingIsAllocated) {
   EXPECT_EQ(allocated, 0);
 }
 
-TEST(Log, AnyThreadMayCall) {
+TEST(Log, SanitizedAnyThreadMayCall) {
   LoggedAt(4, [] {
     LogInterval = 1000;
     std::thread other([] { ZIRK_LOG_WARNING("x"); });
