@@ -65,10 +65,12 @@ struct FakeObject {
   static void Delete(void* self) { ++static_cast<FakeObject*>(self)->deleted; }
 };
 
-/// `call` reaches `entry` of `object` with just these arguments, and has its answer.
+/// `call` reaches `entry` of `object` with just these arguments, and has its answer. The entry
+/// exists for this call only, so that no other call can end in it.
 template <class Interface, typename F, typename... Args>
 void ExpectEntry(F call, FakeObject<Interface>& object, int entry, Args... args) {
   using R = decltype(call());
+  void* const before = object.entries[entry - 1];
   object.Set(entry, &Entry<R, Args...>);
   received.clear();
   if constexpr (std::is_void_v<R>)
@@ -76,6 +78,7 @@ void ExpectEntry(F call, FakeObject<Interface>& object, int entry, Args... args)
   else
     EXPECT_EQ(Bytes(call()), Bytes(Answer<R>())) << "entry " << entry;
   EXPECT_EQ(received, ("called " + ... + Bytes(args))) << "entry " << entry;
+  object.entries[entry - 1] = before;
 }
 
 }  // namespace ZIRK::doubles
