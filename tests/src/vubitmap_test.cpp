@@ -1,5 +1,7 @@
 // Plug-ins are built apart from the library and meet it by position only: each operation of a
-// handle calls one entry of its implementation's table, with the application's arguments.
+// handle calls one entry of its implementation's table, with the application's arguments. Here are
+// those whose results no test of a backend compares; the order of the tables is on record in
+// tests/abi.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -18,7 +20,6 @@ namespace {
 
 using doubles::FakeObject;
 using Vector = VuTVector2D<float>;
-using Factor = VuBlendingFactor;
 
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 
@@ -84,33 +85,9 @@ class Slots : public testing::Test {
 };
 
 TEST_F(Slots, Bitmap) {
-  Factor one{1}, two{2};
   EXPECT_ENTRY(b.SetName(text), surface, 4, text);
-  EXPECT_ENTRY(b.Clear(), surface, 5);
-  EXPECT_ENTRY(b.Clear(c), surface, 6, c);
-  EXPECT_ENTRY(b.GetInfo(), surface, 7);
-  EXPECT_ENTRY(b.GetSize(), surface, 8);
-  EXPECT_ENTRY(b.GetBounds(), surface, 9);
-  EXPECT_ENTRY(b.GetClippingRect(), surface, 10);
-  EXPECT_ENTRY(b.SetClippingRect(r), surface, 11, r);
-  EXPECT_ENTRY(b.GetBlendingFunc(one, two), surface, 12, &one, &two);
-  EXPECT_ENTRY(b.SetBlendingFunc(one, two), surface, 13, 1, 2);
-  EXPECT_ENTRY(b.SetBlendingFunc(one, two, Factor{3}, Factor{4}), surface, 14, 1, 2, 3, 4);
-  EXPECT_ENTRY(b.GetBlendEnabled(), surface, 15);
-  EXPECT_ENTRY(b.SetBlendEnabled(true), surface, 16, true);
-  EXPECT_ENTRY(b.GetBlendColor(), surface, 17);
-  EXPECT_ENTRY(b.SetBlendColor(c), surface, 18, c);
-  EXPECT_ENTRY(b.GetScaleMode(), surface, 19);
-  EXPECT_ENTRY(b.SetScaleMode(VuScaleMode{9}), surface, 20, 9);
-  EXPECT_ENTRY(b.Lock(), surface, 32, true);
   EXPECT_ENTRY(b.Lock(false), surface, 32, false);
-  EXPECT_ENTRY(b.Unlock(), surface, 33);
-  EXPECT_ENTRY(b.SwapBuffers(), surface, 34);
   EXPECT_ENTRY(b.Flush(), surface, 35);
-  EXPECT_ENTRY(b.GetPixels(r, &v), surface, 36, r, &v);
-  EXPECT_ENTRY(b.SetPixels(r, text, 3), surface, 37, r, text, 3u);
-  EXPECT_ENTRY(b.CopyPixels(p, src, r), surface, 38, p, from, r);
-  EXPECT_ENTRY(b.IsTextureBacked(), surface, 39);
   EXPECT_TRUE(surface.get()->VuBitmapImpl::IsTextureBacked());
 }
 
@@ -202,30 +179,28 @@ TEST_F(Slots, Graphics) {
   const VuScaleMode scale{4};
   std::ostringstream stream;
   std::ostream& os = stream;
-  const VuScreenDescription d{1, 2, 3, 4, VuPixelFormat{5}, true};
   const VuScreenDescription full{-1, 0, 44, 2, VuPixelFormat{2}, true};
   const VuScreenDescription option{8, 9, 1, 1, VuPixelFormat::ARGB8888, true};
   const VuScreenDescription index{8, 9, 44, 1, VuPixelFormat::ARGB8888, false};
   const VuScreenDescription least{8, 9, 0, 2, VuPixelFormat::ARGB8888, false};
-  EXPECT_ENTRY(g.CreateScreen(true), impl, 3, true);
-  EXPECT_ENTRY(g.CreateScreen(d), impl, 4, &d);
   EXPECT_ENTRY(g.CreateScreen(-1, 0, true, 300, true, VuPixelFormat{2}), impl, 4, &full);
   EXPECT_ENTRY(g.CreateScreen(8, 9, false, 1, true), impl, 4, &option);
   EXPECT_ENTRY(g.CreateScreen(8, 9, false, 300), impl, 4, &index);
   EXPECT_ENTRY(g.CreateScreen(8, 9, true), impl, 4, &least);
-  EXPECT_ENTRY(g.CreateBitmap(-1, 2, VuPixelFormat{9}), impl, 5, -1, 2, 9);
-  EXPECT_ENTRY(g.CreateBitmapFromFile(text, 1, 2, scale, VuDisplayMode{7}), impl, 7, text, 1, 2, 4,
-               7);
+  EXPECT_ENTRY(g.CreateBitmapFromFile(text), impl, 6, text);
   EXPECT_ENTRY(g.CreateBitmapFromFile(text, 1, 2, scale), impl, 7, text, 1, 2, 4, 0);
+  EXPECT_ENTRY(g.CreateBitmapFromMemory(data, 5), impl, 8, data, 5u);
   EXPECT_ENTRY(g.CreateBitmapFromMemory(data, 5, 1, 2, scale), impl, 9, data, 5u, 1, 2, 4);
   EXPECT_ENTRY(g.AvailableMemory(), impl, 10);
   EXPECT_ENTRY(g.TotalMemory(), impl, 11);
   EXPECT_ENTRY(g.BitmapSize(1, 2, VuPixelFormat{3}), impl, 12, 1, 2, 3);
+  EXPECT_ENTRY(g.BitmapSize(text), impl, 13, text);
+  EXPECT_ENTRY(g.BitmapSize(text, 1, 2), impl, 14, text, 1, 2);
+  EXPECT_ENTRY(g.BitmapSize(data, 5), impl, 15, data, 5u);
+  EXPECT_ENTRY(g.BitmapSize(data, 5, 1, 2), impl, 16, data, 5u, 1, 2);
   EXPECT_ENTRY(g.PrintBitmapList(os), impl, 17, 0u, &os);
   EXPECT_ENTRY(g.Flush(), impl, 18);
   EXPECT_ENTRY(g.SetTerminateOnDestruct(true), impl, 19, true);
-  EXPECT_ENTRY(g.GetGraphicsType(), impl, 20);
-  EXPECT_ENTRY(g.GetMaxTextureSize(), impl, 21);
   EXPECT_EQ(impl.get()->VuGraphicsImpl::GetMaxTextureSize(), 2048);
 }
 

@@ -1,4 +1,4 @@
-// What each operation of a context calls is in vubitmap_test.cpp.
+// What most operations of a context call is in vubitmap_test.cpp.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
