@@ -9,7 +9,7 @@
 
 namespace ZIRK::backends {
 
-/// One pixel of a format, as premultiplied ARGB8888 and back. Pack channels are widened by
+/// One pixel of a format, as premultiplied ARGB8888 and back. Narrow channels are widened by
 /// repeating their bits, and narrowed by dropping the low ones, as Pixman does.
 template <VuPixelFormat kFormat>
 struct PixelTraits {
