@@ -55,7 +55,7 @@ zirk_package(zirk-backends libs
   "Plug-ins that draw, each by other means, and one that draws nothing."
   ${ZIRK_LIBRARY_PACKAGE})
 # Opened at run time, where OpenGL is wanted.
-set(CPACK_DEBIAN_ZIRK-BACKENDS_PACKAGE_RECOMMENDS "libegl1, libgles2")
+set(CPACK_DEBIAN_ZIRK-BACKENDS_PACKAGE_RECOMMENDS "libsdl2-2.0-0, libegl1, libgles2")
 zirk_package(zirk-tools utils
   "zirkinfo shows which backends work on a machine, and how they draw."
   ${ZIRK_LIBRARY_PACKAGE})

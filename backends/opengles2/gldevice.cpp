@@ -27,10 +27,10 @@ constexpr int kErrorLength = 160;
 class TemporaryHint {
  public:
   TemporaryHint(const char* name, const char* value) : name_(name) {
-    if (const char* before = SDL_GetHint(name)) before_ = before;
-    SDL_SetHint(name, value);
+    if (const char* before = Sdl().GetHint(name)) before_ = before;
+    Sdl().SetHint(name, value);
   }
-  ~TemporaryHint() { SDL_SetHint(name_, before_.empty() ? nullptr : before_.c_str()); }
+  ~TemporaryHint() { Sdl().SetHint(name_, before_.empty() ? nullptr : before_.c_str()); }
   TemporaryHint(const TemporaryHint&) = delete;
   TemporaryHint& operator=(const TemporaryHint&) = delete;
 
@@ -49,7 +49,7 @@ class Refusal {
 };
 
 bool DriverIs(const char* name) {
-  const char* const driver = SDL_GetCurrentVideoDriver();
+  const char* const driver = Sdl().GetCurrentVideoDriver();
   return driver && std::strcmp(driver, name) == 0;
 }
 
@@ -96,6 +96,7 @@ bool GlDevice::Fail(const char* what, const char* why) {
 }
 
 bool GlDevice::Start() {
+  if (const char* missing = Sdl().Missing()) return Fail("no SDL", missing);
   return StartVideo() && StartContext();
 }
 
@@ -103,12 +104,12 @@ bool GlDevice::StartVideo() {
   // Signals and the screen saver are the application's to handle.
   const TemporaryHint signals(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
   const TemporaryHint screenSaver(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "1");
-  sdlWasIdle_ = SDL_WasInit(0) == 0;
+  sdlWasIdle_ = Sdl().WasInit(0) == 0;
   videoStarted_ = Sdl().InitSubSystem(SDL_INIT_VIDEO) == 0;
   if (videoStarted_) return true;
   char why[kErrorLength];
-  SDL_GetErrorMsg(why, kErrorLength);
-  const char* const named = SDL_GetHint(SDL_HINT_VIDEODRIVER);
+  Sdl().GetErrorMsg(why, kErrorLength);
+  const char* const named = Sdl().GetHint(SDL_HINT_VIDEODRIVER);
   if (!named || !*named) {
     // Not every version of SDL tries this by itself.
     const TemporaryHint driver(SDL_HINT_VIDEODRIVER, "offscreen");
@@ -118,7 +119,7 @@ bool GlDevice::StartVideo() {
 }
 
 bool GlDevice::HasSdlAlone() const {
-  return sdlWasIdle_ && !(SDL_WasInit(0) & ~Uint32{SDL_INIT_VIDEO | SDL_INIT_EVENTS});
+  return sdlWasIdle_ && !(Sdl().WasInit(0) & ~Uint32{SDL_INIT_VIDEO | SDL_INIT_EVENTS});
 }
 
 bool GlDevice::SetAttributes() {
@@ -142,7 +143,7 @@ bool GlDevice::SetAttributes() {
   };
   for (const auto& attribute : attributes)
     if (Sdl().SetAttribute(attribute.name, attribute.value) != 0)
-      return Fail("no such attribute", SDL_GetError());
+      return Fail("no such attribute", Sdl().GetError());
   return true;
 }
 
@@ -160,12 +161,12 @@ bool GlDevice::StartContext() {
   if (!SetAttributes()) return false;
   SdlCalls& sdl = Sdl();
   // In addition to the references that windows hold while they are open.
-  if (sdl.LoadLibrary(nullptr) != 0) return Fail("no library", SDL_GetError());
+  if (sdl.LoadLibrary(nullptr) != 0) return Fail("no library", Sdl().GetError());
   libraryLoaded_ = true;
-  if (!OpenHiddenWindow()) return Fail("no window", SDL_GetError());
+  if (!OpenHiddenWindow()) return Fail("no window", Sdl().GetError());
   const OthersContext others;
   context_ = CreateContext();
-  if (!context_) return Fail("no context", SDL_GetError());
+  if (!context_) return Fail("no context", Sdl().GetError());
   if (!MakeCurrent(hiddenWindow_)) return false;
   if (const char* missing = gl_.Load(sdl.GetProcAddress)) return Fail("no function", missing);
   loaded_ = true;
@@ -184,7 +185,7 @@ SDL_Window* GlDevice::CreateWindow(int width, int height, int display, bool hidd
   const TemporaryHint compositor(SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR, "0");
   const Uint32 flags = SDL_WINDOW_OPENGL | (hidden ? SDL_WINDOW_HIDDEN : SDL_WINDOW_SHOWN);
   const auto position = static_cast<int>(
-      SDL_WINDOWPOS_CENTERED_DISPLAY(display < SDL_GetNumVideoDisplays() ? display : 0));
+      SDL_WINDOWPOS_CENTERED_DISPLAY(display < Sdl().GetNumVideoDisplays() ? display : 0));
   return Sdl().CreateWindow("ZIRK", position, position, width, height, flags);
 }
 
@@ -213,7 +214,7 @@ SDL_Window* GlDevice::OpenWindow(int width, int height, int display) {
   windows_.reserve(windows_.size() + 1);
   SDL_Window* const window = CreateWindow(width, height, display, false);
   if (!window) {
-    Fail("no window", SDL_GetError());
+    Fail("no window", Sdl().GetError());
     return nullptr;
   }
   windows_.push_back(window);
@@ -230,7 +231,7 @@ SDL_Window* GlDevice::OpenWindow(int width, int height, int display) {
 void GlDevice::Destroy(SDL_Window* window) {
   DetachContext();
   current_ = nullptr;
-  SDL_DestroyWindow(window);
+  Sdl().DestroyWindow(window);
 }
 
 void GlDevice::CloseWindow(SDL_Window* window) {
@@ -248,9 +249,9 @@ void GlDevice::CloseWindow(SDL_Window* window) {
 bool GlDevice::MakeCurrent(SDL_Window* window) {
   if (IsLost()) return false;
   if (!window) window = current_ ? current_ : hiddenWindow_ ? hiddenWindow_ : windows_.front();
-  if (current_ == window && SDL_GL_GetCurrentContext() == context_) return true;
+  if (current_ == window && Sdl().GetCurrentContext() == context_) return true;
   if (Sdl().MakeCurrent(window, context_) != 0) {
-    const char* const why = SDL_GetError();
+    const char* const why = Sdl().GetError();
     // Nothing else tells a lost context from one that is current in another thread.
     if (!std::strstr(why, "CONTEXT_LOST")) return Fail("no current context in this thread", why);
     Lose(why);
@@ -265,10 +266,10 @@ bool GlDevice::MakeCurrent(SDL_Window* window) {
 /// application may have set for its own.
 void GlDevice::SetSwapInterval(int interval) {
   if (interval_.window == current_ && interval_.asked == interval &&
-      SDL_GL_GetSwapInterval() == interval_.got)
+      Sdl().GetSwapInterval() == interval_.got)
     return;
   Sdl().SetSwapInterval(interval);
-  interval_ = {current_, interval, SDL_GL_GetSwapInterval()};
+  interval_ = {current_, interval, Sdl().GetSwapInterval()};
 }
 
 void GlDevice::FlushAndDetach() {
@@ -283,7 +284,7 @@ void GlDevice::FlushAndDetach() {
 }
 
 void GlDevice::DetachContext() {
-  if (IsLost() || SDL_GL_GetCurrentContext() != context_) return;
+  if (IsLost() || Sdl().GetCurrentContext() != context_) return;
   Sdl().MakeCurrent(nullptr, nullptr);
   current_ = nullptr;
 }
@@ -311,17 +312,17 @@ void GlDevice::Shutdown() {
   if (context_) {
     const OthersContext others(context_);
     if (loaded_ && MakeCurrent()) batch_.Stop();
-    SDL_GL_DeleteContext(context_);
+    Sdl().DeleteContext(context_);
     context_ = nullptr;
   }
   current_ = nullptr;
-  for (SDL_Window* window : windows_) SDL_DestroyWindow(window);
+  for (SDL_Window* window : windows_) Sdl().DestroyWindow(window);
   windows_.clear();
-  if (hiddenWindow_) SDL_DestroyWindow(hiddenWindow_);
+  if (hiddenWindow_) Sdl().DestroyWindow(hiddenWindow_);
   hiddenWindow_ = nullptr;
-  if (libraryLoaded_) SDL_GL_UnloadLibrary();
+  if (libraryLoaded_) Sdl().UnloadLibrary();
   libraryLoaded_ = false;
-  if (videoStarted_) SDL_QuitSubSystem(SDL_INIT_VIDEO);
+  if (videoStarted_) Sdl().QuitSubSystem(SDL_INIT_VIDEO);
   videoStarted_ = false;
 }
 

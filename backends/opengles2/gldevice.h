@@ -106,10 +106,10 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
 class OthersContext {
  public:
   explicit OthersContext(SDL_GLContext ours = nullptr) {
-    SDL_GLContext const current = SDL_GL_GetCurrentContext();
+    SDL_GLContext const current = Sdl().GetCurrentContext();
     if (!current || current == ours) return;
     context_ = current;
-    window_ = SDL_GL_GetCurrentWindow();
+    window_ = Sdl().GetCurrentWindow();
   }
   ~OthersContext();
   OthersContext(const OthersContext&) = delete;

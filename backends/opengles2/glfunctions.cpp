@@ -1,9 +1,23 @@
 #include "opengles2/glfunctions.h"
 
+#include <dlfcn.h>
+
 #include <cstring>
 #include <string>
 
 namespace ZIRK::backends {
+
+namespace {
+
+constexpr char kSdlLibrary[] = "libSDL2-2.0.so.0";
+
+/// SDL stays open: threads of its own may run until the process ends.
+void* SdlLibrary() {
+  static void* const library = dlopen(kSdlLibrary, RTLD_LAZY | RTLD_LOCAL);
+  return library;
+}
+
+}  // namespace
 
 const char* GlFunctions::Load(void* (*find)(const char*)) {
 #define ZIRK_GL_LOAD(name, type)                   \
@@ -44,6 +58,19 @@ bool GlFunctions::Has(const char* extension) const {
     if (begins && (at[length] == ' ' || at[length] == '\0')) return true;
   }
   return false;
+}
+
+void* FindInSdl(const char* function) {
+  return SdlLibrary() ? dlsym(SdlLibrary(), function) : nullptr;
+}
+
+const char* SdlCalls::Missing() const {
+  if (!SdlLibrary()) return kSdlLibrary;
+#define ZIRK_SDL_CHECK(name, function) \
+  if (!name) return #function;
+  ZIRK_SDL_FUNCTIONS(ZIRK_SDL_CHECK)
+#undef ZIRK_SDL_CHECK
+  return nullptr;
 }
 
 SdlCalls& Sdl() {

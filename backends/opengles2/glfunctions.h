@@ -87,18 +87,52 @@ struct GlFunctions {
   bool Has(const char* extension) const;
 };
 
-/// The functions of SDL that can fail, and the one that finds OpenGL's. The plug-in calls all of
-/// them through this table, so that tests can make each fail.
+/// The address of one of SDL's functions; null where SDL or the function is not there.
+void* FindInSdl(const char* function);
+
+/// The functions of SDL that this plug-in calls. SDL is opened at run time, so that the plug-in
+/// loads, and says what it lacks, where SDL is not installed. All calls go through one table, so
+/// that tests can make each fail.
 struct SdlCalls {
-  decltype(&SDL_InitSubSystem) InitSubSystem = SDL_InitSubSystem;
-  decltype(&SDL_GL_LoadLibrary) LoadLibrary = SDL_GL_LoadLibrary;
-  decltype(&SDL_GL_SetAttribute) SetAttribute = SDL_GL_SetAttribute;
-  decltype(&SDL_CreateWindow) CreateWindow = SDL_CreateWindow;
-  decltype(&SDL_GL_CreateContext) CreateContext = SDL_GL_CreateContext;
-  decltype(&SDL_GL_MakeCurrent) MakeCurrent = SDL_GL_MakeCurrent;
-  decltype(&SDL_GL_SetSwapInterval) SetSwapInterval = SDL_GL_SetSwapInterval;
-  decltype(&SDL_GL_GetProcAddress) GetProcAddress = SDL_GL_GetProcAddress;
-  decltype(&SDL_GetDesktopDisplayMode) GetDesktopDisplayMode = SDL_GetDesktopDisplayMode;
+#define ZIRK_SDL_FUNCTIONS(X)                         \
+  X(InitSubSystem, SDL_InitSubSystem)                 \
+  X(QuitSubSystem, SDL_QuitSubSystem)                 \
+  X(WasInit, SDL_WasInit)                             \
+  X(GetHint, SDL_GetHint)                             \
+  X(SetHint, SDL_SetHint)                             \
+  X(GetError, SDL_GetError)                           \
+  X(GetErrorMsg, SDL_GetErrorMsg)                     \
+  X(Free, SDL_free)                                   \
+  X(GetNumVideoDrivers, SDL_GetNumVideoDrivers)       \
+  X(GetVideoDriver, SDL_GetVideoDriver)               \
+  X(GetCurrentVideoDriver, SDL_GetCurrentVideoDriver) \
+  X(GetNumVideoDisplays, SDL_GetNumVideoDisplays)     \
+  X(GetDesktopDisplayMode, SDL_GetDesktopDisplayMode) \
+  X(CreateWindow, SDL_CreateWindow)                   \
+  X(DestroyWindow, SDL_DestroyWindow)                 \
+  X(GetWindowID, SDL_GetWindowID)                     \
+  X(PumpEvents, SDL_PumpEvents)                       \
+  X(FilterEvents, SDL_FilterEvents)                   \
+  X(LoadLibrary, SDL_GL_LoadLibrary)                  \
+  X(UnloadLibrary, SDL_GL_UnloadLibrary)              \
+  X(SetAttribute, SDL_GL_SetAttribute)                \
+  X(CreateContext, SDL_GL_CreateContext)              \
+  X(DeleteContext, SDL_GL_DeleteContext)              \
+  X(MakeCurrent, SDL_GL_MakeCurrent)                  \
+  X(GetCurrentContext, SDL_GL_GetCurrentContext)      \
+  X(GetCurrentWindow, SDL_GL_GetCurrentWindow)        \
+  X(GetDrawableSize, SDL_GL_GetDrawableSize)          \
+  X(GetProcAddress, SDL_GL_GetProcAddress)            \
+  X(SetSwapInterval, SDL_GL_SetSwapInterval)          \
+  X(GetSwapInterval, SDL_GL_GetSwapInterval)          \
+  X(SwapWindow, SDL_GL_SwapWindow)
+#define ZIRK_SDL_MEMBER(name, function) \
+  decltype(&function) name = reinterpret_cast<decltype(&function)>(FindInSdl(#function));
+  ZIRK_SDL_FUNCTIONS(ZIRK_SDL_MEMBER)
+#undef ZIRK_SDL_MEMBER
+
+  /// The first thing that is missing here, the library or a function; null if all is there.
+  const char* Missing() const;
 };
 
 /// The table in use.

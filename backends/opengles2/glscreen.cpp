@@ -46,7 +46,7 @@ int KeepOthersEvents(void* listener, SDL_Event* event) {
   const bool nobodys = window == 0 && ours.alone && event->type < SDL_USEREVENT;
   if (window != ours.window && !nobodys) return 1;
   // The receiver of these events owns their file name.
-  if (event->type == SDL_DROPFILE || event->type == SDL_DROPTEXT) SDL_free(event->drop.file);
+  if (event->type == SDL_DROPFILE || event->type == SDL_DROPTEXT) Sdl().Free(event->drop.file);
   return 0;
 }
 
@@ -72,7 +72,7 @@ GlWindow::~GlWindow() {
 /// Places the picture at the top-left corner of a window that is larger or smaller than it.
 void GlWindow::FindBottom() {
   int width = 0, height = 0;
-  SDL_GL_GetDrawableSize(target_.window, &width, &height);
+  Sdl().GetDrawableSize(target_.window, &width, &height);
   const int bottom = height - target_.height;
   if (bottom == target_.bottom) return;
   device_->Batch().Flush();
@@ -85,10 +85,10 @@ void GlWindow::Present(bool vsync) {
   const GlScope scope(*device_, target_.window);
   if (!scope || !device_->Check("drawing")) return;
   device_->SetSwapInterval(vsync ? 1 : 0);
-  SDL_GL_SwapWindow(target_.window);
-  SDL_PumpEvents();
-  Listener listener = {SDL_GetWindowID(target_.window), device_->HasSdlAlone()};
-  SDL_FilterEvents(KeepOthersEvents, &listener);
+  Sdl().SwapWindow(target_.window);
+  Sdl().PumpEvents();
+  Listener listener = {Sdl().GetWindowID(target_.window), device_->HasSdlAlone()};
+  Sdl().FilterEvents(KeepOthersEvents, &listener);
   FindBottom();
 }
 

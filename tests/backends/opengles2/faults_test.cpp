@@ -45,7 +45,8 @@ TEST_F(Faults, AtTheStartGiveOneErrorAndLeaveNothingBehind) {
   const struct {
     void (*inject)(SdlCalls& sdl);
     const char* said;
-  } faults[] = {{[](SdlCalls& s) { Refuse(s.InitSubSystem); }, "no video: refused"},
+  } faults[] = {{[](SdlCalls& s) { s.GetErrorMsg = nullptr; }, "no SDL: SDL_GetErrorMsg"},
+                {[](SdlCalls& s) { Refuse(s.InitSubSystem); }, "no video: refused"},
                 {[](SdlCalls& s) { Refuse(s.SetAttribute); }, "no such attribute: refused"},
                 {[](SdlCalls& s) { Refuse(s.LoadLibrary); }, "no library: refused"},
                 {[](SdlCalls& s) { Refuse(s.CreateWindow); }, "no window: refused"},

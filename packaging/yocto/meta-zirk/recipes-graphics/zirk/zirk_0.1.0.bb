@@ -37,6 +37,8 @@ EXTRA_OECMAKE = "\
 "
 
 # Plug-ins have no versions in their names, but are no development files.
+# SDL is opened at run time, so nothing else names it.
+RRECOMMENDS:${PN}-backends = "${@bb.utils.contains('PACKAGECONFIG', 'opengles2', 'libsdl2', '', d)}"
 PACKAGES =+ "${PN}-backends ${PN}-tools"
 FILES:${PN}-backends = "${libdir}/libZIRKImpl*.so"
 FILES:${PN}-tools = "${bindir}/zirkinfo"
