@@ -9,42 +9,9 @@ namespace ZIRK::backends {
 
 namespace {
 
-/// The ID of the event's window; 0 if it has none.
-Uint32 WindowOf(const SDL_Event& event) {
-  switch (event.type) {
-    case SDL_FINGERDOWN:
-    case SDL_FINGERUP:
-    case SDL_FINGERMOTION:
-      return event.tfinger.windowID;
-    case SDL_DROPFILE:
-    case SDL_DROPTEXT:
-    case SDL_DROPBEGIN:
-    case SDL_DROPCOMPLETE:
-      return event.drop.windowID;
-    case SDL_KEYMAPCHANGED:
-      return 0;
-    default: {
-      // All of these events have the window in the same place.
-      const bool hasWindow = event.type == SDL_WINDOWEVENT ||
-                             (event.type >= SDL_KEYDOWN && event.type < SDL_JOYAXISMOTION);
-      return hasWindow ? event.window.windowID : 0;
-    }
-  }
-}
-
-/// What KeepOthersEvents() needs to know.
-struct Listener {
-  Uint32 window;
-  bool alone;  ///< The process has no other user of SDL.
-};
-
-/// Drops the events of the Listener's window: nothing else handles them, and SDL's queue must not
-/// fill up.
-int KeepOthersEvents(void* listener, SDL_Event* event) {
-  const auto& ours = *static_cast<const Listener*>(listener);
-  const Uint32 window = WindowOf(*event);
-  const bool nobodys = window == 0 && ours.alone && event->type < SDL_USEREVENT;
-  if (window != ours.window && !nobodys) return 1;
+/// Drops all events but those that programs define themselves.
+int DropEvent(void*, SDL_Event* event) {
+  if (event->type >= SDL_USEREVENT) return 1;
   // The receiver of these events owns their file name.
   if (event->type == SDL_DROPFILE || event->type == SDL_DROPTEXT) Sdl().Free(event->drop.file);
   return 0;
@@ -87,8 +54,8 @@ void GlWindow::Present(bool vsync) {
   device_->SetSwapInterval(vsync ? 1 : 0);
   Sdl().SwapWindow(target_.window);
   Sdl().PumpEvents();
-  Listener listener = {Sdl().GetWindowID(target_.window), device_->HasSdlAlone()};
-  Sdl().FilterEvents(KeepOthersEvents, &listener);
+  // Nobody else would handle them, and SDL's queue must not fill up.
+  if (device_->HasSdlAlone()) Sdl().FilterEvents(DropEvent, nullptr);
   FindBottom();
 }
 

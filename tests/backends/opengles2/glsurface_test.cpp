@@ -148,17 +148,25 @@ TEST_F(Surfaces, AreHandedToAnotherThreadByFlush) {
   EXPECT_EQ(PixelOf(*bitmap, 1, 1), 0xFF123456u);
 }
 
-TEST_F(Surfaces, DropTheEventsThatAreForNobodyElse) {
-  const ScreenPtr screen = NewScreen(*graphics_, 8, 8);
-  SDL_Event events[3] = {};
-  events[0].type = events[1].type = SDL_FINGERMOTION;
-  events[0].tfinger.windowID = SDL_GetWindowID(SDL_GL_GetCurrentWindow());
-  events[1].tfinger.windowID = ~0u;
-  events[2].type = SDL_CLIPBOARDUPDATE;
-  SDL_PeepEvents(events, 3, SDL_ADDEVENT, SDL_FIRSTEVENT, SDL_LASTEVENT);
-  screen->SwapBuffers();
-  ASSERT_EQ(SDL_PeepEvents(events, 3, SDL_GETEVENT, SDL_FIRSTEVENT, SDL_LASTEVENT), 1);
-  EXPECT_EQ(events[0].tfinger.windowID, ~0u);
+TEST_F(Surfaces, DropTheEventsThatNobodyElseHandles) {
+  for (const bool alone : {true, false}) {
+    graphics_.reset();
+    SDL_InitSubSystem(alone ? 0 : SDL_INIT_EVENTS);
+    graphics_ = NewContext();
+    const ScreenPtr screen = NewScreen(*graphics_, 8, 8);
+    SDL_FlushEvents(SDL_FIRSTEVENT, SDL_LASTEVENT);
+    SDL_Event events[4] = {};
+    const Uint32 types[] = {SDL_MOUSEBUTTONDOWN, SDL_KEYDOWN, SDL_WINDOWEVENT, SDL_USEREVENT};
+    for (int i = 0; i < 4; ++i) {
+      events[i].type = types[i];
+      events[i].window.windowID = SDL_GetWindowID(SDL_GL_GetCurrentWindow());
+    }
+    SDL_PeepEvents(events, 4, SDL_ADDEVENT, SDL_FIRSTEVENT, SDL_LASTEVENT);
+    for (int i = 0; i < 60; ++i) screen->SwapBuffers();
+    EXPECT_EQ(SDL_PeepEvents(events, 4, SDL_GETEVENT, SDL_FIRSTEVENT, SDL_LASTEVENT),
+              alone ? 1 : 4);
+  }
+  SDL_QuitSubSystem(SDL_INIT_EVENTS);
 }
 
 TEST_F(Surfaces, LeaveTheApplicationItsSdl) {
