@@ -19,6 +19,8 @@ std::unique_ptr<FbScreen> FbScreen::Open(std::unique_ptr<MemoryBudget::Reservati
     ZIRK_LOG_WARNING("%s: the screen stays in memory", why.c_str());
   else if (!why.empty())
     ZIRK_LOG_WARNING("%s: the screen is shown through the framebuffer device", why.c_str());
+  else
+    ZIRK_LOG_INFO("screen %d: %s", description.index, device->Description().c_str());
   return std::make_unique<FbScreen>(std::move(reservation), description, std::move(device),
                                     std::move(resolver));
 }

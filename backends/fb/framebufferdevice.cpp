@@ -103,6 +103,11 @@ FramebufferDevice::~FramebufferDevice() {
   io_->Close(fd_);
 }
 
+std::string FramebufferDevice::Description() const {
+  return std::to_string(Width()) + " x " + std::to_string(Height()) + ", " +
+         std::to_string(mode_.bits_per_pixel) + " bits, " + path_;
+}
+
 bool FramebufferDevice::Prepare(const Request& request, std::string& error) {
   if (!ReadMode()) {
     error = Reason("is no framebuffer device");

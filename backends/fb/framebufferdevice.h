@@ -77,6 +77,8 @@ class FramebufferDevice {
   /// Size of the display, in pixels.
   int Width() const { return static_cast<int>(mode_.xres); }
   int Height() const { return static_cast<int>(mode_.yres); }
+  /// For messages: the device, its size and the depth of its pixels.
+  std::string Description() const;
 
   /// Shows what changed since the last call: the part `damage` of a picture whose rows are `pitch`
   /// bytes apart, a multiple of four. Waits for the display's vertical sync, where it has one.

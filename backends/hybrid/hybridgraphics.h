@@ -33,10 +33,13 @@ class HybridGraphics final : public FbGraphics {
   static constexpr int kType = TypeCode(BackendType::Hybrid);
 
   explicit HybridGraphics(const std::shared_ptr<MemoryBudget>& budget);
-  /// Null, for which there is a reason, where there is no OpenGL.
-  std::shared_ptr<TextureCache> FindOpenGl(std::string& reason) const;
+  /// Null where there is no OpenGL, or FB serves display `index` better. `reason` then says why the
+  /// screen is worse than it could be; it is empty where FB's is the best.
+  std::shared_ptr<TextureCache> FindOpenGl(int index, std::string& reason) const;
 
   mutable std::shared_ptr<TextureCache> textures_;  ///< Null as long as there is no OpenGL.
+  /// What OpenGL would draw by, once it was found to serve worse than FB.
+  mutable std::optional<std::string> whyFb_;
 };
 
 }  // namespace ZIRK::backends

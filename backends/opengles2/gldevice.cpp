@@ -17,11 +17,12 @@ std::recursive_mutex mutex;
 GlDevice* device = nullptr;
 bool exiting = false;
 
-// Where Fail() puts its text while a device starts; null for the log.
+// Where Fail() puts its text; null for the log.
 thread_local std::string* refusal = nullptr;
 
-/// Length of a message that is kept while SDL writes others.
-constexpr int kErrorLength = 160;
+/// What Mesa and others call OpenGL that is drawn by the processor.
+constexpr const char* kSoftwareRenderers[] = {"llvmpipe", "softpipe", "swrast",
+                                              "Software Rasterizer", "SwiftShader"};
 
 /// Sets a hint of SDL's, and restores it.
 class TemporaryHint {
@@ -39,15 +40,6 @@ class TemporaryHint {
   std::string before_;
 };
 
-/// Makes Fail() write to `reason` while it exists.
-class Refusal {
- public:
-  explicit Refusal(std::string* reason) { refusal = reason; }
-  ~Refusal() { refusal = nullptr; }
-  Refusal(const Refusal&) = delete;
-  Refusal& operator=(const Refusal&) = delete;
-};
-
 bool DriverIs(const char* name) {
   const char* const driver = Sdl().GetCurrentVideoDriver();
   return driver && std::strcmp(driver, name) == 0;
@@ -55,11 +47,18 @@ bool DriverIs(const char* name) {
 
 }  // namespace
 
-std::shared_ptr<GlDevice> GlDevice::Acquire(std::string* reason) {
+GlRefusal::GlRefusal(std::string& reason) {
+  refusal = &reason;
+}
+
+GlRefusal::~GlRefusal() {
+  refusal = nullptr;
+}
+
+std::shared_ptr<GlDevice> GlDevice::Acquire() {
   const std::lock_guard<std::recursive_mutex> lock(mutex);
   if (device && !device->IsLost())
     if (auto shared = device->weak_from_this().lock()) return shared;
-  const Refusal said(reason);
   if (exiting) {
     Fail("no context", "the process exits");
     return nullptr;
@@ -105,17 +104,34 @@ bool GlDevice::StartVideo() {
   const TemporaryHint signals(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
   const TemporaryHint screenSaver(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "1");
   sdlWasIdle_ = Sdl().WasInit(0) == 0;
-  videoStarted_ = Sdl().InitSubSystem(SDL_INIT_VIDEO) == 0;
-  if (videoStarted_) return true;
-  char why[kErrorLength];
-  Sdl().GetErrorMsg(why, kErrorLength);
   const char* const named = Sdl().GetHint(SDL_HINT_VIDEODRIVER);
-  if (!named || !*named) {
-    // Not every version of SDL tries this by itself.
-    const TemporaryHint driver(SDL_HINT_VIDEODRIVER, "offscreen");
-    videoStarted_ = Sdl().InitSubSystem(SDL_INIT_VIDEO) == 0;
+  driverWasChosen_ = (named && *named) || Sdl().WasInit(SDL_INIT_VIDEO);
+  std::string why;
+  if (driverWasChosen_)
+    StartDriver(why);
+  else
+    StartFirstDriver(why);
+  return videoStarted_ || Fail("no video", why.c_str());
+}
+
+bool GlDevice::StartDriver(std::string& why) {
+  videoStarted_ = Sdl().InitSubSystem(SDL_INIT_VIDEO) == 0;
+  if (!videoStarted_) why += (why.empty() ? "" : ", ") + std::string(Sdl().GetError());
+  return videoStarted_;
+}
+
+/// Tries SDL's drivers in SDL's order. SDL itself would try Wayland where there is none, which its
+/// library reports on the console, and not every version would try the off-screen driver.
+bool GlDevice::StartFirstDriver(std::string& why) {
+  const bool mayHaveWayland = std::getenv("WAYLAND_DISPLAY") || std::getenv("XDG_RUNTIME_DIR");
+  for (int i = 0; i < Sdl().GetNumVideoDrivers(); ++i) {
+    const std::string_view name = Sdl().GetVideoDriver(i);
+    // Nothing is seen or drawn by the last two.
+    if ((name == "wayland" && !mayHaveWayland) || name == "dummy" || name == "evdev") continue;
+    const TemporaryHint driver(SDL_HINT_VIDEODRIVER, name.data());
+    if (StartDriver(why)) return true;
   }
-  return videoStarted_ || Fail("no video", why);
+  return false;
 }
 
 bool GlDevice::HasSdlAlone() const {
@@ -177,6 +193,8 @@ bool GlDevice::StartContext() {
   gl_.LoadExtensions(sdl.GetProcAddress);
   gl_.GetIntegerv(GL_MAX_TEXTURE_SIZE, &maxTextureSize_);
   hasOneChannel_ = DrawsOnOneChannel(gl_);
+  if (const auto* renderer = reinterpret_cast<const char*>(gl_.GetString(GL_RENDERER)))
+    renderer_ = renderer;
   return batch_.Start();
 }
 
@@ -194,9 +212,24 @@ bool GlDevice::OpenHiddenWindow() {
   return hiddenWindow_ != nullptr;
 }
 
+GlDevice::Reach GlDevice::WindowsReach() const {
+  if (DriverIs("offscreen")) return Reach::Nothing;
+  return DriverIs("KMSDRM") ? Reach::Display : Reach::WindowSystem;
+}
+
+bool GlDevice::HasGpu() const {
+  return std::none_of(std::begin(kSoftwareRenderers), std::end(kSoftwareRenderers),
+                      [&](const char* name) { return renderer_.find(name) != std::string::npos; });
+}
+
+std::string GlDevice::Description() const {
+  const char* const driver = Sdl().GetCurrentVideoDriver();
+  return "OpenGL ES 2 by SDL's " + std::string(driver ? driver : "video") + " and " + renderer_;
+}
+
 std::optional<ImageSize> GlDevice::DisplaySize(int index) const {
   // SDL's off-screen driver makes up a display.
-  if (IsLost() || DriverIs("offscreen")) return std::nullopt;
+  if (IsLost() || WindowsReach() == Reach::Nothing) return std::nullopt;
   SDL_DisplayMode mode = {};
   if (Sdl().GetDesktopDisplayMode(index, &mode) != 0 || mode.w <= 0 || mode.h <= 0)
     return std::nullopt;
@@ -218,6 +251,10 @@ SDL_Window* GlDevice::OpenWindow(int width, int height, int display) {
     return nullptr;
   }
   windows_.push_back(window);
+  SDL_DisplayMode mode = {};
+  Sdl().GetDesktopDisplayMode(display, &mode);
+  ZIRK_LOG_INFO("screen %d: %d x %d, %d Hz, %s", display, width, height, mode.refresh_rate,
+                Description().c_str());
   // Only now: without a window system, OpenGL ends with the last window.
   if (hiddenWindow_) Destroy(hiddenWindow_);
   hiddenWindow_ = nullptr;

@@ -14,6 +14,16 @@ namespace ZIRK::backends {
 
 class GlLayers;
 
+/// While it exists, the reason why a device or a window does not open goes into its text instead
+/// of the log, on this thread.
+class GlRefusal {
+ public:
+  explicit GlRefusal(std::string& reason);
+  ~GlRefusal();
+  GlRefusal(const GlRefusal&) = delete;
+  GlRefusal& operator=(const GlRefusal&) = delete;
+};
+
 /// OpenGL as all of this plug-in shares it: one OpenGL context, and the windows that it draws to.
 ///
 /// It lives as long as any graphics context or surface holds it. So surfaces may outlive the
@@ -21,9 +31,8 @@ class GlLayers;
 /// is lost or the process exits, no operation has an effect; surfaces can only be deleted.
 class GlDevice : public std::enable_shared_from_this<GlDevice> {
  public:
-  /// The existing device, or a new one. Null, after one error line, if it does not start; with
-  /// `reason`, the text goes there instead of to the log.
-  static std::shared_ptr<GlDevice> Acquire(std::string* reason = nullptr);
+  /// The existing device, or a new one. Null, after one error line, if it does not start.
+  static std::shared_ptr<GlDevice> Acquire();
   ~GlDevice();
   GlDevice(const GlDevice&) = delete;
   GlDevice& operator=(const GlDevice&) = delete;
@@ -39,6 +48,20 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
   bool IsLost() const { return !context_; }
   /// Whether SDL knows of no other user in the process.
   bool HasSdlAlone() const;
+
+  /// What the windows of SDL's driver are seen on.
+  enum class Reach {
+    Nothing,      ///< They are off-screen.
+    Display,      ///< A display that the process has for itself.
+    WindowSystem  ///< A desktop, which owns the displays.
+  };
+  Reach WindowsReach() const;
+  /// Whether the environment or the application chose SDL's driver.
+  bool IsDriverChosen() const { return driverWasChosen_; }
+  /// Whether a GPU draws; else the processor does.
+  bool HasGpu() const;
+  /// For messages: SDL's driver, and the name that OpenGL gives its renderer.
+  std::string Description() const;
 
   /// The size of display `index`; nullopt if there is no such display.
   std::optional<ImageSize> DisplaySize(int index) const;
@@ -70,6 +93,8 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
 
   bool Start();
   bool StartVideo();
+  bool StartDriver(std::string& why);
+  bool StartFirstDriver(std::string& why);
   bool SetAttributes();
   SDL_GLContext CreateContext();
   bool StartContext();
@@ -89,11 +114,13 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
   std::vector<SDL_Window*> windows_;
   std::weak_ptr<GlLayers> layers_;
   bool sdlWasIdle_ = false;
+  bool driverWasChosen_ = false;
   bool videoStarted_ = false;
   bool libraryLoaded_ = false;
   bool loaded_ = false;  ///< The functions can be called.
   int maxTextureSize_ = 0;
   bool hasOneChannel_ = false;
+  std::string renderer_;
   /// The window whose interval was set last, the interval asked for, and what SDL then reported.
   struct {
     SDL_Window* window = nullptr;

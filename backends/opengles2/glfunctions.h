@@ -101,7 +101,6 @@ struct SdlCalls {
   X(GetHint, SDL_GetHint)                             \
   X(SetHint, SDL_SetHint)                             \
   X(GetError, SDL_GetError)                           \
-  X(GetErrorMsg, SDL_GetErrorMsg)                     \
   X(Free, SDL_free)                                   \
   X(GetNumVideoDrivers, SDL_GetNumVideoDrivers)       \
   X(GetVideoDriver, SDL_GetVideoDriver)               \
@@ -110,7 +109,6 @@ struct SdlCalls {
   X(GetDesktopDisplayMode, SDL_GetDesktopDisplayMode) \
   X(CreateWindow, SDL_CreateWindow)                   \
   X(DestroyWindow, SDL_DestroyWindow)                 \
-  X(GetWindowID, SDL_GetWindowID)                     \
   X(PumpEvents, SDL_PumpEvents)                       \
   X(FilterEvents, SDL_FilterEvents)                   \
   X(LoadLibrary, SDL_GL_LoadLibrary)                  \

@@ -45,7 +45,7 @@ TEST_F(Faults, AtTheStartGiveOneErrorAndLeaveNothingBehind) {
   const struct {
     void (*inject)(SdlCalls& sdl);
     const char* said;
-  } faults[] = {{[](SdlCalls& s) { s.GetErrorMsg = nullptr; }, "no SDL: SDL_GetErrorMsg"},
+  } faults[] = {{[](SdlCalls& s) { s.Free = nullptr; }, "no SDL: SDL_free"},
                 {[](SdlCalls& s) { Refuse(s.InitSubSystem); }, "no video: refused"},
                 {[](SdlCalls& s) { Refuse(s.SetAttribute); }, "no such attribute: refused"},
                 {[](SdlCalls& s) { Refuse(s.LoadLibrary); }, "no library: refused"},
