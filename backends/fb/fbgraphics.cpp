@@ -2,8 +2,8 @@
 
 #include <utility>
 
+#include "fb/displaydevice.h"
 #include "fb/fbscreen.h"
-#include "fb/framebufferdevice.h"
 #include "surface/ownsurface.h"
 
 namespace ZIRK::backends {
@@ -37,9 +37,7 @@ FbGraphics::FbGraphics(std::shared_ptr<MemoryBudget> budget,
 
 std::optional<ImageSize> FbGraphics::DeviceSize(int index) const {
   // A missing device is reported when the screen is made.
-  const auto size = FramebufferDevice::SizeOf(FramebufferDevice::PathOf(index));
-  if (!size) return std::nullopt;
-  return ImageSize{size->width, size->height};
+  return DisplayDevice::SizeOf(index);
 }
 
 std::unique_ptr<VuScreenImpl> FbGraphics::MakeScreen(Reservation reservation,

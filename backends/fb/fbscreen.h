@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "fb/framebufferdevice.h"
+#include "fb/displaydevice.h"
 #include "software/softwarerenderer.h"
 #include "surface/presenter.h"
 #include "surface/surface.h"
@@ -25,7 +25,7 @@ class FbScreen final : public Surface<VuScreenImpl, SoftwareRenderer>, private P
 
   /// `device` is null if the picture stays in memory.
   FbScreen(std::unique_ptr<MemoryBudget::Reservation> reservation,
-           const VuScreenDescription& description, std::unique_ptr<FramebufferDevice> device,
+           const VuScreenDescription& description, std::unique_ptr<DisplayDevice> device,
            std::shared_ptr<PixelSourceResolver> resolver);
 
   void SwapBuffers() override { Swap(); }
@@ -35,7 +35,7 @@ class FbScreen final : public Surface<VuScreenImpl, SoftwareRenderer>, private P
  private:
   void Present() override;
 
-  const std::unique_ptr<FramebufferDevice> device_;
+  const std::unique_ptr<DisplayDevice> device_;
 };
 
 }  // namespace ZIRK::backends

@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <utility>
 
@@ -36,10 +35,6 @@ class SystemIo : public FramebufferIo {
   void Unmap(void* memory, size_t length) override { munmap(memory, length); }
 };
 
-int64_t Area(const Box& box) {
-  return box.IsEmpty() ? 0 : int64_t{box.Width()} * box.Height();
-}
-
 fb_bitfield Bits(unsigned offset, unsigned length) {
   fb_bitfield field{};
   field.offset = offset;
@@ -64,12 +59,11 @@ std::shared_ptr<FramebufferIo> SystemFramebufferIo() {
 }
 
 std::string FramebufferDevice::PathOf(int display) {
-  const char* const path = std::getenv("ZIRK_FB_DEVICE");
-  return path && *path ? path : "/dev/fb" + std::to_string(display);
+  return "/dev/fb" + std::to_string(display);
 }
 
-std::optional<FramebufferDevice::Size> FramebufferDevice::SizeOf(
-    const std::string& path, std::shared_ptr<FramebufferIo> io) {
+std::optional<ImageSize> FramebufferDevice::SizeOf(const std::string& path,
+                                                   std::shared_ptr<FramebufferIo> io) {
   const int fd = io->Open(path.c_str());
   if (fd < 0) return std::nullopt;
   fb_var_screeninfo mode{};
@@ -77,7 +71,7 @@ std::optional<FramebufferDevice::Size> FramebufferDevice::SizeOf(
   io->Close(fd);
   const auto valid = [](uint32_t side) { return side > 0 && side <= kMaxSide; };
   if (!known || !valid(mode.xres) || !valid(mode.yres)) return std::nullopt;
-  return Size{static_cast<int>(mode.xres), static_cast<int>(mode.yres)};
+  return ImageSize{static_cast<int>(mode.xres), static_cast<int>(mode.yres)};
 }
 
 std::unique_ptr<FramebufferDevice> FramebufferDevice::Open(const std::string& path,
@@ -104,7 +98,7 @@ FramebufferDevice::~FramebufferDevice() {
 }
 
 std::string FramebufferDevice::Description() const {
-  return std::to_string(Width()) + " x " + std::to_string(Height()) + ", " +
+  return std::to_string(mode_.xres) + " x " + std::to_string(mode_.yres) + ", " +
          std::to_string(mode_.bits_per_pixel) + " bits, " + path_;
 }
 
@@ -118,7 +112,9 @@ bool FramebufferDevice::Prepare(const Request& request, std::string& error) {
     error = path_ + ": has no true-colour mode of 32 or 16 bits";
     return false;
   }
-  if (!TrySize(request.width, request.height)) {
+  const bool sideways = IsSideways(request.rotation);
+  if (!TrySize(sideways ? request.height : request.width,
+               sideways ? request.width : request.height)) {
     error = Reason("does not go back to its mode");
     return false;
   }
@@ -126,7 +122,8 @@ bool FramebufferDevice::Prepare(const Request& request, std::string& error) {
     error = Reason("cannot map its memory");
     return false;
   }
-  converter_.emplace(*layout_, Width());
+  copier_.emplace(*layout_, static_cast<int>(mode_.xres), static_cast<int>(mode_.yres),
+                  request.rotation);
   SetUpPages(request.doubleBuffer);
   vsync_.emplace(io_, path_);
   return true;
@@ -164,7 +161,7 @@ bool FramebufferDevice::FindTrueColour() {
 /// False if a refused size has left the device without a mode that can be drawn to.
 bool FramebufferDevice::TrySize(int width, int height) {
   if (width <= 0 || height <= 0 || width > kMaxSide || height > kMaxSide) return true;
-  if (width == Width() && height == Height()) return true;
+  if (width == static_cast<int>(mode_.xres) && height == static_cast<int>(mode_.yres)) return true;
   const fb_var_screeninfo before = mode_;
   fb_var_screeninfo asked = mode_;
   asked.xres = static_cast<uint32_t>(width);
@@ -221,8 +218,7 @@ void FramebufferDevice::SetUpPages(bool wanted) {
   const unsigned firstRow = twoPages_ ? 0 : mode_.yoffset;
   const unsigned rows = twoPages_ ? 2 * mode_.yres : mode_.yres;
   const size_t rowBytes = size_t{mode_.xres} * layout_->BytesPerPixel();
-  uint8_t* row = memory_ + size_t{firstRow} * fixed_.line_length +
-                 size_t{mode_.xoffset} * layout_->BytesPerPixel();
+  uint8_t* row = PixelsFrom(firstRow);
   for (unsigned y = 0; y < rows; ++y, row += fixed_.line_length) std::memset(row, 0, rowBytes);
 }
 
@@ -240,47 +236,35 @@ bool FramebufferDevice::ShowPage(unsigned page) {
 // --- Frames -------------------------------------------------------------------------------------
 
 void FramebufferDevice::Present(const uint8_t* pixels, int pitch, VuPixelFormat format,
-                                VuRect damage) {
-  const Box box = Intersection(ToBox(damage), {0, 0, Width(), Height()});
+                                const Box& damage) {
+  const Box box = Intersection(damage, {0, 0, Width(), Height()});
   if (box.IsEmpty()) return vsync_->Wait();
-  const Box seen = Union(box, lastDamage_);
-  if (!converter_->SetSource(pixels, pitch, format, seen.x1, seen.y1)) {
+  if (!copier_->SetSource(pixels, pitch, format, box)) {
     ZIRK_LOG_ERROR("%s: cannot show pixels of format %d", path_.c_str(), static_cast<int>(format));
     return;
   }
   if (twoPages_) return Flip(box);
   vsync_->Wait();
-  Copy(box, mode_.yoffset);
+  copier_->Copy(box, PixelsFrom(mode_.yoffset), fixed_.line_length);
 }
 
 /// Brings the page that is not shown up to date, and shows it.
 void FramebufferDevice::Flip(const Box& damage) {
   const unsigned page = 1 - shownPage_;
-  const unsigned firstRow = page * mode_.yres;
-  const Box both = Union(damage, lastDamage_);
-  if (Area(both) <= Area(damage) + Area(lastDamage_)) {
-    Copy(both, firstRow);
-  } else {
-    Copy(lastDamage_, firstRow);
-    Copy(damage, firstRow);
-  }
-  lastDamage_ = damage;
+  copier_->CopyToHidden(damage, PixelsFrom(page * mode_.yres), fixed_.line_length);
   if (ShowPage(page)) return vsync_->Wait();
 
   // The page that goes on being shown lacks this frame's changes only.
   ZIRK_LOG_WARNING("%s", Reason("does not show its second page: drawing to one").c_str());
   twoPages_ = false;
-  lastDamage_ = {};
-  Copy(damage, mode_.yoffset);
+  copier_->ForgetHidden();
+  copier_->Copy(damage, PixelsFrom(mode_.yoffset), fixed_.line_length);
 }
 
-void FramebufferDevice::Copy(const Box& box, unsigned firstRow) {
-  const size_t pixelBytes = layout_->BytesPerPixel();
-  const size_t bytes = static_cast<size_t>(box.Width()) * pixelBytes;
-  uint8_t* to = memory_ + (size_t{firstRow} + static_cast<size_t>(box.y0)) * fixed_.line_length +
-                (size_t{mode_.xoffset} + static_cast<size_t>(box.x0)) * pixelBytes;
-  for (int y = box.y0; y < box.y1; ++y, to += fixed_.line_length)
-    std::memcpy(to, converter_->Row(box.x0, y, box.Width()), bytes);
+/// The display's first pixel, where its first row is row `firstRow` of the virtual screen.
+uint8_t* FramebufferDevice::PixelsFrom(unsigned firstRow) const {
+  return memory_ + size_t{firstRow} * fixed_.line_length +
+         size_t{mode_.xoffset} * layout_->BytesPerPixel();
 }
 
 }  // namespace ZIRK::backends

@@ -1,8 +1,6 @@
 #pragma once
 
 #include <linux/fb.h>
-#include <zirk/vuenums.h>
-#include <zirk/vurect.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -10,9 +8,8 @@
 #include <optional>
 #include <string>
 
-#include "fb/rowconverter.h"
+#include "fb/displaydevice.h"
 #include "fb/vsyncwait.h"
-#include "geometry/box.h"
 
 namespace ZIRK::backends {
 
@@ -36,32 +33,14 @@ class FramebufferIo {
 std::shared_ptr<FramebufferIo> SystemFramebufferIo();
 
 /// A display that the kernel offers as a framebuffer device, in one of its true-colour modes.
-///
-/// The device's memory is written and never read. A picture that is larger or smaller than the
-/// display is shown from the top-left corner. The destructor restores the mode that the device had.
-class FramebufferDevice {
+class FramebufferDevice final : public DisplayDevice {
  public:
-  /// Pixels.
-  struct Size {
-    int width;
-    int height;
-  };
-
-  /// What Open() asks the driver for.
-  struct Request {
-    int width = 0;  ///< Pixels; the device's own size if either side is zero or less.
-    int height = 0;
-    /// Two pages, if the device has the memory for them and can show either.
-    bool doubleBuffer = false;
-  };
-
-  /// "/dev/fb0" for display 0 and so on; the device that the environment variable `ZIRK_FB_DEVICE`
-  /// names if it is set.
+  /// "/dev/fb0" for display 0 and so on.
   static std::string PathOf(int display);
 
   /// The display's present size; nullopt if there is no such device.
-  static std::optional<Size> SizeOf(const std::string& path,
-                                    std::shared_ptr<FramebufferIo> io = SystemFramebufferIo());
+  static std::optional<ImageSize> SizeOf(const std::string& path,
+                                         std::shared_ptr<FramebufferIo> io = SystemFramebufferIo());
 
   /// Opens the device in `path` and fills its memory with black. Width() and Height() give the size
   /// that the driver grants. Null, with the reason in `error`, if there is no such device or it has
@@ -70,19 +49,14 @@ class FramebufferDevice {
       const std::string& path, const Request& request, std::string& error,
       std::shared_ptr<FramebufferIo> io = SystemFramebufferIo());
 
-  ~FramebufferDevice();
+  ~FramebufferDevice() override;
   FramebufferDevice(const FramebufferDevice&) = delete;
   FramebufferDevice& operator=(const FramebufferDevice&) = delete;
 
-  /// Size of the display, in pixels.
-  int Width() const { return static_cast<int>(mode_.xres); }
-  int Height() const { return static_cast<int>(mode_.yres); }
-  /// For messages: the device, its size and the depth of its pixels.
-  std::string Description() const;
-
-  /// Shows what changed since the last call: the part `damage` of a picture whose rows are `pitch`
-  /// bytes apart, a multiple of four. Waits for the display's vertical sync, where it has one.
-  void Present(const uint8_t* pixels, int pitch, VuPixelFormat format, VuRect damage);
+  int Width() const override { return copier_->Width(); }
+  int Height() const override { return copier_->Height(); }
+  void Present(const uint8_t* pixels, int pitch, VuPixelFormat format, const Box& damage) override;
+  std::string Description() const override;
 
  private:
   FramebufferDevice(std::string path, std::shared_ptr<FramebufferIo> io, int fd);
@@ -99,7 +73,7 @@ class FramebufferDevice {
   void Restore();
 
   void Flip(const Box& damage);
-  void Copy(const Box& box, unsigned firstRow);
+  uint8_t* PixelsFrom(unsigned firstRow) const;
   std::string Reason(const char* what) const;
 
   const std::string path_;
@@ -117,12 +91,11 @@ class FramebufferDevice {
   size_t mappedBytes_ = 0;
   uint8_t* memory_ = nullptr;  ///< The first pixel of the virtual screen, inside the mapping.
 
-  std::optional<RowConverter> converter_;
+  std::optional<ScanoutCopier> copier_;
   std::optional<VsyncWait> vsync_;
 
   bool twoPages_ = false;
   unsigned shownPage_ = 0;
-  Box lastDamage_;  ///< The part of the hidden page that is older than the shown one.
 };
 
 }  // namespace ZIRK::backends

@@ -113,11 +113,20 @@ std::optional<DeviceLayout> LayoutOf(const fb_var_screeninfo& mode,
   return layout;
 }
 
-RowConverter::RowConverter(const DeviceLayout& layout, int width)
-    : layout_(layout), line_(static_cast<size_t>(width)) {
+DeviceLayout LayoutOf(pixman_format_code_t format) {
+  const auto* const known =
+      std::find_if(std::begin(kKnownLayouts), std::end(kKnownLayouts),
+                   [&](const KnownLayout& layout) { return layout.format == format; });
+  return {known->bitsPerPixel, known->red, known->green, known->blue, known->alpha, format};
+}
+
+RowConverter::RowConverter(const DeviceLayout& layout, int width, int rows)
+    : layout_(layout),
+      width_(width),
+      converted_(static_cast<size_t>(width) * static_cast<size_t>(rows)) {
   // What Pixman cannot write is packed from 32-bit pixels.
-  lineImage_.reset(pixman_image_create_bits_no_clear(layout.format.value_or(PIXMAN_a8r8g8b8), width,
-                                                     1, line_.data(), width * 4));
+  convertedImage_.reset(pixman_image_create_bits_no_clear(
+      layout.format.value_or(PIXMAN_a8r8g8b8), width, rows, converted_.data(), width * 4));
   const pixman_color_t white = {0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF};
   white_.reset(pixman_image_create_solid_fill(&white));
 }
@@ -135,27 +144,31 @@ bool RowConverter::SetSource(const uint8_t* pixels, int pitch, VuPixelFormat for
   void* const bits = const_cast<uint8_t*>(pixels);
   source_.reset(pixman_image_create_bits_no_clear(sourceFormat, width, height,
                                                   static_cast<uint32_t*>(bits), pitch));
-  return lineImage_ && white_ && source_;
+  return convertedImage_ && white_ && source_;
 }
 
-const uint8_t* RowConverter::Row(int x, int y, int count) {
-  if (sameLayout_) return pixels_ + int64_t{y} * pitch_ + int64_t{x} * layout_.BytesPerPixel();
+RowConverter::Block RowConverter::Convert(int x, int y, int columns, int rows) {
+  if (sameLayout_)
+    return {pixels_ + int64_t{y} * pitch_ + int64_t{x} * layout_.BytesPerPixel(),
+            static_cast<size_t>(pitch_)};
   pixman_image_t* const color = isCoverage_ ? white_.get() : source_.get();
   pixman_image_t* const mask = isCoverage_ ? source_.get() : nullptr;
-  pixman_image_composite32(PIXMAN_OP_SRC, color, mask, lineImage_.get(), x, y, x, y, 0, 0, count,
-                           1);
-  if (!layout_.format) Pack(count);
-  return reinterpret_cast<const uint8_t*>(line_.data());
+  pixman_image_composite32(PIXMAN_OP_SRC, color, mask, convertedImage_.get(), x, y, x, y, 0, 0,
+                           columns, rows);
+  if (!layout_.format)
+    for (int row = 0; row < rows; ++row)
+      Pack(&converted_[static_cast<size_t>(row * width_)], columns);
+  return {reinterpret_cast<const uint8_t*>(converted_.data()), static_cast<size_t>(width_) * 4};
 }
 
-void RowConverter::Pack(int count) {
+void RowConverter::Pack(uint32_t* row, int count) const {
   // A packed pixel is no longer than the one it is made of: the row is rewritten in place.
-  auto* const packed = reinterpret_cast<uint8_t*>(line_.data());
+  auto* const packed = reinterpret_cast<uint8_t*>(row);
   const size_t bytes = layout_.BytesPerPixel();
-  for (size_t i = 0; i < static_cast<size_t>(count); ++i) {
-    const uint32_t word = layout_.Pack(line_[i]);
+  for (int i = 0; i < count; ++i) {
+    const uint32_t word = layout_.Pack(row[i]);
     if (bytes == 4) {
-      line_[i] = word;
+      row[i] = word;
     } else {
       const auto half = static_cast<uint16_t>(word);
       std::memcpy(packed + 2 * i, &half, sizeof half);

@@ -32,22 +32,30 @@ struct DeviceLayout {
 /// The layout of a mode in true colour; nullopt for any other mode.
 std::optional<DeviceLayout> LayoutOf(const fb_var_screeninfo& mode, const fb_fix_screeninfo& fixed);
 
+/// The layout that Pixman calls `format`, one of those that devices have.
+DeviceLayout LayoutOf(pixman_format_code_t format);
+
 /// Converts the rows of a surface to a device's layout, in cached memory.
 ///
 /// The colours are those of the premultiplied pixels, that is, over black. Alpha is kept if both
 /// the surface and the device have it; otherwise the device's alpha is opaque.
 class RowConverter {
  public:
-  /// For rows of at most `width` pixels.
-  RowConverter(const DeviceLayout& layout, int width);
+  /// For at most `rows` rows of `width` pixels at once.
+  RowConverter(const DeviceLayout& layout, int width, int rows = 1);
 
-  /// Sets the pixels that Row() reads: `width` x `height`, rows `pitch` bytes apart (a multiple of
-  /// four). False if the format does not exist or memory runs out.
+  /// Converted pixels, rows `pitch` bytes apart.
+  struct Block {
+    const uint8_t* pixels;
+    size_t pitch;
+  };
+
+  /// Sets the pixels that Convert() reads: `width` x `height`, rows `pitch` bytes apart (a multiple
+  /// of four). False if the format does not exist or memory runs out.
   bool SetSource(const uint8_t* pixels, int pitch, VuPixelFormat format, int width, int height);
 
-  /// `count` converted pixels of row `y`, starting at `x`, valid until the next call. Points into
-  /// the source if the layouts agree.
-  const uint8_t* Row(int x, int y, int count);
+  /// The pixels from (x, y) on, valid until the next call; the source's own if the layouts agree.
+  Block Convert(int x, int y, int columns, int rows = 1);
 
  private:
   struct Unref {
@@ -55,12 +63,13 @@ class RowConverter {
   };
   using Image = std::unique_ptr<pixman_image_t, Unref>;
 
-  void Pack(int count);
+  void Pack(uint32_t* row, int count) const;
 
   const DeviceLayout layout_;
-  std::vector<uint32_t> line_;  ///< The converted row.
-  Image lineImage_;             ///< `line_` for Pixman.
-  Image white_;                 ///< The colour of A8 pixels.
+  const int width_;
+  std::vector<uint32_t> converted_;
+  Image convertedImage_;  ///< `converted_` for Pixman.
+  Image white_;           ///< The colour of A8 pixels.
 
   const uint8_t* pixels_ = nullptr;
   int pitch_ = 0;

@@ -30,23 +30,29 @@ class HybridSourceResolver final : public FbSourceResolver {
   }
 };
 
-bool FbReaches(int index) {
-  return FramebufferDevice::SizeOf(FramebufferDevice::PathOf(index)).has_value();
+/// Where a screen shows more by OpenGL than by FB.
+enum class GlUse { Always, WhereFbHasNoDisplay, Never };
+
+/// What draws by the processor is far slower than FB, and what is off-screen is not seen.
+GlUse UseOf(const GlDevice& device) {
+  if (device.IsDriverChosen() || device.WindowsReach() == GlDevice::Reach::WindowSystem)
+    return GlUse::Always;
+  const bool hasDisplay = device.WindowsReach() == GlDevice::Reach::Display;
+  if (hasDisplay && device.HasGpu()) return GlUse::Always;
+  return hasDisplay || device.HasGpu() ? GlUse::WhereFbHasNoDisplay : GlUse::Never;
 }
 
-/// Whether a screen shows more by OpenGL than by FB. What draws by the processor is far slower
-/// than FB, and is worth it only where FB cannot reach the display.
-bool ShowsMore(const GlDevice& device, int index) {
-  if (device.IsDriverChosen()) return true;
-  switch (device.WindowsReach()) {
-    case GlDevice::Reach::WindowSystem:
-      return true;
-    case GlDevice::Reach::Display:
-      return device.HasGpu() || !FbReaches(index);
-    case GlDevice::Reach::Nothing:
-      return device.HasGpu() && !FbReaches(index);
-  }
-  return true;
+/// OpenGL, unless FB shows more on display `index`; then `whyFb` says what OpenGL would draw by.
+std::shared_ptr<GlDevice> AcquireUseful(int index, std::optional<std::string>& whyFb) {
+  auto device = GlDevice::Acquire();
+  const GlUse use = device ? UseOf(*device) : GlUse::Always;
+  if (use == GlUse::Always) return device;
+  whyFb = device->Description();
+  // While SDL has a display, FB cannot have it.
+  device.reset();
+  if (use == GlUse::Never || DisplayDevice::SizeOf(index)) return nullptr;
+  whyFb.reset();
+  return GlDevice::Acquire();
 }
 
 }  // namespace
@@ -62,16 +68,13 @@ std::shared_ptr<TextureCache> HybridGraphics::FindOpenGl(int index, std::string&
   textures_ = nullptr;
   if (!whyFb_) {
     const GlRefusal refusal(reason);
-    auto device = GlDevice::Acquire();
-    if (device && ShowsMore(*device, index))
+    if (auto device = AcquireUseful(index, whyFb_))
       textures_ = std::make_shared<TextureCache>(std::move(device), SourceResolver());
-    else if (device)
-      whyFb_ = device->Description();
-    else if (reason.empty())
+    else if (!whyFb_ && reason.empty())
       reason = "OpenGL ES 2 does not start";
   }
   // A display is the best that FB can offer.
-  if (whyFb_ && !FbReaches(index)) reason = *whyFb_ + " is off-screen";
+  if (whyFb_ && !DisplayDevice::SizeOf(index)) reason = *whyFb_ + " is off-screen";
   return textures_;
 }
 

@@ -130,7 +130,7 @@ struct Picture {
       for (uint8_t* byte = At(r.x, y); byte != At(r.x + r.width, y); ++byte)
         *byte = static_cast<uint8_t>(random());
   }
-  void ShowOn(FramebufferDevice& device, const VuRect& damage = {0, 0, 64, 16}) const {
+  void ShowOn(DisplayDevice& device, const Box& damage = {0, 0, 64, 16}) const {
     device.Present(bytes.data(), pitch, format, damage);
   }
   void ExpectOn(const FakeFramebuffer& io) {
@@ -194,14 +194,14 @@ TEST(FramebufferDevice, ShowsEveryFormatInEveryLayout) {
 
 TEST(FramebufferDevice, WritesTheDamageOnlyWhereTheDisplayLooks) {
   const struct {
-    VuRect damage;
+    Box damage;
     Box changed;
-  } cases[] = {{{2, 1, 3, 2}, {2, 1, 5, 3}},
-               {{-5, -5, 8, 7}, {0, 0, 3, 2}},
-               {{6, 2, 100, 100}, {6, 2, 8, 4}},
+  } cases[] = {{{2, 1, 5, 3}, {2, 1, 5, 3}},
+               {{-5, -5, 3, 2}, {0, 0, 3, 2}},
+               {{6, 2, 106, 102}, {6, 2, 8, 4}},
                {{0, 0, INT32_MAX, INT32_MAX}, {0, 0, 8, 4}},
-               {{8, 0, 2, 2}, {}},
-               {{3, 3, -1, 1}, {}}};
+               {{8, 0, 10, 2}, {}},
+               {{3, 3, 2, 4}, {}}};
   for (const auto& c : cases) {
     const auto io = Fake(8, 4, 7);
     io->mode.xres_virtual = 11;
@@ -214,7 +214,7 @@ TEST(FramebufferDevice, WritesTheDamageOnlyWhereTheDisplayLooks) {
       for (int x = -1; x < 10; ++x) {
         const uint32_t inside = c.changed.Contains(x, y) ? picture.Pixel(x, y) : 0;
         ASSERT_EQ(io->Shown(x, y), Box({0, 0, 8, 4}).Contains(x, y) ? inside : 0xEEEEEEEE)
-            << c.damage.x << ": " << x << ", " << y;
+            << c.damage.x0 << ": " << x << ", " << y;
       }
   }
 }
@@ -222,7 +222,7 @@ TEST(FramebufferDevice, WritesTheDamageOnlyWhereTheDisplayLooks) {
 TEST(FramebufferDevice, SaysWhyThereIsNone) {
   setenv("ZIRK_FB_DEVICE", "/dev/null", 1);
   std::string error;
-  EXPECT_FALSE(FramebufferDevice::Open(FramebufferDevice::PathOf(2), {}, error));
+  EXPECT_FALSE(DisplayDevice::Open(2, {}, error));
   EXPECT_EQ(error, "/dev/null: is no framebuffer device: Inappropriate ioctl for device");
   unsetenv("ZIRK_FB_DEVICE");
   EXPECT_EQ(FramebufferDevice::PathOf(2), "/dev/fb2");
@@ -308,7 +308,7 @@ TEST(FramebufferDevice, BringsThePageItShowsUpToDateAndRestoresTheOffset) {
     const std::string log = helpers::LoggedAt(4, [&] {
       for (const VuRect& damage : damages) {
         picture.Change(damage);
-        picture.ShowOn(*device, damage);
+        picture.ShowOn(*device, ToBox(damage));
         picture.ExpectOn(*io);
       }
     });
