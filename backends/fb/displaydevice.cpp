@@ -1,11 +1,17 @@
 #include "fb/displaydevice.h"
 
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <zirk/impl/log.h>
 
 #include <cstdlib>
 #include <utility>
+#include <vector>
 
 #include "fb/framebufferdevice.h"
+#ifdef ZIRK_HAVE_KMS
+#include "fb/kmsdisplay.h"
+#endif
 
 namespace ZIRK::backends {
 
@@ -26,6 +32,61 @@ std::optional<Rotation> RotationAsked() {
   return std::nullopt;
 }
 
+#ifdef ZIRK_HAVE_KMS
+
+/// A display of a card; its card is null if there is none.
+struct Plugged {
+  std::shared_ptr<KmsCard> card;
+  DrmConnector connector;
+};
+
+enum class Purpose { Show, Measure };
+
+/// The kernel's number for graphics cards.
+constexpr unsigned kCardMajor = 226;
+
+bool IsCard(const std::string& path) {
+  struct stat status = {};
+  return stat(path.c_str(), &status) == 0 && S_ISCHR(status.st_mode) &&
+         major(status.st_rdev) == kCardMajor;
+}
+
+/// The cards to look for displays on.
+std::vector<std::string> Cards(const std::string& named) {
+  if (!named.empty()) return {named};
+  std::vector<std::string> paths;
+  for (int number = 0; number < DRM_MAX_MINOR; ++number) {
+    const std::string path = DRM_DIR_NAME "/card" + std::to_string(number);
+    if (IsCard(path)) paths.push_back(path);
+  }
+  return paths;
+}
+
+/// Display `index` of those on all cards, or of the one that is named. `error` is set if another
+/// program has a card, or the one that is named does not have the display.
+Plugged FindPlugged(int index, const std::string& named, Purpose purpose, std::string& error) {
+  for (const std::string& path : Cards(named)) {
+    std::string why;
+    bool isTaken = false;
+    const auto card = KmsCard::Acquire(path, why, isTaken);
+    if (isTaken || !named.empty()) error = why;
+    if (!card) continue;
+    // Finding what is plugged in takes a while.
+    if (purpose == Purpose::Measure) card->Yield();
+    auto connectors = card->Connectors();
+    const int count = static_cast<int>(connectors.size());
+    if (index < count) {
+      error.clear();
+      return {card, std::move(connectors[static_cast<size_t>(index)])};
+    }
+    index -= count;
+  }
+  if (!named.empty() && error.empty()) error = named + ": no such display is plugged in";
+  return {};
+}
+
+#endif
+
 }  // namespace
 
 std::unique_ptr<DisplayDevice> DisplayDevice::Open(int index, Request request, std::string& error) {
@@ -33,6 +94,13 @@ std::unique_ptr<DisplayDevice> DisplayDevice::Open(int index, Request request, s
   if (!rotation) ZIRK_LOG_WARNING("ZIRK_FB_ROTATE has to be 0, 90, 180 or 270");
   request.rotation = rotation.value_or(Rotation::None);
   const std::string named = Environment("ZIRK_FB_DEVICE");
+#ifdef ZIRK_HAVE_KMS
+  if (named.empty() || IsCard(named)) {
+    const Plugged display = FindPlugged(index, named, Purpose::Show, error);
+    if (display.card) return KmsDisplay::Open(display.card, *display.connector, request, error);
+    if (!error.empty()) return nullptr;
+  }
+#endif
   return FramebufferDevice::Open(named.empty() ? FramebufferDevice::PathOf(index) : named, request,
                                  error);
 }
@@ -41,9 +109,16 @@ std::optional<ImageSize> DisplayDevice::SizeOf(int index) {
   const std::string named = Environment("ZIRK_FB_DEVICE");
   std::optional<ImageSize> size;
   std::string error;
+#ifdef ZIRK_HAVE_KMS
+  if (named.empty() || IsCard(named)) {
+    const Plugged display = FindPlugged(index, named, Purpose::Measure, error);
+    if (display.card) size = KmsDisplay::SizeOf(*display.connector);
+  }
+#endif
   if (!size && error.empty())
     size = FramebufferDevice::SizeOf(named.empty() ? FramebufferDevice::PathOf(index) : named);
-  if (size && IsSideways(RotationAsked().value_or(Rotation::None))) std::swap(size->width, size->height);
+  if (size && IsSideways(RotationAsked().value_or(Rotation::None)))
+    std::swap(size->width, size->height);
   return size;
 }
 
