@@ -26,8 +26,10 @@ class DeviceTest:
     size: tuple = SIZE  # While the console has the display.
     mode: str = ""  # Set before: width, height, bits and pages; where empty, as the machine starts.
     shown_at: str = ""  # What the mode says while the picture is shown, where that matters.
+    shown_on: str = ""  # The device that is open while the picture is shown, where that matters.
     worst: int = 0  # The largest difference of a channel allowed, and the largest mean.
     mean: float = 0.0
+    turned: int = 0  # By how many degrees, clockwise.
     keeps_colours: bool = True  # Whether the console has its own colours again afterwards.
 
 
@@ -40,7 +42,14 @@ OPENGL = {"worst": 8, "mean": 0.6}
 DIRECTFB = "DFBARGS=system=fbdev,no-vt,disable-module=omap"
 
 TESTS = [
-    DeviceTest("virtio", "FB"),
+    # The kernel's display by KMS, as FB finds it, turned for an upright panel, and by fbdev.
+    DeviceTest("virtio", "FB", shown_on="/dev/dri/card0"),
+    DeviceTest("virtio", "FB", "ZIRK_FB_ROTATE=90", size=(720, 1280), turned=90),
+    DeviceTest("virtio", "FB", "ZIRK_FB_DEVICE=/dev/fb0", shown_on="/dev/fb0"),
+    # SDL would draw by the processor here.
+    DeviceTest("virtio", "Hybrid", shown_on="/dev/dri/card0"),
+    DeviceTest("pc", "FB", shown_on="/dev/dri/card0"),
+    DeviceTest("cirrus", "FB", size=(1024, 768), shown_on="/dev/dri/card0", **RGB565),
     # In a mode of its own, the next larger one.
     DeviceTest("virtio", "OpenGLES2", "SDL_VIDEODRIVER=KMSDRM", size=(1024, 768), **OPENGL),
     DeviceTest("virtio", "Hybrid", "SDL_VIDEODRIVER=KMSDRM", **OPENGL),
@@ -75,8 +84,9 @@ def console(machine, test):
 
 def compare(seen, test):
     with Image.open(PROJECT / "docs/showcase.png") as golden:
+        golden = golden.convert("RGB").rotate(-test.turned, expand=True)
         common = (0, 0, min(golden.width, seen.width), min(golden.height, seen.height))
-        difference = ImageChops.difference(golden.convert("RGB").crop(common), seen.crop(common))
+        difference = ImageChops.difference(golden.crop(common), seen.crop(common))
     worst = max(high for _, high in difference.getextrema())
     mean = max(ImageStat.Stat(difference).mean)
     if worst > test.worst or mean > test.mean:
@@ -98,9 +108,12 @@ def show(machine, test, picture):
     seen = photograph(machine, probe, test)
     seen.save(picture)
     shown_at = machine.run(f"{probe} mode")
+    devices = machine.run("ls -l /proc/[0-9]*/fd 2> /dev/null || true")
     machine.run("echo > /tmp/pipe; wait $shown")
     if test.shown_at not in shown_at:
         raise Failure(f"shown with the mode {shown_at.strip()}")
+    if f"-> {test.shown_on}" not in devices:
+        raise Failure(f"{test.shown_on} is not open")
     after = machine.run(f"{probe} mode")
     if after != mode:
         raise Failure(f"the mode was {mode.strip()} and is {after.strip()}")

@@ -28,6 +28,24 @@ MACHINES = {
         "kernel": "console=ttyAMA0",
         "drivers": f"virtio_mmio,{COMMON_DRIVERS},virtio-gpu",
     },
+    # A PC whose displays are cards alone, one of 32 bits and one of 16 that programs wait for.
+    "pc": {
+        "image": "amd64",
+        "programs": "device/programs-amd64",
+        "qemu": "qemu-system-x86_64 -M q35 -cpu max,avx2=off -vga none"
+        " -device virtio-gpu-pci,xres={width},yres={height}",
+        "bus": "pci",
+        "kernel": "console=ttyS0",
+        "drivers": f"virtio_pci,{COMMON_DRIVERS},virtio-gpu",
+    },
+    "cirrus": {
+        "image": "amd64",
+        "programs": "device/programs-amd64",
+        "qemu": "qemu-system-x86_64 -M q35 -cpu max,avx2=off -vga cirrus",
+        "bus": "pci",
+        "kernel": "console=ttyS0",
+        "drivers": f"virtio_pci,{COMMON_DRIVERS},cirrus",
+    },
     # A controller that scans out main memory, 800x480, RGB565, fbdev alone.
     "board": {
         "image": "arm",
