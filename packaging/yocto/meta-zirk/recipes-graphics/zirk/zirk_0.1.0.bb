@@ -15,10 +15,11 @@ EXTERNALSRC = "${@os.path.realpath(d.getVar('THISDIR') + '/../../../../..')}"
 EXTERNALSRC_SYMLINKS = ""
 
 # OpenGL ES comes from the distribution's EGL and SDL 2; DirectFB needs a layer that has it.
-PACKAGECONFIG ??= "fb png jpeg tools \
+PACKAGECONFIG ??= "fb kms png jpeg tools \
     ${@bb.utils.contains('DISTRO_FEATURES', 'opengl', 'opengles2', '', d)} hybrid"
 
 PACKAGECONFIG[fb] = "-DZIRK_BACKEND_FB=ON,-DZIRK_BACKEND_FB=OFF,pixman"
+PACKAGECONFIG[kms] = "-DZIRK_BACKEND_FB_KMS=ON,-DZIRK_BACKEND_FB_KMS=OFF,libdrm"
 PACKAGECONFIG[opengles2] = "-DZIRK_BACKEND_OPENGLES2=ON,-DZIRK_BACKEND_OPENGLES2=OFF,libsdl2 virtual/egl virtual/libgles2"
 PACKAGECONFIG[hybrid] = "-DZIRK_BACKEND_HYBRID=ON,-DZIRK_BACKEND_HYBRID=OFF"
 PACKAGECONFIG[directfb] = "-DZIRK_BACKEND_DIRECTFB=ON,-DZIRK_BACKEND_DIRECTFB=OFF,directfb pixman"
