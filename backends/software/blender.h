@@ -4,7 +4,7 @@
 
 #include <optional>
 
-#include "software/kernels.h"
+#include "software/kernelchoice.h"
 #include "software/pixelbuffer.h"
 #include "surface/surfacestate.h"
 

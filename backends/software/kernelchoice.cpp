@@ -1,7 +1,12 @@
-#include <array>
-#include <cstddef>
+#include "software/kernelchoice.h"
 
-#include "software/kernels.h"
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <cstring>
+#include <iterator>
+
+#include <zirk/impl/log.h>
 
 #if defined(ZIRK_HAVE_NEON_KERNELS)
 #include <asm/hwcap.h>
@@ -20,32 +25,61 @@ extern const Kernels kNeonKernels;
 
 namespace {
 
-/// What this processor runs, the fastest first, ending with null.
-std::array<const Kernels*, 4> FindKernels() {
-  std::array<const Kernels*, 4> found{};
+/// From the lowest to the highest.
+constexpr const char* kLevels[] = {"none", "base", "neon", "avx2", "avx512"};
+
+/// The place of `name` among the levels, or else past them all.
+ptrdiff_t RankOf(const char* name) {
+  const auto isIt = [name](const char* level) { return std::strcmp(level, name) == 0; };
+  return std::find_if(std::begin(kLevels), std::end(kLevels), isIt) - std::begin(kLevels);
+}
+
+struct FoundKernels {
+  std::array<KernelLevel, 4> levels;
   size_t count = 0;
+
+  void Add(bool runs, const char* name, const Kernels& kernels) {
+    if (runs) levels[count++] = {name, &kernels};
+  }
+};
+
+FoundKernels FindKernels() {
+  FoundKernels found;
 #if defined(ZIRK_HAVE_X86_KERNELS)
-  const bool avx512 = __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
-                      __builtin_cpu_supports("avx512vl");
-  if (avx512) found[count++] = &kAvx512Kernels;
-  if (__builtin_cpu_supports("avx2")) found[count++] = &kAvx2Kernels;
+  found.Add(__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
+                __builtin_cpu_supports("avx512vl"),
+            "avx512", kAvx512Kernels);
+  found.Add(__builtin_cpu_supports("avx2"), "avx2", kAvx2Kernels);
 #elif defined(ZIRK_HAVE_NEON_KERNELS)
-  if (getauxval(AT_HWCAP) & HWCAP_NEON) found[count++] = &kNeonKernels;
+  found.Add(getauxval(AT_HWCAP) & HWCAP_NEON, "neon", kNeonKernels);
 #endif
-  found[count] = &kBaseKernels;
+  found.Add(true, "base", kBaseKernels);
   return found;
 }
 
 }  // namespace
 
-const Kernels* const* RunnableKernels() {
-  static const std::array<const Kernels*, 4> found = FindKernels();
-  return found.data();
+std::span<const KernelLevel> RunnableKernels() {
+  static const FoundKernels found = FindKernels();
+  return {found.levels.data(), found.count};
 }
 
-const Kernels& BestKernels() {
-  static const Kernels& best = *RunnableKernels()[0];
-  return best;
+const KernelLevel& ChooseKernels(const char* wanted) {
+  const std::span<const KernelLevel> runnable = RunnableKernels();
+  if (!wanted) return runnable.front();
+  const ptrdiff_t rank = RankOf(wanted);
+  if (rank == std::ssize(kLevels)) {
+    ZIRK_LOG_WARNING("ZIRK_CPU: there is no level \"%s\"", wanted);
+    return runnable.front();
+  }
+  const auto permitted = [rank](const KernelLevel& level) { return RankOf(level.name) <= rank; };
+  const auto found = std::find_if(runnable.begin(), runnable.end(), permitted);
+  return found == runnable.end() ? runnable.back() : *found;
+}
+
+const KernelLevel& ChosenKernels() {
+  static const KernelLevel& chosen = ChooseKernels(std::getenv("ZIRK_CPU"));
+  return chosen;
 }
 
 }  // namespace ZIRK::backends

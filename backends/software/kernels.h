@@ -63,10 +63,4 @@ struct Kernels {
   SampleKernel sampleBilinear;
 };
 
-/// The fastest build that this processor runs.
-const Kernels& BestKernels();
-
-/// Every build that this processor runs, for tests; ends with null.
-const Kernels* const* RunnableKernels();
-
 }  // namespace ZIRK::backends

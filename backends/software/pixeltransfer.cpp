@@ -6,7 +6,7 @@
 #include "geometry/pixelmath.h"
 #include "geometry/pixeltraits.h"
 #include "geometry/surfaceformat.h"
-#include "software/kernels.h"
+#include "software/kernelchoice.h"
 #include "software/sourcesampler.h"
 
 namespace ZIRK::backends {

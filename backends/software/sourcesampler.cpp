@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "geometry/pixeltraits.h"
-#include "software/kernels.h"
+#include "software/kernelchoice.h"
 
 namespace ZIRK::backends {
 

@@ -1,14 +1,15 @@
 // Every build of the inner loops against one pixel at a time.
 
-#include "software/kernels.h"
-
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdlib>
 #include <random>
 #include <vector>
 
 #include "geometry/pixelmath.h"
+#include "helpers/logged.h"
+#include "software/kernelchoice.h"
 
 namespace ZIRK::backends {
 namespace {
@@ -87,17 +88,40 @@ void CheckSpan(const Kernels& kernels, const Case& c, int width) {
   }
 }
 
-TEST(Kernels, FillAndBlitEveryWidth) {
-  for (const Kernels* const* kernels = RunnableKernels(); *kernels; ++kernels)
-    for (int flags = 0; flags < 32; ++flags) {
-      const bool over = flags & 1, blit = flags & 2, tinted = flags & 4;
-      // An operator that blends keeps what an opaque destination has in its X byte.
-      const bool opaque = (flags & 16) && !over;
-      if (tinted && !blit) continue;
-      const Case c = {over ? Kernels::Over : Kernels::Source, blit, tinted, (flags & 8) != 0,
-                      opaque};
-      for (int width = 1; width < kPitch - 1; ++width) CheckSpan(**kernels, c, width);
-    }
+class EachLevel : public testing::TestWithParam<KernelLevel> {};
+
+INSTANTIATE_TEST_SUITE_P(Kernels, EachLevel, testing::ValuesIn(RunnableKernels()),
+                         [](const auto& test) { return std::string(test.param.name); });
+
+TEST(Kernels, AreChosenByLevel) {
+  const std::span<const KernelLevel> runnable = RunnableKernels();
+  for (const KernelLevel& level : runnable) EXPECT_EQ(&ChooseKernels(level.name), &level);
+  EXPECT_EQ(&ChooseKernels(nullptr), &runnable.front());
+  EXPECT_EQ(&ChooseKernels("none"), &runnable.back());
+  // What another kind of processor has is above what this one's all have.
+  for (const char* const foreign : {"neon", "avx2"}) {
+    const std::string chosen = ChooseKernels(foreign).name;
+    EXPECT_TRUE(chosen == foreign || chosen == "base") << chosen;
+  }
+  EXPECT_TRUE(helpers::LogsOneError(
+      "no level \"avx\"", [&] { EXPECT_EQ(&ChooseKernels("avx"), &runnable.front()); }, 4));
+  // Asked for the first time; apart, since the answer stays.
+  const auto ask = [&] {
+    setenv("ZIRK_CPU", "none", 1);
+    std::exit(&ChosenKernels() == &runnable.back() ? 0 : 1);
+  };
+  EXPECT_EXIT(ask(), testing::ExitedWithCode(0), "");
+}
+
+TEST_P(EachLevel, FillAndBlitEveryWidth) {
+  for (int flags = 0; flags < 32; ++flags) {
+    const bool over = flags & 1, blit = flags & 2, tinted = flags & 4;
+    // An operator that blends keeps what an opaque destination has in its X byte.
+    const bool opaque = (flags & 16) && !over;
+    if (tinted && !blit) continue;
+    const Case c = {over ? Kernels::Over : Kernels::Source, blit, tinted, (flags & 8) != 0, opaque};
+    for (int width = 1; width < kPitch - 1; ++width) CheckSpan(*GetParam().kernels, c, width);
+  }
 }
 
 /// What the samplers read: a gradient, inside a margin that they must not touch.
@@ -115,7 +139,7 @@ struct Image {
   SampleRow Row() { return {&At(0, 0), kStride, 0, 0, kSize - 1, kSize - 1, 0, 0, 0, 0}; }
 };
 
-TEST(Kernels, SamplersFollowTheGradientAndStayInside) {
+TEST_P(EachLevel, SamplersFollowTheGradientAndStayInside) {
   constexpr int kCount = 37;
   struct {
     double x, y, stepX, stepY;
@@ -123,52 +147,49 @@ TEST(Kernels, SamplersFollowTheGradientAndStayInside) {
                     {0, 0, 1, 0},        {2, 13, 0.2, 0},     {5, 14, 0.1, -0.45},
                     {-20, 5, 2.5, 0.01}, {30, 30, 0, 0},      {11.5, 0.5, -0.3, 0.3},
                     {4.5, -2, 0, 0.4}};
-  for (const Kernels* const* kernels = RunnableKernels(); *kernels; ++kernels)
-    for (const auto& r : rows)
-      for (const bool bilinear : {false, true}) {
-        Image image;
-        SampleRow row = image.Row();
-        const auto fixed = [](double v) { return static_cast<int32_t>(std::lround(v * 65536)); };
-        row.x = fixed(r.x);
-        row.y = fixed(r.y);
-        row.stepX = fixed(r.stepX);
-        row.stepY = fixed(r.stepY);
-        std::vector<uint32_t> out(kCount + 1, 0x12345678u);
-        ((*kernels)->*(bilinear ? &Kernels::sampleBilinear : &Kernels::sampleNearest))(
-            row, out.data(), kCount);
-        for (int i = 0; i < kCount; ++i) {
-          const auto expected = [&](double v) {
-            const double inside = std::fmin(std::fmax(v, 0), Image::kSize - 1);
-            return 20 * (bilinear ? inside : std::fmin(std::fmax(std::floor(v), 0), 11));
-          };
-          const uint32_t p = out[static_cast<size_t>(i)];
-          const double tolerance = bilinear ? 1.1 : 0;
-          ASSERT_NEAR(p >> 16 & 255, expected(row.x / 65536.0 + i * (row.stepX / 65536.0)),
-                      tolerance)
-              << "from " << r.x << ", " << r.y << " pixel " << i;
-          ASSERT_NEAR(p & 255, expected(row.y / 65536.0 + i * (row.stepY / 65536.0)), tolerance);
-          ASSERT_EQ(p & 0xFF00FF00u, 0u) << "read outside the image";
-        }
-        EXPECT_EQ(out[kCount], 0x12345678u);
-      }
-}
-
-TEST(Kernels, SamplersStayInsideHoweverFarTheyStep) {
-  std::mt19937 random(6);
-  const auto number = [&] { return static_cast<int32_t>(random()); };
-  for (const Kernels* const* kernels = RunnableKernels(); *kernels; ++kernels)
-    for (int i = 0; i < 3000; ++i) {
+  for (const auto& r : rows)
+    for (const bool bilinear : {false, true}) {
       Image image;
       SampleRow row = image.Row();
-      row.x = number() % (kFarthestSample << 16);
-      row.y = number() % (kFarthestSample << 16);
-      row.stepX = number() >> (i % 32);
-      row.stepY = i % 3 == 0 ? 0 : number() >> (i % 29);
-      std::vector<uint32_t> out(kSampleLimit);
-      (*kernels)->sampleNearest(row, out.data(), kSampleLimit);
-      (*kernels)->sampleBilinear(row, out.data(), kSampleLimit);
-      for (const uint32_t p : out) ASSERT_EQ(p & 0xFF00FF00u, 0u);
+      const auto fixed = [](double v) { return static_cast<int32_t>(std::lround(v * 65536)); };
+      row.x = fixed(r.x);
+      row.y = fixed(r.y);
+      row.stepX = fixed(r.stepX);
+      row.stepY = fixed(r.stepY);
+      std::vector<uint32_t> out(kCount + 1, 0x12345678u);
+      (GetParam().kernels->*(bilinear ? &Kernels::sampleBilinear : &Kernels::sampleNearest))(
+          row, out.data(), kCount);
+      for (int i = 0; i < kCount; ++i) {
+        const auto expected = [&](double v) {
+          const double inside = std::fmin(std::fmax(v, 0), Image::kSize - 1);
+          return 20 * (bilinear ? inside : std::fmin(std::fmax(std::floor(v), 0), 11));
+        };
+        const uint32_t p = out[static_cast<size_t>(i)];
+        const double tolerance = bilinear ? 1.1 : 0;
+        ASSERT_NEAR(p >> 16 & 255, expected(row.x / 65536.0 + i * (row.stepX / 65536.0)), tolerance)
+            << "from " << r.x << ", " << r.y << " pixel " << i;
+        ASSERT_NEAR(p & 255, expected(row.y / 65536.0 + i * (row.stepY / 65536.0)), tolerance);
+        ASSERT_EQ(p & 0xFF00FF00u, 0u) << "read outside the image";
+      }
+      EXPECT_EQ(out[kCount], 0x12345678u);
     }
+}
+
+TEST_P(EachLevel, SamplersStayInsideHoweverFarTheyStep) {
+  std::mt19937 random(6);
+  const auto number = [&] { return static_cast<int32_t>(random()); };
+  for (int i = 0; i < 3000; ++i) {
+    Image image;
+    SampleRow row = image.Row();
+    row.x = number() % (kFarthestSample << 16);
+    row.y = number() % (kFarthestSample << 16);
+    row.stepX = number() >> (i % 32);
+    row.stepY = i % 3 == 0 ? 0 : number() >> (i % 29);
+    std::vector<uint32_t> out(kSampleLimit);
+    GetParam().kernels->sampleNearest(row, out.data(), kSampleLimit);
+    GetParam().kernels->sampleBilinear(row, out.data(), kSampleLimit);
+    for (const uint32_t p : out) ASSERT_EQ(p & 0xFF00FF00u, 0u);
+  }
 }
 
 }  // namespace

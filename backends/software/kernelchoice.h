@@ -1,0 +1,30 @@
+#pragma once
+
+#include <span>
+
+#include "software/kernels.h"
+
+namespace ZIRK::backends {
+
+/// The kernels for one instruction set, under the name that ZIRK_CPU has for it.
+struct KernelLevel {
+  const char* name;
+  const Kernels* kernels;
+};
+
+/// What this processor runs, the fastest first; one at least.
+std::span<const KernelLevel> RunnableKernels();
+
+/// The fastest of those up to the level that `wanted` names: "none" (no vector instructions),
+/// "base" (what every processor of the kind has), "neon", "avx2" or "avx512". If all are above it,
+/// the lowest; without a name the fastest of all, and for an unknown one too, after a warning.
+const KernelLevel& ChooseKernels(const char* wanted);
+
+/// What is in use: ChooseKernels() with ZIRK_CPU from the environment, as it is when first asked.
+const KernelLevel& ChosenKernels();
+
+inline const Kernels& BestKernels() {
+  return *ChosenKernels().kernels;
+}
+
+}  // namespace ZIRK::backends
