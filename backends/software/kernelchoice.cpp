@@ -15,8 +15,9 @@
 
 namespace ZIRK::backends {
 
-extern const Kernels kBaseKernels;
+extern const Kernels kPortableKernels;
 #if defined(ZIRK_HAVE_X86_KERNELS)
+extern const Kernels kSse2Kernels;
 extern const Kernels kAvx2Kernels;
 extern const Kernels kAvx512Kernels;
 #elif defined(ZIRK_HAVE_NEON_KERNELS)
@@ -50,10 +51,11 @@ FoundKernels FindKernels() {
                 __builtin_cpu_supports("avx512vl"),
             "avx512", kAvx512Kernels);
   found.Add(__builtin_cpu_supports("avx2"), "avx2", kAvx2Kernels);
+  found.Add(__builtin_cpu_supports("sse2"), "base", kSse2Kernels);
 #elif defined(ZIRK_HAVE_NEON_KERNELS)
   found.Add(getauxval(AT_HWCAP) & HWCAP_NEON, "neon", kNeonKernels);
 #endif
-  found.Add(true, "base", kBaseKernels);
+  found.Add(true, "none", kPortableKernels);
   return found;
 }
 
@@ -74,7 +76,7 @@ const KernelLevel& ChooseKernels(const char* wanted) {
   }
   const auto permitted = [rank](const KernelLevel& level) { return RankOf(level.name) <= rank; };
   const auto found = std::find_if(runnable.begin(), runnable.end(), permitted);
-  return found == runnable.end() ? runnable.back() : *found;
+  return *found;  // "none" is always there
 }
 
 const KernelLevel& ChosenKernels() {

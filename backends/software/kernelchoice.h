@@ -15,9 +15,9 @@ struct KernelLevel {
 /// What this processor runs, the fastest first; one at least.
 std::span<const KernelLevel> RunnableKernels();
 
-/// The fastest of those up to the level that `wanted` names: "none" (no vector instructions),
-/// "base" (what every processor of the kind has), "neon", "avx2" or "avx512". If all are above it,
-/// the lowest; without a name the fastest of all, and for an unknown one too, after a warning.
+/// The fastest of those up to the level that `wanted` names: "none" (portable code, as it is for
+/// processors without kernels of their own), "base" (SSE2), "neon", "avx2" or "avx512". Without a
+/// name the fastest of all, and for an unknown one too, after a warning.
 const KernelLevel& ChooseKernels(const char* wanted);
 
 /// What is in use: ChooseKernels() with ZIRK_CPU from the environment, as it is when first asked.

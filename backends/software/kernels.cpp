@@ -16,32 +16,40 @@ namespace ZIRK::backends {
 
 namespace {
 
-/// Calls `f(x, y, pixels)` for all of the span, with whole vectors as far as they go.
+/// Stores what `compute(x, y, pixels, v)` puts into the vector `v` for all pixels of the span;
+/// where it returns false they stay as they are.
 ///
+/// The last vector of a row overlaps the one before: it is computed first, from what was there.
 /// Where memory is only written, `aligned` has the vectors start on their own boundaries: stores
 /// that straddle two cache lines are what such a loop spends its time on.
 template <typename F>
-ZIRK_INLINE void ForEach(const PixelSpan& s, bool aligned, F&& f) {
-  int head = 0;
+ZIRK_INLINE void ForEach(const PixelSpan& s, bool aligned, F&& compute) {
+  const auto draw = [&](int x, int y, auto pixels) ZIRK_INLINE_LAMBDA {
+    Pixels v;
+    if (compute(x, y, pixels, v)) Store(s.dst + y * s.dstPitch + x, v, pixels);
+  };
+  if (s.width < kLanes) return ForNarrow(s, draw);
+  int begin = 0;
   if (aligned && s.width >= 3 * kLanes) {
     const auto past = reinterpret_cast<uintptr_t>(s.dst) % sizeof(Pixels) / sizeof(uint32_t);
-    head = (kLanes - static_cast<int>(past)) % kLanes;
+    begin = (kLanes - static_cast<int>(past)) % kLanes;
   }
-  const int tail = head + (s.width - head) / kLanes * kLanes;
-  const Tail first(head), last(s.width - tail);
+  const int last = s.width - kLanes;
   for (int y = 0; y < s.height; ++y) {
-    if (head > 0) ForTail(0, y, first, f);
-    for (int x = head; x < tail; x += kLanes) f(x, y, Full());
-    if (tail < s.width) ForTail(tail, y, last, f);
+    Pixels v;
+    const bool any = compute(last, y, Full(), v);
+    if (begin > 0) draw(0, y, Full());
+    for (int x = begin; x < last; x += kLanes) draw(x, y, Full());
+    if (any) Store(s.dst + y * s.dstPitch + last, v, Full());
   }
 }
 
 /// Whether to leave the pixels out: worth a test where they fill a vector.
-ZIRK_INLINE bool IsAllZero(Pixels coverage, Full) {
+ZIRK_INLINE bool IsAllZero(Coverage coverage, Full) {
   return IsZero(coverage);
 }
 template <typename Some>
-ZIRK_INLINE bool IsAllZero(Pixels, const Some&) {
+ZIRK_INLINE bool IsAllZero(Coverage, const Some&) {
   return false;
 }
 
@@ -52,46 +60,52 @@ void Fill(const PixelSpan& span) {
   const Pixels alpha = Alphas(color), inverse = alpha ^ kLow;
   const Pixels lowColor = LowPair(color), highColor = HighPair(color);
   const bool isOpaque = s.color >> 24 == 255;
-  const auto draw = [&](int x, int y, auto pixels) ZIRK_INLINE_LAMBDA {
-    uint32_t* const dst = s.dst + y * s.dstPitch + x;
+  const auto compute = [&](int x, int y, auto pixels, Pixels& v) ZIRK_INLINE_LAMBDA {
+    const uint32_t* const dst = s.dst + y * s.dstPitch + x;
     if constexpr (!kCovered) {
-      Pixels shade = color;
-      if constexpr (kOver) shade = AddClamped(shade, Scale(Load(dst, pixels), inverse));
-      return Store(dst, shade, pixels);
+      v = kOver ? AddClamped(color, Scale(Load(dst, pixels), inverse)) : color;
+      return true;
     }
-    const Pixels coverage = LoadCoverage(s.coverage + y * s.coveragePitch + x, pixels);
+    const Coverage bytes = LoadCoverage(s.coverage + y * s.coveragePitch + x, pixels);
+    if (kOver && IsAllZero(bytes, pixels)) return false;
+    const Pixels coverage = Spread(bytes);
     if constexpr (kOver) {
-      if (IsAllZero(coverage, pixels)) return;
       const Pixels d = Load(dst, pixels);
       const Pixels rest = (isOpaque ? coverage : MultiplyPairs(alpha, coverage)) ^ kLow;
       const Pixels low = MixPairs(lowColor, coverage, LowPair(d), rest);
       const Pixels high = MixPairs(highColor, coverage, HighPair(d), rest);
-      Store(dst, JoinPairs(low, high), pixels);
+      v = JoinPairs(low, high);
     } else {
-      Store(dst, Scale(color, coverage) | s.opaque, pixels);
+      v = Scale(color, coverage) | s.opaque;
     }
+    return true;
   };
-  if constexpr (kCovered && kNarrow > 0)
-    if (s.width <= kNarrow) return ForNarrow(s, draw);
-  ForEach(s, !kOver && !kCovered, draw);
+  if constexpr (kCovered && kTwoRows > 0)
+    if (s.width <= kTwoRows)
+      return ForTwoRows(s, [&](int x, int y, auto pixels) ZIRK_INLINE_LAMBDA {
+        Pixels v;
+        compute(x, y, pixels, v);
+        Store(s.dst + y * s.dstPitch + x, v, pixels);
+      });
+  ForEach(s, !kOver && !kCovered, compute);
 }
 
-/// Copies rows, 64 bytes at a time to boundaries of 16: measured to be faster than memcpy(), than
-/// larger boundaries and than none.
+/// Copies rows by whole vectors, the last of which overlaps the one before.
 void Copy(const PixelSpan& s) {
-  constexpr int kGroup = 16, kBoundary = 16;
+  constexpr int kGroup = 64 / sizeof(Pixels);
+  const int last = s.width - kLanes;
   for (int y = 0; y < s.height; ++y) {
-    uint32_t* dst = s.dst + y * s.dstPitch;
-    const uint32_t* src = s.src + y * s.srcPitch;
+    uint32_t* const dst = s.dst + y * s.dstPitch;
+    const uint32_t* const src = s.src + y * s.srcPitch;
     int x = 0;
-    for (; x < s.width && reinterpret_cast<uintptr_t>(dst + x) % kBoundary != 0; ++x)
-      dst[x] = src[x];
-    for (; x + kGroup <= s.width; x += kGroup) {
-      uint32_t group[kGroup];
-      __builtin_memcpy(group, src + x, sizeof group);
-      __builtin_memcpy(__builtin_assume_aligned(dst + x, kBoundary), group, sizeof group);
+    for (; x + kGroup * kLanes <= s.width; x += kGroup * kLanes) {
+      Pixels group[kGroup];
+      for (int i = 0; i < kGroup; ++i) group[i] = Load(src + x + i * kLanes, Full());
+      for (int i = 0; i < kGroup; ++i) Store(dst + x + i * kLanes, group[i], Full());
     }
-    for (; x < s.width; ++x) dst[x] = src[x];
+    for (; x < last; x += kLanes) Store(dst + x, Load(src + x, Full()), Full());
+    if (last >= 0 && x < s.width) Store(dst + last, Load(src + last, Full()), Full());
+    for (; last < 0 && x < s.width; ++x) dst[x] = src[x];
   }
 }
 
@@ -100,20 +114,20 @@ void Blit(const PixelSpan& span) {
   const PixelSpan s = span;  // a copy, which no store can reach
   if (!kOver && !kTinted && !kCovered && s.opaque == 0) return Copy(s);
   const Pixels color = Splat(s.color);
-  ForEach(s, !kOver && !kTinted && !kCovered, [&](int x, int y, auto pixels) ZIRK_INLINE_LAMBDA {
-    uint32_t* const dst = s.dst + y * s.dstPitch + x;
+  const auto compute = [&](int x, int y, auto pixels, Pixels& v) ZIRK_INLINE_LAMBDA {
     Pixels p = Load(s.src + y * s.srcPitch + x, pixels);
     // Sprites have transparent margins, which cost less than the rest.
-    if (kOver && !kTinted && IsZero(p)) return;
+    if (kOver && !kTinted && IsZero(p)) return false;
     if constexpr (kTinted) p = Multiply(p, color);
     if constexpr (kCovered)
-      p = Scale(p, LoadCoverage(s.coverage + y * s.coveragePitch + x, pixels));
+      p = Scale(p, Spread(LoadCoverage(s.coverage + y * s.coveragePitch + x, pixels)));
     if constexpr (kOver)
-      p = BlendOver(p, Load(dst, pixels));
+      v = BlendOver(p, Load(s.dst + y * s.dstPitch + x, pixels));
     else
-      p |= s.opaque;
-    Store(dst, p, pixels);
-  });
+      v = p | s.opaque;
+    return true;
+  };
+  ForEach(s, !kOver && !kTinted && !kCovered, compute);
 }
 
 }  // namespace

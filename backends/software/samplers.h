@@ -52,9 +52,9 @@ void SampleNearest(const SampleRow& s, uint32_t* out, int count) {
 
 /// a + (b - a) * w / 256 in each channel of a pair; `w` has the weight in both halves.
 ZIRK_INLINE Pixels InterpolatePairs(Pixels a, Pixels b, Pixels w) {
-  // The two weights add up to 256, so the sum of the products fits into 16 bits.
-  const Channels wb = (Channels)w;
-  return (Pixels)(((Channels)a * (256 - wb) + (Channels)b * wb + 128) >> 8);
+  // The product may be negative, but what it is added to has the sum fit into 16 bits again.
+  const Channels product = ((Channels)b - (Channels)a) * (Channels)w;
+  return (Pixels)((((Channels)a << 8) + product + 128) >> 8);
 }
 
 ZIRK_INLINE Pixels Interpolate(Pixels a, Pixels b, Pixels w) {
@@ -136,8 +136,10 @@ void SampleSlanted(const SampleRow& s, Positions px, Positions py, uint32_t* out
   }
 }
 
-/// Source pixels that an enlarged row can need.
-constexpr int kEnlargedColumns = kSampleLimit + 2 + kLanes;
+/// Source pixels that an enlarged row can need, and room for vectors that reach beyond on either
+/// side.
+constexpr int kEnlargedMargin = 2 * kLanes;
+constexpr int kEnlargedColumns = kSampleLimit + 2 + 2 * kEnlargedMargin;
 
 /// Columns `first` to `first + count` of two rows, mixed. Beyond the limits the last column goes
 /// on.
@@ -161,7 +163,8 @@ ZIRK_INLINE void InterpolateRows(const SampleRow& s, int y, Pixels weight, int f
 /// A row that runs along one of the image's, enlarged: the two rows are mixed once, and then
 /// neighbours within.
 void SampleEnlarged(const SampleRow& s, Positions px, uint32_t* out, int count) {
-  uint32_t columns[kEnlargedColumns];
+  uint32_t mixed[kEnlargedColumns];
+  uint32_t* const columns = mixed + kEnlargedMargin;
   const int a = px.WholePart(0), b = px.WholePart(count - 1);
   const int first = a < b ? a : b, last = a < b ? b : a;
   InterpolateRows(s, s.y >> 16, BothHalves(Splat(static_cast<uint32_t>(s.y) >> 8 & 0xFF)), first,
@@ -169,8 +172,7 @@ void SampleEnlarged(const SampleRow& s, Positions px, uint32_t* out, int count) 
   for (int i = 0; i < count; i += kLanes) {
     const Pixels x = px.From(i);
     Pixels left, right;
-    // Positions beyond the row may lie beyond the columns.
-    LoadPairs(columns, Clamp(WholeParts(x) - first, 0, last - first), left, right);
+    LoadNearPairs(columns, WholeParts(x) - first, left, right);
     StoreUpTo(out + i, Interpolate(left, right, Weights(x)), count - i);
   }
 }

@@ -7,29 +7,34 @@
 ///   DivideBy255(t)       Each 16-bit lane, a product of two channels, divided and rounded.
 ///   AddClamped(a, b)     Sums of bytes, 255 at most.
 ///   Alphas(p)            Each pixel's alpha, in both its 16-bit halves.
-///   IsZero(v)            Whether all of the vector is.
+///   IsZero(v)            Whether all of the vector is, or all coverage.
+///   Coverage             As many bytes as a vector has pixels.
 ///   Spread(c)            Each byte of coverage, in both 16-bit halves of its pixel.
 ///
-///   Tail(n)              The last pixels of a row, fewer than a vector has.
+///   ForNarrow(span, f)   Calls f(x, y, pixels) for all of a span narrower than a vector.
 ///   Load(p, pixels), Store(p, v, pixels), LoadCoverage(p, pixels)
-///                        `pixels` says which lanes there are; the others are read as 0 and not
-///                        written. It is a Full, or else what `f` is called with in the following.
-///   ForTail(x, y, rest, f)
-///                        Calls f(x, y, pixels) for all of `rest`, which is not empty.
-///   kNarrow              Up to this width ForNarrow() takes two rows at a time, as glyphs often
-///                        allow. 0 where there is no ForNarrow().
-///   ForNarrow(span, f)   Calls f(x, y, pixels) for all of such a span.
+///                        `pixels` says which pixels a vector holds: Full, or else what `f` is
+///                        called with.
+///   kTwoRows             Up to this width ForTwoRows() takes two rows of coverage at a time, as
+///                        glyphs often allow. 0 where there is no ForTwoRows().
+///   ForTwoRows(span, f)  ForNarrow() for such a span, without source pixels.
 ///
 ///   Gather(p, at)        The pixels at some offsets.
-///   GatherPairs(p, at, low, high)
-///                        Each together with the one to its right: those of the first half of the
-///                        offsets, and of the second.
-///   Separate(a, b, even, odd)
-///                        The lanes of both vectors with even numbers, and with odd ones.
-#if defined(__AVX512BW__)
+///   LoadPairs(p, at, left, right)
+///                        Those, and the ones to their right.
+///   LoadNearPairs(p, at, left, right)
+///                        The same where the first and the last offset are the least and the
+///                        greatest, or the other way round, and less than a vector's width apart.
+///                        As many pixels may be read from the least one on as a vector has, and
+///                        one more.
+#if defined(ZIRK_PORTABLE_KERNELS)
+#include "vectorsgeneric.h"
+#elif defined(__AVX512BW__)
 #include "vectorsavx512.h"
 #elif defined(__AVX2__)
 #include "vectorsavx2.h"
+#elif defined(__SSE2__)
+#include "vectorssse2.h"
 #else
 #include "vectorsgeneric.h"
 #endif
@@ -76,24 +81,24 @@ ZIRK_INLINE Pixels BlendOver(Pixels s, Pixels d) {
   return AddClamped(s, Scale(d, Alphas(s) ^ kLow));
 }
 
-ZIRK_INLINE Pixels LoadCoverage(const uint8_t* p, Full) {
+ZIRK_INLINE Coverage LoadCoverage(const uint8_t* p, Full) {
   Coverage c;
   __builtin_memcpy(&c, p, sizeof c);
-  return Spread(c);
+  return c;
 }
 
+/// Of `n` pixels, the others 0; one of many vectors that are full.
 ZIRK_INLINE Pixels LoadUpTo(const uint32_t* p, int n) {
-  return n < kLanes ? Load(p, Tail(n)) : Load(p, Full());
+  if (n >= kLanes) return Load(p, Full());
+  uint32_t pixels[kLanes] = {};
+  for (int i = 0; i < n; ++i) pixels[i] = p[i];
+  return Load(pixels, Full());
 }
 ZIRK_INLINE void StoreUpTo(uint32_t* p, const Pixels& v, int n) {
-  return n < kLanes ? Store(p, v, Tail(n)) : Store(p, v, Full());
-}
-
-/// The pixels at some offsets, and those to their right.
-ZIRK_INLINE void LoadPairs(const uint32_t* p, Integers at, Pixels& left, Pixels& right) {
-  PixelPairs low, high;
-  GatherPairs(p, at, low, high);
-  Separate((Pixels)low, (Pixels)high, left, right);
+  if (n >= kLanes) return Store(p, v, Full());
+  uint32_t pixels[kLanes];
+  Store(pixels, v, Full());
+  for (int i = 0; i < n; ++i) p[i] = pixels[i];
 }
 
 }  // namespace

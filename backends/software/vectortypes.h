@@ -17,11 +17,15 @@ namespace ZIRK::backends {
 
 namespace {
 
-/// Pixels of a vector. Where registers are narrower, the compiler takes several for one.
-#if defined(__AVX512BW__)
+/// Pixels of a vector, as many as a register holds.
+#if defined(ZIRK_PORTABLE_KERNELS)
+constexpr int kLanes = 4;
+#elif defined(__AVX512BW__)
 constexpr int kLanes = 16;
-#else
+#elif defined(__AVX2__)
 constexpr int kLanes = 8;
+#else
+constexpr int kLanes = 4;
 #endif
 
 using Pixels = uint32_t __attribute__((vector_size(4 * kLanes)));
@@ -31,9 +35,8 @@ using Channels = uint16_t __attribute__((vector_size(4 * kLanes)));
 using Bytes = uint8_t __attribute__((vector_size(4 * kLanes)));
 /// Neighbouring pixels by twos.
 using PixelPairs = uint64_t __attribute__((vector_size(4 * kLanes)));
-using Coverage = uint8_t __attribute__((vector_size(kLanes)));
 
-/// Stands for all pixels of a vector, where a Tail stands for some.
+/// Stands for all pixels of a vector, where other types stand for some.
 struct Full {};
 
 ZIRK_INLINE Pixels Load(const uint32_t* p, Full) {

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <emmintrin.h>
+
+#include "kernels.h"
+#include "vectortypes.h"
+
+/// Spans narrower than a vector, for instruction sets that cannot leave lanes out: two pieces of
+/// each row, which overlap where it is not as wide as both, share a vector.
+
+namespace ZIRK::backends {
+
+namespace {
+
+/// `kCount` pixels from the first on, 1, 2 or 4, and as many from `second` on.
+template <int kCount>
+struct Halves {
+  ptrdiff_t second;
+};
+
+ZIRK_INLINE __m128i LoadHalves(const uint32_t* p, Halves<2> halves) {
+  return _mm_unpacklo_epi64(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)),
+                            _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p + halves.second)));
+}
+ZIRK_INLINE void StoreHalves(uint32_t* p, __m128i v, Halves<2> halves) {
+  _mm_storel_epi64(reinterpret_cast<__m128i*>(p), v);
+  _mm_storel_epi64(reinterpret_cast<__m128i*>(p + halves.second), _mm_unpackhi_epi64(v, v));
+}
+
+/// One pixel is both.
+ZIRK_INLINE __m128i LoadHalves(const uint32_t* p, Halves<1>) {
+  return _mm_cvtsi32_si128(static_cast<int>(*p));
+}
+ZIRK_INLINE void StoreHalves(uint32_t* p, __m128i v, Halves<1>) {
+  *p = static_cast<uint32_t>(_mm_cvtsi128_si32(v));
+}
+
+ZIRK_INLINE uint32_t LoadCoverage(const uint8_t* p, Halves<2> halves) {
+  uint16_t first, second;
+  __builtin_memcpy(&first, p, sizeof first);
+  __builtin_memcpy(&second, p + halves.second, sizeof second);
+  return first | uint32_t{second} << 16;
+}
+ZIRK_INLINE uint32_t LoadCoverage(const uint8_t* p, Halves<1>) {
+  return *p;
+}
+
+template <typename Pieces, typename F>
+ZIRK_INLINE void ForRows(int height, Pieces pieces, F&& f) {
+  for (int y = 0; y < height; ++y) f(0, y, pieces);
+}
+
+/// Calls f(0, y, halves) for each row of a span at most 4 pixels wide.
+template <typename F>
+ZIRK_INLINE void ForHalves(const PixelSpan& s, F&& f) {
+  if (s.width > 1) return ForRows(s.height, Halves<2>{s.width - 2}, f);
+  ForRows(s.height, Halves<1>{0}, f);
+}
+
+}  // namespace
+
+}  // namespace ZIRK::backends

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <emmintrin.h>
+
+#include "vectorhalves.h"
+
+/// The operations of vectors.h by SSE2.
+
+namespace ZIRK::backends {
+
+namespace {
+
+using Coverage = uint32_t;
+
+ZIRK_INLINE Channels DivideBy255(Channels t) {
+  // 257 / 65536 is 1/256 + 1/65536: near enough to 1/255 for all products.
+  return (Channels)_mm_mulhi_epu16((__m128i)(t + 128), _mm_set1_epi16(257));
+}
+
+ZIRK_INLINE Pixels AddClamped(Pixels a, Pixels b) {
+  return (Pixels)_mm_adds_epu8((__m128i)a, (__m128i)b);
+}
+
+ZIRK_INLINE Pixels Alphas(Pixels p) {
+  return BothHalves(p >> 24);
+}
+
+ZIRK_INLINE bool IsZero(Pixels v) {
+  return _mm_movemask_epi8(_mm_cmpeq_epi8((__m128i)v, _mm_setzero_si128())) == 0xFFFF;
+}
+ZIRK_INLINE bool IsZero(Coverage c) {
+  return c == 0;
+}
+
+ZIRK_INLINE Pixels Spread(Coverage c) {
+  const __m128i bytes = _mm_cvtsi32_si128(static_cast<int>(c));
+  const __m128i words = _mm_unpacklo_epi8(bytes, _mm_setzero_si128());
+  return (Pixels)_mm_unpacklo_epi16(words, words);
+}
+
+template <int kCount>
+ZIRK_INLINE Pixels Load(const uint32_t* p, Halves<kCount> halves) {
+  return (Pixels)LoadHalves(p, halves);
+}
+template <int kCount>
+ZIRK_INLINE void Store(uint32_t* p, const Pixels& v, Halves<kCount> halves) {
+  StoreHalves(p, (__m128i)v, halves);
+}
+
+template <typename F>
+ZIRK_INLINE void ForNarrow(const PixelSpan& s, F&& f) {
+  ForHalves(s, f);
+}
+
+constexpr int kTwoRows = 0;
+
+ZIRK_INLINE Pixels Gather(const uint32_t* p, Integers at) {
+  return Pixels{p[at[0]], p[at[1]], p[at[2]], p[at[3]]};
+}
+
+/// Two pixels at each place.
+ZIRK_INLINE Pixels LoadTwice(const uint32_t* p, const uint32_t* q) {
+  return (Pixels)_mm_unpacklo_epi64(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)),
+                                    _mm_loadl_epi64(reinterpret_cast<const __m128i*>(q)));
+}
+ZIRK_INLINE void LoadPairs(const uint32_t* p, Integers at, Pixels& left, Pixels& right) {
+  const Pixels low = LoadTwice(p + at[0], p + at[1]), high = LoadTwice(p + at[2], p + at[3]);
+  left = __builtin_shufflevector(low, high, 0, 2, 4, 6);
+  right = __builtin_shufflevector(low, high, 1, 3, 5, 7);
+}
+ZIRK_INLINE void LoadNearPairs(const uint32_t* p, Integers at, Pixels& left, Pixels& right) {
+  LoadPairs(p, at, left, right);
+}
+
+}  // namespace
+
+}  // namespace ZIRK::backends
