@@ -8,7 +8,7 @@
 
 #include <zirk/impl/log.h>
 
-#if defined(ZIRK_HAVE_NEON_KERNELS)
+#if defined(ZIRK_HAVE_NEON_KERNELS) && !defined(ZIRK_BASE_HAS_NEON)
 #include <asm/hwcap.h>
 #include <sys/auxv.h>
 #endif
@@ -52,10 +52,14 @@ FoundKernels FindKernels() {
             "avx512", kAvx512Kernels);
   found.Add(__builtin_cpu_supports("avx2"), "avx2", kAvx2Kernels);
   found.Add(__builtin_cpu_supports("sse2"), "base", kSse2Kernels);
+#elif defined(ZIRK_BASE_HAS_NEON)
+  found.Add(true, "neon", kNeonKernels);
 #elif defined(ZIRK_HAVE_NEON_KERNELS)
   found.Add(getauxval(AT_HWCAP) & HWCAP_NEON, "neon", kNeonKernels);
 #endif
+#if !defined(ZIRK_BASE_HAS_NEON)
   found.Add(true, "none", kPortableKernels);
+#endif
   return found;
 }
 
@@ -76,7 +80,7 @@ const KernelLevel& ChooseKernels(const char* wanted) {
   }
   const auto permitted = [rank](const KernelLevel& level) { return RankOf(level.name) <= rank; };
   const auto found = std::find_if(runnable.begin(), runnable.end(), permitted);
-  return *found;  // "none" is always there
+  return found == runnable.end() ? runnable.back() : *found;
 }
 
 const KernelLevel& ChosenKernels() {

@@ -16,8 +16,9 @@ struct KernelLevel {
 std::span<const KernelLevel> RunnableKernels();
 
 /// The fastest of those up to the level that `wanted` names: "none" (portable code, as it is for
-/// processors without kernels of their own), "base" (SSE2), "neon", "avx2" or "avx512". Without a
-/// name the fastest of all, and for an unknown one too, after a warning.
+/// processors without kernels of their own), "base" (SSE2), "neon", "avx2" or "avx512"; if all are
+/// above it, the lowest. Without a name the fastest of all, and for an unknown one too, after a
+/// warning.
 const KernelLevel& ChooseKernels(const char* wanted);
 
 /// What is in use: ChooseKernels() with ZIRK_CPU from the environment, as it is when first asked.

@@ -3,15 +3,14 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "inlining.h"
+
 /// Vectors of pixels, and what every instruction set does alike with them.
 ///
 /// This and what is built on it is compiled anew for each instruction set: the unnamed namespaces
 /// keep the builds apart.
 
 static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "vectors are taken apart as bytes");
-
-#define ZIRK_INLINE inline __attribute__((always_inline))
-#define ZIRK_INLINE_LAMBDA __attribute__((always_inline))
 
 namespace ZIRK::backends {
 
