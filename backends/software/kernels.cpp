@@ -94,8 +94,9 @@ ZIRK_INLINE void CopyFour(uint32_t* dst, const uint32_t* src) {
   __builtin_memcpy(dst, src, 4 * sizeof *dst);
 }
 
-/// Copies rows, at least 4 pixels wide, by 16 bytes, to boundaries of 16 but for those at both ends, which overlap them:
-/// measured to be faster than memcpy(), than larger vectors and boundaries, and than none.
+/// Copies rows, at least 4 pixels wide, by 16 bytes, to boundaries of 16 but for those at both
+/// ends, which overlap them: measured to be faster than memcpy(), than larger vectors and
+/// boundaries, and than none.
 void Copy(const PixelSpan& s) {
   constexpr int kFour = 4, kGroup = 4 * kFour;
   const int last = s.width - kFour;
@@ -121,8 +122,10 @@ void Blit(const PixelSpan& span) {
     // Sprites have transparent margins, which cost less than the rest.
     if (kOver && !kTinted && IsZero(p)) return false;
     if constexpr (kTinted) p = Multiply(p, color);
-    if constexpr (kCovered)
-      p = Scale(p, Spread(LoadCoverage(s.coverage + y * s.coveragePitch + x, pixels)));
+    if constexpr (kCovered) {
+      const Coverage coverage = LoadCoverage(s.coverage + y * s.coveragePitch + x, pixels);
+      if (!IsFull(coverage)) p = Scale(p, Spread(coverage));
+    }
     if constexpr (kOver)
       v = BlendOver(p, Load(s.dst + y * s.dstPitch + x, pixels));
     else

@@ -12,6 +12,7 @@ namespace {
 ZIRK_INLINE int Clamp(int v, int low, int high) {
   return v < low ? low : v > high ? high : v;
 }
+
 ZIRK_INLINE Integers Clamp(Integers v, int low, int high) {
   const Integers raised = v < low ? Integers{} + low : v;
   return raised > high ? Integers{} + high : raised;
@@ -81,23 +82,26 @@ ZIRK_INLINE Pixels Interpolate(const Neighbours& n, Pixels wx, Pixels wy) {
 struct Positions {
   uint32_t start;
   uint32_t step;
+  Pixels ramp;  ///< From the first of a vector.
 
-  ZIRK_INLINE int WholePart(int i) const {
-    return static_cast<int32_t>(start + static_cast<uint32_t>(i) * step) >> 16;
-  }
+  ZIRK_INLINE Positions(int32_t first, int32_t increment)
+      : start(static_cast<uint32_t>(first)),
+        step(static_cast<uint32_t>(increment)),
+        ramp(Indices() * step) {}
+
+  ZIRK_INLINE uint32_t At(int i) const { return start + static_cast<uint32_t>(i) * step; }
+  ZIRK_INLINE int WholePart(int i) const { return static_cast<int32_t>(At(i)) >> 16; }
   /// A vector of them, from position `i` on.
-  ZIRK_INLINE Pixels From(int i) const {
-    return start + (Indices() + static_cast<uint32_t>(i)) * step;
-  }
+  ZIRK_INLINE Pixels From(int i) const { return Splat(At(i)) + ramp; }
 };
 
-ZIRK_INLINE Integers WholeParts(Pixels positions) {
-  return (Integers)positions >> 16;
-}
-
-/// The weights of positions, 8 bits of their fractions, each in both halves.
-ZIRK_INLINE Pixels Weights(Pixels positions) {
-  return BothHalves((positions >> 8) & 0xFF);
+/// Calls `f(i, pixels)` for all of a row from `begin` to `end`, the last vector of which overlaps
+/// the one before.
+template <typename F>
+ZIRK_INLINE void ForRow(int begin, int end, F&& f) {
+  if (end - begin < kLanes) return f(begin, Some{end - begin});
+  const int last = end - kLanes;
+  for (int i = begin; i < end; i += kLanes) f(i < last ? i : last, Full());
 }
 
 /// Some of the neighbours may lie beyond the limits.
@@ -112,7 +116,9 @@ ZIRK_INLINE void LoadClamped(const SampleRow& s, Integers x, Integers y, Neighbo
   n.bottomRight = Gather(s.pixels, bottom + right);
 }
 
-void SampleSlanted(const SampleRow& s, Positions px, Positions py, uint32_t* out, int count) {
+void SampleSlanted(const SampleRow& row, uint32_t* out, int count) {
+  const SampleRow s = row;  // a copy, which no store can reach
+  const Positions px(s.x, s.stepX), py(s.y, s.stepY);
   // A row is a straight line: if its ends have all their neighbours inside the limits, all have.
   // Unless it is so long that positions wrap around on the way.
   constexpr int32_t kShort = 1024 << 16;
@@ -122,7 +128,7 @@ void SampleSlanted(const SampleRow& s, Positions px, Positions py, uint32_t* out
     const int x = px.WholePart(i), y = py.WholePart(i);
     return x >= s.minX && x < s.maxX && y >= s.minY && y < s.maxY;
   };
-  for (int i = 0; i < count; i += kLanes) {
+  ForRow(0, count, [&](int i, auto pixels) ZIRK_INLINE_LAMBDA {
     const Pixels x = px.From(i), y = py.From(i);
     Neighbours n;
     if (straight && inside(i) && inside(i + kLanes - 1)) {
@@ -132,8 +138,8 @@ void SampleSlanted(const SampleRow& s, Positions px, Positions py, uint32_t* out
     } else {
       LoadClamped(s, WholeParts(x), WholeParts(y), n);
     }
-    StoreUpTo(out + i, Interpolate(n, Weights(x), Weights(y)), count - i);
-  }
+    Store(out + i, Interpolate(n, Fractions(x), Fractions(y)), pixels);
+  });
 }
 
 /// Source pixels that an enlarged row can need, and room for vectors that reach beyond on either
@@ -143,48 +149,47 @@ constexpr int kEnlargedColumns = kSampleLimit + 2 + 2 * kEnlargedMargin;
 
 /// Columns `first` to `first + count` of two rows, mixed. Beyond the limits the last column goes
 /// on.
-ZIRK_INLINE void InterpolateRows(const SampleRow& s, int y, Pixels weight, int first, int count,
-                                 uint32_t* out) {
-  const uint32_t* top = s.pixels + Clamp(y, s.minY, s.maxY) * s.pitch;
-  const uint32_t* bottom = s.pixels + Clamp(y + 1, s.minY, s.maxY) * s.pitch;
+ZIRK_INLINE void InterpolateRows(const SampleRow& s, int first, int count, uint32_t* out) {
+  const int y = s.y >> 16;
+  const Pixels weight = Fractions(Splat(static_cast<uint32_t>(s.y)));
   // Columns inside the limits, or else the one that is nearest to them.
   const int begin = Clamp(s.minX - first, 0, count - 1);
   const int end = Clamp(s.maxX + 1 - first, begin + 1, count);
   const int column = Clamp(first + begin, s.minX, s.maxX) - begin;
-  for (int i = begin; i < end; i += kLanes)
-    StoreUpTo(out + i,
-              Interpolate(LoadUpTo(top + column + i, end - i),
-                          LoadUpTo(bottom + column + i, end - i), weight),
-              end - i);
+  const uint32_t* const top = s.pixels + Clamp(y, s.minY, s.maxY) * s.pitch + column;
+  const uint32_t* const bottom = s.pixels + Clamp(y + 1, s.minY, s.maxY) * s.pitch + column;
+  ForRow(begin, end, [&](int i, auto pixels) ZIRK_INLINE_LAMBDA {
+    Store(out + i, Interpolate(Load(top + i, pixels), Load(bottom + i, pixels), weight), pixels);
+  });
   for (int i = 0; i < begin; ++i) out[i] = out[begin];
   for (int i = end; i < count; ++i) out[i] = out[end - 1];
 }
 
 /// A row that runs along one of the image's, enlarged: the two rows are mixed once, and then
 /// neighbours within.
-void SampleEnlarged(const SampleRow& s, Positions px, uint32_t* out, int count) {
+void SampleEnlarged(const SampleRow& row, uint32_t* out, int count) {
+  const SampleRow s = row;  // a copy, which no store can reach
   uint32_t mixed[kEnlargedColumns];
-  uint32_t* const columns = mixed + kEnlargedMargin;
+  const Positions px(s.x, s.stepX);
   const int a = px.WholePart(0), b = px.WholePart(count - 1);
   const int first = a < b ? a : b, last = a < b ? b : a;
-  InterpolateRows(s, s.y >> 16, BothHalves(Splat(static_cast<uint32_t>(s.y) >> 8 & 0xFF)), first,
-                  last - first + 2, columns);
-  for (int i = 0; i < count; i += kLanes) {
-    const Pixels x = px.From(i);
+  uint32_t* const columns = mixed + kEnlargedMargin;
+  InterpolateRows(s, first, last - first + 2, columns);
+  const Positions inColumns(s.x - (first << 16), s.stepX);
+  ForRow(0, count, [&](int i, auto pixels) ZIRK_INLINE_LAMBDA {
+    const Pixels x = inColumns.From(i);
     Pixels left, right;
-    LoadNearPairs(columns, WholeParts(x) - first, left, right);
-    StoreUpTo(out + i, Interpolate(left, right, Weights(x)), count - i);
-  }
+    LoadNearPairs(columns, static_cast<int32_t>(inColumns.At(i)), s.stepX, x, left, right);
+    Store(out + i, Interpolate(left, right, Fractions(x)), pixels);
+  });
 }
 
 void SampleBilinear(const SampleRow& s, uint32_t* out, int count) {
-  const Positions px = {static_cast<uint32_t>(s.x), static_cast<uint32_t>(s.stepX)};
-  const Positions py = {static_cast<uint32_t>(s.y), static_cast<uint32_t>(s.stepY)};
   const bool enlarged = s.stepX <= 65536 && s.stepX >= -65536;
   if (s.stepY == 0 && enlarged && count <= kSampleLimit)
-    SampleEnlarged(s, px, out, count);
+    SampleEnlarged(s, out, count);
   else
-    SampleSlanted(s, px, py, out, count);
+    SampleSlanted(s, out, count);
 }
 
 }  // namespace

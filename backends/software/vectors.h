@@ -7,7 +7,9 @@
 ///   DivideBy255(t)       Each 16-bit lane, a product of two channels, divided and rounded.
 ///   AddClamped(a, b)     Sums of bytes, 255 at most.
 ///   Alphas(p)            Each pixel's alpha, in both its 16-bit halves.
+///   Fractions(p)         The second byte of each pixel, in both its 16-bit halves.
 ///   IsZero(v)            Whether all of the vector is, or all coverage.
+///   IsFull(c)            Whether all coverage is 255.
 ///   Coverage             As many bytes as a vector has pixels.
 ///   Spread(c)            Each byte of coverage, in both 16-bit halves of its pixel.
 ///
@@ -22,11 +24,10 @@
 ///   Gather(p, at)        The pixels at some offsets.
 ///   LoadPairs(p, at, left, right)
 ///                        Those, and the ones to their right.
-///   LoadNearPairs(p, at, left, right)
-///                        The same where the first and the last offset are the least and the
-///                        greatest, or the other way round, and less than a vector's width apart.
-///                        As many pixels may be read from the least one on as a vector has, and
-///                        one more.
+///   LoadNearPairs(p, first, step, positions, left, right)
+///                        The same at the whole parts of positions, `first` and those that follow
+///                        by `step`, at most one pixel. From the least one on as many pixels may
+///                        be read as a vector has, and one more.
 #if defined(ZIRK_PORTABLE_KERNELS)
 #include "vectorsgeneric.h"
 #elif defined(__AVX512BW__)
@@ -87,18 +88,20 @@ ZIRK_INLINE Coverage LoadCoverage(const uint8_t* p, Full) {
   return c;
 }
 
-/// Of `n` pixels, the others 0; one of many vectors that are full.
-ZIRK_INLINE Pixels LoadUpTo(const uint32_t* p, int n) {
-  if (n >= kLanes) return Load(p, Full());
+/// Fewer pixels than a vector has, from the first on; the others are read as 0.
+struct Some {
+  int count;
+};
+
+ZIRK_INLINE Pixels Load(const uint32_t* p, Some some) {
   uint32_t pixels[kLanes] = {};
-  for (int i = 0; i < n; ++i) pixels[i] = p[i];
+  for (int i = 0; i < some.count; ++i) pixels[i] = p[i];
   return Load(pixels, Full());
 }
-ZIRK_INLINE void StoreUpTo(uint32_t* p, const Pixels& v, int n) {
-  if (n >= kLanes) return Store(p, v, Full());
+ZIRK_INLINE void Store(uint32_t* p, const Pixels& v, Some some) {
   uint32_t pixels[kLanes];
   Store(pixels, v, Full());
-  for (int i = 0; i < n; ++i) p[i] = pixels[i];
+  for (int i = 0; i < some.count; ++i) p[i] = pixels[i];
 }
 
 }  // namespace

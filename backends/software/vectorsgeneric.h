@@ -27,12 +27,19 @@ ZIRK_INLINE Pixels Alphas(Pixels p) {
   return BothHalves(p >> 24);
 }
 
+ZIRK_INLINE Pixels Fractions(Pixels p) {
+  return BothHalves((p >> 8) & 0xFF);
+}
+
 ZIRK_INLINE bool IsZero(Pixels v) {
   const auto p = (PixelPairs)v;
   return (p[0] | p[1]) == 0;
 }
 ZIRK_INLINE bool IsZero(Coverage c) {
   return c == 0;
+}
+ZIRK_INLINE bool IsFull(Coverage c) {
+  return c == ~Coverage{0};
 }
 
 ZIRK_INLINE Pixels Spread(Coverage c) {
@@ -79,8 +86,9 @@ ZIRK_INLINE void LoadPairs(const uint32_t* p, Integers at, Pixels& left, Pixels&
   left = Gather(p, at);
   right = Gather(p + 1, at);
 }
-ZIRK_INLINE void LoadNearPairs(const uint32_t* p, Integers at, Pixels& left, Pixels& right) {
-  LoadPairs(p, at, left, right);
+ZIRK_INLINE void LoadNearPairs(const uint32_t* p, int32_t, int32_t, Pixels positions, Pixels& left,
+                               Pixels& right) {
+  LoadPairs(p, WholeParts(positions), left, right);
 }
 
 }  // namespace

@@ -25,11 +25,18 @@ ZIRK_INLINE Pixels Alphas(Pixels p) {
   return BothHalves(p >> 24);
 }
 
+ZIRK_INLINE Pixels Fractions(Pixels p) {
+  return BothHalves((p >> 8) & 0xFF);
+}
+
 ZIRK_INLINE bool IsZero(Pixels v) {
   return _mm_movemask_epi8(_mm_cmpeq_epi8((__m128i)v, _mm_setzero_si128())) == 0xFFFF;
 }
 ZIRK_INLINE bool IsZero(Coverage c) {
   return c == 0;
+}
+ZIRK_INLINE bool IsFull(Coverage c) {
+  return c == ~Coverage{0};
 }
 
 ZIRK_INLINE Pixels Spread(Coverage c) {
@@ -59,17 +66,25 @@ ZIRK_INLINE Pixels Gather(const uint32_t* p, Integers at) {
 }
 
 /// Two pixels at each place.
-ZIRK_INLINE Pixels LoadTwice(const uint32_t* p, const uint32_t* q) {
-  return (Pixels)_mm_unpacklo_epi64(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)),
-                                    _mm_loadl_epi64(reinterpret_cast<const __m128i*>(q)));
+ZIRK_INLINE __m128 LoadTwice(const uint32_t* p, const uint32_t* q) {
+  const __m128 low = (__m128)_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p));
+  return _mm_loadh_pi(low, reinterpret_cast<const __m64*>(q));
 }
+
+/// Of both, one by one.
+ZIRK_INLINE void Separate(__m128 low, __m128 high, Pixels& left, Pixels& right) {
+  left = (Pixels)_mm_shuffle_ps(low, high, _MM_SHUFFLE(2, 0, 2, 0));
+  right = (Pixels)_mm_shuffle_ps(low, high, _MM_SHUFFLE(3, 1, 3, 1));
+}
+
 ZIRK_INLINE void LoadPairs(const uint32_t* p, Integers at, Pixels& left, Pixels& right) {
-  const Pixels low = LoadTwice(p + at[0], p + at[1]), high = LoadTwice(p + at[2], p + at[3]);
-  left = __builtin_shufflevector(low, high, 0, 2, 4, 6);
-  right = __builtin_shufflevector(low, high, 1, 3, 5, 7);
+  Separate(LoadTwice(p + at[0], p + at[1]), LoadTwice(p + at[2], p + at[3]), left, right);
 }
-ZIRK_INLINE void LoadNearPairs(const uint32_t* p, Integers at, Pixels& left, Pixels& right) {
-  LoadPairs(p, at, left, right);
+
+ZIRK_INLINE void LoadNearPairs(const uint32_t* p, int32_t first, int32_t step, Pixels, Pixels& left,
+                               Pixels& right) {
+  const auto at = [&](int i) ZIRK_INLINE_LAMBDA { return p + ((first + i * step) >> 16); };
+  Separate(LoadTwice(at(0), at(1)), LoadTwice(at(2), at(3)), left, right);
 }
 
 }  // namespace

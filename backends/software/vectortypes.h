@@ -63,6 +63,11 @@ ZIRK_INLINE Pixels BothHalves(Pixels v) {
   return v | (v << 16);
 }
 
+/// Of positions, 16.16 fixed point.
+ZIRK_INLINE Integers WholeParts(Pixels positions) {
+  return (Integers)positions >> 16;
+}
+
 }  // namespace
 
 }  // namespace ZIRK::backends
