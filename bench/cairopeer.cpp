@@ -126,12 +126,13 @@ class CairoPeer final : public MemoryPeer {
     return Finish();
   }
 
-  bool BlitScaled(const Rects& places, PictureId picture) override {
+  bool BlitScaled(const Rects& places, PictureId picture, bool smooth) override {
     const Picture& p = sources_[picture];
     for (const VuRect& r : places) {
       cairo_translate(context_.get(), r.x, r.y);
       cairo_scale(context_.get(), double(r.width) / p.width, double(r.height) / p.height);
-      SetFilteredSource(picture, 0, 0, CAIRO_EXTEND_PAD);
+      SetSource(picture, 0, 0, CAIRO_EXTEND_PAD,
+                smooth ? CAIRO_FILTER_BILINEAR : CAIRO_FILTER_NEAREST);
       cairo_rectangle(context_.get(), 0, 0, p.width, p.height);
       cairo_fill(context_.get());
       cairo_identity_matrix(context_.get());
@@ -144,7 +145,7 @@ class CairoPeer final : public MemoryPeer {
     for (const VuRect& r : places) {
       cairo_translate(context_.get(), r.x + r.width / 2.0, r.y + r.height / 2.0);
       cairo_rotate(context_.get(), -degrees * 3.141592653589793 / 180);
-      SetFilteredSource(picture, -p.width / 2.0, -p.height / 2.0, CAIRO_EXTEND_NONE);
+      SetSource(picture, -p.width / 2.0, -p.height / 2.0, CAIRO_EXTEND_NONE, CAIRO_FILTER_BILINEAR);
       cairo_paint(context_.get());
       cairo_identity_matrix(context_.get());
     }
@@ -152,9 +153,10 @@ class CairoPeer final : public MemoryPeer {
   }
 
  private:
-  void SetFilteredSource(PictureId picture, double x, double y, cairo_extend_t extend) {
+  void SetSource(PictureId picture, double x, double y, cairo_extend_t extend,
+                 cairo_filter_t filter) {
     cairo_set_source_surface(context_.get(), pictures_[picture].get(), x, y);
-    cairo_pattern_set_filter(cairo_get_source(context_.get()), CAIRO_FILTER_BILINEAR);
+    cairo_pattern_set_filter(cairo_get_source(context_.get()), filter);
     cairo_pattern_set_extend(cairo_get_source(context_.get()), extend);
   }
 

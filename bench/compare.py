@@ -29,7 +29,7 @@ TARGETS = {
 }
 # Operations in which it means to be level with the best peer, within what runs differ by.
 LEVEL = ("FillRect200Half", "BlitOpaque64", "BlitAlpha64", "Mask", "MaskBlit", "ScaleBilinear",
-         "Rotate128")
+         "Rotate128", "ScaleTwice")
 LEVEL_RATIO = 0.95
 FRONT_END_LIMIT = 2  # nanoseconds
 PACKER_RULE = "ShortSide"  # the one that atlases use
@@ -38,12 +38,12 @@ CACHE_LIMIT = 300  # bytes a glyph
 
 
 def measure(binary, options):
-    """Median results by operation and variant, in the order in which they are registered."""
+    """The least disturbed result by operation and variant, in the order in which they are
+    registered."""
     with tempfile.NamedTemporaryFile(suffix=".json") as out:
         subprocess.run(
             [binary, "--benchmark_repetitions=9", "--benchmark_min_time=0.03",
              "--benchmark_enable_random_interleaving=true",
-             "--benchmark_report_aggregates_only=true",
              "--benchmark_out_format=json", f"--benchmark_out={out.name}", *options],
             check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         runs = json.load(out)["benchmarks"]
@@ -52,23 +52,39 @@ def measure(binary, options):
         sys.exit("failed: " + ", ".join(failed))
     groups = collections.defaultdict(dict)
     for run in sorted(runs, key=lambda run: run["family_index"]):
-        if run.get("aggregate_name") == "median":
-            operation, variant = run["run_name"].split("/")[:2]
+        if run["run_type"] != "iteration":
+            continue
+        operation, variant = run["run_name"].split("/")[:2]
+        best = groups[operation].get(variant)
+        if best is None or cost(run) < cost(best):
             groups[operation][variant] = run
     return groups
+
+
+def cost(run):
+    """Of an item in cycles where they were counted, else of an iteration in CPU time."""
+    return run.get("cycles", run["cpu_time"])
+
+
+def speed(run):
+    """Items in a million cycles, or in a second."""
+    return 1e6 / run["cycles"] if "cycles" in run else run["items_per_second"]
 
 
 def print_operations(groups, title="Drawing: items"):
     groups = {name: runs for name, runs in groups.items() if OURS in runs and len(runs) > 1}
     peers = list(dict.fromkeys(peer for runs in groups.values() for peer in runs if peer != OURS))
-    print(f"\n{title} a second, and how many times as many as each peer")
-    print(f"{'operation':<17}{'items/s':>12}{'alloc.':>8}"
+    counted = any("cycles" in runs[OURS] for runs in groups.values())
+    unit = "a million cycles" if counted else "a second of CPU time"
+    print(f"\n{title} in {unit}, and how many times as many as each peer")
+    print(f"{'operation':<17}{'items':>12}{'instr.':>8}{'alloc.':>8}"
           + "".join(f"{peer:>9}" for peer in peers) + "   best peer  target")
     for operation, runs in groups.items():
         ours = runs[OURS]
-        ratios = {peer: ours["items_per_second"] / run["items_per_second"]
+        ratios = {peer: speed(ours) / speed(run)
                   for peer, run in runs.items() if peer != OURS}
-        line = f"{operation:<17}{ours['items_per_second']:>12.0f}{ours['allocations']:>8.2g}"
+        instructions = f"{ours['instructions']:.0f}" if "instructions" in ours else "-"
+        line = f"{operation:<17}{speed(ours):>12.0f}{instructions:>8}{ours['allocations']:>8.2g}"
         line += "".join(f"{ratios[peer]:>9.2f}" if peer in ratios else f"{'-':>9}" for peer in peers)
         best = min((peer for peer in ratios if peer != "memset"), key=ratios.get)
         line += f"   {best:<9}"

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "support/allocations.h"
+#include "measure.h"
 
 namespace ZIRK::bench {
 
@@ -13,25 +13,28 @@ namespace {
 constexpr VuColor kOpaque{0xFF336699};
 constexpr VuColor kHalf{0x80CC6633};
 
-void MeasureOperation(benchmark::State& state, Peer& peer, const Operation& operation) {
-  const Batch batch = operation.MakeItems();
-  operation.draw(peer, batch);
-  const int before = support::Allocations();
-  for (auto _ : state) operation.draw(peer, batch);
-  const int after = support::Allocations();
-  state.SetItemsProcessed(state.iterations() * operation.count);
-  state.counters["allocations"] = benchmark::Counter(
-      static_cast<double>(after - before) / operation.count, benchmark::Counter::kAvgIterations);
-}
-
 /// The least that filling the surface can cost.
 void MeasureMemset(benchmark::State& state) {
   std::vector<uint32_t> surface(size_t{kWidth} * kHeight);
-  for (auto _ : state) {
+  Measure(state, 1, [&] {
     std::memset(surface.data(), 0x99, surface.size() * sizeof surface[0]);
     benchmark::ClobberMemory();
-  }
-  state.SetItemsProcessed(state.iterations());
+  });
+}
+
+/// The least that an upload can cost.
+void MeasureMemcpy(benchmark::State& state) {
+  const Picture picture = MakePictures()[Opaque64];
+  const Batch batch = MakeBatch(200, picture.width, picture.height);
+  std::vector<uint32_t> surface(size_t{kWidth} * kHeight);
+  const auto width = static_cast<size_t>(picture.width);
+  Measure(state, 200, [&] {
+    for (const VuRect& r : batch.places)
+      for (int y = 0; y < r.height; ++y)
+        std::memcpy(&surface[static_cast<size_t>((r.y + y) * kWidth + r.x)],
+                    &picture.pixels[static_cast<size_t>(y) * width], width * 4);
+    benchmark::ClobberMemory();
+  });
 }
 
 }  // namespace
@@ -58,9 +61,15 @@ const std::vector<Operation> kOperations = {
     {"MaskBlit", 200, 64, 64,
      [](Peer& p, const Batch& b) { return p.BlitMasked(b.places, Alpha64, Mask64); }, 1, 2},
     {"ScaleBilinear", 50, 200, 200,
-     [](Peer& p, const Batch& b) { return p.BlitScaled(b.places, Alpha128); }, 1, 3},
+     [](Peer& p, const Batch& b) { return p.BlitScaled(b.places, Alpha128, true); }, 1, 3},
+    {"ScaleTwice", 100, 128, 128,
+     [](Peer& p, const Batch& b) { return p.BlitScaled(b.places, Opaque64, false); }, 1, 0},
     {"Rotate128", 50, 180, 180,
      [](Peer& p, const Batch& b) { return p.BlitRotated(b.places, Alpha128, 30); }, 1, 4},
+    {"Upload", 200, 64, 64, [](Peer& p, const Batch& b) { return p.Upload(b.places, Alpha64); }, 1,
+     0},
+    {"UploadOpaque", 200, 64, 64,
+     [](Peer& p, const Batch& b) { return p.Upload(b.places, Opaque64); }, 1, 0},
     // Which pixels a line consists of is everybody's own choice.
     {"Line100", 500, 201, 201,
      [](Peer& p, const Batch& b) { return p.DrawLines(b.lines, kOpaque); }, 8, 4},
@@ -73,11 +82,14 @@ void RegisterOperations(const Peers& peers) {
       if (!operation.draw(*peer, batch)) continue;
       const std::string name = std::string(operation.name) + "/" + peer->Name();
       benchmark::RegisterBenchmark(name.c_str(), [&](benchmark::State& state) {
-        MeasureOperation(state, *peer, operation);
+        const Batch items = operation.MakeItems();
+        Measure(state, operation.count, [&] { operation.draw(*peer, items); });
       })->Unit(benchmark::kMicrosecond);
     }
   }
   benchmark::RegisterBenchmark("FillOpaque/memset", MeasureMemset)->Unit(benchmark::kMicrosecond);
+  for (const char* const name : {"Upload/memcpy", "UploadOpaque/memcpy"})
+    benchmark::RegisterBenchmark(name, MeasureMemcpy)->Unit(benchmark::kMicrosecond);
 }
 
 }  // namespace ZIRK::bench

@@ -26,10 +26,13 @@ class Peer {
   /// Each pixel multiplied with the place's opaque colour.
   virtual bool BlitTinted(const Rects& places, PictureId picture, const Colors& colors) = 0;
   virtual bool BlitMasked(const Rects& places, PictureId picture, MaskId mask) = 0;
-  /// Stretched to the place, filtered bilinearly.
-  virtual bool BlitScaled(const Rects& places, PictureId picture) = 0;
+  /// Stretched to the place, filtered bilinearly if `smooth`.
+  virtual bool BlitScaled(const Rects& places, PictureId picture, bool smooth) = 0;
   /// Turned counter-clockwise around the place's middle, filtered bilinearly.
   virtual bool BlitRotated(const Rects& places, PictureId picture, double degrees) = 0;
+
+  /// Pixels from memory, of the picture's format, into a surface of that format.
+  virtual bool Upload(const Rects&, PictureId) { return false; }
 
   /// Copies the surface to kWidth * kHeight pixels.
   virtual void Read(uint32_t* out) = 0;

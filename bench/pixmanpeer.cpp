@@ -89,15 +89,17 @@ class PixmanPeer final : public MemoryPeer {
     return true;
   }
 
-  bool BlitScaled(const Rects& places, PictureId picture) override {
+  bool BlitScaled(const Rects& places, PictureId picture, bool smooth) override {
     const Image& source = pictures_[picture];
+    const pixman_op_t op = sources_[picture].opaque ? PIXMAN_OP_SRC : PIXMAN_OP_OVER;
+    const pixman_filter_t filter = smooth ? PIXMAN_FILTER_BILINEAR : PIXMAN_FILTER_NEAREST;
     for (const VuRect& r : places) {
       pixman_transform_t toSource;
       pixman_transform_init_scale(
           &toSource, pixman_double_to_fixed(double(sources_[picture].width) / r.width),
           pixman_double_to_fixed(double(sources_[picture].height) / r.height));
-      SetSampling(source, PIXMAN_FILTER_BILINEAR, PIXMAN_REPEAT_PAD, &toSource);
-      Composite(PIXMAN_OP_OVER, source, nullptr, r);
+      SetSampling(source, filter, PIXMAN_REPEAT_PAD, &toSource);
+      Composite(op, source, nullptr, r);
     }
     SetSampling(source, PIXMAN_FILTER_NEAREST, PIXMAN_REPEAT_NONE, nullptr);
     return true;

@@ -89,8 +89,8 @@ class QtPeer final : public MemoryPeer {
     return Finish();
   }
 
-  bool BlitScaled(const Rects& places, PictureId picture) override {
-    painter_.setRenderHint(QPainter::SmoothPixmapTransform);
+  bool BlitScaled(const Rects& places, PictureId picture, bool smooth) override {
+    painter_.setRenderHint(QPainter::SmoothPixmapTransform, smooth);
     for (const VuRect& r : places)
       painter_.drawImage(QRect(r.x, r.y, r.width, r.height), pictures_[picture]);
     return Finish();

@@ -82,8 +82,9 @@ class SdlPeer final : public MemoryPeer {
 
   bool BlitMasked(const Rects&, PictureId, MaskId) override { return false; }
 
-  bool BlitScaled(const Rects& places, PictureId picture) override {
-    SDL_SetTextureScaleMode(pictures_[picture].get(), SDL_ScaleModeLinear);
+  bool BlitScaled(const Rects& places, PictureId picture, bool smooth) override {
+    SDL_SetTextureScaleMode(pictures_[picture].get(),
+                            smooth ? SDL_ScaleModeLinear : SDL_ScaleModeNearest);
     return Blit(places, picture);
   }
 

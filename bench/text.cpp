@@ -6,7 +6,7 @@
 
 #include <string>
 
-#include "support/allocations.h"
+#include "measure.h"
 #include "textpeer.h"
 
 namespace ZIRK::bench {
@@ -36,18 +36,6 @@ std::string OpenedCharacters() {
 }
 
 namespace {
-
-/// `work` does `items` of them.
-template <typename Work>
-void Measure(benchmark::State& state, int items, Work work) {
-  work();
-  const int before = support::Allocations();
-  for (auto _ : state) work();
-  const int after = support::Allocations();
-  state.SetItemsProcessed(state.iterations() * items);
-  state.counters["allocations"] = benchmark::Counter(static_cast<double>(after - before) / items,
-                                                     benchmark::Counter::kAvgIterations);
-}
 
 template <typename Work>
 void Enlist(const char* operation, const TextPeer& peer, int items, Work work) {

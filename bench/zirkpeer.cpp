@@ -11,8 +11,9 @@ class ZirkPeer final : public Peer {
   ZirkPeer(const char* name, std::unique_ptr<VuGraphics> graphics)
       : name_(name),
         graphics_(std::move(graphics)),
-        target_(graphics_->CreateBitmap(kWidth, kHeight, VuPixelFormat::ARGB8888)) {
-    for (const Picture& p : MakePictures())
+        target_(graphics_->CreateBitmap(kWidth, kHeight, VuPixelFormat::ARGB8888)),
+        opaqueTarget_(graphics_->CreateBitmap(kWidth, kHeight, VuPixelFormat::XRGB8888)) {
+    for (const Picture& p : sources_)
       pictures_.push_back(MakeBitmap(p.width, p.height,
                                      p.opaque ? VuPixelFormat::XRGB8888 : VuPixelFormat::ARGB8888,
                                      p.pixels.data(), p.width * 4));
@@ -58,8 +59,8 @@ class ZirkPeer final : public Peer {
     return Finish();
   }
 
-  bool BlitScaled(const Rects& places, PictureId picture) override {
-    pictures_[picture]->SetScaleMode(VuScaleMode::Bilinear);
+  bool BlitScaled(const Rects& places, PictureId picture, bool smooth) override {
+    pictures_[picture]->SetScaleMode(smooth ? VuScaleMode::Bilinear : VuScaleMode::Nearest);
     return Blit(places, picture);
   }
 
@@ -74,6 +75,14 @@ class ZirkPeer final : public Peer {
                           static_cast<float>(degrees));
       target_->DrawObject(centred, source, t);
     }
+    return Finish();
+  }
+
+  bool Upload(const Rects& places, PictureId picture) override {
+    const Picture& p = sources_[picture];
+    VuBitmap& target = p.opaque ? *opaqueTarget_ : *target_;
+    for (const VuRect& r : places)
+      target.SetPixels(r, p.pixels.data(), static_cast<unsigned>(p.width * 4));
     return Finish();
   }
 
@@ -94,7 +103,9 @@ class ZirkPeer final : public Peer {
 
   const char* const name_;
   std::unique_ptr<VuGraphics> graphics_;
+  const std::vector<Picture> sources_ = MakePictures();
   std::unique_ptr<VuBitmap> target_;
+  std::unique_ptr<VuBitmap> opaqueTarget_;
   std::vector<std::unique_ptr<VuBitmap>> pictures_;
   std::vector<std::unique_ptr<VuBitmap>> masks_;
 };
