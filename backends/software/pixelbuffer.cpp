@@ -3,6 +3,7 @@
 #include <new>
 
 #include "geometry/surfaceformat.h"
+#include "software/kernelchoice.h"
 #include "surface/drawmemory.h"
 
 namespace ZIRK::backends {
@@ -34,11 +35,12 @@ bool PixelBuffer::Allocate(Contents contents) {
 
 void PixelBuffer::RestoreOpaqueBits(const Box& box) {
   const uint32_t opaque = OpaqueBits();
-  if (opaque == 0) return;
-  for (int y = box.y0; y < box.y1; ++y) {
-    uint32_t* row = Row32(y);
-    for (int x = box.x0; x < box.x1; ++x) row[x] |= opaque;
-  }
+  if (opaque == 0 || box.IsEmpty()) return;
+  PixelSpan span = {Row32(box.y0) + box.x0, Pitch32(), box.Width(), box.Height()};
+  span.src = span.dst;
+  span.srcPitch = span.dstPitch;
+  span.opaque = opaque;
+  BestKernels().blit[Kernels::Source][false][false](span);
 }
 
 pixman_image_t* PixelBuffer::Image() const {
