@@ -97,7 +97,8 @@ bool Painter::DrawUnscaled(const RectD& dst, const Source& src, const RectD& src
 void Painter::DrawCoverageIndirect(const Box& box, const PixelBuffer& src, int moveX, int moveY,
                                    uint32_t color) {
   const SourceSampler texture(src, moveX, moveY);
-  if (!PaintAligned(box, &texture, color, nullptr, false)) PaintRows(box, &texture, color, nullptr);
+  if (!PaintAligned(box, &texture, color, nullptr, false))
+    PaintRows(box, &texture, color, nullptr, false);
 }
 
 /// Whole pixels of one colour, or of an aligned texture.
@@ -108,7 +109,7 @@ void Painter::PaintBox(const Box& whole, const SourceSampler* texture, uint32_t 
   if (!texture && blender_.IsDirect()) return blender_.FillDirect(box, color, IsOpaque(color));
   const bool opaque = IsOpaque(color) && (!texture || texture->Pixels().IsOpaque());
   if (PaintAligned(box, texture, color, nullptr, opaque)) return;
-  PaintRows(box, texture, color, nullptr);
+  PaintRows(box, texture, color, nullptr, opaque);
 }
 
 /// Draws `quad`, a part of `whole`, over which the mask lies.
@@ -127,7 +128,7 @@ void Painter::Paint(const MappedQuad& quad, const MappedQuad& whole, const Sourc
   if (!quad.hardEdged) return PaintSlanted(quad, box, texture, color, maskOrNull);
   const bool opaque = IsOpaque(color) && (!texture || texture->Pixels().IsOpaque()) && !mask;
   if (PaintAligned(box, texture, color, maskOrNull, opaque)) return;
-  PaintRows(box, texture, color, maskOrNull);
+  PaintRows(box, texture, color, maskOrNull, opaque);
 }
 
 /// All rows at once, where source and mask, if any, need no resampling.
@@ -170,10 +171,25 @@ bool Painter::PaintAligned(const Box& box, const SourceSampler* texture, uint32_
   return true;
 }
 
+/// Whole pixels, row by row, or as many rows at once as are the same.
 void Painter::PaintRows(const Box& box, const SourceSampler* texture, uint32_t color,
-                        const MaskSampler* mask) {
-  const QuadCoverage::Row row = {box.x0, box.x0, box.x1, box.x1};
-  for (int y = box.y0; y < box.y1; ++y) PaintRow(row, y, texture, color, mask, nullptr);
+                        const MaskSampler* mask, bool opaque) {
+  if (mask || !texture) {
+    const QuadCoverage::Row row = {box.x0, box.x0, box.x1, box.x1};
+    for (int y = box.y0; y < box.y1; ++y) PaintRow(row, y, texture, color, mask, nullptr);
+    return;
+  }
+  uint32_t scratch[kChunk];
+  for (int y = box.y0, next; y < box.y1; y = next) {
+    next = y + texture->SameRows(box.x0, y, box.y1);
+    for (int x = box.x0; x < box.x1; x += kChunk) {
+      const Box part = {x, y, std::min(x + kChunk, box.x1), next};
+      PixelSpan span = {};
+      span.src = texture->Row(x, y, part.Width(), scratch);
+      span.color = color;
+      blender_.Draw(part, span, opaque);
+    }
+  }
 }
 
 void Painter::PaintSlanted(const MappedQuad& quad, const Box& box, const SourceSampler* texture,

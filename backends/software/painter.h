@@ -72,7 +72,7 @@ class Painter {
   bool PaintAligned(const Box& box, const SourceSampler* texture, uint32_t color,
                     const MaskSampler* mask, bool opaque);
   void PaintRows(const Box& box, const SourceSampler* texture, uint32_t color,
-                 const MaskSampler* mask);
+                 const MaskSampler* mask, bool opaque);
   void PaintSlanted(const MappedQuad& quad, const Box& box, const SourceSampler* texture,
                     uint32_t color, const MaskSampler* mask);
   void PaintRow(const QuadCoverage::Row& row, int y, const SourceSampler* texture, uint32_t color,

@@ -19,8 +19,9 @@ ZIRK_INLINE Integers Clamp(Integers v, int low, int high) {
 }
 
 /// Nearest pixels along one axis of the image. Positions are unsigned: they may wrap around.
-ZIRK_INLINE void SampleAlong(const uint32_t* pixels, ptrdiff_t pitch, int32_t first, int32_t step,
-                             int32_t rest, int min, int max, uint32_t* out, int count) {
+ZIRK_INLINE void SampleClampedAlong(const uint32_t* pixels, ptrdiff_t pitch, int32_t first,
+                                    int32_t step, int32_t rest, int min, int max, uint32_t* out,
+                                    int count) {
   uint32_t position = static_cast<uint32_t>(first);
   int32_t rests = 0;  // all `rest` so far, which is too small to be added to a position
   for (int i = 0; i < count; ++i) {
@@ -29,6 +30,19 @@ ZIRK_INLINE void SampleAlong(const uint32_t* pixels, ptrdiff_t pitch, int32_t fi
     position += static_cast<uint32_t>(step);
     rests += rest;
   }
+}
+
+/// The same, by fewer steps where no position lies beyond the limits, as is usual.
+ZIRK_INLINE void SampleAlong(const uint32_t* pixels, ptrdiff_t pitch, int32_t first, int32_t step,
+                             int32_t rest, int min, int max, uint32_t* out, int count) {
+  // 32.32 fixed point.
+  int64_t position = int64_t{first} * 65536;
+  const int64_t increment = int64_t{step} * 65536 + rest;
+  const auto isInside = [=](int64_t p) { return p >> 32 >= min && p >> 32 <= max; };
+  if (!isInside(position) || !isInside(position + (count - 1) * increment))
+    return SampleClampedAlong(pixels, pitch, first, step, rest, min, max, out, count);
+  for (int i = 0; i < count; ++i, position += increment)
+    out[i] = pixels[static_cast<ptrdiff_t>(position >> 32) * pitch];
 }
 
 void SampleNearest(const SampleRow& s, uint32_t* out, int count) {

@@ -157,6 +157,14 @@ const uint32_t* SourceSampler::Row(int x, int y, int count, uint32_t* scratch) c
   return scratch;
 }
 
+int SourceSampler::SameRows(int x, int y, int end) const {
+  if (aligned_ || bilinear_ || toTexture_.dx.y != 0 || toTexture_.dy.x != 0) return 1;
+  const auto rowOf = [&](int at) { return ToFixed(toTexture_(x + 0.5, at + 0.5).y) >> 16; };
+  int next = y + 1;
+  for (const int row = rowOf(y); next < end && rowOf(next) == row;) ++next;
+  return next - y;
+}
+
 uint32_t SourceSampler::At(Point position) const {
   uint32_t pixel;
   Sample(position, 1, &pixel);

@@ -37,6 +37,10 @@ class SourceSampler {
   /// `scratch`, or stand where the result points.
   const uint32_t* Row(int x, int y, int count, uint32_t* scratch) const;
 
+  /// How many rows from `y` on, up to `end`, have the same pixels from `x` on: more than one where
+  /// nearest pixels are enlarged upright.
+  int SameRows(int x, int y, int end) const;
+
   /// One position, for what does not run along a row.
   uint32_t At(Point position) const;
 
