@@ -139,15 +139,35 @@ void Blender::Run(const PixelSpan& span, Kernels::Operator op) const {
     kernels_.fill[op][covered](span);
 }
 
-void Blender::Draw(const Box& box, PixelSpan& shading, bool opaque) {
-  if (IsDirect()) {
+/// Null where there is none.
+Kernels::SpanKernel Blender::KernelFor565(const PixelSpan& span, Kernels::Operator op) const {
+  const bool covered = span.coverage != nullptr;
+  if (!span.src) return kernels_.fill565[op][covered];
+  return covered || span.color != 0xFFFFFFFFu ? nullptr : kernels_.blit565[op];
+}
+
+bool Blender::DrawDirect(const Box& box, PixelSpan& shading, bool opaque) {
+  if (factors_) return false;
+  const Kernels::Operator op = Simplified(opaque);
+  shading.width = box.Width();
+  shading.height = box.Height();
+  if (is32Bit_) {
     shading.dst = target_.Row32(box.y0) + box.x0;
     shading.dstPitch = target_.Pitch32();
-    shading.width = box.Width();
-    shading.height = box.Height();
     shading.opaque = target_.OpaqueBits();
-    return Run(shading, Simplified(opaque));
+    Run(shading, op);
+    return true;
   }
+  const Kernels::SpanKernel kernel = KernelFor565(shading, op);
+  if (!kernel || target_.Format() != VuPixelFormat::RGB565) return false;
+  shading.dst565 = reinterpret_cast<uint16_t*>(target_.Row(box.y0)) + box.x0;
+  shading.dstPitch = target_.Pitch() / 2;
+  kernel(shading);
+  return true;
+}
+
+void Blender::Draw(const Box& box, PixelSpan& shading, bool opaque) {
+  if (DrawDirect(box, shading, opaque)) return;
   PixelSpan span = shading;
   span.height = 1;
   for (int y = box.y0; y < box.y1; ++y) {

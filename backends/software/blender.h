@@ -20,7 +20,8 @@ void BlendByFactors(uint32_t* dst, const uint32_t* src, int count, const BlendFa
 /// Where a source is said to be opaque, it is so in every pixel, and covers every pixel wholly.
 class Blender {
  public:
-  explicit Blender(PixelBuffer& target) : target_(target), kernels_(BestKernels()) {}
+  explicit Blender(PixelBuffer& target)
+      : target_(target), is32Bit_(target.Is32Bit()), kernels_(BestKernels()) {}
 
   /// Takes the blending function from `state`. Comes before everything else.
   void Update(const SurfaceState& state);
@@ -31,12 +32,16 @@ class Blender {
   }
 
   /// Whether Draw() works on the target's own pixels, any number of rows at a time.
-  bool IsDirect() const { return !factors_ && target_.Is32Bit(); }
+  bool IsDirect() const { return !factors_ && is32Bit_; }
 
   /// Draws `shading` on the pixels of `box`, which lie on the target. Of `shading` only the source
   /// (pixels, colour, coverage) is looked at; the rest is filled in. Colour alone draws a flat
   /// colour; with source pixels it is multiplied with them.
   void Draw(const Box& box, PixelSpan& shading, bool opaque);
+
+  /// The same by a kernel that works on the target's own pixels: where IsDirect(), and for some of
+  /// what is drawn on RGB565. False, with nothing drawn, where there is no such kernel.
+  bool DrawDirect(const Box& box, PixelSpan& shading, bool opaque);
 
   /// The same with one colour, where IsDirect().
   void FillDirect(const Box& box, uint32_t color, bool opaque) {
@@ -44,16 +49,6 @@ class Blender {
     span.color = color;
     span.opaque = target_.OpaqueBits();
     kernels_.fill[Simplified(opaque)][false](span);
-  }
-
-  /// One colour through coverage, where IsDirect().
-  void CoverDirect(const Box& box, const uint8_t* coverage, ptrdiff_t pitch, uint32_t color) {
-    PixelSpan span{target_.Row32(box.y0) + box.x0, target_.Pitch32(), box.Width(), box.Height()};
-    span.color = color;
-    span.coverage = coverage;
-    span.coveragePitch = pitch;
-    span.opaque = target_.OpaqueBits();
-    kernels_.fill[operator_][true](span);
   }
 
   /// The same as Draw() by Pixman, which has fast paths for narrow formats and for the usual
@@ -72,9 +67,11 @@ class Blender {
  private:
   Kernels::Operator Simplified(bool opaque) const { return opaque ? Kernels::Source : operator_; }
   void Run(const PixelSpan& span, Kernels::Operator op) const;
+  Kernels::SpanKernel KernelFor565(const PixelSpan& span, Kernels::Operator op) const;
   void DrawIndirect(int x, int y, PixelSpan span, bool opaque);
 
   PixelBuffer& target_;
+  const bool is32Bit_;
   const Kernels& kernels_;
   Kernels::Operator operator_ = Kernels::Source;
   std::optional<BlendFactors> factors_;  ///< Set where neither operator will do.

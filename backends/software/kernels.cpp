@@ -145,6 +145,8 @@ const Kernels ZIRK_KERNELS = {
       {Blit<false, true, false>, Blit<false, true, true>}},
      {{Blit<true, false, false>, Blit<true, false, true>},
       {Blit<true, true, false>, Blit<true, true, true>}}},
+    {},
+    {},
     SampleNearest,
     SampleBilinear,
 };

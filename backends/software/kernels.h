@@ -22,7 +22,8 @@ struct PixelSpan {
   uint32_t color = 0;                 ///< Colour drawn, or multiplied with each source pixel.
   const uint8_t* coverage = nullptr;  ///< 0 to 255 for each pixel.
   ptrdiff_t coveragePitch = 0;
-  uint32_t opaque = 0;  ///< 0xFF000000 for a destination without alpha, else 0.
+  uint32_t opaque = 0;         ///< 0xFF000000 for a destination without alpha, else 0.
+  uint16_t* dst565 = nullptr;  ///< Instead of `dst`, for a destination of RGB565.
 };
 
 /// Where a row of pixels is read from an image: 16.16 fixed point positions in pixels, `x` and `y`
@@ -58,6 +59,11 @@ struct Kernels {
   SpanKernel fill[2][2];
   /// Source pixels: [operator][multiplied by the colour][has coverage].
   SpanKernel blit[2][2][2];
+
+  /// The same onto RGB565, what there is of it: [operator][has coverage], and source pixels as they
+  /// are by [operator]. Null where such pixels are to be widened, drawn on and narrowed again.
+  SpanKernel fill565[2][2];
+  SpanKernel blit565[2];
 
   SampleKernel sampleNearest;
   SampleKernel sampleBilinear;

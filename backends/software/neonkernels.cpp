@@ -40,6 +40,12 @@ void FillSource(const PixelSpan& s) {
   FillRows(s.dst, s, color, vreinterpretq_u8_u32(vdupq_n_u32(color)));
 }
 
+void FillSource565(const PixelSpan& s) {
+  const auto color = static_cast<uint16_t>((s.color >> 8 & 0xF800) | (s.color >> 5 & 0x07E0) |
+                                           (s.color >> 3 & 0x001F));
+  FillRows(s.dst565, s, color, vreinterpretq_u8_u16(vdupq_n_u16(color)));
+}
+
 template <typename Format>
 void FillOver(const PixelSpan& s) {
   const Pixels color = Splat(s.color);
@@ -127,6 +133,8 @@ const Kernels kNeonKernels = {
       {Blit<Argb8888, false, true, false>, Blit<Argb8888, false, true, true>}},
      {{Blit<Argb8888, true, false, false>, Blit<Argb8888, true, false, true>},
       {Blit<Argb8888, true, true, false>, Blit<Argb8888, true, true, true>}}},
+    {{FillSource565, nullptr}, {FillOver<Rgb565>, CoverOver<Rgb565>}},
+    {Blit<Rgb565, false, false, false>, Blit<Rgb565, true, false, false>},
     SampleNearest,
     SampleBilinear,
 };

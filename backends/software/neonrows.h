@@ -87,6 +87,51 @@ struct Argb8888 {
   }
 };
 
+/// Pixels of 16 bits. Channels are widened by repeating their bits, and narrowed by dropping the
+/// low ones.
+struct Rgb565 {
+  using Stored = uint16_t;
+
+  static uint16_t* Target(const PixelSpan& s) { return s.dst565; }
+
+  ZIRK_INLINE static Pixels Load(const uint16_t* p, Eight) { return Widen(vld1q_u16(p)); }
+  ZIRK_INLINE static void Store(uint16_t* p, const Pixels& v, Eight) { vst1q_u16(p, Narrow(v)); }
+
+  ZIRK_INLINE static Pixels Load(const uint16_t* p, TwoFours pixels) {
+    return Widen(vcombine_u16(vld1_u16(p), vld1_u16(p + pixels.second)));
+  }
+  ZIRK_INLINE static void Store(uint16_t* p, const Pixels& v, TwoFours pixels) {
+    const uint16x8_t narrow = Narrow(v);
+    vst1_u16(p, vget_low_u16(narrow));
+    vst1_u16(p + pixels.second, vget_high_u16(narrow));
+  }
+
+  ZIRK_INLINE static Pixels Load(const uint16_t* p, OneToThree pixels) {
+    uint16x8_t v = vld1q_dup_u16(p);
+    if (pixels.count > 1) v = vld1q_lane_u16(p + 1, v, 1);
+    if (pixels.count > 2) v = vld1q_lane_u16(p + 2, v, 2);
+    return Widen(v);
+  }
+  ZIRK_INLINE static void Store(uint16_t* p, const Pixels& v, OneToThree pixels) {
+    const uint16x8_t narrow = Narrow(v);
+    vst1q_lane_u16(p, narrow, 0);
+    if (pixels.count > 1) vst1q_lane_u16(p + 1, narrow, 1);
+    if (pixels.count > 2) vst1q_lane_u16(p + 2, narrow, 2);
+  }
+
+ private:
+  ZIRK_INLINE static Pixels Widen(uint16x8_t p) {
+    const Channel red = vshrn_n_u16(p, 8), green = vshrn_n_u16(p, 3);
+    const Channel blue = vshl_n_u8(vmovn_u16(p), 3);
+    return {{vsri_n_u8(blue, blue, 5), vsri_n_u8(green, green, 6), vsri_n_u8(red, red, 5),
+             vdup_n_u8(255)}};
+  }
+  ZIRK_INLINE static uint16x8_t Narrow(const Pixels& v) {
+    const uint16x8_t redGreen = vsriq_n_u16(vshll_n_u8(v.val[2], 8), vshll_n_u8(v.val[1], 8), 5);
+    return vsriq_n_u16(redGreen, vshll_n_u8(v.val[0], 8), 11);
+  }
+};
+
 /// A row of the destination, and what is drawn on it.
 template <typename Format>
 struct Row {

@@ -3,6 +3,7 @@
 //
 //   Edges on whole pixels; source and mask, if any, unscaled, and the mask A8:
 //     directly, with a 32-bit source, or A8 and no mask   all rows at once by the kernels
+//     on RGB565, the same where there is a kernel         all rows at once by that kernel
 //     not directly                                        all rows at once by Pixman
 //   Anything else, and what Pixman cannot do              row by row: PaintRow()
 //   Slanted or masked lines                               pixel by pixel: painterline.cpp
@@ -15,6 +16,32 @@
 #include "geometry/surfaceformat.h"
 
 namespace ZIRK::backends {
+
+namespace {
+
+/// Whether the kernels can read an aligned texture and mask, if any, where they are; then `shading`
+/// says where.
+bool AreInPlace(const Box& box, const SourceSampler* texture, const MaskSampler* mask,
+                PixelSpan& shading) {
+  if (mask) {
+    shading.coverage = mask->Row(box.x0, box.y0, box.Width(), nullptr);
+    shading.coveragePitch = mask->Pitch();
+  }
+  if (!texture) return true;
+  const PixelBuffer& pixels = texture->Pixels();
+  if (pixels.Is32Bit()) {
+    shading.src = texture->Row(box.x0, box.y0, box.Width(), nullptr);
+    shading.srcPitch = pixels.Pitch32();
+    return true;
+  }
+  if (mask || pixels.Format() != VuPixelFormat::A8) return false;
+  // White of an alpha, times a colour, is that colour with that coverage.
+  shading.coverage = pixels.Row(texture->AlignedY(box.y0)) + texture->AlignedX(box.x0);
+  shading.coveragePitch = pixels.Pitch();
+  return true;
+}
+
+}  // namespace
 
 Painter::Painter(PixelBuffer& target, const SurfaceState& state)
     : target_(target), state_(state), blender_(target), revision_(state) {}
@@ -135,40 +162,23 @@ void Painter::Paint(const MappedQuad& quad, const MappedQuad& whole, const Sourc
 bool Painter::PaintAligned(const Box& box, const SourceSampler* texture, uint32_t color,
                            const MaskSampler* mask, bool opaque) {
   if ((texture && !texture->IsAligned()) || (mask && !mask->IsInPlace())) return false;
-  if (!blender_.IsDirect()) {
-    Blender::PixmanSource source;
-    source.color = color;
-    if (texture) {
-      source.source = &texture->Pixels();
-      source.sourceX = texture->AlignedX(box.x0);
-      source.sourceY = texture->AlignedY(box.y0);
-    }
-    if (mask) {
-      source.mask = &mask->Texels().Pixels();
-      source.maskX = mask->Texels().AlignedX(box.x0);
-      source.maskY = mask->Texels().AlignedY(box.y0);
-    }
-    return blender_.DrawByPixman(box, source, opaque);
-  }
-  // White of an alpha, times a colour, is that colour with that coverage.
-  if (texture && !mask && texture->Pixels().Format() == VuPixelFormat::A8) {
-    const uint8_t* const row = texture->Pixels().Row(texture->AlignedY(box.y0));
-    blender_.CoverDirect(box, row + texture->AlignedX(box.x0), texture->Pixels().Pitch(), color);
-    return true;
-  }
-  if (texture && !texture->Pixels().Is32Bit()) return false;
   PixelSpan span = {};
   span.color = color;
+  if (AreInPlace(box, texture, mask, span) && blender_.DrawDirect(box, span, opaque)) return true;
+  if (blender_.IsDirect()) return false;
+  Blender::PixmanSource source;
+  source.color = color;
   if (texture) {
-    span.src = texture->Row(box.x0, box.y0, box.Width(), nullptr);
-    span.srcPitch = texture->Pixels().Pitch32();
+    source.source = &texture->Pixels();
+    source.sourceX = texture->AlignedX(box.x0);
+    source.sourceY = texture->AlignedY(box.y0);
   }
   if (mask) {
-    span.coverage = mask->Row(box.x0, box.y0, box.Width(), nullptr);
-    span.coveragePitch = mask->Pitch();
+    source.mask = &mask->Texels().Pixels();
+    source.maskX = mask->Texels().AlignedX(box.x0);
+    source.maskY = mask->Texels().AlignedY(box.y0);
   }
-  blender_.Draw(box, span, opaque);
-  return true;
+  return blender_.DrawByPixman(box, source, opaque);
 }
 
 /// Whole pixels, row by row, or as many rows at once as are the same.

@@ -105,10 +105,11 @@ inline bool SoftwareRenderer::DrawGlyph(const TextLayout::Glyph& glyph,
   if (box.IsEmpty()) return true;
   Touch(box);
   const int moveX = from.x - left, moveY = from.y - top;
-  if (Blending().IsDirect())
-    Blending().CoverDirect(box, atlas->Row(box.y0 + moveY) + box.x0 + moveX, atlas->Pitch(),
-                           style.premultiplied);
-  else
+  PixelSpan shading = {};
+  shading.color = style.premultiplied;
+  shading.coverage = atlas->Row(box.y0 + moveY) + box.x0 + moveX;
+  shading.coveragePitch = atlas->Pitch();
+  if (!Blending().DrawDirect(box, shading, false))
     DrawCoverageIndirect(box, *atlas, moveX, moveY, style.premultiplied);
   return true;
 }

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "geometry/pixelmath.h"
+#include "geometry/pixeltraits.h"
 #include "helpers/logged.h"
 #include "software/kernelchoice.h"
 
@@ -90,6 +91,37 @@ void CheckSpan(const Kernels& kernels, const Case& c, int width) {
   }
 }
 
+/// What kernels there are for RGB565, beside the same on 32-bit pixels.
+void CheckSpan565(const Kernels& kernels, int flags, int width) {
+  using Traits = PixelTraits<VuPixelFormat::RGB565>;
+  const bool over = flags & 1, blit = flags & 2, covered = flags & 4;
+  const auto kernel = blit ? kernels.blit565[over] : kernels.fill565[over][covered];
+  if (!kernel || (blit && covered)) return;
+  const std::vector<uint32_t> random = RandomPixels(3, false), src = RandomPixels(4, true);
+  const std::vector<uint16_t> before(random.begin(), random.end());
+  std::vector<uint16_t> dst = before;
+  std::vector<uint8_t> coverage(random.rbegin(), random.rend());
+  PixelSpan span = {};
+  span.dst565 = dst.data() + 1;
+  span.dstPitch = span.srcPitch = span.coveragePitch = kPitch;
+  span.width = width;
+  span.height = kRows;
+  span.color = blit ? 0xFFFFFFFFu : width % 2 ? 0xFF70F010u : 0x90708010u;
+  if (blit) span.src = src.data() + 1;
+  if (covered) span.coverage = coverage.data() + 1;
+  kernel(span);
+  for (size_t i = 0; i < dst.size(); ++i) {
+    const int x = static_cast<int>(i) % kPitch - 1;
+    const uint32_t shade = blit ? src[i] : span.color, below = Traits::Unpack(before[i]);
+    const uint32_t drawn = covered ? BlendCovered(shade, coverage[i], below)
+                           : over  ? BlendOver(shade, below)
+                                   : shade;
+    ASSERT_EQ(dst[i], x >= 0 && x < width ? Traits::Pack(drawn) : before[i])
+        << "x " << x << " width " << width << " over " << over << " blit " << blit << " covered "
+        << covered;
+  }
+}
+
 class EachLevel : public testing::TestWithParam<KernelLevel> {};
 
 INSTANTIATE_TEST_SUITE_P(Kernels, EachLevel, testing::ValuesIn(RunnableKernels()),
@@ -125,6 +157,12 @@ TEST_P(EachLevel, FillAndBlitEveryWidth) {
     const Case c = {over ? Kernels::Over : Kernels::Source, blit, tinted, (flags & 8) != 0, opaque};
     for (int width = 1; width < kPitch - 1; ++width) CheckSpan(*GetParam().kernels, c, width);
   }
+}
+
+TEST_P(EachLevel, DrawsOnRgb565AtEveryWidth) {
+  for (int flags = 0; flags < 8; ++flags)
+    for (int width = 1; width < kPitch - 1; ++width)
+      CheckSpan565(*GetParam().kernels, flags, width);
 }
 
 /// What the samplers read: a gradient, inside a margin that they must not touch.
