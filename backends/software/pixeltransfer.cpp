@@ -42,7 +42,7 @@ void ReadPixels(const PixelBuffer& pixels, const Box& box, void* dst) {
 
 void WritePixels(PixelBuffer& pixels, const Box& box, const void* src, unsigned pitch) {
   const bool isAligned = (reinterpret_cast<uintptr_t>(src) | pitch) % sizeof(uint32_t) == 0;
-  if (pixels.OpaqueBits() != 0 && isAligned) {
+  if (pixels.Is32Bit() && isAligned) {
     PixelSpan span = {pixels.Row32(box.y0) + box.x0, pixels.Pitch32(), box.Width(), box.Height()};
     span.src = static_cast<const uint32_t*>(src);
     span.srcPitch = static_cast<ptrdiff_t>(pitch / sizeof(uint32_t));
