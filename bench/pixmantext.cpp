@@ -12,10 +12,11 @@ namespace {
 /// Where a line's glyphs stand is worked out beforehand, as Cairo's peer has it too.
 class PixmanText final : public TextPeer {
  public:
-  PixmanText() {
+  explicit PixmanText(bool narrow) {
     pixman_color_t color = {0x3333, 0x6666, 0x9999, 0xFFFF};
     color_ = pixman_image_create_solid_fill(&color);
-    target_ = pixman_image_create_bits(PIXMAN_a8r8g8b8, kWidth, kHeight, nullptr, kWidth * 4);
+    target_ = pixman_image_create_bits(narrow ? PIXMAN_r5g6b5 : PIXMAN_a8r8g8b8, kWidth, kHeight,
+                                       nullptr, 0);
     pixman_color_t black = {0, 0, 0, 0xFFFF};
     const pixman_box32_t all = {0, 0, kWidth, kHeight};
     pixman_image_fill_boxes(PIXMAN_OP_SRC, target_, &black, 1, &all);
@@ -97,8 +98,8 @@ class PixmanText final : public TextPeer {
 
 }  // namespace
 
-std::unique_ptr<TextPeer> MakePixmanText() {
-  return std::make_unique<PixmanText>();
+std::unique_ptr<TextPeer> MakePixmanText(bool narrow) {
+  return std::make_unique<PixmanText>(narrow);
 }
 
 }  // namespace ZIRK::bench

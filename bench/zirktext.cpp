@@ -8,9 +8,8 @@ namespace {
 
 class ZirkText final : public TextPeer {
  public:
-  explicit ZirkText(std::unique_ptr<VuGraphics> graphics)
-      : graphics_(std::move(graphics)),
-        target_(graphics_->CreateBitmap(kWidth, kHeight, VuPixelFormat::ARGB8888)) {
+  ZirkText(std::unique_ptr<VuGraphics> graphics, VuPixelFormat format)
+      : graphics_(std::move(graphics)), target_(graphics_->CreateBitmap(kWidth, kHeight, format)) {
     target_->Clear({0xFF000000});
   }
 
@@ -48,10 +47,10 @@ class ZirkText final : public TextPeer {
 
 }  // namespace
 
-std::unique_ptr<TextPeer> MakeZirkText() {
+std::unique_ptr<TextPeer> MakeZirkText(VuPixelFormat format) {
   std::unique_ptr<VuGraphics> graphics(VuGraphics::Create("FB", false));
   if (!graphics) return nullptr;
-  return std::make_unique<ZirkText>(std::move(graphics));
+  return std::make_unique<ZirkText>(std::move(graphics), format);
 }
 
 }  // namespace ZIRK::bench

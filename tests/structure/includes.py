@@ -99,7 +99,7 @@ class Checker:
         """The file that a name in quotes stands for, where its folder lets it name one."""
         area, folder = path.split("/")[0], path.rpartition("/")[0]
         roots = {"src": ["src"], "include": [], "support": [], "examples": [folder, "examples"],
-                 "backends": ["backends", folder]}.get(area, [folder])
+                 "bench": [folder, "bench"], "backends": ["backends", folder]}.get(area, [folder])
         names = [f"{root}/{name}" for root in roots]
         if area not in ("src", "include", "backends") and name.startswith("support/"):
             names.append(name)
