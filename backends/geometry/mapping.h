@@ -83,9 +83,11 @@ constexpr double kMaxCoordinate = 1 << 24;
 
 /// Whether a rectangle has extent, and all its edges lie in the range of coordinates.
 inline bool IsInRange(const VuRect& r) {
-  constexpr int kLimit = 1 << 24;
-  return r.width > 0 && r.height > 0 && r.width < kLimit && r.height < kLimit && r.x > -kLimit &&
-         r.y > -kLimit && r.x < kLimit && r.y < kLimit;
+  constexpr uint32_t kLimit = 1 << 24;
+  // One comparison each: what is below the range wraps around to above it.
+  const auto isSize = [](int v) { return static_cast<uint32_t>(v) - 1 < kLimit - 1; };
+  const auto isPlace = [](int v) { return static_cast<uint32_t>(v) + kLimit - 1 < 2 * kLimit - 1; };
+  return isSize(r.width) && isSize(r.height) && isPlace(r.x) && isPlace(r.y);
 }
 
 /// Rounds a value in the range of coordinates to the nearest pixel. floor() would be a library call

@@ -128,6 +128,8 @@ void Blender::Update(const SurfaceState& state) {
   operator_ = over && !source ? Kernels::Over : Kernels::Source;
   factors_.reset();
   if (!over && !source) factors_ = state.factors;
+  isDirect_ = !factors_ && target_.Is32Bit();
+  isDirect565_ = !factors_ && target_.Format() == VuPixelFormat::RGB565;
   blendColor_ = Premultiply(state.blendColor);
 }
 
@@ -147,19 +149,18 @@ Kernels::SpanKernel Blender::KernelFor565(const PixelSpan& span, Kernels::Operat
 }
 
 bool Blender::DrawDirect(const Box& box, PixelSpan& shading, bool opaque) {
-  if (factors_) return false;
   const Kernels::Operator op = Simplified(opaque);
   shading.width = box.Width();
   shading.height = box.Height();
-  if (is32Bit_) {
+  if (isDirect_) {
     shading.dst = target_.Row32(box.y0) + box.x0;
     shading.dstPitch = target_.Pitch32();
-    shading.opaque = target_.OpaqueBits();
+    shading.opaque = opaqueBits_;
     Run(shading, op);
     return true;
   }
-  const Kernels::SpanKernel kernel = KernelFor565(shading, op);
-  if (!kernel || target_.Format() != VuPixelFormat::RGB565) return false;
+  const Kernels::SpanKernel kernel = isDirect565_ ? KernelFor565(shading, op) : nullptr;
+  if (!kernel) return false;
   shading.dst565 = reinterpret_cast<uint16_t*>(target_.Row(box.y0)) + box.x0;
   shading.dstPitch = target_.Pitch() / 2;
   kernel(shading);

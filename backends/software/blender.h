@@ -21,7 +21,7 @@ void BlendByFactors(uint32_t* dst, const uint32_t* src, int count, const BlendFa
 class Blender {
  public:
   explicit Blender(PixelBuffer& target)
-      : target_(target), is32Bit_(target.Is32Bit()), kernels_(BestKernels()) {}
+      : target_(target), kernels_(BestKernels()), opaqueBits_(target.OpaqueBits()) {}
 
   /// Takes the blending function from `state`. Comes before everything else.
   void Update(const SurfaceState& state);
@@ -32,7 +32,7 @@ class Blender {
   }
 
   /// Whether Draw() works on the target's own pixels, any number of rows at a time.
-  bool IsDirect() const { return !factors_ && is32Bit_; }
+  bool IsDirect() const { return isDirect_; }
 
   /// Draws `shading` on the pixels of `box`, which lie on the target. Of `shading` only the source
   /// (pixels, colour, coverage) is looked at; the rest is filled in. Colour alone draws a flat
@@ -47,7 +47,7 @@ class Blender {
   void FillDirect(const Box& box, uint32_t color, bool opaque) {
     PixelSpan span{target_.Row32(box.y0) + box.x0, target_.Pitch32(), box.Width(), box.Height()};
     span.color = color;
-    span.opaque = target_.OpaqueBits();
+    span.opaque = opaqueBits_;
     kernels_.fill[Simplified(opaque)][false](span);
   }
 
@@ -71,8 +71,10 @@ class Blender {
   void DrawIndirect(int x, int y, PixelSpan span, bool opaque);
 
   PixelBuffer& target_;
-  const bool is32Bit_;
   const Kernels& kernels_;
+  const uint32_t opaqueBits_;
+  bool isDirect_ = false;     ///< Onto 32-bit pixels,
+  bool isDirect565_ = false;  ///< or onto RGB565, as far as there are kernels.
   Kernels::Operator operator_ = Kernels::Source;
   std::optional<BlendFactors> factors_;  ///< Set where neither operator will do.
   uint32_t blendColor_ = 0;

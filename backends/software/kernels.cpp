@@ -35,6 +35,13 @@ ZIRK_INLINE void ForEach(const PixelSpan& s, bool aligned, F&& compute) {
     begin = (kLanes - static_cast<int>(past)) % kLanes;
   }
   const int last = s.width - kLanes;
+  if (aligned && last <= kLanes) {
+    for (int y = 0; y < s.height; ++y) {
+      draw(0, y, Full());
+      draw(last, y, Full());
+    }
+    return;
+  }
   for (int y = 0; y < s.height; ++y) {
     Pixels v;
     const bool any = compute(last, y, Full(), v);

@@ -91,7 +91,15 @@ void Painter::DrawObject(const RectD& dst, const Source& src, const RectD& srcRe
 bool Painter::FillBox(const VuRect& r, VuColor color) {
   if (!IsInRange(r)) return false;
   Refresh();
-  PaintBox({r.x, r.y, r.x + r.width, r.y + r.height}, nullptr, Premultiply(color));
+  const Box box = Visible({r.x, r.y, r.x + r.width, r.y + r.height});
+  if (box.IsEmpty()) return true;
+  const uint32_t premultiplied = Premultiply(color);
+  if (!blender_.IsDirect()) {
+    PaintBox(box, nullptr, premultiplied);
+    return true;
+  }
+  Touch(box);
+  blender_.FillDirect(box, premultiplied, IsOpaque(premultiplied));
   return true;
 }
 

@@ -83,8 +83,8 @@ class Surface : public Base {
   }
   void DrawRect(VuRect rect, VuColor color, VuTransform t, VuBitmapImpl* mask,
                 VuTVector2D<float>* maskCoords) final {
-    if (IsIdentity(t)) return DrawRect(rect, color, kIdentity, mask, maskCoords);
-    DrawRect(rect, color, MatrixF(t), mask, maskCoords);
+    if (!IsIdentity(t)) return DrawRect(rect, color, MatrixF(t), mask, maskCoords);
+    if (mask || !FillBox(rect, color)) DrawRect(rect, color, kIdentity, mask, maskCoords);
   }
   void DrawObject(VuRect dst, VuBitmapImpl* src, VuRect srcRect, VuTransform t, VuColor color,
                   VuBitmapImpl* mask, VuTVector2D<float>* maskCoords) final {
@@ -112,8 +112,8 @@ class Surface : public Base {
   }
   void DrawRect(VuRect rect, VuColor color, MatrixF m, VuBitmapImpl* mask,
                 VuTVector2D<float>* maskCoords) final {
+    if (!mask && m.isIdentity() && FillBox(rect, color)) return;
     const DrawTimer timer = DrawTimer::Drawing();
-    if (!mask && m.isIdentity() && renderer_.FillBox(rect, color)) return;
     const GivenMask given(renderer_, mask, maskCoords);
     if (given) renderer_.DrawRect(ToRectD(rect), color, m, given.OrNull());
   }
@@ -198,6 +198,11 @@ class Surface : public Base {
   static bool IsIdentity(const VuTransform& t) {
     return t.translateX == 0 && t.translateY == 0 && t.scaleX == 1 && t.scaleY == 1 &&
            t.rotation == 0;
+  }
+
+  bool FillBox(const VuRect& rect, VuColor color) {
+    const DrawTimer timer = DrawTimer::Drawing();
+    return renderer_.FillBox(rect, color);
   }
 
   /// The mask of an operation as the renderer reads it, if one is given.
