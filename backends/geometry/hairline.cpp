@@ -52,6 +52,54 @@ std::optional<Hairline> MapLine(VuPoint from, VuPoint to, const VuTMatrix2D<floa
   return line;
 }
 
+LineWay WayInside(const Hairline& s, const Box& clip) {
+  const int dx = s.x1 - s.x0, dy = s.y1 - s.y0;
+  const bool flat = std::abs(dx) >= std::abs(dy);
+  const int along = flat ? dx : dy, across = flat ? dy : dx;
+  const int alongSign = along < 0 ? -1 : 1, acrossSign = across < 0 ? -1 : 1;
+  const int64_t length = std::abs(along), unit = std::max<int64_t>(2 * length, 1);
+  const int64_t slope = 2 * int64_t{std::abs(across)};
+  // Counted from the start in the line's own directions, the clip and the way across: of the
+  // position across * step / length, rounded to nearest, the whole part, by `unit`, and the rest.
+  // Rounded up at half a pixel in the direction of the surface, so down where the line runs back.
+  const int64_t half = acrossSign > 0 ? length : unit - 1 - length;
+  struct Range {
+    int64_t low, high;
+  };
+  const auto count = [](int start, int sign, int low, int high) {
+    return sign > 0 ? Range{int64_t{low} - start, int64_t{high} - 1 - start}
+                    : Range{int64_t{start} - (high - 1), int64_t{start} - low};
+  };
+  const Range steps =
+      flat ? count(s.x0, alongSign, clip.x0, clip.x1) : count(s.y0, alongSign, clip.y0, clip.y1);
+  const Range turns =
+      flat ? count(s.y0, acrossSign, clip.y0, clip.y1) : count(s.x0, acrossSign, clip.x0, clip.x1);
+  // The first step at which `turned` turns have been made.
+  const auto stepOf = [=](int64_t turned) -> int64_t {
+    const int64_t distance = turned * unit - half;
+    if (distance <= 0) return 0;
+    return slope == 0 ? length + 1 : (distance + slope - 1) / slope;
+  };
+  const int64_t first = std::max({int64_t{0}, steps.low, stepOf(turns.low)});
+  const int64_t last = std::min({length, steps.high, stepOf(turns.high + 1) - 1});
+  if (first > last) return {};
+
+  const int64_t position = slope * first + half, turned = position / unit;
+  const int main = alongSign * static_cast<int>(first),
+            cross = acrossSign * static_cast<int>(turned);
+  LineWay way = {};
+  way.x = s.x0 + (flat ? main : cross);
+  way.y = s.y0 + (flat ? cross : main);
+  way.first = static_cast<int>(first);
+  way.count = static_cast<int>(last - first + 1);
+  (flat ? way.alongX : way.alongY) = alongSign;
+  (flat ? way.acrossY : way.acrossX) = acrossSign;
+  way.rest = static_cast<int>(position - turned * unit);
+  way.increment = static_cast<int>(slope);
+  way.unit = static_cast<int>(unit);
+  return way;
+}
+
 LineEnds MaskEnds(const VuTVector2D<float>* coords, int width, int height, VuPoint from, VuPoint to,
                   const Hairline& line) {
   LineEnds ends{};

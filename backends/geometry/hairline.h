@@ -43,42 +43,35 @@ struct LineEnds {
 LineEnds MaskEnds(const VuTVector2D<float>* coords, int width, int height, VuPoint from, VuPoint to,
                   const Hairline& line);
 
-/// Calls `pixel(x, y, step)` for the pixels of a line inside `clip`. Every step moves along the
-/// longer axis; the other coordinate is the nearest one.
-template <typename F>
-void Walk(const Hairline& s, const Box& clip, F&& pixel) {
-  const int64_t dx = s.x1 - s.x0, dy = s.y1 - s.y0;
-  const bool flat = std::abs(dx) >= std::abs(dy);
-  const int64_t along = flat ? dx : dy, across = flat ? dy : dx;
-  const int start = flat ? s.x0 : s.y0, other = flat ? s.y0 : s.x0;
-  const int sign = along < 0 ? -1 : 1;
-  const int64_t length = std::abs(along);
-  // Steps at which the longer axis lies inside the clip.
-  const int low = flat ? clip.x0 : clip.y0, high = (flat ? clip.x1 : clip.y1) - 1;
-  const int64_t first =
-      std::max<int64_t>(0, sign > 0 ? int64_t{low} - start : start - int64_t{high});
-  const int64_t last =
-      std::min<int64_t>(length, sign > 0 ? int64_t{high} - start : start - int64_t{low});
-  if (first > last) return;
+/// The way along a line inside a clip. Every step moves along the longer axis; the other coordinate
+/// is the nearest one.
+struct LineWay {
+  int x, y;              ///< The first pixel.
+  int first, count;      ///< Its step, and how many there are.
+  int alongX, alongY;    ///< What each step adds,
+  int acrossX, acrossY;  ///< and what a step adds as well if it turns().
+  int rest, increment, unit;
 
-  // other + across * step / length, rounded to nearest, as a whole part and a remainder.
-  const int64_t unit = std::max<int64_t>(2 * length, 1);
-  int64_t remainder = 2 * across * first + length;
-  int64_t whole = remainder >= 0 ? remainder / unit : -((-remainder + unit - 1) / unit);
-  remainder -= whole * unit;
-  int main = start + sign * static_cast<int>(first), cross = other + static_cast<int>(whole);
-  for (int64_t step = first; step <= last; ++step) {
-    const int x = flat ? main : cross, y = flat ? cross : main;
-    if (clip.Contains(x, y)) pixel(x, y, static_cast<int>(step));
-    main += sign;
-    remainder += 2 * across;
-    if (remainder >= unit) {
-      remainder -= unit;
-      ++cross;
-    } else if (remainder < 0) {
-      remainder += unit;
-      --cross;
-    }
+  /// Whether this step moves across as well; to be asked once for each.
+  bool Turns() {
+    rest += increment;
+    const bool turns = rest >= unit;
+    rest -= turns ? unit : 0;
+    return turns;
+  }
+};
+
+LineWay WayInside(const Hairline& line, const Box& clip);
+
+/// Calls `pixel(x, y, step)` for the pixels of a line inside `clip`.
+template <typename F>
+void Walk(const Hairline& line, const Box& clip, F&& pixel) {
+  LineWay way = WayInside(line, clip);
+  for (int step = way.first, end = way.first + way.count; step < end; ++step) {
+    pixel(way.x, way.y, step);
+    const bool turns = way.Turns();
+    way.x += way.alongX + (turns ? way.acrossX : 0);
+    way.y += way.alongY + (turns ? way.acrossY : 0);
   }
 }
 

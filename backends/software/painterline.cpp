@@ -46,16 +46,24 @@ void Painter::DrawSlantedLine(const Hairline& line, uint32_t color) {
   WithPixelTraits(target_.Format(), [&](auto traits) {
     using Traits = decltype(traits);
     using Stored = typename Traits::Stored;
-    uint8_t* const pixels = target_.Row(0);
-    const ptrdiff_t pitch = target_.Pitch();
-    const auto at = [=](int x, int y) { return reinterpret_cast<Stored*>(pixels + y * pitch) + x; };
+    LineWay way = WayInside(line, clip_);
+    const auto offset = [pitch = target_.Pitch()](int x, int y) {
+      return y * ptrdiff_t{pitch} + x * static_cast<ptrdiff_t>(sizeof(Stored));
+    };
+    uint8_t* at = target_.Row(0) + offset(way.x, way.y);
+    const ptrdiff_t along = offset(way.alongX, way.alongY);
+    const ptrdiff_t turning = along + offset(way.acrossX, way.acrossY);
     const Stored narrow = Traits::Pack(color);
+    const auto draw = [&](auto pixel) {
+      for (int i = 0; i < way.count; ++i) {
+        pixel(*reinterpret_cast<Stored*>(at));
+        at += way.Turns() ? turning : along;
+      }
+    };
     if (*op == Kernels::Source)
-      Walk(line, clip_, [&](int x, int y, int) { *at(x, y) = narrow; });
+      draw([=](Stored& pixel) { pixel = narrow; });
     else
-      Walk(line, clip_, [&](int x, int y, int) {
-        *at(x, y) = Traits::Pack(BlendOver(color, Traits::Unpack(*at(x, y))));
-      });
+      draw([=](Stored& pixel) { pixel = Traits::Pack(BlendOver(color, Traits::Unpack(pixel))); });
   });
 }
 
