@@ -94,7 +94,7 @@ LineWay WayInside(const Hairline& s, const Box& clip) {
   way.count = static_cast<int>(last - first + 1);
   (flat ? way.alongX : way.alongY) = alongSign;
   (flat ? way.acrossY : way.acrossX) = acrossSign;
-  way.rest = static_cast<int>(position - turned * unit);
+  way.rest = static_cast<int>(position - (turned + 1) * unit);
   way.increment = static_cast<int>(slope);
   way.unit = static_cast<int>(unit);
   return way;

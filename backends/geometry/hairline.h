@@ -46,17 +46,18 @@ LineEnds MaskEnds(const VuTVector2D<float>* coords, int width, int height, VuPoi
 /// The way along a line inside a clip. Every step moves along the longer axis; the other coordinate
 /// is the nearest one.
 struct LineWay {
-  int x, y;              ///< The first pixel.
-  int first, count;      ///< Its step, and how many there are.
-  int alongX, alongY;    ///< What each step adds,
-  int acrossX, acrossY;  ///< and what a step adds as well if it turns().
-  int rest, increment, unit;
+  int x, y;                   ///< The first pixel.
+  int first, count;           ///< Its step, and how many there are.
+  int alongX, alongY;         ///< What each step adds,
+  int acrossX, acrossY;       ///< and what a step adds as well if it turns().
+  int rest, increment, unit;  ///< `rest` is negative: what is missing until the next such step.
 
-  /// Whether this step moves across as well; to be asked once for each.
-  bool Turns() {
+  /// -1 if this step moves across as well, else 0; to be asked once for each. Branches would be
+  /// guessed wrong at every other turn.
+  int Turns() {
     rest += increment;
-    const bool turns = rest >= unit;
-    rest -= turns ? unit : 0;
+    const int turns = ~(rest >> 31);
+    rest -= unit & turns;
     return turns;
   }
 };
@@ -69,9 +70,9 @@ void Walk(const Hairline& line, const Box& clip, F&& pixel) {
   LineWay way = WayInside(line, clip);
   for (int step = way.first, end = way.first + way.count; step < end; ++step) {
     pixel(way.x, way.y, step);
-    const bool turns = way.Turns();
-    way.x += way.alongX + (turns ? way.acrossX : 0);
-    way.y += way.alongY + (turns ? way.acrossY : 0);
+    const int turns = way.Turns();
+    way.x += way.alongX + (way.acrossX & turns);
+    way.y += way.alongY + (way.acrossY & turns);
   }
 }
 

@@ -52,12 +52,12 @@ void Painter::DrawSlantedLine(const Hairline& line, uint32_t color) {
     };
     uint8_t* at = target_.Row(0) + offset(way.x, way.y);
     const ptrdiff_t along = offset(way.alongX, way.alongY);
-    const ptrdiff_t turning = along + offset(way.acrossX, way.acrossY);
+    const ptrdiff_t across = offset(way.acrossX, way.acrossY);
     const Stored narrow = Traits::Pack(color);
     const auto draw = [&](auto pixel) {
       for (int i = 0; i < way.count; ++i) {
         pixel(*reinterpret_cast<Stored*>(at));
-        at += way.Turns() ? turning : along;
+        at += along + (across & way.Turns());
       }
     };
     if (*op == Kernels::Source)

@@ -79,6 +79,7 @@ class Surface : public Base {
   }
   void DrawLine(VuPoint from, VuPoint to, VuColor color, VuTransform t, VuBitmapImpl* mask,
                 VuTVector2D<float>* maskCoords) final {
+    if (IsIdentity(t)) return DrawLine(from, to, color, kIdentity, mask, maskCoords);
     DrawLine(from, to, color, MatrixF(t), mask, maskCoords);
   }
   void DrawRect(VuRect rect, VuColor color, VuTransform t, VuBitmapImpl* mask,
@@ -93,6 +94,7 @@ class Surface : public Base {
   }
   void DrawText(VuFontImpl* font, const char* text, VuPoint pos, VuColor color, VuTransform t,
                 VuBitmapImpl* mask, VuTVector2D<float>* maskCoords, VuRect rect) final {
+    if (IsIdentity(t)) return DrawText(font, text, pos, color, kIdentity, mask, maskCoords, rect);
     DrawText(font, text, pos, color, MatrixF(t), mask, maskCoords, rect);
   }
 
