@@ -142,6 +142,74 @@ void Blit(const PixelSpan& span) {
   ForEach(s, !kOver && !kTinted && !kCovered, compute);
 }
 
+using FourPixels = uint32_t __attribute__((vector_size(16)));
+using FourNarrow = uint16_t __attribute__((vector_size(8)));
+
+/// RGB565 and back, of one pixel or of four: channels are widened by repeating their bits, and
+/// narrowed by dropping the low ones.
+template <typename P>
+ZIRK_INLINE P Widen(P p) {
+  const P red = p & 0xF800, green = p & 0x07E0, blue = p & 0x001F;
+  return red << 8 | (red << 3 & 0x070000) | green << 5 | (green >> 1 & 0x0300) | blue << 3 |
+         blue >> 2;
+}
+template <typename P>
+ZIRK_INLINE P Narrow(P p) {
+  return (p >> 8 & 0xF800) | (p >> 5 & 0x07E0) | (p >> 3 & 0x001F);
+}
+
+/// Calls `four(x)` for four pixels of a row at a time, the last of which may overlap those before,
+/// or else `one(x)`.
+template <typename F, typename G>
+ZIRK_INLINE void ForFours(int width, F&& four, G&& one) {
+  for (int x = 0; x < width - 4; x += 4) four(x);
+  if (width >= 4) return four(width - 4);
+  for (int x = 0; x < width; ++x) one(x);
+}
+
+ZIRK_INLINE void WidenRow(const uint16_t* from, int width, uint32_t* to) {
+  const auto four = [=](int x) ZIRK_INLINE_LAMBDA {
+    FourNarrow narrow;
+    __builtin_memcpy(&narrow, from + x, sizeof narrow);
+    const FourPixels wide = Widen(__builtin_convertvector(narrow, FourPixels));
+    __builtin_memcpy(to + x, &wide, sizeof wide);
+  };
+  ForFours(width, four, [=](int x) { to[x] = Widen<uint32_t>(from[x]); });
+}
+
+ZIRK_INLINE void NarrowRow(const uint32_t* from, int width, uint16_t* to) {
+  const auto four = [=](int x) ZIRK_INLINE_LAMBDA {
+    FourPixels wide;
+    __builtin_memcpy(&wide, from + x, sizeof wide);
+    const FourNarrow narrow = __builtin_convertvector(Narrow(wide), FourNarrow);
+    __builtin_memcpy(to + x, &narrow, sizeof narrow);
+  };
+  ForFours(width, four, [=](int x) { to[x] = static_cast<uint16_t>(Narrow(from[x])); });
+}
+
+/// A colour through coverage onto RGB565, as text is drawn: by way of 32-bit pixels, as many at a
+/// time as stay close by. For what is larger Pixman has code of its own.
+void CoverOnto565(const PixelSpan& s) {
+  uint32_t pixels[kSampleLimit];
+  const int columns = s.width < kSampleLimit ? s.width : kSampleLimit;
+  const int rows = kSampleLimit / columns;
+  for (int y0 = 0; y0 < s.height; y0 += rows)
+    for (int x = 0; x < s.width; x += columns) {
+      PixelSpan part = {pixels, columns, columns, rows};
+      if (part.width > s.width - x) part.width = s.width - x;
+      if (part.height > s.height - y0) part.height = s.height - y0;
+      part.color = s.color;
+      part.coverage = s.coverage + y0 * s.coveragePitch + x;
+      part.coveragePitch = s.coveragePitch;
+      uint16_t* const dst = s.dst565 + y0 * s.dstPitch + x;
+      for (int y = 0; y < part.height; ++y)
+        WidenRow(dst + y * s.dstPitch, part.width, pixels + y * columns);
+      Fill<true, true>(part);
+      for (int y = 0; y < part.height; ++y)
+        NarrowRow(pixels + y * columns, part.width, dst + y * s.dstPitch);
+    }
+}
+
 }  // namespace
 
 extern const Kernels ZIRK_KERNELS;
@@ -152,8 +220,8 @@ const Kernels ZIRK_KERNELS = {
       {Blit<false, true, false>, Blit<false, true, true>}},
      {{Blit<true, false, false>, Blit<true, false, true>},
       {Blit<true, true, false>, Blit<true, true, true>}}},
-    {},
-    {},
+    {{nullptr, nullptr}, {nullptr, CoverOnto565}},
+    {nullptr, nullptr},
     SampleNearest,
     SampleBilinear,
 };
