@@ -7,11 +7,16 @@
 
 namespace ZIRK::bench {
 
+inline Counters& SharedCounters() {
+  static Counters counters;
+  return counters;
+}
+
 /// Measures `work`, which does `items` of them: time, allocations, and cycles and instructions
 /// where they can be counted.
 template <typename Work>
 void Measure(benchmark::State& state, int items, Work work) {
-  static Counters counters;
+  Counters& counters = SharedCounters();
   work();
   const int before = support::Allocations();
   counters.Start();
