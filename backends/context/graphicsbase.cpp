@@ -89,6 +89,7 @@ VuBitmapImpl* GraphicsBase::CreatePicture(std::unique_ptr<Image> image, const Fi
                    own.width, own.height);
     return nullptr;
   }
+  image->LimitMemory(budget_->Total());
   try {
     Reservation reservation =
         budget_->Reserve(size->width, size->height, kPictureFormat, image->Name().c_str());

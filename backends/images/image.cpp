@@ -132,6 +132,10 @@ std::optional<ImageSize> Image::FittedSize(int width, int height, VuDisplayMode 
   return std::nullopt;
 }
 
+void Image::LimitMemory(uint64_t bytes) {
+  codec_->LimitMemory(bytes);
+}
+
 bool Image::Decode(const PixelRows& target, VuScaleMode mode) {
   try {
     const ImageSize own = Size();

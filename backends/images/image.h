@@ -52,6 +52,9 @@ class Image {
   /// that large.
   std::optional<ImageSize> FittedSize(int width, int height, VuDisplayMode mode) const;
 
+  /// The bytes that decoding may take beside the pixels; before Decode(). No limit without it.
+  void LimitMemory(uint64_t bytes);
+
   /// Fills `target` with the whole picture, premultiplied, and resampled if the sizes differ:
   /// Nearest takes the nearest pixel; Bilinear interpolates, and averages where it shrinks. False
   /// for a broken or incomplete picture; the content of `target` is then unspecified.

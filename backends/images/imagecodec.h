@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <limits>
 #include <memory>
 
 #include "images/imagestream.h"
@@ -28,6 +29,9 @@ class ImageCodec {
   int RowCount() const { return (height_ + shrink_ - 1) / shrink_; }
   int RowWidth() const { return (width_ + shrink_ - 1) / shrink_; }
 
+  /// The bytes that decoding may take beside the pixels; before the first row.
+  void LimitMemory(uint64_t bytes) { memoryLimit_ = bytes; }
+
   /// The next row. The last one includes whatever has to follow it in the file.
   virtual bool ReadRow(uint32_t* row) = 0;
   /// All rows, `pitch` bytes apart.
@@ -46,6 +50,7 @@ class ImageCodec {
   int width_ = 0;
   int height_ = 0;
   int shrink_ = 1;
+  uint64_t memoryLimit_ = std::numeric_limits<uint64_t>::max();
 
  private:
   char error_[200] = "";

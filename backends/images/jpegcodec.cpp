@@ -1,7 +1,9 @@
+#include <algorithm>
 #include <csetjmp>
 #include <cstddef>
 #include <cstdio>
 #include <cstring>
+#include <limits>
 
 #include "images/imagecodec.h"
 // After <cstdio>, which these do not include themselves.
@@ -109,6 +111,9 @@ class JpegCodec final : public ImageCodec {
     begun_ = true;
     const bool cmyk = jpeg_.jpeg_color_space == JCS_CMYK || jpeg_.jpeg_color_space == JCS_YCCK;
     jpeg_.out_color_space = cmyk ? JCS_CMYK : kArgb;
+    // A progressive picture is gathered in memory as a whole, in up to eight bytes a pixel.
+    jpeg_.mem->max_memory_to_use =
+        static_cast<long>(std::min<uint64_t>(memoryLimit_, std::numeric_limits<long>::max()));
     jpeg_.scale_num = 1;
     jpeg_.scale_denom = static_cast<unsigned>(shrink_);
     jpeg_start_decompress(&jpeg_);

@@ -10,8 +10,6 @@ namespace ZIRK::backends {
 
 namespace {
 
-constexpr png_byte kUnused[] = "iCCP\0iTXt\0sPLT\0tEXt\0zTXt";
-
 /// An error in libpng jumps back to the setjmp() of the operation. No object with a destructor is
 /// created after that call.
 class PngCodec final : public ImageCodec {
@@ -30,8 +28,9 @@ class PngCodec final : public ImageCodec {
     if (setjmp(png_jmpbuf(png_)) != 0) return false;
     // Our own limit is tested on the result, and reported with the size.
     png_set_user_limits(png_, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
-    // Nobody reads these, and they may unpack to any size.
-    png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_NEVER, kUnused, 5);
+    // All but the picture, its palette and its transparency is skipped unread: some chunks are
+    // stored as long as they say they are, others unpack to any size.
+    png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
     png_set_read_fn(png_, this, OnRead);
     png_read_info(png_, info_);
     width_ = static_cast<int>(png_get_image_width(png_, info_));

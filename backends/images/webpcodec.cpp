@@ -51,7 +51,9 @@ class WebpCodec final : public ImageCodec {
 
   bool ReadAll(uint32_t* pixels, int pitch) override {
     const ImageStream::Bytes head = stream_.Peek();
-    const ImageStream::Bytes bytes = stream_.TakeUpTo(FileSize(head.data));
+    const uint64_t size = FileSize(head.data);
+    if (size > memoryLimit_) return Fail("the file is larger than memory allows");
+    const ImageStream::Bytes bytes = stream_.TakeUpTo(size);
     WebPDecoderConfig config;
     if (!WebPInitDecoderConfig(&config)) return Fail("unsuitable version of libwebp");
     config.output.colorspace = kLittleEndian ? MODE_BGRA : MODE_ARGB;

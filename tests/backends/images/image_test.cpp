@@ -1,5 +1,6 @@
 #include "images/image.h"
 
+#include <sys/resource.h>
 #include <zlib.h>
 
 #include <algorithm>
@@ -140,6 +141,53 @@ TEST(BrokenImage, IsReportedBySizeAndReason) {
     c.spoil(bytes);
     EXPECT_TRUE(LogsOneError("cannot read " + NameOf(bytes) + ": " + c.reason,
                              [&] { EXPECT_FALSE(Decode(Open(bytes), 29, 19, {})); }));
+  }
+}
+
+TEST(BrokenImage, TakesNoMemoryForWhatItClaims) {
+  const auto peak = [] {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss;  // KiB
+  };
+  for (const char* const chunk : {"pCAL", "sCAL", "eXIf", "iCCP", "zTXt", "teSt"}) {
+    Bytes bytes = ReadSample("rgba8.png");
+    bytes.resize(57);
+    Put(bytes, 33, 4, 0x3FFFFFFF);
+    std::copy_n(chunk, 4, &bytes[37]);
+    const long before = peak();
+    EXPECT_TRUE(LogsOneError("it ends too early", [&] { EXPECT_FALSE(Open(bytes)); })) << chunk;
+    EXPECT_LT(peak() - before, 16 << 10) << chunk;
+  }
+}
+
+TEST(Image, KeepsToTheMemoryThatItIsGiven) {
+  constexpr uint8_t kProgressive[] = {0xFF, 0xC2};
+  const struct {
+    const char *sample, *reason;
+    std::function<void(Bytes&)> enlarge;
+  } cases[] = {
+      {"progressive.jpg", "Backing store not supported",
+       [&](Bytes& b) {
+         const auto frame = std::search(b.begin(), b.end(), kProgressive, kProgressive + 2);
+         Put(b, static_cast<size_t>(frame - b.begin()) + 5, 2, 5000);
+       }},
+#ifdef ZIRK_HAVE_WEBP
+      {"lossless.webp", "the file is larger than memory allows", [](Bytes& b) { Put(b, 7, 1, 1); }}
+#endif
+  };
+  for (const auto& c : cases) {
+    Bytes bytes = ReadSample(c.sample);
+    for (const bool enlarged : {false, true}) {
+      if (enlarged) c.enlarge(bytes);
+      auto image = Open(bytes);
+      image->LimitMemory(64 << 10);
+      const auto decode = [&] { return Decode(std::move(image), 29, 19, {}).has_value(); };
+      if (enlarged)
+        EXPECT_TRUE(LogsOneError(c.reason, [&] { EXPECT_FALSE(decode()); }));
+      else
+        EXPECT_TRUE(decode()) << c.sample;
+    }
   }
 }
 
