@@ -16,6 +16,14 @@ inline uintptr_t FaceWord(FT_Face face) {
   return reinterpret_cast<uintptr_t>(face) >> 4;
 }
 
+/// `inAtlas` is asked for without a lock, too: who finds it set sees where the glyph lies.
+inline bool IsInAtlas(const Glyph& glyph) {
+  return __atomic_load_n(&glyph.inAtlas, __ATOMIC_ACQUIRE);
+}
+inline void SetInAtlas(Glyph& glyph, bool inAtlas) {
+  __atomic_store_n(&glyph.inAtlas, inAtlas, __ATOMIC_RELEASE);
+}
+
 /// The glyph that a code point has been resolved to.
 struct ResolvedChar {
   struct Key {

@@ -1,5 +1,4 @@
 #include <zirk/impl/log.h>
-#include <zirk/impl/vugraphicsimpl.h>
 #include <zirk/utf8.h>
 #include <zirk/vufontatlas.h>
 #include <zirk/vutextureatlasimpl.h>
@@ -17,6 +16,7 @@
 #include "floattoint.h"
 #include "fontfile.h"
 #include "freetypeerror.h"
+#include "glyphatlas.h"
 #include "glyphimage.h"
 #include "glyphtables.h"
 #include "texturelimit.h"
@@ -24,17 +24,6 @@
 namespace ZIRK {
 
 namespace {
-
-constexpr int kAtlasWidth = kMaxTextureSide;
-constexpr int kAtlasHeightLimit = kMaxTextureSide;
-
-/// `inAtlas` is asked for without a lock, too: who finds it set sees where the glyph lies.
-bool IsInAtlas(const Glyph& glyph) {
-  return __atomic_load_n(&glyph.inAtlas, __ATOMIC_ACQUIRE);
-}
-void SetInAtlas(Glyph& glyph, bool inAtlas) {
-  __atomic_store_n(&glyph.inAtlas, inAtlas, __ATOMIC_RELEASE);
-}
 
 /// The thickness of no outline does not matter.
 bool HasOutline(const Glyph& glyph, int type, int thickness) {
@@ -105,8 +94,6 @@ struct VuFontAtlas::State {
                  FT_Face* face) const;
   std::pair<FT_Face, uint32_t> Resolve(uint32_t code, uint32_t fallbackGlyph) const;
   unsigned OutlineNumber(int type, int thickness);
-  BinRect AllocateRegion(int width, int height, uint32_t index, const VuFontAtlas& font);
-  void GrowAtlas(const VuFontAtlas& font);
 
   FT_Library freeType = nullptr;
   FT_Face face = nullptr;
@@ -135,8 +122,7 @@ struct VuFontAtlas::State {
   AdvanceCache advances;
   OutlineTable outlines;
 
-  std::shared_ptr<VuTextureAtlasImpl> atlas;
-  int maxGlyphHeight = 0;
+  GlyphAtlas atlas{glyphs};
 
   std::mutex glyphMutex;  ///< Guards characters, glyphs, outlines and atlas, and all loading.
   std::mutex kerningMutex;
@@ -380,78 +366,23 @@ void VuFontAtlas::LoadGlyph(Glyph& glyph, bool render) const {
   GlyphImage image(s.freeType);
   if (!image.Render(glyph)) return;
   if (render && s.bold && !(glyph.face->style_flags & FT_STYLE_FLAG_BOLD))
-    image.Embolden(glyph, kAtlasHeightLimit);
+    image.Embolden(glyph, kMaxTextureSide);
 
-  const FT_Bitmap& bitmap = image.Bitmap();
   StoreIfChanged(glyph.left, image.Left());
   StoreIfChanged(glyph.width, image.Width());
   StoreIfChanged(glyph.height, image.Height());
   const bool isCached = s.glyphs.Find(GlyphTraits::KeyOf(glyph)) == &glyph;
   if (!isCached || Advance(glyph) == 0) SetAdvance(glyph, glyph.face->glyph->advance.x);
   StoreIfChanged(glyph.top, s.ascender - image.Top());
-  s.maxGlyphHeight = std::max(s.maxGlyphHeight, glyph.height);
+  s.atlas.CountHeight(glyph.height);
   ZIRK_LOG_DEBUG("%s: '%c' charcode 0x%x index %d width %d advance %d left %d height %d top %d",
                  "LoadGlyph", code, glyph.charcode, index, glyph.width, glyph.advance, glyph.left,
                  glyph.height, glyph.top);
-  if (!render || !s.atlas) return;
-
-  const std::optional<GlyphImage::Coverage> coverage = image.ToCoverage();
-  if (!coverage) return;
-  const BinRect region =
-      s.AllocateRegion(glyph.width + margin_, glyph.height + margin_, glyph.index, *this);
-  if (region.height == 0) return;
-  const auto atlasWidth = static_cast<float>(s.atlas->GetWidth());
-  const auto atlasHeight = static_cast<float>(s.atlas->GetHeight());
-  glyph.x = region.x;
-  glyph.y = region.y;
-  glyph.u0 = static_cast<float>(glyph.x) / atlasWidth;
-  glyph.v0 = 1.0f - static_cast<float>(glyph.y) / atlasHeight;
-  glyph.u1 = static_cast<float>(glyph.x + glyph.width) / atlasWidth;
-  glyph.v1 = 1.0f - static_cast<float>(glyph.y + glyph.height) / atlasHeight;
-  ZIRK_LOG_DEBUG(
-      "%s: font %s %d render glyph '%c' charcode 0x%x index %d at %d,%d %dx%d pitch %d buffer %p",
-      "LoadGlyph", s.fileName.c_str(), s.lineHeight, code, glyph.charcode, index, glyph.x, glyph.y,
-      glyph.width, glyph.height, bitmap.pitch, static_cast<const void*>(bitmap.buffer));
-  s.atlas->SetRegion(glyph.x, glyph.y, glyph.width, glyph.height, coverage->pixels,
-                     coverage->pitch);
-  SetInAtlas(glyph, true);
-}
-
-/// A region of the atlas, which grows if it has to. Of height 0 if there is no room.
-BinRect VuFontAtlas::State::AllocateRegion(int width, int height, uint32_t index,
-                                           const VuFontAtlas& font) {
-  if (atlas->GetHeight() == 0) {
-    ZIRK_LOG_INFO("%s: texture atlas allocation failure", "LoadGlyph");
-    return {};
-  }
-  BinRect region = atlas->GetRegion(width, height);
-  if (region.height != 0) return region;
-  const int glyph = static_cast<int>(index);
-  ZIRK_LOG_INFO("%s: GetRegion(%dx%d) for glyph %d returned %dx%d", "LoadGlyph", width, height,
-                glyph, region.width, 0);
-  GrowAtlas(font);
-  region = atlas->GetRegion(width, height);
-  if (region.height == 0)
-    ZIRK_LOG_WARNING("%s: GetRegion(%dx%d) returned %dx%d.  No room to fit glyph %d after resize",
-                     "LoadGlyph", width, height, region.width, 0, glyph);
-  return region;
-}
-
-/// Adds rows for the tallest glyph. Empties the atlas if it does not keep its contents, or does not
-/// get the height that it asks for.
-void VuFontAtlas::State::GrowAtlas(const VuFontAtlas& font) {
-  const int wanted = std::min(atlas->GetHeight() + maxGlyphHeight + margin_, kAtlasHeightLimit);
-  const auto losesContents = [this] { return atlas->GetGraphics()->GetGraphicsType() == 0; };
-  // At its full height it would only be copied to another bitmap of its size, 4 MiB for every glyph
-  // that finds no room.
-  if (wanted == atlas->GetHeight() && !losesContents()) return;
-  const int granted = atlas->Resize(kAtlasWidth, wanted).second;
-  if (losesContents() || granted != wanted) font.ResetGlyphs();
+  if (render && s.atlas.Texture()) s.atlas.Place(glyph, image);
 }
 
 void VuFontAtlas::ResetGlyphs() const {
-  for (Glyph& glyph : state_->glyphs) SetInAtlas(glyph, false);
-  if (state_->atlas) state_->atlas->Reset();
+  state_->atlas.Reset();
 }
 
 void VuFontAtlas::ClearGlyphs() const {
@@ -461,8 +392,7 @@ void VuFontAtlas::ClearGlyphs() const {
     s.chars.Clear();
     s.glyphs.Clear();
     s.advances.Clear();
-    s.atlas.reset();
-    s.maxGlyphHeight = 0;
+    s.atlas.Close();
   }
   const std::lock_guard lock(s.kerningMutex);
   s.kerning.Clear();
@@ -472,13 +402,11 @@ std::shared_ptr<VuTextureAtlasImpl> VuFontAtlas::GetAtlas(VuGraphicsImpl* graphi
   State& s = *state_;
   if (!s.face) return nullptr;
   const std::lock_guard lock(s.glyphMutex);
-  if (s.atlas) return s.atlas;
-  const int height = std::min(s.maxGlyphHeight + margin_, kAtlasHeightLimit);
-  s.atlas = std::make_shared<VuTextureAtlasImpl>(graphics, kAtlasWidth, height, VuPixelFormat::A8);
-  s.atlas->SetName((s.fileName + ' ' + std::to_string(s.lineHeight)).c_str());
+  if (s.atlas.Texture()) return s.atlas.Texture();
+  s.atlas.Open(graphics, s.fileName + ' ' + std::to_string(s.lineHeight));
   for (Glyph& glyph : s.glyphs)
     if (!IsInAtlas(glyph)) LoadGlyph(glyph, true);
-  return s.atlas;
+  return s.atlas.Texture();
 }
 
 FT_Vector VuFontAtlas::GetKerning(const Glyph& left, const Glyph& right) const {

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <zirk/maxrectsbinpack.h>
+#include <zirk/vufontatlas.h>
+#include <zirk/vutextureatlasimpl.h>
+
+#include <memory>
+#include <string>
+
+#include "glyphimage.h"
+#include "glyphtables.h"
+#include "texturelimit.h"
+
+namespace ZIRK {
+
+/// Where the bitmaps of a font's glyphs lie: its texture atlas, once a backend has asked for that.
+/// All calls are under the font's first mutex.
+class GlyphAtlas {
+ public:
+  /// `glyphs` are those of the font.
+  explicit GlyphAtlas(GlyphTable& glyphs) : glyphs_(glyphs) {}
+  GlyphAtlas(const GlyphAtlas&) = delete;
+  GlyphAtlas& operator=(const GlyphAtlas&) = delete;
+
+  /// Empty before Open().
+  const std::shared_ptr<VuTextureAtlasImpl>& Texture() const { return texture_; }
+  /// Makes the texture, high enough for the tallest glyph, and names it.
+  void Open(VuGraphicsImpl* graphics, const std::string& name);
+  /// Gives the texture up and forgets the glyphs' heights.
+  void Close();
+
+  /// The atlas grows by the height of the tallest glyph that the font has loaded.
+  void CountHeight(int height);
+  /// Copies the image of `glyph` to a free region of the texture, which there is. Where no region
+  /// is free, a line says so and the glyph stays outside.
+  void Place(Glyph& glyph, GlyphImage& image);
+  /// Marks all glyphs as not in the atlas and empties that.
+  void Reset();
+
+ private:
+  static constexpr int kSide = kMaxTextureSide;
+  static constexpr int kMargin = VuFontAtlas::margin_;
+
+  BinRect Allocate(int width, int height, uint32_t index);
+  void Grow();
+
+  GlyphTable& glyphs_;
+  std::shared_ptr<VuTextureAtlasImpl> texture_;
+  int tallest_ = 0;
+};
+
+}  // namespace ZIRK
