@@ -25,11 +25,18 @@ void GlyphAtlas::CountHeight(int height) {
   tallest_ = std::max(tallest_, height);
 }
 
-void GlyphAtlas::Place(Glyph& glyph, GlyphImage& image) {
-  const std::optional<GlyphImage::Coverage> coverage = image.ToCoverage();
-  if (!coverage) return;
+void GlyphAtlas::Place(CachedGlyph& cached, GlyphImage& image) {
+  Glyph& glyph = cached.glyph;
   const BinRect region = Allocate(glyph.width + kMargin, glyph.height + kMargin, glyph.index);
-  if (region.height == 0) return;
+  if (region.height == 0) {
+    cached.isGivenUp = cached.isTooLarge;
+    return;
+  }
+  const std::optional<GlyphImage::Coverage> coverage = image.ToCoverage();
+  if (!coverage) {
+    cached.isGivenUp = !image.LacksMemory();
+    return;
+  }
   const auto atlasWidth = static_cast<float>(texture_->GetWidth());
   const auto atlasHeight = static_cast<float>(texture_->GetHeight());
   glyph.x = region.x;
@@ -46,7 +53,7 @@ void GlyphAtlas::Place(Glyph& glyph, GlyphImage& image) {
       image.Bitmap().pitch, static_cast<const void*>(image.Bitmap().buffer));
   texture_->SetRegion(glyph.x, glyph.y, glyph.width, glyph.height, coverage->pixels,
                       coverage->pitch);
-  SetInAtlas(glyph, true);
+  cached.SetInAtlas(true);
 }
 
 /// A region of the atlas, which grows if it has to. Of height 0 if there is no room.
@@ -81,7 +88,7 @@ void GlyphAtlas::Grow() {
 }
 
 void GlyphAtlas::Reset() {
-  for (Glyph& glyph : glyphs_) SetInAtlas(glyph, false);
+  for (CachedGlyph& cached : glyphs_) cached.SetInAtlas(false);
   if (texture_) texture_->Reset();
 }
 

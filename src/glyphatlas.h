@@ -17,6 +17,9 @@ namespace ZIRK {
 /// All calls are under the font's first mutex.
 class GlyphAtlas {
  public:
+  /// The longest side of a bitmap that has room in an atlas.
+  static constexpr int kLargestBitmap = kMaxTextureSide - VuFontAtlas::margin_;
+
   /// `glyphs` are those of the font.
   explicit GlyphAtlas(GlyphTable& glyphs) : glyphs_(glyphs) {}
   GlyphAtlas(const GlyphAtlas&) = delete;
@@ -33,7 +36,7 @@ class GlyphAtlas {
   void CountHeight(int height);
   /// Copies the image of `glyph` to a free region of the texture, which there is. Where no region
   /// is free, a line says so and the glyph stays outside.
-  void Place(Glyph& glyph, GlyphImage& image);
+  void Place(CachedGlyph& cached, GlyphImage& image);
   /// Marks all glyphs as not in the atlas and empties that.
   void Reset();
 

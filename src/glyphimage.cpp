@@ -6,6 +6,7 @@
 #include FT_BITMAP_H
 
 #include <algorithm>
+#include <cstdlib>
 #include <memory>
 
 #include "fontfile.h"
@@ -31,11 +32,17 @@ struct GreyBitmap {
   FT_Bitmap bitmap;
 };
 
-/// For "return Failed(...)": false, after the line.
-bool Failed(const char* format, FT_Error error) {
-  const FreeTypeError entry(error);
-  ZIRK_LOG_ERROR(format, "LoadGlyph", entry.code, entry.message);
-  return false;
+/// Whether some glyph of the face, at its size and with an outline of `radius`, may have a side of
+/// more than `limit` pixels.
+bool HasGlyphsBeyond(int limit, FT_Face face, FT_Pos radius) {
+  if (!FT_IS_SCALABLE(face)) return false;
+  const FT_Size_Metrics& scale = face->size->metrics;
+  const auto extent = [&](FT_Pos least, FT_Pos most, FT_Fixed factor) {
+    return (int64_t{most} - least) * factor / 65536 + 2 * std::abs(int64_t{radius});
+  };
+  const FT_BBox& box = face->bbox;
+  return std::max(extent(box.xMin, box.xMax, scale.x_scale),
+                  extent(box.yMin, box.yMax, scale.y_scale)) > int64_t{limit} * 64;
 }
 
 }  // namespace
@@ -44,27 +51,49 @@ GlyphImage::~GlyphImage() {
   FT_Done_Glyph(outlined_);
 }
 
-bool GlyphImage::Render(const Glyph& glyph) {
-  const FT_Int32 kind = glyph.outlineType == 0 ? FT_LOAD_RENDER : FT_LOAD_NO_BITMAP;
+/// For "return Failed(...)": false, after the line.
+bool GlyphImage::Failed(const char* format, FT_Error error) {
+  error_ = error;
+  const FreeTypeError entry(error);
+  ZIRK_LOG_ERROR(format, "LoadGlyph", entry.code, entry.message);
+  return false;
+}
+
+bool GlyphImage::Render(const Glyph& glyph, bool isKnown) {
+  const bool isFilled = glyph.outlineType == 0;
+  const FT_Pos radius = isFilled ? 0 : glyph.outlineThickness;
+  const bool look = isKnown || HasGlyphsBeyond(limit_, glyph.face, radius);
+  return isFilled ? RenderFilled(glyph, look) : RenderOutlined(glyph, look);
+}
+
+bool GlyphImage::Load(const Glyph& glyph, FT_Int32 kind) {
   const FT_Error error =
       FT_Load_Glyph(glyph.face, glyph.index, kind | FT_LOAD_IGNORE_GLOBAL_ADVANCE_WIDTH);
-  if (error) {
-    const FreeTypeError entry(error);
-    ZIRK_LOG_ERROR("%s: failed to load glyph from face %s %s glyph %d FT_Error (0x%02x) : %s",
-                   "LoadGlyph", NameOrEmpty(glyph.face->family_name),
-                   NameOrEmpty(glyph.face->style_name), static_cast<int>(glyph.index), entry.code,
-                   entry.message);
-    return false;
-  }
-  if (glyph.outlineType != 0) return RenderOutlined(glyph);
+  if (!error) return true;
+  error_ = error;
+  const FreeTypeError entry(error);
+  ZIRK_LOG_ERROR("%s: failed to load glyph from face %s %s glyph %d FT_Error (0x%02x) : %s",
+                 "LoadGlyph", NameOrEmpty(glyph.face->family_name),
+                 NameOrEmpty(glyph.face->style_name), static_cast<int>(glyph.index), entry.code,
+                 entry.message);
+  return false;
+}
+
+bool GlyphImage::RenderFilled(const Glyph& glyph, bool look) {
   FT_GlyphSlot const slot = glyph.face->glyph;
-  bitmap_ = &slot->bitmap;
-  left_ = slot->bitmap_left;
-  top_ = slot->bitmap_top;
+  if (look) {
+    if (!Load(glyph, FT_LOAD_DEFAULT)) return false;
+    FT_BBox box{};
+    if (slot->format == FT_GLYPH_FORMAT_OUTLINE) FT_Outline_Get_CBox(&slot->outline, &box);
+    if (TakeBoxIfTooLarge(box)) return true;
+  }
+  if (!Load(glyph, FT_LOAD_RENDER)) return false;
+  TakeBitmap(slot->bitmap, slot->bitmap_left, slot->bitmap_top);
   return true;
 }
 
-bool GlyphImage::RenderOutlined(const Glyph& glyph) {
+bool GlyphImage::RenderOutlined(const Glyph& glyph, bool look) {
+  if (!Load(glyph, FT_LOAD_NO_BITMAP)) return false;
   FT_Stroker made = nullptr;
   if (const FT_Error error = FT_Stroker_New(library_, &made))
     return Failed("%s: failed to allocate stroker FT_Error (0x%02x) : %s", error);
@@ -74,12 +103,15 @@ bool GlyphImage::RenderOutlined(const Glyph& glyph) {
   if (const FT_Error error = FT_Get_Glyph(glyph.face->glyph, &outlined_))
     return Failed("%s: failed to get glyph FT_Error (0x%02x) : %s", error);
   if (!Stroke(made, glyph.outlineType)) return false;
+  if (look) {
+    FT_BBox box;
+    FT_Glyph_Get_CBox(outlined_, FT_GLYPH_BBOX_UNSCALED, &box);
+    if (TakeBoxIfTooLarge(box)) return true;
+  }
   if (const FT_Error error = FT_Glyph_To_Bitmap(&outlined_, FT_RENDER_MODE_NORMAL, nullptr, true))
     return Failed("%s: FT_Error (0x%02x) : %s", error);
   const auto rendered = reinterpret_cast<FT_BitmapGlyph>(outlined_);
-  bitmap_ = &rendered->bitmap;
-  left_ = rendered->left;
-  top_ = rendered->top;
+  TakeBitmap(rendered->bitmap, rendered->left, rendered->top);
   return true;
 }
 
@@ -101,17 +133,41 @@ bool GlyphImage::Stroke(FT_Stroker stroker, int outlineType) {
   return error == 0 || Failed("%s: failed to FT_Error (0x%02x) : %s", error);
 }
 
-void GlyphImage::Embolden(const Glyph& glyph, int limit) {
+/// Takes the measures of an outline in the box, in 1/64 pixel, unless it fits. What FreeType would
+/// refuse to render is left to it.
+bool GlyphImage::TakeBoxIfTooLarge(const FT_BBox& box) {
+  const auto down = [](FT_Pos at) { return at >> 6; };
+  const auto up = [](FT_Pos at) { return (at + 63) >> 6; };
+  const FT_Pos left = down(box.xMin), right = up(box.xMax);
+  const FT_Pos bottom = down(box.yMin), top = up(box.yMax);
+  if (std::min(left, bottom) < -0x8000 || std::max(right, top) > 0x7FFF) return false;
+  left_ = static_cast<int>(left);
+  top_ = static_cast<int>(top);
+  width_ = right - left;
+  height_ = top - bottom;
+  return IsTooLarge();
+}
+
+void GlyphImage::TakeBitmap(FT_Bitmap& bitmap, int left, int top) {
+  bitmap_ = &bitmap;
+  left_ = left;
+  top_ = top;
+  width_ = bitmap.width;
+  height_ = bitmap.rows;
+}
+
+void GlyphImage::Embolden(const Glyph& glyph) {
   const FT_Pos strength = glyph.face->size->metrics.height / 50;
   // In whole pixels, as FreeType rounds it.
   const auto added = static_cast<int>((strength + 32) >> 6);
-  if (std::max(Width(), Height()) + added > limit) {
-    missing_ = added;
-    return;
-  }
+  width_ += added;
+  height_ += added;
+  if (IsTooLarge()) return;
   // Otherwise the slot's bitmap may belong to the rasteriser.
-  if (FT_GlyphSlot_Own_Bitmap(glyph.face->glyph)) return;
-  FT_Bitmap_Embolden(library_, bitmap_, strength, strength);
+  if (!FT_GlyphSlot_Own_Bitmap(glyph.face->glyph))
+    FT_Bitmap_Embolden(library_, bitmap_, strength, strength);
+  width_ = bitmap_->width;
+  height_ = bitmap_->rows;
 }
 
 std::optional<GlyphImage::Coverage> GlyphImage::ToCoverage() {

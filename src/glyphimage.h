@@ -5,8 +5,10 @@
 #include <ft2build.h>
 #include FT_FREETYPE_H
 #include FT_GLYPH_H
+#include FT_OUTLINE_H
 #include FT_STROKER_H
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <vector>
@@ -16,21 +18,27 @@ namespace ZIRK {
 /// One glyph as FreeType renders it.
 class GlyphImage {
  public:
-  explicit GlyphImage(FT_Library library) : library_(library) {}
+  /// A bitmap with a side above `limit` is of no use.
+  GlyphImage(FT_Library library, int limit) : library_(library), limit_(limit) {}
   ~GlyphImage();
   GlyphImage(const GlyphImage&) = delete;
   GlyphImage& operator=(const GlyphImage&) = delete;
 
-  /// Renders what `glyph` names. False after an error line.
-  bool Render(const Glyph& glyph);
-  /// Makes the strokes bolder, by an amount that goes with the face's size. A bitmap that would
-  /// exceed `limit` on a side only gets the size: the pixels could take minutes.
-  void Embolden(const Glyph& glyph, int limit);
+  /// Renders what `glyph` names. False after an error line. Where the face has glyphs beyond the
+  /// limit, or this one `isKnown` to be, the outline's box is looked at first; what would exceed
+  /// the limit gets its measures but no bitmap, which could take a second and a gigabyte.
+  bool Render(const Glyph& glyph, bool isKnown);
+  /// Makes the strokes bolder, by an amount that goes with the face's size. What would exceed the
+  /// limit only gets the measures.
+  void Embolden(const Glyph& glyph);
 
+  /// What there is unless the image is too large.
   const FT_Bitmap& Bitmap() const { return *bitmap_; }
-  /// Of the bitmap; where it was too large to be made bolder, what it would have then.
-  int64_t Width() const { return int64_t{bitmap_->width} + missing_; }
-  int64_t Height() const { return int64_t{bitmap_->rows} + missing_; }
+  int64_t Width() const { return width_; }
+  int64_t Height() const { return height_; }
+  bool IsTooLarge() const { return std::max(width_, height_) > limit_; }
+  /// Whether it is for want of memory that Render() or ToCoverage() failed.
+  bool LacksMemory() const { return error_ == FT_Err_Out_Of_Memory; }
   int Left() const { return left_; }
   int Top() const { return top_; }
 
@@ -43,15 +51,23 @@ class GlyphImage {
   std::optional<Coverage> ToCoverage();
 
  private:
-  bool RenderOutlined(const Glyph& glyph);
+  bool Load(const Glyph& glyph, FT_Int32 kind);
+  bool RenderFilled(const Glyph& glyph, bool look);
+  bool RenderOutlined(const Glyph& glyph, bool look);
   bool Stroke(FT_Stroker stroker, int outlineType);
+  bool TakeBoxIfTooLarge(const FT_BBox& box);
+  void TakeBitmap(FT_Bitmap& bitmap, int left, int top);
+  bool Failed(const char* format, FT_Error error);
 
   FT_Library library_;
+  const int limit_;
+  FT_Error error_ = 0;
   FT_Glyph outlined_ = nullptr;  ///< Set for outlined glyphs, whose bitmap it holds.
   FT_Bitmap* bitmap_ = nullptr;
   int left_ = 0;
   int top_ = 0;
-  int missing_ = 0;  ///< Columns and rows that emboldening would have added.
+  int64_t width_ = 0;
+  int64_t height_ = 0;
   std::vector<uint8_t> converted_;
 };
 

@@ -16,13 +16,18 @@ inline uintptr_t FaceWord(FT_Face face) {
   return reinterpret_cast<uintptr_t>(face) >> 4;
 }
 
-/// `inAtlas` is asked for without a lock, too: who finds it set sees where the glyph lies.
-inline bool IsInAtlas(const Glyph& glyph) {
-  return __atomic_load_n(&glyph.inAtlas, __ATOMIC_ACQUIRE);
-}
-inline void SetInAtlas(Glyph& glyph, bool inAtlas) {
-  __atomic_store_n(&glyph.inAtlas, inAtlas, __ATOMIC_RELEASE);
-}
+/// A glyph as the font keeps it. Only `glyph` is read without the font's first mutex.
+struct CachedGlyph {
+  /// `inAtlas` is asked for without a lock, too: who finds it set sees where the glyph lies.
+  bool IsInAtlas() const { return __atomic_load_n(&glyph.inAtlas, __ATOMIC_ACQUIRE); }
+  void SetInAtlas(bool inAtlas) { __atomic_store_n(&glyph.inAtlas, inAtlas, __ATOMIC_RELEASE); }
+  /// Whether loading the glyph once more could bring it into an atlas.
+  bool IsWorthLoading() const { return !isGivenUp && !IsInAtlas(); }
+
+  Glyph glyph = {};
+  bool isTooLarge = false;  ///< For any atlas, as far as it has been loaded.
+  bool isGivenUp = false;   ///< It failed to load, or had to be placed and is too large.
+};
 
 /// The glyph that a code point has been resolved to.
 struct ResolvedChar {
@@ -35,13 +40,13 @@ struct ResolvedChar {
 
   /// The glyph that it has with one outline, that of the latest look-up; null before. Only read and
   /// written through these two, by any thread.
-  const Glyph* Recent() const { return __atomic_load_n(&recent, __ATOMIC_ACQUIRE); }
-  void Remember(const Glyph* glyph) { __atomic_store_n(&recent, glyph, __ATOMIC_RELEASE); }
+  const CachedGlyph* Recent() const { return __atomic_load_n(&recent, __ATOMIC_ACQUIRE); }
+  void Remember(const CachedGlyph* glyph) { __atomic_store_n(&recent, glyph, __ATOMIC_RELEASE); }
 
   uint32_t code;
   uint32_t index;
   FT_Face face;
-  const Glyph* recent = nullptr;
+  const CachedGlyph* recent = nullptr;
 };
 
 struct GlyphTraits {
@@ -66,7 +71,8 @@ struct GlyphTraits {
     int outlineType;
     int outlineThickness;  ///< 0 for filled glyphs, whatever is set.
   };
-  static Key KeyOf(const Glyph& glyph) {
+  static Key KeyOf(const CachedGlyph& cached) {
+    const Glyph& glyph = cached.glyph;
     return {glyph.face, glyph.index, glyph.outlineType, glyph.outlineThickness};
   }
 };
@@ -111,7 +117,7 @@ struct NumberedOutline {
 };
 
 using CharTable = LockFreeHashTable<ResolvedChar, ResolvedChar>;
-using GlyphTable = LockFreeHashTable<Glyph, GlyphTraits>;
+using GlyphTable = LockFreeHashTable<CachedGlyph, GlyphTraits>;
 using KerningTable = LockFreeHashTable<KerningPair, KerningPair>;
 using OutlineTable = LockFreeHashTable<NumberedOutline, NumberedOutline>;
 

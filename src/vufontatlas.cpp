@@ -94,6 +94,7 @@ struct VuFontAtlas::State {
                  FT_Face* face) const;
   std::pair<FT_Face, uint32_t> Resolve(uint32_t code, uint32_t fallbackGlyph) const;
   unsigned OutlineNumber(int type, int thickness);
+  bool Load(CachedGlyph& cached, bool render);
 
   FT_Library freeType = nullptr;
   FT_Face face = nullptr;
@@ -296,16 +297,17 @@ void VuFontAtlas::AddGlyph(unsigned int charcode, bool render) const {
   const auto [face, index] = s.Resolve(charcode, fallbackGlyph_);
   const int type = static_cast<int>(outlineType_);
   if (!s.glyphs.Find({face, index, type, outlineThickness_})) {
-    Glyph glyph = {};
+    CachedGlyph cached;
+    Glyph& glyph = cached.glyph;
     glyph.face = face;
     glyph.charcode = charcode;
     glyph.index = index;
     glyph.outlineType = type;
     glyph.outlineThickness = outlineThickness_;
-    LoadGlyph(glyph, render);
+    s.Load(cached, render);
     ZIRK_LOG_DEBUG("%s: inserting glyph %d outline type %d outline thickness %d", "AddGlyph",
                    static_cast<int>(index), type, outlineThickness_);
-    s.glyphs.Insert(glyph);
+    s.glyphs.Insert(cached);
   }
   ZIRK_LOG_DEBUG("%s: inserting charcode %d index %d", "AddGlyph", static_cast<int>(charcode),
                  static_cast<int>(index));
@@ -323,12 +325,12 @@ const Glyph* VuFontAtlas::GetGlyph(unsigned long charcode, bool render) const {
     return s.glyphs.Find({entry.face, entry.index, type, outlineThickness_});
   };
   if (ResolvedChar* const known = s.chars.Find({code})) {
-    const Glyph* glyph = known->Recent();
-    if (!glyph || !HasOutline(*glyph, type, outlineThickness_)) {
-      glyph = find(*known);
-      known->Remember(glyph);
+    const CachedGlyph* cached = known->Recent();
+    if (!cached || !HasOutline(cached->glyph, type, outlineThickness_)) {
+      cached = find(*known);
+      known->Remember(cached);
     }
-    if (glyph && (!render || IsInAtlas(*glyph))) return glyph;
+    if (cached && (!render || cached->IsInAtlas())) return &cached->glyph;
   }
 
   const std::lock_guard lock(s.glyphMutex);
@@ -341,44 +343,58 @@ const Glyph* VuFontAtlas::GetGlyph(unsigned long charcode, bool render) const {
     ZIRK_LOG_INFO("%s: charcode 0x%x not found", "GetGlyph", code);
     return nullptr;
   }
-  Glyph* glyph = find(*entry);
-  if (!glyph) {
+  CachedGlyph* cached = find(*entry);
+  if (!cached) {
     AddGlyph(code, render);
-    glyph = find(*entry);
+    cached = find(*entry);
   }
-  if (!glyph) {
+  if (!cached) {
     // The words are followed by the value of the word before, the face standing first.
     ZIRK_LOG_INFO("%s: glyph %d outline type %d outline thickness %d not found", "GetGlyph",
                   static_cast<int>(reinterpret_cast<intptr_t>(entry->face)),
                   static_cast<int>(entry->index), type);
     return nullptr;
   }
-  if (render && !IsInAtlas(*glyph)) LoadGlyph(*glyph, true);
-  return glyph;
+  if (render && cached->IsWorthLoading()) s.Load(*cached, true);
+  return &cached->glyph;
 }
 
 void VuFontAtlas::LoadGlyph(Glyph& glyph, bool render) const {
   State& s = *state_;
-  const int index = static_cast<int>(glyph.index);
-  const int code = static_cast<int>(glyph.charcode);
-  ZIRK_LOG_DEBUG("%s: font %s %d load glyph %d", "LoadGlyph", s.fileName.c_str(), s.lineHeight,
-                 index);
-  GlyphImage image(s.freeType);
-  if (!image.Render(glyph)) return;
-  if (render && s.bold && !(glyph.face->style_flags & FT_STYLE_FLAG_BOLD))
-    image.Embolden(glyph, kMaxTextureSide);
+  CachedGlyph stranger{glyph};
+  CachedGlyph* const cached = s.glyphs.Find(GlyphTraits::KeyOf(stranger));
+  if (cached && &cached->glyph == &glyph) {
+    s.Load(*cached, render);
+    return;
+  }
+  stranger.glyph.advance = 0;
+  if (s.Load(stranger, render)) glyph = stranger.glyph;
+}
 
+/// False if the glyph does not load, which leaves it as it is.
+bool VuFontAtlas::State::Load(CachedGlyph& cached, bool render) {
+  Glyph& glyph = cached.glyph;
+  const int index = static_cast<int>(glyph.index);
+  ZIRK_LOG_DEBUG("%s: font %s %d load glyph %d", "LoadGlyph", fileName.c_str(), lineHeight, index);
+  GlyphImage image(freeType, GlyphAtlas::kLargestBitmap);
+  if (!image.Render(glyph, cached.isTooLarge)) {
+    cached.isGivenUp = !image.LacksMemory();
+    return false;
+  }
+  if (render && bold && !(glyph.face->style_flags & FT_STYLE_FLAG_BOLD)) image.Embolden(glyph);
+
+  cached.isTooLarge = image.IsTooLarge();
   StoreIfChanged(glyph.left, image.Left());
   StoreIfChanged(glyph.width, image.Width());
   StoreIfChanged(glyph.height, image.Height());
-  const bool isCached = s.glyphs.Find(GlyphTraits::KeyOf(glyph)) == &glyph;
-  if (!isCached || Advance(glyph) == 0) SetAdvance(glyph, glyph.face->glyph->advance.x);
-  StoreIfChanged(glyph.top, s.ascender - image.Top());
-  s.atlas.CountHeight(glyph.height);
+  if (Advance(glyph) == 0) SetAdvance(glyph, glyph.face->glyph->advance.x);
+  StoreIfChanged(glyph.top, ascender - image.Top());
+  atlas.CountHeight(glyph.height);
   ZIRK_LOG_DEBUG("%s: '%c' charcode 0x%x index %d width %d advance %d left %d height %d top %d",
-                 "LoadGlyph", code, glyph.charcode, index, glyph.width, glyph.advance, glyph.left,
-                 glyph.height, glyph.top);
-  if (render && s.atlas.Texture()) s.atlas.Place(glyph, image);
+                 "LoadGlyph", static_cast<int>(glyph.charcode), glyph.charcode, index, glyph.width,
+                 glyph.advance, glyph.left, glyph.height, glyph.top);
+  if (render && atlas.Texture()) atlas.Place(cached, image);
+  return true;
 }
 
 void VuFontAtlas::ResetGlyphs() const {
@@ -404,8 +420,8 @@ std::shared_ptr<VuTextureAtlasImpl> VuFontAtlas::GetAtlas(VuGraphicsImpl* graphi
   const std::lock_guard lock(s.glyphMutex);
   if (s.atlas.Texture()) return s.atlas.Texture();
   s.atlas.Open(graphics, s.fileName + ' ' + std::to_string(s.lineHeight));
-  for (Glyph& glyph : s.glyphs)
-    if (!IsInAtlas(glyph)) LoadGlyph(glyph, true);
+  for (CachedGlyph& cached : s.glyphs)
+    if (cached.IsWorthLoading()) s.Load(cached, true);
   return s.atlas.Texture();
 }
 

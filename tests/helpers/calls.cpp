@@ -56,6 +56,7 @@ ZIRK_API FT_Error FT_New_Face(FT_Library library, const char* path, FT_Long inde
 }
 
 ZIRK_API FT_Error FT_Load_Glyph(FT_Face face, FT_UInt index, FT_Int32 flags) {
+  calls.loads.push_back(flags);
   if (calls.glyphsToRefuse > 0) return --calls.glyphsToRefuse, FT_Err_Out_Of_Memory;
   return Next("FT_Load_Glyph", &FT_Load_Glyph)(face, index, flags);
 }

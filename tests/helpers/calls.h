@@ -11,6 +11,7 @@ namespace ZIRK::helpers {
 struct Calls {
   std::vector<std::string> accessed;     ///< Paths below /lib and /usr/lib given to access().
   std::vector<std::string> faces;        ///< Paths given to FT_New_Face().
+  std::vector<int> loads;                ///< Flags given to FT_Load_Glyph().
   int glyphsToRefuse = 0;                ///< So many FT_Load_Glyph() fail for want of memory.
   std::chrono::nanoseconds stoppedAt{};  ///< What the monotonic clock shows, unless it is zero.
 };

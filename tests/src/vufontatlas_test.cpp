@@ -153,6 +153,43 @@ TEST_F(FontAtlas, OddFaces) {
                 testing::HasSubstr(size < 0 ? "LoadGlyph: failed to load glyph from face ZIRK Test "
                                               "Sans Regular glyph 34 FT_Error (0x"
                                             : ".  No room to fit glyph 34 after resize\n"));
+    EXPECT_EQ(LoggedAt(4, render), "") << "neither is tried again";
+  }
+}
+
+TEST_F(FontAtlas, WhatFailedIsTriedAgainOnceTheCachesAreCleared) {
+  VuFontAtlas font = Open("sans.ttf", -1);
+  font.GetAtlas(graphics.get());
+  for (int time = 0; time < 2; ++time) {
+    helpers::calls.loads.clear();
+    for (const bool render : {false, true, true}) font.GetGlyph('A', render);
+    EXPECT_EQ(helpers::calls.loads.size(), 2u) << "one looks at the box";
+    font.SetFallbackFont(nullptr);
+  }
+}
+
+TEST_F(FontAtlas, WhatNoAtlasHoldsIsMeasuredButNotRendered) {
+  constexpr int kLook = FT_LOAD_IGNORE_GLOBAL_ADVANCE_WIDTH, kRender = kLook | FT_LOAD_RENDER;
+  const std::tuple<char, Type, float, bool, std::vector<int>> cases[] = {
+      {'A', Type::None, 0, false, {kLook, kLook}},
+      {'.', Type::None, 0, true, {kLook, kRender, kLook, kRender}},
+      {'.', Type::Outer, 900, false, {kLook | FT_LOAD_NO_BITMAP, kLook | FT_LOAD_NO_BITMAP}},
+  };
+  for (const auto& [code, type, thickness, fits, loads] : cases) {
+    SCOPED_TRACE(testing::Message() << code << int(type));
+    const FreeType reference(FontFile("sans.ttf"), 3000);
+    VuFontAtlas font = Open("sans.ttf", 3000);
+    font.SetOutlineType(type);
+    font.SetOutlineThickness(thickness);
+    helpers::calls.loads.clear();
+    const Glyph* const g = Add(font, unsigned(code));
+    font.GetAtlas(graphics.get());
+    for (int time = 0; time < 3; ++time) font.GetGlyph(unsigned(code), true);
+    EXPECT_EQ(helpers::calls.loads, loads);
+    EXPECT_EQ(g->inAtlas, fits);
+    Letter expected = reference.Render(g->index, type, thickness);
+    expected.coverage.clear();
+    EXPECT_EQ((Letter{g->index, g->left, g->top, g->width, g->height, g->advance, {}}), expected);
   }
 }
 
