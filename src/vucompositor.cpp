@@ -6,6 +6,7 @@
 #include <mutex>
 
 #include "assertalways.h"
+#include "nomemory.h"
 
 namespace ZIRK {
 
@@ -17,12 +18,15 @@ std::mutex mutex;
 std::shared_ptr<VuCompositorImpl> instance;
 bool releasedAtExit = false;
 
-/// Null if the plug-in does not open. The loader is not kept: it opens the plug-in once, however
-/// often the compositor is enabled, and closes it after everything else has gone.
-std::shared_ptr<VuCompositorImpl> CreateInstance() {
-  const auto loader = GraphicsImplLoader::GetInstance();
-  return std::shared_ptr<VuCompositorImpl>(
-      static_cast<VuCompositorImpl*>(loader->CreateImplInstance("GLCompositor", false)));
+/// Null if the plug-in does not open; false if memory runs out. The loader is not kept: it opens
+/// the plug-in once, however often that happens, and closes it after everything else has gone.
+bool CreateInstance() {
+  return UnlessMemoryRunsOut("the compositor", [] {
+    const auto loader = GraphicsImplLoader::GetInstance();
+    instance.reset(
+        static_cast<VuCompositorImpl*>(loader->CreateImplInstance("GLCompositor", false)));
+    return true;
+  });
 }
 
 // Registered once the plug-in is open, so it runs before the plug-in's static objects go, and long
@@ -40,11 +44,6 @@ std::shared_ptr<VuCompositorImpl> VuCompositorImpl::GetInstance() {
   return instance;
 }
 
-bool VuCompositor::IsEnabled() {
-  const std::lock_guard<std::mutex> lock(mutex);
-  return instance != nullptr;
-}
-
 // Each operation keeps its own share while the plug-in runs, without the mutex: Enable(false) on
 // another thread then cannot delete the object under it.
 
@@ -58,6 +57,8 @@ void VuCompositor::EnableLayer(signed char layer, bool enable) {
     compositor->EnableLayer(layer, enable);
 }
 
+// A plug-in that does not open is an error of the program's. Memory that runs out is none: then
+// the compositor stays disabled.
 // The assertion below stays on line 70: its message is known by file and line.
 void VuCompositor::Enable(bool enable) {
   const std::lock_guard<std::mutex> lock(mutex);
@@ -65,11 +66,15 @@ void VuCompositor::Enable(bool enable) {
     instance.reset();
     return;
   }
-  if (instance) return;
-  instance = CreateInstance();
+  if (instance || !CreateInstance()) return;
   assert(instance);
   // Anew each time, as static objects may enable it again while they are destroyed.
   if (!releasedAtExit) releasedAtExit = std::atexit(ReleaseAtExit) == 0;
+}
+
+bool VuCompositor::IsEnabled() {
+  const std::lock_guard<std::mutex> lock(mutex);
+  return instance != nullptr;
 }
 
 void VuCompositor::GetConfiguration(LayerDescription* layers, int& count) {

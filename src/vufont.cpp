@@ -4,11 +4,15 @@
 
 #include <utility>
 
+#include "nomemory.h"
+
 namespace ZIRK {
 
 namespace {
 
 std::function<VuFont*(const char*, int, int, bool, bool)> fontOverride;
+
+constexpr const char* kFont = "a font";
 
 }  // namespace
 
@@ -18,18 +22,21 @@ VuFont* VuFont::CreateFont(const char* path, int faceIndex, int pixelSize) {
 
 VuFont* VuFont::CreateFontEx(const char* path, int faceIndex, int pixelSize, bool bold,
                              bool italic) {
-  if (fontOverride) return fontOverride(path, faceIndex, pixelSize, bold, italic);
-  return new VuFont(path, faceIndex, pixelSize, bold, italic);
+  return UnlessMemoryRunsOut(kFont, [&] {
+    return fontOverride ? fontOverride(path, faceIndex, pixelSize, bold, italic)
+                        : new VuFont(path, faceIndex, pixelSize, bold, italic);
+  });
 }
 
 VuFont* VuFont::CreateFontFromMemory(const unsigned char* data, unsigned int size, int faceIndex,
                                      int pixelSize) {
-  return new VuFont(data, size, faceIndex, pixelSize);
+  return CreateFontFromMemoryEx(data, size, faceIndex, pixelSize, false, false);
 }
 
 VuFont* VuFont::CreateFontFromMemoryEx(const unsigned char* data, unsigned int size, int faceIndex,
                                        int pixelSize, bool bold, bool italic) {
-  return new VuFont(data, size, faceIndex, pixelSize, bold, italic);
+  return UnlessMemoryRunsOut(
+      kFont, [&] { return new VuFont(data, size, faceIndex, pixelSize, bold, italic); });
 }
 
 void VuFont::SetFontOverride(std::function<VuFont*(const char*, int, int, bool, bool)> fn) {

@@ -19,6 +19,7 @@
 #include "glyphatlas.h"
 #include "glyphimage.h"
 #include "glyphtables.h"
+#include "nomemory.h"
 #include "texturelimit.h"
 
 namespace ZIRK {
@@ -467,8 +468,12 @@ unsigned VuFontAtlas::State::OutlineNumber(int type, int thickness) {
 }
 
 int VuFontAtlas::GetOneLineWidth(const char* text) const {
+  if (!state_->face) return 0;
+  return UnlessMemoryRunsOut("measuring text", [&] { return Measure(text); });
+}
+
+int VuFontAtlas::Measure(const char* text) const {
   State& s = *state_;
-  if (!s.face) return 0;
   const unsigned outline = s.OutlineNumber(static_cast<int>(outlineType_), outlineThickness_);
   int64_t width = 0;
   uint32_t previous = AdvanceCache::kNone;

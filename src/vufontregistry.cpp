@@ -1,14 +1,16 @@
 #include <zirk/ftfontregistry.h>
 #include <zirk/vufontregistry.h>
 
+#include "nomemory.h"
+
 namespace ZIRK {
 
 VuFontRegistry* VuFontRegistry::Create() {
-  return new VuFontRegistry();
+  return Create(nullptr);
 }
 
 VuFontRegistry* VuFontRegistry::Create(FontFactory factory) {
-  return new VuFontRegistry(factory);
+  return UnlessMemoryRunsOut("a font registry", [&] { return new VuFontRegistry(factory); });
 }
 
 VuFontRegistry::VuFontRegistry() : VuFontRegistry(nullptr) {}
@@ -20,7 +22,7 @@ VuFontRegistry::~VuFontRegistry() {
 }
 
 bool VuFontRegistry::Register(const char* path) {
-  return impl->Register(path);
+  return UnlessMemoryRunsOut("registering a font", [&] { return impl->Register(path); });
 }
 
 void VuFontRegistry::Unregister(const char* path) {
@@ -28,7 +30,8 @@ void VuFontRegistry::Unregister(const char* path) {
 }
 
 VuFont* VuFontRegistry::GetFont(const char* family, int pixelSize, bool bold, bool italic) {
-  return impl->GetFont(family, pixelSize, bold, italic);
+  return UnlessMemoryRunsOut("finding a font",
+                             [&] { return impl->GetFont(family, pixelSize, bold, italic); });
 }
 
 }  // namespace ZIRK

@@ -12,10 +12,12 @@
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
+#include <memory>
 #include <utility>
 
 #include "defaultimpl.h"
 #include "floattoint.h"
+#include "nomemory.h"
 #include "vugraphicsmgr.h"
 
 namespace ZIRK {
@@ -70,18 +72,30 @@ Handle* Wrap(Impl* impl) {
   return handle;
 }
 
+/// The handle of the surface that `make` gets from a backend.
+template <typename Make>
+VuBitmap* NewSurface(const char* what, Make make) {
+  return UnlessMemoryRunsOut(what, [&] { return Wrap<VuBitmap>(make()); });
+}
+
+constexpr const char* kContext = "a graphics context";
+constexpr const char* kScreen = "a screen";
+constexpr const char* kBitmap = "a bitmap";
+
 }  // namespace
 
 VuGraphics* VuGraphics::Create(bool flag) {
   ZIRK_LOG_INFO("Creating VuGraphics instance");
-  if (const auto running = graphicsOverride) return (*running)(flag);
-  if (getenv("ZIRK_STUB")) return CreateStub();
+  return UnlessMemoryRunsOut(kContext, [&]() -> VuGraphics* {
+    if (const auto running = graphicsOverride) return (*running)(flag);
+    if (getenv("ZIRK_STUB")) return CreateStub();
 
-  const auto loader = GraphicsImplLoader::GetInstance();
-  VuGraphics* const graphics = Wrap<VuGraphics>(CreateDefaultImpl(*loader, flag));
-  if (!graphics)
-    ZIRK_LOG_ERROR("Failed to Create VuGraphics instance, no suitable implementations found");
-  return graphics;
+    const auto loader = GraphicsImplLoader::GetInstance();
+    VuGraphics* const graphics = Wrap<VuGraphics>(CreateDefaultImpl(*loader, flag));
+    if (!graphics)
+      ZIRK_LOG_ERROR("Failed to Create VuGraphics instance, no suitable implementations found");
+    return graphics;
+  });
 }
 
 VuGraphics* VuGraphics::Create() {
@@ -91,20 +105,24 @@ VuGraphics* VuGraphics::Create() {
 VuGraphics* VuGraphics::Create(const char* name, bool flag) {
   // One level louder than Create(bool).
   ZIRK_LOG_WARNING("Creating VuGraphics instance");
-  const auto loader = GraphicsImplLoader::GetInstance();
-  if (!name) return Create();
-  if (IsBackendName(name)) return Wrap<VuGraphics>(CreateImpl(*loader, name, flag));
-  if (EqualIgnoringCase(name, "Default")) return Create();
-  // A number, not the text: the low half of the pointer.
-  ZIRK_LOG_ERROR("ZIRK implementation type %d is not supported on this platform",
-                 static_cast<int>(reinterpret_cast<intptr_t>(name)));
-  return nullptr;
+  return UnlessMemoryRunsOut(kContext, [&]() -> VuGraphics* {
+    const auto loader = GraphicsImplLoader::GetInstance();
+    if (!name) return Create();
+    if (IsBackendName(name)) return Wrap<VuGraphics>(CreateImpl(*loader, name, flag));
+    if (EqualIgnoringCase(name, "Default")) return Create();
+    // A number, not the text: the low half of the pointer.
+    ZIRK_LOG_ERROR("ZIRK implementation type %d is not supported on this platform",
+                   static_cast<int>(reinterpret_cast<intptr_t>(name)));
+    return nullptr;
+  });
 }
 
 VuGraphics* VuGraphics::CreateGL(bool flag) {
-  const auto loader = GraphicsImplLoader::GetInstance();
-  const bool hybrid = DefaultImpl() == kHybrid;
-  return Wrap<VuGraphics>(CreateImpl(*loader, hybrid ? kHybrid : kOpenGl, flag));
+  return UnlessMemoryRunsOut(kContext, [&] {
+    const auto loader = GraphicsImplLoader::GetInstance();
+    const bool hybrid = DefaultImpl() == kHybrid;
+    return Wrap<VuGraphics>(CreateImpl(*loader, hybrid ? kHybrid : kOpenGl, flag));
+  });
 }
 
 VuGraphics* VuGraphics::CreateGL() {
@@ -144,11 +162,11 @@ VuGraphics::~VuGraphics() {
 }
 
 VuBitmap* VuGraphics::CreateScreen(bool flag) {
-  return Wrap<VuBitmap>(impl->CreateScreen(flag));
+  return NewSurface(kScreen, [&] { return impl->CreateScreen(flag); });
 }
 
 VuBitmap* VuGraphics::CreateScreen(const VuScreenDescription& description) {
-  return Wrap<VuBitmap>(impl->CreateScreen(description));
+  return NewSurface(kScreen, [&] { return impl->CreateScreen(description); });
 }
 
 VuBitmap* VuGraphics::CreateScreen(int width, int height, bool doubleBuffer, int index, bool option,
@@ -177,16 +195,18 @@ VuBitmap* VuGraphics::CreateScreen(int width, int height, bool doubleBuffer) {
 }
 
 VuBitmap* VuGraphics::CreateBitmap(int width, int height, VuPixelFormat format) {
-  return Wrap<VuBitmap>(impl->CreateBitmap(width, height, format));
+  return NewSurface(kBitmap, [&] { return impl->CreateBitmap(width, height, format); });
 }
 
 VuBitmap* VuGraphics::CreateBitmapFromFile(const char* path) {
-  return Wrap<VuBitmap>(impl->CreateBitmapFromFile(path));
+  return NewSurface(kBitmap, [&] { return impl->CreateBitmapFromFile(path); });
 }
 
 VuBitmap* VuGraphics::CreateBitmapFromFile(const char* path, int width, int height,
                                            VuScaleMode scaleMode, VuDisplayMode displayMode) {
-  return Wrap<VuBitmap>(impl->CreateBitmapFromFile(path, width, height, scaleMode, displayMode));
+  return NewSurface(kBitmap, [&] {
+    return impl->CreateBitmapFromFile(path, width, height, scaleMode, displayMode);
+  });
 }
 
 VuBitmap* VuGraphics::CreateBitmapFromFile(const char* path, int width, int height,
@@ -195,12 +215,13 @@ VuBitmap* VuGraphics::CreateBitmapFromFile(const char* path, int width, int heig
 }
 
 VuBitmap* VuGraphics::CreateBitmapFromMemory(const void* data, unsigned size) {
-  return Wrap<VuBitmap>(impl->CreateBitmapFromMemory(data, size));
+  return NewSurface(kBitmap, [&] { return impl->CreateBitmapFromMemory(data, size); });
 }
 
 VuBitmap* VuGraphics::CreateBitmapFromMemory(const void* data, unsigned size, int width, int height,
                                              VuScaleMode scaleMode) {
-  return Wrap<VuBitmap>(impl->CreateBitmapFromMemory(data, size, width, height, scaleMode));
+  return NewSurface(
+      kBitmap, [&] { return impl->CreateBitmapFromMemory(data, size, width, height, scaleMode); });
 }
 
 unsigned VuGraphics::BitmapSize(int width, int height, VuPixelFormat format) const {

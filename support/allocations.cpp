@@ -1,6 +1,7 @@
 #include "support/allocations.h"
 
 #include <dlfcn.h>
+#include <execinfo.h>
 
 #include <atomic>
 #include <cstdlib>
@@ -15,12 +16,25 @@ constexpr int kUnlimited = -1;
 thread_local int granted = kUnlimited;
 thread_local bool ranOut = false;
 
+bool LiesIn(const void* code, const char* file) {
+  Dl_info place = {};
+  return dladdr(code, &place) && std::strstr(place.dli_fname, file);
+}
+
 /// Whether the request that returns to `caller` is refused. Others than the library and its
 /// plug-ins, such as a driver, need not survive that.
 bool IsRefused(const void* caller) {
   if (granted == kUnlimited) return false;
-  Dl_info place = {};
-  if (!dladdr(caller, &place) || !std::strstr(place.dli_fname, "libZIRK")) return false;
+  // What a string needs is asked for by the standard library, in whoever's name.
+  if (LiesIn(caller, "libstdc++")) {
+    void* frames[16];
+    const int count = backtrace(frames, 16);
+    int frame = 0;
+    while (frame < count && !LiesIn(frames[frame], "libstdc++")) ++frame;
+    while (frame < count && LiesIn(frames[frame], "libstdc++")) ++frame;
+    caller = frame < count ? frames[frame] : nullptr;
+  }
+  if (!LiesIn(caller, "libZIRK")) return false;
   if (granted > 0) {
     --granted;
     return false;

@@ -34,8 +34,8 @@ class ZIRK_API VuFont {
   /// `faceIndex` counts the faces of a font file from 0; `pixelSize` is the nominal height of the
   /// letters, from 1: 0 is as 1, and a negative number as 65535, as FreeType has it. `bold` makes a
   /// face that is not bold bolder where it is drawn, but not where it is measured; `italic` slants
-  /// nothing. A font file in memory, of `size` bytes, is copied. A null path raises
-  /// std::logic_error.
+  /// nothing. A font file in memory, of `size` bytes, is copied. Null, with an error line, where
+  /// memory runs out. A null path raises std::logic_error.
   static VuFont* CreateFont(const char* path, int faceIndex, int pixelSize);
   static VuFont* CreateFontEx(const char* path, int faceIndex, int pixelSize, bool bold,
                               bool italic);
@@ -51,7 +51,8 @@ class ZIRK_API VuFont {
       std::function<VuFont*(const char* path, int faceIndex, int pixelSize, bool bold, bool italic)>
           fn);
 
-  /// The same as the functions above, without the override.
+  /// The same as the functions above, without the override. They raise std::bad_alloc where memory
+  /// runs out.
   VuFont(const char* path, int faceIndex, int pixelSize);
   VuFont(const char* path, int faceIndex, int pixelSize, bool bold, bool italic);
   VuFont(const unsigned char* data, unsigned int size, int faceIndex, int pixelSize);
@@ -67,7 +68,8 @@ class ZIRK_API VuFont {
   /// where the line goes below the base line.
   void GetFontMetrics(int& height, int& ascender, int& descender, int& maxAdvance) const;
   /// Width of a UTF-8 string set on one line: where the pen stands after it. Null is as wide as an
-  /// empty string, and bytes that are no UTF-8 have no width.
+  /// empty string, and bytes that are no UTF-8 have no width. 0, with an error line, where memory
+  /// runs out.
   int GetOneLineWidth(const char* text) const;
   /// Height of a line's box: ascent, descent, and one pixel more.
   int GetOneLineHeight() const;

@@ -110,6 +110,8 @@ class ZIRK_API VuFontAtlas : public VuFontImpl {
  private:
   struct ZIRK_LOCAL State;
 
+  ZIRK_LOCAL int Measure(const char* text) const;
+
   std::unique_ptr<State> state_;
 };
 

@@ -30,13 +30,14 @@ class ZIRK_API VuFontRegistry {
   VuFontRegistry(const VuFontRegistry&) = delete;
   VuFontRegistry& operator=(const VuFontRegistry&) = delete;
 
-  /// The same on the heap. The caller owns the registry.
+  /// The same on the heap. The caller owns the registry; null, with an error line, where memory
+  /// runs out.
   static VuFontRegistry* Create();
   static VuFontRegistry* Create(FontFactory factory);
 
   /// Adds the first face of a font file, under the family name that goes with the styles regular,
-  /// bold and italic. False, with error lines, if that cannot be opened. A file that is registered
-  /// twice is there twice. A null path raises std::logic_error.
+  /// bold and italic. False, with error lines, if that cannot be opened or memory runs out. A file
+  /// that is registered twice is there twice. A null path raises std::logic_error.
   bool Register(const char* path);
   /// Takes out all that was registered by this very path, if any. Fonts that were made stay.
   void Unregister(const char* path);
@@ -44,7 +45,7 @@ class ZIRK_API VuFontRegistry {
   /// A font of the family, whose name is compared exactly: of the face that agrees in most of
   /// `bold` and `italic`, and of several such the one registered first. What it lacks of the two is
   /// left to VuFont::CreateFontEx(). The caller owns the font. Null, with an error line, for an
-  /// unknown family; a null one raises std::logic_error.
+  /// unknown family and where memory runs out; a null family raises std::logic_error.
   VuFont* GetFont(const char* family, int pixelSize, bool bold, bool italic);
 
  private:

@@ -34,12 +34,12 @@ class ZIRK_API VuGraphics {
   /// SetDefaultImpl() named ("Hybrid" at first). "Default", in any case, stands for "OpenGLES2"
   /// and, failing that, "DirectFB". `flag` is handed to the backend; ours take no notice of it, so
   /// pass false. The caller owns the result;
-  /// null, with an error line, if no backend could be opened.
+  /// null, with an error line, if no backend could be opened or memory runs out.
   static VuGraphics* Create(bool flag);
   static VuGraphics* Create();
 
   /// Opens the named backend. A null name and "Default" are as Create(). Null, with an error
-  /// line, for an unknown name or a plug-in that does not open.
+  /// line, for an unknown name or a plug-in that does not open, and where memory runs out.
   static VuGraphics* Create(const char* name, bool flag);
 
   /// Opens "Hybrid" if that is the default backend, otherwise "OpenGLES2".

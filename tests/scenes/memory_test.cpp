@@ -1,4 +1,4 @@
-// Drawing while memory runs out, at each place where it is asked for.
+// Creating and drawing while memory runs out, at each place where it is asked for.
 
 #include <functional>
 
@@ -158,6 +158,71 @@ TEST_P(Memory, MayRunOutInAnyOperation) {
   }
   // A font alone asks for memory more often.
   EXPECT_GT(refusals, 10);
+}
+
+const std::string kPicture = ZIRK_TEST_IMAGES "rgba8.png";
+const std::vector<unsigned char> kFont = helpers::FontBytes("sans.ttf");
+
+/// Deletes what was made; whether there was something.
+template <class T>
+bool Made(T* made) {
+  delete made;
+  return made != nullptr;
+}
+
+const struct {
+  const char* name;
+  std::function<bool(VuGraphics&)> make;
+} kCreators[] = {
+    {"a screen", [](VuGraphics& g) { return Made(g.CreateScreen(kSide, kSide, true)); }},
+    {"a bitmap", [](VuGraphics& g) { return Made(g.CreateBitmap(kSide, kSide, {})); }},
+    {"a picture",
+     [](VuGraphics& g) { return Made(g.CreateBitmapFromFile(kPicture.c_str(), 9, 9, {})); }},
+    {"a size", [](VuGraphics& g) { return g.BitmapSize(kPicture.c_str()) != 0; }},
+    {"a font of a file",
+     [](VuGraphics&) { return Made(VuFont::CreateFont(FontFile("sans.ttf").c_str(), 0, 9)); }},
+    {"a font of memory",
+     [](VuGraphics&) {
+       return Made(VuFont::CreateFontFromMemory(kFont.data(), unsigned(kFont.size()), 0, 9));
+     }},
+    {"a width",
+     [](VuGraphics&) {
+       const std::unique_ptr<VuFont> font(VuFont::CreateFont(FontFile("sans.ttf").c_str(), 0, 9));
+       return font && font->GetOneLineWidth("width") != 0;
+     }},
+    {"a font of a registry",
+     [](VuGraphics&) {
+       const std::unique_ptr<VuFontRegistry> registry(VuFontRegistry::Create());
+       return registry && registry->Register(FontFile("sans.ttf").c_str()) &&
+              Made(registry->GetFont("ZIRK Test Sans", 9, false, false));
+     }},
+};
+
+/// Gives `make` more memory from time to time until it is enough.
+void ExpectOneLineWhereMemoryRunsOut(const char* name, const std::function<bool()>& make) {
+  SCOPED_TRACE(name);
+  bool ranOut = true;
+  for (int granted = 0; ranOut; ++granted) {
+    ASSERT_LT(granted, 1000);
+    bool made = false;
+    const std::string log = helpers::LoggedAt(3, [&] {
+      const ScarceMemory scarce(granted);
+      EXPECT_NO_THROW(made = make());
+      ranOut = scarce.HasRunOut();
+    });
+    // Some have less to work with and do without.
+    EXPECT_TRUE(made || ranOut);
+    size_t lines = 0;
+    for (size_t at = 0; (at = log.find("memory", at)) != std::string::npos; ++at) ++lines;
+    EXPECT_EQ(lines, made ? 0u : 1u) << granted << "\n" << log;
+  }
+}
+
+TEST_P(Memory, MayRunOutInAnyCreator) {
+  for (const auto& creator : kCreators)
+    ExpectOneLineWhereMemoryRunsOut(creator.name, [&] { return creator.make(*graphics_); });
+  graphics_.reset();
+  ExpectOneLineWhereMemoryRunsOut("a context", [] { return Open(GetParam()) != nullptr; });
 }
 
 INSTANTIATE_TEST_SUITE_P(Backends, Memory, testing::ValuesIn(kBackends));
