@@ -280,7 +280,12 @@ void GlDevice::CloseWindow(SDL_Window* window) {
   if (interval_.window == window) interval_.window = nullptr;
   const bool hasOther = !windows_.empty() || hiddenWindow_ || OpenHiddenWindow();
   Destroy(window);
-  if (!hasOther) Lose("no window is left");
+  if (!hasOther) {
+    Lose("no window is left");
+    return;
+  }
+  // Mesa keeps the buffers of a window until its context is made current with another one.
+  if (MakeCurrent()) DetachContext();
 }
 
 bool GlDevice::MakeCurrent(SDL_Window* window) {
