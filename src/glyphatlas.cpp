@@ -1,6 +1,7 @@
 #include "glyphatlas.h"
 
 #include <zirk/impl/log.h>
+#include <zirk/impl/vubitmapimpl.h>
 #include <zirk/impl/vugraphicsimpl.h>
 
 #include <algorithm>
@@ -30,6 +31,7 @@ void GlyphAtlas::Place(CachedGlyph& cached, GlyphImage& image) {
   const BinRect region = Allocate(glyph.width + kMargin, glyph.height + kMargin, glyph.index);
   if (region.height == 0) {
     cached.isGivenUp = cached.isTooLarge;
+    if (texture_->GetHeight() == kSide) cached.leftOutOf = filling_;
     return;
   }
   const std::optional<GlyphImage::Coverage> coverage = image.ToCoverage();
@@ -53,7 +55,21 @@ void GlyphAtlas::Place(CachedGlyph& cached, GlyphImage& image) {
       image.Bitmap().pitch, static_cast<const void*>(image.Bitmap().buffer));
   texture_->SetRegion(glyph.x, glyph.y, glyph.width, glyph.height, coverage->pixels,
                       coverage->pitch);
+  ++placed_;
+  if (cached.placedIn != 0) ++returned_;
+  cached.placedIn = filling_;
   cached.SetInAtlas(true);
+}
+
+std::shared_ptr<VuBitmapImpl> GlyphAtlas::PlaceApart(GlyphImage& image) {
+  const std::optional<GlyphImage::Coverage> coverage = image.ToCoverage();
+  if (!coverage) return nullptr;
+  const VuRect all = {0, 0, static_cast<int>(image.Width()), static_cast<int>(image.Height())};
+  std::shared_ptr<VuBitmapImpl> bitmap(
+      texture_->GetGraphics()->CreateBitmap(all.width, all.height, VuPixelFormat::A8));
+  if (!bitmap || !bitmap->SetPixels(all, coverage->pixels, coverage->pitch)) return nullptr;
+  ++apart_;
+  return bitmap;
 }
 
 /// A region of the atlas, which grows if it has to. Of height 0 if there is no room.
@@ -90,6 +106,8 @@ void GlyphAtlas::Grow() {
 void GlyphAtlas::Reset() {
   for (CachedGlyph& cached : glyphs_) cached.SetInAtlas(false);
   if (texture_) texture_->Reset();
+  ++filling_;
+  placed_ = returned_ = apart_ = 0;
 }
 
 }  // namespace ZIRK

@@ -35,8 +35,17 @@ class GlyphAtlas {
   /// The atlas grows by the height of the tallest glyph that the font has loaded.
   void CountHeight(int height);
   /// Copies the image of `glyph` to a free region of the texture, which there is. Where no region
-  /// is free, a line says so and the glyph stays outside.
+  /// is free, a line says so and the glyph is left out.
   void Place(CachedGlyph& cached, GlyphImage& image);
+  /// Whether the glyph was left out of the atlas because that is full, as it still is.
+  bool HasNoRoomFor(const CachedGlyph& cached) const { return cached.leftOutOf == filling_; }
+  /// A bitmap of the image alone, for a glyph that was left out. Null after an error line.
+  std::shared_ptr<VuBitmapImpl> PlaceApart(GlyphImage& image);
+  /// Whether a full atlas is better emptied than kept. What it holds is taken to be out of use,
+  /// unless most of that had come back after the atlas was emptied before. Then what has no room is
+  /// placed apart, until that has been done as often as the atlas holds glyphs: by then emptying it
+  /// would have cost no more.
+  bool PaysToEmpty() const { return returned_ * 2 < placed_ || apart_ >= placed_; }
   /// Marks all glyphs as not in the atlas and empties that.
   void Reset();
 
@@ -50,6 +59,11 @@ class GlyphAtlas {
   GlyphTable& glyphs_;
   std::shared_ptr<VuTextureAtlasImpl> texture_;
   int tallest_ = 0;
+  uint32_t filling_ = 1;
+  // Since the atlas was emptied.
+  int placed_ = 0;
+  int returned_ = 0;  ///< Of these the ones that had been placed before.
+  int apart_ = 0;     ///< How often a glyph was placed apart.
 };
 
 }  // namespace ZIRK

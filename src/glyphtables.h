@@ -27,6 +27,9 @@ struct CachedGlyph {
   Glyph glyph = {};
   bool isTooLarge = false;  ///< For any atlas, as far as it has been loaded.
   bool isGivenUp = false;   ///< It failed to load, or had to be placed and is too large.
+  // The atlas is filled several times, which are counted from 1.
+  uint32_t placedIn = 0;   ///< The latest filling that had room for the glyph, if any.
+  uint32_t leftOutOf = 0;  ///< The latest one that was full when it was to be placed, if any.
 };
 
 /// The glyph that a code point has been resolved to.

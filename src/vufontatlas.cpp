@@ -95,6 +95,7 @@ struct VuFontAtlas::State {
                  FT_Face* face) const;
   std::pair<FT_Face, uint32_t> Resolve(uint32_t code, uint32_t fallbackGlyph) const;
   unsigned OutlineNumber(int type, int thickness);
+  bool Render(GlyphImage& image, CachedGlyph& cached, bool toDraw) const;
   bool Load(CachedGlyph& cached, bool render);
 
   FT_Library freeType = nullptr;
@@ -318,9 +319,13 @@ void VuFontAtlas::AddGlyph(unsigned int charcode, bool render) const {
 }
 
 const Glyph* VuFontAtlas::GetGlyph(unsigned long charcode, bool render) const {
+  return Find(static_cast<uint32_t>(charcode), render, true);
+}
+
+/// With `insist`, a glyph is rendered even if the atlas, as it is, has had no room for it.
+inline const Glyph* VuFontAtlas::Find(uint32_t code, bool render, bool insist) const {
   State& s = *state_;
   if (!s.face) return nullptr;
-  const auto code = static_cast<uint32_t>(charcode);
   const int type = static_cast<int>(outlineType_);
   const auto find = [&](const ResolvedChar& entry) {
     return s.glyphs.Find({entry.face, entry.index, type, outlineThickness_});
@@ -356,8 +361,25 @@ const Glyph* VuFontAtlas::GetGlyph(unsigned long charcode, bool render) const {
                   static_cast<int>(entry->index), type);
     return nullptr;
   }
-  if (render && cached->IsWorthLoading()) s.Load(*cached, true);
+  if (render && cached->IsWorthLoading() && (insist || !s.atlas.HasNoRoomFor(*cached)))
+    s.Load(*cached, true);
   return &cached->glyph;
+}
+
+std::shared_ptr<VuBitmapImpl> VuFontAtlas::PlaceLeftOut(const Glyph& glyph) const {
+  State& s = *state_;
+  const std::lock_guard lock(s.glyphMutex);
+  CachedGlyph* const cached = s.glyphs.Find(GlyphTraits::KeyOf({glyph}));
+  if (!cached || !s.atlas.Texture() || !cached->IsWorthLoading()) return nullptr;
+  if (s.atlas.HasNoRoomFor(*cached)) {
+    if (!s.atlas.PaysToEmpty()) {
+      GlyphImage image(s.freeType, GlyphAtlas::kLargestBitmap);
+      return s.Render(image, *cached, true) ? s.atlas.PlaceApart(image) : nullptr;
+    }
+    s.atlas.Reset();
+  }
+  s.Load(*cached, true);
+  return nullptr;
 }
 
 void VuFontAtlas::LoadGlyph(Glyph& glyph, bool render) const {
@@ -372,17 +394,23 @@ void VuFontAtlas::LoadGlyph(Glyph& glyph, bool render) const {
   if (s.Load(stranger, render)) glyph = stranger.glyph;
 }
 
+bool VuFontAtlas::State::Render(GlyphImage& image, CachedGlyph& cached, bool toDraw) const {
+  const Glyph& glyph = cached.glyph;
+  if (!image.Render(glyph, cached.isTooLarge)) {
+    cached.isGivenUp = !image.LacksMemory();
+    return false;
+  }
+  if (toDraw && bold && !(glyph.face->style_flags & FT_STYLE_FLAG_BOLD)) image.Embolden(glyph);
+  return true;
+}
+
 /// False if the glyph does not load, which leaves it as it is.
 bool VuFontAtlas::State::Load(CachedGlyph& cached, bool render) {
   Glyph& glyph = cached.glyph;
   const int index = static_cast<int>(glyph.index);
   ZIRK_LOG_DEBUG("%s: font %s %d load glyph %d", "LoadGlyph", fileName.c_str(), lineHeight, index);
   GlyphImage image(freeType, GlyphAtlas::kLargestBitmap);
-  if (!image.Render(glyph, cached.isTooLarge)) {
-    cached.isGivenUp = !image.LacksMemory();
-    return false;
-  }
-  if (render && bold && !(glyph.face->style_flags & FT_STYLE_FLAG_BOLD)) image.Embolden(glyph);
+  if (!Render(image, cached, render)) return false;
 
   cached.isTooLarge = image.IsTooLarge();
   StoreIfChanged(glyph.left, image.Left());
@@ -443,7 +471,7 @@ FT_Vector VuFontAtlas::GetKerning(const Glyph& left, const Glyph& right) const {
 const Glyph* VuFontAtlas::NextGlyph(TextCursor& cursor, bool render) const {
   uint32_t code;
   while (ReadChar("NextGlyph", cursor.text, cursor.next, code)) {
-    const Glyph* const glyph = GetGlyph(code, render);
+    const Glyph* const glyph = Find(code, render, false);
     if (!glyph) continue;
     cursor.pen = cursor.width;
     if (cursor.previous) cursor.pen += GetKerning(*cursor.previous, *glyph).x >> 6;

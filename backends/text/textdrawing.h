@@ -28,8 +28,8 @@ struct LineStyle {
 ///
 /// - `GlyphAtlasAllocator& Atlases()`, which makes the atlas of a font that has none yet;
 /// - `bool DrawGlyph(const TextLayout::Glyph&, const LineStyle<Pixels>&)`, which draws before it
-///   returns, or keeps what it takes: the next glyph may move the atlas to another bitmap, or empty
-///   it. False ends the line.
+///   returns, or keeps what it takes: the next glyph may move the atlas to another bitmap, empty
+///   it, or delete the bitmap of a glyph that has one of its own. False ends the line.
 template <class Renderer, class Pixels>
 class TextDrawing {
  public:

@@ -1,6 +1,7 @@
 #include "text/textlayout.h"
 
 #include <zirk/impl/log.h>
+#include <zirk/impl/vubitmapimpl.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -47,6 +48,12 @@ VuGraphicsImpl* TextLayout::Owner() const {
 
 VuRect TextLayout::Box() const {
   return {pos_.x, pos_.y, font_->GetOneLineWidth(cursor_.text), font_->GetOneLineHeight()};
+}
+
+/// False if the glyph cannot be drawn.
+bool TextLayout::PlaceLeftOut(const ZIRK::Glyph& glyph) {
+  apart_ = font_->PlaceLeftOut(glyph);
+  return apart_ || glyph.inAtlas;
 }
 
 /// False if nothing is left.

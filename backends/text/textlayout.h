@@ -24,13 +24,14 @@ namespace ZIRK::backends {
 /// coordinates.
 ///
 /// A glyph is drawn before the next one is asked for, since that one may move the atlas to another
-/// bitmap, or empty it. All that draw from one atlas take turns, a line at a time.
+/// bitmap, or empty it. A glyph for which a full atlas has no room has a bitmap of its own. All
+/// that draw from one atlas take turns, a line at a time.
 class TextLayout {
  public:
   struct Glyph {
-    VuBitmapImpl* atlas;
-    VuRect source;       ///< In the atlas.
-    VuRect destination;  ///< Of the same size.
+    VuBitmapImpl* atlas;  ///< Or a bitmap of this glyph alone.
+    VuRect source;        ///< In the atlas.
+    VuRect destination;   ///< Of the same size.
   };
 
   /// `graphics` makes the font's atlas if it has none yet. May throw std::bad_alloc.
@@ -46,22 +47,26 @@ class TextLayout {
   /// The next glyph that has pixels to draw, false at the end. Where Owner() is null it is not
   /// asked for. May throw std::bad_alloc.
   bool Next(Glyph& placed) {
+    apart_ = nullptr;
     while (const ZIRK::Glyph* const glyph = font_->NextGlyph(cursor_, true))
       if (Place(*glyph, placed)) return true;
     return false;
   }
 
  private:
-  bool Place(const ZIRK::Glyph& glyph, Glyph& placed) const {
-    if (!glyph.inAtlas || glyph.width <= 0 || glyph.height <= 0) return false;
+  bool Place(const ZIRK::Glyph& glyph, Glyph& placed) {
+    if (glyph.width <= 0 || glyph.height <= 0) return false;
     const int64_t x = pos_.x + cursor_.pen + glyph.left, y = int64_t{pos_.y} + glyph.top;
     if (!Fits(x, glyph.width) || !Fits(y, glyph.height)) return false;
-    placed.atlas = atlas_->GetBitmap().get();
+    if (!glyph.inAtlas && !PlaceLeftOut(glyph)) return false;
+    placed.atlas = apart_ ? apart_.get() : atlas_->GetBitmap().get();
     placed.source = {glyph.x, glyph.y, glyph.width, glyph.height};
+    if (apart_) placed.source.x = placed.source.y = 0;
     placed.destination = {static_cast<int32_t>(x), static_cast<int32_t>(y), glyph.width,
                           glyph.height};
     return !clip_ || CutToClip(placed);
   }
+  bool PlaceLeftOut(const ZIRK::Glyph& glyph);
   /// Whether the extent's end, too, is a position that exists.
   static bool Fits(int64_t start, int extent) {
     return start >= std::numeric_limits<int32_t>::min() &&
@@ -71,6 +76,7 @@ class TextLayout {
 
   const VuFontAtlas* font_;
   std::shared_ptr<VuTextureAtlasImpl> atlas_;
+  std::shared_ptr<VuBitmapImpl> apart_;  ///< The present glyph alone, if the atlas has no room.
   TextCursor cursor_;
   const VuPoint pos_;
   std::optional<VuRect> clip_;

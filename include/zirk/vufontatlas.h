@@ -18,6 +18,7 @@ typedef struct FT_Vector_ FT_Vector;
 
 namespace ZIRK {
 
+class VuBitmapImpl;
 class VuGraphicsImpl;
 class VuTextureAtlasImpl;
 
@@ -89,8 +90,17 @@ class ZIRK_API VuFontAtlas : public VuFontImpl {
   FT_Vector GetKerning(const Glyph& left, const Glyph& right) const;
 
   /// Walks on to the line's next glyph, with kerning, exactly as GetOneLineWidth() measures; null
-  /// at its end. Bytes that are no UTF-8 are skipped, with an info line.
+  /// at its end. Bytes that are no UTF-8 are skipped, with an info line. With `render` the glyph is
+  /// as GetGlyph() gives it, but one that a full atlas left out is not tried again.
   const Glyph* NextGlyph(TextCursor& cursor, bool render) const;
+
+  /// What to do with a glyph that NextGlyph() rendered and left out of the atlas. If that is full
+  /// and has not been emptied since, it is emptied, which moves all glyphs: those that were drawn
+  /// before have to be on their surface, or be put there before the atlas changes. The glyph is
+  /// then placed, and its `inAtlas` holds. Where most glyphs would only come back, the atlas is
+  /// kept and the result is a bitmap of the glyph alone, of its size. Empty otherwise, and for a
+  /// glyph that no atlas can hold. Throws std::bad_alloc.
+  std::shared_ptr<VuBitmapImpl> PlaceLeftOut(const Glyph& glyph) const;
 
   // For the font's own use.
 
@@ -110,6 +120,7 @@ class ZIRK_API VuFontAtlas : public VuFontImpl {
  private:
   struct ZIRK_LOCAL State;
 
+  ZIRK_LOCAL const Glyph* Find(uint32_t code, bool render, bool insist) const;
   ZIRK_LOCAL int Measure(const char* text) const;
 
   std::unique_ptr<State> state_;

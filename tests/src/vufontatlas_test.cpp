@@ -429,6 +429,41 @@ TEST_F(FontAtlas, TheAtlasGrowsUntilItIsFull) {
   }
 }
 
+TEST_F(FontAtlas, AFullAtlasIsEmptiedOnceOrKept) {
+  const helpers::Symbols symbols;
+  const VuFontAtlas font(symbols.Path(), 0, symbols.kSize, false, false);
+  const FreeType reference(symbols.Path(), symbols.kSize);
+  const auto atlas = font.GetAtlas(graphics.get());
+  /// Draws symbols until `count` of them are left out.
+  const auto leaveOut = [&](int symbol, size_t count) {
+    std::vector<const Glyph*> out;
+    for (; out.size() < count; ++symbol) {
+      const std::string text = symbols.Text(symbol % symbols.kCount);
+      TextCursor cursor(text.c_str());
+      const Glyph* const glyph = font.NextGlyph(cursor, true);
+      if (!glyph->inAtlas) out.push_back(glyph);
+    }
+    return out;
+  };
+  const auto first = leaveOut(0, 2);
+  EXPECT_EQ(LoggedAt(4, [&] { leaveOut(0, 2); }), "") << "they are not tried again";
+  for (const Glyph* const glyph : first) EXPECT_EQ(font.PlaceLeftOut(*glyph), nullptr);
+  EXPECT_TRUE(first[0]->inAtlas && first[1]->inAtlas) << "emptied for the first alone";
+  EXPECT_FALSE(Add(font, 0xE000)->inAtlas);
+  for (const Glyph* const glyph : leaveOut(0, 3)) {
+    const auto alone = font.PlaceLeftOut(*glyph);
+    EXPECT_FALSE(glyph->inAtlas);
+    EXPECT_EQ(reinterpret_cast<const MemoryBitmap&>(*alone).pixels,
+              reference.Render(glyph->index).coverage);
+  }
+  // Until rendering them all again would not have cost more.
+  const Glyph* const last = leaveOut(0, 1)[0];
+  int alone = 3;
+  while (font.PlaceLeftOut(*last)) ++alone;
+  EXPECT_TRUE(last->inAtlas);
+  EXPECT_NEAR(alone, 1600, 50);
+}
+
 TEST_F(FontAtlas, TheAtlasGrowsBeforeTheContextIsAskedForItsType) {
   const VuFontAtlas font = Open("sans.ttf", 24);
   font.GetAtlas(graphics.get());
