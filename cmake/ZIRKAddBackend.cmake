@@ -1,13 +1,15 @@
 # zirk_add_backend(<name> <source>...)
 #
 # Builds the plug-in libZIRKImpl<name>.so as the target ZIRKImpl<name>. Ours and other people's
-# plug-ins are built by this one function. Only the entry points are visible in the result, so that
-# plug-ins, which all live in one process, cannot meet each other's symbols.
+# plug-ins are built by this one function. Only the entry points and the number of the interface,
+# which the function adds, are visible in the result, so that plug-ins, which all live in one
+# process, cannot meet each other's symbols.
+set(ZIRK_BACKEND_INTERFACE "${CMAKE_CURRENT_LIST_DIR}/backendinterface.cpp")
 set(ZIRK_BACKEND_EXPORTS "${CMAKE_CURRENT_LIST_DIR}/backend.map")
 
 function(zirk_add_backend name)
   set(target ZIRKImpl${name})
-  add_library(${target} MODULE ${ARGN})
+  add_library(${target} MODULE ${ARGN} "${ZIRK_BACKEND_INTERFACE}")
   target_compile_features(${target} PRIVATE cxx_std_17)
   target_link_libraries(${target} PRIVATE ZIRK::ZIRK)
   set_target_properties(${target} PROPERTIES

@@ -48,6 +48,7 @@ install(FILES
   "${PROJECT_BINARY_DIR}/ZIRKConfigVersion.cmake"
   "${PROJECT_SOURCE_DIR}/cmake/ZIRKAddBackend.cmake"
   "${PROJECT_SOURCE_DIR}/cmake/backend.map"
+  "${PROJECT_SOURCE_DIR}/cmake/backendinterface.cpp"
   DESTINATION "${ZIRK_PACKAGE_DIR}" COMPONENT libzirk-dev)
 
 # Relative to the file itself, so that the installed tree may be moved.

@@ -1,5 +1,6 @@
 #include <dlfcn.h>
 #include <unistd.h>
+#include <zirk/backendinterface.h>
 #include <zirk/backendtable.h>
 #include <zirk/graphicsimplloader.h>
 #include <zirk/impl/log.h>
@@ -96,6 +97,21 @@ const char* const* GraphicsImplLoader::GetBackends(unsigned& count) {
   return backendNames_.data();
 }
 
+namespace {
+
+/// Whether a plug-in was built for this library, as far as it says. A plug-in depends on the
+/// library, where dlsym() searches, too: that has no such symbol.
+bool FitsInterface(const GfxImplRecord& record) {
+  const auto* const number =
+      static_cast<const uint32_t*>(dlsym(record.handle, "ZIRKBackendInterface"));
+  if (!number || *number == kBackendInterface) return true;
+  ZIRK_LOG_WARNING("%s is built for the backend interface %u, and this library has %u",
+                   record.dso.c_str(), *number, kBackendInterface);
+  return false;
+}
+
+}  // namespace
+
 /// Opens the plug-in and resolves its entry points. On failure the handle may be left open.
 bool GraphicsImplLoader::open(GfxImplRecord& record) {
   record.handle = dlopen(record.dso.c_str(), RTLD_LAZY | RTLD_GLOBAL);
@@ -103,6 +119,7 @@ bool GraphicsImplLoader::open(GfxImplRecord& record) {
     ZIRK_LOG_WARNING("dlopen() %s %s", record.dso.c_str(), dlerror());
     return false;
   }
+  if (!FitsInterface(record)) return false;
   void* const create = dlsym(record.handle, record.createSymbol.c_str());
   if (!create) return false;
   record.createFn = reinterpret_cast<void* (*)(bool)>(create);

@@ -1,6 +1,7 @@
 # cmake -DNM=<nm> -DLIBRARY=<libZIRK.so> -DFOLDER=<folder of the plug-ins> -P exports.cmake
 #
-# The library exports nothing but the namespace ZIRK; a plug-in its entry points and nothing else.
+# The library exports nothing but the namespace ZIRK; a plug-in its entry points and
+# the number of its interface and nothing else.
 
 cmake_minimum_required(VERSION 3.25)
 
@@ -28,5 +29,6 @@ check("${LIBRARY}" "^_Z(NK?|T[VTIS]N|Tvn[0-9]+_n[0-9]+_N|Tv0_n[0-9]+_N)4ZIRK"
 
 file(GLOB plugins "${FOLDER}/libZIRKImpl*.so")
 foreach(plugin IN LISTS plugins)
-  check("${plugin}" "^(Create|Destroy)Vu(Graphics|Compositor)$" CreateVuGraphics DestroyVuGraphics)
+  check("${plugin}" "^((Create|Destroy)Vu(Graphics|Compositor)|ZIRKBackendInterface)$"
+    CreateVuGraphics DestroyVuGraphics ZIRKBackendInterface)
 endforeach()
