@@ -50,12 +50,6 @@ VuRect TextLayout::Box() const {
   return {pos_.x, pos_.y, font_->GetOneLineWidth(cursor_.text), font_->GetOneLineHeight()};
 }
 
-/// False if the glyph cannot be drawn.
-bool TextLayout::PlaceLeftOut(const ZIRK::Glyph& glyph) {
-  apart_ = font_->PlaceLeftOut(glyph);
-  return apart_ || glyph.inAtlas;
-}
-
 /// False if nothing is left.
 bool TextLayout::CutToClip(Glyph& glyph) const {
   VuRect &to = glyph.destination, &from = glyph.source;

@@ -47,7 +47,6 @@ class TextLayout {
   /// The next glyph that has pixels to draw, false at the end. Where Owner() is null it is not
   /// asked for. May throw std::bad_alloc.
   bool Next(Glyph& placed) {
-    apart_ = nullptr;
     while (const ZIRK::Glyph* const glyph = font_->NextGlyph(cursor_, true))
       if (Place(*glyph, placed)) return true;
     return false;
@@ -58,15 +57,19 @@ class TextLayout {
     if (glyph.width <= 0 || glyph.height <= 0) return false;
     const int64_t x = pos_.x + cursor_.pen + glyph.left, y = int64_t{pos_.y} + glyph.top;
     if (!Fits(x, glyph.width) || !Fits(y, glyph.height)) return false;
-    if (!glyph.inAtlas && !PlaceLeftOut(glyph)) return false;
-    placed.atlas = apart_ ? apart_.get() : atlas_->GetBitmap().get();
-    placed.source = {glyph.x, glyph.y, glyph.width, glyph.height};
-    if (apart_) placed.source.x = placed.source.y = 0;
+    if (!glyph.inAtlas) apart_ = font_->PlaceLeftOut(glyph);
+    if (glyph.inAtlas) {
+      placed.atlas = atlas_->GetBitmap().get();
+      placed.source = {glyph.x, glyph.y, glyph.width, glyph.height};
+    } else {
+      if (!apart_) return false;
+      placed.atlas = apart_.get();
+      placed.source = {0, 0, glyph.width, glyph.height};
+    }
     placed.destination = {static_cast<int32_t>(x), static_cast<int32_t>(y), glyph.width,
                           glyph.height};
     return !clip_ || CutToClip(placed);
   }
-  bool PlaceLeftOut(const ZIRK::Glyph& glyph);
   /// Whether the extent's end, too, is a position that exists.
   static bool Fits(int64_t start, int extent) {
     return start >= std::numeric_limits<int32_t>::min() &&
@@ -76,7 +79,8 @@ class TextLayout {
 
   const VuFontAtlas* font_;
   std::shared_ptr<VuTextureAtlasImpl> atlas_;
-  std::shared_ptr<VuBitmapImpl> apart_;  ///< The present glyph alone, if the atlas has no room.
+  std::shared_ptr<VuBitmapImpl>
+      apart_;  ///< The latest glyph alone for which the atlas had no room.
   TextCursor cursor_;
   const VuPoint pos_;
   std::optional<VuRect> clip_;
