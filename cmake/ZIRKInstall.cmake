@@ -78,6 +78,9 @@ install(DIRECTORY
   "${PROJECT_SOURCE_DIR}/packaging"
   "${PROJECT_SOURCE_DIR}/support"
   DESTINATION "${ZIRK_DOC_DIR}" COMPONENT zirk-doc)
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/tests/fonts"
+  DESTINATION "${ZIRK_DOC_DIR}/tests" COMPONENT zirk-doc
+  FILES_MATCHING PATTERN "*.ttf" PATTERN "README.md" PATTERN "LICENSE.*")
 file(GLOB documents RELATIVE "${PROJECT_SOURCE_DIR}"
   "${PROJECT_SOURCE_DIR}/backends/README.md" "${PROJECT_SOURCE_DIR}/backends/*/README.md")
 foreach(document IN LISTS documents)
