@@ -11,21 +11,26 @@ install(TARGETS ZIRK EXPORT ZIRKTargets LIBRARY
 install(EXPORT ZIRKTargets NAMESPACE ZIRK::
   DESTINATION "${ZIRK_PACKAGE_DIR}" COMPONENT libzirk-dev)
 
-# zirk_install_plugins(<folder>): every plug-in that is built in or below it.
+# zirk_install_plugins(<folder>): every plug-in that is built in or below it. ZIRK_BACKEND_PACKAGES
+# then lists their components, which are named after their folders.
+set(ZIRK_BACKEND_PACKAGES "")
 function(zirk_install_plugins folder)
   get_property(targets DIRECTORY "${folder}" PROPERTY BUILDSYSTEM_TARGETS)
+  cmake_path(GET folder FILENAME name)
   foreach(target IN LISTS targets)
     get_target_property(type ${target} TYPE)
     if(type STREQUAL "MODULE_LIBRARY")
       install(TARGETS ${target} LIBRARY
-        DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT zirk-backends)
+        DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT zirk-backend-${name})
       add_dependencies(zirk_plugins ${target})
+      list(APPEND ZIRK_BACKEND_PACKAGES zirk-backend-${name})
     endif()
   endforeach()
   get_property(folders DIRECTORY "${folder}" PROPERTY SUBDIRECTORIES)
   foreach(sub IN LISTS folders)
     zirk_install_plugins("${sub}")
   endforeach()
+  set(ZIRK_BACKEND_PACKAGES "${ZIRK_BACKEND_PACKAGES}" PARENT_SCOPE)
 endfunction()
 # Plug-ins are opened at run time: who needs them there depends on this target.
 add_custom_target(zirk_plugins)
@@ -63,7 +68,7 @@ configure_file("${PROJECT_SOURCE_DIR}/cmake/zirk.pc.in" "${PROJECT_BINARY_DIR}/z
 install(FILES "${PROJECT_BINARY_DIR}/zirk.pc"
   DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT libzirk-dev)
 
-# The documents, and what the examples are made of, support/ among it.
+# The documents, and what the examples are made of, support/ and fonts among it.
 set(ZIRK_DOC_DIR "${CMAKE_INSTALL_DATAROOTDIR}/doc/zirk")
 install(FILES
   "${PROJECT_SOURCE_DIR}/CHANGELOG.md"

@@ -7,14 +7,15 @@ if(NOT CMAKE_INSTALL_LIBDIR STREQUAL "lib")
 endif()
 
 set(ZIRK_LIBRARY_PACKAGE libzirk${ZIRK_SOVERSION})
+set(ZIRK_PACKAGE_CONTACT "ZIRK maintainers <maintainers@zirk.example>" CACHE STRING
+  "Name and address of who answers for the Debian packages")
+set(ZIRK_PACKAGES_DIR "${PROJECT_BINARY_DIR}/control")
+
 set(CPACK_GENERATOR DEB)
-set(CPACK_COMPONENTS_ALL ${ZIRK_LIBRARY_PACKAGE} zirk-backends libzirk-dev zirk-doc)
-if(ZIRK_BUILD_TOOLS)
-  list(APPEND CPACK_COMPONENTS_ALL zirk-tools)
-endif()
+set(CPACK_COMPONENTS_ALL "")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_PACKAGE_DIRECTORY "${PROJECT_BINARY_DIR}/packages")
-set(CPACK_PACKAGE_CONTACT "The ZIRK developers <zirk@localhost>")
+set(CPACK_PACKAGE_CONTACT "${ZIRK_PACKAGE_CONTACT}")
 set(CPACK_PACKAGE_VENDOR ZIRK)
 set(CPACK_PACKAGE_VERSION "${PROJECT_VERSION}")
 set(CPACK_RESOURCE_FILE_LICENSE "${PROJECT_SOURCE_DIR}/LICENSE")
@@ -31,9 +32,23 @@ set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}")
 
+# What only a package has is added after the installation: see there.
+set(CPACK_PRE_BUILD_SCRIPTS "${PROJECT_SOURCE_DIR}/cmake/ZIRKDebianFiles.cmake")
+set(CPACK_ZIRK_OVERRIDES "${PROJECT_SOURCE_DIR}/packaging/debian")
+set(CPACK_ZIRK_CHANGELOG "${ZIRK_PACKAGES_DIR}/changelog")
+string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC)
+file(CONFIGURE OUTPUT "${CPACK_ZIRK_CHANGELOG}" @ONLY CONTENT
+"zirk (@PROJECT_VERSION@) unstable; urgency=medium
+
+  * The package zirk-doc has all changes in CHANGELOG.md.
+
+ -- @ZIRK_PACKAGE_CONTACT@  @date@
+")
+
 # zirk_package(<name> <section> <description> <package of ours that it needs>...)
 macro(zirk_package name section description)
   string(TOUPPER ${name} component)
+  list(APPEND CPACK_COMPONENTS_ALL ${name})
   set(needed ${ARGN})
   list(TRANSFORM needed APPEND " (= ${PROJECT_VERSION})")
   list(JOIN needed ", " CPACK_DEBIAN_${component}_PACKAGE_DEPENDS)
@@ -45,26 +60,43 @@ macro(zirk_package name section description)
 endmacro()
 
 zirk_package(${ZIRK_LIBRARY_PACKAGE} libs
-  "The library that programs draw through, by a backend that is chosen at run time.")
+  "The library that programs draw through, by a backend that is chosen at\nrun time.")
 # What packages of others are to depend on that are linked with it.
-file(WRITE "${PROJECT_BINARY_DIR}/control/shlibs"
+file(WRITE "${ZIRK_PACKAGES_DIR}/shlibs"
   "libZIRK ${ZIRK_SOVERSION} ${ZIRK_LIBRARY_PACKAGE} (= ${PROJECT_VERSION})\n")
+file(WRITE "${ZIRK_PACKAGES_DIR}/triggers" "activate-noawait ldconfig\n")
 set(CPACK_DEBIAN_LIBZIRK${ZIRK_SOVERSION}_PACKAGE_CONTROL_EXTRA
-  "${PROJECT_BINARY_DIR}/control/shlibs")
-zirk_package(zirk-backends libs
-  "Plug-ins that draw, each by other means, and one that draws nothing."
-  ${ZIRK_LIBRARY_PACKAGE})
-# Opened at run time, where OpenGL is wanted.
-set(CPACK_DEBIAN_ZIRK-BACKENDS_PACKAGE_RECOMMENDS "libsdl2-2.0-0, libegl1, libgles2")
-zirk_package(zirk-tools utils
-  "zirkinfo shows which backends work on a machine, and how they draw."
-  ${ZIRK_LIBRARY_PACKAGE})
-set(CPACK_DEBIAN_ZIRK-TOOLS_PACKAGE_RECOMMENDS zirk-backends)
+  "${ZIRK_PACKAGES_DIR}/shlibs;${ZIRK_PACKAGES_DIR}/triggers")
+set(CPACK_DEBIAN_LIBZIRK${ZIRK_SOVERSION}_PACKAGE_RECOMMENDS zirk-backend-hybrid)
+
+set(drawn_by_fb "The processor draws; the framebuffer device shows.")
+set(drawn_by_opengles2 "The GPU draws, in windows or on displays of their own; layers.")
+set(drawn_by_hybrid
+  "The default: the GPU draws onto screens where there is one, the processor\ninto bitmaps.")
+set(drawn_by_directfb "DirectFB draws, or the processor where DirectFB would draw otherwise.")
+set(drawn_by_stub "Draws nothing.")
+foreach(package IN LISTS ZIRK_BACKEND_PACKAGES)
+  string(REPLACE zirk-backend- drawn_by_ text ${package})
+  zirk_package(${package} libs "${${text}}" ${ZIRK_LIBRARY_PACKAGE})
+endforeach()
+# Opened at run time. Without SDL OpenGLES2 opens nowhere, while Hybrid draws as FB does; a device
+# may bring an OpenGL that no package holds.
+string(APPEND CPACK_DEBIAN_ZIRK-BACKEND-OPENGLES2_PACKAGE_DEPENDS ", libsdl2-2.0-0")
+set(CPACK_DEBIAN_ZIRK-BACKEND-OPENGLES2_PACKAGE_RECOMMENDS "libegl1, libgles2")
+set(CPACK_DEBIAN_ZIRK-BACKEND-HYBRID_PACKAGE_RECOMMENDS "libsdl2-2.0-0, libegl1, libgles2")
+zirk_package(zirk-backends libs "Metapackage that depends on all backends."
+  ${ZIRK_BACKEND_PACKAGES})
+
+if(ZIRK_BUILD_TOOLS)
+  zirk_package(zirk-tools utils
+    "zirkinfo shows which backends work on a machine, and how they draw."
+    ${ZIRK_LIBRARY_PACKAGE})
+  set(CPACK_DEBIAN_ZIRK-TOOLS_PACKAGE_SUGGESTS zirk-backends)
+endif()
 zirk_package(libzirk-dev libdevel
   "Headers, and what CMake and pkg-config know the library by."
   ${ZIRK_LIBRARY_PACKAGE})
-zirk_package(zirk-doc doc
-  "Documents, and the sources of the examples.")
+zirk_package(zirk-doc doc "Documents, and the sources of the examples.")
 set(CPACK_DEBIAN_ZIRK-DOC_PACKAGE_ARCHITECTURE all)
 
 include(CPack)

@@ -2,6 +2,17 @@
 
 function(make_packages)
   run("${CPACK}" --config "${BUILD}/CPackConfig.cmake" -B "${WORK}/packages")
+  file(GLOB packages "${WORK}/packages/*.deb")
+  find_program(LINTIAN lintian)
+  if(LINTIAN)
+    run("${LINTIAN}" --allow-root --fail-on error,warning ${packages})
+  endif()
+  # What a device has to carry for Hybrid, which opens SDL and OpenGL at run time.
+  file(GLOB hybrid "${WORK}/packages/zirk-backend-hybrid_*.deb")
+  execute_process(COMMAND dpkg-deb --field ${hybrid} Depends OUTPUT_VARIABLE needed)
+  if(NOT needed MATCHES "libpixman" OR needed MATCHES "sdl|gl")
+    message(FATAL_ERROR "zirk-backend-hybrid depends on ${needed}")
+  endif()
 endfunction()
 
 # Copies the machine's programs or libraries, and the libraries that these need, into the system.
@@ -55,10 +66,22 @@ function(check_packages root)
   endif()
 endfunction()
 
+# The examples are built where they lie, and one of each kind runs.
+function(check_examples root)
+  run("${CMAKE_COMMAND}" -G "${GENERATOR}" -S "${root}/usr/share/doc/zirk/examples"
+    -B "${WORK}/examples" "-DCMAKE_PREFIX_PATH=${root}/usr" "-DCMAKE_CXX_COMPILER=${COMPILER}")
+  run("${CMAKE_COMMAND}" --build "${WORK}/examples")
+  foreach(example IN ITEMS 05-text backend)
+    run("${CMAKE_COMMAND}" -E env ZIRK_FB_DEVICE=/nonexistent "LD_LIBRARY_PATH=${WORK}/examples"
+      "${WORK}/examples/${example}" "${WORK}/${example}.png")
+  endforeach()
+endfunction()
+
 # Nothing stays behind.
 function(remove_packages root)
-  as_root(dpkg --root=${root} --force-depends --purge
-    libzirk1 libzirk-dev zirk-backends zirk-doc zirk-tools)
+  file(GLOB packages RELATIVE "${WORK}/packages" "${WORK}/packages/*.deb")
+  list(TRANSFORM packages REPLACE "_.*" "")
+  as_root(dpkg --root=${root} --force-depends --purge ${packages})
   file(GLOB_RECURSE left "${root}/usr/*irk*" "${root}/usr/*ZIRK*")
   if(left)
     message(FATAL_ERROR "left behind: ${left}")

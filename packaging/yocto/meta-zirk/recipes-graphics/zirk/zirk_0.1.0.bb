@@ -37,11 +37,22 @@ EXTRA_OECMAKE = "\
     -DZIRK_BUILD_TESTS=OFF \
 "
 
+# One package for each backend that is built, and an empty one that depends on all of them.
+BACKENDS = "${@bb.utils.filter('PACKAGECONFIG', 'fb opengles2 hybrid directfb stub', d)}"
+BACKEND_PACKAGES = "${@' '.join('${PN}-backend-' + name for name in d.getVar('BACKENDS').split())}"
+PACKAGES =+ "${BACKEND_PACKAGES} ${PN}-backends ${PN}-tools"
+
 # Plug-ins have no versions in their names, but are no development files.
-# SDL is opened at run time, so nothing else names it.
-RRECOMMENDS:${PN}-backends = "${@bb.utils.contains('PACKAGECONFIG', 'opengles2', 'libsdl2', '', d)}"
-PACKAGES =+ "${PN}-backends ${PN}-tools"
-FILES:${PN}-backends = "${libdir}/libZIRKImpl*.so"
+FILES:${PN}-backend-fb = "${libdir}/libZIRKImplFB.so"
+FILES:${PN}-backend-opengles2 = "${libdir}/libZIRKImplOpenGL.so"
+FILES:${PN}-backend-hybrid = "${libdir}/libZIRKImplHybrid.so"
+FILES:${PN}-backend-directfb = "${libdir}/libZIRKImplDirectFB.so"
+FILES:${PN}-backend-stub = "${libdir}/libZIRKImplStub.so"
 FILES:${PN}-tools = "${bindir}/zirkinfo"
-RRECOMMENDS:${PN} = "${PN}-backends"
-RRECOMMENDS:${PN}-tools = "${PN}-backends"
+ALLOW_EMPTY:${PN}-backends = "1"
+RDEPENDS:${PN}-backends = "${BACKEND_PACKAGES}"
+
+# SDL is opened at run time, so nothing else names it. Without it Hybrid draws as FB does.
+RDEPENDS:${PN}-backend-opengles2 = "libsdl2"
+RRECOMMENDS:${PN}-backend-hybrid = "${@bb.utils.contains('PACKAGECONFIG', 'opengles2', 'libsdl2', '', d)}"
+RRECOMMENDS:${PN} = "${@bb.utils.contains('PACKAGECONFIG', 'hybrid', '${PN}-backend-hybrid', '', d)}"
