@@ -28,6 +28,7 @@ Result Zirkinfo(const std::string& arguments, const std::string& prefix = "") {
   support::UseOffscreenOpenGl();
   setenv("ZIRK_FB_DEVICE", "/nonexistent", 1);
   setenv("FONTS", ZIRK_TEST_FONTS, 1);
+  setenv("PLAIN", ZIRK_TEST_PLUGIN, 1);
   const std::string command =
       "cd " + folder.string() + " && (" + prefix + " " ZIRKINFO " " + arguments + ") 2>&1";
   FILE* const pipe = popen(command.c_str(), "r");
@@ -50,6 +51,7 @@ struct Case {
 const Case kCases[] = {
     {"--version", 0, "^zirkinfo " ZIRK_VERSION "\n$"},
     {"--help", 0, "Exit status: 0"},
+    {"-h", 0, "Exit status: 0"},
     {"--help >/dev/full", 1, "standard output: No space left"},
 
     // What is wrong is said in one line.
@@ -61,6 +63,8 @@ const Case kCases[] = {
     {"card --size 3 f.png", 2, "^zirkinfo: 'card' has no option --size; [^\n]*\n$"},
     {"card", 2, "^zirkinfo: 'card' needs a file to write, or --screen; [^\n]*\n$"},
     {"card a.png b.png", 2, "^zirkinfo: unexpected 'b.png'; [^\n]*\n$"},
+    {"card a.jpg", 2, "^zirkinfo: 'a.jpg' does not end in .png; [^\n]*\n$"},
+    {"compare --output a FB FB", 2, "^zirkinfo: 'a' does not end in .png; [^\n]*\n$"},
     {"card --hold 1 a.png", 2, "^zirkinfo: --hold goes with --screen; [^\n]*\n$"},
     {"card --no-text --font f a.png", 2, "^zirkinfo: either --font or --no-text; [^\n]*\n$"},
     {"compare FB", 2, "^zirkinfo: 'compare' needs more operands; [^\n]*\n$"},
@@ -79,10 +83,20 @@ const Case kCases[] = {
      "^version: " ZIRK_VERSION "\ndefault: Stub\n\nbackend: FB\nfile: libZIRKImplFB.so\n"
      "installed: yes\npath: /[^\n]*/libZIRKImplFB.so\nhas-backend: (yes|no)\n"
      "supported-backend: (yes|no)\nfeatures: 0x0\ndetails: 0x0\nopens: yes\ntype: 5\n"
-     "largest-texture: [1-9][0-9]*\nmemory-available: [1-9][0-9]*\nmemory-total: [1-9][0-9]*\n\n"
+     "largest-texture: [1-9][0-9]*\nmemory-available: [1-9][0-9]* bytes[a-z ]*, [1-9][0-9]* MiB\n"
+     "memory-total: [1-9][^\n]*\nscreen: 1280 x 720, ARGB8888\n"
+     "warning: /nonexistent: [^\n]*: the screen stays in memory\n\n"
      "backend: Stub\n.*type: 4\n",
      "ZIRK_STUB=1"},
-    {"", 0, "default: FB\n.*\ncompositor: GLCompositor\n", "ZIRK_DEFAULT_GFX_BACKEND=FB"},
+    {"", 0, "default: FB\n.*\nbackend: Stub\n", "ZIRK_DEFAULT_GFX_BACKEND=FB"},
+    {"--plugin $PLAIN", 0, "\nbackend: Plain\nfile: /.*\nopens: yes\ntype: 100\n"},
+    {"--plugin no.so", 1, "\nbackend: no\n.*\nopens: no\nreason: [^\n]* no.so\n"},
+    {"card --plugin $PLAIN --screen --no-text small.png", 0, "^$"},
+    {"compare --plugin $PLAIN --no-text Plain small.png", 1, "not as large as the other picture"},
+    {"compare --plugin $PLAIN --no-text --screen FB Plain", 1, "smaller than the card"},
+    {"bench --seconds 0.01 --no-text FB", 0, "frames/s\nFB +[1-9][0-9.]+ +[1-9][0-9.]+ +- "},
+    {"bench --seconds 0.01 --json --font $FONTS/sans.ttf FB", 0,
+     "\"name\": \"FB\", \"width\": 640,.* \"text\": [1-9].*, \"frame\": [1-9]"},
     {"--verbose backends FB", 0, "Invoking the constructor for implementation FB"},
 
     {"font --size 20 $FONTS/collection.ttc", 0,
@@ -122,6 +136,17 @@ TEST(ZirkinfoProgram, DrawsOneCardByAllBackends) {
     if (result.status == 1 && mayBeMissing) continue;
     EXPECT_EQ(result.status, 0) << backend << '\n' << result.output;
   }
+}
+
+/// Where OpenGL cannot start there is a reason, no compositor, and Hybrid's screen by FB.
+TEST(ZirkinfoProgram, SaysWhyABackendDoesNotOpen) {
+  const Result result = Zirkinfo("--verbose 2>/dev/null", "SDL_VIDEODRIVER=none");
+  EXPECT_EQ(result.output.find("compositor"), std::string::npos);
+  if (!std::getenv("ZIRK_TEST_REQUIRE_GL")) return;
+  EXPECT_THAT(result.output, ContainsRegex("opens: no\nreason: OpenGL ES 2: no video: none"));
+  EXPECT_THAT(result.output, ContainsRegex("type: 3\n.*warning: OpenGL ES 2: no video: none"));
+  EXPECT_THAT(Zirkinfo("").output,
+              ContainsRegex("type: 3\n.*shown-by: 1280 x 720.*compositor: GLCompositor"));
 }
 
 TEST(ZirkinfoProgram, DrawsTextOnlyWithAFont) {

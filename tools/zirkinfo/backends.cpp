@@ -1,51 +1,38 @@
 #include <dlfcn.h>
 #include <link.h>
-#include <zirk/backend.h>
+#include <zirk/backendtable.h>
+#include <zirk/zirk.h>
 
 #include <algorithm>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <iterator>
 #include <memory>
-#include <vector>
+#include <optional>
 
 #include "commands.h"
+#include "librarylog.h"
+#include "plugins.h"
 
 namespace ZIRK::zirkinfo {
 
 namespace {
 
-/// The order in which plug-ins are shown: the backend that Create() opens at first, the others,
-/// the one that draws nothing, and the compositor.
-int Rank(const BackendRecord& plugin) {
-  if (!plugin.IsGraphics()) return 3;
-  if (plugin.type == BackendType::Stub) return 2;
-  return plugin.type == kDefaultBackend ? 0 : 1;
-}
-
-std::vector<BackendRecord> PluginsToShow() {
-  std::vector<BackendRecord> plugins(std::begin(kBackendTable), std::end(kBackendTable));
-  std::stable_sort(
-      plugins.begin(), plugins.end(),
-      [](const BackendRecord& a, const BackendRecord& b) { return Rank(a) < Rank(b); });
-  return plugins;
-}
-
 const char* YesOrNo(bool yes) {
   return yes ? "yes" : "no";
 }
 
-bool IsListed(const char* name) {
+bool IsListed(const std::string& name) {
   unsigned count = 0;
   const char* const* const names = VuGraphics::GetSupportedBackends(count);
-  return std::any_of(names, names + count,
-                     [name](const char* listed) { return std::string(listed) == name; });
+  return std::any_of(names, names + count, [&](const char* listed) { return name == listed; });
 }
 
 /// Where the dynamic loader found a plug-in that is open.
-std::string PathOf(const char* file) {
-  void* const handle = dlopen(file, RTLD_LAZY | RTLD_NOLOAD);
+std::string PathOf(const std::string& file) {
+  void* const handle = dlopen(file.c_str(), RTLD_LAZY | RTLD_NOLOAD);
   if (!handle) return "";
   link_map* map = nullptr;
   const bool isKnown = dlinfo(handle, RTLD_DI_LINKMAP, &map) == 0;
@@ -56,73 +43,117 @@ std::string PathOf(const char* file) {
   return error ? path : followed;
 }
 
-/// What a graphics context says of itself; false where there is none.
-bool ShowContext(const BackendRecord& plugin) {
-  const std::unique_ptr<VuGraphics> graphics(VuGraphics::Create(plugin.name, false));
-  std::printf("opens: %s\n", YesOrNo(graphics != nullptr));
-  if (!graphics) return false;
-  std::printf("type: %d\n", graphics->GetGraphicsType());
-  std::printf("largest-texture: %d\n", graphics->GetMaxTextureSize());
-  std::printf("memory-available: %u\n", graphics->AvailableMemory());
-  std::printf("memory-total: %u\n", graphics->TotalMemory());
+void ShowMemory(const char* key, unsigned bytes) {
+  std::printf("%s: %u bytes%s, %u MiB\n", key, bytes, bytes == UINT_MAX ? " or more" : "",
+              static_cast<unsigned>((uint64_t{bytes} + (1u << 19)) >> 20));
+}
+
+const char* NameOf(VuPixelFormat format) {
+  constexpr const char* kNames[] = {"ARGB8888", "XRGB8888", "RGB565", "ARGB4444", "ARGB1555", "A8"};
+  const auto code = static_cast<size_t>(format);
+  return code < std::size(kNames) ? kNames[code] : "of an unknown format";
+}
+
+/// The screen that a program gets that asks for the display's own size.
+void ShowScreen(VuGraphics& graphics) {
+  const LibraryLog log;
+  const std::unique_ptr<VuBitmap> screen(graphics.CreateScreen(false));
+  if (screen) {
+    const VuBitmapInfo info = screen->GetInfo();
+    std::printf("screen: %d x %d, %s\n", info.width, info.height, NameOf(info.format));
+    const std::string shownBy = log.ShownBy();
+    if (!shownBy.empty()) std::printf("shown-by: %s\n", shownBy.c_str());
+  } else {
+    std::printf("screen: none\n");
+    PrintLines("reason", log.Messages("error"));
+  }
+  PrintLines("warning", log.Messages("warning"));
+}
+
+/// What a graphics context says of itself.
+void ShowContext(VuGraphics& graphics) {
+  std::printf("type: %d\n", graphics.GetGraphicsType());
+  std::printf("largest-texture: %d\n", graphics.GetMaxTextureSize());
+  ShowMemory("memory-available", graphics.AvailableMemory());
+  ShowMemory("memory-total", graphics.TotalMemory());
+  ShowScreen(graphics);
+}
+
+/// Whether it opens, and why not.
+bool ShowOpening(bool opens, const LibraryLog& log) {
+  std::printf("opens: %s\n", YesOrNo(opens));
+  if (!opens) PrintLines("reason", log.Messages("error"));
+  return opens;
+}
+
+bool OpenAndShowContext(const Plugin& plugin) {
+  std::unique_ptr<VuGraphics> graphics;
+  {
+    const LibraryLog log;
+    graphics = OpenBackend(plugin.name);
+    if (!ShowOpening(graphics != nullptr, log)) return false;
+  }
+  ShowContext(*graphics);
   return true;
 }
 
-bool ShowCompositor(const BackendRecord& plugin) {
-  const std::unique_ptr<VuCompositorImpl> compositor(static_cast<VuCompositorImpl*>(
-      GraphicsImplLoader::GetInstance()->CreateImplInstance(plugin.name, false)));
-  std::printf("opens: %s\n", YesOrNo(compositor != nullptr));
-  if (!compositor) return false;
-  std::printf("layers: %d\n", compositor->GetVirtualLayerCount());
+bool OpenAndShowCompositor(const Plugin& plugin) {
+  const LibraryLog log;
+  const std::optional<int> layers = CountLayers(plugin.name);
+  if (!ShowOpening(layers.has_value(), log)) return false;
+  std::printf("layers: %d\n", *layers);
   return true;
 }
 
-void ShowFeatures(const BackendRecord& plugin) {
+bool Loads(const std::string& name) {
+  const LibraryLog log;
+  return GraphicsImplLoader::GetInstance()->loadImpl(name) == 0;
+}
+
+void ShowFeatures(const std::string& name) {
+  constexpr unsigned kOpenGl = 1;
+  const unsigned features = VuGraphics::GetSupportedFeatures(name);
   uint32_t details = 0;
-  VuGraphics::GetFeatureDetails(plugin.name, FeatureType::Details, &details);
-  std::printf("features: 0x%x\n", VuGraphics::GetSupportedFeatures(plugin.name));
+  VuGraphics::GetFeatureDetails(name, FeatureType::Details, &details);
+  std::printf("features: 0x%x%s\n", features, features & kOpenGl ? ", OpenGL ES" : "");
   std::printf("details: 0x%x\n", details);
 }
 
-bool ShowPlugin(const BackendRecord& plugin) {
-  const bool isLoaded = GraphicsImplLoader::GetInstance()->loadImpl(plugin.name) == 0;
-  std::printf("\n%s: %s\n", plugin.IsGraphics() ? "backend" : "compositor", plugin.name);
-  std::printf("file: %s\n", plugin.dso);
+bool ShowPlugin(const Plugin& plugin) {
+  const bool isLoaded = Loads(plugin.name);
+  std::printf("\n%s: %s\n", plugin.isGraphics ? "backend" : "compositor", plugin.name.c_str());
+  std::printf("file: %s\n", plugin.file.c_str());
   std::printf("installed: %s\n", YesOrNo(isLoaded));
-  if (isLoaded) std::printf("path: %s\n", PathOf(plugin.dso).c_str());
-  if (!plugin.IsGraphics()) return ShowCompositor(plugin);
+  if (isLoaded) std::printf("path: %s\n", PathOf(plugin.file).c_str());
+  if (!plugin.isGraphics) return OpenAndShowCompositor(plugin);
 
-  std::printf("has-backend: %s\n", YesOrNo(VuGraphics::HasBackend(plugin.name)));
+  std::printf("has-backend: %s\n", YesOrNo(VuGraphics::HasBackend(plugin.name.c_str())));
   std::printf("supported-backend: %s\n", YesOrNo(IsListed(plugin.name)));
-  ShowFeatures(plugin);
-  return ShowContext(plugin);
-}
-
-bool IsKnown(const std::string& name) {
-  return std::any_of(std::begin(kBackendTable), std::end(kBackendTable),
-                     [&](const BackendRecord& plugin) { return name == plugin.name; });
+  ShowFeatures(plugin.name);
+  return OpenAndShowContext(plugin);
 }
 
 }  // namespace
 
 int ShowBackends(const CommandLine& line) {
-  for (const std::string& name : line.operands) {
-    if (IsKnown(name)) continue;
-    std::fprintf(stderr, "zirkinfo: no backend is called '%s'\n", name.c_str());
-    return kFailed;
-  }
+  const std::vector<Plugin> plugins = PluginsNamed(line.operands);
+  if (plugins.empty()) return kFailed;
   // The first query takes the default from the environment.
   const auto loader = GraphicsImplLoader::GetInstance();
   std::printf("version: %s\n", ZIRK_VERSION);
   std::printf("default: %s\n", std::getenv("ZIRK_STUB") ? BackendName(BackendType::Stub)
                                                         : VuGraphics::GetDefaultImpl());
   int status = kDone;
-  for (const BackendRecord& plugin : PluginsToShow()) {
-    const auto& wanted = line.operands;
-    const bool isNamed = std::find(wanted.begin(), wanted.end(), plugin.name) != wanted.end();
-    if (!wanted.empty() && !isNamed) continue;
+  std::vector<std::string> openFiles;
+  for (const Plugin& plugin : plugins) {
+    const bool isNamed = !line.operands.empty();
+    // A compositor is of no use without the backend in its file, which comes before it.
+    if (!plugin.isGraphics && !isNamed &&
+        std::find(openFiles.begin(), openFiles.end(), plugin.file) == openFiles.end())
+      continue;
     const bool opens = ShowPlugin(plugin);
-    if (isNamed && !opens) status = kFailed;
+    if (opens) openFiles.push_back(plugin.file);
+    if (!opens && (isNamed || plugin.name == line.pluginName)) status = kFailed;
   }
   return status;
 }

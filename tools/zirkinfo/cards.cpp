@@ -7,6 +7,8 @@
 
 #include "commands.h"
 #include "machinefont.h"
+#include "plugins.h"
+#include "screens.h"
 #include "support/difference.h"
 #include "support/pngfile.h"
 #include "testcard.h"
@@ -22,53 +24,39 @@ std::nullopt_t Failed(const std::string& subject, const char* problem) {
   return std::nullopt;
 }
 
-bool IsFont(const std::string& file) {
-  return VuFont(file.c_str(), 0, 16).GetOneLineHeight() != 0;
-}
-
-/// The font of the card's text, empty for none; nothing if the one that was named does not open.
-std::optional<std::string> ChooseFont(const CommandLine& line) {
-  if (!line.hasText) return "";
-  if (!line.fontFile.empty() && !IsFont(line.fontFile))
-    return Failed(line.fontFile, "cannot be opened as a font");
-  if (!line.fontFile.empty()) return line.fontFile;
-  const std::string found = FindMachineFont();
-  if (found.empty() || !IsFont(found)) {
-    std::fputs("zirkinfo: no font found, so no text is drawn; name one with --font\n", stderr);
-    return "";
-  }
-  return found;
+/// The card on a screen that is smaller than it.
+bool DrawSmallerCard(VuGraphics& graphics, VuBitmap& target, const std::string& fontFile) {
+  const std::unique_ptr<VuBitmap> card(
+      graphics.CreateBitmap(kCardWidth, kCardHeight, VuPixelFormat::ARGB8888));
+  if (!card || !DrawTestCard(graphics, *card, fontFile)) return false;
+  DrawFitted(target, *card);
+  return true;
 }
 
 /// The card as `backend`, empty for the default, draws it.
 std::optional<Picture> DrawCard(const std::string& backend, const std::string& fontFile,
                                 const CommandLine& line) {
   const std::string name = backend.empty() ? "the default backend" : backend;
-  const std::unique_ptr<VuGraphics> graphics(
-      backend.empty() ? VuGraphics::Create() : VuGraphics::Create(backend.c_str(), false));
+  const std::unique_ptr<VuGraphics> graphics = OpenBackend(backend);
   if (!graphics) return Failed(name, "does not open here");
-  const std::unique_ptr<VuBitmap> target(
-      line.isOnScreen ? graphics->CreateScreen(kCardWidth, kCardHeight, true)
-                      : graphics->CreateBitmap(kCardWidth, kCardHeight, VuPixelFormat::ARGB8888));
+  const std::unique_ptr<VuBitmap> target =
+      line.isOnScreen ? OpenScreen(*graphics, kCardWidth, kCardHeight)
+                      : std::unique_ptr<VuBitmap>(graphics->CreateBitmap(kCardWidth, kCardHeight,
+                                                                         VuPixelFormat::ARGB8888));
   if (!target) return Failed(name, "has no surface to draw the card on");
   const VuRect bounds = target->GetBounds();
-  if (bounds.width < kCardWidth || bounds.height < kCardHeight)
+  const bool isSmaller = bounds.width < kCardWidth || bounds.height < kCardHeight;
+  if (isSmaller && line.command == "compare")
     return Failed(name, "has a screen that is smaller than the card");
 
-  if (!DrawTestCard(*graphics, *target, fontFile))
+  if (!(isSmaller ? DrawSmallerCard : DrawTestCard)(*graphics, *target, fontFile))
     return Failed(name, "has no bitmaps to draw the card with");
   // Before it is shown: what a screen holds afterwards is not the same on every backend.
   const Picture drawn = support::PictureOf(*target);
   target->SwapBuffers();
   if (line.hold > 0) sleep(static_cast<unsigned>(line.hold));
   if (drawn.pixels.empty()) return Failed(name, "does not give its pixels back");
-  return support::Crop(drawn, {0, 0, kCardWidth, kCardHeight});
-}
-
-bool IsPngFile(const std::string& name) {
-  constexpr char kEnding[] = ".png";
-  constexpr size_t kLength = sizeof kEnding - 1;
-  return name.size() > kLength && name.compare(name.size() - kLength, kLength, kEnding) == 0;
+  return isSmaller ? drawn : support::Crop(drawn, {0, 0, kCardWidth, kCardHeight});
 }
 
 /// A picture of a file, or a card drawn by a backend.
@@ -95,7 +83,8 @@ int WriteCard(const CommandLine& line) {
   }
   const std::optional<std::string> font = ChooseFont(line);
   if (!font) return kFailed;
-  const std::optional<Picture> card = DrawCard(line.backend, *font, line);
+  const std::string& backend = line.backend.empty() ? line.pluginName : line.backend;
+  const std::optional<Picture> card = DrawCard(backend, *font, line);
   if (!card) return kFailed;
   if (line.operands.empty()) return kDone;
   return support::WritePng(line.operands[0].c_str(), *card) ? kDone : kFailed;

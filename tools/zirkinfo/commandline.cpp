@@ -10,22 +10,26 @@ namespace ZIRK::zirkinfo {
 namespace {
 
 constexpr char kHelp[] =
-    R"(usage: zirkinfo [--verbose] [backends [NAME...]]
+    R"(usage: zirkinfo [--verbose] [--plugin FILE] [backends [NAME...]]
        zirkinfo font [--size PIXELS] [--characters] FILE...
-       zirkinfo card [--backend NAME] [--screen] [--hold SECONDS]
+       zirkinfo card [--backend NAME] [--plugin FILE] [--screen] [--hold SECONDS]
                      [--font FILE | --no-text] [FILE.png]
        zirkinfo compare [--worst STEPS] [--mean STEPS] [--output FILE.png] [--screen]
-                        [--font FILE | --no-text] A B
+                        [--plugin FILE] [--font FILE | --no-text] A B
+       zirkinfo bench [--json] [--seconds SECONDS] [--plugin FILE]
+                      [--font FILE | --no-text] [NAME...]
 
-backends   says which backends are installed, which of them open here, and what
-           those say of themselves
+backends   says which backends are installed, which of them open here, what those
+           say of themselves, what shows their screens, and why others do not open
 font       says which faces a font file holds, and their measures at a size
 card       draws the test card by a backend, the default one unless named, and
            writes it to a file
 compare    says how far two test cards, or two pictures, are apart: A and B are
            names of backends or of PNG files
+bench      measures how fast the backends draw that open here
 
   --backend NAME     the backend that draws the card
+  --plugin FILE      a backend of others, which the command takes as well
   --screen           draw on a screen instead of a bitmap
   --hold SECONDS     show the screen for so long
   --font FILE        the font of the card's text
@@ -35,8 +39,10 @@ compare    says how far two test cards, or two pictures, are apart: A and B are
   --worst STEPS      largest difference of a channel, of 255, that is let pass
   --mean STEPS       mean difference that is let pass
   --output FILE.png  write the difference, eight times as strong
+  --json             print JSON instead of a table
+  --seconds SECONDS  how long each measurement takes, 1 unless given
   --verbose          let the library's log lines through
-  --help, --version
+  -h, --help, --version
 
 Exit status: 0 if all went well, 1 if something asked for could not be done,
 2 if the command line is wrong, 3 if pictures differ by more than is let pass.
@@ -53,6 +59,9 @@ enum OptionCode {
   kWorst,
   kMean,
   kOutput,
+  kPlugin,
+  kJson,
+  kSeconds,
   kVerbose,
   kHelpOption,
   kVersion,
@@ -69,6 +78,9 @@ constexpr option kOptions[] = {
     {"worst", required_argument, nullptr, kWorst},
     {"mean", required_argument, nullptr, kMean},
     {"output", required_argument, nullptr, kOutput},
+    {"plugin", required_argument, nullptr, kPlugin},
+    {"json", no_argument, nullptr, kJson},
+    {"seconds", required_argument, nullptr, kSeconds},
     {"verbose", no_argument, nullptr, kVerbose},
     {"help", no_argument, nullptr, kHelpOption},
     {"version", no_argument, nullptr, kVersion},
@@ -86,10 +98,11 @@ constexpr size_t kAny = 1'000'000;
 
 const Command* FindCommand(const std::string& name) {
   static const Command kCommands[] = {
-      {"backends", {}, 0, kAny},
+      {"backends", {kPlugin}, 0, kAny},
       {"font", {kSize, kCharacters}, 1, kAny},
-      {"card", {kBackend, kScreen, kHold, kFont, kNoText}, 0, 1},
-      {"compare", {kScreen, kFont, kNoText, kWorst, kMean, kOutput}, 2, 2},
+      {"card", {kBackend, kPlugin, kScreen, kHold, kFont, kNoText}, 0, 1},
+      {"compare", {kPlugin, kScreen, kFont, kNoText, kWorst, kMean, kOutput}, 2, 2},
+      {"bench", {kPlugin, kJson, kSeconds, kFont, kNoText}, 0, kAny},
   };
   for (const Command& command : kCommands)
     if (name == command.name) return &command;
@@ -130,6 +143,14 @@ bool TakeOption(int code, const char* argument, CommandLine& line) {
     case kOutput:
       line.output = argument;
       return true;
+    case kPlugin:
+      line.plugin = argument;
+      return !line.plugin.empty();
+    case kJson:
+      line.isJson = true;
+      return true;
+    case kSeconds:
+      return ReadNumber(argument, 0.001, 3600, line.seconds);
     case kScreen:
       line.isOnScreen = true;
       return true;
@@ -160,6 +181,11 @@ const char* NameOf(int code) {
   return "";
 }
 
+/// The file that the command writes; empty for none.
+std::string OutputOf(const CommandLine& line) {
+  return line.command == "card" && !line.operands.empty() ? line.operands[0] : line.output;
+}
+
 /// Whether the options and operands go with the command; else the status.
 int Check(const CommandLine& line, const std::vector<int>& used) {
   const Command* const command = FindCommand(line.command);
@@ -174,6 +200,8 @@ int Check(const CommandLine& line, const std::vector<int>& used) {
   if (line.operands.size() > command->most)
     return Wrong("unexpected '%s'", line.operands[command->most].c_str());
   if (!line.hasText && !line.fontFile.empty()) return Wrong("either --font or --no-text");
+  if (const std::string file = OutputOf(line); !file.empty() && !IsPngFile(file))
+    return Wrong("'%s' does not end in .png", file.c_str());
   if (line.hold > 0 && !line.isOnScreen) return Wrong("--hold goes with --screen");
   return kDone;
 }
@@ -183,9 +211,9 @@ int Check(const CommandLine& line, const std::vector<int>& used) {
 bool ParseCommandLine(int argc, char** argv, CommandLine& line, int& status) {
   opterr = 0;
   std::vector<int> used;
-  for (int code; (code = getopt_long(argc, argv, ":", kOptions, nullptr)) != -1;) {
+  for (int code; (code = getopt_long(argc, argv, ":h", kOptions, nullptr)) != -1;) {
     status = kDone;
-    if (code == kHelpOption) return std::fputs(kHelp, stdout), false;
+    if (code == kHelpOption || code == 'h') return std::fputs(kHelp, stdout), false;
     if (code == kVersion) return std::puts("zirkinfo " ZIRK_VERSION), false;
     if (code == ':') return status = Wrong("%s needs an argument", argv[optind - 1]), false;
     if (code == '?' && optopt) return status = Wrong("wrong option -%c", optopt), false;
@@ -198,6 +226,12 @@ bool ParseCommandLine(int argc, char** argv, CommandLine& line, int& status) {
   line.operands.assign(argv + optind, argv + argc);
   status = Check(line, used);
   return status == kDone;
+}
+
+bool IsPngFile(const std::string& name) {
+  constexpr char kEnding[] = ".png";
+  constexpr size_t kLength = sizeof kEnding - 1;
+  return name.size() > kLength && name.compare(name.size() - kLength, kLength, kEnding) == 0;
 }
 
 }  // namespace ZIRK::zirkinfo

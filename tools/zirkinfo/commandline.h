@@ -19,9 +19,13 @@ struct CommandLine {
   std::string backend;   ///< Empty for the default one.
   std::string fontFile;  ///< Empty for one of the machine.
   std::string output;
+  std::string plugin;      ///< A third party's file; empty for none.
+  std::string pluginName;  ///< Of the backend in it, once it is entered.
   int size = 16;
   int hold = 0;
   double worst = 255, mean = 255;
+  double seconds = 1;
+  bool isJson = false;
   bool listsCharacters = false;
   bool isOnScreen = false;
   bool hasText = true;
@@ -31,5 +35,7 @@ struct CommandLine {
 /// Reads the arguments. False if that is all that is to be done: `status` is then the program's,
 /// and help, the version or what is wrong has been printed.
 bool ParseCommandLine(int argc, char** argv, CommandLine& line, int& status);
+
+bool IsPngFile(const std::string& name);
 
 }  // namespace ZIRK::zirkinfo

@@ -9,5 +9,6 @@ int ShowBackends(const CommandLine& line);
 int ShowFonts(const CommandLine& line);
 int WriteCard(const CommandLine& line);
 int CompareCards(const CommandLine& line);
+int MeasureBackends(const CommandLine& line);
 
 }  // namespace ZIRK::zirkinfo

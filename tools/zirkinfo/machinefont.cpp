@@ -1,6 +1,9 @@
 #include "machinefont.h"
 
+#include <zirk/vufont.h>
+
 #include <algorithm>
+#include <cstdio>
 #include <filesystem>
 #include <iterator>
 #include <vector>
@@ -27,6 +30,10 @@ void CollectFonts(const char* folder, std::vector<fs::path>& fonts) {
     if (IsOutlineFont(file->path())) fonts.push_back(file->path());
 }
 
+bool IsFont(const std::string& file) {
+  return VuFont(file.c_str(), 0, 16).GetOneLineHeight() != 0;
+}
+
 }  // namespace
 
 std::string FindMachineFont() {
@@ -41,6 +48,21 @@ std::string FindMachineFont() {
     if (found != fonts.end()) return *found;
   }
   return fonts.front();
+}
+
+std::optional<std::string> ChooseFont(const CommandLine& line) {
+  if (!line.hasText) return "";
+  if (!line.fontFile.empty()) {
+    if (IsFont(line.fontFile)) return line.fontFile;
+    std::fprintf(stderr, "zirkinfo: %s: cannot be opened as a font\n", line.fontFile.c_str());
+    return std::nullopt;
+  }
+  const std::string found = FindMachineFont();
+  if (found.empty() || !IsFont(found)) {
+    std::fputs("zirkinfo: no font found, so no text is drawn; name one with --font\n", stderr);
+    return "";
+  }
+  return found;
 }
 
 }  // namespace ZIRK::zirkinfo

@@ -6,6 +6,7 @@
 #include <exception>
 
 #include "commands.h"
+#include "plugins.h"
 
 namespace {
 
@@ -15,6 +16,7 @@ int RunCommand(const CommandLine& line) {
   if (line.command == "font") return ShowFonts(line);
   if (line.command == "card") return WriteCard(line);
   if (line.command == "compare") return CompareCards(line);
+  if (line.command == "bench") return MeasureBackends(line);
   return ShowBackends(line);
 }
 
@@ -22,9 +24,9 @@ int Run(int argc, char** argv) {
   CommandLine line;
   int status = kDone;
   if (!ParseCommandLine(argc, argv, line, status)) return status;
-  // Asking is no error: without --verbose nothing goes to the kernel's log either.
   ZIRK::LogLevel = line.isVerbose ? 6 : 0;
   ZIRK::LogInterval = 0;
+  if (!line.plugin.empty()) line.pluginName = EnterPlugin(line.plugin);
   return RunCommand(line);
 }
 

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace ZIRK::zirkinfo {
+
+/// Collects what the library logs, down to the level info, as long as it lives. Nothing of it
+/// reaches standard error meanwhile, other libraries' messages included; with --verbose all follows
+/// at the end.
+class LibraryLog {
+ public:
+  LibraryLog();
+  ~LibraryLog();
+  LibraryLog(const LibraryLog&) = delete;
+  LibraryLog& operator=(const LibraryLog&) = delete;
+
+  /// The messages so far of the level with this name, each once.
+  std::vector<std::string> Messages(const std::string& levelName) const;
+  /// What shows the last screen created meanwhile; empty where none is shown.
+  std::string ShownBy() const;
+
+ private:
+  std::string Text() const;
+
+  const int level_;
+  const int file_;
+  const int standardError_;
+};
+
+/// Prints each message as a line with this key.
+void PrintLines(const char* key, const std::vector<std::string>& messages);
+
+}  // namespace ZIRK::zirkinfo
