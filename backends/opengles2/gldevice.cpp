@@ -195,6 +195,8 @@ bool GlDevice::StartContext() {
   hasOneChannel_ = DrawsOnOneChannel(gl_);
   if (const auto* renderer = reinterpret_cast<const char*>(gl_.GetString(GL_RENDERER)))
     renderer_ = renderer;
+  if (const auto* version = reinterpret_cast<const char*>(gl_.GetString(GL_VERSION)))
+    version_ = version;
   return batch_.Start();
 }
 
@@ -224,7 +226,7 @@ bool GlDevice::HasGpu() const {
 
 std::string GlDevice::Description() const {
   const char* const driver = Sdl().GetCurrentVideoDriver();
-  return "OpenGL ES 2 by SDL's " + std::string(driver ? driver : "video") + " and " + renderer_;
+  return version_ + " by SDL's " + (driver ? driver : "video") + " and " + renderer_;
 }
 
 std::optional<ImageSize> GlDevice::DisplaySize(int index) const {

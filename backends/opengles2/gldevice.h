@@ -120,7 +120,7 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
   bool loaded_ = false;  ///< The functions can be called.
   int maxTextureSize_ = 0;
   bool hasOneChannel_ = false;
-  std::string renderer_;
+  std::string renderer_, version_;
   /// The window whose interval was set last, the interval asked for, and what SDL then reported.
   struct {
     SDL_Window* window = nullptr;
