@@ -1,0 +1,29 @@
+#pragma once
+
+#include <zirk/zirk.h>
+
+#include <memory>
+#include <vector>
+
+/// A place that was touched, clicked or dragged over.
+struct Touch {
+  ZIRK::VuPoint at;
+  bool isFirst;  ///< Otherwise the finger or pointer has moved here from the last place.
+};
+
+/// Where touches come from.
+class Input {
+ public:
+  virtual ~Input() = default;
+  /// Adds what was touched since the last call. False once the program is to end.
+  virtual bool Read(std::vector<Touch>& touches) = 0;
+};
+
+/// SDL's events, for screens in windows of SDL. Made before the graphics context, which leaves the
+/// events to a program that has initialised SDL. Null where SDL does not start.
+std::unique_ptr<Input> OpenSdlInput();
+/// Whether a screen is shown by SDL. Otherwise no event will come from there.
+bool IsShownBySdl();
+
+/// The touch screens, mice and keyboards of the machine, for screens without a window.
+std::unique_ptr<Input> OpenEvdevInput(ZIRK::VuRect screen);
