@@ -128,6 +128,7 @@ GlTexture* TextureCache::Make(SoftwareBitmap& bitmap) {
   }
   auto texture = GlTexture::Create(device_, pixels.Width(), pixels.Height(), pixels.Format());
   if (!texture || !Upload(*texture, pixels.Bounds(), pixels, pixels.Bounds())) return nullptr;
+  texture->AllowPage();
   made.back().texture = std::move(texture);
   const std::lock_guard lock(mutex);
   slots_.splice(slots_.end(), made);

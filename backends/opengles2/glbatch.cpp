@@ -2,37 +2,16 @@
 
 #include <algorithm>
 #include <cstring>
-#include <iterator>
 #include <utility>
 #include <vector>
 
-#include "geometry/pixelmath.h"
 #include "opengles2/gldevice.h"
+#include "opengles2/glpage.h"
+#include "surface/drawmemory.h"
 
 namespace ZIRK::backends {
 
 namespace {
-
-/// In the order of VuBlendingFactor.
-constexpr GLenum kFactors[] = {
-    GL_ZERO,
-    GL_ONE,
-    GL_SRC_COLOR,
-    GL_ONE_MINUS_SRC_COLOR,
-    GL_SRC_ALPHA,
-    GL_ONE_MINUS_SRC_ALPHA,
-    GL_DST_ALPHA,
-    GL_ONE_MINUS_DST_ALPHA,
-    GL_DST_COLOR,
-    GL_ONE_MINUS_DST_COLOR,
-    GL_SRC_ALPHA_SATURATE,
-    GL_CONSTANT_COLOR,
-    GL_ONE_MINUS_CONSTANT_COLOR,
-    GL_CONSTANT_ALPHA,
-    GL_ONE_MINUS_CONSTANT_ALPHA,
-};
-static_assert(kFactors[size_t(VuBlendingFactor::SrcAlphaSaturate)] == GL_SRC_ALPHA_SATURATE &&
-              size_t(VuBlendingFactor::OneMinusBlendAlpha) + 1 == std::size(kFactors));
 
 /// A colour as four numbers.
 std::array<float, 4> Split(uint32_t color) {
@@ -41,58 +20,30 @@ std::array<float, 4> Split(uint32_t color) {
   return channels;
 }
 
-/// The factor for a target whose colour is its alpha: OpenGL takes all its pixels as opaque.
-GLenum OfAlpha(GLenum factor) {
-  switch (factor) {
-    case GL_SRC_ALPHA_SATURATE:
-      return GL_ONE;
-    case GL_DST_ALPHA:
-      return GL_DST_COLOR;
-    case GL_ONE_MINUS_DST_ALPHA:
-      return GL_ONE_MINUS_DST_COLOR;
-    default:
-      return factor;
-  }
+GLint FilterOf(const DrawKey& key) {
+  return key.filter == TexelFilter::Linear ? GL_LINEAR : GL_NEAREST;
 }
 
 }  // namespace
 
-GlBlend::GlBlend(const SurfaceState& state)
-    : color(Premultiply(state.blendColor)), factors(state.blendEnabled ? kEnabled : 0) {
-  const BlendFactors& f = state.factors;
-  int shift = 0;
-  for (const VuBlendingFactor factor : {f.srcColor, f.dstColor, f.srcAlpha, f.dstAlpha}) {
-    const bool known =
-        factor >= VuBlendingFactor::Zero && factor <= VuBlendingFactor::OneMinusBlendAlpha;
-    factors |= (known ? static_cast<uint32_t>(factor) : 0) << shift;
-    shift += 4;
-  }
-}
-
-std::array<GLenum, 4> GlBlend::FactorsFor(const GlTarget& target) const {
-  std::array<GLenum, 4> all{};
-  const bool alphaOnly = target.order == ChannelOrder::AlphaOnly;
-  for (size_t i = 0; i < 4; ++i) {
-    const GLenum factor = kFactors[factors >> 4 * (alphaOnly ? i | 2 : i) & 15u];
-    all[i] = alphaOnly ? OfAlpha(factor) : factor;
-  }
-  return all;
-}
-
-GlBatch::GlBatch(GlDevice& device) : device_(device), lines_(new Line[kMaxQuads]) {}
+GlBatch::GlBatch(GlDevice& device) : device_(device) {}
 
 GlBatch::~GlBatch() = default;
 
 bool GlBatch::Start() {
   const GlFunctions& gl = device_.Gl();
   if (!programs_.Build(gl)) return false;
+  if (!calls_[0].Begin({})) {
+    ReportNoMemory();
+    return false;
+  }
   gl.GenBuffers(1, &vertices_);
   gl.BindBuffer(GL_ARRAY_BUFFER, vertices_);
   gl.GenBuffers(1, &indices_);
   gl.BindBuffer(GL_ELEMENT_ARRAY_BUFFER, indices_);
   std::vector<GLushort> indices;
-  indices.reserve(kMaxQuads * 6);
-  for (int quad = 0; quad < kMaxQuads; ++quad)
+  indices.reserve(GlQuads::kMaxQuads * 6);
+  for (int quad = 0; quad < GlQuads::kMaxQuads; ++quad)
     for (const int corner : {0, 1, 2, 2, 3, 0})
       indices.push_back(static_cast<GLushort>(quad * 4 + corner));
   gl.BufferData(GL_ELEMENT_ARRAY_BUFFER, static_cast<GLsizeiptr>(indices.size() * 2),
@@ -119,81 +70,134 @@ void GlBatch::Stop() {
   gl.DeleteTextures(1, &white_);
 }
 
-void GlBatch::Begin(const DrawKey& key) {
-  Flush();
-  key_ = key;
-  colors_ = false;
-  blend_ = *key.blend;
+/// The texture that holds its pixels, which may be a page that it moves to now: only there it can
+/// share draw calls with those that are alike.
+GlTexture* GlBatch::Settle(GlTexture* texture) {
+  if (!texture) return nullptr;
+  const auto isAlike = [texture](const GlTexture* t) {
+    return t && t != texture && t->MayMove() && t->Format() == texture->Format();
+  };
+  const auto hasAlike = [&isAlike](const GlQuads& quads) {
+    return isAlike(quads.Key().texture) || isAlike(quads.Key().mask);
+  };
+  if (texture->MayMove() && (GlPage::Exists(device_, texture->Format()) ||
+                             std::any_of(calls_.begin(), calls_.begin() + open_, hasAlike)))
+    texture->MoveToPage();
+  return &texture->Storage();
 }
 
-void GlBatch::JoinOrBegin(const DrawKey& key) {
-  if (quads_ == kMaxQuads || !TryJoin(key)) Begin(key);
+GlQuads& GlBatch::Join(DrawKey& key, int count, const Box& box) {
+  if (open_ > 0 && key.target != last_->Key().target) Flush();
+  GlTexture* const mask = key.mask;
+  key.texture = Settle(key.texture);
+  key.mask = Settle(mask);
+  // A texture has one filter.
+  if (mask && key.mask == key.texture && key.maskFilter != FilterOf(key)) {
+    mask->LeavePage();
+    key.mask = &mask->Storage();
+  }
+  GlQuads *joined = nullptr, *widened = nullptr;
+  bool full = false;
+  for (int i = open_ - 1; i >= 0; --i) {
+    GlQuads& quads = calls_[static_cast<size_t>(i)];
+    const GlQuads::Fit fit = quads.FitOf(key, count, box);
+    if (fit == GlQuads::Fit::Joins) joined = &quads;
+    if (fit == GlQuads::Fit::Widens) widened = &quads;
+    if (fit == GlQuads::Fit::NoRoom) full = true;
+    if (i > 0 && quads.Touches(box)) break;
+  }
+  if (joined) return *joined;
+  if (widened) {
+    widened->Widen();
+    return *widened;
+  }
+  if (full) Flush();
+  return Begin(key);
+}
+
+GlQuads& GlBatch::Begin(const DrawKey& key) {
+  if (open_ == kMaxCalls) Flush();
+  GlQuads* next = &calls_[static_cast<size_t>(open_)];
+  if (!next->Begin(key) && open_ > 0) {
+    // The first one has its memory already.
+    Flush();
+    next = calls_.data();
+    next->Begin(key);
+  }
+  ++open_;
+  last_ = next;
+  return *next;
+}
+
+void GlBatch::JoinPlain(DrawKey key, const Box& box, const Texels& texels, uint32_t color) {
+  const GlTexture* const texture = key.texture;
+  GlQuads& quads = Join(key, 1, box);
+  PlainVertex quad[4];
+  PutPlainQuad(quad, box, InStorage(texture, texels), color);
+  quads.AddPlain(key, quad, box);
 }
 
 void GlBatch::Flush() {
-  if (quads_ == 0) return;
-  const GLsizeiptr bytes = End() - Vertices();
-  const int quads = std::exchange(quads_, 0);
-  const GlScope scope(device_, key_.target->window);
-  if (!scope) return;
-  const GlFunctions& gl = device_.Gl();
-  UseTarget(*key_.target);
-  UseBlend();
-  programs_.Use(gl, key_.program, *key_.target, key_.texture, colors_, key_.mask);
-  if (key_.mask) UseTexture(1, key_.mask, key_.maskFilter);
-  UseTexture(0, key_.texture, key_.filter);
-  // New storage each time: the last draw calls may still read the old one.
-  gl.BufferData(GL_ARRAY_BUFFER, bytes, Vertices(), GL_STREAM_DRAW);
-  // Drivers may crash on missing vertices.
-  if (!device_.Check("drawing")) return;
-  programs_.SetAttributes(gl, key_.program);
-  gl.DrawElements(GL_TRIANGLES, quads * 6, GL_UNSIGNED_SHORT, nullptr);
+  const int open = std::exchange(open_, 0);
+  last_ = calls_.data();
+  for (int i = 0; i < open; ++i) Send(calls_[static_cast<size_t>(i)]);
 }
 
-/// Whether a collected quadrilateral reads pixels of `box` of the texture.
-bool GlBatch::Reads(const Box& box) const {
-  const ptrdiff_t stride = 4 * WordsOfVertex(key_.program);
-  const ptrdiff_t offset = 4 * TexelsInVertex(key_.program);
-  const float margin = key_.filter == GL_NEAREST && key_.program == GlProgram::Plain ? 0 : 1;
-  for (const std::byte* quad = Vertices(); quad < End(); quad += 4 * stride) {
-    const auto bounds = [=](int axis) {
-      const auto at = [=](int corner) {
-        float value;
-        std::memcpy(&value, quad + corner * stride + offset + 4 * axis, sizeof value);
-        return value;
-      };
-      return std::minmax({at(0), at(1), at(2), at(3)});
-    };
-    const auto [left, right] = bounds(0);
-    const auto [top, bottom] = bounds(1);
-    if (left < static_cast<float>(box.x1) + margin && right > static_cast<float>(box.x0) - margin &&
-        top < static_cast<float>(box.y1) + margin && bottom > static_cast<float>(box.y0) - margin)
-      return true;
-  }
-  return false;
+void GlBatch::Send(GlQuads& quads) {
+  const int count = quads.Count();
+  const GLsizeiptr bytes = quads.Bytes();
+  quads.Drop();
+  const DrawKey& key = quads.Key();
+  const GlScope scope(device_, key.target->window);
+  if (count == 0 || !scope) return;
+  const GlFunctions& gl = device_.Gl();
+  UseTarget(*key.target);
+  UseBlend(key);
+  programs_.Use(gl, key.program, *key.target, key.texture, quads.HasColors(), key.mask);
+  if (key.mask) UseTexture(1, key.mask, key.maskFilter);
+  UseTexture(0, key.texture, FilterOf(key));
+  // New storage each time: the last draw calls may still read the old one.
+  gl.BufferData(GL_ARRAY_BUFFER, bytes, quads.Vertices(), GL_STREAM_DRAW);
+  // Drivers may crash on missing vertices.
+  if (!device_.Check("drawing")) return;
+  programs_.SetAttributes(gl, key.program);
+  gl.DrawElements(GL_TRIANGLES, count * 6, GL_UNSIGNED_SHORT, nullptr);
+}
+
+void GlBatch::BeforeReading(const GlTarget& target) {
+  if (open_ > 0 && last_->Key().target == &target) Flush();
 }
 
 void GlBatch::BeforeWriting(const GlTexture& texture, const Box& box) {
-  if (quads_ == 0) return;
-  if (key_.mask == &texture || key_.target == texture.AsTarget() ||
-      (key_.texture == &texture && Reads(box)))
-    Flush();
+  const bool reads = std::any_of(calls_.begin(), calls_.begin() + open_,
+                                 [&](const GlQuads& quads) { return quads.Reads(texture, box); });
+  if (reads) Flush();
+  BeforeReading(*texture.AsTarget());
 }
 
 void GlBatch::Forget(const GlTexture& texture) {
   Forget(*texture.AsTarget());
-  if (quads_ > 0 && (key_.texture == &texture || key_.mask == &texture)) Flush();
+  const auto has = [&](const GlQuads& quads) {
+    return quads.Key().texture == &texture || quads.Key().mask == &texture;
+  };
+  if (std::any_of(calls_.begin(), calls_.begin() + open_, has)) Flush();
 }
 
 void GlBatch::Forget(const GlTarget& target) {
-  if (key_.target == &target) quads_ = 0;
+  if (open_ > 0 && last_->Key().target == &target) Drop();
   if (viewportOf_ == &target) viewportOf_ = nullptr;
+}
+
+void GlBatch::Drop() {
+  for (GlQuads& quads : calls_) quads.Drop();
+  open_ = 0;
+  last_ = calls_.data();
 }
 
 bool GlBatch::Clear(const GlTarget& target, uint32_t color) {
   // It covers all that is collected for the same target.
-  if (quads_ > 0 && key_.target == &target)
-    quads_ = 0;
+  if (open_ > 0 && last_->Key().target == &target)
+    Drop();
   else
     Flush();
   const GlScope scope(device_, target.window);
@@ -243,23 +247,24 @@ void GlBatch::UseTarget(const GlTarget& target) {
   viewportOf_ = &target;
 }
 
-void GlBatch::UseBlend() {
+void GlBatch::UseBlend(const DrawKey& key) {
   const GlFunctions& gl = device_.Gl();
-  if (alphaWritten_ == key_.target->keepsAlpha) {
+  if (alphaWritten_ == key.target->keepsAlpha) {
     alphaWritten_ = !alphaWritten_;
     gl.ColorMask(GL_TRUE, GL_TRUE, GL_TRUE, alphaWritten_ ? GL_TRUE : GL_FALSE);
   }
-  if (blend_.IsEnabled() != blendUsed_) (blend_.IsEnabled() ? gl.Enable : gl.Disable)(GL_BLEND);
-  blendUsed_ = blend_.IsEnabled();
+  if (key.blend.IsEnabled() != blendUsed_)
+    (key.blend.IsEnabled() ? gl.Enable : gl.Disable)(GL_BLEND);
+  blendUsed_ = key.blend.IsEnabled();
   if (!blendUsed_) return;
-  std::array<GLenum, 4> factors = blend_.FactorsFor(*key_.target);
+  std::array<GLenum, 4> factors = key.blend.FactorsFor(*key.target);
   // This version of OpenGL does not have the factor for the destination. For alpha it means One;
   // for colours Zero is right only where the destination is opaque.
   if (!saturatesDestination_ && factors[1] == GL_SRC_ALPHA_SATURATE) factors[1] = GL_ZERO;
   if (!saturatesDestination_ && factors[3] == GL_SRC_ALPHA_SATURATE) factors[3] = GL_ONE;
   if (factors != factorsSet_) gl.BlendFuncSeparate(factors[0], factors[1], factors[2], factors[3]);
   factorsSet_ = factors;
-  const uint32_t color = key_.target->Channels(blend_.color);
+  const uint32_t color = key.target->Channels(key.blend.color);
   if (color == blendColorSet_) return;
   const auto c = Split(color);
   gl.BlendColor(c[0], c[1], c[2], c[3]);

@@ -19,47 +19,40 @@ namespace {
 // is read are used then.
 constexpr double kSmallestStep = 1.0 / 64;
 
-GLint FilterOf(VuScaleMode mode) {
-  return mode == VuScaleMode::Bilinear ? GL_LINEAR : GL_NEAREST;
+TexelFilter FilterOf(VuScaleMode mode) {
+  return mode == VuScaleMode::Bilinear ? TexelFilter::Linear : TexelFilter::Nearest;
 }
 
 GlPoint ToGl(Point p) {
   return {static_cast<float>(p.x), static_cast<float>(p.y)};
 }
 
-/// Texels at the edges of a quadrilateral.
-struct Texels {
-  float s0, t0, s1, t1;
-};
-constexpr Texels kNoTexels = {-1, -1, -1, -1};
 constexpr GlPoint kNoTexel = {-1, -1};
 
-void PutPlainQuad(PlainVertex* v, const Box& box, const Texels& texels, uint32_t color) {
-  const auto x0 = static_cast<uint16_t>(box.x0), x1 = static_cast<uint16_t>(box.x1);
-  const auto y0 = static_cast<uint16_t>(box.y0), y1 = static_cast<uint16_t>(box.y1);
-  const auto [s0, t0, s1, t1] = texels;
-  v[0] = {x0, y0, color, s0, t0};
-  v[1] = {x1, y0, color, s1, t0};
-  v[2] = {x1, y1, color, s1, t1};
-  v[3] = {x0, y1, color, s0, t1};
+/// A position in the texture, in the one that holds its pixels.
+GlPoint InStorage(const GlTexture& texture, Point p) {
+  const GlPoint origin = texture.Origin();
+  return ToGl({p.x + static_cast<double>(origin.x), p.y + static_cast<double>(origin.y)});
 }
 
 /// How a plain quadrilateral reads its texture.
 struct Reading {
-  GLint filter;
+  TexelFilter filter;
   float bias;
 };
 
 /// For `rect` of `src` that fills `box`; nothing if it takes a program that limits what is read.
 std::optional<Reading> ReadingFor(const Box& box, const Source<GlTexture>& src,
                                   const VuRect& rect) {
-  if (box.Width() == rect.width && box.Height() == rect.height) return Reading{GL_NEAREST, 0};
-  const GLint filter = FilterOf(src.scaleMode);
+  if (box.Width() == rect.width && box.Height() == rect.height)
+    return Reading{TexelFilter::Exact, 0};
+  const TexelFilter filter = FilterOf(src.scaleMode);
+  const bool nearest = filter == TexelFilter::Nearest;
   const bool enlarged =
       kSmallestStep * box.Width() > rect.width || kSmallestStep * box.Height() > rect.height;
   const bool whole = ToBox(rect) == src.pixels->Bounds();
-  if (filter == GL_NEAREST ? enlarged : !whole) return std::nullopt;
-  return Reading{filter, filter == GL_NEAREST ? static_cast<float>(kTexelBias) : 0};
+  if (nearest ? enlarged : !whole) return std::nullopt;
+  return Reading{filter, nearest ? static_cast<float>(kTexelBias) : 0};
 }
 
 /// For the `visible` part of `box`, which `rect` of a texture fills.
@@ -103,7 +96,8 @@ void GlCanvas::DrawOn(const GlTarget* window) {
 
 /// Whether there is anything to draw on.
 bool GlCanvas::Refresh() {
-  if (revision_.CatchUp()) {
+  // What it is drawn from may have moved it to a page.
+  if (revision_.CatchUp() || (texture_ && texture_->IsInPage())) {
     blend_ = GlBlend(state_);
     target_ = Target();
     clip_ = Intersection(ToBox(state_.clip), Bounds());
@@ -150,8 +144,8 @@ bool GlCanvas::BlitBox(VuRect dst, Source src, VuRect srcRect, const MatrixF& m,
 
   const std::optional<Reading> reading = ReadingFor(box, src, srcRect);
   if (!reading) return false;
-  PutPlainQuad(device_->Batch().AddPlain(target_, blend_, src.pixels, reading->filter), visible,
-               CutTexels(srcRect, reading->bias, box, visible), Shade(color));
+  device_->Batch().AddPlain(target_, blend_, src.pixels, reading->filter, visible,
+                            CutTexels(srcRect, reading->bias, box, visible), Shade(color));
   return true;
 }
 
@@ -212,8 +206,8 @@ void GlCanvas::DrawObject(const RectD& dst, const Source& src, const RectD& srcR
 void GlCanvas::PaintBox(const Box& box, uint32_t color) {
   const Box visible = Visible(box);
   if (visible.IsEmpty()) return;
-  PutPlainQuad(device_->Batch().AddPlain(target_, blend_, nullptr, GL_NEAREST), visible, kNoTexels,
-               color);
+  device_->Batch().AddPlain(target_, blend_, nullptr, TexelFilter::Exact, visible, kNoTexels,
+                            color);
 }
 
 std::optional<GlCanvas::PlacedMask> GlCanvas::PlaceOver(const MappedQuad& primitive,
@@ -243,13 +237,13 @@ void GlCanvas::Paint(const MappedQuad& quad, const Filling& filling, uint32_t co
 DrawKey GlCanvas::KeyFor(const Shape& shape, const Filling& filling, const PlacedMask* mask) const {
   DrawKey key;
   key.target = target_;
-  key.blend = &blend_;
+  key.blend = blend_;
   key.texture = filling.texture;
   key.filter = filling.filter;
   if (mask) {
     key.program = GlProgram::Masked;
     key.mask = mask->texture;
-    key.maskFilter = mask->filter;
+    key.maskFilter = mask->filter == TexelFilter::Linear ? GL_LINEAR : GL_NEAREST;
   } else if (!shape.hardEdged || NeedsLimits(filling)) {
     key.program = GlProgram::Shaped;
   }
@@ -257,21 +251,30 @@ DrawKey GlCanvas::KeyFor(const Shape& shape, const Filling& filling, const Place
 }
 
 /// What all vertices of a shape have in common.
-ShapedVertex GlCanvas::VertexOf(const Shape& shape, const Filling& filling, uint32_t color) {
+MaskedVertex GlCanvas::VertexOf(const Shape& shape, const Filling& filling, uint32_t color,
+                                const PlacedMask* mask) {
   // A hard edge lies where the outline ends; the shape goes on beyond.
   Affine sides = shape.toSurface;
   if (shape.hardEdged) {
     const Box b = shape.outline.Bounds();
     sides = {{b.x0 - 2.0, b.y0 - 2.0}, {b.Width() + 4.0, 0}, {0, b.Height() + 4.0}};
   }
-  const Box& l = filling.limits;
-  ShapedVertex v{};
-  v.color = color;
-  v.first = filling.texture ? ToGl({l.x0 + 0.5, l.y0 + 0.5}) : kNoTexel;
-  v.last = filling.texture ? ToGl({l.x1 - 0.5, l.y1 - 0.5}) : kNoTexel;
-  v.corner = ToGl(sides.origin);
-  v.right = ToGl(sides.dx);
-  v.down = ToGl(sides.dy);
+  MaskedVertex v{};
+  v.shaped.color = color;
+  v.shaped.first = v.shaped.last = kNoTexel;
+  if (filling.texture) {
+    const Box& l = filling.limits;
+    v.shaped.first = InStorage(*filling.texture, {l.x0 + 0.5, l.y0 + 0.5});
+    v.shaped.last = InStorage(*filling.texture, {l.x1 - 0.5, l.y1 - 0.5});
+  }
+  v.shaped.corner = ToGl(sides.origin);
+  v.shaped.right = ToGl(sides.dx);
+  v.shaped.down = ToGl(sides.dy);
+  if (!mask) return v;
+  const GlTexture& t = *mask->texture;
+  v.crossTerm = ToGl(mask->place.crossTerm);
+  v.maskFirst = InStorage(t, {0.5, 0.5});
+  v.maskLast = InStorage(t, {t.Width() - 0.5, t.Height() - 0.5});
   return v;
 }
 
@@ -279,29 +282,32 @@ void GlCanvas::PaintShape(const Shape& shape, const Filling& filling, uint32_t c
                           const PlacedMask* mask) {
   const Polygon& outline = shape.outline;
   if (outline.count < 3) return;
-  const DrawKey key = KeyFor(shape, filling, mask);
-  const int quads = (outline.count - 1) / 2;
-  std::byte* at = device_->Batch().Add(key, quads);
+  DrawKey key = KeyFor(shape, filling, mask);
+  const int count = (outline.count - 1) / 2;
+  const Box box = outline.Bounds();
+  GlQuads& quads = device_->Batch().Join(key, count, box);
+  const GlProgram program = quads.Key().program;
+  std::byte* at = quads.Add(key, count, box);
   const auto put = [&at](const auto& vertex) {
     std::memcpy(at, &vertex, sizeof vertex);
     at += sizeof vertex;
   };
   MaskedVertex v{};
-  if (key.program != GlProgram::Plain) v.shaped = VertexOf(shape, filling, color);
-  if (mask) v.crossTerm = ToGl(mask->place.crossTerm);
+  if (program != GlProgram::Plain) v = VertexOf(shape, filling, color, mask);
   const auto putAt = [&](Point p) {
-    const GlPoint texel = filling.texture ? ToGl(filling.toTexture(p.x, p.y)) : kNoTexel;
-    if (key.program == GlProgram::Plain)
+    const GlPoint texel =
+        filling.texture ? InStorage(*filling.texture, filling.toTexture(p.x, p.y)) : kNoTexel;
+    if (program == GlProgram::Plain)
       return put(PlainVertex{static_cast<uint16_t>(p.x), static_cast<uint16_t>(p.y), color, texel.x,
                              texel.y});
     v.shaped.position = ToGl(p);
     v.shaped.texel = texel;
-    if (key.program == GlProgram::Shaped) return put(v.shaped);
+    if (program == GlProgram::Shaped) return put(v.shaped);
     v.shaped.unit = ToGl(mask->place.toUnit(p.x, p.y));
-    v.mask = ToGl(mask->place.toMask(p.x, p.y));
+    v.mask = InStorage(*mask->texture, mask->place.toMask(p.x, p.y));
     put(v);
   };
-  for (int i = 0; i < quads; ++i) {
+  for (int i = 0; i < count; ++i) {
     putAt(outline.points[0]);
     for (int j = 1; j <= 3; ++j)
       putAt(outline.points[static_cast<size_t>(std::min(2 * i + j, outline.count - 1))]);
@@ -311,7 +317,7 @@ void GlCanvas::PaintShape(const Shape& shape, const Filling& filling, uint32_t c
 /// Whether a hard-edged filling might read what it must not.
 bool GlCanvas::NeedsLimits(const Filling& filling) {
   if (!filling.texture) return false;
-  if (filling.filter != GL_NEAREST) return !(filling.limits == filling.texture->Bounds());
+  if (filling.filter == TexelFilter::Linear) return !(filling.limits == filling.texture->Bounds());
   const Affine& a = filling.toTexture;
   return std::abs(a.dx.x) + std::abs(a.dy.x) < kSmallestStep ||
          std::abs(a.dx.y) + std::abs(a.dy.y) < kSmallestStep;
@@ -352,10 +358,13 @@ bool GlCanvas::CopyFrom(GlTexture& src, int srcX, int srcY, const Box& box) {
   static constexpr GlBlend kReplace{};
   const GlTarget* const target = Target();
   if (!target) return false;
-  if (texture_ && texture_->Format() == src.Format() && IsLarge(box)) {
+  // As an atlas is that grows.
+  const bool isWhole = box == src.Bounds() && !src.IsInPage();
+  if (texture_ && texture_->Format() == src.Format() && (isWhole || IsLarge(box))) {
     const GlTarget* const from = src.Target();
     if (!from) return false;
-    device_->Batch().Flush();
+    device_->Batch().BeforeReading(*from);
+    device_->Batch().BeforeWriting(*texture_, box);
     const GlScope scope(*device_);
     if (!scope) return false;
     device_->Batch().BindFramebuffer(from->framebuffer);
@@ -364,9 +373,9 @@ bool GlCanvas::CopyFrom(GlTexture& src, int srcX, int srcY, const Box& box) {
     return device_->Check("copying pixels");
   }
   const auto s = static_cast<float>(srcX), t = static_cast<float>(srcY);
-  PutPlainQuad(device_->Batch().AddPlain(target, kReplace, &src, GL_NEAREST), box,
-               {s, t, s + static_cast<float>(box.Width()), t + static_cast<float>(box.Height())},
-               ~0u);
+  const Texels texels = {s, t, s + static_cast<float>(box.Width()),
+                         t + static_cast<float>(box.Height())};
+  device_->Batch().AddPlain(target, kReplace, &src, TexelFilter::Exact, box, texels, ~0u);
   return true;
 }
 

@@ -68,13 +68,13 @@ class GlCanvas {
   /// What fills a shape: the texture and where each position of the surface lies in it.
   struct Filling {
     GlTexture* texture = nullptr;
-    GLint filter = GL_NEAREST;
+    TexelFilter filter = TexelFilter::Exact;
     Affine toTexture{};
     Box limits{};  ///< What may be read.
   };
   struct PlacedMask {
     GlTexture* texture;
-    GLint filter;
+    TexelFilter filter;
     MappedMask place;
   };
   struct Shape;
@@ -83,7 +83,8 @@ class GlCanvas {
   static PlacedMask PlaceAt(Point at, const Source& mask);
   static bool NeedsLimits(const Filling& filling);
   DrawKey KeyFor(const Shape& shape, const Filling& filling, const PlacedMask* mask) const;
-  static ShapedVertex VertexOf(const Shape& shape, const Filling& filling, uint32_t color);
+  static MaskedVertex VertexOf(const Shape& shape, const Filling& filling, uint32_t color,
+                               const PlacedMask* mask);
 
   const GlTarget* Target() { return texture_ ? texture_->Target() : window_; }
   bool Refresh();

@@ -13,6 +13,7 @@
 namespace ZIRK::backends {
 
 class GlLayers;
+class GlPage;
 
 /// While it exists, the reason why a device or a window does not open goes into its text instead
 /// of the log, on this thread.
@@ -45,6 +46,9 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
   bool HasOneChannel() const { return hasOneChannel_; }
   /// Owned by the screens, and kept here so that they find each other.
   std::weak_ptr<GlLayers>& Layers() { return layers_; }
+  /// Owned by the textures in them. Some may be gone.
+  std::vector<std::weak_ptr<GlPage>>& Pages() { return pages_; }
+  const std::vector<std::weak_ptr<GlPage>>& Pages() const { return pages_; }
   bool IsLost() const { return !context_; }
   /// Whether SDL knows of no other user in the process.
   bool HasSdlAlone() const;
@@ -113,6 +117,7 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
   SDL_Window* current_ = nullptr;  ///< The window that the context is current with.
   std::vector<SDL_Window*> windows_;
   std::weak_ptr<GlLayers> layers_;
+  std::vector<std::weak_ptr<GlPage>> pages_;
   bool sdlWasIdle_ = false;
   bool driverWasChosen_ = false;
   bool videoStarted_ = false;

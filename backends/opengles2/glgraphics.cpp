@@ -37,6 +37,7 @@ std::unique_ptr<VuBitmapImpl> GlGraphics::MakeBitmap(Reservation reservation, in
   if (!texture) return nullptr;
   auto bitmap =
       std::make_unique<GlBitmap>(std::move(reservation), width, height, format, device_, resolver_);
+  texture->AllowPage();
   bitmap->Drawing().DrawOn(std::move(texture));
   if (!bitmap->Drawing().Clear(VuColor{0})) return nullptr;
   return bitmap;
@@ -54,6 +55,7 @@ std::unique_ptr<VuBitmapImpl> GlGraphics::MakePicture(Reservation reservation, i
     return nullptr;
   auto bitmap = std::make_unique<GlBitmap>(std::move(reservation), width, height,
                                            VuPixelFormat::ARGB8888, device_, resolver_);
+  texture->AllowPage();
   bitmap->Drawing().DrawOn(std::move(texture));
   return bitmap;
 }

@@ -33,8 +33,9 @@ varying vec4 limit, corners, sideUnit;
 #endif
 #ifdef MASKED
 attribute vec4 mask;       // position in the mask, crossTerm
+attribute vec4 maskLimits;
 uniform vec2 maskTexelSize;
-varying vec4 maskPosition;
+varying vec4 maskPosition, maskLimit;
 #endif
 
 void main() {
@@ -49,6 +50,7 @@ void main() {
 #endif
 #ifdef MASKED
   maskPosition = mask * maskTexelSize.xyxy;
+  maskLimit = maskLimits * maskTexelSize.xyxy;
 #endif
 }
 )";
@@ -67,9 +69,8 @@ varying vec2 place;
 varying vec4 limit, corners, sideUnit;
 #endif
 #ifdef MASKED
-varying vec4 maskPosition;
+varying vec4 maskPosition, maskLimit;
 uniform sampler2D coverage;
-uniform vec2 maskTexelSize;
 uniform vec4 maskChannel;  // the one that is alpha
 #endif
 
@@ -124,7 +125,7 @@ void main() {
 #endif
 #ifdef MASKED
   vec2 on = maskPosition.xy + maskPosition.zw * (sideUnit.z * sideUnit.w);
-  on = clamp(on, 0.5 * maskTexelSize, 1.0 - 0.5 * maskTexelSize);
+  on = clamp(on, maskLimit.xy, maskLimit.zw);
   amount *= dot(texture2D(coverage, on), maskChannel);
 #endif
   gl_FragColor = shade * mix(vec4(1.0), order * texture2D(source, at), textured) * amount;
@@ -141,11 +142,11 @@ struct Attribute {
 constexpr Attribute kAttributes[] = {{"position", 2, GL_FLOAT}, {"color", 4, GL_UNSIGNED_BYTE},
                                      {"texel", 2, GL_FLOAT},    {"limits", 4, GL_FLOAT},
                                      {"shape", 4, GL_FLOAT},    {"shapeUnit", 4, GL_FLOAT},
-                                     {"mask", 4, GL_FLOAT}};
+                                     {"mask", 4, GL_FLOAT},     {"maskLimits", 4, GL_FLOAT}};
 constexpr Attribute kPlainPosition = {"position", 2, GL_UNSIGNED_SHORT};
 
 constexpr int AttributeCount(GlProgram program) {
-  return program == GlProgram::Shaped ? 6 : program == GlProgram::Masked ? 7 : 3;
+  return program == GlProgram::Shaped ? 6 : program == GlProgram::Masked ? 8 : 3;
 }
 
 constexpr size_t BytesOf(const Attribute& a) {

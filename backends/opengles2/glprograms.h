@@ -28,10 +28,6 @@ struct PlainVertex {
   float s, t;      ///< Texels; -1 for no texture.
 };
 
-struct GlPoint {
-  float x, y;
-};
-
 struct ShapedVertex {
   GlPoint position;             ///< Pixels.
   uint32_t color;               ///< As in a PlainVertex.
@@ -43,8 +39,9 @@ struct ShapedVertex {
 
 struct MaskedVertex {
   ShapedVertex shaped;
-  GlPoint mask;       ///< Texels.
-  GlPoint crossTerm;  ///< See MappedMask.
+  GlPoint mask;                 ///< Texels.
+  GlPoint crossTerm;            ///< See MappedMask.
+  GlPoint maskFirst, maskLast;  ///< Texels of the mask that may be read, their centres.
 };
 
 /// The size of a vertex in words of 32 bits.

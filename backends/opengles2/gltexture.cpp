@@ -11,6 +11,7 @@
 #include "geometry/pixeltraits.h"
 #include "geometry/surfaceformat.h"
 #include "opengles2/gldevice.h"
+#include "opengles2/glpage.h"
 #include "surface/drawmemory.h"
 
 namespace ZIRK::backends {
@@ -113,15 +114,86 @@ std::unique_ptr<GlTexture> GlTexture::Create(std::shared_ptr<GlDevice> device, i
 }
 
 GlTexture::~GlTexture() {
+  if (page_) page_->Free(place_);
+  DeleteStorage();
+}
+
+/// Draws first what reads it.
+void GlTexture::DeleteStorage() {
   device_->Batch().Forget(*this);
+  const GLuint name = std::exchange(name_, 0);
   const GlScope scope(*device_);
-  if (!scope) return;
-  device_->Batch().Unbind(name_);
+  if (!scope || !name) return;
+  device_->Batch().Unbind(name);
   if (target_.framebuffer) device_->Batch().DeleteFramebuffer(target_.framebuffer);
-  device_->Gl().DeleteTextures(1, &name_);
+  target_.framebuffer = 0;
+  device_->Gl().DeleteTextures(1, &name);
+}
+
+void GlTexture::AllowPage() {
+  constexpr int kMoves = 4;
+  if (GlPage::IsSmall(Width(), Height())) moves_ = kMoves;
+}
+
+void GlTexture::MoveToPage() {
+  --moves_;
+  const GlTarget* const from = Target();
+  Box place;
+  std::shared_ptr<GlPage> page = from ? GlPage::Place(device_, *this, place) : nullptr;
+  if (!page) return;
+  DeleteStorage();
+  place_ = place;
+  origin_ = {static_cast<float>(place.x0 + GlPage::kBorder),
+             static_cast<float>(place.y0 + GlPage::kBorder)};
+  storage_ = &page->Texture();
+  page_ = std::move(page);
+}
+
+void GlTexture::LeavePage() {
+  if (page_) ReturnFromPage();
+  moves_ = 0;
+}
+
+bool GlTexture::ReturnFromPage() {
+  const GlTarget* const from = storage_->Target();
+  const auto own = from ? Create(device_, Width(), Height(), format_) : nullptr;
+  const GlScope scope(*device_);
+  if (!own || !scope) return false;
+  device_->Batch().BindFramebuffer(from->framebuffer);
+  const int x = place_.x0 + GlPage::kBorder, y = place_.y0 + GlPage::kBorder;
+  own->CopyFromFramebuffer({x, y, x + Width(), y + Height()}, 0, 0);
+  if (!device_->Check("leaving a page")) return false;
+  Exchange(*own);
+  storage_ = this;
+  origin_ = {0, 0};
+  page_->Free(place_);
+  page_ = nullptr;
+  return true;
+}
+
+/// Exchanges OpenGL's texture with another one.
+void GlTexture::Exchange(GlTexture& other) {
+  std::swap(name_, other.name_);
+  std::swap(filter_, other.filter_);
+  std::swap(target_.framebuffer, other.target_.framebuffer);
+}
+
+bool GlTexture::Enlarge(int width, int height) {
+  const GlTarget* const from = Target();
+  const auto larger = from ? Create(device_, width, height, format_) : nullptr;
+  const GlScope scope(*device_);
+  if (!larger || !scope) return false;
+  device_->Batch().BindFramebuffer(from->framebuffer);
+  larger->CopyFromFramebuffer(Bounds(), 0, 0);
+  if (!device_->Check("enlarging a page")) return false;
+  Exchange(*larger);
+  target_.width = width;
+  target_.height = height;
+  return true;
 }
 
 const GlTarget* GlTexture::Target() {
+  if (page_ && !ReturnFromPage()) return nullptr;
   if (target_.framebuffer) return &target_;
   const GlScope scope(*device_);
   if (!scope) return nullptr;
@@ -149,6 +221,7 @@ bool GlTexture::IsUploadedAsItIs() const {
 
 bool GlTexture::Upload(const Box& box, const void* pixels, unsigned pitch) {
   if (box.IsEmpty()) return true;
+  if (page_ && !ReturnFromPage()) return false;
   const size_t rowBytes = static_cast<size_t>(box.Width() * BytesPerPixel(format_));
   std::unique_ptr<uint8_t[]> converted;
   const bool asItIs = IsUploadedAsItIs();
@@ -194,7 +267,7 @@ void GlTexture::SetFilter(GLint filter) {
 
 void GlTexture::SetName(const char* name) {
   const GlScope scope(*device_);
-  if (!scope || !device_->Gl().ObjectLabel) return;
+  if (!scope || !device_->Gl().ObjectLabel || page_) return;
   const std::string_view label = std::string_view(name ? name : "").substr(0, kLabelSize);
   device_->Gl().ObjectLabel(GL_TEXTURE, name_, static_cast<GLsizei>(label.size()), label.data());
 }

@@ -11,6 +11,12 @@
 namespace ZIRK::backends {
 
 class GlDevice;
+class GlPage;
+
+/// A position, in pixels or in texels.
+struct GlPoint {
+  float x, y;
+};
 
 constexpr uint32_t ExchangeRedAndBlue(uint32_t p) {
   return (p & 0xFF00FF00u) | (p >> 16 & 255u) | (p & 255u) << 16;
@@ -55,6 +61,9 @@ struct GlTarget {
 /// - A8 has one channel if OpenGL can draw on that, and otherwise four, of which only alpha counts.
 ///
 /// The top row comes first, which is OpenGL's bottom one.
+///
+/// A small one may move to a page while it is drawn from. It moves back when it is written or
+/// drawn on, and after some such moves it stays where it is.
 class GlTexture {
  public:
   /// A texture of undefined pixels; null after one error line.
@@ -72,8 +81,23 @@ class GlTexture {
   GLuint Name() const { return name_; }
   GlDevice& Device() const { return *device_; }
 
+  /// Lets it move to a page if it is small.
+  void AllowPage();
+  bool MayMove() const { return moves_ > 0 && !page_; }
+  bool IsInPage() const { return page_ != nullptr; }
+  /// Moves it to a page, if that can be done.
+  void MoveToPage();
+  /// Returns it from its page and keeps it out of pages.
+  void LeavePage();
+  /// What holds its pixels: the texture itself or a page's, and where in it the first one is.
+  GlTexture& Storage() const { return *storage_; }
+  GlPoint Origin() const { return origin_; }
+
   /// The texture as a target. Null after an error line.
   const GlTarget* Target();
+
+  /// Makes a texture that is no bitmap's larger, by a copy. False after an error line.
+  bool Enlarge(int width, int height);
 
   /// Writes the pixels of `box`, rows `pitch` bytes apart, in the surface's format. False after an
   /// error line.
@@ -95,12 +119,20 @@ class GlTexture {
  private:
   GlTexture(std::shared_ptr<GlDevice> device, int width, int height, VuPixelFormat format);
   bool IsUploadedAsItIs() const;
+  bool ReturnFromPage();
+  void Exchange(GlTexture& other);
+  void DeleteStorage();
 
   const std::shared_ptr<GlDevice> device_;
   const VuPixelFormat format_;
-  GlTarget target_;
-  GLuint name_ = 0;
   GLint filter_ = GL_NEAREST;
+  GLuint name_ = 0;  ///< 0 while it is in a page.
+  GlTarget target_;
+  GlTexture* storage_ = this;
+  GlPoint origin_ = {0, 0};
+  int moves_ = 0;  ///< How many times it may still move to a page.
+  std::shared_ptr<GlPage> page_;
+  Box place_;  ///< In the page, with its border.
 };
 
 /// Whether OpenGL can draw on textures of one channel. To be called once, with nothing bound.

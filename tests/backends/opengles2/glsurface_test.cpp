@@ -67,6 +67,56 @@ TEST_F(Surfaces, APageOfTextIsOneDrawCall) {
   EXPECT_EQ(write(), 1);
 }
 
+TEST_F(Surfaces, AScreenOfManyPicturesIsFewDrawCalls) {
+  const BitmapPtr target = New(640, 400);
+  std::vector<BitmapPtr> icons, masks;
+  for (int i = 0; i < 40; ++i) {
+    icons.push_back(New(20 + i % 3, 20));
+    icons.back()->Clear(VuColor{0x80004080u + static_cast<uint32_t>(i * 5)});
+    masks.push_back(New(20, 20 + i % 2, Format::A8));
+    masks.back()->Clear(VuColor{0x80000000u});
+  }
+  VuFontAtlas font(ZIRK_TEST_FONTS "/sans.ttf", 0, 14, false, false);
+  const auto drawCell = [&](size_t i, VuRect cell) {
+    target->DrawRect(cell, VuColor{0xFF203040}, kIdentity, nullptr, nullptr);
+    Draw(*target, {cell.x + 4, cell.y + 4, 20, 20}, *icons[i], {0, 0, 20, 20});
+    target->DrawText(&font, "Cell", {cell.x + 8, cell.y + 36}, white, kIdentity, nullptr, nullptr,
+                     {});
+  };
+  const auto drawMore = [&](size_t i, VuRect cell) {
+    target->SetClippingRect({cell.x + 2, cell.y + 2, 70, 70});
+    drawCell(i, cell);
+    target->DrawObject(VuRect{cell.x + 40, cell.y + 4, 32, 32}, icons[i].get(), {0, 0, 20, 20},
+                       kIdentity, white, masks[i].get(), nullptr);
+    target->DrawLine({cell.x, cell.y + 60}, {cell.x + 79, cell.y + 50}, white, kIdentity, nullptr,
+                     nullptr);
+  };
+  // Each lies on the one before.
+  const auto drawTurned = [&](size_t i, VuRect) {
+    icons[0]->SetScaleMode(VuScaleMode::Bilinear);
+    const VuTransform t(static_cast<float>(12 * i), 40, 1, 1,
+                        i % 2 ? static_cast<float>(9 * i) : 0);
+    target->DrawObject(VuRect{0, 0, 20, 20}, icons[0].get(), {0, 0, 20, 20}, t, white, nullptr,
+                       nullptr);
+  };
+  const struct {
+    const char* name;
+    std::function<void(size_t, VuRect)> draw;
+    int first, next;  ///< Draw calls of the first frame, and of each other.
+  } screens[] = {{"rectangles, pictures and labels", drawCell, 5, 2},
+                 {"clips, masks and lines", drawMore, 4, 3},
+                 {"one bitmap, upright and turned", drawTurned, 1, 1}};
+  for (const auto& screen : screens)
+    for (const int most : {screen.first, screen.next, screen.next}) {
+      target->SetClippingRect(target->GetBounds());
+      target->Clear(VuColor{0xFF000000});
+      draws_ = 0;
+      for (int i = 0; i < 40; ++i) screen.draw(size_t(i), {i % 8 * 80, i / 8 * 80, 80, 80});
+      target->Finish();
+      EXPECT_LE(draws_, most) << screen.name;
+    }
+}
+
 TEST_F(Surfaces, AFrameDrawnAgainChangesNoState) {
   graphics_.reset();
   int changes[8] = {};
