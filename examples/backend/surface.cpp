@@ -83,15 +83,16 @@ Point Between(const std::array<Point, 4>& corners, Point at) {
 struct Place {
   Point origin, across, down;
   double area;
+  bool upright;  ///< On whole pixels: a part of it has those of which the middle lies inside.
 
   Place(const Operation& op) {
     const Box& b = op.box;
     Point p0 = Map(op.matrix, b.x, b.y), p1 = Map(op.matrix, b.x + b.width, b.y);
     Point p3 = Map(op.matrix, b.x, b.y + b.height);
     const auto near = [](double u, double v) { return std::abs(u - v) < 1.0 / 512; };
-    const bool upright =
-        (near(p0.y, p1.y) && near(p0.x, p3.x)) || (near(p0.x, p1.x) && near(p0.y, p3.y));
-    if (op.wholePixels && upright)
+    upright = op.wholePixels &&
+              ((near(p0.y, p1.y) && near(p0.x, p3.x)) || (near(p0.x, p1.x) && near(p0.y, p3.y)));
+    if (upright)
       for (Point* p : {&p0, &p1, &p3}) *p = Rounded(*p);
     origin = p0;
     across = {p1.x - p0.x, p1.y - p0.y};
@@ -114,13 +115,14 @@ struct Place {
 
   /// The share of a pixel that lies in `part` of the unit square, counted at 64 points.
   double Coverage(int x, int y, const Box& part) const {
+    const int side = upright ? 1 : 8;
     int inside = 0;
-    for (int i = 0; i < 64; ++i) {
-      const Point p = ToUnit(x + (i % 8 + 0.5) / 8, y + (i / 8 + 0.5) / 8);
+    for (int i = 0; i < side * side; ++i) {
+      const Point p = ToUnit(x + (i % side + 0.5) / side, y + (i / side + 0.5) / side);
       inside +=
           p.x >= part.x && p.y >= part.y && p.x < part.x + part.width && p.y < part.y + part.height;
     }
-    return inside / 64.0;
+    return double(inside) / (side * side);
   }
 };
 
