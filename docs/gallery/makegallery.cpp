@@ -11,7 +11,7 @@
 #include <memory>
 #include <string>
 
-#include "scenes/scenes.h"
+#include "gallery/scenes.h"
 
 namespace {
 
@@ -28,33 +28,33 @@ void Paste(Picture& sheet, const Picture& part, int left, int top) {
 }
 
 /// Nothing, without extent, where the screen is smaller than the scene.
-Picture Draw(VuGraphics& graphics, const scenes::Scene& scene) {
+Picture Draw(VuGraphics& graphics, const gallery::Scene& scene) {
   const std::unique_ptr<VuBitmap> screen(
-      graphics.CreateScreen(scenes::kWidth, scenes::kHeight, false));
+      graphics.CreateScreen(gallery::kWidth, gallery::kHeight, false));
   if (!screen) return {};
   const VuRect bounds = screen->GetBounds();
-  if (bounds.width < scenes::kWidth || bounds.height < scenes::kHeight) return {};
+  if (bounds.width < gallery::kWidth || bounds.height < gallery::kHeight) return {};
   screen->Clear(VuColor{0xFF182838});
   scene.draw(graphics, *screen);
   screen->Finish();
-  return support::Crop(support::PictureOf(*screen), {0, 0, scenes::kWidth, scenes::kHeight});
+  return support::Crop(support::PictureOf(*screen), {0, 0, gallery::kWidth, gallery::kHeight});
 }
 
 int DrawSheet(const char* backend, const char* file) {
   const std::unique_ptr<VuGraphics> graphics(VuGraphics::Create(backend, false));
   if (!graphics) return 1;
-  const std::vector<scenes::Scene>& all = scenes::Scenes();
+  const std::vector<gallery::Scene>& all = gallery::Scenes();
   const int rows = (static_cast<int>(all.size()) + kColumns - 1) / kColumns;
-  Picture sheet{kColumns * scenes::kWidth, rows * scenes::kHeight, {}};
+  Picture sheet{kColumns * gallery::kWidth, rows * gallery::kHeight, {}};
   sheet.pixels.resize(static_cast<size_t>(sheet.width * sheet.height), 0xFF182838);
   int index = 0;
-  for (const scenes::Scene& scene : all) {
+  for (const gallery::Scene& scene : all) {
     const Picture picture = Draw(*graphics, scene);
     if (picture.pixels.empty()) {
       std::fprintf(stderr, "%s: no screen for %s\n", backend, scene.name);
       return 1;
     }
-    Paste(sheet, picture, index % kColumns * scenes::kWidth, index / kColumns * scenes::kHeight);
+    Paste(sheet, picture, index % kColumns * gallery::kWidth, index / kColumns * gallery::kHeight);
     ++index;
   }
   return support::WritePng(file, sheet) ? 0 : 1;

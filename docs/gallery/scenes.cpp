@@ -1,11 +1,13 @@
-#include "scenes/scenes.h"
+#include "gallery/scenes.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <vector>
 
-namespace ZIRK::scenes {
+namespace ZIRK::gallery {
 
 namespace {
 
@@ -252,7 +254,7 @@ void Images(VuGraphics& g, VuBitmap& t) {
                  {"rgba8interlaced.png", 100, 100, VuDisplayMode::Natural}};
   int x = 4;
   for (const auto& image : kImages) {
-    const std::string path = std::string(ZIRK_TEST_IMAGES) + image.file;
+    const std::string path = std::string(ZIRK_GALLERY_IMAGES) + image.file;
     const BitmapPtr own(g.CreateBitmapFromFile(path.c_str()));
     const BitmapPtr fitted(g.CreateBitmapFromFile(path.c_str(), image.width, image.height,
                                                   VuScaleMode::Bilinear, image.mode));
@@ -271,20 +273,18 @@ const std::vector<Scene>& Scenes() {
         {"points", Points},
         {"lines", Lines},
         {"rectangles", Rectangles},
-        {"turned_rectangles", TurnedRectangles, 1, 0.5, "many lie over each other, each blended",
-         2},
+        {"turned_rectangles", TurnedRectangles},
         {"blits", Blits},
-        {"scaled", Scaled, 3, 0.5, "weights of a filter have few bits"},
-        {"turned", Turned, 3, 0.5, "weights of a filter have few bits"},
-        {"sub_pixel", SubPixel, 3, 0.5, "weights of a filter have few bits"},
-        {"masked", Masked, 3, 0.5, "weights of a filter have few bits"},
-        {"blending", Blending, 2, 0.5, "rounded once for the layer and once for the target"},
-        {"blending_off", BlendingOff, 2, 0.5, "rounded once for the layer and once for the target"},
-        {"clipped", Clipped, 3, 0.5, "weights of a filter have few bits"},
+        {"scaled", Scaled},
+        {"turned", Turned},
+        {"sub_pixel", SubPixel},
+        {"masked", Masked},
+        {"blending", Blending},
+        {"blending_off", BlendingOff},
+        {"clipped", Clipped},
         {"onto_itself", OntoItself},
-        {"formats", Formats, 17, 1, "one step of four bits, and elsewhere another one of alpha",
-         21},
-        {"images", Images, 6, 0.5, "decoders of JPEG round differently"},
+        {"formats", Formats},
+        {"images", Images},
     };
     for (const Scene& scene : TextScenes()) all.push_back(scene);
     return all;
@@ -292,4 +292,10 @@ const std::vector<Scene>& Scenes() {
   return scenes;
 }
 
-}  // namespace ZIRK::scenes
+const Scene& SceneCalled(const char* name) {
+  const std::vector<Scene>& all = Scenes();
+  return *std::find_if(all.begin(), all.end(),
+                       [=](const Scene& scene) { return scene.name == std::string(name); });
+}
+
+}  // namespace ZIRK::gallery

@@ -1,27 +1,34 @@
+#include <zirk/vufontatlas.h>
+
 #include <memory>
+#include <string>
 
-#include "scenes/backends.h"
-#include "scenes/scenes.h"
+#include "gallery/scenes.h"
 
-namespace ZIRK::scenes {
+namespace ZIRK::gallery {
 
 namespace {
+
+struct Font : VuFont {
+  Font(const std::string& name, int size, bool bold = false)
+      : VuFont(new VuFontAtlas((ZIRK_GALLERY_FONTS "/" + name).c_str(), 0, size, bold, false)) {}
+};
 
 constexpr VuColor kRed{0xFFE04030}, kGreen{0xFF30C060}, kYellow{0xFFF0D040};
 
 void Text(VuGraphics&, VuBitmap& t) {
-  TestFont small("sans.ttf", 9), sans("sans.ttf", 14), bold("sans.ttf", 28, true);
+  Font small("sans.ttf", 9), sans("sans.ttf", 14), bold("sans.ttf", 28, true);
   t.DrawText(small, "AVATAR To. LT, Würgen", VuPoint{4, 0}, white);
   t.DrawText(sans, "AVATAR To. LT, Würgen", VuPoint{4, 12}, white);
   t.DrawText(sans, "Ξεσκεπάζω Съешь же", VuPoint{4, 28}, kYellow);
   t.DrawText(sans, "Tea 日本 ☃.", VuPoint{4, 44}, kGreen);
   sans.SetFallbackGlyph('?');
-  const TestFont cjk("cjk.ttf", 16);
+  const Font cjk("cjk.ttf", 16);
   sans.SetFallbackFont(&cjk);
   t.DrawText(sans, "Tea 日本語 あア 안 ☃.", VuPoint{4, 60}, kGreen);
   t.DrawText(bold, "Made bold", VuPoint{4, 74}, kRed);
   // Outline and filled glyph at one position: neither may stick out on one side.
-  TestFont outlined("sans.ttf", 26);
+  Font outlined("sans.ttf", 26);
   for (int i = 0; i < 6; ++i) {
     const VuPoint at{2 + i * 32, 108};
     outlined.SetOutlineType(VuFont::OutlineType(1 + i % 3));
@@ -33,7 +40,7 @@ void Text(VuGraphics&, VuBitmap& t) {
 }
 
 void TextCombined(VuGraphics& g, VuBitmap& t) {
-  const TestFont sans("sans.ttf", 18);
+  const Font sans("sans.ttf", 18);
   const std::unique_ptr<VuBitmap> mask(g.CreateBitmap(4, 2, VuPixelFormat::A8));
   mask->DrawRect(VuRect{0, 0, 2, 1}, white);
   mask->DrawRect(VuRect{2, 1, 2, 1}, white);
@@ -55,8 +62,7 @@ void TextCombined(VuGraphics& g, VuBitmap& t) {
 }  // namespace
 
 std::vector<Scene> TextScenes() {
-  constexpr char kReason[] = "releases of FreeType smooth edges a little differently";
-  return {{"text", Text, 8, 0.5, kReason}, {"text_combined", TextCombined, 8, 0.5, kReason}};
+  return {{"text", Text}, {"text_combined", TextCombined}};
 }
 
-}  // namespace ZIRK::scenes
+}  // namespace ZIRK::gallery
