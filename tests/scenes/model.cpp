@@ -29,26 +29,32 @@ Pixel Premultiplied(VuColor c) {
           (c.argb & 255) / 255.0 * a, a};
 }
 
+Vec Mapped(const Operation& op, double x, double y) {
+  double m[9];
+  // The sine of half a turn is not quite zero.
+  std::transform(op.matrix.get(), op.matrix.get() + 9, m,
+                 [](float e) { return std::abs(e) < 1e-6f ? 0 : double(e); });
+  return {x * m[0] + y * m[3] + m[6], x * m[1] + y * m[4] + m[7]};
+}
+
+Vec NearestPixel(Vec v) {
+  return {std::floor(v.x + 0.5), std::floor(v.y + 0.5)};
+}
+
 /// Where the unit square of the operation lies: corner 0, and the ways to corners 1 and 3.
 struct Shape {
   Vec origin, across, down;
   bool hard;
 
   explicit Shape(const Operation& op) {
-    double m[9];
-    // The sine of half a turn is not quite zero.
-    std::transform(op.matrix.get(), op.matrix.get() + 9, m,
-                   [](float e) { return std::abs(e) < 1e-6f ? 0 : double(e); });
-    const auto map = [&m](double x, double y) {
-      return Vec{x * m[0] + y * m[3] + m[6], x * m[1] + y * m[4] + m[7]};
-    };
-    Vec c0 = map(op.x, op.y), c1 = map(op.x + op.width, op.y), c3 = map(op.x, op.y + op.height);
+    Vec c0 = Mapped(op, op.x, op.y), c1 = Mapped(op, op.x + op.width, op.y);
+    Vec c3 = Mapped(op, op.x, op.y + op.height);
     const auto near = [](double a, double b) { return std::abs(a - b) < 0.002; };
     const bool aligned =
         (near(c0.y, c1.y) && near(c0.x, c3.x)) || (near(c0.x, c1.x) && near(c0.y, c3.y));
     hard = aligned && !op.subPixel;
     for (Vec* c : {&c0, &c1, &c3})
-      if (hard) *c = {std::floor(c->x + 0.5), std::floor(c->y + 0.5)};
+      if (hard) *c = NearestPixel(*c);
     origin = c0;
     across = {c1.x - c0.x, c1.y - c0.y};
     down = {c3.x - c0.x, c3.y - c0.y};
@@ -82,28 +88,44 @@ struct Part {
   }
 };
 
-/// Whether an edge of the part comes near the pixel: none slips through, as slivers may between the
-/// points that coverage is measured with.
-bool IsNearEdge(const Shape& shape, const Part& part, int x, int y) {
-  const double det = std::abs(shape.across.x * shape.down.y - shape.across.y * shape.down.x);
-  const double reachU = 0.75 * std::hypot(shape.down.x, shape.down.y) / det;
-  const double reachV = 0.75 * std::hypot(shape.across.x, shape.across.y) / det;
+struct Coverage {
+  double share;  ///< Of the pixel, what lies in the part.
+  bool near;     ///< An edge of the part is less than 0.75 pixels away from its middle.
+};
+
+/// Cuts `from`..`to` of a way from `a` to `b`, which are 0 and 1, to where `low` and `high` are
+/// kept.
+void CutWay(double a, double b, double low, double high, double& from, double& to) {
+  if (std::abs(b - a) < 1e-12) {
+    if (a <= low || a >= high) to = from;
+    return;
+  }
+  const auto [enter, leave] = std::minmax({(low - a) / (b - a), (high - a) / (b - a)});
+  from = std::max(from, enter);
+  to = std::min(to, leave);
+}
+
+Coverage CoverageOf(const Shape& shape, const Part& part, int x, int y) {
   const Vec unit = shape.Unit(x + 0.5, y + 0.5);
   const double depthU = std::min(unit.x - part.u0, part.u1 - unit.x);
   const double depthV = std::min(unit.y - part.v0, part.v1 - unit.y);
-  return depthU > -reachU && depthV > -reachV && !(depthU > reachU && depthV > reachV);
-}
-
-/// Of the pixel, the share that lies in the part.
-double Coverage(const Shape& shape, const Part& part, int x, int y) {
-  const int samples = shape.hard ? 1 : 16;
-  int inside = 0;
-  for (int i = 0; i < samples * samples; ++i) {
-    const Vec unit =
-        shape.Unit(x + (i % samples + 0.5) / samples, y + (i / samples + 0.5) / samples);
-    inside += unit.x > part.u0 && unit.x < part.u1 && unit.y > part.v0 && unit.y < part.v1;
+  const double det = std::abs(shape.across.x * shape.down.y - shape.across.y * shape.down.x);
+  if (det == 0 || part.u0 >= part.u1 || part.v0 >= part.v1) return {0, false};
+  const double reachU = shape.hard ? 0 : 0.75 * std::hypot(shape.down.x, shape.down.y) / det;
+  const double reachV = shape.hard ? 0 : 0.75 * std::hypot(shape.across.x, shape.across.y) / det;
+  if (depthU <= -reachU || depthV <= -reachV) return {0, false};
+  if (depthU > reachU && depthV > reachV) return {1, false};
+  constexpr int kRows = 64;
+  double share = 0;
+  for (int i = 0; i < kRows; ++i) {
+    const double row = y + (i + 0.5) / kRows;
+    const Vec left = shape.Unit(x, row), right = shape.Unit(x + 1, row);
+    double from = 0, to = 1;
+    CutWay(left.x, right.x, part.u0, part.u1, from, to);
+    CutWay(left.y, right.y, part.v0, part.v1, from, to);
+    share += std::max(to - from, 0.0) / kRows;
   }
-  return double(inside) / (samples * samples);
+  return {share, true};
 }
 
 struct Limits {
@@ -152,8 +174,13 @@ Pixel SourceColor(const Operation& op, Vec unit, Vec forward, bool& ambiguous) {
   return color;
 }
 
-double MaskAlpha(const Operation& op, Vec unit, Vec forward, bool& ambiguous) {
-  if (!op.mask.picture) return 1;
+double MaskAlpha(const Operation& op, Vec at, Vec forward, bool& ambiguous) {
+  const Limits all = {0, 0, op.mask.picture->width, op.mask.picture->height};
+  return Sample(op.mask, at, forward, all, ambiguous)[3];
+}
+
+/// Where the mask is read at `unit`.
+Vec PlaceInMask(const Operation& op, Vec unit) {
   const double w = op.mask.picture->width, h = op.mask.picture->height;
   Vec corner[4] = {{0, 0}, {w, 0}, {w, h}, {0, h}};
   for (int i = 0; op.maskCoords && i < 4; ++i)
@@ -165,9 +192,22 @@ double MaskAlpha(const Operation& op, Vec unit, Vec forward, bool& ambiguous) {
     at.x += corner[i].x * weight[i];
     at.y += corner[i].y * weight[i];
   }
-  if (op.maskCoords) forward = {0, 0};
-  return Sample(op.mask, at, forward, {0, 0, op.mask.picture->width, op.mask.picture->height},
-                ambiguous)[3];
+  return at;
+}
+
+/// Where the mask is read at `step` of a line, which is 0 at its start and 1 at its end. Without
+/// coordinates it lies over the line's pixels as they are before the matrix.
+Vec PlaceInMaskOfLine(const Operation& op, double step) {
+  const auto along = [&](double start, double extent, int side) {
+    const double first = start - std::min(start, start + extent) + 0.5;
+    return (first + step * extent) / (std::abs(extent) + 1) * side;
+  };
+  if (!op.maskCoords)
+    return {along(op.x, op.width, op.mask.picture->width),
+            along(op.y, op.height, op.mask.picture->height)};
+  const auto between = [step](float a, float b) { return double(a) + step * double(b - a); };
+  return {between(op.maskCoords[0].x(), op.maskCoords[1].x()),
+          between(op.maskCoords[0].y(), op.maskCoords[1].y())};
 }
 
 double FactorValue(VuBlendingFactor f, const Pixel& s, const Pixel& d, const Pixel& k, size_t c) {
@@ -217,28 +257,69 @@ Picture::Picture(VuBitmap& bitmap) {
     pixels.push_back(Decode(layout, &raw[i * layout.bytes]));
 }
 
-Outcome Draw(const Operation& op, const Picture& target, int x, int y) {
-  const Pixel& before = target.At(x, y);
-  const int64_t right = int64_t{op.clip.x} + op.clip.width;
-  const int64_t bottom = int64_t{op.clip.y} + op.clip.height;
-  const bool clipped = x < op.clip.x || y < op.clip.y || x >= right || y >= bottom;
-  const Shape shape(op);
-  const Part part(op);
+namespace {
+
+bool IsClipped(const VuRect& clip, int x, int y) {
+  return x < clip.x || y < clip.y || x >= int64_t{clip.x} + clip.width ||
+         y >= int64_t{clip.y} + clip.height;
+}
+
+Outcome DrawLine(const Operation& op, const Pixel& before, int x, int y) {
+  Outcome outcome{before, 0, false, false};
+  const Vec from = NearestPixel(Mapped(op, op.x, op.y));
+  const Vec to = NearestPixel(Mapped(op, op.x + op.width, op.y + op.height));
+  const Vec way = {to.x - from.x, to.y - from.y};
+  const bool flat = std::abs(way.x) >= std::abs(way.y);
+  const double steps = flat ? way.x : way.y;
+  const double step = steps == 0 ? 0 : (flat ? x - from.x : y - from.y) / steps;
+  const double off = flat ? y - from.y - step * way.y : x - from.x - step * way.x;
+  if (step < 0 || step > 1 || std::abs(off) > 0.501) return outcome;
+  outcome.ambiguous = std::abs(off) > 0.499;
+  outcome.share = 1;
+  Pixel source = Premultiplied(op.color);
+  if (op.mask.picture) {
+    const double masked = MaskAlpha(op, PlaceInMaskOfLine(op, step), {0, 0}, outcome.ambiguous);
+    for (double& channel : source) channel *= masked;
+  }
+  outcome.value = Blend(op, source, before);
+  return outcome;
+}
+
+Outcome DrawShape(const Operation& op, const Shape& shape, const Part& part, const Pixel& before,
+                  int x, int y) {
   const Vec unit = shape.Unit(x + 0.5, y + 0.5);
-  const double coverage = clipped ? 0 : Coverage(shape, part, x, y);
-  const bool near = !clipped && !shape.hard && IsNearEdge(shape, part, x, y);
-  const bool ambiguous = !clipped && shape.hard && part.CutsThrough(unit, shape);
-  // So little may be rounded to nothing, or to something, which is much where blending is off.
-  const bool touched = coverage > (shape.hard ? 0 : 0.01);
-  if (!touched) return {before, false, near, false, ambiguous};
-  Outcome outcome{{}, true, true, near || coverage < 1, ambiguous};
+  const Coverage coverage = CoverageOf(shape, part, x, y);
+  const bool ambiguous = shape.hard && part.CutsThrough(unit, shape);
+  Outcome outcome{before, coverage.share, !shape.hard && coverage.near, ambiguous};
+  if (coverage.share == 0) return outcome;
   const Vec next = shape.Unit(x + 1.5, y + 1.5);
   const Vec forward = shape.hard ? Vec{next.x - unit.x, next.y - unit.y} : Vec{0, 0};
   Pixel source = SourceColor(op, unit, forward, outcome.ambiguous);
-  const double masked = coverage * MaskAlpha(op, unit, forward, outcome.ambiguous);
+  double masked = coverage.share;
+  if (op.mask.picture)
+    masked *= MaskAlpha(op, PlaceInMask(op, unit), op.maskCoords ? Vec{0, 0} : forward,
+                        outcome.ambiguous);
   for (double& channel : source) channel *= masked;
   outcome.value = Blend(op, source, before);
   return outcome;
+}
+
+}  // namespace
+
+std::vector<Outcome> Draw(const Operation& op, const Picture& target) {
+  const Shape shape(op);
+  const Part part(op);
+  std::vector<Outcome> outcomes;
+  for (int y = 0; y < target.height; ++y)
+    for (int x = 0; x < target.width; ++x) {
+      const Pixel& before = target.At(x, y);
+      if (IsClipped(op.clip, x, y))
+        outcomes.push_back({before, 0, false, false});
+      else
+        outcomes.push_back(op.line ? DrawLine(op, before, x, y)
+                                   : DrawShape(op, shape, part, before, x, y));
+    }
+  return outcomes;
 }
 
 }  // namespace ZIRK::model

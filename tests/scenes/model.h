@@ -41,9 +41,11 @@ struct Operand {
   bool bilinear = false;
 };
 
-/// One drawing operation: a rectangle of one colour, or of a source's pixels times that colour.
+/// One drawing operation: a rectangle of one colour, or of a source's pixels times that colour; or
+/// a line from one of its corners to the opposite one.
 struct Operation {
   double x = 0, y = 0, width = 0, height = 0;
+  bool line = false;
   bool subPixel = false;  ///< Axis-aligned edges are anti-aliased instead of moved.
   VuTMatrix2D<float> matrix{};
   VuColor color{0xFFFFFFFF};
@@ -52,7 +54,7 @@ struct Operation {
   double srcX = 0, srcY = 0, srcWidth = 0, srcHeight = 0;
 
   Operand mask{};
-  const VuTVector2D<float>* maskCoords = nullptr;  ///< Four, or null.
+  const VuTVector2D<float>* maskCoords = nullptr;  ///< Four, or two of a line; or null.
 
   bool blend = true;
   Factors factors{VuBlendingFactor::One, VuBlendingFactor::OneMinusSrcAlpha, VuBlendingFactor::One,
@@ -64,12 +66,12 @@ struct Operation {
 /// What becomes of one pixel.
 struct Outcome {
   Pixel value;
-  bool touched;    ///< The operation covers some of it.
-  bool near;       ///< An edge comes so close that it may cover some.
+  double share;    ///< How much of it the operation covers.
   bool partly;     ///< At the edge, where coverage is a matter of precision.
   bool ambiguous;  ///< A sample or a cut edge lies so near a border that either side will do.
 };
 
-Outcome Draw(const Operation& op, const Picture& target, int x, int y);
+/// Row by row, for all pixels of `target`.
+std::vector<Outcome> Draw(const Operation& op, const Picture& target);
 
 }  // namespace ZIRK::model

@@ -23,13 +23,16 @@ INSTANTIATE_TEST_SUITE_P(Backends, Surfaces, testing::ValuesIn(kBackends),
 TEST_P(Surfaces, PixelsGoInAndOut) {
   constexpr struct {
     size_t bytes;
-    uint32_t first, cleared;
-  } kFormats[] = {{4, 0, 0x80402010u}, {4, 0xFF000000u, 0xFF402010u},
-                  {2, 0, 0x4102u},     {2, 0, 0x8421u},
-                  {2, 0, 0xA082u},     {1, 0, 0x80u}};
+    uint32_t cleared, first = 0;
+  } kFormats[] = {{.bytes = 4, .cleared = 0x80402010u},
+                  {.bytes = 4, .cleared = 0xFF402010u, .first = 0xFF000000u},
+                  {.bytes = 2, .cleared = 0x4102u},
+                  {.bytes = 2, .cleared = 0x8421u},
+                  {.bytes = 2, .cleared = 0xA082u},
+                  {.bytes = 1, .cleared = 0x80u}};
   for (size_t format = 0; format < 6; ++format) {
     SCOPED_TRACE(format);
-    const auto& [bytes, first, cleared] = kFormats[format];
+    const auto& [bytes, cleared, first] = kFormats[format];
     // Wider than what is converted at a time.
     const auto target = NewTarget(300, 40, Format(format));
     target->SetName(std::string(300, 'n').c_str());
@@ -78,7 +81,7 @@ TEST_P(Surfaces, PixelsGoInAndOut) {
   }
 }
 
-TEST_P(Surfaces, CopyPixelsCutsConvertsAndOverlaps) {
+TEST_P(Surfaces, CopyPixelsCutsAndConverts) {
   const auto coverage = New(4, 4, Format::A8), target = NewTarget(4, 4);
   coverage->Clear(VuColor{0x60000000});
   EXPECT_TRUE(target->CopyPixels({3, -1}, *coverage, {2, 1, 100, 100}));
@@ -86,16 +89,19 @@ TEST_P(Surfaces, CopyPixelsCutsConvertsAndOverlaps) {
   Pixels expected(16);
   expected[3] = expected[7] = 0x60606060u;
   EXPECT_EQ(PixelsOf(*target), expected);
-  for (const VuPoint move : {VuPoint{1, 1}, VuPoint{-1, -1}, VuPoint{1, -1}, VuPoint{-1, 0}}) {
-    const auto within = NewTarget(5, 5);
-    Pixels pixels(25);
-    for (uint32_t i = 0; i < 25; ++i) pixels[i] = 0xFF000000u + i;
-    within->SetPixels({0, 0, 5, 5}, pixels.data(), 20);
-    within->CopyPixels({1 + move.x, 1 + move.y}, *within, {1, 1, 3, 3});
-    const Pixels moved = PixelsOf(*within);
-    for (int i : {6, 7, 8, 11, 12, 13, 16, 17, 18})
-      EXPECT_EQ(moved[size_t(i + move.y * 5 + move.x)], pixels[size_t(i)]) << i;
-  }
+}
+
+TEST_P(Surfaces, PicturesAreTheFirstBackends) {
+  const auto first = Open(kBackends[0]);
+  for (const char* const file : {ZIRK_TEST_IMAGES "rgba8.png", ZIRK_TEST_IMAGES "rgb.jpg"})
+    for (const VuScaleMode mode : {VuScaleMode::Nearest, VuScaleMode::Bilinear}) {
+      const auto picture = [&](VuGraphics& g) {
+        const std::unique_ptr<VuBitmap> bitmap(
+            g.CreateBitmapFromFile(file, 60, 13, mode, VuDisplayMode::Stretch));
+        return PixelsOf(*bitmap);
+      };
+      EXPECT_EQ(picture(*graphics_), picture(*first)) << file;
+    }
 }
 
 TEST_P(Surfaces, LargeCopiesComeAfterWhatIsDrawnBefore) {
@@ -126,60 +132,6 @@ TEST_P(Surfaces, LinesAreTheSameBothWaysAndHaveBothEnds) {
                 std::max(std::abs(dx), std::abs(dy)) + 1);
       ASSERT_EQ(there[10 * 20 + 10] & there[size_t(to.y * 20 + to.x)], ~0u) << dx << ", " << dy;
     }
-}
-
-TEST_P(Surfaces, ClippedLinesKeepTheirPixels) {
-  const auto whole = NewTarget(40, 40), clipped = NewTarget(40, 40);
-  clipped->SetClippingRect({7, 9, 20, 17});
-  for (int i = 0; i < 40; i += 3)
-    for (VuBitmap* const target : {whole.get(), clipped.get()})
-      target->DrawLine(VuPoint{-13, i * 3 - 40}, VuPoint{61, 47 - i}, VuColor{0x80FFFFFF});
-  Pixels expected = PixelsOf(*whole);
-  for (int i = 0; i < 1600; ++i)
-    if (i % 40 < 7 || i % 40 >= 27 || i / 40 < 9 || i / 40 >= 26) expected[size_t(i)] = 0;
-  EXPECT_EQ(PixelsOf(*clipped), expected);
-}
-
-TEST_P(Surfaces, MasksOfLinesRunAsTheLineIsGiven) {
-  constexpr int kLength = 9, kLast = 8, kMiddle = 10, kSide = 21;
-  const auto mask = New(kLength, kLength, Format::A8), target = NewTarget(kSide, kSide);
-  std::vector<uint8_t> alphas(kLength * kLength);
-  for (size_t i = 0; i < alphas.size(); ++i) alphas[i] = static_cast<uint8_t>(i * 2 + 1);
-  mask->SetPixels(mask->GetBounds(), alphas.data(), kLength);
-  VuTVector2D<float> diagonal[2] = {{0.5f, 0.5f}, {8.5f, 8.5f}};
-  for (const int dx : {-1, 0, 1})
-    for (const int dy : {-1, 0, 1})
-      for (VuTVector2D<float>* const ends : {diagonal, static_cast<VuTVector2D<float>*>(nullptr)}) {
-        if (dx == 0 && dy == 0) continue;
-        target->Clear();
-        target->DrawLine({kMiddle, kMiddle}, {kMiddle + kLast * dx, kMiddle + kLast * dy}, white,
-                         VuTransform(), *mask, ends);
-        const Pixels drawn = PixelsOf(*target);
-        for (int i = 0; i < kLength; ++i) {
-          // Without coordinates the mask keeps its sides, and where the line is one pixel thin, the
-          // middle of the mask is read.
-          const auto texel = [&](int d) { return ends || d > 0 ? i : d < 0 ? kLast - i : 4; };
-          const uint32_t alpha = alphas[size_t(texel(dy) * kLength + texel(dx))];
-          ASSERT_EQ(drawn[size_t((kMiddle + i * dy) * kSide + kMiddle + i * dx)],
-                    alpha * 0x01010101u)
-              << dx << ", " << dy << " step " << i << (ends ? " with" : " without") << " ends";
-        }
-      }
-}
-
-TEST_P(Surfaces, PointsCoverSquaresAroundTheirPixel) {
-  constexpr struct {
-    float size;
-    int first, last;
-  } kCases[] = {{0.2f, 10, 10}, {1, 10, 10}, {2, 10, 11}, {3, 9, 11}, {4, 9, 12}, {5, 8, 12}};
-  for (const auto& c : kCases) {
-    const auto target = NewTarget(20, 20);
-    target->DrawPoint({10, 10}, c.size, white);
-    for (int i = 0; i < 400; ++i)
-      ASSERT_EQ(PixelsOf(*target)[size_t(i)] != 0,
-                i % 20 >= c.first && i % 20 <= c.last && i / 20 >= c.first && i / 20 <= c.last)
-          << c.size << " at " << i;
-  }
 }
 
 TEST_P(Surfaces, OutliveTheirContextAndAreReadByAnother) {

@@ -46,25 +46,29 @@ struct Line {
 };
 
 const Line kLines[] = {
-    {"kerning, bytes that are no text", "AV\xFF\x41To\x80\xFE LT"},
-    {"missing glyphs and those of the fallback font", "V日Aé☃VЖ本."},
-    {"large", "Åj", 40},
-    {"stroked", "Rej", 24, {}, Outline::Stroked, 1},
-    {"outer border", "Rej", 24, {}, Outline::Outer, 2.5f},
-    {"inner border", "Rej", 24, {}, Outline::Inner, 1.5f},
-    {"made bold", "Bold日", 30, Mode::Bold},
-    {"moved by part of a pixel", "Halves", 16, {}, {}, 0, {0.5f, 6.49f, 1, 1, 0}},
-    {"enlarged", "Wag", 12, {}, {}, 0, {2, -4, 1.7f, 2.3f, 0}},
-    {"shrunk and mirrored", "Wag", 24, {}, {}, 0, {90, 0, -0.7f, 0.8f, 0}},
-    {"quarter turn", "Quart", 14, {}, {}, 0, {4, 46, 1, 1, 90}},
-    {"slanted", "Slant", 14, {}, {}, 0, {4, 24, 1, 1, 23}},
-    {"cut by a rectangle", "Rectangle", 20, {}, {}, 0, {}, false, {9, 8, 51, 9}},
-    {"masked", "Masked", 20, {}, {}, 0, {}, true},
-    {"masked, cut, turned", "Mask", 20, {}, {}, 0, {4, 20, 1, 1, 20}, true, {5, 8, 41, 9}},
-    {"blending off", "Off, Ag", 20, Mode::BlendingOff},
-    {"other factors", "Others", 20, Mode::OtherFactors},
-    {"clipped", "Clipped", 22, Mode::Clipped},
-    {"narrow format", "Pack", 20, Mode::Pack},
+    {.name = "kerning, bytes that are no text", .text = "AV\xFF\x41To\x80\xFE LT"},
+    {.name = "missing glyphs and those of the fallback font", .text = "V日Aé☃VЖ本."},
+    {.name = "large", .text = "Åj", .size = 40},
+    {.name = "stroked", .text = "Rej", .outline = Outline::Stroked, .thickness = 1},
+    {.name = "outer border", .text = "Rej", .outline = Outline::Outer, .thickness = 2.5f},
+    {.name = "inner border", .text = "Rej", .outline = Outline::Inner, .thickness = 1.5f},
+    {.name = "made bold", .text = "Bold日", .size = 30, .mode = Mode::Bold},
+    {.name = "moved by part of a pixel", .text = "Halves", .transform = {0.5f, 6.49f, 1, 1, 0}},
+    {.name = "enlarged", .text = "Wag", .size = 12, .transform = {2, -4, 1.7f, 2.3f, 0}},
+    {.name = "shrunk and mirrored", .text = "Wag", .transform = {90, 0, -0.7f, 0.8f, 0}},
+    {.name = "quarter turn", .text = "Quart", .transform = {4, 46, 1, 1, 90}},
+    {.name = "slanted", .text = "Slant", .transform = {4, 24, 1, 1, 23}},
+    {.name = "cut by a rectangle", .text = "Rectangle", .size = 20, .rect = {9, 8, 51, 9}},
+    {.name = "masked", .text = "Masked", .size = 20, .masked = true},
+    {.name = "masked, cut, turned",
+     .text = "Mask",
+     .transform = {4, 20, 1, 1, 20},
+     .masked = true,
+     .rect = {5, 8, 41, 9}},
+    {.name = "blending off", .text = "Off, Ag", .mode = Mode::BlendingOff},
+    {.name = "other factors", .text = "Others", .mode = Mode::OtherFactors},
+    {.name = "clipped", .text = "Clipped", .size = 22, .mode = Mode::Clipped},
+    {.name = "narrow format", .text = "Pack", .mode = Mode::Pack},
 };
 
 constexpr VuPoint kPosition{3, 2};
@@ -120,7 +124,7 @@ void DrawLetter(ModelCheck& check, const Line& l, const Letter& letter, VuBitmap
 }
 
 void Prepare(VuBitmap& bitmap, Mode mode) {
-  FillWithNoise(bitmap, 1);
+  FillWithNoise(bitmap, bitmap.GetBounds(), 1);
   bitmap.SetBlendEnabled(mode != Mode::BlendingOff);
   if (mode == Mode::OtherFactors)
     bitmap.SetBlendingFunc(Factor::DstAlpha, Factor::OneMinusSrcColor);
@@ -129,7 +133,7 @@ void Prepare(VuBitmap& bitmap, Mode mode) {
 
 TEST_P(Text, IsItsLettersDrawnOneByOne) {
   const auto mask = New(8, 4, Format::A8), solid = New(1, 1, Format::A8);
-  FillWithNoise(*mask, 3);
+  FillWithNoise(*mask, mask->GetBounds(), 3);
   mask->SetScaleMode(VuScaleMode::Bilinear);
   solid->Clear(white);
   for (const Line& l : kLines) {
@@ -140,7 +144,7 @@ TEST_P(Text, IsItsLettersDrawnOneByOne) {
     font.SetOutlineType(l.outline);
     font.SetOutlineThickness(l.thickness);
     const Format format = l.mode == Mode::Pack ? Format::RGB565 : Format::ARGB8888;
-    ModelCheck check(*graphics_, 96, 48, format, GetParam());
+    ModelCheck check(NewTarget(96, 48, format), GetParam());
     if (l.mode == Mode::OtherFactors)
       check.SetFactors(
           {Factor::DstAlpha, Factor::OneMinusSrcColor, Factor::DstAlpha, Factor::OneMinusSrcColor});
