@@ -1,4 +1,4 @@
-// What is particular to DirectFB: its start, its screens, and that it never ends. The scenes look
+// What is particular to DirectFB: its start, its screens, and that it never ends. The model looks
 // at the drawing.
 
 #include <gtest/gtest.h>
@@ -69,42 +69,6 @@ class DirectFb : public testing::Test {
 
   GraphicsPtr graphics_;
 };
-
-TEST_F(DirectFb, WhatIsOnAScreenStaysThereFromFrameToFrame) {
-  for (const bool doubled : {true, false}) {
-    const BitmapPtr screen = Screen(0, doubled);
-    ASSERT_NE(screen, nullptr);
-    EXPECT_EQ(PixelOf(*screen, 5, 5), 0u);
-    for (int frame = 0; frame < 4; ++frame) {
-      screen->DrawRect({frame * 10, frame * 10, 8, 8}, VuColor{kRed});
-      screen->SwapBuffers();
-      for (int i = 0; i < 4; ++i)
-        EXPECT_EQ(PixelOf(*screen, i * 10, i * 10), i <= frame ? kRed : 0) << i << " " << doubled;
-    }
-  }
-}
-
-TEST_F(DirectFb, AllThatAFrameDrawsIsInTheNextOne) {
-  const BitmapPtr screen = Screen(0, true);
-  const BitmapPtr bitmap(graphics_->CreateBitmap(64, 48, VuPixelFormat::ARGB8888));
-  bitmap->Clear(VuColor{kRed});
-  for (const int x : {0, 32}) {
-    screen->SetClippingRect({x, 0, 16, 16});
-    screen->DrawObject({0, 0, 64, 48}, *bitmap);
-  }
-  screen->SwapBuffers();
-  // The clipping rectangle is still the second one.
-  bitmap->Clear(VuColor{kGreen});
-  screen->DrawObject({0, 0, 64, 48}, *bitmap);
-  screen->SetClippingRect({0, 0, 64, 48});
-  screen->DrawLine({2, 20}, {40, 40}, VuColor{kGreen});
-  screen->SwapBuffers();
-  EXPECT_EQ(PixelOf(*screen, 5, 5), kRed);
-  EXPECT_EQ(PixelOf(*screen, 20, 5), 0u);
-  EXPECT_EQ(PixelOf(*screen, 40, 5), kGreen);
-  EXPECT_EQ(PixelOf(*screen, 40, 18), 0u);
-  for (const int x : {2, 40}) EXPECT_EQ(PixelOf(*screen, x, x == 2 ? 20 : 40), kGreen) << x;
-}
 
 TEST_F(DirectFb, AScreenIsReadAsItIsDrawnNotAsItIsShown) {
   const BitmapPtr screen = Screen(0, true), copied = Screen(1, true);

@@ -16,6 +16,7 @@
 
 #include "geometry/surfaceformat.h"
 #include "helpers/logged.h"
+#include "helpers/rows.h"
 
 namespace ZIRK::backends {
 namespace {
@@ -192,31 +193,33 @@ TEST(FramebufferDevice, ShowsEveryFormatInEveryLayout) {
     }
 }
 
-TEST(FramebufferDevice, WritesTheDamageOnlyWhereTheDisplayLooks) {
-  const struct {
-    Box damage;
-    Box changed;
-  } cases[] = {{{2, 1, 5, 3}, {2, 1, 5, 3}},
-               {{-5, -5, 3, 2}, {0, 0, 3, 2}},
-               {{6, 2, 106, 102}, {6, 2, 8, 4}},
-               {{0, 0, INT32_MAX, INT32_MAX}, {0, 0, 8, 4}},
-               {{8, 0, 10, 2}, {}},
-               {{3, 3, 2, 4}, {}}};
-  for (const auto& c : cases) {
-    const auto io = Fake(8, 4, 7);
-    io->mode.xres_virtual = 11;
-    io->mode.xoffset = 1;
-    io->mode.yoffset = 2;
-    io->GiveModeMemory();
-    Picture picture;
-    picture.ShowOn(*OpenOn(io), c.damage);
-    for (int y = -2; y < 5; ++y)
-      for (int x = -1; x < 10; ++x) {
-        const uint32_t inside = c.changed.Contains(x, y) ? picture.Pixel(x, y) : 0;
-        ASSERT_EQ(io->Shown(x, y), Box({0, 0, 8, 4}).Contains(x, y) ? inside : 0xEEEEEEEE)
-            << c.damage.x0 << ": " << x << ", " << y;
-      }
-  }
+struct Damage {
+  const char* name;
+  Box given;
+  Box changed;
+};
+using FramebufferDamage = helpers::Rows<Damage>;
+
+ROWS(FramebufferDamage, {.name = "inside", .given = {2, 1, 5, 3}, .changed = {2, 1, 5, 3}},
+     {.name = "over the top", .given = {-5, -5, 3, 2}, .changed = {0, 0, 3, 2}},
+     {.name = "over the end", .given = {6, 2, INT32_MAX, 11}, .changed = {6, 2, 8, 4}},
+     {.name = "beside", .given = {8, 0, 10, 2}, .changed = {}},
+     {.name = "inverted", .given = {3, 3, 2, 4}, .changed = {}});
+
+TEST_P(FramebufferDamage, IsWrittenWhereTheDisplayLooks) {
+  const auto io = Fake(8, 4, 7);
+  io->mode.xres_virtual = 11;
+  io->mode.xoffset = 1;
+  io->mode.yoffset = 2;
+  io->GiveModeMemory();
+  Picture picture;
+  picture.ShowOn(*OpenOn(io), GetParam().given);
+  for (int y = -2; y < 5; ++y)
+    for (int x = -1; x < 10; ++x) {
+      const uint32_t inside = GetParam().changed.Contains(x, y) ? picture.Pixel(x, y) : 0;
+      ASSERT_EQ(io->Shown(x, y), Box({0, 0, 8, 4}).Contains(x, y) ? inside : 0xEEEEEEEE)
+          << x << ", " << y;
+    }
 }
 
 TEST(FramebufferDevice, SaysWhyThereIsNone) {
@@ -228,71 +231,98 @@ TEST(FramebufferDevice, SaysWhyThereIsNone) {
   EXPECT_EQ(FramebufferDevice::PathOf(2), "/dev/fb2");
 }
 
-TEST(FramebufferDevice, RefusesModesItCannotDrawTo) {
-  const std::function<void(FakeFramebuffer&)> spoilers[] = {
-      [](auto& io) { io.fixed.type = FB_TYPE_PLANES; },
-      [](auto& io) { io.fixed.visual = FB_VISUAL_MONO01; },
-      [](auto& io) { io.mode.bits_per_pixel = 8; },
-      [](auto& io) { io.mode.red.offset = 28; },
-      [](auto& io) { io.mode.green.msb_right = 1; },
-      [](auto& io) { io.mode.blue.length = 0; },
-      [](auto& io) { io.fixed.line_length = 15; },
-      [](auto& io) { io.fixed.smem_len -= 1; },
-      [](auto& io) { io.mode.xres = 0; },
-      [](auto& io) { io.mode.xoffset = UINT32_MAX; },
-      [](auto& io) { io.mode.yoffset = UINT32_MAX; },
+struct Spoiler {
+  const char* name;
+  void (*spoil)(FakeFramebuffer& io);
+};
+using FramebufferMode = helpers::Rows<Spoiler>;
+
+ROWS(FramebufferMode, {"planes", [](auto& io) { io.fixed.type = FB_TYPE_PLANES; }},
+     {"mono", [](auto& io) { io.fixed.visual = FB_VISUAL_MONO01; }},
+     {"palette", [](auto& io) { io.mode.bits_per_pixel = 8; }},
+     {"channel outside", [](auto& io) { io.mode.red.offset = 28; }},
+     {"bits reversed", [](auto& io) { io.mode.green.msb_right = 1; }},
+     {"no blue", [](auto& io) { io.mode.blue.length = 0; }},
+     {"short lines", [](auto& io) { io.fixed.line_length = 15; }},
+     {"little memory", [](auto& io) { io.fixed.smem_len -= 1; }},
+     {"no width", [](auto& io) { io.mode.xres = 0; }},
+     {"column offset", [](auto& io) { io.mode.xoffset = UINT32_MAX; }},
+     {"row offset", [](auto& io) { io.mode.yoffset = UINT32_MAX; }});
+
+TEST_P(FramebufferMode, IsRefused) {
+  const auto io = Fake(4, 4);
+  GetParam().spoil(*io);
+  std::string error;
+  EXPECT_FALSE(FramebufferDevice::Open("/dev/fake", {}, error, io));
+  EXPECT_EQ(error, "/dev/fake: has no true-colour mode of 32 or 16 bits");
+}
+
+struct Wish {
+  const char* name;
+  std::pair<int, int> asked, granted;
+  Layout layout = kXrgb;
+  unsigned bits = 32;  ///< At most.
+};
+using FramebufferSize = helpers::Rows<Wish>;
+
+// The driver has widths of multiples of four, up to 60; the display 8 x 6.
+ROWS(FramebufferSize, {.name = "larger", .asked = {20, 10}, .granted = {20, 10}},
+     {.name = "smaller", .asked = {4, 3}, .granted = {4, 3}},
+     {.name = "rounded", .asked = {21, 10}, .granted = {20, 10}},
+     {.name = "too wide", .asked = {99, 10}, .granted = {8, 6}},
+     {.name = "absurd", .asked = {INT32_MAX, 9}, .granted = {8, 6}},
+     {.name = "palette", .asked = {0, 0}, .granted = {8, 6}, .layout = kPalette},
+     {.name = "16 bits", .asked = {20, 10}, .granted = {20, 10}, .layout = kPalette, .bits = 16});
+
+TEST_P(FramebufferSize, IsAskedForAndComesBack) {
+  const Wish& wish = GetParam();
+  const auto io = Fake(8, 6, 6, wish.layout);
+  const fb_var_screeninfo found = io->mode;
+  io->takesMode = [&](auto& asked) {
+    return asked.xres &= ~3u, asked.xres < 64 && asked.bits_per_pixel <= wish.bits;
   };
-  for (const auto& spoil : spoilers) {
-    const auto io = Fake(4, 4);
-    spoil(*io);
-    std::string error;
-    EXPECT_FALSE(FramebufferDevice::Open("/dev/fake", {}, error, io)) << &spoil - spoilers;
-    EXPECT_EQ(error, "/dev/fake: has no true-colour mode of 32 or 16 bits");
-  }
+  auto device = OpenOn(io, {wish.asked.first, wish.asked.second, true});
+  EXPECT_EQ(io->mode.bits_per_pixel, wish.bits);
+  EXPECT_EQ(std::pair(device->Width(), device->Height()), wish.granted);
+  Picture picture(wish.bits == 32 ? VuPixelFormat::XRGB8888 : VuPixelFormat::RGB565);
+  picture.ShowOn(*device);
+  picture.ExpectOn(*io);
+  EXPECT_EQ(io->mode.yoffset, 0u) << "a second page in what only the request has added";
+  device.reset();
+  EXPECT_EQ(std::memcmp(&io->mode, &found, sizeof found), 0);
 }
 
-TEST(FramebufferDevice, AsksForAModeTakesWhatIsGrantedAndComesBack) {
-  const struct {
-    Layout layout;
-    unsigned most;  ///< Bits.
-    int width, height, grantedWidth, grantedHeight;
-  } cases[] = {{kXrgb, 32, 20, 10, 20, 10},     {kXrgb, 32, 4, 3, 4, 3},
-               {kXrgb, 32, 21, 10, 20, 10},     {kXrgb, 32, 99, 10, 8, 6},
-               {kXrgb, 32, INT32_MAX, 9, 8, 6}, {kPalette, 32, 0, 0, 8, 6},
-               {kPalette, 16, 20, 10, 20, 10}};
-  for (const auto& c : cases) {
-    const auto io = Fake(8, 6, 6, c.layout);
-    const fb_var_screeninfo found = io->mode;
-    io->takesMode = [&](auto& asked) {
-      return asked.xres &= ~3u, asked.xres < 64 && asked.bits_per_pixel <= c.most;
-    };
-    auto device = OpenOn(io, {c.width, c.height, true});
-    EXPECT_EQ(io->mode.bits_per_pixel, c.most);
-    EXPECT_EQ(std::pair(device->Width(), device->Height()),
-              std::pair(c.grantedWidth, c.grantedHeight));
-    Picture picture(c.most == 32 ? VuPixelFormat::XRGB8888 : VuPixelFormat::RGB565);
-    picture.ShowOn(*device);
-    picture.ExpectOn(*io);
-    EXPECT_EQ(io->mode.yoffset, 0u) << "a second page in what only the request has added";
-    device.reset();
-    EXPECT_EQ(std::memcmp(&io->mode, &found, sizeof found), 0);
-  }
+TEST(FramebufferDevice, GoesBackFromASizeThatItCannotDrawTo) {
+  const auto io = Fake(8, 6, 12);
+  io->mode.yoffset = 3;
+  io->takesMode = [](auto& asked) {
+    EXPECT_EQ(asked.yoffset, asked.xres == 8 ? 3u : 0u);
+    asked.red.length = asked.xres == 8 ? 8 : 0;
+    return true;
+  };
+  EXPECT_EQ(OpenOn(io, {20, 10})->Width(), 8);
 }
 
-TEST(FramebufferDevice, PansOnlyInAVirtualScreenThatIsThere) {
-  const struct {
-    unsigned rows;
-    uint16_t step;
-    bool asked, pans;
-  } cases[] = {{12, 1, true, true},  {17, 2, true, true},  {12, 1, false, false},
-               {11, 1, true, false}, {12, 0, true, false}, {12, 4, true, false}};
-  for (const auto& c : cases) {
-    const auto io = Fake(8, 6, c.rows);
-    io->fixed.ypanstep = c.step;
-    const auto device = OpenOn(io, {0, 0, c.asked});
-    Picture().ShowOn(*device);
-    EXPECT_EQ(io->mode.yoffset, c.pans ? 6u : 0u) << c.rows << " rows, step " << c.step;
-  }
+struct Pages {
+  const char* name;
+  unsigned rows = 12;
+  uint16_t step = 1;
+  bool asked = true;
+  unsigned shown = 0;  ///< The first row after a frame.
+};
+using FramebufferPages = helpers::Rows<Pages>;
+
+ROWS(FramebufferPages, {.name = "two", .shown = 6},
+     {.name = "more, in steps", .rows = 17, .step = 2, .shown = 6},
+     {.name = "not asked for", .asked = false}, {.name = "too low", .rows = 11},
+     {.name = "fixed", .step = 0}, {.name = "between steps", .step = 4});
+
+TEST_P(FramebufferPages, AreFlippedWhereTheVirtualScreenHasThem) {
+  const auto io = Fake(8, 6, GetParam().rows);
+  io->fixed.ypanstep = GetParam().step;
+  const auto device = OpenOn(io, {0, 0, GetParam().asked});
+  Picture().ShowOn(*device);
+  EXPECT_EQ(io->mode.yoffset, GetParam().shown);
 }
 
 TEST(FramebufferDevice, BringsThePageItShowsUpToDateAndRestoresTheOffset) {

@@ -32,25 +32,5 @@ TEST(ImageStream, ReadsAFileInPieces) {
   unlink(path.c_str());
 }
 
-TEST(ImageStream, ReadsMemoryInOnePiece) {
-  const Bytes bytes = {1, 2, 3};
-  ImageStream stream(bytes.data(), bytes.size());
-  EXPECT_EQ(stream.Peek().data, bytes.data());
-  uint8_t first = 0;
-  EXPECT_TRUE(stream.Read(&first, 1));
-  EXPECT_EQ(first, 1);
-  EXPECT_EQ(stream.Take().size, 2u);
-  EXPECT_EQ(stream.Take().size, 0u);
-  EXPECT_STREQ(stream.Problem(), "it ends too early");
-}
-
-TEST(ImageStream, SaysWhyThereIsNothingToRead) {
-  ImageStream noPath(nullptr), noFile("no.png"), noMemory(nullptr, 3);
-  for (ImageStream* stream : {&noPath, &noFile, &noMemory}) EXPECT_EQ(stream->Peek().size, 0u);
-  EXPECT_STREQ(noPath.Problem(), "there is no path");
-  EXPECT_STREQ(noFile.Problem(), "No such file or directory");
-  EXPECT_STREQ(noMemory.Problem(), "there is nothing in it");
-}
-
 }  // namespace
 }  // namespace ZIRK::tests

@@ -37,26 +37,6 @@ TEST_F(StubPlugIn, CountsFrames) {
   LogFPS = false;
 }
 
-TEST_F(StubPlugIn, KeepsTheStateOfASurface) {
-  const Bitmap bitmap(graphics_->CreateBitmap(30, 20, VuPixelFormat::RGB565));
-  EXPECT_EQ(bitmap->GetInfo().pitch, 64);
-  bitmap->SetClippingRect({-1, 2, 300, 4});
-  EXPECT_EQ(bitmap->GetClippingRect().width, 300);
-  bitmap->SetBlendingFunc(VuBlendingFactor::DstColor, VuBlendingFactor::Zero);
-  VuBlendingFactor src, dst;
-  bitmap->GetBlendingFunc(src, dst);
-  EXPECT_EQ(std::pair(src, dst), std::pair(VuBlendingFactor::DstColor, VuBlendingFactor::Zero));
-  bitmap->SetBlendEnabled(false);
-  EXPECT_FALSE(bitmap->GetBlendEnabled());
-  bitmap->SetBlendColor(VuColor{0x12345678});
-  EXPECT_EQ(bitmap->GetBlendColor().argb, 0x12345678u);
-  bitmap->SetScaleMode(VuScaleMode::Bilinear);
-  EXPECT_EQ(bitmap->GetScaleMode(), VuScaleMode::Bilinear);
-  EXPECT_FALSE(bitmap->Unlock());
-  EXPECT_TRUE(bitmap->Lock());
-  EXPECT_FALSE(bitmap->Lock(false));
-}
-
 TEST_F(StubPlugIn, AcceptsPixelsThatOtherBackendsWould) {
   const Bitmap bitmap(graphics_->CreateBitmap(4, 3, kArgb));
   uint32_t pixels[] = {1, 1, 1, 1, 1, 1, 1};

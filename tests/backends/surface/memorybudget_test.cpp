@@ -15,9 +15,6 @@ TEST(MemoryBudget, ReservesUpToItsLimitAndTakesBack) {
   auto first = budget->Reserve(8, 20, VuPixelFormat::ARGB8888);  // 640 bytes.
   EXPECT_TRUE(LogsOneError("384 bytes asked, 352 left",
                            [&] { EXPECT_FALSE(budget->Reserve(8, 12, VuPixelFormat::ARGB8888)); }));
-  EXPECT_TRUE(LogsOneError("no memory for a.png: 8 x 12 pixels, 352 bytes left", [&] {
-    EXPECT_FALSE(budget->Reserve(8, 12, VuPixelFormat::ARGB8888, "a.png"));
-  }));
   EXPECT_TRUE(first->Resize(8, 31, VuPixelFormat::ARGB8888));
   EXPECT_EQ(budget->Available(), 0u);
   EXPECT_TRUE(LogsOneError("1024 bytes asked, 992 left",
