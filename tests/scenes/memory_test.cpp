@@ -14,7 +14,11 @@ using helpers::Pixels;
 using support::ScarceMemory;
 
 constexpr int kSide = 40;
-constexpr VuRect kAll{0, 0, kSide, kSide};
+constexpr VuRect kAll{0, 0, kSide, kSide}, kPart{9, 3, 20, 20}, kSmall{3, 3, 9, 9};
+constexpr VuPoint kFrom{1, 2}, kTo{30, 20};
+constexpr VuRect kUncut{0, 0, 0, 0};
+
+const VuTVector2D<float> kTexel{1, 1};
 
 /// What operations read. A new one for each operation, so that nothing is kept from the one before.
 struct Sources {
@@ -47,52 +51,29 @@ VuTransform Turned() {
 }
 
 const Operation kOperations[] = {
-    {"a slanted rectangle",
-     [](Sources& s) {
-       s.target->DrawRect({9, 3, 20, 20}, white, Turned());
-     }},
-    {"a slanted line",
-     [](Sources& s) {
-       s.target->DrawLine({1, 2}, {30, 20}, white);
-     }},
+    {"a slanted rectangle", [](Sources& s) { s.target->DrawRect(kPart, white, Turned()); }},
+    {"a slanted line", [](Sources& s) { s.target->DrawLine(kFrom, kTo, white); }},
     {"a masked line",
-     [](Sources& s) {
-       s.target->DrawLine({1, 2}, {30, 20}, white, VuTransform(), *s.bitmap, nullptr);
-     }},
+     [](Sources& s) { s.target->DrawLine(kFrom, kTo, white, VuTransform(), *s.bitmap, nullptr); }},
     {"a point through itself",
-     [](Sources& s) {
-       s.target->DrawPoint({9, 9}, 5, white, VuTransform(), *s.target, {1, 1});
-     }},
+     [](Sources& s) { s.target->DrawPoint(kTo, 5, white, VuTransform(), *s.target, kTexel); }},
     {"a rectangle through itself",
      [](Sources& s) { s.target->DrawRect(kAll, white, VuTransform(), *s.target, nullptr); }},
-    {"a bitmap",
-     [](Sources& s) {
-       s.target->DrawObject({3, 3, 9, 9}, *s.bitmap, {5, 5, 9, 9});
-     }},
+    {"a bitmap", [](Sources& s) { s.target->DrawObject(kSmall, *s.bitmap, kSmall); }},
     {"a slanted bitmap",
-     [](Sources& s) {
-       s.target->DrawObject({9, 3, 20, 20}, *s.narrow, kAll, Turned());
-     }},
-    {"itself",
-     [](Sources& s) {
-       s.target->DrawObject({9, 9, 20, 20}, *s.target, kAll);
-     }},
+     [](Sources& s) { s.target->DrawObject(kPart, *s.narrow, kAll, Turned()); }},
+    {"itself", [](Sources& s) { s.target->DrawObject(kPart, *s.target, kAll); }},
     {"itself onto a bitmap",
      [](Sources& s) {
        s.bitmap->DrawObject(kAll, *s.target, kAll);
        s.target->DrawObject(kAll, *s.bitmap, kAll);
      }},
-    {"text",
-     [](Sources& s) {
-       s.target->DrawText(s.font, "Text", {3, 3}, white);
-     }},
+    {"text", [](Sources& s) { s.target->DrawText(s.font, "Text", kFrom, white); }},
     {"slanted text",
-     [](Sources& s) {
-       s.target->DrawText(s.font, "Text", {9, 3}, white, Turned());
-     }},
+     [](Sources& s) { s.target->DrawText(s.font, "Text", kFrom, white, Turned()); }},
     {"masked text",
      [](Sources& s) {
-       s.target->DrawText(s.font, "Text", {3, 3}, white, VuTransform(), *s.bitmap, nullptr, {});
+       s.target->DrawText(s.font, "Text", kFrom, white, VuTransform(), *s.bitmap, nullptr, kUncut);
      }},
     {"pixels",
      [](Sources& s) {

