@@ -24,12 +24,12 @@ TEST_P(Surfaces, PixelsGoInAndOut) {
   constexpr struct {
     size_t bytes;
     uint32_t cleared, first = 0;
-  } kFormats[] = {{.bytes = 4, .cleared = 0x80402010u},
-                  {.bytes = 4, .cleared = 0xFF402010u, .first = 0xFF000000u},
-                  {.bytes = 2, .cleared = 0x4102u},
-                  {.bytes = 2, .cleared = 0x8421u},
-                  {.bytes = 2, .cleared = 0xA082u},
-                  {.bytes = 1, .cleared = 0x80u}};
+  } kFormats[] = {{.bytes = 4, .cleared = 0x6F4F2F1Fu},
+                  {.bytes = 4, .cleared = 0xFF4F2F1Fu, .first = 0xFF000000u},
+                  {.bytes = 2, .cleared = 0x4963u},
+                  {.bytes = 2, .cleared = 0x6421u},
+                  {.bytes = 2, .cleared = 0x24A3u},
+                  {.bytes = 1, .cleared = 0x6Fu}};
   for (size_t format = 0; format < 6; ++format) {
     SCOPED_TRACE(format);
     const auto& [bytes, cleared, first] = kFormats[format];
@@ -46,7 +46,7 @@ TEST_P(Surfaces, PixelsGoInAndOut) {
               type == TypeCode(BackendType::OpenGLES2) || type == TypeCode(BackendType::DirectFB));
     EXPECT_EQ(at(299, 39), first);
     target->SetClippingRect({5, 5, 1, 1});
-    target->Clear(VuColor{0x80804020});
+    target->Clear(VuColor{0x6FB56C47});  // Bits are dropped, not rounded.
     EXPECT_EQ(std::pair(at(0, 0), at(299, 39)), std::pair(cleared, cleared));
 
     std::vector<uint8_t> in(8 * bytes), out(6 * bytes + 1, 7);  // Two rows of three, four apart.
