@@ -162,20 +162,26 @@ model::Picture Model::Frame(unsigned number, bool looking) {
                           : NewTarget(width, height, format),
                    GetParam(), looking);
   VuBitmap& target = check.Target();
-  const auto source = Noise(size(), side(30), Format(number / 6 % 6), random());
+  // First every triple of formats, then what can be copied as it is.
+  const Format from = number < 216 ? Format(number / 6 % 6) : format;
+  const auto source = Noise(size(), side(30), from, random());
   const auto mask = Noise(size(), side(30), Format(number / 36 % 6), random());
   VuBitmap* const bitmaps[] = {source.get(), source.get(), mask.get(), mask.get(), &target};
 
-  for (int i = 0; i < 12 && !HasFailure(); ++i) {
+  for (int i = 0; i < 16 && !HasFailure(); ++i) {
     SCOPED_TRACE("operation " + std::to_string(i));
     // Modes that are unknown count as Nearest.
     constexpr VuScaleMode kModes[] = {VuScaleMode::Nearest, VuScaleMode::Bilinear, VuScaleMode{7}};
     if (random.OneIn(4)) random.Of(bitmaps)->SetScaleMode(random.Of(kModes));
     if (random.OneIn(6)) target.SetClippingRect(random.Of(kClips));
+    if (random.OneIn(6))
+      target.SetClippingRect({random.From(0, 15), random.From(0, 15), size(), side(20)});
     if (random.OneIn(6)) target.SetBlendEnabled(!target.GetBlendEnabled());
     if (random.OneIn(6)) target.SetBlendColor(VuColor{random()});
     const auto factor = [&] { return Factor(random() % 15); };
-    if (random.OneIn(8)) check.SetFactors({factor(), factor(), factor(), factor()});
+    const model::Factors usual = model::Operation().factors;
+    const model::Factors factors[] = {usual, usual, {factor(), factor(), factor(), factor()}};
+    if (random.OneIn(4)) check.SetFactors(random.Of(factors));
 
     VuTransform t;
     if (random.OneIn(3)) t = random.Of(kTransforms);
@@ -183,12 +189,12 @@ model::Picture Model::Frame(unsigned number, bool looking) {
       t = {random.Real(-5, 30), random.Real(-5, 30), random.Real(-2, 2), random.Real(-2, 2),
            random.OneIn(2) ? 0 : random.Real(-180, 180)};
     const VuColor color{random.OneIn(3) ? white.argb : random()};
-    VuBitmap& from = *random.Of(bitmaps);
+    VuBitmap& read = *random.Of(bitmaps);
     MaskArgument through;
     if (random.OneIn(2)) through.bitmap = random.OneIn(8) ? &target : mask.get();
     if (random.OneIn(2)) through.coords = random.Of(maskCorners);
     const VuPoint at{random.From(-9, 40), random.From(-9, 40)}, end{size(), random.From(-9, 40)};
-    const VuRect all = from.GetBounds();
+    const VuRect all = read.GetBounds();
     const VuRect parts[] = {
         all,
         {all.width / 3, all.height / 4, (all.width + 1) / 2, all.height / 2 + 1},
@@ -196,9 +202,10 @@ model::Picture Model::Frame(unsigned number, bool looking) {
     const VuRect part = random.Of(parts);
     const VuRect whole{at.x, at.y, part.width, part.height};
     const VuRect scales[] = {{at.x, at.y, size(), side(40)},
-                             {at.x, at.y, 2 * part.width, 2 * part.height}};
+                             {at.x, at.y, 2 * part.width, 2 * part.height},
+                             {at.x, at.y, 2 * part.width, 4 * part.height}};
     const VuRect scaled = random.Of(scales);
-    switch (random() % 14) {
+    switch (random() % 18) {
       case 0:
         check.DrawRect(scaled, color, t, through);
         break;
@@ -206,17 +213,20 @@ model::Picture Model::Frame(unsigned number, bool looking) {
         check.DrawRect(scaled, color);
         break;
       case 2:
-        check.DrawObject(scaled, from, part, t, color, through);
+        check.DrawObject(scaled, read, part, t, color, through);
         break;
       case 3:
-        check.DrawObject(whole, from, part, {}, color);
+      case 12:
+      case 13:
+      case 14:
+        check.DrawObject(random.OneIn(2) ? whole : scaled, read, part, {}, color);
         break;
       case 4:
-        check.DrawObject(whole, from, part, VuTransform(3, -4, 1, 1, 0), white, through);
+        check.DrawObject(whole, read, part, VuTransform(3, -4, 1, 1, 0), white, through);
         break;
       case 5:
         check.DrawSubPixel({random.Real(-9, 30), random.Real(-9, 30), random.Real(1, 40), 9.8f},
-                           from, {random.Real(-2, 9), 3.5f, 17.5f, 11.25f}, t, color, through);
+                           read, {random.Real(-2, 9), 3.5f, 17.5f, 11.25f}, t, color, through);
         break;
       case 6:
         check.DrawLine(at, end, color, t, through);
@@ -227,7 +237,8 @@ model::Picture Model::Frame(unsigned number, bool looking) {
                         through);
         break;
       case 8:
-        check.CopyPixels(at, from, part);
+      case 15:
+        check.CopyPixels(at, read, part);
         break;
       case 9:
         target.Clear(color);

@@ -70,6 +70,28 @@ class DirectFb : public testing::Test {
   GraphicsPtr graphics_;
 };
 
+TEST_F(DirectFb, AllThatAFrameDrawsIsInTheNextOne) {
+  const BitmapPtr screen = Screen(0, true);
+  const BitmapPtr bitmap(graphics_->CreateBitmap(64, 48, VuPixelFormat::ARGB8888));
+  bitmap->Clear(VuColor{kRed});
+  for (const int x : {0, 32}) {
+    screen->SetClippingRect({x, 0, 16, 16});
+    screen->DrawObject({0, 0, 64, 48}, *bitmap);
+  }
+  screen->SwapBuffers();
+  // The clipping rectangle is still the second one.
+  bitmap->Clear(VuColor{kGreen});
+  screen->DrawObject({0, 0, 64, 48}, *bitmap);
+  screen->SetClippingRect({0, 0, 64, 48});
+  screen->DrawLine({2, 20}, {40, 40}, VuColor{kGreen});
+  screen->SwapBuffers();
+  EXPECT_EQ(PixelOf(*screen, 5, 5), kRed);
+  EXPECT_EQ(PixelOf(*screen, 20, 5), 0u);
+  EXPECT_EQ(PixelOf(*screen, 40, 5), kGreen);
+  EXPECT_EQ(PixelOf(*screen, 40, 18), 0u);
+  for (const int x : {2, 40}) EXPECT_EQ(PixelOf(*screen, x, x == 2 ? 20 : 40), kGreen) << x;
+}
+
 TEST_F(DirectFb, AScreenIsReadAsItIsDrawnNotAsItIsShown) {
   const BitmapPtr screen = Screen(0, true), copied = Screen(1, true);
   const BitmapPtr bitmap(graphics_->CreateBitmap(64, 48, VuPixelFormat::ARGB8888));

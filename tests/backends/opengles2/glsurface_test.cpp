@@ -183,6 +183,15 @@ TEST_F(Surfaces, WritingBesideWhatIsReadInterruptsNothingAndSendsNothingElse) {
   EXPECT_EQ(sent_, (std::vector<std::array<int, 4>>{{0, 0, 8, 8}, {8, 0, 8, 8}}));
 }
 
+TEST_F(Surfaces, AMaskIsWrittenAfterWhatIsDrawnThroughIt) {
+  const BitmapPtr target = New(8, 8), mask = New(8, 8);
+  mask->Clear(white);
+  target->DrawRect({0, 0, 8, 8}, VuColor{0xFFFF0000}, kIdentity, mask.get(), nullptr);
+  const std::vector<uint32_t> nothing(64);
+  mask->SetPixels({0, 0, 8, 8}, nothing.data(), 32);
+  EXPECT_EQ(PixelOf(*target, 4, 4), 0xFFFF0000u);
+}
+
 TEST_F(Surfaces, AreHandedToAnotherThreadByFlush) {
   const BitmapPtr bitmap = New(4, 4);
   graphics_->Flush();
