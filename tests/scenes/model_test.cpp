@@ -71,6 +71,17 @@ constexpr VuTransform kTransforms[] = {
     {8, 8, 1, 0.02f, 3},         // nearly flat
 };
 
+TEST_P(Model, PowersOfTwoOverTheEdges) {
+  // Devices may stretch so, and cut what they stretch in ways of their own.
+  for (int i = 0; i < 72 && !HasFailure(); ++i) {
+    const auto src = Noise(13, 11, Format(i / 12), 3, VuScaleMode(i % 2));
+    ModelCheck check(NewTarget(32, 28, Format(i / 2 % 6)), GetParam());
+    check.DrawObject({1, 1, 30, 17}, *src, {0, 0, 13, 11});
+    check.DrawObject({3, 2, 26, 22}, *src, {0, 0, 13, 11});
+    check.DrawObject({-5, 9, 26, 44}, *src, {0, 0, 13, 11});
+  }
+}
+
 TEST_P(Model, WhatHasNoExtentOrNoPlaceDrawsNothing) {
   const float infinity = std::numeric_limits<float>::infinity();
   const float nan = std::numeric_limits<float>::quiet_NaN();
