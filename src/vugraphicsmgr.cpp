@@ -21,10 +21,10 @@ std::shared_ptr<VuGraphicsMgr>& BuildRegistry() {
   return registry;
 }
 
-constexpr size_t kLineSize = 256;
+constexpr size_t kListedLineSize = 256;
 
 void PrintHeader(const void* context, unsigned key, std::ostream& os) {
-  char line[kLineSize];
+  char line[kListedLineSize];
   const auto masked = reinterpret_cast<void*>(reinterpret_cast<uintptr_t>(context) ^ key);
   if (snprintf(line, sizeof line, "VuGraphics instance %p", masked) >= 0) os << line << std::endl;
 }
@@ -35,7 +35,7 @@ void PrintMemory(const VuGraphicsImpl& impl, std::ostream& os) {
   const unsigned total = impl.TotalMemory();
   const unsigned used = total - impl.AvailableMemory();
   const unsigned max = impl.TotalMemory();
-  char line[kLineSize];
+  char line[kListedLineSize];
   if (snprintf(line, sizeof line, "Available texture memory %u used %u max %u", available, used,
                max) >= 0)
     os << line << std::endl;
