@@ -1,7 +1,23 @@
-# Debian packages in a folder that stands for a whole system; see run.cmake.
+# cmake -DBUILD=<build of the library> -DWORK=<folder to work in> -DCPACK=<cpack>
+#       -DGENERATOR=<CMake's generator> -DCOMPILER=<C++ compiler> -P packages.cmake
+#
+# Makes the Debian packages, installs them into a folder that stands for a whole system, and removes
+# them again. The test of the installation builds programs against the same files.
+set(root "${WORK}/root")
+
+function(run)
+  execute_process(COMMAND ${ARGV} COMMAND_ERROR_IS_FATAL ANY)
+endfunction()
+
+# run_dpkg(<argument>...): as the system's administrator, which needs no right on this one.
+function(run_dpkg)
+  run(unshare --map-root-user dpkg --root=${root} --force-depends --force-unsafe-io ${ARGN})
+endfunction()
 
 function(make_packages)
-  run("${CPACK}" --config "${BUILD}/CPackConfig.cmake" -B "${WORK}/packages")
+  # Packing them tight only takes time here.
+  run("${CPACK}" --config "${BUILD}/CPackConfig.cmake" -B "${WORK}/packages"
+    -D CPACK_DEBIAN_COMPRESSION_TYPE=gzip)
   file(GLOB packages "${WORK}/packages/*.deb")
   find_program(LINTIAN lintian)
   if(LINTIAN)
@@ -11,12 +27,12 @@ function(make_packages)
   file(GLOB hybrid "${WORK}/packages/zirk-backend-hybrid_*.deb")
   execute_process(COMMAND dpkg-deb --field ${hybrid} Depends OUTPUT_VARIABLE needed)
   if(NOT needed MATCHES "libpixman" OR needed MATCHES "sdl|gl")
-    message(FATAL_ERROR "zirk-backend-hybrid depends on ${needed}")
+    message(SEND_ERROR "zirk-backend-hybrid depends on ${needed}")
   endif()
 endfunction()
 
 # Copies the machine's programs or libraries, and the libraries that these need, into the system.
-function(copy_into root)
+function(copy_into_root)
   foreach(file IN LISTS ARGN)
     execute_process(COMMAND ldd "${file}" OUTPUT_VARIABLE needed ERROR_QUIET)
     string(REGEX MATCHALL "/[^ \n]+" paths "${needed}")
@@ -31,43 +47,49 @@ function(copy_into root)
   endforeach()
 endfunction()
 
-# as_root(<program> <argument>...): as the system's administrator, which needs no right on this one.
-function(as_root)
-  run(unshare --map-root-user ${ARGN})
-endfunction()
-
 # The packages' own scripts run inside the system; what else they depend on is not asked for.
-function(install_packages root)
+function(install_packages)
   foreach(folder IN ITEMS bin lib lib64 sbin)
     file(MAKE_DIRECTORY "${root}/usr/${folder}")
     file(CREATE_LINK usr/${folder} "${root}/${folder}" SYMBOLIC)
   endforeach()
   file(MAKE_DIRECTORY "${root}/etc" "${root}/var/lib/dpkg/info" "${root}/var/lib/dpkg/updates")
   file(TOUCH "${root}/var/lib/dpkg/status")
-  copy_into("${root}" /bin/sh /sbin/ldconfig)
+  copy_into_root(/bin/sh /sbin/ldconfig)
   file(GLOB packages "${WORK}/packages/*.deb")
-  as_root(dpkg --root=${root} --force-depends --install ${packages})
+  run_dpkg(--install ${packages})
+endfunction()
+
+# Every file that is installed is in a package.
+function(check_files)
+  run("${CMAKE_COMMAND}" --install "${BUILD}" --prefix "${WORK}/prefix")
+  file(GLOB_RECURSE files RELATIVE "${WORK}/prefix" "${WORK}/prefix/*")
+  foreach(file IN LISTS files)
+    if(NOT EXISTS "${root}/usr/${file}")
+      message(SEND_ERROR "${file} is in no package")
+    endif()
+  endforeach()
 endfunction()
 
 # Each plug-in lies where both queries look, and FB opens.
-function(check_packages root)
+function(check_plugins)
   file(GLOB files "${root}/usr/lib/*.so*" "${root}/usr/bin/zirkinfo")
-  copy_into("${root}" ${files})
+  copy_into_root(${files})
   execute_process(COMMAND unshare --map-root-user --root=${root} /usr/bin/zirkinfo
     OUTPUT_VARIABLE said COMMAND_ERROR_IS_FATAL ANY)
   file(GLOB plugins RELATIVE "${root}/usr/lib" "${root}/usr/lib/libZIRKImpl*.so")
   foreach(plugin IN LISTS plugins)
     if(NOT said MATCHES "file: ${plugin}\ninstalled: yes\n[^\n]*\nhas-backend: yes\nsupported-backend: yes\n")
-      message(FATAL_ERROR "${plugin} is not seen:\n${said}")
+      message(SEND_ERROR "${plugin} is not seen:\n${said}")
     endif()
   endforeach()
   if(NOT said MATCHES "opens: yes\ntype: 5\n")
-    message(FATAL_ERROR "FB does not open:\n${said}")
+    message(SEND_ERROR "FB does not open:\n${said}")
   endif()
 endfunction()
 
 # The examples are built where they lie, and one of each kind runs.
-function(check_examples root)
+function(check_examples)
   run("${CMAKE_COMMAND}" -G "${GENERATOR}" -S "${root}/usr/share/doc/zirk/examples"
     -B "${WORK}/examples" "-DCMAKE_PREFIX_PATH=${root}/usr" "-DCMAKE_CXX_COMPILER=${COMPILER}")
   run("${CMAKE_COMMAND}" --build "${WORK}/examples")
@@ -78,12 +100,20 @@ function(check_examples root)
 endfunction()
 
 # Nothing stays behind.
-function(remove_packages root)
+function(remove_packages)
   file(GLOB packages RELATIVE "${WORK}/packages" "${WORK}/packages/*.deb")
   list(TRANSFORM packages REPLACE "_.*" "")
-  as_root(dpkg --root=${root} --force-depends --purge ${packages})
+  run_dpkg(--purge ${packages})
   file(GLOB_RECURSE left "${root}/usr/*irk*" "${root}/usr/*ZIRK*")
   if(left)
-    message(FATAL_ERROR "left behind: ${left}")
+    message(SEND_ERROR "left behind: ${left}")
   endif()
 endfunction()
+
+file(REMOVE_RECURSE "${WORK}")
+make_packages()
+install_packages()
+check_files()
+check_plugins()
+check_examples()
+remove_packages()

@@ -1,26 +1,17 @@
 # cmake -DBUILD=<build of the library> -DWORK=<folder to work in> -DLIBDIR=<library folder>
 #       -DGENERATOR=<CMake's generator> -DCOMPILER=<C++ compiler> -DSOURCE=<this folder>
 #       [-DTOOLCHAIN=<toolchain file> -DSYSROOT=<its tree> -DEMULATOR=<what runs its programs>]
-#       [-DCPACK=<cpack>] -P run.cmake
+#       -P run.cmake
 #
-# Installs, builds the project in this folder against what was installed, and runs it. With CPACK
-# what is installed are the Debian packages, in a folder that stands for a whole system.
-include("${CMAKE_CURRENT_LIST_DIR}/packages.cmake")
+# Installs, builds the project in this folder against what was installed, and runs it.
 
 function(run)
   execute_process(COMMAND ${ARGV} COMMAND_ERROR_IS_FATAL ANY)
 endfunction()
 
 file(REMOVE_RECURSE "${WORK}")
-if(CPACK)
-  set(root "${WORK}/root")
-  set(prefix "${root}/usr")
-  make_packages()
-  install_packages("${root}")
-else()
-  set(prefix "${WORK}/prefix")
-  run("${CMAKE_COMMAND}" --install "${BUILD}" --prefix "${prefix}")
-endif()
+set(prefix "${WORK}/prefix")
+run("${CMAKE_COMMAND}" --install "${BUILD}" --prefix "${prefix}")
 
 set(ENV{PKG_CONFIG_PATH} "${prefix}/${LIBDIR}/pkgconfig")
 if(TOOLCHAIN)
@@ -37,8 +28,3 @@ run("${CMAKE_COMMAND}" --build "${WORK}/build")
 
 run(${EMULATOR} "${WORK}/build/app" "${WORK}/build/libZIRKImplMine.so")
 run(${EMULATOR} "${WORK}/build/app_pkgconfig" "${WORK}/build/libmine_pkgconfig.so")
-if(CPACK)
-  check_packages("${root}")
-  check_examples("${root}")
-  remove_packages("${root}")
-endif()
