@@ -1,9 +1,8 @@
 #!/usr/bin/env python3
-"""Holds the #include lines of the project to its layers: tests/structure/includes.py [--planted]
+"""Holds the #include lines of the project to its layers: tests/structure/includes.py
 
 Prints each line that points the wrong way, each circle of files and each exception that is no
-longer needed, and ends with 1 if there are any. --planted checks the check: it adds wrong lines to
-what is read, one at a time, and expects each to be found.
+longer needed, and ends with 1 if there are any.
 """
 
 import re
@@ -149,59 +148,7 @@ class Checker:
             visit(path)
 
 
-# Where to plant an include line, what it includes, and part of what is said about it. A folder
-# stands for its first header.
-PLANTED = [
-    ("src", '"backends/fb"', "no file that may be included from here"),
-    ("include/zirk", '"src"', "no file that may be included from here"),
-    ("include/zirk/vurect.h", "<zirk/impl/log.h>", "includes one for plug-ins"),
-    ("include/zirk", "<zirk/none.h>", "there is no such header"),
-    ("backends/fb", '"../src/exitorder.h"', "no file that may be included from here"),
-    ("backends/fb", "<backends/geometry>", "in angle brackets"),
-    ("backends/geometry", '"backends/images"', "images is not below geometry"),
-    ("backends/surface", '"backends/images"', "images is not below surface"),
-    ("backends/fb", '"backends/opengles2"', "opengles2 is another plug-in"),
-    ("tools/zirkinfo", "<zirk/impl/log.h>", "no header for applications"),
-    ("examples/showcase", "<zirk/backend.h>", "no header for applications"),
-    ("bench", '"helpers/fonts.h"', "no file that may be included from here"),
-]
-
-
-def planted_lines(files):
-    """(file, include line, reason) of each row of PLANTED, and a circle."""
-    def first(folder):
-        return min(path for path in files if path.startswith(folder + "/") and path.endswith(".h"))
-
-    for place, name, reason in PLANTED:
-        folder = name[1:-1]
-        if not folder.endswith(".h"):
-            header = re.sub("^(src|backends|examples)/", "", first(folder))
-            name = name[0] + header + name[-1]
-        yield place if place.endswith(".h") else first(place), name, reason
-    checker = Checker(files)
-    checker.check()
-    end, start = next((a, b) for a, targets in sorted(checker.graph.items()) for b in targets
-                      if a.endswith(".h") and a.split("/")[:2] == b.split("/")[:2])
-    yield start, f'"{end.replace("backends/", "", 1)}"', "a circle: "
-
-
-def check_planted():
-    """How many planted lines are not found."""
-    files = sources()
-    before = set(Checker(files).check())
-    missed = 0
-    for path, name, reason in planted_lines(files):
-        planted = {**files, path: files[path] + f"\n#include {name}\n"}
-        new = [line for line in Checker(planted).check() if line not in before]
-        if not any(reason in line for line in new):
-            missed += 1
-            print(f"{path}: #include {name}: expected {reason}, found {new}")
-    return missed
-
-
 def main():
-    if sys.argv[1:] == ["--planted"]:
-        return 1 if check_planted() else 0
     found = Checker(sources()).check()
     print("\n".join(found) or "every include points the right way")
     return 1 if found else 0
