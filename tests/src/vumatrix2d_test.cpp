@@ -7,10 +7,10 @@
 #include <array>
 #include <cmath>
 #include <limits>
-#include <tuple>
 #include <vector>
 
 #include "helpers/logged.h"
+#include "helpers/rows.h"
 
 namespace ZIRK {
 namespace {
@@ -125,21 +125,30 @@ TEST(VuVector, ComputesAndComparesValues) {
   EXPECT_NE(Vector(kNaN, 0), Vector(kNaN, 0));
 }
 
-TEST(VuMatrix, InversesBySpecialCase) {
-  const Matrix r = Rotation(0.5f);
-  const std::tuple<Matrix, Nine> cases[] = {
-      {Matrix(), {1, 0, 0, 0, 1, 0, 0, 0, 1}},
-      {Translation(3, -5), {1, 0, 0, 0, 1, 0, -3, 5, 1}},
-      {Scale(2, -4), {0.5f, 0, 0, 0, -0.25f, 0, 0, 0, 1}},
-      {Scale(0, 2), {HUGE_VALF, 0, 0, 0, 0.5f, 0, 0, 0, 1}},
-      {Scale(2, -4) * Translation(3, -5), {0.5f, 0, 0, 0, -0.25f, 0, -1.5f, -1.25f, 1}},
-      {r, {r.get()[0], r.get()[3], 0, r.get()[1], r.get()[4], 0, 0, 0, 1}},
-  };
-  for (const auto& [m, inverse] : cases) {
-    EXPECT_EQ(Elements(m.inverse()), inverse);
-    EXPECT_EQ(Flags(m.inverse()), Flags(m));
-  }
+struct Inverse {
+  const char* name;
+  Matrix matrix = {};
+  Nine inverse;
+};
+class MatrixInverse : public helpers::Rows<Inverse> {};
+
+TEST_P(MatrixInverse, BySpecialCase) {
+  EXPECT_EQ(Elements(GetParam().matrix.inverse()), GetParam().inverse);
+  EXPECT_EQ(Flags(GetParam().matrix.inverse()), Flags(GetParam().matrix));
 }
+
+const Matrix kTurned = Rotation(0.5f), kMoved = Translation(3, -5), kScaled = Scale(2, -4);
+ROWS(MatrixInverse, {.name = "identity", .inverse{1, 0, 0, 0, 1, 0, 0, 0, 1}},
+     {.name = "translation", .matrix = kMoved, .inverse{1, 0, 0, 0, 1, 0, -3, 5, 1}},
+     {.name = "scale", .matrix = kScaled, .inverse{0.5f, 0, 0, 0, -0.25f, 0, 0, 0, 1}},
+     {.name = "no_width", .matrix = Scale(0, 2), .inverse{HUGE_VALF, 0, 0, 0, 0.5f, 0, 0, 0, 1}},
+     {.name = "scale_and_translation",
+      .matrix = kScaled * kMoved,
+      .inverse{0.5f, 0, 0, 0, -0.25f, 0, -1.5f, -1.25f, 1}},
+     {.name = "rotation",
+      .matrix = kTurned,
+      .inverse{kTurned.get()[0], kTurned.get()[3], 0, kTurned.get()[1], kTurned.get()[4], 0, 0, 0,
+               1}});
 
 TEST(VuMatrix, GeneralInverse) {
   const Matrix m = Rotation(0.5f) * Scale(2, -4) * Translation(3, -5);
@@ -220,25 +229,28 @@ TEST(VuRect, GrowsMovesAndShrinks) {
   EXPECT_EQ(r.width(), 0);
 }
 
-TEST(VuRect, OverlapAndContainment) {
-  const RectF square(0, 0, 10, 10);
-  const std::tuple<const char*, RectF, RectF, bool, bool> cases[] = {
-      {"outside around", {2, 2, 3, 3}, square, true, false},
-      {"inside", square, {2, 2, 3, 3}, true, true},
-      {"corner touches", square, {10, 10, 5, 5}, true, false},
-      {"beside", square, {11, 0, 5, 5}, false, false},
-      {"below", square, {0, 11, 5, 5}, false, false},
-      {"crossing", square, {2, -5, 2, 20}, true, false},
-      {"point", square, {10, 10, 0, 0}, true, true},
-      {"empty in it", square, {}, false, false},
-      {"in an empty one", {}, square, false, false},
-  };
-  for (const auto& [name, a, b, overlap, aContainsB] : cases) {
-    EXPECT_EQ(a.overlaps(b), overlap) << name;
-    EXPECT_EQ(b.overlaps(a), overlap) << name;
-    EXPECT_EQ(a.contains(b), aContainsB) << name;
-  }
+const RectF kSquare(0, 0, 10, 10);
+struct Pair {
+  const char* name;
+  RectF a = kSquare, b = kSquare;
+  bool overlap = false, contains = false;
+};
+class RectPair : public helpers::Rows<Pair> {};
+
+TEST_P(RectPair, OverlapAndContainment) {
+  const auto& [name, a, b, overlap, contains] = GetParam();
+  EXPECT_EQ(a.overlaps(b), overlap);
+  EXPECT_EQ(b.overlaps(a), overlap);
+  EXPECT_EQ(a.contains(b), contains);
 }
+
+ROWS(RectPair, {.name = "outside_around", .a{2, 2, 3, 3}, .overlap = true},
+     {.name = "inside", .b{2, 2, 3, 3}, .overlap = true, .contains = true},
+     {.name = "corner_touches", .b{10, 10, 5, 5}, .overlap = true},
+     {.name = "beside", .b{11, 0, 5, 5}}, {.name = "below", .b{0, 11, 5, 5}},
+     {.name = "crossing", .b{2, -5, 2, 20}, .overlap = true},
+     {.name = "point", .b{10, 10, 0, 0}, .overlap = true, .contains = true},
+     {.name = "empty_in_it", .b{}}, {.name = "in_an_empty_one", .a{}});
 
 TEST(VuRect, Extremes) {
   // Summed as integers: 2^24 + 1 has no float, 2^24 + 2 does.
