@@ -6,6 +6,7 @@
 
 #include "helpers/logged.h"
 #include "helpers/plugins.h"
+#include "helpers/threads.h"
 
 namespace ZIRK {
 
@@ -69,6 +70,15 @@ TEST(Compositor, DisablingWaitsForCallsInProgress) {
     caller.join();
   };
   EXPECT_EQ(helpers::LoggedAt(2, run), "CreateVuCompositor 0\nleaving\ncompositor destroyed\n");
+}
+
+TEST(Compositor, SanitizedComesAndGoesWhileItIsAskedFor) {
+  helpers::Install("GLCompositor", "Independent", "VuCompositor");
+  const auto toggle = [] { VuCompositor::Enable(true), VuCompositor::Enable(false); };
+  helpers::LoggedAt(2, [&] {
+    helpers::Meanwhile([] { VuCompositor::GetVirtualLayerCount(); }, toggle);
+    helpers::Meanwhile([] { VuCompositor::IsEnabled(); }, toggle);
+  });
 }
 
 TEST(CompositorDeathTest, NeedsThePlugin) {

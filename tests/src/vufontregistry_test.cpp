@@ -2,15 +2,18 @@
 #include <gtest/gtest.h>
 #include <zirk/zirk.h>
 
+#include <chrono>
 #include <fstream>
 #include <memory>
 #include <stdexcept>
 #include <string>
 #include <thread>
-#include <tuple>
+#include <vector>
 
 #include "helpers/fonts.h"
 #include "helpers/logged.h"
+#include "helpers/rows.h"
+#include "helpers/threads.h"
 
 namespace ZIRK {
 namespace {
@@ -19,8 +22,9 @@ using helpers::FontFile;
 using helpers::LoggedAt;
 
 const std::string kRegular = FontFile("sans.ttf"), kBold = FontFile("sansbold.ttf"),
-                  kOblique = FontFile("sansoblique.ttf");
-constexpr char kSans[] = "ZIRK Test Sans";
+                  kOblique = FontFile("sansoblique.ttf"), kCollection = FontFile("collection.ttc"),
+                  kAgain = FontFile("./sansbold.ttf");
+constexpr const char* kSans = "ZIRK Test Sans";
 
 /// What the factory was last asked for: file, face and size.
 std::string opened;
@@ -36,33 +40,36 @@ std::string Found(VuFontRegistry& registry, const char* family, bool bold, bool 
   return opened.substr(0, opened.find(" 0 7"));
 }
 
-TEST(FontRegistry, TheBestFaceOfTheFamily) {
-  const std::string collection = FontFile("collection.ttc"), again = FontFile("./sansbold.ttf");
-  const std::tuple<std::vector<std::string>, const char*, bool, bool, std::string> cases[] = {
-      {{kRegular, kBold, kOblique}, kSans, false, false, kRegular},
-      {{kRegular, kBold, kOblique}, kSans, true, false, kBold},
-      {{kRegular, kBold, kOblique}, kSans, false, true, kOblique},
-      {{kOblique, kRegular}, kSans, true, false, kRegular},
-      {{kRegular, kOblique}, kSans, true, true, kOblique},
-      // One agreement is as good as the other, so that the first wins.
-      {{kRegular, kOblique, kBold}, kSans, true, true, kOblique},
-      {{kRegular, kBold, kOblique}, kSans, true, true, kBold},
-      {{kBold}, kSans, false, true, kBold},
-      {{again, kBold}, kSans, true, false, again},
-      {{kRegular}, "zirk test sans", true, false, ""},
-      {{kRegular}, "ZIRK Test", true, false, ""},
-      {{kRegular}, "", true, false, ""},
-      {{kBold}, "ZIRK Test Superfamily", true, false, ""},
-      // The first face of a collection stands for all.
-      {{kRegular, collection}, "ZIRK Test One", false, false, collection},
-      {{kRegular, collection}, "ZIRK Test Two", false, false, ""},
-  };
-  for (const auto& [files, family, bold, italic, expected] : cases) {
-    const std::unique_ptr<VuFontRegistry> registry(VuFontRegistry::Create(&Note));
-    for (const std::string& file : files) EXPECT_TRUE(registry->Register(file.c_str()));
-    EXPECT_EQ(Found(*registry, family, bold, italic), expected) << family << bold << italic;
-  }
+struct Request {
+  const char* name;
+  std::vector<std::string> files;
+  const char* family = kSans;
+  bool bold = false, italic = false;
+  std::string found = "";
+};
+class BestFace : public helpers::Rows<Request> {};
+
+TEST_P(BestFace, OfTheFamily) {
+  const std::unique_ptr<VuFontRegistry> registry(VuFontRegistry::Create(&Note));
+  for (const std::string& file : GetParam().files) EXPECT_TRUE(registry->Register(file.c_str()));
+  const auto& [name, files, family, bold, italic, found] = GetParam();
+  EXPECT_EQ(Found(*registry, family, bold, italic), found);
 }
+
+const std::vector<std::string> kAll = {kRegular, kBold, kOblique}, kTwo = {kRegular, kCollection};
+ROWS(BestFace,  //
+     {.name = "regular", .files = kAll, .found = kRegular},
+     {.name = "bold", .files = kAll, .bold = true, .found = kBold},
+     {.name = "oblique", .files = kAll, .italic = true, .found = kOblique},
+     {.name = "no_bold", .files = {kOblique, kRegular}, .bold = true, .found = kRegular},
+     {.name = "only_bold", .files = {kBold}, .italic = true, .found = kBold},
+     {.name = "bold_before_italic", .files = kAll, .bold = true, .italic = true, .found = kBold},
+     {.name = "first_of_equals", .files = {kAgain, kBold}, .bold = true, .found = kAgain},
+     {.name = "other_case", .files = kAll, .family = "zirk test sans"},
+     {.name = "part_of_the_name", .files = kAll, .family = "ZIRK Test"},
+     {.name = "typographic_name", .files = {kBold}, .family = "ZIRK Test Superfamily"},
+     {.name = "collection", .files = kTwo, .family = "ZIRK Test One", .found = kCollection},
+     {.name = "not_its_second_face", .files = kTwo, .family = "ZIRK Test Two"});
 
 TEST(FontRegistry, UnregisteredByTheVeryPath) {
   VuFontRegistry registry(&Note);
@@ -137,15 +144,15 @@ TEST(FontRegistry, NullNamesAreThrownBackWithoutTheLock) {
 TEST(FontRegistry, SanitizedFontsComeAndGoWhileTheyAreAskedFor) {
   const helpers::Tunables restored;
   LogLevel = 2;
-  VuFontRegistry registry(&Note);
-  std::thread other([&] {
-    for (int round = 0; round < 200; ++round) registry.GetFont(kSans, 9, false, false);
+  VuFontRegistry registry([](const char*, int, int) -> VuFont* {
+    std::this_thread::sleep_for(std::chrono::microseconds(100));
+    return nullptr;
   });
-  for (int round = 0; round < 50; ++round) {
+  const auto comeAndGo = [&] {
     registry.Register(kRegular.c_str());
     registry.Unregister(kRegular.c_str());
-  }
-  other.join();
+  };
+  helpers::Meanwhile([&] { registry.GetFont(kSans, 9, false, false); }, comeAndGo);
 }
 
 }  // namespace
