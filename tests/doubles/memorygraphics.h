@@ -6,38 +6,32 @@
 #include <string>
 #include <vector>
 
-#include "doubles/fakeobject.h"
+#include "doubles/mocks.h"
 
 namespace ZIRK::doubles {
 
 /// A surface of one byte a pixel, with what an atlas asks of one. Writes outside it fail a test.
-struct MemoryBitmap : FakeObject<VuBitmapImpl> {
+struct MemoryBitmap : Bitmap {
   const int width, height;
   std::string name;
   std::vector<uint8_t> pixels;
 
   MemoryBitmap(int width_, int height_)
-      : width(width_), height(height_), pixels(size_t(width_) * size_t(height_)) {
-    Set(2, &Free);
-    Set(4, &SetName);
-    Set(9, &Bounds);
-    Set(37, &SetPixels);
-    Set(38, &CopyPixels);
-  }
+      : width(width_), height(height_), pixels(size_t(width_) * size_t(height_)) {}
 
-  static void Free(MemoryBitmap* b) { delete b; }
-  static void SetName(MemoryBitmap* b, const char* name_) { b->name = name_; }
-  static VuRect Bounds(MemoryBitmap* b) { return {0, 0, b->width, b->height}; }
-  static bool SetPixels(MemoryBitmap* b, VuRect r, const uint8_t* src, unsigned pitch) {
-    const bool inside =
-        r.x >= 0 && r.y >= 0 && r.x + r.width <= b->width && r.y + r.height <= b->height;
+  void SetName(const char* name_) override { name = name_; }
+  VuRect GetBounds() const override { return {0, 0, width, height}; }
+  bool SetPixels(VuRect r, const void* src, unsigned pitch) override {
+    const bool inside = r.x >= 0 && r.y >= 0 && r.x + r.width <= width && r.y + r.height <= height;
     EXPECT_TRUE(inside);
-    for (int y = 0; inside && y < r.height; ++y, src += pitch)
-      std::copy_n(src, r.width, b->pixels.begin() + (r.y + y) * b->width + r.x);
+    auto* from = static_cast<const uint8_t*>(src);
+    for (int y = 0; inside && y < r.height; ++y, from += pitch)
+      std::copy_n(from, r.width, pixels.begin() + (r.y + y) * width + r.x);
     return inside;
   }
-  static bool CopyPixels(MemoryBitmap* b, VuPoint p, MemoryBitmap* src, VuRect r) {
-    return SetPixels(b, {p.x, p.y, r.width, r.height}, src->pixels.data(), unsigned(src->width));
+  bool CopyPixels(VuPoint p, VuBitmapImpl* src, VuRect r) override {
+    const auto& from = static_cast<const MemoryBitmap&>(*src);
+    return SetPixels({p.x, p.y, r.width, r.height}, from.pixels.data(), unsigned(from.width));
   }
 
   std::vector<uint8_t> At(VuRect r) const {
@@ -51,25 +45,20 @@ struct MemoryBitmap : FakeObject<VuBitmapImpl> {
 };
 
 /// A context that makes such surfaces.
-struct MemoryGraphics : FakeObject<VuGraphicsImpl> {
+struct MemoryGraphics : Graphics {
   int type = TypeCode(BackendType::FB);
   int highest = 2048;        ///< None is made that is higher.
   std::vector<int> heights;  ///< Those asked for.
   std::function<void()> onCreate = [] {};
   VuPixelFormat format{-1};
 
-  MemoryGraphics() {
-    Set(5, &CreateBitmap);
-    Set(20, &GetType);
+  VuBitmapImpl* CreateBitmap(int width, int height, VuPixelFormat asked) override {
+    heights.push_back(height);
+    format = asked;
+    onCreate();
+    return height > highest ? nullptr : new MemoryBitmap(width, height);
   }
-
-  static VuBitmapImpl* CreateBitmap(MemoryGraphics* g, int width, int height, VuPixelFormat f) {
-    g->heights.push_back(height);
-    g->format = f;
-    g->onCreate();
-    return height > g->highest ? nullptr : (new MemoryBitmap(width, height))->get();
-  }
-  static int GetType(MemoryGraphics* g) { return g->type; }
+  int GetGraphicsType() const override { return type; }
 };
 
 }  // namespace ZIRK::doubles

@@ -1,78 +1,75 @@
-// What each operation of a font calls is in vubitmap_test.cpp.
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <zirk/backend.h>
 
+#include <limits>
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <utility>
+#include <vector>
 
-#include "doubles/memorygraphics.h"
+#include "doubles/mocks.h"
 #include "helpers/fonts.h"
 #include "helpers/logged.h"
 
 namespace ZIRK {
 namespace {
 
-using helpers::FontFile;
+using testing::_;
+using testing::An;
+
+constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+
+/// The height of `font`, which is deleted, and how wide its 'A' is drawn: bold ones are wider.
+std::pair<int, int> Made(VuFont* font) {
+  const std::unique_ptr<VuFont> owned(font);
+  auto* const surface = new doubles::Bitmap;
+  VuFontImpl* impl = nullptr;
+  EXPECT_CALL(*surface, DrawText(_, _, _, _, An<VuTransform>(), _, _, _))
+      .WillOnce(testing::SaveArg<0>(&impl));
+  VuBitmap(surface).DrawText(*owned, "", VuPoint{}, VuColor{});
+  return {font->GetOneLineHeight(), dynamic_cast<VuFontAtlas&>(*impl).GetGlyph('A', true)->width};
+}
 
 class Fonts : public testing::Test {
  protected:
   void TearDown() override { VuFont::SetFontOverride(nullptr); }
 
-  /// Height, and how wide 'A' is drawn: an emboldened one is wider.
-  static std::string Made(VuFont* font) {
-    const std::unique_ptr<VuFont> owned(font);
-    doubles::FakeObject<VuBitmapImpl> surface;
-    static VuFontImpl* drawn;
-    surface.Set(
-        30, +[](void*, VuFontImpl* impl) { drawn = impl; });
-    VuBitmap(surface.get()).DrawText(*owned, "", VuPoint{}, VuColor{});
-    const auto* const atlas = dynamic_cast<VuFontAtlas*>(drawn);
-    return std::to_string(font->GetOneLineHeight()) + ' ' +
-           std::to_string(atlas->GetGlyph('A', true)->width);
-  }
-};
-
-TEST_F(Fonts, AreMadeAsAskedFor) {
-  const std::string file = FontFile("sans.ttf");
+  const std::string file = helpers::FontFile("sans.ttf");
   const char* const path = file.c_str();
   const std::vector<unsigned char> bytes = helpers::FontBytes("sans.ttf");
   const unsigned char* const data = bytes.data();
-  const auto size = static_cast<unsigned>(bytes.size());
-  const char* const regular = "58 33";
-  const char* const bold = "58 34";
-  for (const bool overridden : {true, false}) {
-    if (overridden) VuFont::SetFontOverride([](auto...) { return nullptr; });
-    EXPECT_EQ(Made(new VuFont(path, 0, 48)), regular);
-    EXPECT_EQ(Made(new VuFont(path, 0, 48, true, false)), bold);
-    EXPECT_EQ(Made(new VuFont(path, 0, 48, false, true)), regular);
-    EXPECT_EQ(Made(new VuFont(data, size, 0, 48)), regular);
-    EXPECT_EQ(Made(new VuFont(data, size, 0, 48, true, false)), bold);
-    EXPECT_EQ(Made(VuFont::CreateFontFromMemory(data, size, 0, 48)), regular);
-    EXPECT_EQ(Made(VuFont::CreateFontFromMemoryEx(data, size, 0, 48, true, false)), bold);
-    VuFont::SetFontOverride(nullptr);
-  }
+  const unsigned size = static_cast<unsigned>(bytes.size());
+  const std::pair<int, int> regular{58, 33}, bold{58, 34};
+};
+
+TEST_F(Fonts, OfFiles) {
   EXPECT_EQ(Made(VuFont::CreateFont(path, 0, 48)), regular);
   EXPECT_EQ(Made(VuFont::CreateFontEx(path, 0, 48, true, false)), bold);
 }
 
+TEST_F(Fonts, WhateverTheOverride) {
+  VuFont::SetFontOverride([](auto...) { return nullptr; });
+  EXPECT_EQ(Made(new VuFont(path, 0, 48)), regular);
+  EXPECT_EQ(Made(new VuFont(path, 0, 48, true, false)), bold);
+  EXPECT_EQ(Made(new VuFont(path, 0, 48, false, true)), regular);
+  EXPECT_EQ(Made(new VuFont(data, size, 0, 48)), regular);
+  EXPECT_EQ(Made(new VuFont(data, size, 0, 48, true, false)), bold);
+  EXPECT_EQ(Made(VuFont::CreateFontFromMemory(data, size, 0, 48)), regular);
+  EXPECT_EQ(Made(VuFont::CreateFontFromMemoryEx(data, size, 0, 48, true, false)), bold);
+}
+
 TEST_F(Fonts, TheOverrideMakesThoseFromFiles) {
-  std::string asked;
-  VuFont* made = nullptr;
-  VuFont::SetFontOverride([&](const char* path, int faceIndex, int size, bool bold, bool italic) {
-    asked += path + (' ' + std::to_string(faceIndex)) + ' ' + std::to_string(size) + ' ' +
-             (bold ? "bold" : "-") + ' ' + (italic ? "italic\n" : "-\n");
-    return made;
-  });
-  EXPECT_EQ(VuFont::CreateFont("a", 1, 2), nullptr);
-  doubles::FakeObject<VuFontImpl> impl;
-  VuFont own(impl.get());
-  made = &own;
-  EXPECT_EQ(VuFont::CreateFontEx("b", -3, 0, true, false), &own);
-  EXPECT_EQ(VuFont::CreateFontEx("c", 0, 5, false, true), &own);
-  EXPECT_EQ(asked, "a 1 2 - -\nb -3 0 bold -\nc 0 5 - italic\n");
+  testing::MockFunction<VuFont*(const char*, int, int, bool, bool)> make;
+  VuFont::SetFontOverride(make.AsStdFunction());
+  VuFont own(new doubles::Font);
+  EXPECT_CALL(make, Call(path, 1, 2, false, false));
+  EXPECT_EQ(VuFont::CreateFont(path, 1, 2), nullptr);
+  EXPECT_CALL(make, Call(path, -3, 0, true, false)).WillOnce(testing::Return(&own));
+  EXPECT_EQ(VuFont::CreateFontEx(path, -3, 0, true, false), &own);
+  EXPECT_CALL(make, Call(path, 0, 5, false, true)).WillOnce(testing::Return(&own));
+  EXPECT_EQ(VuFont::CreateFontEx(path, 0, 5, false, true), &own);
 }
 
 TEST_F(Fonts, WithoutAFile) {
@@ -80,6 +77,31 @@ TEST_F(Fonts, WithoutAFile) {
   const auto make = [] { delete VuFont::CreateFontFromMemory(nullptr, 100, 0, 10); };
   EXPECT_EQ(helpers::LoggedAt(7, make),
             "<ZIRK.error>: VuFontAtlas: Failed to create font buffer\n");
+}
+
+TEST(FontForwarding, OfMetrics) {
+  auto& impl = *new doubles::Font;
+  const VuFont font(&impl);
+  EXPECT_CALL(impl, GetAscent).WillOnce(testing::Return(7));
+  EXPECT_EQ(font.GetAscent(), 7);
+  EXPECT_CALL(impl, GetDescent).WillOnce(testing::Return(8));
+  EXPECT_EQ(font.GetDescent(), 8);
+  EXPECT_CALL(impl, GetMaxAdvance).WillOnce(testing::Return(9));
+  EXPECT_EQ(font.GetMaxAdvance(), 9);
+}
+
+TEST(FontImplementation, StoresTheOutlineInPartsOf64) {
+  doubles::Font font;
+  font.SetOutlineType(VuFont::OutlineType{2});
+  EXPECT_EQ(font.outlineType_, VuFont::OutlineType{2});
+  font.SetFallbackGlyph(0xFFFD);
+  EXPECT_EQ(font.fallbackGlyph_, 0xFFFDu);
+  const std::pair<float, int> cases[] = {
+      {1.5f, 96}, {0.01f, 0}, {-1.99f, -127}, {1e30f, 0x7FFFFFFF}, {kNaN, 0}};
+  for (const auto& [pixels, stored] : cases) {
+    font.SetOutlineThickness(pixels);
+    EXPECT_EQ(font.outlineThickness_, stored);
+  }
 }
 
 }  // namespace

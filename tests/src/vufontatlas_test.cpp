@@ -21,6 +21,8 @@
 #include "helpers/fonts.h"
 #include "helpers/freetype.h"
 #include "helpers/logged.h"
+#include "helpers/rows.h"
+#include "helpers/threads.h"
 
 namespace ZIRK {
 namespace {
@@ -34,7 +36,7 @@ using helpers::LoggedAt;
 using Type = VuFont::OutlineType;
 
 const MemoryBitmap& Surface(const VuTextureAtlasImpl& atlas) {
-  return *reinterpret_cast<const MemoryBitmap*>(atlas.GetBitmap().get());
+  return dynamic_cast<const MemoryBitmap&>(*atlas.GetBitmap());
 }
 
 Letter Placed(const Glyph& g, const VuTextureAtlasImpl& atlas) {
@@ -59,59 +61,78 @@ class FontAtlas : public testing::Test {
   const VuFontAtlas cjk = Open("cjk.ttf", 30);
 };
 
-TEST_F(FontAtlas, Metrics) {
-  const std::tuple<const char*, int, std::array<int, 6>> cases[] = {
-      {"sans.ttf", 37, {45, 35, -9, 40, -1, 2}},       {"sans.ttf", 0, {3, 1, -1, 1, 0, 0}},
-      {"cjk.ttf", 300, {353, 281, -71, 300, -44, 15}}, {"cjk.ttf", 16, {20, 15, -4, 16, -1, 1}},
-      {"bitmap.bdf", 10, {11, 8, -2, 12, 0, 0}},       {"bitmap.bdf", 11, {1, 0, 0, 0, 0, 0}},
-  };
-  for (const auto& [file, size, expected] : cases) {
-    const VuFontAtlas font = Open(file, size);
-    std::array<int, 6> m;
-    font.GetFontMetrics(m[0], m[1], m[2], m[3]);
-    font.GetUnderlineMetrics(m[4], m[5]);
-    EXPECT_EQ(m, expected) << file << size;
-    EXPECT_EQ(font.GetOneLineHeight(), m[0]);
-    EXPECT_EQ(font.GetAscent(), m[1]);
-    EXPECT_EQ(font.GetDescent(), -m[2]);
-    EXPECT_EQ(font.GetMaxAdvance(), m[3]);
-  }
+struct Face {
+  const char* name;
+  const char* file;
+  int size;
+  std::array<int, 6> metrics;
+};
+class Metrics : public helpers::Rows<Face> {};
+
+TEST_P(Metrics, OfAFace) {
+  const VuFontAtlas font(FontFile(GetParam().file).c_str(), 0, GetParam().size, false, false);
+  std::array<int, 6> m;
+  font.GetFontMetrics(m[0], m[1], m[2], m[3]);
+  font.GetUnderlineMetrics(m[4], m[5]);
+  EXPECT_EQ(m, GetParam().metrics);
+  const std::array alone = {font.GetOneLineHeight(), font.GetAscent(), -font.GetDescent(),
+                            font.GetMaxAdvance()};
+  EXPECT_THAT(alone, testing::ElementsAre(m[0], m[1], m[2], m[3]));
 }
 
-TEST_F(FontAtlas, FontsThatDoNotOpen) {
-  const std::string text = FontFile("README.md"), pair = FontFile("collection.ttc");
+ROWS(Metrics,  //
+     {.name = "sans", .file = "sans.ttf", .size = 37, .metrics{45, 35, -9, 40, -1, 2}},
+     {.name = "no_size", .file = "sans.ttf", .size = 0, .metrics{3, 1, -1, 1, 0, 0}},
+     {.name = "large", .file = "cjk.ttf", .size = 300, .metrics{353, 281, -71, 300, -44, 15}},
+     {.name = "small", .file = "cjk.ttf", .size = 16, .metrics{20, 15, -4, 16, -1, 1}},
+     {.name = "bitmap", .file = "bitmap.bdf", .size = 10, .metrics{11, 8, -2, 12, 0, 0}},
+     {.name = "bitmap_of_no_such_size", .file = "bitmap.bdf", .size = 11, .metrics{1}});
+
+const std::string kText = FontFile("README.md"), kPair = FontFile("collection.ttc"),
+                  kPipe = testing::TempDir() + "zirk_font_pipe",
+                  kUnsupported = ": font format is unsupported ",
+                  kUnknown = " FT_Error (0x02) : unknown file format\n",
+                  kFromFile = "NewFace: error 1 creating FT font from file ",
+                  kNoFace = "NewFace: error 6 creating FT font from file " + kPair +
+                            " FT_Error (0x06) : invalid argument\n";
+
+const auto kTextSize = static_cast<unsigned>(helpers::FontBytes("README.md").size());
+
+/// A file or, if that is null, so many bytes of a text, and how the error line begins.
+struct Unopened {
+  const char* name;
+  const char* path = nullptr;
+  int faceIndex = 0;
+  unsigned size = 0;
+  std::string line;
+};
+class UnopenedFont : public helpers::Rows<Unopened> {};
+
+TEST_P(UnopenedFont, HasNothingAndLogsOneLine) {
+  const auto& [name, path, faceIndex, size, line] = GetParam();
+  mkfifo(kPipe.c_str(), 0600);
   const std::vector<unsigned char> bytes = helpers::FontBytes("README.md");
-  const std::string pipe = testing::TempDir() + "zirk_font_pipe";
-  mkfifo(pipe.c_str(), 0600);
-  const std::string unsupported = ": font format is unsupported ",
-                    format = " FT_Error (0x02) : unknown file format\n",
-                    error6 = "NewFace: error 6 creating FT font from file " + pair +
-                             " FT_Error (0x06) : invalid argument\n";
-  const std::tuple<std::string, int, std::string> cases[] = {
-      {text, 0, "NewFace" + unsupported + text + format},
-      {"", 0, "NewFace: error 1 creating FT font from file  FT_Error (0x01) : cannot open resou"},
-      {pipe, 0, "NewFace: error 1 creating FT font from file " + pipe},
-      {pair, 2, error6},
-      {pair, -1, error6},
-      {"memory", int(bytes.size()), "NewFaceFromMemory" + unsupported + "[memory]" + format},
-      {"memory", 0, "NewFaceFromMemory: error "},
+  MemoryGraphics graphics;
+  const auto run = [&, p = path, i = faceIndex, n = size] {
+    const VuFontAtlas font =
+        p ? VuFontAtlas(p, i, 9, false, false) : VuFontAtlas(bytes.data(), n, 0, 9, true, false);
+    EXPECT_EQ(font.GetFontFace(), nullptr);
+    EXPECT_EQ(font.GetOneLineHeight() + font.GetAscent() + font.GetMaxAdvance(), 0);
+    EXPECT_EQ(font.GetOneLineWidth("text"), 0);
+    EXPECT_EQ(font.GetGlyph('A', true), nullptr);
+    EXPECT_EQ(font.GetAtlas(&graphics), nullptr);
   };
-  for (const auto& [path, number, logged] : cases) {
-    const auto run = [&, p = path, n = number] {
-      const VuFontAtlas font = p == "memory"
-                                   ? VuFontAtlas(bytes.data(), unsigned(n), 0, 9, true, false)
-                                   : VuFontAtlas(p.c_str(), n, 9, false, false);
-      EXPECT_EQ(font.GetFontFace(), nullptr);
-      EXPECT_EQ(font.GetOneLineHeight() + font.GetAscent() + font.GetMaxAdvance(), 0);
-      EXPECT_EQ(font.GetOneLineWidth("text"), 0);
-      EXPECT_EQ(font.GetGlyph('A', true), nullptr);
-      EXPECT_EQ(font.GetAtlas(graphics.get()), nullptr);
-    };
-    const std::string lines = LoggedAt(7, run);
-    EXPECT_THAT(lines, testing::StartsWith("<ZIRK.error>: " + logged));
-    EXPECT_EQ(std::count(lines.begin(), lines.end(), '\n'), 1) << lines;
-  }
+  EXPECT_TRUE(helpers::LogsOneError(line, run));
 }
+
+ROWS(UnopenedFont,  //
+     {.name = "text", .path = kText.c_str(), .line = "NewFace" + kUnsupported + kText + kUnknown},
+     {.name = "no_name", .path = "", .line = kFromFile + " FT_Error (0x01) : cannot open resource"},
+     {.name = "pipe", .path = kPipe.c_str(), .line = kFromFile + kPipe},
+     {.name = "face_2_of_2", .path = kPair.c_str(), .faceIndex = 2, .line = kNoFace},
+     {.name = "face_below_0", .path = kPair.c_str(), .faceIndex = -1, .line = kNoFace},
+     {.name = "memory", .size = kTextSize, .line = "NewFaceFromMemory" + kUnsupported + "[memory]"},
+     {.name = "empty_memory", .line = "NewFaceFromMemory: error "});
 
 TEST_F(FontAtlas, FilesAreOpenedByFtNewFace) {
   helpers::calls.faces.clear();
@@ -125,7 +146,7 @@ TEST_F(FontAtlas, TruncatedFonts) {
     for (size_t size = whole.size() % step; size <= whole.size(); size += step) {
       const std::vector<unsigned char> part(whole.begin(), whole.begin() + ptrdiff_t(size));
       const VuFontAtlas font(part.data(), unsigned(size), 0, 20, true, false);
-      font.GetAtlas(graphics.get());
+      font.GetAtlas(&graphics);
       EXPECT_EQ(font.GetGlyph('A', true) != nullptr, font.GetFontFace() != nullptr);
     }
   }
@@ -147,7 +168,7 @@ TEST_F(FontAtlas, OddFaces) {
   // that take too long to be made bold.
   for (const int size : {-1, 10000}) {
     const VuFontAtlas font = Open("sans.ttf", size, true);
-    font.GetAtlas(graphics.get());
+    font.GetAtlas(&graphics);
     const auto render = [&] { EXPECT_FALSE(font.GetGlyph('A', true)->inAtlas); };
     EXPECT_THAT(LoggedAt(4, render),
                 testing::HasSubstr(size < 0 ? "LoadGlyph: failed to load glyph from face ZIRK Test "
@@ -223,7 +244,7 @@ TEST_F(FontAtlas, GlyphsAsFreeTypeRendersThem) {
       EXPECT_EQ(found, measured);
       EXPECT_FALSE(g->inAtlas);
     }
-    const auto atlas = font.GetAtlas(graphics.get());
+    const auto atlas = font.GetAtlas(&graphics);
     EXPECT_EQ(Surface(*atlas).name, FontFile(file) + ' ' + std::to_string(font.GetOneLineHeight()));
     EXPECT_EQ(graphics.heights[0], tallest + 2);
     graphics.heights.clear();
@@ -248,15 +269,15 @@ TEST_F(FontAtlas, WhatStandsInForMissingGlyphs) {
 
   const std::vector<unsigned char> bytes = helpers::FontBytes("cjk.ttf");
   const VuFontAtlas fromMemory(bytes.data(), unsigned(bytes.size()), 0, 30, false, false);
-  doubles::FakeObject<VuFontImpl> foreign;
+  doubles::Font foreign;
   const char* const nothing =
       "<ZIRK.error>: NewFace: error 1 creating FT font from file  FT_Error (0x01) : cannot open "
       "resource\n";
   const std::pair<const VuFontImpl*, const char*> without[] = {
-      {nullptr, ""}, {foreign.get(), ""}, {&fromMemory, nothing}};
+      {nullptr, ""}, {&foreign, ""}, {&fromMemory, nothing}};
   for (const auto& [none, logged] : without) {
     font.SetFallbackFont(std::make_unique<VuFontAtlas>(cjkFile.c_str(), 0, 30, true, false).get());
-    const auto atlas = font.GetAtlas(graphics.get());
+    const auto atlas = font.GetAtlas(&graphics);
     const Glyph* const glyph = font.GetGlyph(kHan, true);
     EXPECT_EQ(glyph->index, han);
     EXPECT_EQ(Placed(*glyph, *atlas).coverage, FreeType(cjkFile, 30).Render(han).coverage);
@@ -265,7 +286,7 @@ TEST_F(FontAtlas, WhatStandsInForMissingGlyphs) {
     EXPECT_EQ(LoggedAt(6, [&, n = none] { font.SetFallbackFont(n); }), logged);
     EXPECT_EQ(Add(font, kHan)->index, mark);
     EXPECT_EQ(font.GetOneLineWidth("\u65E5"), font.GetOneLineWidth("?"));
-    EXPECT_NE(font.GetAtlas(graphics.get()), atlas);
+    EXPECT_NE(font.GetAtlas(&graphics), atlas);
   }
 }
 
@@ -393,8 +414,23 @@ TEST_F(FontAtlas, MeasuringWhatIsKnownWaitsForNobody) {
       width = std::async(std::launch::async, [&] { return font.GetOneLineWidth("AVA"); });
       EXPECT_EQ(width.wait_for(std::chrono::seconds(10)), std::future_status::ready);
     };
-    font.GetAtlas(graphics.get());
+    font.GetAtlas(&graphics);
   }
+}
+
+TEST_F(FontAtlas, SanitizedAnyThreadLoadsAndMeasures) {
+  VuFontAtlas font = Open("sans.ttf", 16);
+  font.SetOutlineType(Type::Outer);
+  const auto prepare = [&](int round) {
+    font.SetFallbackFont(nullptr);
+    font.SetOutlineThickness(float(round) / 64);
+    if (round % 2 == 0) font.GetOneLineWidth("A V T L Y K O P R");
+  };
+  const auto use = [&](bool backwards) {
+    font.GetOneLineWidth(backwards ? "TAVATAR" : "VLYKOPA");
+    font.GetAtlas(&graphics);
+  };
+  helpers::InRounds(300, prepare, use);
 }
 
 TEST_F(FontAtlas, TheAtlasGrowsUntilItIsFull) {
@@ -404,7 +440,7 @@ TEST_F(FontAtlas, TheAtlasGrowsUntilItIsFull) {
     graphics.type = type;
     graphics.heights.clear();
     const VuFontAtlas font(symbols.Path(), 0, symbols.kSize, false, false);
-    const auto atlas = font.GetAtlas(graphics.get());
+    const auto atlas = font.GetAtlas(&graphics);
     EXPECT_EQ(font.GetAtlas(nullptr), atlas);
     EXPECT_EQ(graphics.format, VuPixelFormat::A8);
     unsigned there = 0;
@@ -466,7 +502,7 @@ TEST_F(FontAtlas, AFullAtlasIsEmptiedOnceOrKept) {
 
 TEST_F(FontAtlas, TheAtlasGrowsBeforeTheContextIsAskedForItsType) {
   const VuFontAtlas font = Open("sans.ttf", 24);
-  font.GetAtlas(graphics.get());
+  font.GetAtlas(&graphics);
   font.GetGlyph('A', true);
   graphics.onCreate = [this] { graphics.type = 0; };
   unsigned code = 'A';
@@ -476,7 +512,7 @@ TEST_F(FontAtlas, TheAtlasGrowsBeforeTheContextIsAskedForItsType) {
 
 TEST_F(FontAtlas, WithoutMemoryForTheAtlas) {
   const VuFontAtlas font = Open("sans.ttf", 24);
-  const auto atlas = font.GetAtlas(graphics.get());
+  const auto atlas = font.GetAtlas(&graphics);
   EXPECT_EQ(LoggedAt(6, [&] { font.GetGlyph('A', true); }),
             "<ZIRK.info>: LoadGlyph: GetRegion(19x20) for glyph 34 returned 0x0\n"
             "<ZIRK.info>: AddGlyph: total chars 1 glyphs 1\n");
@@ -493,7 +529,7 @@ TEST_F(FontAtlas, WithoutMemoryForTheAtlas) {
 
   const VuFontAtlas none = Open("sans.ttf", 24);
   graphics.highest = 0;
-  EXPECT_EQ(none.GetAtlas(graphics.get())->GetHeight(), 0);
+  EXPECT_EQ(none.GetAtlas(&graphics)->GetHeight(), 0);
   EXPECT_THAT(LoggedAt(6, [&] { EXPECT_FALSE(none.GetGlyph('A', true)->inAtlas); }),
               testing::StartsWith("<ZIRK.info>: LoadGlyph: texture atlas allocation failure\n"));
 }

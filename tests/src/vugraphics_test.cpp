@@ -1,19 +1,23 @@
-// What most operations of a context call is in vubitmap_test.cpp.
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <zirk/backend.h>
 
+#include <array>
+#include <chrono>
 #include <cstdint>
 #include <cstdlib>
+#include <iostream>
 #include <memory>
 #include <sstream>
 #include <string>
 #include <thread>
 #include <tuple>
 
+#include "doubles/mocks.h"
 #include "helpers/logged.h"
 #include "helpers/plugins.h"
+#include "helpers/rows.h"
+#include "helpers/threads.h"
 
 namespace ZIRK {
 namespace {
@@ -21,18 +25,11 @@ namespace {
 using helpers::LoggedAt;
 
 TEST(Backends, KeepTheirNumbers) {
-  const std::tuple<const char*, int, BackendType> expected[] = {
-      {"OpenGLES2", 1, BackendType::OpenGLES2},
-      {"DirectFB", 2, BackendType::DirectFB},
-      {"Hybrid", 3, BackendType::Hybrid},
-      {"Stub", 4, BackendType::Stub},
-      {"FB", 5, BackendType::FB},
-  };
-  for (const auto& [name, code, type] : expected) {
-    EXPECT_STREQ(BackendName(type), name);
-    EXPECT_EQ(TypeCode(type), code);
+  int code = 0;
+  for (const char* const name : {"OpenGLES2", "DirectFB", "Hybrid", "Stub", "FB", ""}) {
+    EXPECT_STREQ(BackendName(BackendType{++code}), name);
+    EXPECT_EQ(TypeCode(BackendType{code}), code);
   }
-  EXPECT_STREQ(BackendName(BackendType{6}), "");
 }
 
 /// The test plug-in stands in for every backend.
@@ -56,28 +53,45 @@ class Creation : public testing::Test {
   }
 };
 
-TEST_F(Creation, OpensTheBackendAskedFor) {
-  const std::tuple<const char*, VuGraphics* (*)(), const char*, bool> cases[] = {
-      {nullptr, [] { return VuGraphics::Create(true); }, "Hybrid", true},
-      {"dEFAULT", [] { return VuGraphics::Create(true); }, "OpenGLES2", true},
-      {nullptr, [] { return VuGraphics::Create("FB", true); }, "FB", true},
-      // The flag is lost on the way to the default.
-      {nullptr, [] { return VuGraphics::Create(nullptr, true); }, "Hybrid", false},
-      {"Stub", [] { return VuGraphics::Create("DEFAULT", true); }, "Stub", false},
-      {nullptr, [] { return VuGraphics::CreateGL(true); }, "Hybrid", true},
-      {"hybrid", [] { return VuGraphics::CreateGL(true); }, "OpenGLES2", true},
-      {nullptr, [] { return VuGraphics::CreateStub(); }, "Stub", false},
-      {nullptr, [] { return VuGraphics::CreateDFB(); }, "DirectFB", false},
-  };
-  for (const auto& [defaultImpl, create, opened, flag] : cases) {
-    VuGraphics::SetDefaultImpl(defaultImpl);
-    ExpectOpened(create, opened, flag);
-  }
+struct Opening {
+  const char* name;
+  const char* defaultImpl = nullptr;
+  VuGraphics* (*create)();
+  const char* opens = "Hybrid";
+  bool flag = true;
+};
+class Opened : public Creation, public testing::WithParamInterface<Opening> {};
+
+TEST_P(Opened, Backend) {
+  VuGraphics::SetDefaultImpl(GetParam().defaultImpl);
+  ExpectOpened(GetParam().create, GetParam().opens, GetParam().flag);
+}
+
+using G = VuGraphics;
+VuGraphics* Default() {
+  return G::Create(true);
+}
+ROWS(Opened,  //
+     {.name = "default", .create = Default, .opens = "Hybrid"},
+     {.name = "any_case", .defaultImpl = "dEFAULT", .create = Default, .opens = "OpenGLES2"},
+     {.name = "name", .create = [] { return G::Create("FB", true); }, .opens = "FB"},
+     // The flag is lost on the way to the default.
+     {.name = "no_name", .create = [] { return G::Create(nullptr, true); }, .flag = false},
+     {.name = "named_default", .create = [] { return G::Create("DEFAULT", true); }, .flag = false},
+     {.name = "gl_of_hybrid", .create = [] { return G::CreateGL(true); }, .opens = "Hybrid"},
+     {.name = "gl_of_another",
+      .defaultImpl = "hybrid",
+      .create = [] { return G::CreateGL(true); },
+      .opens = "OpenGLES2"},
+     {.name = "stub", .create = [] { return G::CreateStub(); }, .opens = "Stub", .flag = false},
+     {.name = "directfb", .create = G::CreateDFB, .opens = "DirectFB", .flag = false});
+
+TEST_F(Creation, OfTheNextBackendWhereOneIsMissing) {
   helpers::Install("OpenGLES2", "Missing");
   VuGraphics::SetDefaultImpl("Default");
-  ExpectOpened([] { return VuGraphics::Create(true); }, "DirectFB", true);
+  ExpectOpened(Default, "DirectFB", true);
   setenv("ZIRK_STUB", "", 1);
-  ExpectOpened([] { return VuGraphics::Create(true); }, "Stub", false);
+  ExpectOpened(Default, "Stub", false);
 }
 
 TEST_F(Creation, FailuresAreLogged) {
@@ -185,39 +199,109 @@ TEST_F(Context, AllAreListedInOrder) {
   EXPECT_EQ(Listed(0), Part(*second, 0));
 }
 
+/// A stream that takes its time, so that the others come while contexts are listed.
+struct SlowBuffer : std::stringbuf {
+  int sync() override {
+    std::this_thread::sleep_for(std::chrono::microseconds(100));
+    return 0;
+  }
+};
+
 TEST_F(Context, SanitizedComeAndGoWhileTheyAreListed) {
-  LoggedAt(2, [] {
-    std::thread other([] {
-      for (int round = 0; round < 200; ++round) Listed(0);
-    });
-    for (int round = 0; round < 200; ++round) New();
-    other.join();
-  });
+  const auto comeAndGo = [] { const std::array contexts = {New(), New(), New()}; };
+  const auto list = [] {
+    SlowBuffer slow;
+    std::ostream os(&slow);
+    PrintBitmapList(0, os);
+  };
+  LoggedAt(2, [&] { helpers::Meanwhile(list, comeAndGo); });
 }
 
-TEST(ScaledDimensions, ByMode) {
-  const std::tuple<const char*, int, int, int, int, int, int, int> cases[] = {
-      {"stretch", 200, 100, 50, 60, 0, 50, 60},
-      {"fit a wide one", 200, 100, 100, 100, 1, 100, 50},
-      {"fit a tall one", 100, 200, 100, 100, 1, 50, 100},
-      {"fit truncates", 3, 2, 100, 100, 1, 100, 66},
-      {"fill a tall one", 100, 200, 100, 100, 2, 100, 200},
-      {"fill a wide one keeps its size", 200, 100, 100, 100, 2, 200, 100},
-      {"fill equal aspects keeps its size", 30, 30, 100, 100, 2, 30, 30},
-      {"natural and too wide", 200, 100, 100, 100, 3, 100, 100},
-      {"natural fits", 200, 100, 300, 300, 3, 200, 100},
-      {"no width", 64, 32, 0, 50, 1, 64, 32},
-      {"no height, any mode", 64, 32, 50, -1, 77, 64, 32},
-      {"neither box nor source", 0, 32, 0, 50, 1, 0, 50},
-      {"fit a source without height", 10, 0, 20, 30, 1, 20, 0},
-      {"unknown mode", 1, 1, 20, 30, -1, 20, 30},
+/// Calls that go to the implementation just as they are, and questions whose answers come back.
+#define EXPECT_FORWARDED(call) \
+  EXPECT_CALL(impl, call);     \
+  g.call
+#define EXPECT_ASKED(question)                              \
+  EXPECT_CALL(impl, question).WillOnce(testing::Return(7)); \
+  EXPECT_EQ(g.question, 7u)
+
+TEST(Forwarding, OfAContext) {
+  auto& impl = *new doubles::Graphics;
+  VuGraphics g(&impl);
+  const auto expectScreen = [&](int index, int buffers, VuPixelFormat format, bool option) {
+    EXPECT_CALL(impl, CreateScreen(testing::An<const VuScreenDescription&>()))
+        .WillOnce([=](const VuScreenDescription& d) {
+          EXPECT_EQ(std::tuple(d.width, d.height, d.index, d.buffers, d.format, d.option),
+                    std::tuple(-1, 9, index, buffers, format, option));
+          return nullptr;
+        });
   };
-  for (const auto& [name, srcWidth, srcHeight, boxWidth, boxHeight, mode, width, height] : cases) {
-    int w = boxWidth, h = boxHeight;
-    VuGraphics::GetScaledDimensions(srcWidth, srcHeight, w, h, VuDisplayMode{mode});
-    EXPECT_EQ(w, width) << name;
-    EXPECT_EQ(h, height) << name;
-  }
+  expectScreen(44, 2, VuPixelFormat{2}, true);
+  g.CreateScreen(-1, 9, true, 300, true, VuPixelFormat{2});
+  expectScreen(1, 1, VuPixelFormat::ARGB8888, true);
+  g.CreateScreen(-1, 9, false, 1, true);
+  expectScreen(44, 1, VuPixelFormat::ARGB8888, false);
+  g.CreateScreen(-1, 9, false, 300);
+  expectScreen(0, 2, VuPixelFormat::ARGB8888, false);
+  g.CreateScreen(-1, 9, true);
+
+  const char* const path = "path";
+  const void* const data = path;
+  const VuScaleMode scale{4};
+  EXPECT_FORWARDED(CreateBitmapFromFile(path));
+  EXPECT_CALL(impl, CreateBitmapFromFile(path, 1, 2, scale, VuDisplayMode::Stretch));
+  g.CreateBitmapFromFile(path, 1, 2, scale);
+  EXPECT_FORWARDED(CreateBitmapFromMemory(data, 5));
+  EXPECT_FORWARDED(CreateBitmapFromMemory(data, 5, 1, 2, scale));
+  EXPECT_FORWARDED(Flush());
+  EXPECT_FORWARDED(SetTerminateOnDestruct(true));
+  EXPECT_CALL(impl, PrintBitmapList(0, testing::_));
+  g.PrintBitmapList(std::cout);
+  EXPECT_EQ(g.GetMaxTextureSize(), 2048);
+
+  EXPECT_ASKED(AvailableMemory());
+  EXPECT_ASKED(TotalMemory());
+  EXPECT_ASKED(BitmapSize(1, 2, VuPixelFormat{3}));
+  EXPECT_ASKED(BitmapSize(path));
+  EXPECT_ASKED(BitmapSize(path, 1, 2));
+  EXPECT_ASKED(BitmapSize(data, 5));
+  EXPECT_ASKED(BitmapSize(data, 5, 1, 2));
+}
+
+struct Scaling {
+  const char* name;
+  VuPoint source, box;
+  int mode;
+  VuPoint size;
+};
+class ScaledDimensions : public helpers::Rows<Scaling> {};
+
+TEST_P(ScaledDimensions, ByMode) {
+  const auto& [name, source, box, mode, size] = GetParam();
+  VuPoint scaled = box;
+  VuGraphics::GetScaledDimensions(source.x, source.y, scaled.x, scaled.y, VuDisplayMode{mode});
+  EXPECT_EQ(scaled, size);
+}
+
+constexpr int kStretch = 0, kFit = 1, kFill = 2, kNatural = 3;
+ROWS(ScaledDimensions,
+     {.name = "stretch", .source{200, 100}, .box{50, 60}, .mode = kStretch, .size{50, 60}},
+     {.name = "fit_wide", .source{200, 100}, .box{100, 100}, .mode = kFit, .size{100, 50}},
+     {.name = "fit_tall", .source{100, 200}, .box{100, 100}, .mode = kFit, .size{50, 100}},
+     {.name = "fit_truncates", .source{3, 2}, .box{100, 100}, .mode = kFit, .size{100, 66}},
+     {.name = "fit_no_height", .source{10, 0}, .box{20, 30}, .mode = kFit, .size{20, 0}},
+     {.name = "fill_tall", .source{100, 200}, .box{100, 100}, .mode = kFill, .size{100, 200}},
+     // Wide sources keep their size.
+     {.name = "fill_wide", .source{200, 100}, .box{100, 100}, .mode = kFill, .size{200, 100}},
+     {.name = "fill_equal", .source{30, 30}, .box{100, 100}, .mode = kFill, .size{30, 30}},
+     {.name = "too_wide", .source{200, 100}, .box{100, 100}, .mode = kNatural, .size{100, 100}},
+     {.name = "natural", .source{200, 100}, .box{300, 300}, .mode = kNatural, .size{200, 100}},
+     {.name = "box_no_width", .source{64, 32}, .box{0, 50}, .mode = kFit, .size{64, 32}},
+     {.name = "box_no_height", .source{64, 32}, .box{50, -1}, .mode = 77, .size{64, 32}},
+     {.name = "no_extent", .source{0, 32}, .box{0, 50}, .mode = kFit, .size{0, 50}},
+     {.name = "unknown_mode", .source{1, 1}, .box{20, 30}, .mode = -1, .size{20, 30}});
+
+TEST(ScaledDimensionsLog, UnknownMode) {
   int w = 20, h = 30;
   const auto unknown = [&] { VuGraphics::GetScaledDimensions(1, 1, w, h, VuDisplayMode{-1}); };
   EXPECT_EQ(LoggedAt(4, unknown), "<ZIRK.warning>: GetScaledDimensions: unknown display mode -1\n");

@@ -1,69 +1,58 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <zirk/backend.h>
 
-#include "doubles/fakeobject.h"
+#include <string>
+#include <utility>
+
+#include "doubles/mocks.h"
 #include "helpers/logged.h"
 
 namespace ZIRK {
 namespace {
 
-using namespace doubles;
 using helpers::LoggedAt;
+using testing::Return;
 
 const std::string kFailed = ": bitmap allocation failed\n";
 using Size = std::pair<int, int>;
-const Size old{100, 50}, grown{2048, 2048};
 
-/// Atlases of 100 x 50. A call that no test expects crashes.
-struct TextureAtlas : testing::Test {
-  static VuBitmapImpl* Create(void*, int width, int height, VuPixelFormat format) {
-    return Entry<void>(nullptr, width, height, format), next;
-  }
-  VuTextureAtlasImpl Make(VuBitmapImpl* bitmap) {
-    next = bitmap;
-    graphics.Set(5, &Create);
-    return VuTextureAtlasImpl(graphics.get(), 100, 50, VuPixelFormat::A8);
-  }
-  static inline VuBitmapImpl* next;
-  FakeObject<VuBitmapImpl> first, second;
-  FakeObject<VuGraphicsImpl> graphics;
-};
-
-TEST_F(TextureAtlas, GrowsToANewBitmapOrNotAtAll) {
-  VuTextureAtlasImpl atlas = Make(first.get());
+TEST(TextureAtlas, GrowsToANewBitmapOrNotAtAll) {
+  auto *const first = new doubles::Bitmap, *const second = new doubles::Bitmap;
+  doubles::Graphics graphics;
+  EXPECT_CALL(graphics, CreateBitmap(100, 50, VuPixelFormat::A8)).WillOnce(Return(first));
+  EXPECT_CALL(graphics, CreateBitmap(100, 60, VuPixelFormat::A8));
+  EXPECT_CALL(graphics, CreateBitmap(2048, 2048, VuPixelFormat::A8)).WillOnce(Return(second));
+  VuTextureAtlasImpl atlas(&graphics, 100, 50, VuPixelFormat::A8);
   EXPECT_EQ(atlas.GetRegion(100, 50), (BinRect{0, 0, 100, 50}));
-  next = nullptr;
   for (const auto& [width, height] : {Size{2049, 10}, {10, 2049}, {100, 60}}) {
-    const auto tooMuch = [&, w = width, h = height] { EXPECT_EQ(atlas.Resize(w, h), old); };
-    EXPECT_EQ(LoggedAt(4, tooMuch), width == 100 ? "<ZIRK.warning>: Resize" + kFailed : "");
+    const auto grow = [&, w = width, h = height] { EXPECT_EQ(atlas.Resize(w, h), Size(100, 50)); };
+    EXPECT_EQ(LoggedAt(4, grow), width == 100 ? "<ZIRK.warning>: Resize" + kFailed : "");
   }
   EXPECT_EQ(atlas.GetRegion(1, 1), (BinRect{}));
-  const auto note = +[](void*, const char* name) { received += name; };
-  for (auto* surface : {&first, &second}) surface->Set(4, note);
+
+  EXPECT_CALL(*first, SetName(testing::StrEq("font")));
   atlas.SetName("font");
-  first.entries[3] = nullptr;
-  first.Set(9, &Entry<VuRect>);
-  second.Set(38, &Entry<bool, VuPoint, void*, VuRect>);
-  received.clear();
-  next = second.get();
-  EXPECT_EQ(atlas.Resize(2048, 2048), grown);
-  EXPECT_EQ(received, "called " + Bytes(2048) + Bytes(2048) + Bytes(VuPixelFormat::A8) + "font" +
-                          "called " + "called " + Bytes(VuPoint{}) + Bytes(first.get()) +
-                          Bytes(Answer<VuRect>()));
-  EXPECT_EQ(first.deleted, 1);
+  EXPECT_CALL(*first, GetBounds).WillOnce(Return(VuRect{1, 2, 3, 4}));
+  EXPECT_CALL(*second, SetName(testing::StrEq("font")));
+  EXPECT_CALL(*second, CopyPixels(VuPoint{}, first, VuRect{1, 2, 3, 4}));
+  EXPECT_EQ(atlas.Resize(2048, 2048), Size(2048, 2048));
   EXPECT_EQ(atlas.GetRegion(100, 1998), (BinRect{0, 50, 100, 1998}));
+  EXPECT_CALL(*second, SetPixels(VuRect{1, 2, 3, 4}, first, 5));
   const auto use = [&] {
-    atlas.SetRegion(1, 2, 3, 4, nullptr, 5), atlas.Reset(), atlas.GetRegion(1, 2);
+    atlas.SetRegion(1, 2, 3, 4, nullptr, 5), atlas.SetRegion(1, 2, 3, 4, first, 5);
+    atlas.Reset(), atlas.GetRegion(1, 2);
   };
+  const std::string line = "<ZIRK.debug>: SetRegion: font 1,2 3x4\n";
   EXPECT_EQ(LoggedAt(7, use),
-            "<ZIRK.debug>: SetRegion: font 1,2 3x4\n"
-            "<ZIRK.debug>: GetRegion: font 1x2\n<ZIRK.debug>: Insert: 0,0 1x2\n");
+            line + line + "<ZIRK.debug>: GetRegion: font 1x2\n<ZIRK.debug>: Insert: 0,0 1x2\n");
 }
 
-TEST_F(TextureAtlas, HasNoRegionsWithoutABitmap) {
+TEST(TextureAtlas, HasNoRegionsWithoutABitmap) {
+  doubles::Graphics graphics;
+  EXPECT_CALL(graphics, CreateBitmap);
   const auto use = [&] {
-    VuTextureAtlasImpl atlas = Make(nullptr);
-    next = first.get();
+    VuTextureAtlasImpl atlas(&graphics, 100, 50, VuPixelFormat::A8);
     atlas.SetName(nullptr);
     atlas.SetRegion(1, 2, 3, 4, this, 5);
     EXPECT_EQ(atlas.Resize(10, 10).first + atlas.GetHeight() + atlas.GetRegion(-1, -1).height, 0);
