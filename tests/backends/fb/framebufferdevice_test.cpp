@@ -44,6 +44,7 @@ struct FakeFramebuffer : public FramebufferIo {
     mode.blue = layout.blue;
     mode.transp = layout.alpha;
     fixed.ypanstep = 1;
+    fixed.smem_start = 0xFD000010;
     GiveModeMemory();
   }
   ~FakeFramebuffer() override { EXPECT_EQ(open, 0); }
@@ -52,7 +53,7 @@ struct FakeFramebuffer : public FramebufferIo {
     fixed.visual = mode.bits_per_pixel == 8 ? FB_VISUAL_PSEUDOCOLOR : FB_VISUAL_TRUECOLOR;
     fixed.line_length = mode.xres_virtual * mode.bits_per_pixel / 8;
     fixed.smem_len = std::max(fixed.smem_len, fixed.line_length * mode.yres_virtual);
-    memory.resize(fixed.smem_len, 0xEE);
+    memory.resize(kStart + fixed.smem_len, 0xEE);
   }
 
   /// The pixel at (x, y) of what the display shows, as a number.
@@ -61,13 +62,16 @@ struct FakeFramebuffer : public FramebufferIo {
     const size_t column = mode.xoffset + static_cast<size_t>(x);
     const size_t row = mode.yoffset + static_cast<size_t>(y);
     uint32_t word = 0;
-    std::memcpy(&word, &memory[row * fixed.line_length + column * bytes], bytes);
+    std::memcpy(&word, &memory[kStart + row * fixed.line_length + column * bytes], bytes);
     return word;
   }
 
   int Open(const char*) override { return ++open; }
   void Close(int) override { --open; }
-  void* Map(int, size_t) override { return ++open, memory.data(); }
+  void* Map(int, size_t length) override {
+    EXPECT_EQ(length, memory.size());
+    return ++open, memory.data();
+  }
   void Unmap(void*, size_t) override { --open; }
 
   bool Control(int, unsigned long request, void* argument) override {
@@ -83,8 +87,8 @@ struct FakeFramebuffer : public FramebufferIo {
         mode = *asked;
         return GiveModeMemory(), true;
       case FBIOPAN_DISPLAY:
-        if (pansLeft-- == 0) return false;
-        return mode.yoffset = asked->yoffset, true;
+        if (pansLeft == 0) return false;
+        return --pansLeft, mode.yoffset = asked->yoffset, true;
       default:
         return ++vsyncWaits, waitForVsync();
     }
@@ -92,6 +96,7 @@ struct FakeFramebuffer : public FramebufferIo {
 
   fb_var_screeninfo mode{};
   fb_fix_screeninfo fixed{};
+  static constexpr size_t kStart = 16;  ///< Where it begins in its first page.
   std::vector<uint8_t> memory;
   int pansLeft = 1000;
   /// Whether a new mode is taken, perhaps after a change.
@@ -137,7 +142,7 @@ struct Picture {
   void ExpectOn(const FakeFramebuffer& io) {
     for (int y = 0; y < static_cast<int>(io.mode.yres); ++y)
       for (int x = 0; x < static_cast<int>(io.mode.xres); ++x)
-        ASSERT_EQ(io.Shown(x, y), Pixel(x, y)) << "at " << x << ", " << y;
+        ASSERT_EQ((io.Shown(x, y) ^ Pixel(x, y)) & 0xFFFFFF, 0u) << "at " << x << ", " << y;
   }
 
   VuPixelFormat format;
@@ -154,7 +159,20 @@ constexpr Layout kLayouts[] = {
     {"ARGB4444", 16, {8, 4, 0}, {4, 4, 0}, {0, 4, 0}, {12, 4, 0}},
     {"ARGB1555", 16, {10, 5, 0}, {5, 5, 0}, {0, 5, 0}, {15, 1, 0}},
     {"A8", 8, {0, 8, 0}, {0, 8, 0}, {0, 8, 0}, {0, 8, 0}},
+    {"XBGR8888", 32, {0, 8, 0}, {8, 8, 0}, {16, 8, 0}, {}},
     {"ABGR8888", 32, {0, 8, 0}, {8, 8, 0}, {16, 8, 0}, {24, 8, 0}},
+    {"RGBX8888", 32, {24, 8, 0}, {16, 8, 0}, {8, 8, 0}, {}},
+    {"RGBA8888", 32, {24, 8, 0}, {16, 8, 0}, {8, 8, 0}, {0, 8, 0}},
+    {"BGRX8888", 32, {8, 8, 0}, {16, 8, 0}, {24, 8, 0}, {}},
+    {"BGRA8888", 32, {8, 8, 0}, {16, 8, 0}, {24, 8, 0}, {0, 8, 0}},
+    {"RGB888", 24, {16, 8, 0}, {8, 8, 0}, {0, 8, 0}, {}},
+    {"BGR565", 16, {0, 5, 0}, {5, 6, 0}, {11, 5, 0}, {}},
+    {"XRGB1555", 16, {10, 5, 0}, {5, 5, 0}, {0, 5, 0}, {}},
+    {"XBGR1555", 16, {0, 5, 0}, {5, 5, 0}, {10, 5, 0}, {}},
+    {"ABGR1555", 16, {0, 5, 0}, {5, 5, 0}, {10, 5, 0}, {15, 1, 0}},
+    {"XRGB4444", 16, {8, 4, 0}, {4, 4, 0}, {0, 4, 0}, {}},
+    {"XBGR4444", 16, {0, 4, 0}, {4, 4, 0}, {8, 4, 0}, {}},
+    {"ABGR4444", 16, {0, 4, 0}, {4, 4, 0}, {8, 4, 0}, {12, 4, 0}},
     {"XRGB2101010", 32, {20, 10, 0}, {10, 10, 0}, {0, 10, 0}, {}},
     {"BGR888", 24, {0, 8, 0}, {8, 8, 0}, {16, 8, 0}, {}},
     {"RGBA5551", 16, {11, 5, 0}, {6, 5, 0}, {1, 5, 0}, {0, 1, 0}},
@@ -229,6 +247,7 @@ TEST(FramebufferDevice, SaysWhyThereIsNone) {
   EXPECT_EQ(error, "/dev/null: is no framebuffer device: Inappropriate ioctl for device");
   unsetenv("ZIRK_FB_DEVICE");
   EXPECT_EQ(FramebufferDevice::PathOf(2), "/dev/fb2");
+  EXPECT_FALSE(FramebufferDevice::SizeOf("", Fake(4, 0)));
 }
 
 struct Spoiler {
@@ -321,15 +340,24 @@ TEST_P(FramebufferPages, AreFlippedWhereTheVirtualScreenHasThem) {
   const auto io = Fake(8, 6, GetParam().rows);
   io->fixed.ypanstep = GetParam().step;
   const auto device = OpenOn(io, {0, 0, GetParam().asked});
-  Picture().ShowOn(*device);
+  Picture().ShowOn(*device, {0, 0, 1, 1});
   EXPECT_EQ(io->mode.yoffset, GetParam().shown);
+  EXPECT_EQ(io->Shown(7, 5), 0u);
+}
+
+TEST(FramebufferDevice, KeepsTheVirtualScreenInANewMode) {
+  const auto io = Fake(8, 6, 12);
+  io->takesMode = [](auto&) { return true; };
+  const auto device = OpenOn(io, {8, 5, true});
+  Picture().ShowOn(*device);
+  EXPECT_EQ(io->mode.yoffset, 5u);
 }
 
 TEST(FramebufferDevice, BringsThePageItShowsUpToDateAndRestoresTheOffset) {
   const VuRect damages[] = {{0, 0, 2, 2}, {6, 4, 2, 2}, {1, 1, 3, 1}, {1, 1, 3, 1},
                             {3, 3, 0, 0}, {0, 5, 8, 1}, {7, 0, 1, 6}};
   for (const int pans : {1000, 5, 2}) {  // Then panning fails, and one page has to do.
-    const auto io = Fake(8, 6, 13);
+    const auto io = Fake(8, 6, 13, kLayouts[0]);
     io->mode.yoffset = 3;
     io->pansLeft = pans;
     auto device = OpenOn(io, {0, 0, true});
@@ -345,6 +373,7 @@ TEST(FramebufferDevice, BringsThePageItShowsUpToDateAndRestoresTheOffset) {
     EXPECT_EQ(log, pans == 1000 ? ""
                                 : "<ZIRK.warning>: /dev/fake: does not show its second page: "
                                   "drawing to one: Invalid argument\n");
+    io->pansLeft = 1;
     device.reset();
     EXPECT_EQ(io->mode.yoffset, 3u);
   }
