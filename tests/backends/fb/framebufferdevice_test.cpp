@@ -6,6 +6,7 @@
 #include <atomic>
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <functional>
@@ -386,9 +387,17 @@ TEST(FramebufferDevice, WaitsForVsyncUntilTheFirstError) {
   Picture().ShowOn(*device);
   Picture().ShowOn(*device, {0, 0, 0, 0});
   EXPECT_EQ(io->vsyncWaits, 3) << "one to try it, one for each frame";
+  io->waitForVsync = [] {
+    sigset_t blocked;
+    pthread_sigmask(SIG_SETMASK, nullptr, &blocked);
+    EXPECT_TRUE(sigismember(&blocked, SIGALRM));
+    errno = EINTR;
+    return false;
+  };
+  Picture().ShowOn(*device);
   io->waitForVsync = [] { return false; };
   for (int i = 0; i < 3; ++i) Picture().ShowOn(*device);
-  EXPECT_EQ(io->vsyncWaits, 4);
+  EXPECT_EQ(io->vsyncWaits, 5);
 }
 
 TEST(FramebufferDevice, DoesNotHangOnADriverThatNeverReturns) {
