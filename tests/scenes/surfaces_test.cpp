@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "helpers/pixels.h"
@@ -92,6 +94,52 @@ TEST_P(Surfaces, PicturesAreTheFirstBackends) {
       };
       EXPECT_EQ(picture(*graphics_), picture(*first)) << file;
     }
+}
+
+TEST_P(Surfaces, WhateverDrawsIsInTheNextPictureAndTheNextFrame) {
+  const VuRect all{0, 0, 40, 30};
+  const auto screen = std::unique_ptr<VuBitmap>(graphics_->CreateScreen(40, 30, true));
+  const auto bitmap = New(40, 30), source = New(40, 30), narrow = New(40, 30, Format::RGB565);
+  for (VuBitmap* const red : {source.get(), narrow.get()}) red->Clear(VuColor{0xFFFF0000});
+  const TestFont font("sans.ttf", 16);
+  const VuTMatrix2D<float> turned(VuTransform(5, 20, 1, 1, 30));
+  const VuRect place{7, 5, 9, 8}, part{0, 0, 9, 8}, less{0, 0, 3, 3}, one{7, 5, 1, 1};
+  const VuPoint at{7, 5}, across{30, 5}, away{30, 15};
+  const std::function<void(VuBitmap&)> operations[] = {
+      [&](auto& b) { b.DrawRect(place, white); },
+      [&](auto& b) { b.DrawRect(place, white, turned); },
+      [&](auto& b) { b.DrawRect(place, white, VuTransform(), *source, nullptr); },
+      [&](auto& b) { b.DrawPoint(at, 3, white); },
+      [&](auto& b) { b.DrawLine(at, across, white); },
+      [&](auto& b) { b.DrawLine(at, away, white); },
+      [&](auto& b) { b.DrawObject(place, *source, part); },
+      [&](auto& b) { b.DrawObject(place, *source, less); },
+      [&](auto& b) { b.DrawText(font, "g", at, white); },
+      [&](auto& b) { b.DrawText(font, "g", at, white, turned); },
+      [&](auto& b) { b.CopyPixels(at, *source, part); },
+      [&](auto& b) { b.CopyPixels(at, *narrow, part); },
+      [&](auto& b) { b.SetPixels(one, &white, 4); },
+      [&](auto& b) { b.Lock(), std::memset(b.GetInfo().pixels, 0xFF, 9), b.Unlock(); },
+      [&](auto& b) { b.Clear(white); },
+  };
+  for (const auto& draw : operations) {
+    SCOPED_TRACE(&draw - operations);
+    screen->Clear();
+    bitmap->Clear();
+    screen->DrawObject(all, *bitmap);
+    draw(*bitmap);
+    screen->DrawObject(all, *bitmap);
+    EXPECT_EQ(PixelsOf(*screen), PixelsOf(*bitmap));
+    EXPECT_NE(PixelsOf(*screen), Pixels(40 * 30));
+    // OpenGL does not keep what it has shown.
+    if (graphics_->GetGraphicsType() != TypeCode(BackendType::DirectFB)) continue;
+    screen->Clear();
+    screen->SwapBuffers();
+    draw(*screen);
+    const Pixels drawn = PixelsOf(*screen);
+    screen->SwapBuffers();
+    EXPECT_EQ(PixelsOf(*screen), drawn);
+  }
 }
 
 TEST_P(Surfaces, LargeCopiesComeAfterWhatIsDrawnBefore) {

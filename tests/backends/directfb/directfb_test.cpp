@@ -85,10 +85,10 @@ TEST_F(DirectFb, AllThatAFrameDrawsIsInTheNextOne) {
   screen->SetClippingRect({0, 0, 64, 48});
   screen->DrawLine({2, 20}, {40, 40}, VuColor{kGreen});
   screen->SwapBuffers();
-  EXPECT_EQ(PixelOf(*screen, 5, 5), kRed);
-  EXPECT_EQ(PixelOf(*screen, 20, 5), 0u);
-  EXPECT_EQ(PixelOf(*screen, 40, 5), kGreen);
-  EXPECT_EQ(PixelOf(*screen, 40, 18), 0u);
+  EXPECT_EQ(PixelOf(*screen, 15, 5), kRed);
+  EXPECT_EQ(PixelOf(*screen, 16, 5), 0u);
+  EXPECT_EQ(PixelOf(*screen, 47, 5), kGreen);
+  EXPECT_EQ(PixelOf(*screen, 47, 16), 0u);
   for (const int x : {2, 40}) EXPECT_EQ(PixelOf(*screen, x, x == 2 ? 20 : 40), kGreen) << x;
 }
 
