@@ -81,9 +81,19 @@ TEST_F(Loader, ClosesItsPluginsWhenItGoes) {
     GraphicsImplLoader shortLived;
     shortLived.SetupGfxImpl("X", dso, {0, 0}, false);
     // This one opens, and declines to make a context.
-    EXPECT_EQ(LoggedAt(3, [&] { shortLived.CreateImplInstance("X", false); }), "");
+    for (int i = 0; i < 2; ++i)
+      EXPECT_EQ(LoggedAt(3, [&] { shortLived.CreateImplInstance("X", false); }), "");
   }
   EXPECT_EQ(dlopen(dso.c_str(), RTLD_LAZY | RTLD_NOLOAD), nullptr);
+  // One that does not suit is closed once, and so stays open for others.
+  void* const own = dlopen(dso.c_str(), RTLD_LAZY);
+  {
+    GraphicsImplLoader shortLived;
+    shortLived.SetupGfxImpl("X", dso, "Missing", "Missing", {0, 0}, false);
+    EXPECT_EQ(shortLived.loadImpl("X"), -2);
+  }
+  EXPECT_EQ(dlopen(dso.c_str(), RTLD_LAZY | RTLD_NOLOAD), own);
+  for (int i = 0; i < 2; ++i) dlclose(own);
 }
 
 /// Files in /tmp, which the two probed folders reach through "../../tmp".

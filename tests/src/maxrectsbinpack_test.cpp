@@ -90,6 +90,8 @@ TEST(MaxRectsBinPack, GrowsAndLogs) {
             "<ZIRK.debug>: Resize: resizing from -5x100 to 2147483647x9\n");
   EXPECT_EQ(LoggedAt(7, [&] { packer.Insert(8, 50); }), "<ZIRK.debug>: Insert: -5,0 8x50\n");
   EXPECT_EQ(packer.GetUsedSize(), std::pair(3, 50));
+  packer.usedRects = {{4, 0, 3, 2}, {0, 0, 4, 50}, {0, 0, 1, 1}};
+  EXPECT_EQ(packer.GetUsedSize(), std::pair(7, 50));
 }
 
 }  // namespace

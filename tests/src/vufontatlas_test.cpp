@@ -138,6 +138,9 @@ TEST_F(FontAtlas, FilesAreOpenedByFtNewFace) {
   helpers::calls.faces.clear();
   const VuFontAtlas font = Open("sans.ttf", 9);
   EXPECT_THAT(helpers::calls.faces, testing::ElementsAre(FontFile("sans.ttf")));
+  const std::vector<unsigned char> pair = helpers::FontBytes("collection.ttc");
+  const VuFontAtlas second(pair.data(), unsigned(pair.size()), 1, 9, false, false);
+  EXPECT_STREQ(second.GetFontFace()->family_name, "ZIRK Test Two");
 }
 
 TEST_F(FontAtlas, TruncatedFonts) {
@@ -388,6 +391,18 @@ TEST_F(FontAtlas, WidthsWithKerning) {
     while (font.NextGlyph(cursor, false)) continue;
     ASSERT_EQ(cursor.width, expected) << testing::PrintToString(text);
   }
+  VuFontAtlas wide = Open("sans.ttf", 4000);
+  for (const Type type : {Type::None, Type::Outer}) {
+    wide.SetOutlineType(type);
+    EXPECT_EQ(wide.GetOneLineWidth("M"), Add(wide, 'M')->advance) << "wider than what is kept";
+  }
+  // A fallback font may have the address of the one before.
+  VuFontAtlas other = Open("cjk.ttf", 30);
+  for (const int size : {16, 60}) {
+    const VuFontAtlas latin = Open("sans.ttf", size);
+    other.SetFallbackFont(&latin);
+    EXPECT_EQ(other.GetOneLineWidth("AV"), latin.GetOneLineWidth("AV"));
+  }
 }
 
 TEST_F(FontAtlas, AGlyphThatLoadsLaterGetsItsAdvance) {
@@ -458,6 +473,7 @@ TEST_F(FontAtlas, TheAtlasGrowsUntilItIsFull) {
     // 40 go into a row of 50 pixels. Those that begin anew with each row never fill the atlas.
     for (size_t i = 0; i < 10; ++i) EXPECT_EQ(graphics.heights[i], 2 + 50 * int(i));
     EXPECT_EQ(atlas->GetHeight(), type == kFb ? 2048 : 452);
+    EXPECT_EQ(std::count(graphics.heights.begin(), graphics.heights.end(), 2048), type == kFb);
     EXPECT_GE(there, type == kFb ? 1560u : 40u);
     EXPECT_EQ(full.find("LoadGlyph: GetRegion(50x50) returned 0x0.  No room to fit glyph 1700 "
                         "after resize\n") != std::string::npos,

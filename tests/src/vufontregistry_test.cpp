@@ -94,6 +94,8 @@ TEST(FontRegistry, WithoutAFactory) {
     });
     EXPECT_EQ(registry->GetFont(kSans, 9, true, true), nullptr);
     EXPECT_EQ(asked, kRegular + " 9 bold it");
+    EXPECT_EQ(registry->GetFont(kSans, 9, false, true), nullptr);
+    EXPECT_EQ(asked, kRegular + " 9 it");
     VuFont::SetFontOverride(nullptr);
     font.reset(registry->GetFont(kSans, 48, false, false));
   }

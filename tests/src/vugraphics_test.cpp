@@ -95,12 +95,13 @@ TEST_F(Creation, OfTheNextBackendWhereOneIsMissing) {
 }
 
 TEST_F(Creation, FailuresAreLogged) {
-  const char* const unknown = "Vulkan";
-  const auto number = static_cast<int32_t>(reinterpret_cast<intptr_t>(unknown));
-  EXPECT_EQ(LoggedAt(7, [&] { EXPECT_EQ(VuGraphics::Create(unknown, true), nullptr); }),
-            "<ZIRK.warning>: Creating VuGraphics instance\n"
-            "<ZIRK.error>: ZIRK implementation type " +
-                std::to_string(number) + " is not supported on this platform\n");
+  for (const char* const unknown : {"Vulkan", "GLCompositor"}) {
+    const auto number = static_cast<int32_t>(reinterpret_cast<intptr_t>(unknown));
+    EXPECT_EQ(LoggedAt(7, [&] { EXPECT_EQ(VuGraphics::Create(unknown, true), nullptr); }),
+              "<ZIRK.warning>: Creating VuGraphics instance\n"
+              "<ZIRK.error>: ZIRK implementation type " +
+                  std::to_string(number) + " is not supported on this platform\n");
+  }
   // Known in any spelling, but the loader insists on its own.
   EXPECT_EQ(LoggedAt(3, [] { EXPECT_EQ(VuGraphics::Create("fb", true), nullptr); }),
             "<ZIRK.error>: failed to load implementation fb [-1]\n");
@@ -289,6 +290,11 @@ ROWS(ScaledDimensions,
      {.name = "fit_wide", .source{200, 100}, .box{100, 100}, .mode = kFit, .size{100, 50}},
      {.name = "fit_tall", .source{100, 200}, .box{100, 100}, .mode = kFit, .size{50, 100}},
      {.name = "fit_truncates", .source{3, 2}, .box{100, 100}, .mode = kFit, .size{100, 66}},
+     {.name = "fit_float",
+      .source{1, 1},
+      .box{16777219, 16777219},
+      .mode = kFit,
+      .size{16777219, 16777219}},
      {.name = "fit_no_height", .source{10, 0}, .box{20, 30}, .mode = kFit, .size{20, 0}},
      {.name = "fill_tall", .source{100, 200}, .box{100, 100}, .mode = kFill, .size{100, 200}},
      // Wide sources keep their size.
