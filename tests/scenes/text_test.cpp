@@ -55,6 +55,8 @@ const Line kLines[] = {
     {.name = "made bold", .text = "Bold日", .size = 30, .mode = Mode::Bold},
     {.name = "moved by part of a pixel", .text = "Halves", .transform = {0.5f, 6.49f, 1, 1, 0}},
     {.name = "enlarged", .text = "Wag", .size = 12, .transform = {2, -4, 1.7f, 2.3f, 0}},
+    {.name = "stretched in height", .text = "High", .transform = {2, 1, 1, 1.5f, 0}},
+    {.name = "stretched in width", .text = "Wide", .transform = {2, 1, 1.5f, 1, 0}},
     {.name = "shrunk and mirrored", .text = "Wag", .transform = {90, 0, -0.7f, 0.8f, 0}},
     {.name = "quarter turn", .text = "Quart", .transform = {4, 46, 1, 1, 90}},
     {.name = "slanted", .text = "Slant", .transform = {4, 24, 1, 1, 23}},
