@@ -55,16 +55,20 @@ class Compositor : public InjectedGl {
 };
 
 TEST_F(Compositor, StacksWhatIsEnabled) {
-  const ScreenPtr video = NewScreen(0, 40, 30, kRed), ui = NewScreen(1, 40, 30, kGreen),
-                  cursor = NewScreen(2, 4, 4, kBlue);
-  Configure(
-      {Layer(2, {12, 12, 4, 4}, 9), Layer(1, {10, 10, 20, 10}, 5, 128), Layer(0, {0, 0, 30, 30})});
+  // A newer compositor takes over from the one before.
+  compositor_ = std::make_unique<GlCompositor>();
+  const ScreenPtr video = NewScreen(0, 40, 30, kRed), ui = NewScreen(2, 60, 50, kGreen),
+                  cursor = NewScreen(1, 4, 4, kBlue);
+  LayerDescription lowest = Layer(0, {0, 0, 30, 30});
+  lowest.blended = false;
+  Configure({Layer(1, {12, 12, 4, 4}, 9), Layer(2, {10, 10, 20, 10}, 5, 128), lowest});
   for (const auto& screen : {&video, &ui, &cursor}) (*screen)->SwapBuffers();
+  EXPECT_EQ(layers_->Composed()->State().width, 40);
   EXPECT_EQ(Shown(2, 2), kRed);
   EXPECT_EQ(Shown(35, 2), kBlack);
   EXPECT_EQ(Shown(25, 15), 0xFF7F8000u);
   EXPECT_EQ(Shown(13, 13), kBlue);
-  compositor_->EnableLayer(2, false);
+  compositor_->EnableLayer(1, false);
   EXPECT_EQ(Shown(13, 13), kBlue);
   cursor->SwapBuffers();
   EXPECT_EQ(Shown(13, 13), 0xFF7F8000u);
@@ -85,7 +89,7 @@ TEST_F(Compositor, ComposesOnceForAllLayersThatAreDone) {
   EXPECT_EQ(layers_->Frames(), 3u);
   // One that is not done holds up the others for one frame only, and without being shown not at
   // all.
-  video->Clear(VuColor{kGreen});
+  video->SetPixels({0, 0, 1, 1}, &kGreen, 4);
   for (unsigned frames : {3u, 4u, 5u}) {
     ui->SwapBuffers();
     EXPECT_EQ(layers_->Frames(), frames);
@@ -98,7 +102,11 @@ TEST_F(Compositor, ComposesOnceForAllLayersThatAreDone) {
 
 TEST_F(Compositor, ScreensChangeSidesWithIt) {
   compositor_.reset();
-  const ScreenPtr screen = NewScreen(0, 8, 8, kRed);
+  const ScreenPtr screen = NewScreen(0, 8, 8, kGreen);
+  const auto fill = [&](uint32_t color) {
+    screen->DrawRect({0, 0, 8, 8}, VuColor{color}, MatrixF(), nullptr, nullptr);
+  };
+  fill(kRed);
   screen->SwapBuffers();
   EXPECT_EQ(layers_->Composed(), nullptr);
   compositor_ = std::make_unique<GlCompositor>();
@@ -106,17 +114,19 @@ TEST_F(Compositor, ScreensChangeSidesWithIt) {
   screen->SwapBuffers();
   EXPECT_EQ(Shown(1, 1), kRed);
   EXPECT_EQ(Shown(6, 1), kBlack);
-  screen->Clear(VuColor{kGreen});
+  fill(kGreen);
   compositor_.reset();
   screen->SwapBuffers();
   EXPECT_EQ(layers_->Composed(), nullptr);
   EXPECT_EQ(PixelOf(*screen, 6, 1), kGreen);
+  fill(kBlue);
+  EXPECT_EQ(PixelOf(*screen, 6, 1), kBlue);
 }
 
 TEST_F(Compositor, HasOneWindowWhicheverScreenSwapsFirst) {
   compositor_.reset();
-  const ScreenPtr first = NewScreen(0, 8, 8, kRed),
-                  other = NewScreen(1, 8, 8, kGreen, VuPixelFormat::XRGB8888);
+  ScreenPtr first = NewScreen(0, 8, 8, kRed);
+  const ScreenPtr other = NewScreen(1, 8, 8, kGreen, VuPixelFormat::XRGB8888);
   const std::vector<SDL_Window*> before = Windows();
   ASSERT_EQ(before.size(), 2u);
   compositor_ = std::make_unique<GlCompositor>();
@@ -131,6 +141,14 @@ TEST_F(Compositor, HasOneWindowWhicheverScreenSwapsFirst) {
   EXPECT_EQ(PixelOf(*other, 6, 1), kGreen);
   EXPECT_EQ(PixelOf(*first, 1, 1), kRed);
   EXPECT_EQ(Windows().size(), 2u);
+  // Without the first screen the display is a window of its own, which ends with the compositor.
+  first.reset();
+  compositor_ = std::make_unique<GlCompositor>();
+  for (const bool composing : {true, false}) {
+    if (!composing) compositor_.reset();
+    other->SwapBuffers();
+    EXPECT_EQ(Windows().size(), 1u) << composing;
+  }
 }
 
 TEST_F(Compositor, RefusesAConfigurationAsAWhole) {
