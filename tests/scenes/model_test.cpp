@@ -81,6 +81,9 @@ TEST_P(Model, PowersOfTwoOverTheEdges) {
     check.DrawObject({1, 1, 30, 17}, *src, {0, 0, 13, 11});
     check.DrawObject({3, 2, 26, 22}, *src, {0, 0, 13, 11});
     check.DrawObject({-5, 9, 26, 44}, *src, {0, 0, 13, 11});
+    // Nearly as large.
+    check.DrawObject({4, 3, 12, 11}, *src, {0, 0, 13, 11});
+    check.DrawObject({5, 4, 13, 10}, *src, {0, 0, 13, 11});
   }
 }
 
@@ -107,6 +110,10 @@ TEST_P(Model, WhatHasNoExtentOrNoPlaceDrawsNothing) {
     target.DrawObject({2, 2, 5, 5}, *src, r);
   }
   for (const float size : {0.0f, -3.0f, nan, infinity}) target.DrawPoint({5, 5}, size, white);
+  VuTVector2D<float> nowhere[4] = {{nan, 0}, {5, infinity}, {0, 0}, {5, 5}};
+  target.DrawPoint({5, 5}, 4, white, VuTransform(), *src, nowhere[0]);
+  target.DrawLine({1, 1}, {9, 5}, white, VuTransform(), *src, nowhere);
+  target.DrawRect({2, 2, 8, 8}, white, VuTransform(), *src, nowhere);
   target.DrawObject(VuTRect2D<float>(nan, 0, 5, 5), *src, VuTRect2D<float>(0, 0, 5, 5),
                     VuTMatrix2D<float>(), white);
   target.DrawObject(VuTRect2D<float>(0, 0, 5, 5), *src, VuTRect2D<float>(0, nan, 5, 5),

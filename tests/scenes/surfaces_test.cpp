@@ -10,6 +10,7 @@
 
 #include "helpers/pixels.h"
 #include "scenes/backends.h"
+#include "scenes/modelcheck.h"
 
 namespace ZIRK::scenes {
 namespace {
@@ -48,6 +49,10 @@ TEST_P(Surfaces, PixelsGoInAndOut) {
               type == TypeCode(BackendType::OpenGLES2) || type == TypeCode(BackendType::DirectFB));
     EXPECT_EQ(at(299, 39), first);
     target->SetClippingRect({5, 5, 1, 1});
+    // What is opaque keeps its alpha when it is drawn on; the next surface is cleared all the same.
+    const auto opaque = New(4, 4, Format::XRGB8888);
+    opaque->DrawRect({0, 0, 4, 4}, VuColor{0x40FFFFFF});
+    EXPECT_EQ(PixelsOf(*opaque), Pixels(16, 0xFF404040u));
     target->Clear(VuColor{0x6FB56C47});  // Bits are dropped, not rounded.
     EXPECT_EQ(std::pair(at(0, 0), at(299, 39)), std::pair(cleared, cleared));
 
@@ -72,6 +77,10 @@ TEST_P(Surfaces, PixelsGoInAndOut) {
     EXPECT_TRUE(target->Unlock());
     EXPECT_EQ(target->GetInfo().pixels, nullptr);
     EXPECT_EQ(at(1, 1), 0x21212121u >> (32 - 8 * bytes) | first);
+    ASSERT_TRUE(target->Lock(false));
+    target->Clear(VuColor{0x80804020});
+    EXPECT_TRUE(target->Unlock());
+    EXPECT_EQ(at(1, 1), cleared) << "a lock for reading writes nothing back";
 
     for (const VuRect& outside : {VuRect{-1, 0, 2, 2}, VuRect{298, 0, 3, 1}, VuRect{0, 39, 1, 2},
                                   VuRect{2, 2, -1, 1}, VuRect{1, 1, INT32_MAX, 1}}) {
@@ -140,6 +149,61 @@ TEST_P(Surfaces, WhateverDrawsIsInTheNextPictureAndTheNextFrame) {
     screen->SwapBuffers();
     EXPECT_EQ(PixelsOf(*screen), drawn);
   }
+}
+
+TEST_P(Surfaces, WhatIsDrawnComesBeforeWhatChangesAfterwards) {
+  using Bitmap = std::unique_ptr<VuBitmap>;
+  Bitmap target, other, source, mask;
+  const VuRect left{1, 1, 24, 24}, right{22, 3, 32, 32}, eight{0, 0, 8, 8}, one{4, 0, 1, 8};
+  const VuPoint corner{2, 2};
+  const Pixels blue(8, 0xFF0000FFu);
+  const auto noise = [&](Format format, unsigned seed) {
+    Bitmap made = New(8, 8, format);
+    FillWithNoise(*made, seed);
+    return made;
+  };
+  const std::function<void()> changes[] = {
+      [&] { source->SetScaleMode(VuScaleMode::Bilinear); },
+      [&] { mask->SetScaleMode(VuScaleMode::Bilinear); },
+      [&] { source->SetPixels(one, blue.data(), 4); },
+      [&] { mask->SetPixels(one, blue.data(), 1); },
+      [&] { target->SetPixels(one, blue.data(), 4); },
+      [&] { source->CopyPixels(corner, *mask, eight); },
+      [&] { mask->CopyPixels(corner, *source, eight); },
+      [&] { target->CopyPixels(corner, *source, eight); },
+      [&] { source->DrawRect(one, white); },
+      [&] { mask->DrawRect(one, VuColor{0}), mask->Clear(); },
+      [&] { source = noise(Format::ARGB8888, 5); },
+      [&] { mask = noise(Format::A8, 6); },
+      [&] { other->Clear(white); },
+      [&] { other.reset(), other = New(9, 9); },
+      [&] { target->SetBlendEnabled(false); },
+      [&] { target->SetBlendingFunc(VuBlendingFactor::One, VuBlendingFactor::BlendColor); },
+      [&] { target->SetBlendColor(VuColor{0x80FF4020}); },
+      [&] { target->SetClippingRect(left); },
+  };
+  for (const auto& change : changes)
+    for (const bool filtered : {false, true}) {
+      SCOPED_TRACE(&change - changes);
+      const auto drawn = [&](bool readBetween) {
+        target = New(60, 40), other = New(60, 40);
+        source = noise(Format::ARGB8888, 3), mask = noise(Format::A8, 4);
+        source->SetScaleMode(VuScaleMode(filtered));
+        target->SetClippingRect({0, 0, filtered ? 38 : 60, 40});
+        target->SetBlendingFunc(VuBlendingFactor::BlendColor, VuBlendingFactor::OneMinusSrcAlpha);
+        target->SetBlendColor(VuColor{0xC0FFFFFF});
+        for (const bool again : {false, true}) {
+          if (again) change();
+          target->DrawObject(left, *source, eight, VuTransform(), white, *mask, nullptr);
+          target->DrawObject(right, *source, eight);
+          target->DrawRect(VuRect{30, 1, 9, 9}, VuColor{0x80FF8040});
+          if (again || readBetween) PixelsOf(*target);
+          other->DrawRect(left, white);
+        }
+        return PixelsOf(*target);
+      };
+      EXPECT_EQ(drawn(false), drawn(true));
+    }
 }
 
 TEST_P(Surfaces, LargeCopiesComeAfterWhatIsDrawnBefore) {
