@@ -1,13 +1,16 @@
 // What surfaces do beside drawing, and lines and points pixel by pixel, by every backend.
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
+#include "helpers/logged.h"
 #include "helpers/pixels.h"
 #include "scenes/backends.h"
 #include "scenes/modelcheck.h"
@@ -227,6 +230,37 @@ TEST_P(Surfaces, LinesAreTheSameBothWays) {
       back->DrawLine(to, from, white);
     }
   EXPECT_EQ(PixelsOf(*there), PixelsOf(*back));
+}
+
+TEST_P(Surfaces, AreTimedAndCountFrames) {
+  using Clock = std::chrono::steady_clock;
+  const std::unique_ptr<VuBitmap> screen(graphics_->CreateScreen(40, 30, true));
+  const std::unique_ptr<VuBitmap> bitmap = New(200, 200);
+  LogPerf = true;
+  draw_time = swap_time = 0;
+  const auto begin = Clock::now();
+  for (int i = 0; i < 1000; ++i) bitmap->DrawRect({1, 1, 3, 3}, white);
+  // New glyphs are set on the atlas meanwhile, which counts once.
+  for (int size = 90; size < 110; ++size)
+    bitmap->DrawText(TestFont("sans.ttf", size), "RWSG@", {0, 0}, white);
+  const auto spent = std::chrono::ceil<std::chrono::microseconds>(Clock::now() - begin);
+  EXPECT_GT(draw_time, 0u);
+  EXPECT_LE(draw_time, spent.count());
+  EXPECT_EQ(swap_time, 0u);
+  const uint32_t drawn = draw_time;
+  for (int i = 0; i < 100; ++i) screen->SwapBuffers();
+  EXPECT_GT(swap_time, 0u);
+  EXPECT_EQ(draw_time, drawn);
+  LogPerf = false;
+
+  LogFPS = true;
+  const std::string log = helpers::LoggedAt(4, [&] {
+    graphics_->Flush();
+    // The first frame of a thread is reported at once.
+    std::thread([&] { screen->SwapBuffers(), graphics_->Flush(); }).join();
+  });
+  LogFPS = false;
+  EXPECT_NE(log.find("Average frame time"), std::string::npos) << log;
 }
 
 TEST_P(Surfaces, OutliveTheirContextAndAreReadByAnother) {
