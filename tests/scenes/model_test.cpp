@@ -46,7 +46,7 @@ TEST_P(Model, EveryPairOfBlendingFactors) {
         check.DrawRect({1, 1, 18, 9}, VuColor{0x80FF4010});
         check.DrawObject({1, 10, 9, 9}, *src, {0, 0, 9, 9});
         check.DrawObject({4, 6, 9, 9}, *src, {0, 0, 9, 9}, {}, VuColor{0xC040FFFF});
-        check.DrawObject({8, 2, 9, 9}, *mask, {0, 0, 9, 9});
+        check.DrawObject({8, 2, 9, 9}, *mask, {0, 0, 9, 9}, {}, VuColor{0xFFFF8040});
         check.DrawObject({11, 10, 9, 9}, *src, {0, 0, 9, 9}, {}, VuColor{0xC0FFFF00}, {mask.get()});
         // Others for alpha.
         check.SetFactors({Factor(s), Factor(d), Factor(d), Factor(14 - s)});

@@ -70,6 +70,17 @@ class DirectFb : public testing::Test {
   GraphicsPtr graphics_;
 };
 
+TEST_F(DirectFb, OfTwoBuffersNeitherIsShownBeforeASwap) {
+  for (const bool doubled : {true, false}) {
+    const BitmapPtr screen = Screen(0, doubled);
+    LogPerf = true;
+    swap_time = 0;
+    for (int i = 0; i < 100; ++i) screen->Flush();
+    LogPerf = false;
+    EXPECT_EQ(swap_time == 0, doubled);
+  }
+}
+
 TEST_F(DirectFb, AllThatAFrameDrawsIsInTheNextOne) {
   const BitmapPtr screen = Screen(0, true);
   const BitmapPtr bitmap(graphics_->CreateBitmap(64, 48, VuPixelFormat::ARGB8888));

@@ -169,6 +169,9 @@ TEST_F(Surfaces, OnlyScreensOfTwoBuffersWaitForTheDisplay) {
     screen->SwapBuffers();
     EXPECT_EQ(intervals, std::vector<int>{two});
   }
+  intervals.clear();
+  ScreenPtr(graphics_->CreateScreen(true))->SwapBuffers();
+  EXPECT_EQ(intervals, std::vector<int>{1}) << "two unless asked otherwise";
 }
 
 TEST_F(Surfaces, WritingBesideWhatIsReadInterruptsNothingAndSendsNothingElse) {
