@@ -391,11 +391,6 @@ TEST_F(FontAtlas, WidthsWithKerning) {
     while (font.NextGlyph(cursor, false)) continue;
     ASSERT_EQ(cursor.width, expected) << testing::PrintToString(text);
   }
-  VuFontAtlas wide = Open("sans.ttf", 4000);
-  for (const Type type : {Type::None, Type::Outer}) {
-    wide.SetOutlineType(type);
-    EXPECT_EQ(wide.GetOneLineWidth("M"), Add(wide, 'M')->advance) << "wider than what is kept";
-  }
   // A fallback font may have the address of the one before.
   VuFontAtlas other = Open("cjk.ttf", 30);
   for (const int size : {16, 60}) {

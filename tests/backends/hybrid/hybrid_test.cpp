@@ -202,8 +202,11 @@ TEST_F(Hybrid, WhatIsTooLargeForATextureIsDrawnInParts) {
   EXPECT_EQ(PixelOf(*screen, 20, 0), PixelOf(*large, 120, 0));
   const BitmapPtr tall = New(*graphics_, 8, 3000);
   tall->Clear(kRed);
-  screen->DrawObject(VuRect{0, 0, 8, 8}, tall.get(), {0, 2900, 8, 8}, kIdentity, white, nullptr,
-                     nullptr);
+  const auto drawPart = [&] {
+    screen->DrawObject(VuRect{0, 0, 8, 8}, tall.get(), {0, 2900, 8, 8}, kIdentity, white, nullptr,
+                       nullptr);
+  };
+  EXPECT_EQ(helpers::LoggedAt(4, drawPart), "");
   EXPECT_EQ(PixelOf(*screen, 7, 7), kRed.argb);
   EXPECT_TRUE(LogsOneError("at most 2048", [&] { Draw(*screen, *large); }));
   EXPECT_EQ(graphics_->GetMaxTextureSize(), 2048);
