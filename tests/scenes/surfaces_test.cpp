@@ -158,6 +158,8 @@ TEST_P(Surfaces, WhatIsDrawnComesBeforeWhatChangesAfterwards) {
   using Bitmap = std::unique_ptr<VuBitmap>;
   Bitmap target, other, source, mask;
   const VuRect left{1, 1, 24, 24}, right{22, 3, 32, 32}, eight{0, 0, 8, 8}, one{4, 0, 1, 8};
+  const VuRect some{30, 1, 9, 9};
+  const VuColor glass{0x80FF8040};
   const VuPoint corner{2, 2};
   const Pixels blue(8, 0xFF0000FFu);
   const auto noise = [&](Format format, unsigned seed) {
@@ -185,9 +187,15 @@ TEST_P(Surfaces, WhatIsDrawnComesBeforeWhatChangesAfterwards) {
       [&] { target->SetBlendColor(VuColor{0x80FF4020}); },
       [&] { target->SetClippingRect(left); },
   };
+  const std::function<void()> draws[] = {
+      [&] { target->DrawObject(left, *source, eight, VuTransform(), white, *mask, nullptr); },
+      [&] { target->DrawObject(right, *source, eight), target->DrawRect(some, glass); },
+      [&] { other->DrawRect(left, white); },
+  };
   for (const auto& change : changes)
-    for (const bool filtered : {false, true}) {
-      SCOPED_TRACE(&change - changes);
+    for (const size_t variant : {0, 1, 2, 3, 4, 5}) {
+      const bool filtered = variant % 2 != 0;
+      SCOPED_TRACE(std::to_string(&change - changes) + ", " + std::to_string(variant));
       const auto drawn = [&](bool readBetween) {
         target = New(60, 40), other = New(60, 40);
         source = noise(Format::ARGB8888, 3), mask = noise(Format::A8, 4);
@@ -197,15 +205,17 @@ TEST_P(Surfaces, WhatIsDrawnComesBeforeWhatChangesAfterwards) {
         target->SetBlendColor(VuColor{0xC0FFFFFF});
         for (const bool again : {false, true}) {
           if (again) change();
-          target->DrawObject(left, *source, eight, VuTransform(), white, *mask, nullptr);
-          target->DrawObject(right, *source, eight);
-          target->DrawRect(VuRect{30, 1, 9, 9}, VuColor{0x80FF8040});
-          if (again || readBetween) PixelsOf(*target);
-          other->DrawRect(left, white);
+          // Each is the last one once, which is the one that may not be drawn yet.
+          for (size_t i = 0; i < 3; ++i) draws[(i + variant / 2) % 3]();
+          if (readBetween) PixelsOf(*target);
         }
         return PixelsOf(*target);
       };
-      EXPECT_EQ(drawn(false), drawn(true));
+      // One of Mesa's renderers rounds only once what a draw call puts over each other.
+      const Pixels there = drawn(true), late = drawn(false);
+      for (size_t i = 0; i < there.size(); ++i)
+        for (int shift = 0; shift < 32; shift += 8)
+          ASSERT_NEAR(int(there[i] >> shift & 255), int(late[i] >> shift & 255), 2) << i;
     }
 }
 
