@@ -294,5 +294,44 @@ TEST_P(Model, RandomFrames) {
   }
 }
 
+// Backends may collect operations, draw them in another order and move pixels about meanwhile.
+TEST_P(Model, AFrameLooksTheSameHoweverItIsSent) {
+  const auto draw = [this](bool oneByOne) {
+    Random random(5);
+    const auto target = NewTarget(200, 160);
+    std::vector<std::unique_ptr<VuBitmap>> sources;
+    for (int i = 0; i < 12; ++i)
+      sources.push_back(Noise(5 + 2 * i, 20, Format(i / 2), random(), VuScaleMode(i % 2)));
+    for (int i = 0; i < 1500; ++i) {
+      const auto x = static_cast<int>(random() % 190), y = static_cast<int>(random() % 150);
+      std::unique_ptr<VuBitmap>&src = sources[random() % 12], &other = sources[random() % 12];
+      const VuColor color{random() | 0x40000000u};
+      const int width = 20 + i % 2 * 4, what = static_cast<int>(random() % 64);
+      const VuTransform turn(float(x), float(y), 1, 1, float(i % 6 * 15));
+      if (what < 20) target->DrawRect({x, y, 9, 7}, color);
+      if (what / 20 == 1) target->DrawObject({x, y, width, 20}, *src, {0, 0, width, 20});
+      if (what / 10 == 4) target->DrawObject({0, 0, 20, 20}, *src, {0, 0, 20, 20}, turn);
+      if (what / 8 == 6)
+        target->DrawObject(VuRect{x, y, 24, 20}, *src, {0, 0, 20, 20}, VuTransform(), color, *other,
+                           nullptr);
+      if (what == 58) src->DrawRect({x % 9, 2, 3, 4}, color);
+      if (what == 59 && src != other) src->CopyPixels({1, 2}, *other, {0, 0, 9, 9});
+      if (what == 60) src = Noise(x % 30 + 1, y % 30 + 1, Format(i % 6), color.argb);
+      if (what == 61) target->SetBlendEnabled(i % 2);
+      if (what > 61) target->DrawLine({x, y}, {x + 9, y - 5}, color);
+      if (oneByOne) target->Finish();
+    }
+    return helpers::PixelsOf(*target);
+  };
+  const helpers::Pixels expected = draw(true), drawn = draw(false);
+  for (size_t i = 0; i < drawn.size() * 4; ++i) {
+    const auto channel = [i](const helpers::Pixels& p) {
+      return static_cast<int>(p[i / 4] >> i % 4 * 8 & 255);
+    };
+    // What is rounded in another way adds up.
+    ASSERT_NEAR(channel(drawn), channel(expected), 3) << i / 4 % 200 << ", " << i / 800;
+  }
+}
+
 }  // namespace
 }  // namespace ZIRK::scenes
