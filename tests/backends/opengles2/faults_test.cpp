@@ -49,8 +49,7 @@ struct StartFault {
 
 class StartFaults : public Faults, public testing::WithParamInterface<StartFault> {};
 
-ROWS(StartFaults,
-     {.name = "no SDL: SDL_free", .inject = [](auto& sdl) { sdl.Free = nullptr; }},
+ROWS(StartFaults, {.name = "no SDL: SDL_free", .inject = [](auto& sdl) { sdl.Free = nullptr; }},
      {.name = "no video: refused", .inject = [](auto& sdl) { Refuse(sdl.InitSubSystem); }},
      {.name = "no such attribute: refused", .inject = [](auto& sdl) { Refuse(sdl.SetAttribute); }},
      {.name = "no library: refused", .inject = [](auto& sdl) { Refuse(sdl.LoadLibrary); }},
