@@ -5,7 +5,7 @@
 //     directly, with a 32-bit source, or A8 and no mask   all rows at once by the kernels
 //     on RGB565, the same where there is a kernel         all rows at once by that kernel
 //     not directly                                        all rows at once by Pixman
-//   Anything else, and what Pixman cannot do              row by row: PaintRow()
+//   Anything else, and what Pixman cannot do              row by row: PaintRows(), PaintSlanted()
 //   Slanted or masked lines                               pixel by pixel: painterline.cpp
 
 #include "software/painter.h"
