@@ -296,7 +296,8 @@ TEST_P(Model, RandomFrames) {
 
 // Backends may collect operations, draw them in another order and move pixels about meanwhile.
 TEST_P(Model, AFrameLooksTheSameHoweverItIsSent) {
-  const auto draw = [this](bool oneByOne) {
+  VuTVector2D<float> beyond[4] = {{-9, -9}, {40, -9}, {40, 30}, {-9, 30}};
+  const auto draw = [&](bool oneByOne) {
     Random random(5);
     const auto target = NewTarget(200, 160);
     std::vector<std::unique_ptr<VuBitmap>> sources;
@@ -309,11 +310,13 @@ TEST_P(Model, AFrameLooksTheSameHoweverItIsSent) {
       const int width = 20 + i % 2 * 4, what = static_cast<int>(random() % 64);
       const VuTransform turn(float(x), float(y), 1, 1, float(i % 6 * 15));
       if (what < 20) target->DrawRect({x, y, 9, 7}, color);
-      if (what / 20 == 1) target->DrawObject({x, y, width, 20}, *src, {0, 0, width, 20});
+      const VuRect part = i % 3 ? VuRect{0, 0, width, 20} : src->GetBounds();
+      if (what / 20 == 1) target->DrawObject({x, y, width, 20}, *src, part);
       if (what / 10 == 4) target->DrawObject({0, 0, 20, 20}, *src, {0, 0, 20, 20}, turn);
       if (what / 8 == 6)
         target->DrawObject(VuRect{x, y, 24, 20}, *src, {0, 0, 20, 20}, VuTransform(), color, *other,
-                           nullptr);
+                           i % 2 ? beyond : nullptr);
+      if (what == 57) src->SetPixels({0, 0, 1, 1}, &color, 4);
       if (what == 58) src->DrawRect({x % 9, 2, 3, 4}, color);
       if (what == 59 && src != other) src->CopyPixels({1, 2}, *other, {0, 0, 9, 9});
       if (what == 60) src = Noise(x % 30 + 1, y % 30 + 1, Format(i % 6), color.argb);
