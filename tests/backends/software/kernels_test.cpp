@@ -17,7 +17,7 @@
 namespace ZIRK::backends {
 namespace {
 
-constexpr int kPitch = 40, kRows = 3;
+constexpr int kPitch = 40, kRows = 8;
 
 /// Random pixels, with many of the extreme ones; `valid` means no channel above its alpha.
 std::vector<uint32_t> RandomPixels(unsigned seed, bool valid) {
@@ -187,9 +187,11 @@ TEST_P(EachLevel, SamplersFollowTheGradientAndStayInside) {
   } const rows[] = {{-2, 3.5, 0.37, 0},  {14, 3.25, -0.4, 0}, {-3, -2, 0.4, 0.4},
                     {0, 0, 1, 0},        {2, 13, 0.2, 0},     {5, 14, 0.1, -0.45},
                     {-20, 5, 2.5, 0.01}, {30, 30, 0, 0},      {11.5, 0.5, -0.3, 0.3},
-                    {4.5, -2, 0, 0.4}};
+                    {4.5, -2, 0, 0.4},   {1, 2.5, 0.5, 0},    {0.5, 2.5, 0.5, 0}};
   for (const auto& r : rows)
     for (const bool bilinear : {false, true}) {
+      // Twice as wide, a row lies inside the image.
+      const int count = r.stepX == 0.5 ? 21 : kCount;
       Image image;
       SampleRow row = image.Row();
       const auto fixed = [](double v) { return static_cast<int32_t>(std::lround(v * 65536)); };
@@ -199,8 +201,8 @@ TEST_P(EachLevel, SamplersFollowTheGradientAndStayInside) {
       row.stepY = fixed(r.stepY);
       std::vector<uint32_t> out(kCount + 1, 0x12345678u);
       (GetParam().kernels->*(bilinear ? &Kernels::sampleBilinear : &Kernels::sampleNearest))(
-          row, out.data(), kCount);
-      for (int i = 0; i < kCount; ++i) {
+          row, out.data(), count);
+      for (int i = 0; i < count; ++i) {
         const auto expected = [&](double v) {
           const double inside = std::fmin(std::fmax(v, 0), Image::kSize - 1);
           return 20 * (bilinear ? inside : std::fmin(std::fmax(std::floor(v), 0), 11));
@@ -212,7 +214,7 @@ TEST_P(EachLevel, SamplersFollowTheGradientAndStayInside) {
         ASSERT_NEAR(p & 255, expected(row.y / 65536.0 + i * (row.stepY / 65536.0)), tolerance);
         ASSERT_EQ(p & 0xFF00FF00u, 0u) << "read outside the image";
       }
-      EXPECT_EQ(out[kCount], 0x12345678u);
+      EXPECT_EQ(out[static_cast<size_t>(count)], 0x12345678u);
     }
 }
 
@@ -226,6 +228,8 @@ TEST_P(EachLevel, SamplersStayInsideHoweverFarTheyStep) {
     row.y = number() % (kFarthestSample << 16);
     row.stepX = number() >> (i % 32);
     row.stepY = i % 3 == 0 ? 0 : number() >> (i % 29);
+    // All the way around, from inside the image to inside it.
+    if (i == 0) row = {row.pixels, row.pitch, 0, 0, 11, 11, 5 << 16, 5 << 16, 0x01010101, 0};
     std::vector<uint32_t> out(kSampleLimit);
     GetParam().kernels->sampleNearest(row, out.data(), kSampleLimit);
     GetParam().kernels->sampleBilinear(row, out.data(), kSampleLimit);
