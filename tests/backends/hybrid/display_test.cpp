@@ -106,7 +106,7 @@ TEST_P(Display, IsTheBestOfTheMachine) {
       SDL_SetError("refused");
       return static_cast<SDL_Window*>(nullptr);
     };
-  const std::string device = testing::TempDir() + "framebuffer";
+  const std::string device = testing::TempDir() + "framebuffer" + std::to_string(getpid());
   std::ofstream(device) << std::string(4 * kSide * kSide, '\0');
   setenv("ZIRK_FB_DEVICE", machine.framebuffer ? device.c_str() : "/nonexistent", 1);
 
