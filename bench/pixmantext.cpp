@@ -12,11 +12,10 @@ namespace {
 /// Where a line's glyphs stand is worked out beforehand, as Cairo's peer has it too.
 class PixmanText final : public TextPeer {
  public:
-  explicit PixmanText(bool narrow) {
+  explicit PixmanText(pixman_format_code_t format) {
     pixman_color_t color = {0x3333, 0x6666, 0x9999, 0xFFFF};
     color_ = pixman_image_create_solid_fill(&color);
-    target_ = pixman_image_create_bits(narrow ? PIXMAN_r5g6b5 : PIXMAN_a8r8g8b8, kWidth, kHeight,
-                                       nullptr, 0);
+    target_ = pixman_image_create_bits(format, kWidth, kHeight, nullptr, 0);
     pixman_color_t black = {0, 0, 0, 0xFFFF};
     const pixman_box32_t all = {0, 0, kWidth, kHeight};
     pixman_image_fill_boxes(PIXMAN_OP_SRC, target_, &black, 1, &all);
@@ -98,8 +97,12 @@ class PixmanText final : public TextPeer {
 
 }  // namespace
 
-std::unique_ptr<TextPeer> MakePixmanText(bool narrow) {
-  return std::make_unique<PixmanText>(narrow);
+std::unique_ptr<TextPeer> MakePixmanText() {
+  return std::make_unique<PixmanText>(PIXMAN_a8r8g8b8);
+}
+
+std::unique_ptr<TextPeer> MakePixmanTextOn565() {
+  return std::make_unique<PixmanText>(PIXMAN_r5g6b5);
 }
 
 }  // namespace ZIRK::bench

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <zirk/vuenums.h>
-
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -52,12 +50,13 @@ class TextPeer {
 
 using TextPeers = std::vector<std::unique_ptr<TextPeer>>;
 
-/// This library's own, on a surface of `format`; null if the backend does not open.
-std::unique_ptr<TextPeer> MakeZirkText(VuPixelFormat format = VuPixelFormat::ARGB8888);
+/// This library's own; null if the backend does not open.
+std::unique_ptr<TextPeer> MakeZirkText();
+std::unique_ptr<TextPeer> MakeZirkTextOn565();
 /// FreeType called for every glyph anew.
 std::unique_ptr<TextPeer> MakeFreeTypeText();
-/// On a surface of RGB565 if `narrow`.
-std::unique_ptr<TextPeer> MakePixmanText(bool narrow = false);
+std::unique_ptr<TextPeer> MakePixmanText();
+std::unique_ptr<TextPeer> MakePixmanTextOn565();
 std::unique_ptr<TextPeer> MakeCairoText();
 std::unique_ptr<TextPeer> MakeSdlText();
 std::unique_ptr<TextPeer> MakeDirectFbText();

@@ -45,12 +45,20 @@ class ZirkText final : public TextPeer {
   const VuFont font_{TextFont().c_str(), 0, kTextSize};
 };
 
-}  // namespace
-
-std::unique_ptr<TextPeer> MakeZirkText(VuPixelFormat format) {
+std::unique_ptr<TextPeer> MakeZirkTextOn(VuPixelFormat format) {
   std::unique_ptr<VuGraphics> graphics(VuGraphics::Create("FB", false));
   if (!graphics) return nullptr;
   return std::make_unique<ZirkText>(std::move(graphics), format);
+}
+
+}  // namespace
+
+std::unique_ptr<TextPeer> MakeZirkText() {
+  return MakeZirkTextOn(VuPixelFormat::ARGB8888);
+}
+
+std::unique_ptr<TextPeer> MakeZirkTextOn565() {
+  return MakeZirkTextOn(VuPixelFormat::RGB565);
 }
 
 }  // namespace ZIRK::bench

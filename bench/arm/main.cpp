@@ -46,14 +46,18 @@ void CountOperations() {
   }
 }
 
-void CountText(const char* operation, bool narrow) {
+void CountText(const char* operation, TextPeers peers) {
   const TextLines lines = MakeTextLines();
-  TextPeers peers;
-  peers.push_back(MakeZirkText(narrow ? VuPixelFormat::RGB565 : VuPixelFormat::ARGB8888));
-  peers.push_back(MakePixmanText(narrow));
   const auto characters = static_cast<int64_t>(lines.size()) * kLineLength;
   for (const auto& peer : peers)
     Count(operation, peer->Name(), characters, [&] { return peer->Draw(lines); });
+}
+
+TextPeers Both(std::unique_ptr<TextPeer> ours, std::unique_ptr<TextPeer> pixmans) {
+  TextPeers peers;
+  peers.push_back(std::move(ours));
+  peers.push_back(std::move(pixmans));
+  return peers;
 }
 
 struct Unref {
@@ -105,10 +109,10 @@ void CountRgb565(const char* operation, int count, const Picture* picture) {
 int main() {
   using namespace ZIRK::bench;
   CountOperations();
-  CountText("TextDraw", false);
+  CountText("TextDraw", Both(MakeZirkText(), MakePixmanText()));
   const std::vector<Picture> pictures = MakePictures();
   CountRgb565("Fill200HalfOnto565", 50, nullptr);
   CountRgb565("BlitAlpha64Onto565", 200, &pictures[Alpha64]);
   CountRgb565("BlitOpaque64Onto565", 200, &pictures[Opaque64]);
-  CountText("TextDrawOnto565", true);
+  CountText("TextDrawOnto565", Both(MakeZirkTextOn565(), MakePixmanTextOn565()));
 }
