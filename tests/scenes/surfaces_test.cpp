@@ -164,7 +164,7 @@ TEST_P(Surfaces, WhatIsDrawnComesBeforeWhatChangesAfterwards) {
   const Pixels blue(8, 0xFF0000FFu);
   const auto noise = [&](Format format, unsigned seed) {
     Bitmap made = New(8, 8, format);
-    FillWithNoise(*made, seed);
+    FillWithNoise(*made, made->GetBounds(), seed);
     return made;
   };
   const std::function<void()> changes[] = {

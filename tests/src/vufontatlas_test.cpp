@@ -183,7 +183,7 @@ TEST_F(FontAtlas, OddFaces) {
 
 TEST_F(FontAtlas, WhatFailedIsTriedAgainOnceTheCachesAreCleared) {
   VuFontAtlas font = Open("sans.ttf", -1);
-  font.GetAtlas(graphics.get());
+  font.GetAtlas(&graphics);
   for (int time = 0; time < 2; ++time) {
     helpers::calls.loads.clear();
     for (const bool render : {false, true, true}) font.GetGlyph('A', render);
@@ -207,7 +207,7 @@ TEST_F(FontAtlas, WhatNoAtlasHoldsIsMeasuredButNotRendered) {
     font.SetOutlineThickness(thickness);
     helpers::calls.loads.clear();
     const Glyph* const g = Add(font, unsigned(code));
-    font.GetAtlas(graphics.get());
+    font.GetAtlas(&graphics);
     for (int time = 0; time < 3; ++time) font.GetGlyph(unsigned(code), true);
     EXPECT_EQ(helpers::calls.loads, loads);
     EXPECT_EQ(g->inAtlas, fits);
@@ -480,7 +480,7 @@ TEST_F(FontAtlas, AFullAtlasIsEmptiedOnceOrKept) {
   const helpers::Symbols symbols;
   const VuFontAtlas font(symbols.Path(), 0, symbols.kSize, false, false);
   const FreeType reference(symbols.Path(), symbols.kSize);
-  const auto atlas = font.GetAtlas(graphics.get());
+  const auto atlas = font.GetAtlas(&graphics);
   /// Draws symbols until `count` of them are left out.
   const auto leaveOut = [&](int symbol, size_t count) {
     std::vector<const Glyph*> out;
