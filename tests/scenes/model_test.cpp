@@ -68,6 +68,7 @@ constexpr VuTransform kTransforms[] = {
     {7.5f, 3, 0.5f, 0.5f, 360},  // a whole turn, shrunk by half
     {40.3f, 0.6f, 1, 1, 270},    // three quarters, moved by part of a pixel
     {2, 22, 1, 1, 33},           // slanted
+    {0, 4, 1, 1, 1},             // hardly slanted
     {-12, 20, 2, 1.3f, 20},      // slanted, enlarged unevenly
     {44, 8, -1, 1, 12},          // slanted, mirrored
     {8, 8, 1, 0.02f, 3},         // nearly flat

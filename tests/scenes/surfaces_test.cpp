@@ -169,6 +169,7 @@ TEST_P(Surfaces, WhatIsDrawnComesBeforeWhatChangesAfterwards) {
   };
   const std::function<void()> changes[] = {
       [&] { source->SetScaleMode(VuScaleMode::Bilinear); },
+      [&] { source->SetScaleMode(VuScaleMode::Nearest); },
       [&] { mask->SetScaleMode(VuScaleMode::Bilinear); },
       [&] { source->SetPixels(one, blue.data(), 4); },
       [&] { mask->SetPixels(one, blue.data(), 1); },
