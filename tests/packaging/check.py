@@ -86,7 +86,8 @@ def main():
     for name in chosen:
         assert f'"-D{name}=ON,-D{name}=OFF' in recipe, f"{name} is missing in {RECIPE.name}"
     assert set(re.findall(r"-D(ZIRK_\w+)=ON", recipe)) == set(chosen), "options nobody knows"
-    backends = {name[13:].lower() for name in chosen if name.startswith("ZIRK_BACKEND_")}
+    # Names of more words are parts of a backend.
+    backends = {name.lower() for name in re.findall(r"\bZIRK_BACKEND_([^_ ]+)\b", " ".join(chosen))}
     filtered = re.search(r"filter\('PACKAGECONFIG', '([a-z\d ]+)'", recipe)[1].split()
     assert set(filtered) == set(re.findall(r"^FILES:\$\{PN\}-backend-(\w+)", recipe, re.M)) == backends
 

@@ -81,7 +81,7 @@ TEST_P(Surfaces, PixelsGoInAndOut) {
     EXPECT_EQ(target->GetInfo().pixels, nullptr);
     EXPECT_EQ(at(1, 1), 0x21212121u >> (32 - 8 * bytes) | first);
     ASSERT_TRUE(target->Lock(false));
-    target->Clear(VuColor{0x80804020});
+    target->Clear(VuColor{0x6FB56C47});
     EXPECT_TRUE(target->Unlock());
     EXPECT_EQ(at(1, 1), cleared) << "a lock for reading writes nothing back";
 
