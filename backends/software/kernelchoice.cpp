@@ -84,7 +84,11 @@ const KernelLevel& ChooseKernels(const char* wanted) {
 }
 
 const KernelLevel& ChosenKernels() {
-  static const KernelLevel& chosen = ChooseKernels(std::getenv("ZIRK_CPU"));
+  static const KernelLevel& chosen = []() -> const KernelLevel& {
+    const KernelLevel& level = ChooseKernels(std::getenv("ZIRK_CPU"));
+    ZIRK_LOG_INFO("kernels: %s", level.name);
+    return level;
+  }();
   return chosen;
 }
 

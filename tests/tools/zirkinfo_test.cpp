@@ -84,7 +84,7 @@ const Case kCases[] = {
      "installed: yes\npath: /[^\n]*/libZIRKImplFB.so\nhas-backend: (yes|no)\n"
      "supported-backend: (yes|no)\nfeatures: 0x0\ndetails: 0x0\nopens: yes\ntype: 5\n"
      "largest-texture: [1-9][0-9]*\nmemory-available: [1-9][0-9]* bytes[a-z ]*, [1-9][0-9]* MiB\n"
-     "memory-total: [1-9][^\n]*\nscreen: 1280 x 720, ARGB8888\n"
+     "memory-total: [1-9][^\n]*\nscreen: 1280 x 720, ARGB8888\nkernels: [a-z0-9]+\n"
      "warning: /nonexistent: [^\n]*: the screen stays in memory\n\n"
      "backend: Stub\n.*type: 4\n",
      "ZIRK_STUB=1"},

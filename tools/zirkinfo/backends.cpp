@@ -63,6 +63,8 @@ void ShowScreen(VuGraphics& graphics) {
     std::printf("screen: %d x %d, %s\n", info.width, info.height, NameOf(info.format));
     const std::string shownBy = log.ShownBy();
     if (!shownBy.empty()) std::printf("shown-by: %s\n", shownBy.c_str());
+    const std::string kernels = log.LastInfo("kernels: ");
+    if (!kernels.empty()) std::printf("kernels: %s\n", kernels.c_str());
   } else {
     std::printf("screen: none\n");
     PrintLines("reason", log.Messages("error"));

@@ -58,12 +58,11 @@ std::vector<std::string> LibraryLog::Messages(const std::string& levelName) cons
   return found;
 }
 
-std::string LibraryLog::ShownBy() const {
-  constexpr char kBeginning[] = "screen 0: ";
-  std::string shownBy;
+std::string LibraryLog::LastInfo(const std::string& beginning) const {
+  std::string rest;
   for (const std::string& message : Messages("info"))
-    if (message.rfind(kBeginning, 0) == 0) shownBy = message.substr(sizeof kBeginning - 1);
-  return shownBy;
+    if (message.rfind(beginning, 0) == 0) rest = message.substr(beginning.size());
+  return rest;
 }
 
 void PrintLines(const char* key, const std::vector<std::string>& messages) {

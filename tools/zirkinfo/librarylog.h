@@ -17,8 +17,11 @@ class LibraryLog {
 
   /// The messages so far of the level with this name, each once.
   std::vector<std::string> Messages(const std::string& levelName) const;
+  /// What follows `beginning` in the last message of the level info that begins so; empty if none
+  /// does.
+  std::string LastInfo(const std::string& beginning) const;
   /// What shows the last screen created meanwhile; empty where none is shown.
-  std::string ShownBy() const;
+  std::string ShownBy() const { return LastInfo("screen 0: "); }
 
  private:
   std::string Text() const;
