@@ -42,6 +42,8 @@ class GlCanvas {
   void DrawOn(const GlTarget* window);
   /// Null where that is a window.
   GlTexture* Texture() const { return texture_.get(); }
+  /// Null where that is a texture.
+  SDL_Window* Window() const { return texture_ || !window_ ? nullptr : window_->window; }
 
   void DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m, const Mask* mask);
   void DrawLine(VuPoint from, VuPoint to, VuColor color, const MatrixF& m, const Mask* mask);

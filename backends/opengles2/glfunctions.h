@@ -108,6 +108,7 @@ struct SdlCalls {
   X(GetNumVideoDisplays, SDL_GetNumVideoDisplays)     \
   X(GetDesktopDisplayMode, SDL_GetDesktopDisplayMode) \
   X(CreateWindow, SDL_CreateWindow)                   \
+  X(SetWindowTitle, SDL_SetWindowTitle)               \
   X(DestroyWindow, SDL_DestroyWindow)                 \
   X(PumpEvents, SDL_PumpEvents)                       \
   X(FilterEvents, SDL_FilterEvents)                   \

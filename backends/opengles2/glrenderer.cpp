@@ -54,6 +54,7 @@ void GlRenderer::EndFrame(PFNGLFLUSHPROC GlFunctions::*how) {
 
 void GlRenderer::SetName(const char* name) {
   if (Texture()) Texture()->SetName(name);
+  if (Window()) Sdl().SetWindowTitle(Window(), name);
 }
 
 bool GlRenderer::DrawGlyph(const TextLayout::Glyph& glyph, const LineStyle<GlTexture>& style) {

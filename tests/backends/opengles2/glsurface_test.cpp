@@ -214,6 +214,8 @@ TEST_F(Surfaces, DropTheEventsThatNobodyElseHandles) {
     SDL_InitSubSystem(alone ? 0 : SDL_INIT_EVENTS);
     graphics_ = NewContext();
     const ScreenPtr screen = NewScreen(*graphics_, 8, 8);
+    screen->SetName("Title");
+    EXPECT_STREQ(SDL_GetWindowTitle(SDL_GL_GetCurrentWindow()), "Title");
     SDL_FlushEvents(SDL_FIRSTEVENT, SDL_LASTEVENT);
     SDL_Event events[4] = {};
     const Uint32 types[] = {SDL_MOUSEBUTTONDOWN, SDL_KEYDOWN, SDL_WINDOWEVENT, SDL_USEREVENT};
