@@ -150,7 +150,8 @@ class GlQuads {
   static_assert(4 * sizeof(PlainVertex) == sizeof(Line));
 
   std::byte* At(int quad) const {
-    return lines_[0].bytes + ptrdiff_t{4} * quad * WordsOfQuad(key_.program);
+    return reinterpret_cast<std::byte*>(&lines_[0]) +
+           ptrdiff_t{4} * quad * WordsOfQuad(key_.program);
   }
   bool CanWiden() const;
   Box BoundsOf(int quad) const;
