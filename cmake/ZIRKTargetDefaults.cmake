@@ -19,6 +19,8 @@ function(zirk_target_defaults target)
   if(ZIRK_SANITIZE)
     target_compile_options(${target} PRIVATE
       -fsanitize=${ZIRK_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
-    target_link_options(${target} PRIVATE -fsanitize=${ZIRK_SANITIZE})
+    # With Clang, the program brings the sanitizers' functions, for the library and plug-ins as well.
+    target_link_options(${target} PRIVATE -fsanitize=${ZIRK_SANITIZE}
+      $<$<CXX_COMPILER_ID:Clang>:LINKER:-z,undefs>)
   endif()
 endfunction()
