@@ -28,7 +28,7 @@ PLUGINS = {"stub", "opengles2", "fb", "directfb", "hybrid"}
 MADE_OF = {"hybrid": {"fb", "opengles2"}}
 
 # Programs include what an application does: <zirk/zirk.h> and the headers that it names.
-PROGRAMS = ["tools/zirkinfo", "examples", "support"]
+PROGRAMS = ["tools/zirkinfo", "examples", "support", "fuzz"]
 EXCEPTIONS = {
     # The example of a backend is one.
     ("examples/backend/surface.h", "zirk/backend.h"),

@@ -1,0 +1,61 @@
+// A picture in memory: what it would take, and decoded at its own size and at others.
+
+#include <zlib.h>
+
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+#include "input.h"
+
+using namespace ZIRK;
+
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+/// Larger ones would only take time: of them the header alone is read.
+constexpr unsigned kLargest = 4 << 20;
+
+uint32_t WordAt(const Bytes& bytes, size_t at) {
+  return uint32_t{bytes[at]} << 24 | uint32_t{bytes[at + 1]} << 16 | uint32_t{bytes[at + 2]} << 8 |
+         bytes[at + 3];
+}
+
+/// Makes the checksums of a PNG's chunks right, so that changes reach what is behind them.
+void RemakeChecksums(Bytes& picture) {
+  constexpr uint8_t kSignature[] = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
+  size_t at = std::size(kSignature);
+  if (picture.size() < at ||
+      !std::equal(std::begin(kSignature), std::end(kSignature), picture.begin()))
+    return;
+  // Length, type, data, checksum.
+  while (picture.size() - at >= 12) {
+    const size_t length = WordAt(picture, at);
+    if (length > picture.size() - at - 12) return;
+    const auto sum =
+        static_cast<uint32_t>(crc32(0, picture.data() + at + 4, static_cast<uInt>(length + 4)));
+    at += 8 + length;
+    for (int shift = 24; shift >= 0; shift -= 8) picture[at++] = static_cast<uint8_t>(sum >> shift);
+  }
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  Bytes picture(data, data + size);
+  RemakeChecksums(picture);
+  VuGraphics& context = fuzz::Context();
+  const void* bytes = picture.data();
+  const auto count = static_cast<unsigned>(size);
+  const unsigned memory = context.BitmapSize(bytes, count);
+  context.BitmapSize(bytes, count, 37, 23);
+  if (memory > kLargest) return 0;
+
+  const std::unique_ptr<VuBitmap> whole(context.CreateBitmapFromMemory(bytes, count));
+  // What decodes was readable, and takes what was said.
+  if (whole && whole->GetSize() != memory) std::abort();
+  for (const VuScaleMode mode : {VuScaleMode::Nearest, VuScaleMode::Bilinear})
+    std::unique_ptr<VuBitmap>(context.CreateBitmapFromMemory(bytes, count, 37, 23, mode));
+  return 0;
+}
