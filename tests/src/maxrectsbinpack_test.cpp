@@ -39,7 +39,8 @@ TEST_P(Placement, IsAsOnRecord) {
   const auto from = [&](int least, unsigned n) { return least + static_cast<int>(random() % n); };
   Sum placed;
   for (int run = 0; run < 50; ++run) {
-    MaxRectsBinPack packer(from(-5, 70), from(-5, 70));
+    const int height = from(-5, 70), width = from(-5, 70);
+    MaxRectsBinPack packer(width, height);
     packer.rule = GetParam().rule;
     packer.allowRotation = GetParam().rotate;
     for (int step = 0; step < 150; ++step) {
