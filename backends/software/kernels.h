@@ -43,6 +43,9 @@ struct SampleRow {
 /// Most pixels of a row that are sampled at a time.
 constexpr int kSampleLimit = 256;
 
+/// Steps shorter than this, either way, never take the positions of a row all the way around.
+constexpr int32_t kShortStep = (1 << 30) / kSampleLimit;
+
 /// Whole part of a first position. From here no enlarged row reaches where positions wrap around;
 /// another row that does reads the wrong pixels inside the limits.
 constexpr int kFarthestSample = 32000;

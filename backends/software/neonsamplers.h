@@ -28,7 +28,7 @@ ZIRK_INLINE int WholePart(uint32_t position) {
 
 /// Whether no row of such steps goes all the way around.
 ZIRK_INLINE bool IsShort(uint32_t step) {
-  constexpr uint32_t kShort = (1u << 30) / kSampleLimit;
+  constexpr auto kShort = static_cast<uint32_t>(kShortStep);
   return step + kShort < 2 * kShort;
 }
 

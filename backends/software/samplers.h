@@ -65,13 +65,6 @@ void SampleNearest(const SampleRow& s, uint32_t* out, int count) {
   }
 }
 
-/// a + (b - a) * w / 256 in each channel of a pair; `w` has the weight in both halves.
-ZIRK_INLINE Pixels InterpolatePairs(Pixels a, Pixels b, Pixels w) {
-  // The product may be negative, but what it is added to has the sum fit into 16 bits again.
-  const Channels product = ((Channels)b - (Channels)a) * (Channels)w;
-  return (Pixels)((((Channels)a << 8) + product + 128) >> 8);
-}
-
 ZIRK_INLINE Pixels Interpolate(Pixels a, Pixels b, Pixels w) {
   return JoinPairs(InterpolatePairs(LowPair(a), LowPair(b), w),
                    InterpolatePairs(HighPair(a), HighPair(b), w));
@@ -118,42 +111,71 @@ ZIRK_INLINE void ForRow(int begin, int end, F&& f) {
   for (int i = begin; i < end; i += kLanes) f(i < last ? i : last, Full());
 }
 
-/// Some of the neighbours may lie beyond the limits.
-ZIRK_INLINE void LoadClamped(const SampleRow& s, Integers x, Integers y, Neighbours& n) {
+/// Groups of neighbours that all lie inside the limits, from the top left ones on.
+ZIRK_INLINE Neighbours LoadInside(const SampleRow& s, Integers x, Integers y) {
+  Neighbours n;
+  const Integers at = y * static_cast<int32_t>(s.pitch) + x;
+  LoadPairs(s.pixels, at, n.topLeft, n.topRight);
+  LoadPairs(s.pixels + s.pitch, at, n.bottomLeft, n.bottomRight);
+  return n;
+}
+
+/// One row of neighbours, some of which may lie beyond the limits: the last pixel inside goes on.
+ZIRK_INLINE void LoadClamped(const SampleRow& s, Integers x, Integers row, Pixels& left,
+                             Pixels& right) {
+  if (s.minX == s.maxX) {
+    for (int i = 0; i < kLanes; ++i) left[i] = s.pixels[row[i] + s.minX];
+    right = left;
+    return;
+  }
+  Pixels first, second;
+  LoadPairs(s.pixels, row + Clamp(x, s.minX, s.maxX - 1), first, second);
+  left = x < s.maxX ? first : second;
+  right = x < s.minX ? first : second;
+}
+
+ZIRK_INLINE Neighbours LoadClamped(const SampleRow& s, Integers x, Integers y) {
+  Neighbours n;
   const auto pitch = static_cast<int32_t>(s.pitch);
-  const Integers left = Clamp(x, s.minX, s.maxX), right = Clamp(x + 1, s.minX, s.maxX);
-  const Integers top = Clamp(y, s.minY, s.maxY) * pitch;
-  const Integers bottom = Clamp(y + 1, s.minY, s.maxY) * pitch;
-  n.topLeft = Gather(s.pixels, top + left);
-  n.topRight = Gather(s.pixels, top + right);
-  n.bottomLeft = Gather(s.pixels, bottom + left);
-  n.bottomRight = Gather(s.pixels, bottom + right);
+  LoadClamped(s, x, Clamp(y, s.minY, s.maxY) * pitch, n.topLeft, n.topRight);
+  LoadClamped(s, x, Clamp(y + 1, s.minY, s.maxY) * pitch, n.bottomLeft, n.bottomRight);
+  return n;
 }
 
 void SampleSlanted(const SampleRow& row, uint32_t* out, int count) {
   const SampleRow s = row;  // a copy, which no store can reach
   const Positions px(s.x, s.stepX), py(s.y, s.stepY);
-  // A row is a straight line: if its ends have all their neighbours inside the limits, all have.
-  // Unless it is so long that positions wrap around on the way.
-  constexpr int32_t kShort = 1024 << 16;
-  const bool straight =
-      s.stepX < kShort && s.stepX > -kShort && s.stepY < kShort && s.stepY > -kShort;
-  const auto inside = [&](int i) {
+  const auto clamped = [&](int i, auto pixels) ZIRK_INLINE_LAMBDA {
+    const Pixels x = px.From(i), y = py.From(i);
+    const Neighbours n = LoadClamped(s, WholeParts(x), WholeParts(y));
+    Store(out + i, Interpolate(n, Weights(x), Weights(y)), pixels);
+  };
+  if (count < kLanes) return clamped(0, Some{count});
+
+  // A row is a straight line: what lies between two pixels that have all their neighbours inside
+  // the limits has too. Unless positions wrap around on the way.
+  const bool straight = s.stepX < kShortStep && s.stepX > -kShortStep && s.stepY < kShortStep &&
+                        s.stepY > -kShortStep;
+  const auto isInside = [&](int i) {
     const int x = px.WholePart(i), y = py.WholePart(i);
     return x >= s.minX && x < s.maxX && y >= s.minY && y < s.maxY;
   };
-  ForRow(0, count, [&](int i, auto pixels) ZIRK_INLINE_LAMBDA {
-    const Pixels x = px.From(i), y = py.From(i);
-    Neighbours n;
-    if (straight && inside(i) && inside(i + kLanes - 1)) {
-      const Integers at = WholeParts(y) * static_cast<int32_t>(s.pitch) + WholeParts(x);
-      LoadPairs(s.pixels, at, n.topLeft, n.topRight);
-      LoadPairs(s.pixels + s.pitch, at, n.bottomLeft, n.bottomRight);
-    } else {
-      LoadClamped(s, WholeParts(x), WholeParts(y), n);
-    }
-    Store(out + i, Interpolate(n, Fractions(x), Fractions(y)), pixels);
-  });
+  int begin = 0, end = count;
+  while (begin < end && !(straight && isInside(begin))) begin += kLanes;
+  while (begin < end && !isInside(end - 1)) --end;
+  if (end - begin < kLanes) begin = end = count;
+
+  const int last = count - kLanes;
+  const auto outside = [&](int from, int to) ZIRK_INLINE_LAMBDA {
+    for (int i = from; i < to; i += kLanes) clamped(i < last ? i : last, Full());
+  };
+  outside(0, begin);
+  Pixels x = px.From(begin), y = py.From(begin);
+  for (; begin <= end - kLanes; begin += kLanes, x += px.step * kLanes, y += py.step * kLanes) {
+    const Neighbours n = LoadInside(s, WholeParts(x), WholeParts(y));
+    Store(out + begin, Interpolate(n, Weights(x), Weights(y)), Full());
+  }
+  outside(begin, count);
 }
 
 /// Source pixels that an enlarged row can need, and room for vectors that reach beyond on either
@@ -165,7 +187,7 @@ constexpr int kEnlargedColumns = kSampleLimit + 2 + 2 * kEnlargedMargin;
 /// on.
 ZIRK_INLINE void InterpolateRows(const SampleRow& s, int first, int count, uint32_t* out) {
   const int y = s.y >> 16;
-  const Pixels weight = Fractions(Splat(static_cast<uint32_t>(s.y)));
+  const Pixels weight = Weights(Splat(static_cast<uint32_t>(s.y)));
   // Columns inside the limits, or else the one that is nearest to them.
   const int begin = Clamp(s.minX - first, 0, count - 1);
   const int end = Clamp(s.maxX + 1 - first, begin + 1, count);
@@ -194,7 +216,7 @@ void SampleEnlarged(const SampleRow& row, uint32_t* out, int count) {
     const Pixels x = inColumns.From(i);
     Pixels left, right;
     LoadNearPairs(columns, static_cast<int32_t>(inColumns.At(i)), s.stepX, x, left, right);
-    Store(out + i, Interpolate(left, right, Fractions(x)), pixels);
+    Store(out + i, Interpolate(left, right, Weights(x)), pixels);
   });
 }
 

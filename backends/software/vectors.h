@@ -7,7 +7,9 @@
 ///   DivideBy255(t)       Each 16-bit lane, a product of two channels, divided and rounded.
 ///   AddClamped(a, b)     Sums of bytes, 255 at most.
 ///   Alphas(p)            Each pixel's alpha, in both its 16-bit halves.
-///   Fractions(p)         The second byte of each pixel, in both its 16-bit halves.
+///   Weights(p)           The second byte of each pixel, for InterpolatePairs().
+///   InterpolatePairs(a, b, w)
+///                        a + (b - a) * w / 256 in each 16-bit lane, rounded.
 ///   IsZero(v)            Whether all of the vector is, or all coverage.
 ///   IsFull(c)            Whether all coverage is 255.
 ///   Coverage             As many bytes as a vector has pixels.
@@ -21,9 +23,8 @@
 ///                        glyphs often allow. 0 where there is no ForTwoRows().
 ///   ForTwoRows(span, f)  ForNarrow() for such a span, without source pixels.
 ///
-///   Gather(p, at)        The pixels at some offsets.
 ///   LoadPairs(p, at, left, right)
-///                        Those, and the ones to their right.
+///                        The pixels at some offsets, and the ones to their right.
 ///   LoadNearPairs(p, first, step, positions, left, right)
 ///                        The same at the whole parts of positions, `first` and those that follow
 ///                        by `step`, at most one pixel. From the least one on as many pixels may

@@ -27,8 +27,14 @@ ZIRK_INLINE Pixels Alphas(Pixels p) {
   return BothHalves(p >> 24);
 }
 
-ZIRK_INLINE Pixels Fractions(Pixels p) {
+ZIRK_INLINE Pixels Weights(Pixels p) {
   return BothHalves((p >> 8) & 0xFF);
+}
+
+ZIRK_INLINE Pixels InterpolatePairs(Pixels a, Pixels b, Pixels w) {
+  // The product may be negative, but what it is added to has the sum fit into 16 bits again.
+  const Channels product = ((Channels)b - (Channels)a) * (Channels)w;
+  return (Pixels)((((Channels)a << 8) + product + 128) >> 8);
 }
 
 ZIRK_INLINE bool IsZero(Pixels v) {
@@ -78,13 +84,9 @@ ZIRK_INLINE void ForNarrow(const PixelSpan& s, F&& f) {
 
 constexpr int kTwoRows = 0;
 
-ZIRK_INLINE Pixels Gather(const uint32_t* p, Integers at) {
-  return Pixels{p[at[0]], p[at[1]], p[at[2]], p[at[3]]};
-}
-
 ZIRK_INLINE void LoadPairs(const uint32_t* p, Integers at, Pixels& left, Pixels& right) {
-  left = Gather(p, at);
-  right = Gather(p + 1, at);
+  left = Pixels{p[at[0]], p[at[1]], p[at[2]], p[at[3]]};
+  right = Pixels{p[at[0] + 1], p[at[1] + 1], p[at[2] + 1], p[at[3] + 1]};
 }
 ZIRK_INLINE void LoadNearPairs(const uint32_t* p, int32_t, int32_t, Pixels positions, Pixels& left,
                                Pixels& right) {
