@@ -20,52 +20,6 @@ bool HasFactors(const BlendFactors& f, Factor src, Factor dst) {
   return SameForAlpha(f) && f.srcColor == src && f.dstColor == dst;
 }
 
-constexpr uint32_t Repeat(uint32_t channel) {
-  return channel * 0x01010101u;
-}
-
-/// A factor for each channel of one pixel, 0 to 255.
-uint32_t FactorOf(Factor factor, uint32_t src, uint32_t dst, uint32_t blendColor) {
-  switch (factor) {
-    case Factor::Zero:
-      return 0;
-    case Factor::One:
-      return ~0u;
-    case Factor::SrcColor:
-      return src;
-    case Factor::OneMinusSrcColor:
-      return ~src;
-    case Factor::SrcAlpha:
-      return Repeat(src >> 24);
-    case Factor::OneMinusSrcAlpha:
-      return Repeat(~src >> 24);
-    case Factor::DstAlpha:
-      return Repeat(dst >> 24);
-    case Factor::OneMinusDstAlpha:
-      return Repeat(~dst >> 24);
-    case Factor::DstColor:
-      return dst;
-    case Factor::OneMinusDstColor:
-      return ~dst;
-    case Factor::SrcAlphaSaturate:
-      return (Repeat(std::min(src >> 24, ~dst >> 24)) & 0x00FFFFFFu) | 0xFF000000u;
-    case Factor::BlendColor:
-      return blendColor;
-    case Factor::OneMinusBlendColor:
-      return ~blendColor;
-    case Factor::BlendAlpha:
-      return Repeat(blendColor >> 24);
-    case Factor::OneMinusBlendAlpha:
-      return Repeat(~blendColor >> 24);
-  }
-  return 0;
-}
-
-/// The alpha channel of one factor and the colour channels of another.
-uint32_t Join(uint32_t color, uint32_t alpha) {
-  return (color & 0x00FFFFFFu) | (alpha & 0xFF000000u);
-}
-
 std::optional<pixman_op_t> PixmanOperator(const BlendFactors& f) {
   struct Row {
     Factor src, dst;
@@ -103,24 +57,6 @@ ImagePtr SolidImage(uint32_t color) {
 }
 
 }  // namespace
-
-void BlendByFactors(uint32_t* dst, const uint32_t* src, int count, const BlendFactors& f,
-                    uint32_t blendColor) {
-  for (int i = 0; i < count; ++i) {
-    const uint32_t s = src[i], d = dst[i];
-    const uint32_t sf =
-        Join(FactorOf(f.srcColor, s, d, blendColor), FactorOf(f.srcAlpha, s, d, blendColor));
-    const uint32_t df =
-        Join(FactorOf(f.dstColor, s, d, blendColor), FactorOf(f.dstAlpha, s, d, blendColor));
-    uint32_t result = 0;
-    for (int shift = 0; shift < 32; shift += 8) {
-      const uint32_t sum =
-          (s >> shift & 255u) * (sf >> shift & 255u) + (d >> shift & 255u) * (df >> shift & 255u);
-      result |= std::min((sum + 127u) / 255u, 255u) << shift;
-    }
-    dst[i] = result;
-  }
-}
 
 void Blender::Update(const SurfaceState& state) {
   const bool over = HasFactors(state.factors, Factor::One, Factor::OneMinusSrcAlpha);
@@ -192,7 +128,7 @@ void Blender::DrawIndirect(int x, int y, PixelSpan span, bool opaque) {
   span.dst = factors_ ? shaded : pixels;
   if (factors_ || op == Kernels::Over) UnpackRow(target_.Format(), row, x, span.width, pixels);
   Run(span, op);
-  if (factors_) BlendByFactors(pixels, shaded, span.width, *factors_, blendColor_);
+  if (factors_) kernels_.blendByFactors(pixels, shaded, span.width, *factors_, blendColor_);
   PackRow(target_.Format(), pixels, span.width, row, x);
 }
 

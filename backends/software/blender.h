@@ -10,11 +10,6 @@
 
 namespace ZIRK::backends {
 
-/// source * factor + destination * factor, per channel, on `count` premultiplied pixels.
-/// `blendColor` is premultiplied.
-void BlendByFactors(uint32_t* dst, const uint32_t* src, int count, const BlendFactors& factors,
-                    uint32_t blendColor);
-
 /// Puts shaded pixels onto a surface as its state says.
 ///
 /// Where a source is said to be opaque, it is so in every pixel, and covers every pixel wholly.

@@ -5,6 +5,7 @@
 
 #include "kernels.h"
 
+#include "factors.h"
 #include "samplers.h"
 #include "vectors.h"
 
@@ -142,7 +143,6 @@ void Blit(const PixelSpan& span) {
   ForEach(s, !kOver && !kTinted && !kCovered, compute);
 }
 
-using FourPixels = uint32_t __attribute__((vector_size(16)));
 using FourNarrow = uint16_t __attribute__((vector_size(8)));
 
 /// RGB565 and back, of one pixel or of four: channels are widened by repeating their bits, and
@@ -224,6 +224,7 @@ const Kernels ZIRK_KERNELS = {
     {nullptr, nullptr},
     SampleNearest,
     SampleBilinear,
+    BlendByFactors,
 };
 
 }  // namespace ZIRK::backends

@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "surface/blendfactors.h"
+
 /// The inner loops on 32-bit premultiplied pixels (0xAARRGGBB), for whole rectangles at a time:
 /// small operations are the common ones, and each call costs more than a few pixels.
 ///
@@ -54,6 +56,8 @@ constexpr int kFarthestSample = 32000;
 struct Kernels {
   using SpanKernel = void (*)(const PixelSpan&);
   using SampleKernel = void (*)(const SampleRow&, uint32_t* out, int count);
+  using FactorKernel = void (*)(uint32_t* dst, const uint32_t* src, int count,
+                                const BlendFactors& factors, uint32_t blendColor);
 
   /// Replace (`Source`) or blend by source + destination * (1 - source alpha) (`Over`).
   enum Operator { Source = 0, Over = 1 };
@@ -70,6 +74,10 @@ struct Kernels {
 
   SampleKernel sampleNearest;
   SampleKernel sampleBilinear;
+
+  /// source * factor + destination * factor for each channel, rounded once. `blendColor` is
+  /// premultiplied.
+  FactorKernel blendByFactors;
 };
 
 }  // namespace ZIRK::backends

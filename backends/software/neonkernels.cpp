@@ -1,6 +1,7 @@
 // The kernels for NEON. Compiled for processors that have it, so what kernels.cpp says of inline
 // functions holds here too.
 
+#include "factors.h"
 #include "kernels.h"
 #include "neonpixels.h"
 #include "neonrows.h"
@@ -80,6 +81,7 @@ const Kernels kNeonKernels = {
     {Blit<Rgb565, false, false, false>, Blit<Rgb565, true, false, false>},
     SampleNearest,
     SampleBilinear,
+    BlendByFactors,
 };
 
 }  // namespace ZIRK::backends

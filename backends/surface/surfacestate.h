@@ -4,15 +4,9 @@
 #include <zirk/vuenums.h>
 #include <zirk/vurect.h>
 
-namespace ZIRK::backends {
+#include "surface/blendfactors.h"
 
-/// The four factors of the blending function.
-struct BlendFactors {
-  VuBlendingFactor srcColor = VuBlendingFactor::One;
-  VuBlendingFactor dstColor = VuBlendingFactor::OneMinusSrcAlpha;
-  VuBlendingFactor srcAlpha = VuBlendingFactor::One;
-  VuBlendingFactor dstAlpha = VuBlendingFactor::OneMinusSrcAlpha;
-};
+namespace ZIRK::backends {
 
 /// What a surface remembers between drawing calls, apart from its pixels.
 struct SurfaceState {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <random>
@@ -163,6 +164,46 @@ TEST_P(EachLevel, DrawsOnRgb565AtEveryWidth) {
   for (int flags = 0; flags < 8; ++flags)
     for (int width = 1; width < kPitch - 1; ++width)
       CheckSpan565(*GetParam().kernels, flags, width);
+}
+
+/// A factor of the channel at `shift`, 0 to 255; of alpha where `constant` has no more.
+uint32_t FactorAt(VuBlendingFactor factor, uint32_t src, uint32_t dst, uint32_t constant,
+                  int shift) {
+  // In the enumeration's order: a value, and what it lacks of 255.
+  const uint32_t pairs[] = {0, src >> shift & 255, src >> 24, dst >> 24, dst >> shift & 255};
+  const int number = static_cast<int>(factor);
+  if (factor == VuBlendingFactor::SrcAlphaSaturate)
+    return shift == 24 ? 255 : std::min(src >> 24, 255 - (dst >> 24));
+  if (number > static_cast<int>(VuBlendingFactor::SrcAlphaSaturate)) {
+    const int after = number - static_cast<int>(VuBlendingFactor::BlendColor);
+    const uint32_t channel = constant >> (after < 2 ? shift : 24) & 255;
+    return after % 2 ? 255 - channel : channel;
+  }
+  return number % 2 ? 255 - pairs[number / 2] : pairs[number / 2];
+}
+
+TEST_P(EachLevel, BlendsByAnyFactors) {
+  constexpr int kFactors = 15, kCount = 150;
+  const std::vector<uint32_t> before = RandomPixels(5, true), src = RandomPixels(6, true);
+  for (int number = 0; number < kFactors * kFactors; ++number) {
+    const auto nth = [&](int n) { return VuBlendingFactor(n % kFactors); };
+    const BlendFactors f = {nth(number), nth(number / kFactors), nth(number / 2), nth(number / 4)};
+    const uint32_t constant = 0xC0A05020u;
+    const int count = number < kCount ? number : kCount;
+    std::vector<uint32_t> dst = before;
+    GetParam().kernels->blendByFactors(dst.data(), src.data(), count, f, constant);
+    for (size_t i = 0; i < dst.size(); ++i) {
+      const uint32_t s = src[i], d = before[i];
+      uint32_t expected = 0;
+      for (int shift = 0; shift < 32; shift += 8) {
+        const uint32_t sf = FactorAt(shift < 24 ? f.srcColor : f.srcAlpha, s, d, constant, shift);
+        const uint32_t df = FactorAt(shift < 24 ? f.dstColor : f.dstAlpha, s, d, constant, shift);
+        const uint32_t sum = (s >> shift & 255) * sf + (d >> shift & 255) * df;
+        expected |= std::min((sum + 127) / 255, 255u) << shift;
+      }
+      ASSERT_EQ(dst[i], i < static_cast<size_t>(count) ? expected : d) << number << " pixel " << i;
+    }
+  }
 }
 
 /// What the samplers read: a gradient, inside a margin that they must not touch.

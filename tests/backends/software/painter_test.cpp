@@ -34,14 +34,5 @@ TEST(Painter, PixelsMayBeSomebodyElsesAndMove) {
   }
 }
 
-TEST(Blender, RoundsToNearest) {
-  using Factor = VuBlendingFactor;
-  uint32_t pixel = 0x640000C8;
-  const uint32_t source = 0xC8C8C8C8;
-  BlendByFactors(&pixel, &source, 1,
-                 {Factor::SrcAlpha, Factor::DstColor, Factor::SrcAlpha, Factor::DstAlpha}, 0);
-  EXPECT_EQ(pixel, 0xC49D9DFFu) << "a product of 156.86, alone, with 39.2 and clamped";
-}
-
 }  // namespace
 }  // namespace ZIRK::backends

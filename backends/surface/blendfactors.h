@@ -1,0 +1,15 @@
+#pragma once
+
+#include <zirk/vuenums.h>
+
+namespace ZIRK::backends {
+
+/// The four factors of the blending function.
+struct BlendFactors {
+  VuBlendingFactor srcColor = VuBlendingFactor::One;
+  VuBlendingFactor dstColor = VuBlendingFactor::OneMinusSrcAlpha;
+  VuBlendingFactor srcAlpha = VuBlendingFactor::One;
+  VuBlendingFactor dstAlpha = VuBlendingFactor::OneMinusSrcAlpha;
+};
+
+}  // namespace ZIRK::backends
