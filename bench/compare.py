@@ -29,7 +29,7 @@ TARGETS = {
 }
 # Operations in which it means to be level with the best peer, within what runs differ by.
 LEVEL = ("FillRect200Half", "BlitOpaque64", "BlitAlpha64", "Mask", "MaskBlit", "ScaleBilinear",
-         "Rotate128", "ScaleTwice")
+         "Rotate128", "ScaleTwice", "OpaqueOn565", "AlphaOn565", "UiFrame")
 LEVEL_RATIO = 0.95
 FRONT_END_LIMIT = 2  # nanoseconds
 PACKER_RULE = "ShortSide"  # the one that atlases use

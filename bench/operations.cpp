@@ -37,6 +37,21 @@ void MeasureMemcpy(benchmark::State& state) {
   });
 }
 
+/// A screen of widgets, one at each place: a translucent panel with a picture, two icons and a line
+/// below.
+bool DrawFrame(Peer& peer, const Batch& widgets) {
+  const auto within = [&](int x, int y, int width, int height) {
+    Rects places;
+    for (const VuRect& r : widgets.places) places.push_back({r.x + x, r.y + y, width, height});
+    return places;
+  };
+  Rects icons = within(76, 8, 16, 16);
+  for (const VuRect& r : within(76, 32, 16, 16)) icons.push_back(r);
+  return peer.Fill({{0, 0, kWidth, kHeight}}, kOpaque) && peer.Fill(widgets.places, kHalf) &&
+         peer.Blit(within(4, 4, 64, 64), Alpha64) && peer.Blit(icons, Alpha16) &&
+         peer.Fill(within(76, 66, 170, 2), kOpaque);
+}
+
 }  // namespace
 
 const std::vector<Operation> kOperations = {
@@ -70,6 +85,11 @@ const std::vector<Operation> kOperations = {
      0},
     {"UploadOpaque", 200, 64, 64,
      [](Peer& p, const Batch& b) { return p.Upload(b.places, Opaque64); }, 1, 0},
+    {"OpaqueOn565", 200, 64, 64,
+     [](Peer& p, const Batch& b) { return p.BlitOn565(b.places, Opaque64); }, 1, 0},
+    {"AlphaOn565", 200, 64, 64,
+     [](Peer& p, const Batch& b) { return p.BlitOn565(b.places, Alpha64); }, 1, 0},
+    {"UiFrame", 40, 250, 72, DrawFrame, 1, 2},
     // Which pixels a line consists of is everybody's own choice.
     {"Line100", 500, 201, 201,
      [](Peer& p, const Batch& b) { return p.DrawLines(b.lines, kOpaque); }, 8, 4},

@@ -34,6 +34,9 @@ class Peer {
   /// Pixels from memory, of the picture's format, into a surface of that format.
   virtual bool Upload(const Rects&, PictureId) { return false; }
 
+  /// As Blit(), onto a surface of the same size in RGB565.
+  virtual bool BlitOn565(const Rects&, PictureId) { return false; }
+
   /// Copies the surface to kWidth * kHeight pixels.
   virtual void Read(uint32_t* out) = 0;
 };

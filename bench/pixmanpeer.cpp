@@ -32,7 +32,9 @@ void SetSampling(const Image& image, pixman_filter_t filter, pixman_repeat_t rep
 
 class PixmanPeer final : public MemoryPeer {
  public:
-  PixmanPeer() : image_(MakeImage(PIXMAN_a8r8g8b8, kWidth, kHeight, Target(), kPitch)) {
+  PixmanPeer()
+      : image_(MakeImage(PIXMAN_a8r8g8b8, kWidth, kHeight, Target(), kPitch)),
+        narrowImage_(MakeImage(PIXMAN_r5g6b5, kWidth, kHeight, nullptr, 0)) {
     for (const Picture& p : sources_)
       pictures_.push_back(MakeImage(p.opaque ? PIXMAN_x8r8g8b8 : PIXMAN_a8r8g8b8, p.width, p.height,
                                     p.pixels.data(), p.width * 4));
@@ -62,9 +64,11 @@ class PixmanPeer final : public MemoryPeer {
   bool DrawLines(const Lines&, VuColor) override { return false; }
 
   bool Blit(const Rects& places, PictureId picture) override {
-    const pixman_op_t op = sources_[picture].opaque ? PIXMAN_OP_SRC : PIXMAN_OP_OVER;
-    for (const VuRect& r : places) Composite(op, pictures_[picture], nullptr, r);
-    return true;
+    return BlitOn(image_, places, picture);
+  }
+
+  bool BlitOn565(const Rects& places, PictureId picture) override {
+    return BlitOn(narrowImage_, places, picture);
   }
 
   /// A mask by component would also weaken the background by component, so the tinted picture is
@@ -124,11 +128,19 @@ class PixmanPeer final : public MemoryPeer {
   }
 
  private:
-  /// `pixels` is only read where the image is only a source.
+  /// `pixels` is only read where the image is only a source; null for zeros of its own.
   static Image MakeImage(pixman_format_code_t format, int width, int height, const void* pixels,
                          int pitch) {
     auto* const bits = static_cast<uint32_t*>(const_cast<void*>(pixels));
     return Image(pixman_image_create_bits(format, width, height, bits, pitch));
+  }
+
+  bool BlitOn(const Image& target, const Rects& places, PictureId picture) {
+    const pixman_op_t op = sources_[picture].opaque ? PIXMAN_OP_SRC : PIXMAN_OP_OVER;
+    for (const VuRect& r : places)
+      pixman_image_composite32(op, pictures_[picture].get(), nullptr, target.get(), 0, 0, 0, 0, r.x,
+                               r.y, r.width, r.height);
+    return true;
   }
 
   void Composite(pixman_op_t op, const Image& source, pixman_image_t* mask, const VuRect& r) {
@@ -139,6 +151,7 @@ class PixmanPeer final : public MemoryPeer {
   const std::vector<Picture> sources_ = MakePictures();
   const std::vector<Coverage> coverage_ = MakeMasks();
   Image image_;
+  Image narrowImage_;
   std::vector<Image> pictures_;
   std::vector<Image> masks_;
 };

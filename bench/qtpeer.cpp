@@ -24,7 +24,9 @@ class QtPeer final : public MemoryPeer {
  public:
   QtPeer()
       : image_(reinterpret_cast<uchar*>(Target()), kWidth, kHeight, kPitch, kPremultiplied),
-        painter_(&image_) {
+        painter_(&image_),
+        narrowPainter_(&narrowImage_) {
+    narrowImage_.fill(0);
     for (const Picture& p : MakePictures()) {
       pictures_.push_back(MakeImage(p));
       Picture colorsOnly{p.width, p.height, true, p.Straight()};
@@ -64,6 +66,11 @@ class QtPeer final : public MemoryPeer {
 
   bool Blit(const Rects& places, PictureId picture) override {
     for (const VuRect& r : places) painter_.drawImage(r.x, r.y, pictures_[picture]);
+    return Finish();
+  }
+
+  bool BlitOn565(const Rects& places, PictureId picture) override {
+    for (const VuRect& r : places) narrowPainter_.drawImage(r.x, r.y, pictures_[picture]);
     return Finish();
   }
 
@@ -143,6 +150,8 @@ class QtPeer final : public MemoryPeer {
 
   QImage image_;
   QPainter painter_;
+  QImage narrowImage_{kWidth, kHeight, QImage::Format_RGB16};
+  QPainter narrowPainter_;
   std::vector<QImage> pictures_;
   std::vector<QImage> colorsOnly_;
   std::vector<QImage> masks_;

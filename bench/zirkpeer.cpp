@@ -12,7 +12,8 @@ class ZirkPeer final : public Peer {
       : name_(name),
         graphics_(std::move(graphics)),
         target_(graphics_->CreateBitmap(kWidth, kHeight, VuPixelFormat::ARGB8888)),
-        opaqueTarget_(graphics_->CreateBitmap(kWidth, kHeight, VuPixelFormat::XRGB8888)) {
+        opaqueTarget_(graphics_->CreateBitmap(kWidth, kHeight, VuPixelFormat::XRGB8888)),
+        narrowTarget_(graphics_->CreateBitmap(kWidth, kHeight, VuPixelFormat::RGB565)) {
     for (const Picture& p : sources_)
       pictures_.push_back(MakeBitmap(p.width, p.height,
                                      p.opaque ? VuPixelFormat::XRGB8888 : VuPixelFormat::ARGB8888,
@@ -86,6 +87,12 @@ class ZirkPeer final : public Peer {
     return Finish();
   }
 
+  bool BlitOn565(const Rects& places, PictureId picture) override {
+    for (const VuRect& r : places) narrowTarget_->DrawObject(r, *pictures_[picture]);
+    narrowTarget_->Finish();
+    return true;
+  }
+
   void Read(uint32_t* out) override { target_->GetPixels(target_->GetBounds(), out); }
 
  private:
@@ -106,6 +113,7 @@ class ZirkPeer final : public Peer {
   const std::vector<Picture> sources_ = MakePictures();
   std::unique_ptr<VuBitmap> target_;
   std::unique_ptr<VuBitmap> opaqueTarget_;
+  std::unique_ptr<VuBitmap> narrowTarget_;
   std::vector<std::unique_ptr<VuBitmap>> pictures_;
   std::vector<std::unique_ptr<VuBitmap>> masks_;
 };
