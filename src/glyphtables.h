@@ -80,20 +80,16 @@ struct GlyphTraits {
   }
 };
 
-/// The kerning between two glyphs, as FreeType says it.
+/// The kerning between two glyphs of a face, as FreeType says it.
 struct KerningPair {
   struct Key {
-    FT_Face leftFace;
+    FT_Face face;
     uint32_t left;
-    FT_Face rightFace;
     uint32_t right;
     bool operator==(const Key& other) const {
-      return left == other.left && right == other.right && leftFace == other.leftFace &&
-             rightFace == other.rightFace;
+      return left == other.left && right == other.right && face == other.face;
     }
-    uint64_t Hash() const {
-      return (uint64_t(left) << 32 ^ FaceWord(leftFace) ^ FaceWord(rightFace) << 8) + right;
-    }
+    uint64_t Hash() const { return (uint64_t(left) << 32 ^ FaceWord(face)) + right; }
   };
   static const Key& KeyOf(const KerningPair& entry) { return entry.key; }
 

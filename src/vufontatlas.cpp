@@ -97,6 +97,8 @@ struct VuFontAtlas::State {
   unsigned OutlineNumber(int type, int thickness);
   bool Render(GlyphImage& image, CachedGlyph& cached, bool toDraw) const;
   bool Load(CachedGlyph& cached, bool render);
+  // Apart from what finds kerning, which is the usual case: so that takes no stack.
+  [[gnu::noinline]] FT_Vector ReadKerning(const KerningPair::Key& key);
 
   FT_Library freeType = nullptr;
   FT_Face face = nullptr;
@@ -327,18 +329,24 @@ inline const Glyph* VuFontAtlas::Find(uint32_t code, bool render, bool insist) c
   State& s = *state_;
   if (!s.face) return nullptr;
   const int type = static_cast<int>(outlineType_);
-  const auto find = [&](const ResolvedChar& entry) {
-    return s.glyphs.Find({entry.face, entry.index, type, outlineThickness_});
-  };
   if (ResolvedChar* const known = s.chars.Find({code})) {
     const CachedGlyph* cached = known->Recent();
     if (!cached || !HasOutline(cached->glyph, type, outlineThickness_)) {
-      cached = find(*known);
+      cached = s.glyphs.Find({known->face, known->index, type, outlineThickness_});
       known->Remember(cached);
     }
     if (cached && (!render || cached->IsInAtlas())) return &cached->glyph;
   }
+  return FindOrLoad(code, render, insist);
+}
 
+/// As Find(), for what is not there, or not as it is asked for.
+const Glyph* VuFontAtlas::FindOrLoad(uint32_t code, bool render, bool insist) const {
+  State& s = *state_;
+  const int type = static_cast<int>(outlineType_);
+  const auto find = [&](const ResolvedChar& entry) {
+    return s.glyphs.Find({entry.face, entry.index, type, outlineThickness_});
+  };
   const std::lock_guard lock(s.glyphMutex);
   const ResolvedChar* entry = s.chars.Find({code});
   if (!entry) {
@@ -456,16 +464,18 @@ std::shared_ptr<VuTextureAtlasImpl> VuFontAtlas::GetAtlas(VuGraphicsImpl* graphi
 
 FT_Vector VuFontAtlas::GetKerning(const Glyph& left, const Glyph& right) const {
   if (!FT_HAS_KERNING(left.face) || right.face != left.face || right.index == 0) return {0, 0};
-  State& s = *state_;
-  const KerningPair::Key key = {left.face, left.index, right.face, right.index};
-  if (const KerningPair* const known = s.kerning.Find(key)) return known->kerning;
+  const KerningPair::Key key = {left.face, left.index, right.index};
+  if (const KerningPair* const known = state_->kerning.Find(key)) return known->kerning;
+  return state_->ReadKerning(key);
+}
 
-  const std::lock_guard lock(s.kerningMutex);
-  if (const KerningPair* const known = s.kerning.Find(key)) return known->kerning;
-  FT_Vector kerning = {0, 0};
-  FT_Get_Kerning(left.face, left.index, right.index, FT_KERNING_DEFAULT, &kerning);
-  s.kerning.Insert({key, kerning});
-  return kerning;
+FT_Vector VuFontAtlas::State::ReadKerning(const KerningPair::Key& key) {
+  const std::lock_guard lock(kerningMutex);
+  if (const KerningPair* const known = kerning.Find(key)) return known->kerning;
+  FT_Vector read = {0, 0};
+  FT_Get_Kerning(key.face, key.left, key.right, FT_KERNING_DEFAULT, &read);
+  kerning.Insert({key, read});
+  return read;
 }
 
 const Glyph* VuFontAtlas::NextGlyph(TextCursor& cursor, bool render) const {

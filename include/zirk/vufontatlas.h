@@ -121,6 +121,7 @@ class ZIRK_API VuFontAtlas : public VuFontImpl {
   struct ZIRK_LOCAL State;
 
   ZIRK_LOCAL const Glyph* Find(uint32_t code, bool render, bool insist) const;
+  ZIRK_LOCAL const Glyph* FindOrLoad(uint32_t code, bool render, bool insist) const;
   ZIRK_LOCAL int Measure(const char* text) const;
 
   std::unique_ptr<State> state_;
