@@ -15,9 +15,10 @@ foreach(package IN LISTS CPACK_COMPONENTS_ALL)
   foreach(page IN LISTS pages)
     zirk_compress("${page}")
   endforeach()
-  # All plug-ins have the same, and so has the library, whatever its number.
+  # All plug-ins have the same; the library, whatever its number, and the kit have the same.
   string(REGEX REPLACE "^zirk-backend-.*" zirk-backend overrides ${package})
   string(REGEX REPLACE "[0-9]+$" "" overrides ${overrides})
+  string(REPLACE libzirk-kit libzirk overrides ${overrides})
   if(EXISTS "${CPACK_ZIRK_OVERRIDES}/${overrides}.overrides")
     file(MAKE_DIRECTORY "${share}/lintian/overrides")
     configure_file("${CPACK_ZIRK_OVERRIDES}/${overrides}.overrides"

@@ -39,7 +39,7 @@ zirk_install_plugins("${PROJECT_SOURCE_DIR}/backends")
 # include/zirk/impl is a link to src/impl; installed it is a folder.
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/include/zirk"
   DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT libzirk-dev
-  FILES_MATCHING PATTERN "*.h" PATTERN impl EXCLUDE)
+  FILES_MATCHING PATTERN "*.h" PATTERN impl EXCLUDE PATTERN kit EXCLUDE)
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/src/impl/"
   DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/zirk/impl" COMPONENT libzirk-dev
   FILES_MATCHING PATTERN "*.h")
@@ -62,11 +62,27 @@ if(NOT IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
   file(RELATIVE_PATH up "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
   set(ZIRK_PC_PREFIX "\${pcfiledir}/${up}")
 endif()
+# zirk_install_pc(<file> <component>)
+function(zirk_install_pc file component)
+  configure_file("${PROJECT_SOURCE_DIR}/cmake/${file}.in" "${PROJECT_BINARY_DIR}/${file}" @ONLY)
+  install(FILES "${PROJECT_BINARY_DIR}/${file}"
+    DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT ${component})
+endfunction()
 cmake_path(APPEND ZIRK_PC_LIBDIR "\${prefix}" "${CMAKE_INSTALL_LIBDIR}")
 cmake_path(APPEND ZIRK_PC_INCLUDEDIR "\${prefix}" "${CMAKE_INSTALL_INCLUDEDIR}")
-configure_file("${PROJECT_SOURCE_DIR}/cmake/zirk.pc.in" "${PROJECT_BINARY_DIR}/zirk.pc" @ONLY)
-install(FILES "${PROJECT_BINARY_DIR}/zirk.pc"
-  DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT libzirk-dev)
+zirk_install_pc(zirk.pc libzirk-dev)
+
+# The kit, which who has the library alone does without.
+if(TARGET zirk_kit)
+  install(TARGETS zirk_kit EXPORT ZIRKKitTargets LIBRARY
+    DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+    COMPONENT libzirk-kit${ZIRK_SOVERSION} NAMELINK_COMPONENT libzirk-kit-dev)
+  install(EXPORT ZIRKKitTargets NAMESPACE ZIRK::
+    DESTINATION "${ZIRK_PACKAGE_DIR}" COMPONENT libzirk-kit-dev)
+  install(DIRECTORY "${PROJECT_SOURCE_DIR}/include/zirk/kit"
+    DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/zirk" COMPONENT libzirk-kit-dev)
+  zirk_install_pc(zirk-kit.pc libzirk-kit-dev)
+endif()
 
 # The documents, and what the examples are made of, support/ and fonts among it.
 set(ZIRK_DOC_DIR "${CMAKE_INSTALL_DATAROOTDIR}/doc/zirk")

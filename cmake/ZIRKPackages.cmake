@@ -59,14 +59,19 @@ macro(zirk_package name section description)
     DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/doc/${name}" COMPONENT ${name})
 endmacro()
 
-zirk_package(${ZIRK_LIBRARY_PACKAGE} libs
+# zirk_library_package(<name> <library> <description> <package of ours that it needs>...)
+macro(zirk_library_package name library description)
+  zirk_package(${name} libs "${description}" ${ARGN})
+  # What packages of others are to depend on that are linked with it.
+  file(WRITE "${ZIRK_PACKAGES_DIR}/${name}/shlibs"
+    "${library} ${ZIRK_SOVERSION} ${name} (= ${PROJECT_VERSION})\n")
+  file(WRITE "${ZIRK_PACKAGES_DIR}/triggers" "activate-noawait ldconfig\n")
+  set(CPACK_DEBIAN_${component}_PACKAGE_CONTROL_EXTRA
+    "${ZIRK_PACKAGES_DIR}/${name}/shlibs;${ZIRK_PACKAGES_DIR}/triggers")
+endmacro()
+
+zirk_library_package(${ZIRK_LIBRARY_PACKAGE} libZIRK
   "The library that programs draw through, by a backend that is chosen at\nrun time.")
-# What packages of others are to depend on that are linked with it.
-file(WRITE "${ZIRK_PACKAGES_DIR}/shlibs"
-  "libZIRK ${ZIRK_SOVERSION} ${ZIRK_LIBRARY_PACKAGE} (= ${PROJECT_VERSION})\n")
-file(WRITE "${ZIRK_PACKAGES_DIR}/triggers" "activate-noawait ldconfig\n")
-set(CPACK_DEBIAN_LIBZIRK${ZIRK_SOVERSION}_PACKAGE_CONTROL_EXTRA
-  "${ZIRK_PACKAGES_DIR}/shlibs;${ZIRK_PACKAGES_DIR}/triggers")
 set(CPACK_DEBIAN_LIBZIRK${ZIRK_SOVERSION}_PACKAGE_RECOMMENDS zirk-backend-hybrid)
 
 set(drawn_by_fb "The processor draws; the framebuffer device shows.")
@@ -96,6 +101,12 @@ endif()
 zirk_package(libzirk-dev libdevel
   "Headers, and what CMake and pkg-config know the library by."
   ${ZIRK_LIBRARY_PACKAGE})
+if(ZIRK_BUILD_KIT)
+  zirk_library_package(libzirk-kit${ZIRK_SOVERSION} libZIRKKit
+    "Drawing that many programs need beside the library." ${ZIRK_LIBRARY_PACKAGE})
+  zirk_package(libzirk-kit-dev libdevel "Headers of the kit, and what CMake and pkg-config know it by."
+    libzirk-kit${ZIRK_SOVERSION} libzirk-dev)
+endif()
 zirk_package(zirk-doc doc "Documents, and the sources of the examples.")
 set(CPACK_DEBIAN_ZIRK-DOC_PACKAGE_ARCHITECTURE all)
 

@@ -1,7 +1,7 @@
-# cmake -DNM=<nm> -DLIBRARY=<libZIRK.so> -DFOLDER=<folder of the plug-ins> -P exports.cmake
+# cmake -DNM=<nm> -DLIBRARY=<libZIRK.so> -DKIT=<libZIRKKit.so> -DFOLDER=<folder of the plug-ins> -P exports.cmake
 #
-# The library exports nothing but the namespace ZIRK; a plug-in its entry points and
-# the number of its interface and nothing else.
+# The library exports nothing but the namespace ZIRK, the kit nothing but ZIRK::kit; a plug-in its
+# entry points and the number of its interface and nothing else.
 
 cmake_minimum_required(VERSION 3.25)
 
@@ -26,6 +26,7 @@ endfunction()
 # Functions and data, the tables and type information of classes, and thunks into them.
 check("${LIBRARY}" "^_Z(NK?|T[VTIS]N|Tvn[0-9]+_n[0-9]+_N|Tv0_n[0-9]+_N)4ZIRK"
   _ZN4ZIRK5whiteE)
+check("${KIT}" "^_Z(NK?|T[VIS]N)4ZIRK3kit" _ZN4ZIRK3kit3MixENS_7VuColorES1_f)
 
 file(GLOB plugins "${FOLDER}/libZIRKImpl*.so")
 foreach(plugin IN LISTS plugins)

@@ -28,3 +28,5 @@ run("${CMAKE_COMMAND}" --build "${WORK}/build")
 
 run(${EMULATOR} "${WORK}/build/app" "${WORK}/build/libZIRKImplMine.so")
 run(${EMULATOR} "${WORK}/build/app_pkgconfig" "${WORK}/build/libmine_pkgconfig.so")
+run(${EMULATOR} "${WORK}/build/kit_app")
+run(${EMULATOR} "${WORK}/build/kit_app_pkgconfig")

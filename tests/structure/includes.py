@@ -27,8 +27,11 @@ LEVEL_OF = {folder: level for level, folders in enumerate(LEVELS) for folder in 
 PLUGINS = {"stub", "opengles2", "fb", "directfb", "hybrid"}
 MADE_OF = {"hybrid": {"fb", "opengles2"}}
 
-# Programs include what an application does: <zirk/zirk.h> and the headers that it names.
-PROGRAMS = ["tools/zirkinfo", "examples", "support", "fuzz"]
+# Programs include what an application does: <zirk/zirk.h> and the headers that it names, and those
+# of the kit. The kit is made as an application is.
+PROGRAMS = ["tools/zirkinfo", "examples", "support", "fuzz", "kit", "include/zirk/kit"]
+# These do not know the kit, nor do the headers beside its own.
+BELOW_THE_KIT = ("src/", "backends/", "include/")
 EXCEPTIONS = {
     # The example of a backend is one.
     ("examples/backend/surface.h", "zirk/backend.h"),
@@ -43,7 +46,7 @@ INCLUDE = re.compile(r'^\s*#\s*include\s+([<"])([^>"]+)[>"]')
 
 def sources():
     """The project's sources by path; those in tests/ and docs/ may include anything."""
-    roots = ["src", "include", "backends", "bench"] + PROGRAMS
+    roots = ["src", "include", "backends", "bench", *PROGRAMS]
     paths = [path for root in roots for path in (PROJECT / root).rglob("*")
              if path.suffix in (".h", ".cpp")]
     return {str(path.relative_to(PROJECT)): path.read_text(encoding="utf-8")
@@ -81,7 +84,7 @@ class Checker:
                 return "there is no such header"
             fault = self.fault_of_public(path, name)
         elif in_angles:
-            inside = any(f"{root}/{name}" in self.files for root in ("backends", "examples", "src"))
+            inside = any(f"{root}/{name}" in self.files for root in ("backends", "examples", "kit", "src"))
             return "a file of the project in angle brackets" if inside else None
         else:
             target = self.resolve(path, name)
@@ -105,10 +108,13 @@ class Checker:
         return next((target for target in names if target in self.files), None)
 
     def fault_of_public(self, path, name):
+        is_program = any(path.startswith(root + "/") for root in PROGRAMS)
+        if name.startswith("zirk/kit/"):
+            is_below = path.startswith(BELOW_THE_KIT) and not is_program
+            return "the kit stands on this" if is_below else None
         if name in self.application:
             return None
         is_header = path.replace("include/", "") in self.application
-        is_program = any(path.startswith(root + "/") for root in PROGRAMS)
         if not is_header and not is_program:
             return None
         self.used_exceptions.add((path, name))

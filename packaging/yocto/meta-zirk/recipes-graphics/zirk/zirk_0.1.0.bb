@@ -15,7 +15,7 @@ EXTERNALSRC = "${@os.path.realpath(d.getVar('THISDIR') + '/../../../../..')}"
 EXTERNALSRC_SYMLINKS = ""
 
 # OpenGL ES comes from the distribution's EGL and SDL 2; DirectFB needs a layer that has it.
-PACKAGECONFIG ??= "fb kms png jpeg tools \
+PACKAGECONFIG ??= "fb kms png jpeg kit tools \
     ${@bb.utils.contains('DISTRO_FEATURES', 'opengl', 'opengles2', '', d)} hybrid"
 
 PACKAGECONFIG[fb] = "-DZIRK_BACKEND_FB=ON,-DZIRK_BACKEND_FB=OFF,pixman"
@@ -27,6 +27,7 @@ PACKAGECONFIG[stub] = "-DZIRK_BACKEND_STUB=ON,-DZIRK_BACKEND_STUB=OFF"
 PACKAGECONFIG[png] = "-DZIRK_IMAGE_PNG=ON,-DZIRK_IMAGE_PNG=OFF,libpng"
 PACKAGECONFIG[jpeg] = "-DZIRK_IMAGE_JPEG=ON,-DZIRK_IMAGE_JPEG=OFF,libjpeg-turbo"
 PACKAGECONFIG[webp] = "-DZIRK_IMAGE_WEBP=ON,-DZIRK_IMAGE_WEBP=OFF,libwebp"
+PACKAGECONFIG[kit] = "-DZIRK_BUILD_KIT=ON,-DZIRK_BUILD_KIT=OFF"
 PACKAGECONFIG[tools] = "-DZIRK_BUILD_TOOLS=ON,-DZIRK_BUILD_TOOLS=OFF,libpng"
 
 # This build type is small, all but the loops over pixels.
@@ -40,7 +41,7 @@ EXTRA_OECMAKE = "\
 # One package for each backend that is built, and an empty one that depends on all of them.
 BACKENDS = "${@bb.utils.filter('PACKAGECONFIG', 'fb opengles2 hybrid directfb stub', d)}"
 BACKEND_PACKAGES = "${@' '.join('${PN}-backend-' + name for name in d.getVar('BACKENDS').split())}"
-PACKAGES =+ "${BACKEND_PACKAGES} ${PN}-backends ${PN}-tools"
+PACKAGES =+ "${BACKEND_PACKAGES} ${PN}-backends ${PN}-kit ${PN}-tools"
 
 # Plug-ins have no versions in their names, but are no development files.
 FILES:${PN}-backend-fb = "${libdir}/libZIRKImplFB.so"
@@ -48,6 +49,7 @@ FILES:${PN}-backend-opengles2 = "${libdir}/libZIRKImplOpenGL.so"
 FILES:${PN}-backend-hybrid = "${libdir}/libZIRKImplHybrid.so"
 FILES:${PN}-backend-directfb = "${libdir}/libZIRKImplDirectFB.so"
 FILES:${PN}-backend-stub = "${libdir}/libZIRKImplStub.so"
+FILES:${PN}-kit = "${libdir}/libZIRKKit.so.*"
 FILES:${PN}-tools = "${bindir}/zirkinfo"
 ALLOW_EMPTY:${PN}-backends = "1"
 RDEPENDS:${PN}-backends = "${BACKEND_PACKAGES}"

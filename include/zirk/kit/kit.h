@@ -1,0 +1,10 @@
+#pragma once
+
+/// @file
+/// All that libZIRKKit.so has.
+
+/// @namespace ZIRK::kit
+/// What many programs would otherwise write again. It is a library of its own, libZIRKKit.so, built
+/// on the interface that applications have, so it works with every backend.
+
+#include <zirk/kit/color.h>
