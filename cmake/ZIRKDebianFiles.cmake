@@ -18,7 +18,7 @@ foreach(package IN LISTS CPACK_COMPONENTS_ALL)
   # All plug-ins have the same; the library, whatever its number, and the kit have the same.
   string(REGEX REPLACE "^zirk-backend-.*" zirk-backend overrides ${package})
   string(REGEX REPLACE "[0-9]+$" "" overrides ${overrides})
-  string(REPLACE libzirk-kit libzirk overrides ${overrides})
+  string(REPLACE libzirkkit libzirk overrides ${overrides})
   if(EXISTS "${CPACK_ZIRK_OVERRIDES}/${overrides}.overrides")
     file(MAKE_DIRECTORY "${share}/lintian/overrides")
     configure_file("${CPACK_ZIRK_OVERRIDES}/${overrides}.overrides"

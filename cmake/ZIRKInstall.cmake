@@ -76,12 +76,12 @@ zirk_install_pc(zirk.pc libzirk-dev)
 if(TARGET zirk_kit)
   install(TARGETS zirk_kit EXPORT ZIRKKitTargets LIBRARY
     DESTINATION "${CMAKE_INSTALL_LIBDIR}"
-    COMPONENT libzirk-kit${ZIRK_SOVERSION} NAMELINK_COMPONENT libzirk-kit-dev)
+    COMPONENT libzirkkit${ZIRK_SOVERSION} NAMELINK_COMPONENT libzirkkit-dev)
   install(EXPORT ZIRKKitTargets NAMESPACE ZIRK::
-    DESTINATION "${ZIRK_PACKAGE_DIR}" COMPONENT libzirk-kit-dev)
+    DESTINATION "${ZIRK_PACKAGE_DIR}" COMPONENT libzirkkit-dev)
   install(DIRECTORY "${PROJECT_SOURCE_DIR}/include/zirk/kit"
-    DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/zirk" COMPONENT libzirk-kit-dev)
-  zirk_install_pc(zirk-kit.pc libzirk-kit-dev)
+    DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/zirk" COMPONENT libzirkkit-dev)
+  zirk_install_pc(zirk-kit.pc libzirkkit-dev)
 endif()
 
 # The documents, and what the examples are made of, support/ and fonts among it.

@@ -102,10 +102,10 @@ zirk_package(libzirk-dev libdevel
   "Headers, and what CMake and pkg-config know the library by."
   ${ZIRK_LIBRARY_PACKAGE})
 if(ZIRK_BUILD_KIT)
-  zirk_library_package(libzirk-kit${ZIRK_SOVERSION} libZIRKKit
+  zirk_library_package(libzirkkit${ZIRK_SOVERSION} libZIRKKit
     "Drawing that many programs need beside the library." ${ZIRK_LIBRARY_PACKAGE})
-  zirk_package(libzirk-kit-dev libdevel "Headers of the kit, and what CMake and pkg-config know it by."
-    libzirk-kit${ZIRK_SOVERSION} libzirk-dev)
+  zirk_package(libzirkkit-dev libdevel "Headers of the kit, and what CMake and pkg-config know it by."
+    libzirkkit${ZIRK_SOVERSION} libzirk-dev)
 endif()
 zirk_package(zirk-doc doc "Documents, and the sources of the examples.")
 set(CPACK_DEBIAN_ZIRK-DOC_PACKAGE_ARCHITECTURE all)
