@@ -8,3 +8,4 @@
 /// on the interface that applications have, so it works with every backend.
 
 #include <zirk/kit/color.h>
+#include <zirk/kit/scopes.h>
