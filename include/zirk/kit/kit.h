@@ -8,4 +8,6 @@
 /// on the interface that applications have, so it works with every backend.
 
 #include <zirk/kit/color.h>
+#include <zirk/kit/paint.h>
 #include <zirk/kit/scopes.h>
+#include <zirk/kit/shapes.h>

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <zirk/kit/paint.h>
+
+#include "cellcache.h"
+#include "recipe.h"
+
+namespace ZIRK::kit {
+
+/// Draws the shape of a recipe on a surface, cell by cell; those out of sight are left out.
+class ShapePainter {
+ public:
+  /// `bounds` is the shape's own rectangle on `target`, which `paint` lies over. `gradient` is for
+  /// the painter to write in.
+  ShapePainter(CellCache& cache, Recipe& gradient, VuBitmap& target, const Paint& paint,
+               const VuRect& bounds);
+
+  /// Fills a rectangle inside the bounds.
+  void Fill(const VuRect& rect);
+  /// Draws the shape at its own size.
+  void Draw(const Recipe& recipe);
+  /// Draws a shape that is divided, its middles stretched to fill the bounds.
+  void DrawStretched(const Recipe& recipe, const Window& window);
+
+ private:
+  /// Draws parts that are as wide and as high on the target as given.
+  void DrawCells(const Cells& cells, VuPoint at, const Division& widths, const Division& heights);
+  void FillThrough(const VuBitmap& coverage, const VuRect& rect);
+  /// By cells of the gradient, through the mask if there is one.
+  void FillByGradient(const VuRect& rect, const VuBitmap* mask);
+  void DrawPiece(const VuRect& piece, const VuBitmap& gradient, VuPoint from, const VuRect& rect,
+                 const VuBitmap* mask);
+
+  CellCache& cache_;
+  Recipe& gradient_;
+  VuBitmap& target_;
+  const Paint& paint_;
+  const VuRect bounds_, visible_;
+};
+
+}  // namespace ZIRK::kit
