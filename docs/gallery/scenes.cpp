@@ -287,6 +287,7 @@ const std::vector<Scene>& Scenes() {
         {"images", Images},
     };
     for (const Scene& scene : TextScenes()) all.push_back(scene);
+    for (const Scene& scene : ShapeScenes()) all.push_back(scene);
     return all;
   }();
   return scenes;

@@ -19,6 +19,8 @@ constexpr int kHeight = 144;
 const std::vector<Scene>& Scenes();
 /// Those of text, which are among them.
 std::vector<Scene> TextScenes();
+/// Those of the kit, which are among them too.
+std::vector<Scene> ShapeScenes();
 /// The one of that name.
 const Scene& SceneCalled(const char* name);
 

@@ -32,6 +32,9 @@ constexpr Row kRows[] = {
     {.scene = "turned"},
     {.scene = "sub_pixel"},
     {.scene = "masked"},
+    {.scene = "kit_shapes", .others = 2},
+    {.scene = "kit_lines", .others = 2},
+    {.scene = "kit_gradients", .others = 2},
     // Releases of FreeType smooth edges a little differently.
     {.scene = "text", .own = 8, .others = 8},
 };
