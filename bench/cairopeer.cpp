@@ -9,9 +9,11 @@ namespace {
 struct Release {
   void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
   void operator()(cairo_t* context) const { cairo_destroy(context); }
+  void operator()(cairo_pattern_t* pattern) const { cairo_pattern_destroy(pattern); }
 };
 using Surface = std::unique_ptr<cairo_surface_t, Release>;
 using Context = std::unique_ptr<cairo_t, Release>;
+using Pattern = std::unique_ptr<cairo_pattern_t, Release>;
 
 Surface MakeSurface(cairo_format_t format, int width, int height, const void* pixels, int pitch) {
   auto* const bytes = static_cast<unsigned char*>(const_cast<void*>(pixels));
@@ -147,6 +149,50 @@ class CairoPeer final : public MemoryPeer {
       cairo_rotate(context_.get(), -degrees * 3.141592653589793 / 180);
       SetSource(picture, -p.width / 2.0, -p.height / 2.0, CAIRO_EXTEND_NONE, CAIRO_FILTER_BILINEAR);
       cairo_paint(context_.get());
+      cairo_identity_matrix(context_.get());
+    }
+    return Finish();
+  }
+
+  bool FillRounded(const Rects& places, float radius, VuColor color) override {
+    constexpr double kQuarter = 1.5707963267948966;
+    SetColor(context_, color);
+    for (const VuRect& r : places) {
+      const double left = r.x + double{radius}, right = r.x + r.width - double{radius};
+      const double top = r.y + double{radius}, bottom = r.y + r.height - double{radius};
+      cairo_new_sub_path(context_.get());
+      cairo_arc(context_.get(), left, top, radius, 2 * kQuarter, 3 * kQuarter);
+      cairo_arc(context_.get(), right, top, radius, -kQuarter, 0);
+      cairo_arc(context_.get(), right, bottom, radius, 0, kQuarter);
+      cairo_arc(context_.get(), left, bottom, radius, kQuarter, 2 * kQuarter);
+      cairo_close_path(context_.get());
+      cairo_fill(context_.get());
+    }
+    return Finish();
+  }
+
+  bool FillDiscs(const Rects& places, VuColor color) override {
+    SetColor(context_, color);
+    for (const VuRect& r : places) {
+      cairo_arc(context_.get(), r.x + r.width / 2.0, r.y + r.height / 2.0, r.width / 2.0, 0,
+                6.283185307179586);
+      cairo_fill(context_.get());
+    }
+    return Finish();
+  }
+
+  bool FillGradient(const Rects& places, VuColor top, VuColor bottom) override {
+    const Pattern pattern(cairo_pattern_create_linear(0, 0, 0, places[0].height));
+    int stop = 0;
+    for (const VuColor color : {top, bottom}) {
+      const auto channel = [=](int shift) { return (color.argb >> shift & 255) / 255.0; };
+      cairo_pattern_add_color_stop_rgb(pattern.get(), stop++, channel(16), channel(8), channel(0));
+    }
+    for (const VuRect& r : places) {
+      cairo_translate(context_.get(), r.x, r.y);
+      cairo_set_source(context_.get(), pattern.get());
+      cairo_rectangle(context_.get(), 0, 0, r.width, r.height);
+      cairo_fill(context_.get());
       cairo_identity_matrix(context_.get());
     }
     return Finish();

@@ -18,6 +18,9 @@ TARGETS = {
     ("BlitAlpha16", "Cairo"): 2.5,
     ("BlitTinted64", "Cairo"): 8,
     ("Line100", "Cairo"): 4,
+    ("RoundedRect", "Cairo"): 5,
+    ("Disc32", "Cairo"): 5,
+    ("Gradient200", "blit"): 0.67,
     ("TextMeasure", "FreeType"): 100,
     ("TextMeasure", "Cairo"): 5,
     ("TextMeasure", "SDL_ttf"): 5,
@@ -86,7 +89,7 @@ def print_operations(groups, title="Drawing: items"):
         instructions = f"{ours['instructions']:.0f}" if "instructions" in ours else "-"
         line = f"{operation:<17}{speed(ours):>12.0f}{instructions:>8}{ours['allocations']:>8.2g}"
         line += "".join(f"{ratios[peer]:>9.2f}" if peer in ratios else f"{'-':>9}" for peer in peers)
-        best = min((peer for peer in ratios if peer != "memset"), key=ratios.get)
+        best = min((peer for peer in ratios if peer not in ("memset", "blit")), key=ratios.get)
         line += f"   {best:<9}"
         for (name, peer), target in TARGETS.items():
             if name == operation and peer in ratios:

@@ -55,7 +55,7 @@ std::vector<uint32_t> Picture::Straight() const {
 
 std::vector<Picture> MakePictures() {
   return {MakePicture(64, true), MakePicture(64, false), MakePicture(16, false),
-          MakePicture(128, false)};
+          MakePicture(128, false), MakePicture(200, true)};
 }
 
 std::vector<Coverage> MakeMasks() {

@@ -29,7 +29,7 @@ struct Coverage {
   std::vector<uint8_t> alpha;
 };
 
-enum PictureId { Opaque64, Alpha64, Alpha16, Alpha128 };
+enum PictureId { Opaque64, Alpha64, Alpha16, Alpha128, Opaque200 };
 enum MaskId { Mask200, Mask64 };
 
 /// The pictures and masks that every peer makes its own copies of, in the order of their ids. The

@@ -52,6 +52,12 @@ bool DrawFrame(Peer& peer, const Batch& widgets) {
          peer.Fill(within(76, 66, 170, 2), kOpaque);
 }
 
+/// What an opaque blit of a gradient's size costs.
+void MeasureBlit(benchmark::State& state, Peer& peer) {
+  const Batch batch = MakeBatch(50, 200, 200);
+  Measure(state, 50, [&] { peer.Blit(batch.places, Opaque200); });
+}
+
 }  // namespace
 
 const std::vector<Operation> kOperations = {
@@ -90,6 +96,14 @@ const std::vector<Operation> kOperations = {
     {"AlphaOn565", 200, 64, 64,
      [](Peer& p, const Batch& b) { return p.BlitOn565(b.places, Alpha64); }, 1, 0},
     {"UiFrame", 40, 250, 72, DrawFrame, 1, 2},
+    // How finely an edge is divided differs. So few rectangles stay in the processor's cache; 200
+    // would measure the memory as much as the drawing.
+    {"RoundedRect", 50, 120, 40,
+     [](Peer& p, const Batch& b) { return p.FillRounded(b.places, 8, kOpaque); }, 1, 2},
+    {"Disc32", 500, 32, 32, [](Peer& p, const Batch& b) { return p.FillDiscs(b.places, kOpaque); },
+     1, 2},
+    {"Gradient200", 50, 200, 200,
+     [](Peer& p, const Batch& b) { return p.FillGradient(b.places, kOpaque, white); }, 1, 2},
     // Which pixels a line consists of is everybody's own choice.
     {"Line100", 500, 201, 201,
      [](Peer& p, const Batch& b) { return p.DrawLines(b.lines, kOpaque); }, 8, 4},
@@ -108,6 +122,9 @@ void RegisterOperations(const Peers& peers) {
     }
   }
   benchmark::RegisterBenchmark("FillOpaque/memset", MeasureMemset)->Unit(benchmark::kMicrosecond);
+  benchmark::RegisterBenchmark("Gradient200/blit", [&](benchmark::State& state) {
+    MeasureBlit(state, *peers.front());
+  })->Unit(benchmark::kMicrosecond);
   for (const char* const name : {"Upload/memcpy", "UploadOpaque/memcpy"})
     benchmark::RegisterBenchmark(name, MeasureMemcpy)->Unit(benchmark::kMicrosecond);
 }

@@ -37,6 +37,12 @@ class Peer {
   /// As Blit(), onto a surface of the same size in RGB565.
   virtual bool BlitOn565(const Rects&, PictureId) { return false; }
 
+  /// With smooth edges: places with round corners, the discs that they hold, and places filled from
+  /// one opaque colour at the top to another at the bottom.
+  virtual bool FillRounded(const Rects&, float /*radius*/, VuColor) { return false; }
+  virtual bool FillDiscs(const Rects&, VuColor) { return false; }
+  virtual bool FillGradient(const Rects&, VuColor /*top*/, VuColor /*bottom*/) { return false; }
+
   /// Copies the surface to kWidth * kHeight pixels.
   virtual void Read(uint32_t* out) = 0;
 };

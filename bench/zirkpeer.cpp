@@ -1,3 +1,4 @@
+#include <zirk/kit/kit.h>
 #include <zirk/zirk.h>
 
 #include "peer.h"
@@ -13,7 +14,8 @@ class ZirkPeer final : public Peer {
         graphics_(std::move(graphics)),
         target_(graphics_->CreateBitmap(kWidth, kHeight, VuPixelFormat::ARGB8888)),
         opaqueTarget_(graphics_->CreateBitmap(kWidth, kHeight, VuPixelFormat::XRGB8888)),
-        narrowTarget_(graphics_->CreateBitmap(kWidth, kHeight, VuPixelFormat::RGB565)) {
+        narrowTarget_(graphics_->CreateBitmap(kWidth, kHeight, VuPixelFormat::RGB565)),
+        shapes_(*graphics_) {
     for (const Picture& p : sources_)
       pictures_.push_back(MakeBitmap(p.width, p.height,
                                      p.opaque ? VuPixelFormat::XRGB8888 : VuPixelFormat::ARGB8888,
@@ -93,6 +95,26 @@ class ZirkPeer final : public Peer {
     return true;
   }
 
+  bool FillRounded(const Rects& places, float radius, VuColor color) override {
+    for (const VuRect& r : places) shapes_.FillRoundedRect(*target_, r, radius, color);
+    return Finish();
+  }
+
+  bool FillDiscs(const Rects& places, VuColor color) override {
+    for (const VuRect& r : places) {
+      const float radius = static_cast<float>(r.width) / 2;
+      const kit::Point corner(static_cast<float>(r.x), static_cast<float>(r.y));
+      shapes_.FillDisc(*target_, corner + kit::Point(radius, radius), radius, color);
+    }
+    return Finish();
+  }
+
+  bool FillGradient(const Rects& places, VuColor top, VuColor bottom) override {
+    const kit::Paint paint = kit::Paint::Linear(top, bottom);
+    for (const VuRect& r : places) shapes_.FillRect(*target_, r, paint);
+    return Finish();
+  }
+
   void Read(uint32_t* out) override { target_->GetPixels(target_->GetBounds(), out); }
 
  private:
@@ -114,6 +136,7 @@ class ZirkPeer final : public Peer {
   std::unique_ptr<VuBitmap> target_;
   std::unique_ptr<VuBitmap> opaqueTarget_;
   std::unique_ptr<VuBitmap> narrowTarget_;
+  kit::Shapes shapes_;
   std::vector<std::unique_ptr<VuBitmap>> pictures_;
   std::vector<std::unique_ptr<VuBitmap>> masks_;
 };
