@@ -9,12 +9,10 @@ namespace ZIRK::kit {
 namespace {
 
 uint64_t HashOf(const Recipe& key) {
-  uint64_t hash = 0xCBF29CE484222325u;
-  for (const int32_t number : key) {
-    hash = (hash ^ static_cast<uint32_t>(number)) * 0x9E3779B97F4A7C15u;
-    hash ^= hash >> 32;
-  }
-  return hash;
+  uint64_t hash = key.size();
+  for (const int32_t number : key)
+    hash = (hash << 7 ^ hash >> 57 ^ static_cast<uint32_t>(number)) * 0x9E3779B97F4A7C15u;
+  return hash ^ hash >> 32;
 }
 
 /// The smallest rectangle in `part` that holds all pixels with coverage.

@@ -2,7 +2,6 @@
 
 #include <zirk/kit/shapes.h>
 
-#include <cmath>
 #include <cstdint>
 #include <vector>
 
@@ -20,7 +19,8 @@ using Recipe = std::vector<int32_t>;
 constexpr float kUnitsPerPixel = 16;
 
 inline int32_t ToUnits(float length) {
-  return static_cast<int32_t>(std::lround(length * kUnitsPerPixel));
+  const float units = length * kUnitsPerPixel;
+  return static_cast<int32_t>(units + (units < 0 ? -0.5f : 0.5f));
 }
 
 /// Reads a recipe from its beginning.

@@ -53,14 +53,20 @@ Corners Fitted(const Corners& radii, const VuRect& rect) {
   fit(height, r.topLeft, r.bottomLeft);
   fit(height, r.topRight, r.bottomRight);
   const auto whole = [=](float radius) {
-    return std::floor(radius * scale * kUnitsPerPixel) / kUnitsPerPixel;
+    return static_cast<float>(static_cast<int>(radius * scale * kUnitsPerPixel)) / kUnitsPerPixel;
   };
   return {whole(r.topLeft), whole(r.topRight), whole(r.bottomRight), whole(r.bottomLeft)};
 }
 
+/// Of a length that is not negative. What runs for each call does without the functions of <cmath>.
+int Ceiling(float length) {
+  const auto whole = static_cast<int>(length);
+  return static_cast<float>(whole) < length ? whole + 1 : whole;
+}
+
 /// Divides a side that ends in `before` and `behind` and is otherwise the same all along.
 Division Divide(int side, float before, float behind) {
-  const int first = static_cast<int>(std::ceil(before)), last = static_cast<int>(std::ceil(behind));
+  const int first = Ceiling(before), last = Ceiling(behind);
   if (first + last < side) return {first, 1, last};
   return {side, 0, 0};
 }

@@ -141,8 +141,8 @@ class ZIRK_API Shapes {
   /// A straight line. One without length draws its caps alone.
   void DrawLine(VuBitmap& target, Point from, Point to, Stroke stroke, const Paint& paint);
   /// Segments from point to point, from the last to the first as well if `closed`. Where the line
-  /// meets or crosses itself it is drawn once, all but the pixel in each corner of a crossing, which
-  /// may be covered up to a quarter more.
+  /// meets or crosses itself it is drawn once, all but the pixel in each corner of a crossing:
+  /// that may be covered up to a quarter more.
   void DrawPolyline(VuBitmap& target, Points points, Stroke stroke, const Paint& paint,
                     bool closed = false);
 
