@@ -9,3 +9,4 @@
 
 #include <zirk/kit/color.h>
 #include <zirk/kit/scopes.h>
+#include <zirk/kit/text.h>
