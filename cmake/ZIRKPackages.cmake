@@ -101,7 +101,7 @@ endif()
 zirk_package(libzirk-dev libdevel
   "Headers, and what CMake and pkg-config know the library by."
   ${ZIRK_LIBRARY_PACKAGE})
-if(ZIRK_BUILD_KIT)
+if(TARGET zirk_kit)
   zirk_library_package(libzirkkit${ZIRK_SOVERSION} libZIRKKit
     "Drawing that many programs need beside the library." ${ZIRK_LIBRARY_PACKAGE})
   zirk_package(libzirkkit-dev libdevel "Headers of the kit, and what CMake and pkg-config know it by."

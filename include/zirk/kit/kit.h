@@ -10,3 +10,4 @@
 #include <zirk/kit/color.h>
 #include <zirk/kit/scopes.h>
 #include <zirk/kit/text.h>
+#include <zirk/kit/textbox.h>

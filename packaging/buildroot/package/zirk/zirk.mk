@@ -36,6 +36,7 @@ ZIRK_CONF_OPTS = \
 ZIRK_DEPENDENCIES += \
 	$(if $(BR2_PACKAGE_ZIRK_FB)$(BR2_PACKAGE_ZIRK_DIRECTFB),pixman) \
 	$(if $(BR2_PACKAGE_ZIRK_FB_KMS),libdrm) \
+	$(if $(BR2_PACKAGE_ZIRK_KIT),libunibreak) \
 	$(if $(BR2_PACKAGE_ZIRK_OPENGLES2),libegl libgles sdl2) \
 	$(if $(BR2_PACKAGE_ZIRK_DIRECTFB),directfb) \
 	$(if $(BR2_PACKAGE_ZIRK_PNG)$(BR2_PACKAGE_ZIRK_TOOLS),libpng) \
