@@ -39,7 +39,7 @@ ZIRK_DEPENDENCIES += \
 	$(if $(BR2_PACKAGE_ZIRK_KIT),libunibreak) \
 	$(if $(BR2_PACKAGE_ZIRK_OPENGLES2),libegl libgles sdl2) \
 	$(if $(BR2_PACKAGE_ZIRK_DIRECTFB),directfb) \
-	$(if $(BR2_PACKAGE_ZIRK_PNG)$(BR2_PACKAGE_ZIRK_TOOLS),libpng) \
+	$(if $(BR2_PACKAGE_ZIRK_PNG),libpng) \
 	$(if $(BR2_PACKAGE_ZIRK_JPEG),jpeg-turbo) \
 	$(if $(BR2_PACKAGE_ZIRK_WEBP),webp)
 
