@@ -98,6 +98,8 @@ zirk_package(libzirk-dev libdevel
 if(TARGET zirk_kit)
   zirk_library_package(libzirkkit${ZIRK_SOVERSION} libZIRKKit
     "Drawing that many programs need beside the library." ${ZIRK_LIBRARY_PACKAGE})
+  # Opened at run time.
+  set(CPACK_DEBIAN_LIBZIRKKIT${ZIRK_SOVERSION}_PACKAGE_SUGGESTS libfontconfig1)
   zirk_package(libzirkkit-dev libdevel "Headers of the kit, and what CMake and pkg-config know it by."
     libzirkkit${ZIRK_SOVERSION} libzirk-dev)
 endif()
