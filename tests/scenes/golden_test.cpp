@@ -32,6 +32,7 @@ constexpr Row kRows[] = {
     {.scene = "masked"},
     // Releases of FreeType smooth edges a little differently.
     {.scene = "text", .own = 8, .others = 8},
+    {.scene = "text_boxes", .own = 8, .others = 8},
 };
 constexpr double kMean = 0.5;
 
