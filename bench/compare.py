@@ -29,6 +29,7 @@ TARGETS = {
     ("TextDraw", "Cairo"): 2,
     ("TextDraw", "SDL_ttf"): 5,
     ("TextOpen", "FreeType"): 0.91,
+    ("TextWrap", "Pango"): 10,
 }
 # Operations in which it means to be level with the best peer, within what runs differ by.
 LEVEL = ("FillRect200Half", "BlitOpaque64", "BlitAlpha64", "Mask", "MaskBlit", "ScaleBilinear",
@@ -119,7 +120,7 @@ def print_geometry(groups):
 
 
 def print_text(groups):
-    print_operations(groups, "Text: lines of 40 characters, or fonts opened,")
+    print_operations(groups, "Text: lines of 40 characters, fonts opened, or paragraphs broken into lines,")
     threads = groups.get("TextThreads")
     if threads:
         one, eight = (threads[count]["items_per_second"] for count in ("one", "eight"))

@@ -54,6 +54,9 @@ TextPeers MakeTextPeers() {
 #ifdef ZIRK_BENCH_DIRECTFB
            MakeDirectFbText,
 #endif
+#ifdef ZIRK_BENCH_PANGO
+           MakePangoText,
+#endif
        }) {
     try {
       peers.push_back(make());

@@ -5,28 +5,42 @@
 #include <zirk/vufont.h>
 
 #include <string>
+#include <string_view>
 
 #include "measure.h"
 #include "textpeer.h"
 
 namespace ZIRK::bench {
 
+namespace {
+
+constexpr std::string_view kWords =
+    "The quick brown fox jumps over the lazy dog. AVATAR, Tomorrow & Yesterday: 0123456789 "
+    "(Pack my box with five dozen liquor jugs!) Waltz, bad nymph, for quick jigs vex; 47% "
+    "To. ";
+
+}  // namespace
+
 std::string TextFont() {
   return ZIRK_BENCH_FONT;
 }
 
 TextLines MakeTextLines() {
-  const std::string words =
-      "The quick brown fox jumps over the lazy dog. AVATAR, Tomorrow & Yesterday: 0123456789 "
-      "(Pack my box with five dozen liquor jugs!) Waltz, bad nymph, for quick jigs vex; 47% To. ";
   TextLines lines;
   for (int i = 0; i < 30; ++i) {
     std::string text;
     for (size_t c = 0; c < kLineLength; ++c)
-      text += words[(static_cast<size_t>(i) * 29 + c) % words.size()];
+      text += kWords[(static_cast<size_t>(i) * 29 + c) % kWords.size()];
     lines.push_back({std::move(text), 20 + 7 * i, 10 + 23 * i});
   }
   return lines;
+}
+
+std::string MakeParagraph() {
+  std::string paragraph;
+  while (paragraph.size() < kParagraphLength) paragraph += kWords;
+  paragraph.resize(kParagraphLength);
+  return paragraph;
 }
 
 std::string OpenedCharacters() {
@@ -79,6 +93,7 @@ void MeasureCache(benchmark::State& state) {
 
 void RegisterText(const TextPeers& peers) {
   static const TextLines lines = MakeTextLines();
+  static const std::string paragraph = MakeParagraph();
   const int count = static_cast<int>(lines.size());
   for (const std::unique_ptr<TextPeer>& owned : peers) {
     TextPeer& peer = *owned;
@@ -86,6 +101,9 @@ void RegisterText(const TextPeers& peers) {
       Enlist("TextMeasure", peer, count,
              [&peer] { benchmark::DoNotOptimize(peer.Measure(lines)); });
     if (peer.Draw(lines)) Enlist("TextDraw", peer, count, [&peer] { peer.Draw(lines); });
+    if (peer.Wrap(paragraph, kParagraphWidth) >= 0)
+      Enlist("TextWrap", peer, 1,
+             [&peer] { benchmark::DoNotOptimize(peer.Wrap(paragraph, kParagraphWidth)); });
     if (peer.Open()) Enlist("TextOpen", peer, 1, [&peer] { peer.Open(); });
   }
   benchmark::RegisterBenchmark("TextThreads/one", MeasureTogether)->UseRealTime();

@@ -26,6 +26,12 @@ using TextLines = std::vector<TextLine>;
 /// The same lines for every peer and in every run.
 TextLines MakeTextLines();
 
+constexpr int kParagraphLength = 500;  ///< Characters.
+constexpr int kParagraphWidth = 300;   ///< Pixels.
+
+/// A paragraph of kParagraphLength characters, Latin and plain.
+std::string MakeParagraph();
+
 /// All of the printable characters of ASCII.
 std::string OpenedCharacters();
 
@@ -44,6 +50,9 @@ class TextPeer {
   /// Opens the font once more, sets a line of OpenedCharacters() with it, rendered and kerned but
   /// not drawn, and closes it.
   virtual bool Open() { return false; }
+  /// Breaks a paragraph into lines of a width in pixels, anew each time, and returns how many they
+  /// are; negative if there is no such operation.
+  virtual int Wrap(const std::string&, int) { return -1; }
   /// Copies the surface to kWidth * kHeight pixels.
   virtual bool Read(uint32_t*) { return false; }
 };
@@ -60,8 +69,10 @@ std::unique_ptr<TextPeer> MakePixmanTextOn565();
 std::unique_ptr<TextPeer> MakeCairoText();
 std::unique_ptr<TextPeer> MakeSdlText();
 std::unique_ptr<TextPeer> MakeDirectFbText();
+std::unique_ptr<TextPeer> MakePangoText();
 
-/// Registers the benchmarks "TextMeasure/Peer", "TextDraw/Peer" and "TextOpen/Peer".
+/// Registers the benchmarks "TextMeasure/Peer", "TextDraw/Peer", "TextOpen/Peer" and
+/// "TextWrap/Peer".
 void RegisterText(const TextPeers& peers);
 
 /// Compares widths and pictures with the first peer's, one line each on the standard output.

@@ -116,16 +116,28 @@ bool VerifyDrawnText(const Surface& reference, TextPeer& peer, const TextLines& 
   return within;
 }
 
+/// The same number of lines.
+bool VerifyWrapping(int expected, TextPeer& peer) {
+  const int lines = peer.Wrap(MakeParagraph(), kParagraphWidth);
+  if (lines < 0) return true;
+  const bool same = lines == expected;
+  std::printf("%-16s %-8s %d lines, ours %d  %s\n", "TextWrap", peer.Name(), lines, expected,
+              same ? "ok" : "DIFFERS");
+  return same;
+}
+
 }  // namespace
 
 bool VerifyText(const TextPeers& peers) {
   const TextLines lines = MakeTextLines();
   const double width = peers[0]->Measure(lines);
   const Surface reference = DrawnText(*peers[0], lines);
+  const int wrapped = peers[0]->Wrap(MakeParagraph(), kParagraphWidth);
   bool good = true;
   for (size_t i = 1; i < peers.size(); ++i) {
     good = VerifyWidths(width, *peers[i], lines) && good;
     good = VerifyDrawnText(reference, *peers[i], lines) && good;
+    good = VerifyWrapping(wrapped, *peers[i]) && good;
   }
   return good;
 }

@@ -1,3 +1,4 @@
+#include <zirk/kit/textbox.h>
 #include <zirk/zirk.h>
 
 #include "textpeer.h"
@@ -35,6 +36,14 @@ class ZirkText final : public TextPeer {
     target_->DrawText(font, characters.c_str(), kOutside, kTextColor);
     target_->Finish();
     return true;
+  }
+
+  int Wrap(const std::string& paragraph, int width) override {
+    kit::TextStyle style;
+    style.width = width;
+    kit::TextBox box;
+    box.SetText(font_, paragraph, kTextColor, style);
+    return static_cast<int>(box.GetLineCount());
   }
 
   bool Read(uint32_t* out) override { return target_->GetPixels({0, 0, kWidth, kHeight}, out); }

@@ -84,7 +84,7 @@ if(TARGET zirk_kit)
   zirk_install_pc(zirk-kit.pc libzirkkit-dev)
 endif()
 
-# The documents, and what the examples are made of, support/ and fonts among it.
+# The documents, and what the examples are made of, fonts among it.
 set(ZIRK_DOC_DIR "${CMAKE_INSTALL_DATAROOTDIR}/doc/zirk")
 install(FILES
   "${PROJECT_SOURCE_DIR}/CHANGELOG.md"
@@ -97,7 +97,6 @@ install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs"
 install(DIRECTORY
   "${PROJECT_SOURCE_DIR}/examples"
   "${PROJECT_SOURCE_DIR}/packaging"
-  "${PROJECT_SOURCE_DIR}/support"
   DESTINATION "${ZIRK_DOC_DIR}" COMPONENT zirk-doc)
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/tests/fonts"
   DESTINATION "${ZIRK_DOC_DIR}/tests" COMPONENT zirk-doc

@@ -92,20 +92,22 @@ set(CPACK_DEBIAN_ZIRK-BACKEND-HYBRID_PACKAGE_RECOMMENDS "libsdl2-2.0-0, libegl1,
 zirk_package(zirk-backends libs "Metapackage that depends on all backends."
   ${ZIRK_BACKEND_PACKAGES})
 
-if(ZIRK_BUILD_TOOLS)
-  zirk_package(zirk-tools utils
-    "zirkinfo shows which backends work on a machine, and how they draw."
-    ${ZIRK_LIBRARY_PACKAGE})
-  set(CPACK_DEBIAN_ZIRK-TOOLS_PACKAGE_SUGGESTS zirk-backends)
-endif()
 zirk_package(libzirk-dev libdevel
   "Headers, and what CMake and pkg-config know the library by."
   ${ZIRK_LIBRARY_PACKAGE})
-if(ZIRK_BUILD_KIT)
+if(TARGET zirk_kit)
   zirk_library_package(libzirkkit${ZIRK_SOVERSION} libZIRKKit
     "Drawing that many programs need beside the library." ${ZIRK_LIBRARY_PACKAGE})
+  # Opened at run time.
+  set(CPACK_DEBIAN_LIBZIRKKIT${ZIRK_SOVERSION}_PACKAGE_SUGGESTS libfontconfig1)
   zirk_package(libzirkkit-dev libdevel "Headers of the kit, and what CMake and pkg-config know it by."
     libzirkkit${ZIRK_SOVERSION} libzirk-dev)
+endif()
+if(ZIRK_BUILD_TOOLS)
+  zirk_package(zirk-tools utils
+    "zirkinfo shows which backends work on a machine, and how they draw."
+    ${ZIRK_LIBRARY_PACKAGE} libzirkkit${ZIRK_SOVERSION})
+  set(CPACK_DEBIAN_ZIRK-TOOLS_PACKAGE_SUGGESTS zirk-backends)
 endif()
 zirk_package(zirk-doc doc "Documents, and the sources of the examples.")
 set(CPACK_DEBIAN_ZIRK-DOC_PACKAGE_ARCHITECTURE all)

@@ -2,8 +2,8 @@
 //
 //     zirk_make_seams SEAMS.png
 
+#include <zirk/kit/pictures.h>
 #include <zirk/zirk.h>
-#include "support/pngfile.h"
 
 #include <cmath>
 #include <cstdio>
@@ -55,5 +55,5 @@ int main(int argc, char** argv) {
 
   const auto large = make(kPanels * kSide * kMagnified, kSide * kMagnified, kGround);
   large->DrawObject(large->GetBounds(), *panels);
-  return support::WritePng(argv[1], *large) ? 0 : 1;
+  return kit::SavePng(*large, argv[1]) ? 0 : 1;
 }

@@ -1,3 +1,4 @@
+#include <zirk/kit/textbox.h>
 #include <zirk/vufontatlas.h>
 
 #include <memory>
@@ -59,10 +60,47 @@ void TextCombined(VuGraphics& g, VuBitmap& t) {
   t.DrawText(sans, "Mirror", VuPoint{0, 0}, kGreen, VuTransform(64, 122, -1, 1, 0));
 }
 
+/// Sets a text into a part of the bitmap, on a ground that shows where that is.
+template <size_t count>
+void DrawBox(VuBitmap& t, const kit::TextRun (&runs)[count], const VuRect& place,
+             kit::TextStyle style, const VuTransform& turn = VuTransform()) {
+  style.width = place.width;
+  style.height = place.height;
+  kit::TextBox box;
+  box.SetText(runs, count, style);
+  t.DrawRect(place, VuColor{0xFF304860}, turn);
+  box.Draw(t, {place.x, place.y}, turn);
+}
+
+void TextBoxes(VuGraphics&, VuBitmap& t) {
+  const Font sans("sans.ttf", 10), bold("sansbold.ttf", 16), cjk("cjk.ttf", 12);
+  const kit::TextRun mixed[] = {{"Fonts, ", &sans, white},
+                                {"several ", &bold, kYellow},
+                                {"こんにちは世界、你好。", &cjk, kGreen},
+                                {"AVATAR To. Donaudampfschifffahrt", &sans, white}};
+  const kit::TextRun plain[] = {
+      {"Justified up to the edge, but for last lines.\nNew paragraph", &sans, white}};
+  const kit::TextRun table[] = {{"a\t12\nbcd\t3456\nWürze\t7", &sans, white}};
+  const kit::TextRun shortened[] = {{"Cut where the ", &sans, white}, {"box is full", &bold, kRed}};
+  kit::TextStyle style;
+  DrawBox(t, mixed, {3, 3, 90, 92}, style);
+  style.align = kit::TextAlign::Justify;
+  DrawBox(t, plain, {99, 3, 90, 68}, style);
+  style.align = kit::TextAlign::Right;
+  style.tabWidth = 40;
+  style.verticalAlign = kit::VerticalAlign::Bottom;
+  DrawBox(t, table, {99, 74, 90, 42}, style);
+  style.align = kit::TextAlign::Center;
+  style.verticalAlign = kit::VerticalAlign::Middle;
+  DrawBox(t, shortened, {99, 120, 90, 21}, style);
+  style.maxLines = 2;
+  DrawBox(t, plain, {0, 0, 76, 32}, style, VuTransform(14, 98, 1, 1, 8));
+}
+
 }  // namespace
 
 std::vector<Scene> TextScenes() {
-  return {{"text", Text}, {"text_combined", TextCombined}};
+  return {{"text", Text}, {"text_combined", TextCombined}, {"text_boxes", TextBoxes}};
 }
 
 }  // namespace ZIRK::gallery

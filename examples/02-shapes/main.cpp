@@ -2,11 +2,10 @@
 // top to bottom: a fan of lines, a ring of rotated rectangles, a matrix applied again and again,
 // and coloured light that adds up.
 
+#include <zirk/kit/pictures.h>
 #include <zirk/zirk.h>
 
 #include <memory>
-
-#include "support/pngfile.h"
 
 using namespace ZIRK;
 
@@ -73,7 +72,7 @@ int main(int argc, char** argv) {
   DrawRing(*screen, {kPanel * 3 / 2, kPanel / 2});
   DrawSpiral(*screen, {kPanel / 2, kPanel * 3 / 2});
   DrawLight(*screen, {kPanel * 3 / 2, kPanel * 3 / 2});
-  const bool done = argc < 2 || support::WritePng(argv[1], *screen);
+  const bool done = argc < 2 || kit::SavePng(*screen, argv[1]);
   screen->SwapBuffers();
   return done ? 0 : 1;
 }

@@ -1,14 +1,13 @@
 // Pictures from files: how they are fitted into a box, drawn in parts, tinted, turned and masked.
 // Above, one photograph in four display modes; below, a sprite and a round cut-out.
 
+#include <zirk/kit/pictures.h>
 #include <zirk/zirk.h>
 
 #include <cmath>
 #include <memory>
 #include <string>
 #include <vector>
-
-#include "support/pngfile.h"
 
 using namespace ZIRK;
 
@@ -87,7 +86,7 @@ int main(int argc, char** argv) {
   // A part of the photograph, seen through the disc.
   screen->DrawObject({590, 230, 200, 200}, *photo, {440, 60, 400, 400}, VuTransform(), white, *disc,
                      nullptr);
-  const bool done = argc < 2 || support::WritePng(argv[1], *screen);
+  const bool done = argc < 2 || kit::SavePng(*screen, argv[1]);
   screen->SwapBuffers();
   return done ? 0 : 1;
 }

@@ -1,6 +1,7 @@
 // A bouncing formation of squares, four seconds long, with a progress line on the terminal. The
 // library itself reports the frame rate once a second.
 
+#include <zirk/kit/pictures.h>
 #include <zirk/zirk.h>
 
 #include <chrono>
@@ -8,8 +9,6 @@
 #include <cstdio>
 #include <memory>
 #include <thread>
-
-#include "support/pngfile.h"
 
 using namespace ZIRK;
 
@@ -55,7 +54,7 @@ int main(int argc, char** argv) {
   for (int frame = 0; frame < kFrames; ++frame) {
     DrawFrame(*screen, frame);
     // What the screen holds after the swap depends on the backend.
-    if (frame + 1 == kFrames && argc > 1 && !support::WritePng(argv[1], *screen)) return 1;
+    if (frame + 1 == kFrames && argc > 1 && !kit::SavePng(*screen, argv[1])) return 1;
     screen->SwapBuffers();
     ShowProgress(frame);
     std::this_thread::sleep_until(next += kFrameTime);

@@ -1,14 +1,13 @@
 // Text: fonts by family, a paragraph of several scripts and styles broken into lines, and a heading
 // with an outline around its letters.
 
+#include <zirk/kit/pictures.h>
 #include <zirk/zirk.h>
 
 #include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
-
-#include "support/pngfile.h"
 
 using namespace ZIRK;
 
@@ -108,7 +107,7 @@ int main(int argc, char** argv) {
   };
   Column column(*screen, {56, 146, 708, 260}, regular->GetOneLineHeight() + 8);
   for (const Run& run : paragraph) column.Set(run);
-  const bool done = argc < 2 || support::WritePng(argv[1], *screen);
+  const bool done = argc < 2 || kit::SavePng(*screen, argv[1]);
   screen->SwapBuffers();
   return done ? 0 : 1;
 }

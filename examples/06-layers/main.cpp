@@ -2,12 +2,11 @@
 // panel that slides in over it, and a cursor. Only the picture is drawn anew for each frame; for
 // the others it is enough to say where they are.
 
+#include <zirk/kit/pictures.h>
 #include <zirk/zirk.h>
 
 #include <cmath>
 #include <memory>
-
-#include "support/pngfile.h"
 
 using namespace ZIRK;
 
@@ -95,7 +94,7 @@ int main(int argc, char** argv) {
     video->SwapBuffers();
   }
   // A layer is read like any other screen; the display is not.
-  const bool written = argc < 2 || support::WritePng(argv[1], *panel);
+  const bool written = argc < 2 || kit::SavePng(*panel, argv[1]);
   VuCompositor::Enable(false);
   return written ? 0 : 1;
 }

@@ -2,6 +2,8 @@
 // the program. The library has no input of its own: where a window shows the screen the events are
 // SDL's, elsewhere they are read from the kernel by libevdev.
 
+#include <zirk/kit/pictures.h>
+
 #include <algorithm>
 #include <chrono>
 #include <cmath>
@@ -9,7 +11,6 @@
 #include <thread>
 
 #include "input.h"
-#include "support/pngfile.h"
 
 using namespace ZIRK;
 
@@ -105,5 +106,5 @@ int main(int argc, char** argv) {
     screen->SwapBuffers();
     std::this_thread::sleep_until(next += kFrameTime);
   }
-  return argc < 2 || support::WritePng(argv[1], *paper) ? 0 : 1;
+  return argc < 2 || kit::SavePng(*paper, argv[1]) ? 0 : 1;
 }

@@ -2,12 +2,11 @@
 // rest of this folder is.
 
 #include <zirk/graphicsimplloader.h>
+#include <zirk/kit/pictures.h>
 #include <zirk/zirk.h>
 
 #include <memory>
 #include <string>
-
-#include "support/pngfile.h"
 
 using namespace ZIRK;
 
@@ -48,7 +47,7 @@ int main(int argc, char** argv) {
   screen->DrawText(*heading, "Drawn plainly", {170, 100}, white);
   for (int x = 0; x <= 640; x += 20) screen->DrawLine({x, 359}, {320, 310}, {0x60FFFFFF});
   DrawDiscs(*graphics, *screen);
-  const bool done = argc < 2 || support::WritePng(argv[1], *screen);
+  const bool done = argc < 2 || kit::SavePng(*screen, argv[1]);
   screen->SwapBuffers();
   return done ? 0 : 1;
 }

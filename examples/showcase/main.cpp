@@ -2,6 +2,7 @@
 // front of them, on the right panels of glass with a chart, a dial, line art and bars, and all of
 // it lettered in several scripts.
 
+#include <zirk/kit/pictures.h>
 #include <zirk/zirk.h>
 
 #include <cmath>
@@ -11,7 +12,6 @@
 
 #include "showcase/brushes.h"
 #include "showcase/lettering.h"
-#include "support/pngfile.h"
 
 using namespace ZIRK;
 using namespace ZIRK::showcase;
@@ -353,7 +353,7 @@ int main(int argc, char** argv) {
   if (!studio.photo || !studio.balloon) return 1;
   DrawPoster(studio);
   // Before it is shown: what a screen holds afterwards is not the same on every backend.
-  const bool written = argc < 2 || support::WritePng(argv[1], *screen);
+  const bool written = argc < 2 || kit::SavePng(*screen, argv[1]);
   screen->SwapBuffers();
   if (argc > 3) WaitForLine();
   return written ? 0 : 1;

@@ -8,7 +8,6 @@
 #include <fstream>
 #include <string>
 
-#include "support/difference.h"
 #include "support/offscreen.h"
 
 namespace ZIRK {
@@ -72,11 +71,13 @@ const Case kCases[] = {
     {"font nothing.ttf", 1, "^zirkinfo: nothing.ttf: face 0 cannot be opened\n$"},
     {"font $FONTS/README.md", 1, "^zirkinfo: .*README.md: face 0 cannot be opened\n$"},
     {"card --backend bogus --no-text a.png", 1, "^zirkinfo: bogus: does not open here\n$"},
-    {"card --backend FB --no-text no/a.png", 1, "^no/a.png: No such file or directory\n$"},
+    {"card --backend FB --no-text no/a.png", 1,
+     "^zirkinfo: no/a.png: No such file or directory\n$"},
     {"card --backend FB --font no.ttf a.png", 1,
      "^zirkinfo: no.ttf: cannot be opened as a font\n$"},
-    {"compare --no-text FB no.png", 1, "^no.png: No such file or directory\n$"},
-    {"compare --no-text FB text.png", 1, "^text.png: Not a PNG file\n$",
+    {"compare --no-text FB no.png", 1,
+     "^zirkinfo: cannot read no.png: No such file or directory\n$"},
+    {"compare --no-text FB text.png", 1, "^zirkinfo: cannot read text.png: [^\n]+\n$",
      "echo no picture >text.png;"},
 
     {"backends FB Stub", 0,
@@ -109,11 +110,12 @@ const Case kCases[] = {
      "range: U\\+0041 U\\+0042\nrange: U\\+00E9 U\\+00E9\ncharacters: 4\n"},
 
     {"card --font $FONTS/sans.ttf a.png", 0, "^$", "ZIRK_DEFAULT_GFX_BACKEND=FB"},
-    {"compare --font $FONTS/sans.ttf --worst 0 FB FB", 0, "^worst: 0.0\nmean: 0.0000\n"},
-    {"compare --no-text --worst 0 --screen FB FB", 0, "\npanel: text-effects 0.0 0.0000\n$"},
+    {"compare --font $FONTS/sans.ttf --worst 0 FB FB", 0, "^worst: 0\nmean: 0.0000\n"},
+    {"compare --no-text --worst 0 --screen FB FB", 0, "\npanel: text-effects 0 0.0000\n$"},
     {"compare --font $FONTS/sans.ttf --worst 2 FB Stub", 3, "^worst: 25[45]"},
     {"compare --no-text --mean 1 FB Stub", 3, "\npanel: colours 25[45]"},
-    {"compare --no-text --output no/a.png FB FB", 1, "^no/a.png: No such file or directory\n"},
+    {"compare --no-text --output no/a.png FB FB", 1,
+     "^zirkinfo: no/a.png: No such file or directory\n"},
 };
 
 TEST(ZirkinfoProgram, AnswersAsItsManualSays) {
@@ -156,10 +158,7 @@ TEST(ZirkinfoProgram, DrawsTextOnlyWithAFont) {
   const Result result = Zirkinfo("compare --worst 0 --output difference.png with.png without.png");
   EXPECT_EQ(result.status, 3);
   EXPECT_THAT(result.output, ContainsRegex("panel: text-sizes [1-9]"));
-  const auto difference =
-      support::ReadPng((testing::TempDir() + "zirkinfo_test/difference.png").c_str());
-  ASSERT_TRUE(difference);
-  EXPECT_EQ(difference->width, 640);
+  EXPECT_EQ(Zirkinfo("compare with.png difference.png").status, 0) << "as large as the card";
 }
 
 }  // namespace

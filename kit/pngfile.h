@@ -1,0 +1,16 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "pixels.h"
+
+namespace ZIRK::kit {
+
+/// Writes premultiplied pixels, rows of `width`, to a PNG file. Empty, or why that cannot be.
+/// Throws std::bad_alloc.
+std::string WritePngFile(const char* path, const std::vector<uint32_t>& pixels, int width,
+                         const Channels& channels);
+
+}  // namespace ZIRK::kit

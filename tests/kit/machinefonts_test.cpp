@@ -1,0 +1,42 @@
+#include <gtest/gtest.h>
+#include <zirk/kit/machinefonts.h>
+
+#include <cstdlib>
+#include <fstream>
+
+#include "helpers/fonts.h"
+#include "helpers/logged.h"
+
+namespace ZIRK::kit {
+namespace {
+
+TEST(MachineFonts, AreFoundByFamilyAndStyle) {
+  const std::string configuration = testing::TempDir() + "zirk_fonts.conf";
+  std::ofstream(configuration) << "<fontconfig><dir>" ZIRK_TEST_FONTS "</dir><cachedir>"
+                               << testing::TempDir() << "zirk_fonts_cache</cachedir></fontconfig>";
+  setenv("FONTCONFIG_FILE", configuration.c_str(), 1);
+  const std::string log = helpers::LoggedAt(3, [] { FindFont("any"); });
+  if (!log.empty()) GTEST_SKIP() << log;
+  const struct {
+    std::string_view family;
+    bool bold, italic;
+    const char* file;
+    int faceIndex = 0;
+  } cases[] = {
+      {"ZIRK Test Sans", false, false, "sans.ttf"},
+      {"ZIRK Test Sans", true, false, "sansbold.ttf"},
+      {"ZIRK Test Sans", false, true, "sansoblique.ttf"},
+      {std::string_view("ZIRK Test CJK and more").substr(0, 13), true, true, "cjk.ttf"},
+      {"ZIRK Test Two", false, false, "collection.ttc", 1},
+  };
+  for (const auto& c : cases) {
+    const auto found = FindFont(c.family, c.bold, c.italic);
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->path, helpers::FontFile(c.file));
+    EXPECT_EQ(found->faceIndex, c.faceIndex);
+  }
+  EXPECT_TRUE(FindFont("no such family")) << "as fontconfig has it";
+}
+
+}  // namespace
+}  // namespace ZIRK::kit
