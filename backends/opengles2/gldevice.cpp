@@ -3,6 +3,7 @@
 #include <zirk/impl/log.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
@@ -203,7 +204,8 @@ bool GlDevice::StartContext() {
 SDL_Window* GlDevice::CreateWindow(int width, int height, int display, bool hidden) {
   // The desktop keeps its effects.
   const TemporaryHint compositor(SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR, "0");
-  const Uint32 flags = SDL_WINDOW_OPENGL | (hidden ? SDL_WINDOW_HIDDEN : SDL_WINDOW_SHOWN);
+  const Uint32 flags = SDL_WINDOW_OPENGL | SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI |
+                       (hidden ? SDL_WINDOW_HIDDEN : SDL_WINDOW_SHOWN);
   const auto position = static_cast<int>(
       SDL_WINDOWPOS_CENTERED_DISPLAY(display < Sdl().GetNumVideoDisplays() ? display : 0));
   return Sdl().CreateWindow("ZIRK", position, position, width, height, flags);
@@ -212,6 +214,25 @@ SDL_Window* GlDevice::CreateWindow(int width, int height, int display, bool hidd
 bool GlDevice::OpenHiddenWindow() {
   hiddenWindow_ = CreateWindow(64, 64, 0, true);
   return hiddenWindow_ != nullptr;
+}
+
+/// SDL counts in points, which are several pixels each on displays of high density.
+double GlDevice::PixelsPerPoint(SDL_Window* window) {
+  int points = 0, pixels = 0, unused = 0;
+  Sdl().GetWindowSize(window, &points, &unused);
+  Sdl().GetDrawableSize(window, &pixels, &unused);
+  return points > 0 && pixels > points ? double(pixels) / points : 1;
+}
+
+/// Makes the window so small that its framebuffer has the size that it has in points now.
+void GlDevice::FitToPixels(SDL_Window* window, int width, int height) {
+  const double density = PixelsPerPoint(window);
+  if (density == 1) return;
+  // The density is known as exactly as the window is large.
+  const auto toPoints = [=](int size) {
+    return static_cast<int>(std::ceil(size / density - 0.25));
+  };
+  Sdl().SetWindowSize(window, toPoints(width), toPoints(height));
 }
 
 GlDevice::Reach GlDevice::WindowsReach() const {
@@ -235,7 +256,9 @@ std::optional<ImageSize> GlDevice::DisplaySize(int index) const {
   SDL_DisplayMode mode = {};
   if (Sdl().GetDesktopDisplayMode(index, &mode) != 0 || mode.w <= 0 || mode.h <= 0)
     return std::nullopt;
-  return ImageSize{mode.w, mode.h};
+  const double density = PixelsPerPoint(hiddenWindow_ ? hiddenWindow_ : windows_.front());
+  return ImageSize{static_cast<int>(std::lround(mode.w * density)),
+                   static_cast<int>(std::lround(mode.h * density))};
 }
 
 SDL_Window* GlDevice::OpenWindow(int width, int height, int display) {
@@ -253,6 +276,7 @@ SDL_Window* GlDevice::OpenWindow(int width, int height, int display) {
     return nullptr;
   }
   windows_.push_back(window);
+  FitToPixels(window, width, height);
   SDL_DisplayMode mode = {};
   Sdl().GetDesktopDisplayMode(display, &mode);
   ZIRK_LOG_INFO("screen %d: %d x %d, %d Hz, %s", display, width, height, mode.refresh_rate,

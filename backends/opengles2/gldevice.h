@@ -67,10 +67,11 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
   /// For messages: SDL's driver, and the name that OpenGL gives its renderer.
   std::string Description() const;
 
-  /// The size of display `index`; nullopt if there is no such display.
+  /// The size of display `index` in pixels; nullopt if there is no such display.
   std::optional<ImageSize> DisplaySize(int index) const;
 
-  /// Opens a window with its framebuffer. Null after one error line.
+  /// Opens a window with a framebuffer of that size, as far as the display allows. Null after one
+  /// error line.
   SDL_Window* OpenWindow(int width, int height, int display);
   void CloseWindow(SDL_Window* window);
 
@@ -104,6 +105,8 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
   bool StartContext();
   SDL_Window* CreateWindow(int width, int height, int display, bool hidden);
   bool OpenHiddenWindow();
+  static double PixelsPerPoint(SDL_Window* window);
+  static void FitToPixels(SDL_Window* window, int width, int height);
   void Destroy(SDL_Window* window);
   static bool Fail(const char* what, const char* why);
   void Lose(const char* why);
