@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "inputs.h"
+#include "support/workloads.h"
 
 namespace ZIRK::bench {
 namespace {
@@ -134,6 +135,24 @@ void Register(const char* backend, const NamedEdit& edit, bool clipped) {
       ->MeasureProcessCPUTime();
 }
 
+/// What `zirkinfo bench` measures by the clock, in the same unit.
+void Register(const char* backend, const support::Workload& workload) {
+  const auto measure = [&workload, backend](benchmark::State& state) {
+    const std::unique_ptr<VuGraphics> graphics(VuGraphics::Create(backend, false));
+    const BitmapPtr screen(graphics ? graphics->CreateScreen(kWidth, kHeight, true) : nullptr);
+    if (!screen) return state.SkipWithError("does not run here");
+    support::Stage stage = support::MakeStage(*graphics, *screen, ZIRK_BENCH_FONT);
+    if (!stage.sprite) return state.SkipWithError("does not run here");
+    workload.draw(stage);
+    double done = 0;
+    for (auto _ : state) done += workload.draw(stage);
+    state.counters[workload.unit] = benchmark::Counter(done, benchmark::Counter::kIsRate);
+  };
+  benchmark::RegisterBenchmark((std::string(workload.name) + "/" + backend).c_str(), measure)
+      ->Unit(benchmark::kMicrosecond)
+      ->MeasureProcessCPUTime();
+}
+
 }  // namespace
 }  // namespace ZIRK::bench
 
@@ -143,6 +162,8 @@ int main(int argc, char** argv) {
   for (const bool clipped : {false, true})
     for (const NamedEdit& edit : kEdits)
       for (const char* backend : kBackends) Register(backend, edit, clipped);
+  for (const ZIRK::support::Workload& workload : ZIRK::support::kWorkloads)
+    for (const char* backend : kBackends) Register(backend, workload);
   benchmark::Initialize(&argc, argv);
   benchmark::RunSpecifiedBenchmarks();
   return 0;

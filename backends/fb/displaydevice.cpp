@@ -65,6 +65,7 @@ std::vector<std::string> Cards(const std::string& named) {
 /// Display `index` of those on all cards, or of the one that is named. `error` is set if another
 /// program has a card, or the one that is named does not have the display.
 Plugged FindPlugged(int index, const std::string& named, Purpose purpose, std::string& error) {
+  int number = 0;
   for (const std::string& path : Cards(named)) {
     std::string why;
     bool isTaken = false;
@@ -73,13 +74,16 @@ Plugged FindPlugged(int index, const std::string& named, Purpose purpose, std::s
     if (!card) continue;
     // Finding what is plugged in takes a while.
     if (purpose == Purpose::Measure) card->Yield();
-    auto connectors = card->Connectors();
-    const int count = static_cast<int>(connectors.size());
-    if (index < count) {
-      error.clear();
-      return {card, std::move(connectors[static_cast<size_t>(index)])};
+    Plugged found{card, nullptr};
+    for (DrmConnector& connector : card->Connectors()) {
+      ZIRK_LOG_DEBUG("display %d: %s", number,
+                     KmsDisplay::DescriptionOf(*card, *connector).c_str());
+      if (number++ == index) found.connector = std::move(connector);
     }
-    index -= count;
+    if (found.connector) {
+      error.clear();
+      return found;
+    }
   }
   if (!named.empty() && error.empty()) error = named + ": no such display is plugged in";
   return {};

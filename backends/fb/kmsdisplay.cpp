@@ -35,7 +35,22 @@ const drmModeModeInfo& ModeFor(const drmModeConnector& connector, int width, int
   return PreferredMode(connector);
 }
 
+unsigned PreferredBits(const KmsCard& card) {
+  uint64_t depth = 0;
+  Drm().GetCap(card.Descriptor(), DRM_CAP_DUMB_PREFERRED_DEPTH, &depth);
+  return depth == 16 ? 16 : 32;
+}
+
+std::string Describe(const drmModeModeInfo& mode, unsigned bits, const KmsCard& card) {
+  return std::to_string(mode.hdisplay) + " x " + std::to_string(mode.vdisplay) + ", " +
+         std::to_string(mode.vrefresh) + " Hz, " + std::to_string(bits) + " bits, " + card.Path();
+}
+
 }  // namespace
+
+std::string KmsDisplay::DescriptionOf(const KmsCard& card, const drmModeConnector& connector) {
+  return Describe(PreferredMode(connector), PreferredBits(card), card);
+}
 
 ImageSize KmsDisplay::SizeOf(const drmModeConnector& connector) {
   const drmModeModeInfo& mode = PreferredMode(connector);
@@ -74,10 +89,8 @@ bool KmsDisplay::Start(const Request& request, std::string& error) {
   }
   const int card = card_->Descriptor();
   found_.reset(Drm().GetCrtc(card, crtc_));
-  uint64_t depth = 0;
-  Drm().GetCap(card, DRM_CAP_DUMB_PREFERRED_DEPTH, &depth);
   // Half the bytes to copy where the picture has no more bits.
-  const bool narrow = depth == 16 || request.format == VuPixelFormat::RGB565;
+  const bool narrow = PreferredBits(*card_) == 16 || request.format == VuPixelFormat::RGB565;
   if (!StartIn(narrow ? kRgb565 : kXrgb, request) && !StartIn(narrow ? kXrgb : kRgb565, request)) {
     error = card_->Path() + ": cannot show a page: " + std::strerror(errno);
     return false;
@@ -112,9 +125,7 @@ void KmsDisplay::Restore() {
 }
 
 std::string KmsDisplay::Description() const {
-  return std::to_string(mode_.hdisplay) + " x " + std::to_string(mode_.vdisplay) + ", " +
-         std::to_string(mode_.vrefresh) + " Hz, " + std::to_string(bits_) + " bits, " +
-         card_->Path();
+  return Describe(mode_, bits_, *card_);
 }
 
 // --- Pages --------------------------------------------------------------------------------------

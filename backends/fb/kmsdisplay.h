@@ -27,6 +27,8 @@ class KmsDisplay final : public DisplayDevice {
 
   /// The size of the preferred mode.
   static ImageSize SizeOf(const drmModeConnector& connector);
+  /// For messages: the preferred mode, the depth of the pixels and the card.
+  static std::string DescriptionOf(const KmsCard& card, const drmModeConnector& connector);
 
   int Width() const override { return copier_->Width(); }
   int Height() const override { return copier_->Height(); }

@@ -243,7 +243,7 @@ void GlBatch::UseTarget(const GlTarget& target) {
   ++target.changes;
   BindFramebuffer(target.framebuffer);
   if (viewportOf_ == &target) return;
-  device_.Gl().Viewport(0, target.bottom, target.width, target.height);
+  device_.Gl().Viewport(0, 0, target.width, target.height);
   viewportOf_ = &target;
 }
 

@@ -8,6 +8,7 @@
 #include "geometry/pixelmath.h"
 #include "geometry/pixeltraits.h"
 #include "geometry/surfaceformat.h"
+#include "opengles2/glwindow.h"
 #include "opengles2/polygon.h"
 #include "surface/drawmemory.h"
 
@@ -88,10 +89,15 @@ void GlCanvas::DrawOn(std::unique_ptr<GlTexture> texture) {
   revision_.Forget();
 }
 
-void GlCanvas::DrawOn(const GlTarget* window) {
+void GlCanvas::DrawOn(GlWindow* window) {
   texture_ = nullptr;
   window_ = window;
   revision_.Forget();
+}
+
+const GlTarget* GlCanvas::Target() {
+  if (texture_) return texture_->Target();
+  return window_ ? window_->Target() : nullptr;
 }
 
 /// Whether there is anything to draw on.
@@ -383,7 +389,7 @@ std::unique_ptr<GlTexture> GlCanvas::Snapshot(const Box& box) {
   auto copy = GlTexture::Create(device_, box.Width(), box.Height(), state_.format);
   const GlTarget* const target = Target();
   if (!copy || !target) return nullptr;
-  if (!target->IsWindow()) {
+  if (!target->IsWindow() && target->order == copy->Order()) {
     device_->Batch().Flush();
     const GlScope scope(*device_);
     if (!scope) return nullptr;
@@ -391,7 +397,7 @@ std::unique_ptr<GlTexture> GlCanvas::Snapshot(const Box& box) {
     copy->CopyFromFramebuffer(box, 0, 0);
     return copy;
   }
-  // A window has its rows and its channels in another order.
+  // A window has its rows in another order, and may have its channels.
   const int pitch = box.Width() * BytesPerPixel(state_.format);
   const auto pixels =
       AllocateToDraw<uint8_t>(static_cast<size_t>(pitch) * static_cast<size_t>(box.Height()));

@@ -20,6 +20,8 @@
 
 namespace ZIRK::backends {
 
+class GlWindow;
+
 /// What a surface is drawn on, and the drawing operations. Sources and masks are never what is
 /// drawn on: who calls has made a snapshot if they were.
 class GlCanvas {
@@ -36,14 +38,14 @@ class GlCanvas {
   const SurfaceState& State() const { return state_; }
   Box Bounds() const { return {0, 0, state_.width, state_.height}; }
 
-  /// Where drawing goes from now on: a texture of the canvas's own, or a window's framebuffer,
-  /// which has to live as long.
+  /// Where drawing goes from now on: a texture of the canvas's own, or a window, which has to live
+  /// as long. To be called again after the window's picture was presented.
   void DrawOn(std::unique_ptr<GlTexture> texture);
-  void DrawOn(const GlTarget* window);
+  void DrawOn(GlWindow* window);
   /// Null where that is a window.
   GlTexture* Texture() const { return texture_.get(); }
   /// Null where that is a texture.
-  SDL_Window* Window() const { return texture_ || !window_ ? nullptr : window_->window; }
+  GlWindow* Window() const { return window_; }
 
   void DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m, const Mask* mask);
   void DrawLine(VuPoint from, VuPoint to, VuColor color, const MatrixF& m, const Mask* mask);
@@ -88,7 +90,7 @@ class GlCanvas {
   static MaskedVertex VertexOf(const Shape& shape, const Filling& filling, uint32_t color,
                                const PlacedMask* mask);
 
-  const GlTarget* Target() { return texture_ ? texture_->Target() : window_; }
+  const GlTarget* Target();
   bool Refresh();
   /// As the target has it. After Refresh().
   uint32_t Shade(VuColor color) const;
@@ -104,7 +106,7 @@ class GlCanvas {
   const std::shared_ptr<GlDevice> device_;
   const SurfaceState& state_;
   std::unique_ptr<GlTexture> texture_;
-  const GlTarget* window_ = nullptr;
+  GlWindow* window_ = nullptr;
   const GlTarget* target_ = nullptr;  ///< As of the last Refresh().
   GlBlend blend_;
   Box clip_;

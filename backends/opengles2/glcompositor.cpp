@@ -171,8 +171,7 @@ bool GlLayers::OpenDisplay() {
     size.height = std::max(size.height, bounds.height);
   }
   if (first) size = first->screen->GetBounds();
-  if (!display_ || display_->Target().width != size.width ||
-      display_->Target().height != size.height) {
+  if (!display_ || display_->Width() != size.width || display_->Height() != size.height) {
     SetDisplay(nullptr);
     display_ = GlWindow::Open(device_, size.width, size.height, 0);
     if (!display_) return false;
@@ -180,7 +179,7 @@ bool GlLayers::OpenDisplay() {
   state_.width = size.width;
   state_.height = size.height;
   state_.clip = size;
-  canvas_.DrawOn(&display_->Target());
+  canvas_.DrawOn(display_.get());
   return true;
 }
 

@@ -1,8 +1,10 @@
 #include "opengles2/gldevice.h"
 
+#include <dlfcn.h>
 #include <zirk/impl/log.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
@@ -23,6 +25,29 @@ thread_local std::string* refusal = nullptr;
 /// What Mesa and others call OpenGL that is drawn by the processor.
 constexpr const char* kSoftwareRenderers[] = {"llvmpipe", "softpipe", "swrast",
                                               "Software Rasterizer", "SwiftShader"};
+
+/// What EGL says of itself; empty where the current context is not one of its own. SDL does not
+/// tell: GLX gives it addresses for functions that are not there.
+std::string DescribeEgl() {
+  constexpr int32_t kVendor = 0x3053, kVersion = 0x3054;
+  void* const library = dlopen("libEGL.so.1", RTLD_LAZY | RTLD_NOLOAD);
+  if (!library) return "";
+  const auto getDisplay = reinterpret_cast<void* (*)()>(dlsym(library, "eglGetCurrentDisplay"));
+  const auto query =
+      reinterpret_cast<const char* (*)(void*, int32_t)>(dlsym(library, "eglQueryString"));
+  void* const display = getDisplay && query ? getDisplay() : nullptr;
+  const char* const version = display ? query(display, kVersion) : nullptr;
+  const char* const vendor = display ? query(display, kVendor) : nullptr;
+  const std::string text =
+      version && vendor ? "EGL " + std::string(version) + " (" + vendor + ")" : "";
+  dlclose(library);
+  return text;
+}
+
+/// With what separates it from the size before it; empty where it is not known.
+std::string DescribeRefresh(const SDL_DisplayMode& mode) {
+  return mode.refresh_rate > 0 ? ", " + std::to_string(mode.refresh_rate) + " Hz" : "";
+}
 
 /// Sets a hint of SDL's, and restores it.
 class TemporaryHint {
@@ -96,7 +121,9 @@ bool GlDevice::Fail(const char* what, const char* why) {
 
 bool GlDevice::Start() {
   if (const char* missing = Sdl().Missing()) return Fail("no SDL", missing);
-  return StartVideo() && StartContext();
+  if (!StartVideo() || !StartContext()) return false;
+  LogDisplays();
+  return true;
 }
 
 bool GlDevice::StartVideo() {
@@ -197,13 +224,15 @@ bool GlDevice::StartContext() {
     renderer_ = renderer;
   if (const auto* version = reinterpret_cast<const char*>(gl_.GetString(GL_VERSION)))
     version_ = version;
+  egl_ = DescribeEgl();
   return batch_.Start();
 }
 
 SDL_Window* GlDevice::CreateWindow(int width, int height, int display, bool hidden) {
   // The desktop keeps its effects.
   const TemporaryHint compositor(SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR, "0");
-  const Uint32 flags = SDL_WINDOW_OPENGL | (hidden ? SDL_WINDOW_HIDDEN : SDL_WINDOW_SHOWN);
+  const Uint32 flags = SDL_WINDOW_OPENGL | SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI |
+                       (hidden ? SDL_WINDOW_HIDDEN : SDL_WINDOW_SHOWN);
   const auto position = static_cast<int>(
       SDL_WINDOWPOS_CENTERED_DISPLAY(display < Sdl().GetNumVideoDisplays() ? display : 0));
   return Sdl().CreateWindow("ZIRK", position, position, width, height, flags);
@@ -212,6 +241,25 @@ SDL_Window* GlDevice::CreateWindow(int width, int height, int display, bool hidd
 bool GlDevice::OpenHiddenWindow() {
   hiddenWindow_ = CreateWindow(64, 64, 0, true);
   return hiddenWindow_ != nullptr;
+}
+
+/// SDL counts in points, which are several pixels each on displays of high density.
+double GlDevice::PixelsPerPoint(SDL_Window* window) {
+  int points = 0, pixels = 0, unused = 0;
+  Sdl().GetWindowSize(window, &points, &unused);
+  Sdl().GetDrawableSize(window, &pixels, &unused);
+  return points > 0 && pixels > points ? double(pixels) / points : 1;
+}
+
+/// Makes the window so small that its framebuffer has the size that it has in points now.
+void GlDevice::FitToPixels(SDL_Window* window, int width, int height) {
+  const double density = PixelsPerPoint(window);
+  if (density == 1) return;
+  // The density is known as exactly as the window is large.
+  const auto toPoints = [=](int size) {
+    return static_cast<int>(std::ceil(size / density - 0.25));
+  };
+  Sdl().SetWindowSize(window, toPoints(width), toPoints(height));
 }
 
 GlDevice::Reach GlDevice::WindowsReach() const {
@@ -226,7 +274,8 @@ bool GlDevice::HasGpu() const {
 
 std::string GlDevice::Description() const {
   const char* const driver = Sdl().GetCurrentVideoDriver();
-  return version_ + " by SDL's " + (driver ? driver : "video") + " and " + renderer_;
+  return version_ + " by SDL's " + (driver ? driver : "video") + (egl_.empty() ? "" : ", ") + egl_ +
+         " and " + renderer_;
 }
 
 std::optional<ImageSize> GlDevice::DisplaySize(int index) const {
@@ -235,7 +284,20 @@ std::optional<ImageSize> GlDevice::DisplaySize(int index) const {
   SDL_DisplayMode mode = {};
   if (Sdl().GetDesktopDisplayMode(index, &mode) != 0 || mode.w <= 0 || mode.h <= 0)
     return std::nullopt;
-  return ImageSize{mode.w, mode.h};
+  const double density = PixelsPerPoint(hiddenWindow_ ? hiddenWindow_ : windows_.front());
+  return ImageSize{static_cast<int>(std::lround(mode.w * density)),
+                   static_cast<int>(std::lround(mode.h * density))};
+}
+
+void GlDevice::LogDisplays() const {
+  for (int i = 0; i < Sdl().GetNumVideoDisplays(); ++i) {
+    SDL_DisplayMode mode = {};
+    const std::optional<ImageSize> size = DisplaySize(i);
+    if (!size || Sdl().GetDesktopDisplayMode(i, &mode) != 0) continue;
+    ZIRK_LOG_DEBUG("display %d: %d x %d%s, %u bits, SDL's %s", i, size->width, size->height,
+                   DescribeRefresh(mode).c_str(), SDL_BYTESPERPIXEL(mode.format) * 8,
+                   Sdl().GetCurrentVideoDriver());
+  }
 }
 
 SDL_Window* GlDevice::OpenWindow(int width, int height, int display) {
@@ -253,9 +315,10 @@ SDL_Window* GlDevice::OpenWindow(int width, int height, int display) {
     return nullptr;
   }
   windows_.push_back(window);
+  FitToPixels(window, width, height);
   SDL_DisplayMode mode = {};
   Sdl().GetDesktopDisplayMode(display, &mode);
-  ZIRK_LOG_INFO("screen %d: %d x %d, %d Hz, %s", display, width, height, mode.refresh_rate,
+  ZIRK_LOG_INFO("screen %d: %d x %d%s, %s", display, width, height, DescribeRefresh(mode).c_str(),
                 Description().c_str());
   // Only now: without a window system, OpenGL ends with the last window.
   if (hiddenWindow_) Destroy(hiddenWindow_);

@@ -64,13 +64,14 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
   bool IsDriverChosen() const { return driverWasChosen_; }
   /// Whether a GPU draws; else the processor does.
   bool HasGpu() const;
-  /// For messages: SDL's driver, and the name that OpenGL gives its renderer.
+  /// For messages: the version of OpenGL, SDL's driver, EGL, and the name of the renderer.
   std::string Description() const;
 
-  /// The size of display `index`; nullopt if there is no such display.
+  /// The size of display `index` in pixels; nullopt if there is no such display.
   std::optional<ImageSize> DisplaySize(int index) const;
 
-  /// Opens a window with its framebuffer. Null after one error line.
+  /// Opens a window with a framebuffer of that size, as far as the display allows. Null after one
+  /// error line.
   SDL_Window* OpenWindow(int width, int height, int display);
   void CloseWindow(SDL_Window* window);
 
@@ -102,8 +103,11 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
   bool SetAttributes();
   SDL_GLContext CreateContext();
   bool StartContext();
+  void LogDisplays() const;
   SDL_Window* CreateWindow(int width, int height, int display, bool hidden);
   bool OpenHiddenWindow();
+  static double PixelsPerPoint(SDL_Window* window);
+  static void FitToPixels(SDL_Window* window, int width, int height);
   void Destroy(SDL_Window* window);
   static bool Fail(const char* what, const char* why);
   void Lose(const char* why);
@@ -126,6 +130,7 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
   int maxTextureSize_ = 0;
   bool hasOneChannel_ = false;
   std::string renderer_, version_;
+  std::string egl_;  ///< Its version and vendor; empty where the context is not one of EGL's.
   /// The window whose interval was set last, the interval asked for, and what SDL then reported.
   struct {
     SDL_Window* window = nullptr;

@@ -109,6 +109,8 @@ struct SdlCalls {
   X(GetDesktopDisplayMode, SDL_GetDesktopDisplayMode) \
   X(CreateWindow, SDL_CreateWindow)                   \
   X(SetWindowTitle, SDL_SetWindowTitle)               \
+  X(GetWindowSize, SDL_GetWindowSize)                 \
+  X(SetWindowSize, SDL_SetWindowSize)                 \
   X(DestroyWindow, SDL_DestroyWindow)                 \
   X(PumpEvents, SDL_PumpEvents)                       \
   X(FilterEvents, SDL_FilterEvents)                   \

@@ -1,5 +1,6 @@
 #include "opengles2/glrenderer.h"
 
+#include "opengles2/glwindow.h"
 #include "surface/drawmemory.h"
 
 namespace ZIRK::backends {
@@ -54,7 +55,7 @@ void GlRenderer::EndFrame(PFNGLFLUSHPROC GlFunctions::*how) {
 
 void GlRenderer::SetName(const char* name) {
   if (Texture()) Texture()->SetName(name);
-  if (Window()) Sdl().SetWindowTitle(Window(), name);
+  if (Window()) Window()->SetTitle(name);
 }
 
 bool GlRenderer::DrawGlyph(const TextLayout::Glyph& glyph, const LineStyle<GlTexture>& style) {

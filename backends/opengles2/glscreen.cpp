@@ -7,58 +7,6 @@
 
 namespace ZIRK::backends {
 
-namespace {
-
-/// Drops all events but those that programs define themselves.
-int DropEvent(void*, SDL_Event* event) {
-  if (event->type >= SDL_USEREVENT) return 1;
-  // The receiver of these events owns their file name.
-  if (event->type == SDL_DROPFILE || event->type == SDL_DROPTEXT) Sdl().Free(event->drop.file);
-  return 0;
-}
-
-}  // namespace
-
-std::unique_ptr<GlWindow> GlWindow::Open(std::shared_ptr<GlDevice> device, int width, int height,
-                                         int display) {
-  std::unique_ptr<GlWindow> window(new GlWindow(std::move(device)));
-  window->target_.width = width;
-  window->target_.height = height;
-  window->target_.order = ChannelOrder::RedFirst;
-  window->target_.window = window->device_->OpenWindow(width, height, display);
-  if (!window->target_.window) return nullptr;
-  window->FindBottom();
-  return window;
-}
-
-GlWindow::~GlWindow() {
-  device_->Batch().Forget(target_);
-  if (target_.window) device_->CloseWindow(target_.window);
-}
-
-/// Places the picture at the top-left corner of a window that is larger or smaller than it.
-void GlWindow::FindBottom() {
-  int width = 0, height = 0;
-  Sdl().GetDrawableSize(target_.window, &width, &height);
-  const int bottom = height - target_.height;
-  if (bottom == target_.bottom) return;
-  device_->Batch().Flush();
-  device_->Batch().WindowChanged();
-  target_.bottom = bottom;
-}
-
-void GlWindow::Present(bool vsync) {
-  device_->Batch().Flush();
-  const GlScope scope(*device_, target_.window);
-  if (!scope || !device_->Check("drawing")) return;
-  device_->SetSwapInterval(vsync ? 1 : 0);
-  Sdl().SwapWindow(target_.window);
-  Sdl().PumpEvents();
-  // Nobody else would handle them, and SDL's queue must not fill up.
-  if (device_->HasSdlAlone()) Sdl().FilterEvents(DropEvent, nullptr);
-  FindBottom();
-}
-
 GlScreen::GlScreen(std::unique_ptr<MemoryBudget::Reservation> reservation,
                    const VuScreenDescription& description, std::shared_ptr<GlDevice> device,
                    std::shared_ptr<TextureSourceResolver> resolver)
@@ -107,15 +55,15 @@ bool GlScreen::BecomeLayer() {
 
 bool GlScreen::BecomeWindow() {
   if (!window_ && index_ == 0) window_ = layers_->TakeDisplay();
-  const bool fits = window_ && window_->Target().width == State().width &&
-                    window_->Target().height == State().height;
+  const bool fits =
+      window_ && window_->Width() == State().width && window_->Height() == State().height;
   if (!fits) {
     window_.reset();
     window_ = GlWindow::Open(Drawing().SharedDevice(), State().width, State().height, index_);
   }
   if (!window_) return false;
   window_->KeepAlpha(!PixelLayoutOf(State().format).HasAlpha());
-  Drawing().DrawOn(&window_->Target());
+  Drawing().DrawOn(window_.get());
   return true;
 }
 
@@ -125,10 +73,11 @@ void GlScreen::Present() {
   const bool isLayer = Drawing().Texture() != nullptr;
   const bool becomesLayer = stack.composing || !ownsWindow_;
   if (isLayer != becomesLayer && !Move(becomesLayer)) return;
-  if (stack.composing)
-    layers_->Swap(*this, stack, !IsSingleBuffered());
-  else if (!becomesLayer)
-    window_->Present(!IsSingleBuffered());
+  if (stack.composing) return layers_->Swap(*this, stack, !IsSingleBuffered());
+  if (becomesLayer) return;
+  window_->Present(!IsSingleBuffered());
+  // The window's target may be another one now.
+  Drawing().DrawOn(window_.get());
 }
 
 }  // namespace ZIRK::backends

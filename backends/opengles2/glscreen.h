@@ -6,40 +6,14 @@
 #include <memory>
 #include <utility>
 
-#include "opengles2/gldevice.h"
 #include "opengles2/glrenderer.h"
+#include "opengles2/glwindow.h"
 #include "surface/presenter.h"
 #include "surface/surface.h"
 
 namespace ZIRK::backends {
 
 class GlLayers;
-
-/// A window that shows a picture of a given size: on a desktop, or all of a display.
-class GlWindow {
- public:
-  /// Null after one error line.
-  static std::unique_ptr<GlWindow> Open(std::shared_ptr<GlDevice> device, int width, int height,
-                                        int display);
-  ~GlWindow();
-  GlWindow(const GlWindow&) = delete;
-  GlWindow& operator=(const GlWindow&) = delete;
-
-  const GlTarget& Target() const { return target_; }
-  /// Sets whether alpha stays 255.
-  void KeepAlpha(bool keep) { target_.keepsAlpha = keep; }
-
-  /// Shows what is drawn, at the display's vertical sync or at once, and handles the window's
-  /// events.
-  void Present(bool vsync);
-
- private:
-  explicit GlWindow(std::shared_ptr<GlDevice> device) : device_(std::move(device)) {}
-  void FindBottom();
-
-  const std::shared_ptr<GlDevice> device_;
-  GlTarget target_;
-};
 
 /// A screen: a window, or all of a display if there is no window system. While there is a
 /// compositor it is a texture, and one of the compositor's layers.

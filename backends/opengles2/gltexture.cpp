@@ -290,7 +290,7 @@ bool DrawsOnOneChannel(const GlFunctions& gl) {
 bool ReadFramebuffer(const GlFunctions& gl, const GlTarget& target, const Box& box,
                      VuPixelFormat format, void* out) {
   const int width = box.Width(), height = box.Height();
-  const int y = target.IsWindow() ? target.bottom + target.height - box.y1 : box.y0;
+  const int y = target.IsWindow() ? target.height - box.y1 : box.y0;
   const bool direct = BytesPerPixel(format) == 4 && !target.IsWindow();
   std::unique_ptr<uint32_t[]> rows;
   if (!direct) {

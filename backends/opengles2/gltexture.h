@@ -35,7 +35,6 @@ struct GlTarget {
   SDL_Window* window = nullptr;  ///< Null for a texture.
   int width = 0;
   int height = 0;
-  int bottom = 0;  ///< Rows of the window below the picture.
   ChannelOrder order = ChannelOrder::Ours;
   bool keepsAlpha = false;  ///< Alpha is not written, so that it stays 255.
 

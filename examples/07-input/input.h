@@ -19,9 +19,9 @@ class Input {
   virtual bool Read(std::vector<Touch>& touches) = 0;
 };
 
-/// SDL's events, for screens in windows of SDL. Made before the graphics context, which leaves the
-/// events to a program that has initialised SDL. Null where SDL does not start.
-std::unique_ptr<Input> OpenSdlInput();
+/// SDL's events, for screens of this size in windows of SDL. Made before the graphics context,
+/// which leaves the events to a program that has initialised SDL. Null where SDL does not start.
+std::unique_ptr<Input> OpenSdlInput(int width, int height);
 /// Whether a screen is shown by SDL. Otherwise no event will come from there.
 bool IsShownBySdl();
 

@@ -82,7 +82,7 @@ std::unique_ptr<Input> OpenInput(std::unique_ptr<Input> sdl, VuRect screen) {
 int main(int argc, char** argv) {
   std::unique_ptr<Input> input;
 #ifdef ZIRK_EXAMPLE_SDL
-  input = OpenSdlInput();
+  input = OpenSdlInput(kWidth, kHeight);
 #endif
   const std::unique_ptr<VuGraphics> graphics(VuGraphics::Create());
   if (!graphics) return 1;

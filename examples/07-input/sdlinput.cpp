@@ -1,11 +1,14 @@
 #include <SDL.h>
 
+#include <algorithm>
+
 #include "input.h"
 
 namespace {
 
 class SdlInput final : public Input {
  public:
+  SdlInput(int width, int height) : width_(width), height_(height) {}
   ~SdlInput() override { SDL_QuitSubSystem(SDL_INIT_EVENTS); }
 
   bool Read(std::vector<Touch>& touches) override {
@@ -21,23 +24,36 @@ class SdlInput final : public Input {
           break;
         // SDL makes the same events of a finger on a touch screen.
         case SDL_MOUSEBUTTONDOWN:
-          touches.push_back({{event.button.x, event.button.y}, true});
+          touches.push_back({InPicture(event.button), true});
           break;
         case SDL_MOUSEMOTION:
-          if (event.motion.state) touches.push_back({{event.motion.x, event.motion.y}, false});
+          if (event.motion.state) touches.push_back({InPicture(event.motion), false});
           break;
       }
     }
     return true;
   }
+
+ private:
+  /// The picture is scaled to fit its window, and lies in the middle.
+  template <class Event>
+  ZIRK::VuPoint InPicture(const Event& event) const {
+    int windowWidth = width_, windowHeight = height_;
+    SDL_GetWindowSize(SDL_GetWindowFromID(event.windowID), &windowWidth, &windowHeight);
+    const double scale = std::min(double(windowWidth) / width_, double(windowHeight) / height_);
+    return {static_cast<int>((event.x - (windowWidth - width_ * scale) / 2) / scale),
+            static_cast<int>((event.y - (windowHeight - height_ * scale) / 2) / scale)};
+  }
+
+  const int width_, height_;  ///< Of the picture.
 };
 
 }  // namespace
 
-std::unique_ptr<Input> OpenSdlInput() {
+std::unique_ptr<Input> OpenSdlInput(int width, int height) {
   // Video is left to the library, which then chooses what shows the screen.
   if (SDL_InitSubSystem(SDL_INIT_EVENTS) != 0) return nullptr;
-  return std::make_unique<SdlInput>();
+  return std::make_unique<SdlInput>(width, height);
 }
 
 bool IsShownBySdl() {

@@ -46,6 +46,15 @@ MACHINES = {
         "kernel": "console=ttyS0",
         "drivers": f"virtio_pci,{COMMON_DRIVERS},cirrus",
     },
+    # A display that nobody sees, with vertical blanks. make-vkms builds its driver.
+    "vkms": {
+        "image": "amd64",
+        "programs": "device/programs-amd64",
+        "qemu": "qemu-system-x86_64 -M q35 -cpu max,avx2=off -vga none",
+        "bus": "pci",
+        "kernel": "console=ttyS0",
+        "drivers": f"virtio_pci,{COMMON_DRIVERS},vkms",
+    },
     # A controller that scans out main memory, 800x480, RGB565, fbdev alone.
     "board": {
         "image": "arm",

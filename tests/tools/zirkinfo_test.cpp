@@ -148,8 +148,8 @@ TEST(ZirkinfoProgram, SaysWhyABackendDoesNotOpen) {
   EXPECT_THAT(result.output, ContainsRegex("opens: no\nreason: OpenGL ES 2: no video: none"));
   EXPECT_THAT(result.output, ContainsRegex("type: 3\n.*warning: OpenGL ES 2: no video: none"));
   EXPECT_THAT(Zirkinfo("").output,
-              ContainsRegex("type: 3\n.*shown-by: 1280 x 720, 0 Hz, OpenGL ES [0-9.]+ .* by SDL's "
-                            "offscreen and .*compositor: GLCompositor"));
+              ContainsRegex("type: 3\n.*shown-by: 1280 x 720, OpenGL ES [0-9.]+ .* by SDL's "
+                            "offscreen, EGL 1.* and .*compositor: GLCompositor"));
 }
 
 TEST(ZirkinfoProgram, DrawsTextOnlyWithAFont) {

@@ -54,6 +54,11 @@ const char* NameOf(VuPixelFormat format) {
   return code < std::size(kNames) ? kNames[code] : "of an unknown format";
 }
 
+/// Those that the library has met so far.
+void ShowDisplays(const LibraryLog& log) {
+  PrintLines("display", log.Messages("debug", "display "));
+}
+
 /// The screen that a program gets that asks for the display's own size.
 void ShowScreen(VuGraphics& graphics) {
   const LibraryLog log;
@@ -69,6 +74,7 @@ void ShowScreen(VuGraphics& graphics) {
     std::printf("screen: none\n");
     PrintLines("reason", log.Messages("error"));
   }
+  ShowDisplays(log);
   PrintLines("warning", log.Messages("warning"));
 }
 
@@ -94,6 +100,7 @@ bool OpenAndShowContext(const Plugin& plugin) {
     const LibraryLog log;
     graphics = OpenBackend(plugin.name);
     if (!ShowOpening(graphics != nullptr, log)) return false;
+    ShowDisplays(log);
   }
   ShowContext(*graphics);
   return true;
@@ -118,7 +125,7 @@ void ShowFeatures(const std::string& name) {
   uint32_t details = 0;
   VuGraphics::GetFeatureDetails(name, FeatureType::Details, &details);
   std::printf("features: 0x%x%s\n", features, features & kOpenGl ? ", OpenGL ES" : "");
-  std::printf("details: 0x%x\n", details);
+  std::printf("details: 0x%x%s\n", details, details ? ", of no published meaning" : "");
 }
 
 bool ShowPlugin(const Plugin& plugin) {

@@ -13,11 +13,13 @@
 #include "machinefont.h"
 #include "plugins.h"
 #include "screens.h"
-#include "workloads.h"
+#include "support/workloads.h"
 
 namespace ZIRK::zirkinfo {
 
 namespace {
+
+using support::kWorkloadCount, support::kWorkloads, support::Stage, support::Workload;
 
 constexpr int kWidth = 640, kHeight = 480;
 
@@ -49,7 +51,7 @@ std::optional<Result> MeasureBackend(const std::string& name, const std::string&
   if (!graphics) return std::nullopt;
   const std::unique_ptr<VuBitmap> screen = OpenScreen(*graphics, kWidth, kHeight);
   if (!screen) return std::nullopt;
-  Stage stage = MakeStage(*graphics, *screen, fontFile);
+  Stage stage = support::MakeStage(*graphics, *screen, fontFile);
   if (!stage.sprite) return std::nullopt;
   const VuRect bounds = screen->GetBounds();
   Result result{name, bounds.width, bounds.height, log.ShownBy(), {}};

@@ -12,7 +12,7 @@ namespace ZIRK::zirkinfo {
 
 namespace {
 
-constexpr int kInfo = 6;
+constexpr int kInfo = 6, kDebug = 7;
 
 }  // namespace
 
@@ -22,7 +22,7 @@ LibraryLog::LibraryLog()
       standardError_(dup(STDERR_FILENO)) {
   std::fflush(stderr);
   if (file_ >= 0) dup2(file_, STDERR_FILENO);
-  LogLevel = kInfo;
+  LogLevel = kDebug;
 }
 
 LibraryLog::~LibraryLog() {
@@ -58,11 +58,17 @@ std::vector<std::string> LibraryLog::Messages(const std::string& levelName) cons
   return found;
 }
 
+std::vector<std::string> LibraryLog::Messages(const std::string& levelName,
+                                              const std::string& beginning) const {
+  std::vector<std::string> rests;
+  for (const std::string& message : Messages(levelName))
+    if (message.rfind(beginning, 0) == 0) rests.push_back(message.substr(beginning.size()));
+  return rests;
+}
+
 std::string LibraryLog::LastInfo(const std::string& beginning) const {
-  std::string rest;
-  for (const std::string& message : Messages("info"))
-    if (message.rfind(beginning, 0) == 0) rest = message.substr(beginning.size());
-  return rest;
+  const std::vector<std::string> rests = Messages("info", beginning);
+  return rests.empty() ? "" : rests.back();
 }
 
 void PrintLines(const char* key, const std::vector<std::string>& messages) {

@@ -5,7 +5,7 @@
 
 namespace ZIRK::zirkinfo {
 
-/// Collects what the library logs, down to the level info, as long as it lives. Nothing of it
+/// Collects what the library logs, down to the level debug, as long as it lives. Nothing of it
 /// reaches standard error meanwhile, other libraries' messages included; with --verbose all follows
 /// at the end.
 class LibraryLog {
@@ -17,8 +17,10 @@ class LibraryLog {
 
   /// The messages so far of the level with this name, each once.
   std::vector<std::string> Messages(const std::string& levelName) const;
-  /// What follows `beginning` in the last message of the level info that begins so; empty if none
-  /// does.
+  /// What follows `beginning` in those that begin so.
+  std::vector<std::string> Messages(const std::string& levelName,
+                                    const std::string& beginning) const;
+  /// The last of these of the level info; empty if there is none.
   std::string LastInfo(const std::string& beginning) const;
   /// What shows the last screen created meanwhile; empty where none is shown.
   std::string ShownBy() const { return LastInfo("screen 0: "); }

@@ -1,8 +1,8 @@
-#include "workloads.h"
+#include "support/workloads.h"
 
 #include <cstdint>
 
-namespace ZIRK::zirkinfo {
+namespace ZIRK::support {
 
 namespace {
 
@@ -88,4 +88,4 @@ Stage MakeStage(VuGraphics& graphics, VuBitmap& screen, const std::string& fontF
   return stage;
 }
 
-}  // namespace ZIRK::zirkinfo
+}  // namespace ZIRK::support

@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-namespace ZIRK::zirkinfo {
+namespace ZIRK::support {
 
 /// What the workloads draw with, and onto.
 struct Stage {
@@ -29,4 +29,4 @@ struct Workload {
 inline constexpr int kWorkloadCount = 5;
 extern const Workload kWorkloads[kWorkloadCount];
 
-}  // namespace ZIRK::zirkinfo
+}  // namespace ZIRK::support
