@@ -81,7 +81,8 @@ void WidenQuad(const PlainVertex* in, const GlTexture* texture, std::byte* out) 
   ShapedVertex v{};
   v.color = quad[0].color;
   v.first = v.last = {-1, -1};
-  if (quad[0].s >= 0 && texture) {
+  // -1 where there is none; the first texel may be rounded to a little below 0.
+  if (quad[0].s > -0.5f && texture) {
     v.first = {0.5f, 0.5f};
     v.last = {static_cast<float>(texture->Width()) - 0.5f,
               static_cast<float>(texture->Height()) - 0.5f};

@@ -273,8 +273,8 @@ Outcome DrawLine(const Operation& op, const Pixel& before, int x, int y) {
   const double steps = flat ? way.x : way.y;
   const double step = steps == 0 ? 0 : (flat ? x - from.x : y - from.y) / steps;
   const double off = flat ? y - from.y - step * way.y : x - from.x - step * way.x;
-  if (step < 0 || step > 1 || std::abs(off) > 0.501) return outcome;
-  outcome.ambiguous = std::abs(off) > 0.499;
+  // Halfway between two pixels it takes the one that lies further along the surface.
+  if (step < 0 || step > 1 || off < -0.499999 || off > 0.500001) return outcome;
   outcome.share = 1;
   Pixel source = Premultiplied(op.color);
   if (op.mask.picture) {

@@ -232,17 +232,6 @@ TEST_P(Surfaces, LargeCopiesComeAfterWhatIsDrawnBefore) {
   }
 }
 
-TEST_P(Surfaces, LinesAreTheSameBothWays) {
-  const auto there = NewTarget(400, 400), back = NewTarget(400, 400);
-  for (int dx = -9; dx <= 9; ++dx)
-    for (int dy = -9; dy <= 9; ++dy) {
-      const VuPoint from{200 + 20 * dx, 200 + 20 * dy}, to{from.x + dx, from.y + dy};
-      there->DrawLine(from, to, white);
-      back->DrawLine(to, from, white);
-    }
-  EXPECT_EQ(PixelsOf(*there), PixelsOf(*back));
-}
-
 TEST_P(Surfaces, AreTimedAndCountFrames) {
   using Clock = std::chrono::steady_clock;
   const std::unique_ptr<VuBitmap> screen(graphics_->CreateScreen(40, 30, true));

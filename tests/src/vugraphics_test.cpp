@@ -3,14 +3,12 @@
 #include <zirk/backend.h>
 
 #include <array>
-#include <chrono>
 #include <cstdint>
 #include <cstdlib>
 #include <iostream>
 #include <memory>
 #include <sstream>
 #include <string>
-#include <thread>
 #include <tuple>
 
 #include "doubles/mocks.h"
@@ -200,22 +198,11 @@ TEST_F(Context, AllAreListedInOrder) {
   EXPECT_EQ(Listed(0), Part(*second, 0));
 }
 
-/// A stream that takes its time, so that the others come while contexts are listed.
-struct SlowBuffer : std::stringbuf {
-  int sync() override {
-    std::this_thread::sleep_for(std::chrono::microseconds(100));
-    return 0;
-  }
-};
-
 TEST_F(Context, SanitizedComeAndGoWhileTheyAreListed) {
-  const auto comeAndGo = [] { const std::array contexts = {New(), New(), New()}; };
-  const auto list = [] {
-    SlowBuffer slow;
-    std::ostream os(&slow);
-    PrintBitmapList(0, os);
-  };
-  LoggedAt(2, [&] { helpers::Meanwhile(list, comeAndGo); });
+  std::array<std::unique_ptr<VuGraphics>, 3> contexts;
+  const auto make = [&](int) { contexts = {New(), New(), New()}; };
+  const auto use = [&](bool lists) { lists ? void(Listed(0)) : contexts.back().reset(); };
+  LoggedAt(2, [&] { helpers::InRounds(20, make, use); });
 }
 
 /// Calls that go to the implementation just as they are, and questions whose answers come back.

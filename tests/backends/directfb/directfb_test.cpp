@@ -7,6 +7,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <memory>
+#include <string>
 #include <utility>
 
 #include "helpers/logged.h"
@@ -27,11 +28,11 @@ GraphicsPtr Open() {
   return GraphicsPtr(VuGraphics::Create("DirectFB", false));
 }
 
-/// Runs `run` in a process in which DirectFB has not started. Neither an expectation nor the exit
-/// may fail there.
-void ExpectInAProcessOfItsOwn(void (*run)()) {
+/// Runs `run` in a process in which DirectFB has not started, and where `said` is written. Neither
+/// an expectation nor the exit may fail there.
+void ExpectInAProcessOfItsOwn(void (*run)(), const char* said = "") {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
-  EXPECT_EXIT((run(), exit(testing::Test::HasFailure())), testing::ExitedWithCode(0), "");
+  EXPECT_EXIT((run(), exit(testing::Test::HasFailure())), testing::ExitedWithCode(0), said);
 }
 
 TEST(DirectFbDeathTest, FailsWithOneErrorAndThenSucceedsWithoutAWord) {
@@ -53,6 +54,15 @@ TEST(DirectFbDeathTest, FailsWithOneErrorAndThenSucceedsWithoutAWord) {
       EXPECT_EQ(after.sa_handler, before[i].sa_handler) << "signal " << i;
     }
   });
+}
+
+TEST(DirectFbDeathTest, TellsWhatItDoesIfTheUserWants) {
+  ExpectInAProcessOfItsOwn(
+      [] {
+        setenv("DFBARGS", (std::string(kArgs) + ",no-quiet").c_str(), 1);
+        EXPECT_NE(Open(), nullptr);
+      },
+      "\\(\\*\\) ");
 }
 
 class DirectFb : public testing::Test {
