@@ -242,6 +242,34 @@ TEST(Shapes, DropWhatWasUsedLongestAgo) {
   }
 }
 
+/// A gradient is drawn through masks, cell by cell, where a colour is drawn from coverage.
+TEST(Paint, OfOneColourTwiceIsTheColour) {
+  Canvas canvas;
+  Shapes shapes(*canvas.graphics_);
+  const std::unique_ptr<VuBitmap> large(
+      canvas.graphics_->CreateBitmap(400, 300, VuPixelFormat::ARGB8888));
+  const auto drawn = [&](const Paint& paint) {
+    large->Clear(0);
+    shapes.FillRoundedRect(*large, {3, 5, 390, 280}, 40.5f, paint);
+    shapes.DrawRoundedRect(*large, {8, 10, 380, 270}, 30, 3.5f, paint);
+    shapes.DrawRing(*large, {200, 150}, 140, 20, paint);
+    shapes.DrawPolyline(*large, {{10, 20}, {390, 200}, {20, 290}}, 9, paint);
+    return helpers::PixelsOf(*large);
+  };
+  const VuColor color = 0x80406080;
+  const Pixels plain = drawn(color);
+  for (const Paint& paint : {Paint::Linear(color, color), Paint::Linear(color, color, 20),
+                             Paint::Linear(color, color, 0), Paint::Radial(color, color)}) {
+    const Pixels gradient = drawn(paint);
+    int worst = 0;
+    for (size_t i = 0; i < plain.size(); ++i)
+      for (int shift = 0; shift < 32; shift += 8)
+        worst = std::max(worst, std::abs(static_cast<int>(plain[i] >> shift & 255) -
+                                         static_cast<int>(gradient[i] >> shift & 255)));
+    EXPECT_LE(worst, 3) << "four shapes above each other, a step each at most";
+  }
+}
+
 // --- Gradients, shadows -------------------------------------------------------------------------
 
 TEST(Paint, LiesOverTheShape) {
