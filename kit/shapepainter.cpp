@@ -12,6 +12,9 @@ namespace {
 /// The sides of a cell, unless its shape ends before.
 constexpr int kCellSide = 128;
 
+/// That of a gradient's cell, in the direction that does not matter, where no more is needed.
+constexpr int kNarrow = 16;
+
 /// Calls `use(x, y)` for the corner of each cell of `bounds` that is seen in `visible`, from the
 /// corner of the bounds.
 template <typename F>
@@ -100,11 +103,13 @@ void ShapePainter::FillThrough(const VuBitmap& coverage, const VuRect& rect) {
 void ShapePainter::FillByGradient(const VuRect& rect, const VuBitmap* mask) {
   // One that is the same all along needs one cell in that direction.
   const bool level = IsLevel(paint_), upright = IsUpright(paint_);
+  const auto sideOf = [](int length) { return length <= kNarrow ? kNarrow : kCellSide; };
   ForEachCell(bounds_, Intersect(rect, visible_), [&](int x, int y) {
-    const Window window{level ? 0 : x,
-                        upright ? 0 : y,
-                        {level ? kCellSide : std::min(kCellSide, bounds_.width - x)},
-                        {upright ? kCellSide : std::min(kCellSide, bounds_.height - y)}};
+    const Window window{
+        level ? 0 : x,
+        upright ? 0 : y,
+        {level ? sideOf(bounds_.width) : std::min(kCellSide, bounds_.width - x)},
+        {upright ? sideOf(bounds_.height) : std::min(kCellSide, bounds_.height - y)}};
     const Cells* const cells = cache_.Gradient(gradient_, window);
     if (!cells) return;
     const VuPoint corner{bounds_.x + x, bounds_.y + y};

@@ -111,6 +111,14 @@ const Covered kCovered[] = {
        };
        return left(5, 35, 35, 30.5) && left(35, 30.5, 18, 4.25) && left(18, 4.25, 5, 35);
      }},
+    {"a polygon that is not convex, counter-clockwise",
+     [](Shapes& s, VuBitmap& t) {
+       s.FillPolygon(t, {{6, 6}, {6, 34}, {34, 34}, {34, 28.5f}, {12.5f, 28.5f}, {12.5f, 6}},
+                     white);
+     },
+     [](double x, double y) {
+       return InRounded(x, y, 6, 6, 34, 34, 0) >= 0 && !(x > 12.5 && y < 28.5);
+     }},
     {"a line with round joins and caps",
      [](Shapes& s, VuBitmap& t) {
        s.DrawPolyline(t, {{6, 8}, {33, 30}, {33, 30}, {34, 9}, {24, 5}},

@@ -122,8 +122,8 @@ class ZIRK_API Shapes {
   void FillDisc(VuBitmap& target, Point middle, float radius, const Paint& paint);
   /// A triangle, its corners in any order.
   void FillTriangle(VuBitmap& target, Point a, Point b, Point c, const Paint& paint);
-  /// A convex polygon, its corners in either order; less than three draw nothing. Of one that is
-  /// not convex, what its sides go round in both directions may be left out.
+  /// A polygon, convex or not, its corners in either order; less than three draw nothing. Of one
+  /// whose sides cross, what they go round in the other direction may be left out.
   void FillPolygon(VuBitmap& target, Points corners, const Paint& paint);
 
   // --- Outlines and lines -----------------------------------------------------------------------
