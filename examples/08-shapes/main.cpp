@@ -9,7 +9,6 @@
 #include <memory>
 #include <vector>
 
-#include "support/pngfile.h"
 
 using namespace ZIRK;
 
@@ -155,9 +154,9 @@ int main(int argc, char** argv) {
                        *panel);
     ++place;
     if (argc > 2 && std::strcmp(argv[2], recipe.name) == 0)
-      done = support::WritePng(argv[1], *panel);
+      done = kit::SavePng(*panel, argv[1]);
   }
-  if (argc == 2) done = support::WritePng(argv[1], *screen);
+  if (argc == 2) done = kit::SavePng(*screen, argv[1]);
   screen->SwapBuffers();
   return done ? 0 : 1;
 }

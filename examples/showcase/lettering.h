@@ -1,11 +1,13 @@
 #pragma once
 
+#include <zirk/zirk.h>
+
 #include <memory>
 #include <string>
 
-#include "showcase/brushes.h"
-
 namespace ZIRK::showcase {
+
+using Matrix = VuTMatrix2D<float>;
 
 enum class Align { Left, Centre, Right };
 

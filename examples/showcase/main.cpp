@@ -2,15 +2,15 @@
 // front of them, on the right panels of glass with a chart, a dial, line art and bars, and all of
 // it lettered in several scripts.
 
-#include <zirk/kit/pictures.h>
+#include <zirk/kit/kit.h>
 #include <zirk/zirk.h>
 
 #include <cmath>
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <vector>
 
-#include "showcase/brushes.h"
 #include "showcase/lettering.h"
 
 using namespace ZIRK;
@@ -19,19 +19,23 @@ using namespace ZIRK::showcase;
 namespace {
 
 constexpr int kWidth = 1280, kHeight = 720;
-constexpr float kPi = 3.14159265f;
+constexpr float kPi = 3.14159265f, kRadiansPerDegree = kPi / 180;
 
 constexpr VuColor kCoral{0xFFFF7A5C}, kGold{0xFFFFC857}, kMint{0xFF5CE1C4}, kSky{0xFF5AB0FF},
     kViolet{0xFFA27BFF}, kPale{0xB0FFFFFF};
 
 const std::string kMedia = ZIRK_EXAMPLE_MEDIA;
 
+using BitmapPtr = std::unique_ptr<VuBitmap>;
+using kit::Mix, kit::Paint;
+
 /// What several parts of the picture draw with.
 struct Studio {
   VuGraphics& graphics;
   VuBitmap& screen;
+  kit::Shapes& shapes;
   Lettering& lettering;
-  BitmapPtr photo, balloon, glow, disc;
+  BitmapPtr photo, balloon, disc;
 };
 
 BitmapPtr LoadPicture(VuGraphics& graphics, const char* name) {
@@ -47,18 +51,46 @@ float Chance(uint32_t n) {
   return static_cast<float>((n ^ n >> 16) >> 8) / 16777216.0f;
 }
 
+/// Places what is drawn around (0, 0) at (x, y), turned counter-clockwise and scaled.
+Matrix At(float x, float y, float degrees = 0, float scale = 1) {
+  Matrix m;
+  m.translate({x, y});
+  if (degrees != 0) m.rotate(degrees * kRadiansPerDegree);
+  if (scale != 1) m.scale({scale, scale});
+  return m;
+}
+
+/// A mask for what is turned or is a picture: what `draw` draws on a bitmap of that size.
+template <typename F>
+BitmapPtr MakeMask(VuGraphics& graphics, int width, int height, F&& draw) {
+  BitmapPtr mask(graphics.CreateBitmap(width, height, VuPixelFormat::A8));
+  draw(*mask);
+  mask->SetScaleMode(VuScaleMode::Bilinear);
+  return mask;
+}
+
+BitmapPtr MakeRoundedMask(VuGraphics& graphics, kit::Shapes& shapes, int width, int height,
+                          float radius) {
+  return MakeMask(graphics, width, height, [&](VuBitmap& mask) {
+    shapes.FillRoundedRect(mask, {0, 0, width, height}, radius, white);
+  });
+}
+
+class Light : kit::BlendingScope {
+ public:
+  explicit Light(VuBitmap& target)
+      : BlendingScope(target, VuBlendingFactor::One, VuBlendingFactor::One) {}
+};
+
 void DrawGlow(const Studio& s, float x, float y, float size, VuColor color) {
-  const Additive light(s.screen);
-  const VuRect all = s.glow->GetBounds();
-  s.screen.DrawObject({-all.width / 2, -all.height / 2, all.width, all.height}, *s.glow, all,
-                      At(x, y, 0, size / static_cast<float>(all.width)), color);
+  const Light light(s.screen);
+  s.shapes.DrawGlow(s.screen, {x, y}, size / 2, color);
 }
 
 // --- Behind everything --------------------------------------------------------------------------
 
 void DrawBackground(const Studio& s) {
-  const BitmapPtr night = MakeGradient(s.graphics, {0xFF0A1230}, {0xFF35164F});
-  s.screen.DrawObject({0, 0, kWidth, kHeight}, *night);
+  s.shapes.FillRect(s.screen, {0, 0, kWidth, kHeight}, Paint::Linear(0xFF0A1230, 0xFF35164F));
   DrawGlow(s, 120, 700, 1100, {0xFF7A2A4C});
   DrawGlow(s, 1240, 40, 1000, {0xFF17426E});
   DrawGlow(s, 640, 380, 900, {0xFF2A1C5A});
@@ -72,7 +104,7 @@ void DrawBackground(const Studio& s) {
 
 /// Two families of lines, each the other's mirror image, that touch a curve none of them is.
 void DrawLineArt(const Studio& s) {
-  const Additive light(s.screen);
+  const Light light(s.screen);
   constexpr int kLines = 44;
   for (int i = 0; i <= kLines; ++i) {
     const float t = static_cast<float>(i) / kLines;
@@ -93,11 +125,13 @@ struct Card {
 
 void DrawCards(const Studio& s) {
   constexpr int kCardWidth = 600, kCardHeight = 390, kFrame = 12, kShadow = 60;
-  const BitmapPtr paper = MakeRounded(s.graphics, {kCardWidth, kCardHeight, 22});
+  const BitmapPtr paper = MakeRoundedMask(s.graphics, s.shapes, kCardWidth, kCardHeight, 22);
   const BitmapPtr window =
-      MakeRounded(s.graphics, {kCardWidth - 2 * kFrame, kCardHeight - 2 * kFrame, 12});
-  const BitmapPtr shadow = MakeRounded(
-      s.graphics, {kCardWidth + 2 * kShadow, kCardHeight + 2 * kShadow, 30, kShadow, 70});
+      MakeRoundedMask(s.graphics, s.shapes, kCardWidth - 2 * kFrame, kCardHeight - 2 * kFrame, 12);
+  const BitmapPtr shadow =
+      MakeMask(s.graphics, kCardWidth + 2 * kShadow, kCardHeight + 2 * kShadow, [&](VuBitmap& m) {
+        s.shapes.DrawShadow(m, {kShadow, kShadow, kCardWidth, kCardHeight}, 30, 42, white);
+      });
   const VuRect sheet{-kCardWidth / 2, -kCardHeight / 2, kCardWidth, kCardHeight};
   const VuRect picture{sheet.x + kFrame, sheet.y + kFrame, sheet.width - 2 * kFrame,
                        sheet.height - 2 * kFrame};
@@ -156,11 +190,10 @@ void DrawAvatars(const Studio& s) {
   for (int i = 0; i < 5; ++i) {
     const int x = 150 + i * 70, y = 586;
     s.lettering.Label(s.screen, names[i], {x + kSize / 2, y + kSize + 9}, kPale, Align::Centre);
-    s.screen.DrawRect({x - 5, y - 5, kSize + 10, kSize + 10}, {0xFF21143E}, VuTransform(), *s.disc,
-                      nullptr);
-    const BitmapPtr sky = MakeGradient(s.graphics, Mix(skies[i], white, 0.45f), skies[i]);
-    s.screen.DrawObject({x, y, kSize, kSize}, *sky, sky->GetBounds(), VuTransform(), white, *s.disc,
-                        nullptr);
+    const kit::Point middle(static_cast<float>(x + kSize / 2), static_cast<float>(y + kSize / 2));
+    s.shapes.FillDisc(s.screen, middle, kSize / 2 + 5, 0xFF21143E);
+    s.shapes.FillDisc(s.screen, middle, kSize / 2,
+                      Paint::Linear(Mix(skies[i], white, 0.45f), skies[i]));
     s.screen.DrawObject({x, y, kSize, kSize}, *s.balloon, {-40, -40, 320, 320}, VuTransform(),
                         tints[i], *s.disc, nullptr);
   }
@@ -169,7 +202,6 @@ void DrawAvatars(const Studio& s) {
 /// Bars whose filled part is cut off by the clipping rectangle.
 void DrawProgress(const Studio& s) {
   const VuRect pill{560, 590, 208, 14};
-  const BitmapPtr shape = MakeRounded(s.graphics, {pill.width, pill.height, 7});
   const VuColor colors[][2] = {{kCoral, kGold}, {kViolet, kSky}, {kSky, kMint}};
   const float parts[] = {0.86f, 0.62f, 0.41f};
   const char* labels[][2] = {{"Gas", "86 %"}, {"Ballast", "62 %"}, {"Wind", "4.1 m/s"}};
@@ -179,11 +211,10 @@ void DrawProgress(const Studio& s) {
     s.lettering.Label(s.screen, labels[i][1], {bar.x + bar.width - 2, bar.y - 18}, kPale,
                       Align::Right);
     const auto filled = static_cast<int>(parts[i] * static_cast<float>(bar.width));
-    s.screen.DrawRect(bar, {0x2CFFFFFF}, VuTransform(), *shape, nullptr);
-    const BitmapPtr strip = MakeGradient(s.graphics, colors[i][0], colors[i][1], false);
+    s.shapes.FillRoundedRect(s.screen, bar, 7, 0x2CFFFFFF);
     {
-      const Clipped part(s.screen, {bar.x, bar.y, filled, bar.height});
-      s.screen.DrawObject(bar, *strip, strip->GetBounds(), VuTransform(), white, *shape, nullptr);
+      const kit::ClippingScope part(s.screen, {bar.x, bar.y, filled, bar.height});
+      s.shapes.FillRoundedRect(s.screen, bar, 7, Paint::Linear(colors[i][0], colors[i][1], 0));
     }
     DrawGlow(s, static_cast<float>(bar.x + filled), static_cast<float>(bar.y) + 7, 54,
              colors[i][1]);
@@ -193,19 +224,11 @@ void DrawProgress(const Studio& s) {
 // --- Panels of glass ----------------------------------------------------------------------------
 
 void DrawPanel(const Studio& s, const VuRect& r) {
-  constexpr int kShadow = 40;
   constexpr float kRadius = 20;
-  const BitmapPtr shape = MakeRounded(s.graphics, {r.width, r.height, kRadius});
-  const BitmapPtr outline = MakeOutline(s.graphics, {r.width, r.height, kRadius}, 1.2f);
-  const BitmapPtr shadow = MakeRounded(
-      s.graphics, {r.width + 2 * kShadow, r.height + 2 * kShadow, kRadius, kShadow, 50});
-  const BitmapPtr sheen = MakeGradient(s.graphics, {0x30C8D8FF}, {0x0CC8D8FF});
-  s.screen.DrawRect(
-      {r.x - kShadow, r.y - kShadow + 12, r.width + 2 * kShadow, r.height + 2 * kShadow},
-      {0x70040212}, VuTransform(), *shadow, nullptr);
-  s.screen.DrawRect(r, {0xB0141434}, VuTransform(), *shape, nullptr);
-  s.screen.DrawObject(r, *sheen, sheen->GetBounds(), VuTransform(), white, *shape, nullptr);
-  s.screen.DrawRect(r, {0x50C8D8FF}, VuTransform(), *outline, nullptr);
+  s.shapes.DrawShadow(s.screen, {r.x, r.y + 12, r.width, r.height}, kRadius, 30, 0x70040212);
+  s.shapes.FillRoundedRect(s.screen, r, kRadius, 0xB0141434);
+  s.shapes.FillRoundedRect(s.screen, r, kRadius, Paint::Linear(0x30C8D8FF, 0x0CC8D8FF));
+  s.shapes.DrawRoundedRect(s.screen, r, kRadius, 1.2f, 0x50C8D8FF);
 }
 
 /// Height of a curve of the chart, 0 to 1.
@@ -215,23 +238,22 @@ float Climb(float t, float phase) {
 }
 
 void DrawCurve(const Studio& s, const VuRect& r, float phase, VuColor color) {
-  const auto yAt = [&](float x) {
-    const float t = (x - static_cast<float>(r.x)) / static_cast<float>(r.width);
-    return static_cast<float>(r.y) + static_cast<float>(r.height) * (1 - Climb(t, phase));
-  };
-  const BitmapPtr fade =
-      MakeGradient(s.graphics, {(color.argb & 0xFFFFFF) | 0x78000000}, {color.argb & 0xFFFFFF});
-  const int bottom = r.y + r.height;
-  for (int x = r.x; x < r.x + r.width; ++x) {
-    const auto top = static_cast<int>(std::lround(yAt(static_cast<float>(x) + 0.5f)));
-    s.screen.DrawObject({x, top, 1, bottom - top}, *fade);
+  const auto left = static_cast<float>(r.x), top = static_cast<float>(r.y);
+  const auto width = static_cast<float>(r.width), height = static_cast<float>(r.height);
+  std::vector<kit::Point> points;
+  for (float x = 0; x <= width; x += 4)
+    points.emplace_back(left + x, top + height * (1 - Climb(x / width, phase)));
+  const kit::Point end = points.back();
+  const VuColor gone = color & 0xFFFFFF;
+  for (int x = 0; x < r.width; ++x) {
+    const float t = (static_cast<float>(x) + 0.5f) / width;
+    const auto depth = static_cast<int>(std::lround(height * Climb(t, phase)));
+    s.shapes.FillRect(s.screen, {r.x + x, r.y + r.height - depth, 1, depth},
+                      Paint::Linear(gone | 0x78000000, gone));
   }
-  constexpr float kStep = 4;
-  const auto end = static_cast<float>(r.x + r.width);
-  for (auto x = static_cast<float>(r.x); x < end; x += kStep)
-    DrawStroke(s.screen, {x, yAt(x)}, {x + kStep + 0.4f, yAt(x + kStep + 0.4f)}, 2.6f, color);
-  DrawGlow(s, end, yAt(end), 70, color);
-  s.screen.DrawRect({-50, -50, 100, 100}, white, At(end, yAt(end), 0, 0.1f), *s.disc, nullptr);
+  s.shapes.DrawPolyline(s.screen, points, {2.6f, kit::Join::Round, kit::Cap::Round}, color);
+  DrawGlow(s, end.x(), end.y(), 70, color);
+  s.shapes.FillDisc(s.screen, end, 5, white);
 }
 
 void DrawChart(const Studio& s, const VuRect& panel) {
@@ -257,11 +279,10 @@ void DrawDial(const Studio& s, const VuRect& panel) {
     const float degrees = 240 - 300 * t;
     const VuColor lit = t < 0.5f ? Mix(kMint, kSky, t * 2) : Mix(kSky, kViolet, t * 2 - 1);
     const VuColor color = i < kLit ? lit : VuColor{0x30FFFFFF};
-    s.screen.DrawRect({620, -18, 180, 36}, color, At(x, y, degrees, 0.1f));
-    if (i == kLit - 1) {
-      const auto end = At(x, y, degrees).transformVector(VuTVector2D<float>(71, 0));
-      DrawGlow(s, end.x(), end.y(), 80, lit);
-    }
+    const Matrix place = At(x, y, degrees);
+    const auto at = [&](float radius) { return place.transformVector(kit::Point(radius, 0)); };
+    s.shapes.DrawLine(s.screen, at(62), at(80), 3.6f, color);
+    if (i == kLit - 1) DrawGlow(s, at(71).x(), at(71).y(), 80, lit);
   }
   s.lettering.Heading(s.screen, "73 %", {static_cast<int>(x), static_cast<int>(y) + 62}, white,
                       Align::Centre);
@@ -279,7 +300,7 @@ void DrawChords(const Studio& s, const VuRect& panel) {
     return VuPoint{static_cast<int>(std::lround(x + 80 * std::cos(2 * kPi * turn))),
                    static_cast<int>(std::lround(y - 80 * std::sin(2 * kPi * turn)))};
   };
-  const Additive light(s.screen);
+  const Light light(s.screen);
   constexpr int kChords = 110;
   for (int i = 0; i < kChords; ++i) {
     const float t = static_cast<float>(i) / kChords;
@@ -291,9 +312,8 @@ void DrawChords(const Studio& s, const VuRect& panel) {
 void DrawBars(const Studio& s, const VuRect& panel) {
   DrawPanel(s, panel);
   s.lettering.Heading(s.screen, "Flights a week", {panel.x + 24, panel.y + 14}, white);
-  const BitmapPtr usual = MakeGradient(s.graphics, kMint, {0xFF2B5BD0});
-  const BitmapPtr chosen = MakeGradient(s.graphics, kGold, kCoral);
-  const BitmapPtr mirrored = MakeGradient(s.graphics, {0x503C8CE0}, {0x003C8CE0});
+  const Paint usual = Paint::Linear(kMint, 0xFF2B5BD0), chosen = Paint::Linear(kGold, kCoral);
+  const Paint mirrored = Paint::Linear(0x503C8CE0, 0x003C8CE0);
   constexpr int kBars = 22, kPitch = 16;
   const int bottom = panel.y + panel.height - 42, left = panel.x + 28;
   for (int i = 0; i < kBars; ++i) {
@@ -301,8 +321,8 @@ void DrawBars(const Studio& s, const VuRect& panel) {
     const float size = 22 + 70 * wave + 26 * Chance(static_cast<uint32_t>(i) + 900);
     const auto height = static_cast<int>(size);
     const int x = left + i * kPitch;
-    s.screen.DrawObject({x, bottom - height, 10, height}, i == 15 ? *chosen : *usual);
-    s.screen.DrawObject({x, bottom + 3, 10, 24}, *mirrored);
+    s.shapes.FillRect(s.screen, {x, bottom - height, 10, height}, i == 15 ? chosen : usual);
+    s.shapes.FillRect(s.screen, {x, bottom + 3, 10, 24}, mirrored);
     s.screen.DrawRect({x, bottom - height - 6, 10, 2}, {0x90FFFFFF});
     if (i == 15) {
       DrawGlow(s, static_cast<float>(x) + 5, static_cast<float>(bottom - height), 90, kGold);
@@ -342,14 +362,15 @@ int main(int argc, char** argv) {
   if (!graphics) return 1;
   const BitmapPtr screen(graphics->CreateScreen(kWidth, kHeight, true));
   if (!screen) return 1;
+  kit::Shapes shapes(*graphics);
   Lettering lettering(ZIRK_EXAMPLE_FONTS);
   const Studio studio{*graphics,
                       *screen,
+                      shapes,
                       lettering,
                       LoadPicture(*graphics, "lake.jpg"),
                       LoadPicture(*graphics, "balloon.png"),
-                      MakeGlow(*graphics, 256),
-                      MakeRounded(*graphics, {200, 200, 100})};
+                      MakeRoundedMask(*graphics, shapes, 200, 200, 100)};
   if (!studio.photo || !studio.balloon) return 1;
   DrawPoster(studio);
   // Before it is shown: what a screen holds afterwards is not the same on every backend.
