@@ -95,7 +95,8 @@ struct Stroke {
 /// part of a pixel where it lies: what moves by whole pixels is found again. Radii, widths and
 /// points are taken to a sixteenth of a pixel, the middles of discs, rings and arcs to a quarter.
 ///
-/// A surface's clipping rectangle and blending apply as to every drawing call. A size that is not
+/// A surface's clipping rectangle and blending apply as to every drawing call; with blending off,
+/// what lies around a shape is replaced as well. A size that is not
 /// positive, and a number that is not finite or beyond a million, draw nothing. Where memory runs
 /// out, what needs it is left out, and one error line says so.
 ///
