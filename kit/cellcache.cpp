@@ -147,8 +147,11 @@ bool CellCache::MakeGradient(const Recipe& recipe, const Window& window, Cells& 
     return cell.bitmap != nullptr;
   };
   // What is known to be opaque is drawn faster; a backend may not have that format.
-  if (opaque && hasOpaqueFormat_) hasOpaqueFormat_ = create(VuPixelFormat::XRGB8888);
-  if (!cell.bitmap && !create(VuPixelFormat::ARGB8888)) return false;
+  const bool tried = opaque && hasOpaqueFormat_;
+  if (!(tried && create(VuPixelFormat::XRGB8888))) {
+    if (!create(VuPixelFormat::ARGB8888)) return false;
+    hasOpaqueFormat_ = !tried && hasOpaqueFormat_;
+  }
   return cell.bitmap->SetPixels(cell.place, pixels_.data(), static_cast<unsigned>(all.width) * 4);
 }
 

@@ -16,13 +16,15 @@ constexpr int kCellSide = 128;
 constexpr int kNarrow = 16;
 
 /// Calls `use(x, y)` for the corner of each cell of `bounds` that is seen in `visible`, from the
-/// corner of the bounds.
+/// corner of the bounds, until it returns false: what one cell lacks memory for, so do the others.
 template <typename F>
 void ForEachCell(const VuRect& bounds, const VuRect& visible, F&& use) {
+  if (visible.width == 0) return;
   const auto firstOf = [](int from) { return from / kCellSide * kCellSide; };
   const int left = visible.x - bounds.x, top = visible.y - bounds.y;
   for (int y = firstOf(top); y < top + visible.height; y += kCellSide)
-    for (int x = firstOf(left); x < left + visible.width; x += kCellSide) use(x, y);
+    for (int x = firstOf(left); x < left + visible.width; x += kCellSide)
+      if (!use(x, y)) return;
 }
 
 }  // namespace
@@ -52,6 +54,7 @@ void ShapePainter::Draw(const Recipe& recipe) {
     const Division height{std::min(kCellSide, bounds_.height - y)};
     const Cells* const cells = cache_.Coverage(recipe, {x, y, width, height});
     if (cells) DrawCells(*cells, {bounds_.x + x, bounds_.y + y}, width, height);
+    return cells != nullptr;
   });
 }
 
@@ -111,10 +114,11 @@ void ShapePainter::FillByGradient(const VuRect& rect, const VuBitmap* mask) {
         {level ? sideOf(bounds_.width) : std::min(kCellSide, bounds_.width - x)},
         {upright ? sideOf(bounds_.height) : std::min(kCellSide, bounds_.height - y)}};
     const Cells* const cells = cache_.Gradient(gradient_, window);
-    if (!cells) return;
+    if (!cells) return false;
     const VuPoint corner{bounds_.x + x, bounds_.y + y};
     const VuRect piece = Intersect(rect, {corner.x, corner.y, window.Width(), window.Height()});
     DrawPiece(piece, *cells->front().bitmap, {piece.x - corner.x, piece.y - corner.y}, rect, mask);
+    return true;
   });
 }
 

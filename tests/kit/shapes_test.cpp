@@ -383,33 +383,48 @@ TEST(Shapes, OfNoSensibleSizeDrawNothing) {
   EXPECT_EQ(log, "");
 }
 
-TEST(Shapes, OfAbsurdSizeDrawWhatIsSeenOfThem) {
-  Canvas canvas;
-  Shapes s(*canvas.graphics_);
-  const Pixels all(size_t{kSide} * kSide, 0xFFFFFFFF);
-  VuBitmap& t = *canvas.bitmap_;
-  const std::function<void()> kDraw[] = {
-      [&] {
-        s.FillDisc(t, {900'000, 20}, 1e6f, white);
-      },
-      [&] {
-        s.FillRoundedRect(t, {-1'000'000, -400'000, 1'000'000, 999'999}, 9, white);
-      },
-      [&] {
-        s.FillRoundedRect(t, {-900'000, -400'000, 1'000'000, 999'999}, 1e5f, white);
-      },
-      [&] {
-        s.DrawLine(t, {-1e6f, 0}, {1e6f, 30}, 1e6f, white);
-      },
-      [&] {
-        s.DrawShadow(t, {-500'000, -500'000, 1'000'000, 1'000'000}, 1e6f, 1e9f, white);
-      },
+TEST(Shapes, DrawWhatIsSeenOfThem) {
+  const struct {
+    const char* name;
+    bool isSeen;
+    std::function<void(Shapes&, VuBitmap&)> draw;
+  } kRows[] = {
+      {"a large disc", true,
+       [](Shapes& s, VuBitmap& t) {
+         s.FillDisc(t, {900'000, 20}, 1e6f, white);
+       }},
+      {"a large rectangle", true,
+       [](Shapes& s, VuBitmap& t) {
+         s.FillRoundedRect(t, {-900'000, -400'000, 1'000'000, 999'999}, 1e5f, white);
+       }},
+      {"a large line", true,
+       [](Shapes& s, VuBitmap& t) {
+         s.DrawLine(t, {-1e6f, 0}, {1e6f, 30}, 1e6f, white);
+       }},
+      {"a large shadow", true,
+       [](Shapes& s, VuBitmap& t) {
+         s.DrawShadow(t, {-500'000, -500'000, 1'000'000, 1'000'000}, 1e6f, 1e9f, white);
+       }},
+      {"a rectangle that ends at the left side", false,
+       [](Shapes& s, VuBitmap& t) {
+         s.FillRoundedRect(t, {-1'000'000, -400'000, 1'000'000, 999'999}, 9, white);
+       }},
+      {"a disc out of sight", false,
+       [](Shapes& s, VuBitmap& t) {
+         s.FillDisc(t, {-300, -300}, 9, Paint::Radial(white, 0));
+       }},
+      {"a gradient out of sight", false,
+       [](Shapes& s, VuBitmap& t) {
+         s.FillRect(t, {-300, -300, 9, 9}, Paint::Radial(white, 0));
+       }},
   };
-  const bool isSeen[] = {true, false, true, true, true};
-  for (size_t i = 0; i < std::size(kDraw); ++i) {
+  Canvas canvas;
+  Shapes shapes(*canvas.graphics_);
+  for (const auto& row : kRows) {
     canvas.Clear();
-    kDraw[i]();
-    EXPECT_EQ(canvas.Drawn(), isSeen[i] ? all : Pixels(all.size())) << i;
+    row.draw(shapes, *canvas.bitmap_);
+    const Pixels all(size_t{kSide} * kSide, row.isSeen ? 0xFFFFFFFFu : 0u);
+    EXPECT_EQ(canvas.Drawn(), all) << row.name;
   }
 }
 
