@@ -9,7 +9,6 @@
 #include <memory>
 #include <vector>
 
-
 using namespace ZIRK;
 
 namespace {
@@ -153,8 +152,7 @@ int main(int argc, char** argv) {
                         kPanelWidth, kPanelHeight},
                        *panel);
     ++place;
-    if (argc > 2 && std::strcmp(argv[2], recipe.name) == 0)
-      done = kit::SavePng(*panel, argv[1]);
+    if (argc > 2 && std::strcmp(argv[2], recipe.name) == 0) done = kit::SavePng(*panel, argv[1]);
   }
   if (argc == 2) done = kit::SavePng(*screen, argv[1]);
   screen->SwapBuffers();
