@@ -16,7 +16,8 @@ TEST(MachineFonts, AreFoundByFamilyAndStyle) {
                                << testing::TempDir() << "zirk_fonts_cache</cachedir></fontconfig>";
   setenv("FONTCONFIG_FILE", configuration.c_str(), 1);
   const std::string log = helpers::LoggedAt(3, [] { FindFont("any"); });
-  if (!log.empty()) GTEST_SKIP() << log;
+  for (const char* const lack : {"libfontconfig.so.1 does not open", "without fontconfig"})
+    if (log.find(lack) != std::string::npos) GTEST_SKIP() << log;
   const struct {
     std::string_view family;
     bool bold, italic;

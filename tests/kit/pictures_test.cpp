@@ -1,7 +1,9 @@
 #include <gmock/gmock.h>
+#include <sys/resource.h>
 #include <zirk/kit/pictures.h>
 #include <zirk/zirk.h>
 
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -92,6 +94,14 @@ TEST_F(Pictures, SayInOneLineWhyTheyAreNotSaved) {
   fails(kPath.c_str(), {1, 0, 300, 1}, "cannot be read");
   fails(kPath.c_str(), {0, 0, 0, 1}, "cannot be read");
   EXPECT_TRUE(std::filesystem::exists("/dev/full"));
+  rlimit files;
+  getrlimit(RLIMIT_FSIZE, &files);
+  const rlimit few{100, files.rlim_max};
+  std::signal(SIGXFSZ, SIG_IGN);
+  setrlimit(RLIMIT_FSIZE, &few);
+  fails(kPath.c_str(), {0, 0, 300, 300}, "File too large");
+  setrlimit(RLIMIT_FSIZE, &files);
+  EXPECT_FALSE(std::filesystem::exists(kPath)) << "half a file is left";
   bool isSaved = false;
   for (int granted = 0; !isSaved; ++granted) {
     const support::ScarceMemory scarce(granted);

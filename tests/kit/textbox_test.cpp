@@ -81,6 +81,9 @@ TEST(TextBox, DrawsLinesAsTheLibraryDoesWhereTheyAreAligned) {
     ASSERT_TRUE(box.SetText(Sans(), "AVATAR To \nLT, Würgen\nWA \u2026 ", kColor, style));
     EXPECT_EQ(box.GetHeight(), height);
     EXPECT_EQ(box.GetWidth(), WidthOf(lines[1]));
+    // Lines out of sight are left out, those seen in part are not.
+    for (const auto& target : {stage.drawn.get(), stage.expected.get()})
+      target->SetClippingRect({0, align == 2 ? 40 : 0, 400, align == 1 ? 40 : 200});
     box.Draw(*stage.drawn, {9, 5});
     for (int i = 0; i < 3; ++i) {
       const VuPoint corner{(kWidth - WidthOf(lines[i])) * align / 2,
@@ -216,6 +219,17 @@ TEST(TextBox, SetsAnyBytes) {
     }
     ASSERT_TRUE(box.IsCut() || text.find_first_not_of(" \t\r\n\u2028", end) == std::string::npos);
     ASSERT_EQ(box.GetCharacter(text.size()).width, 0);
+  }
+}
+
+TEST(TextBox, GivesNoRoomToBytesThatAreNoCharacters) {
+  TextBox box;
+  for (const std::string text : {"A\xE2\x82", "A\xC3V",
+                                 "\x80"
+                                 "A\xFF",
+                                 "A\xF0\x9F\x98"}) {
+    ASSERT_TRUE(box.SetText(Sans(), text, white));
+    EXPECT_EQ(box.GetWidth(), text.back() == 'V' ? WidthOf("AV") : WidthOf("A"));
   }
 }
 
