@@ -2,7 +2,6 @@
 #include <zirk/kit/machinefonts.h>
 
 #include <cstdlib>
-#include <fstream>
 
 #include "helpers/fonts.h"
 #include "helpers/logged.h"
@@ -11,10 +10,7 @@ namespace ZIRK::kit {
 namespace {
 
 TEST(MachineFonts, AreFoundByFamilyAndStyle) {
-  const std::string configuration = testing::TempDir() + "zirk_fonts.conf";
-  std::ofstream(configuration) << "<fontconfig><dir>" ZIRK_TEST_FONTS "</dir><cachedir>"
-                               << testing::TempDir() << "zirk_fonts_cache</cachedir></fontconfig>";
-  setenv("FONTCONFIG_FILE", configuration.c_str(), 1);
+  setenv("FONTCONFIG_FILE", helpers::FontFile("fonts.conf").c_str(), 1);
   const std::string log = helpers::LoggedAt(3, [] { FindFont("any"); });
   for (const char* const lack : {"libfontconfig.so.1 does not open", "without fontconfig"})
     if (log.find(lack) != std::string::npos) GTEST_SKIP() << log;
@@ -29,6 +25,7 @@ TEST(MachineFonts, AreFoundByFamilyAndStyle) {
       {"ZIRK Test Sans", false, true, "sansoblique.ttf"},
       {std::string_view("ZIRK Test CJK and more").substr(0, 13), true, true, "cjk.ttf"},
       {"ZIRK Test Two", false, false, "collection.ttc", 1},
+      {"sans-serif", true, false, "sansbold.ttf"},
   };
   for (const auto& c : cases) {
     const auto found = FindFont(c.family, c.bold, c.italic);
