@@ -1,43 +1,30 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <thread>
 
 namespace ZIRK::helpers {
 
-/// Calls both again and again, each on a thread of its own, until both have been called often. The
-/// counters order nothing between the threads, so that only what is called does.
-template <typename F, typename G>
-void Meanwhile(F first, G second) {
-  constexpr int kOften = 30;
-  std::atomic<int> firstCalls = 0, secondCalls = 0;
-  const auto repeat = [](auto call, std::atomic<int>& own, const std::atomic<int>& others) {
-    while (own.load(std::memory_order_relaxed) < kOften ||
-           others.load(std::memory_order_relaxed) < kOften) {
-      call();
-      own.fetch_add(1, std::memory_order_relaxed);
-    }
-  };
-  std::thread other([&] { repeat(first, firstCalls, secondCalls); });
-  repeat(second, secondCalls, firstCalls);
-  other.join();
-}
-
 /// In each round calls `prepare`, with the round's number, and then `use` on two threads at the
-/// same time, with false and with true.
+/// same time, with false and with true. Nothing but what `use` calls orders one before the other,
+/// so that a missing lock shows whoever comes first.
 template <typename F, typename G>
 void InRounds(int rounds, F prepare, G use) {
-  std::atomic<int> arrived = 0;
-  // Neither sleeps, so that both go on at once.
-  const auto meet = [&](int times) {
-    for (++arrived; arrived < 2 * times;) std::this_thread::yield();
+  // Two counters: one that both increase before and after would order the calls between.
+  std::atomic<int> ready = 0, done = 0;
+  // Without sleeping, so that both go on at once.
+  const auto meet = [](std::atomic<int>& arrived, int round) {
+    for (++arrived; arrived < 2 * round + 2;) std::this_thread::yield();
   };
   const auto run = [&](bool isOther) {
     for (int round = 0; round < rounds; ++round) {
       if (!isOther) prepare(round);
-      meet(2 * round + 1);
+      meet(ready, round);
+      // Some faults show only if one of the two comes first.
+      if (round % 3 == 1 + isOther) std::this_thread::sleep_for(std::chrono::microseconds(200));
       use(isOther);
-      meet(2 * round + 2);
+      meet(done, round);
     }
   };
   std::thread other(run, true);

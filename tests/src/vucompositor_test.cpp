@@ -74,10 +74,18 @@ TEST(Compositor, DisablingWaitsForCallsInProgress) {
 
 TEST(Compositor, SanitizedComesAndGoesWhileItIsAskedFor) {
   helpers::Install("GLCompositor", "Independent", "VuCompositor");
-  const auto toggle = [] { VuCompositor::Enable(true), VuCompositor::Enable(false); };
+  int now = 0;
+  const auto use = [&now](bool asks) {
+    if (!asks)
+      VuCompositor::Enable(now % 2);
+    else if (now % 4 < 2)
+      VuCompositor::IsEnabled();
+    else
+      VuCompositor::GetVirtualLayerCount();
+  };
   helpers::LoggedAt(2, [&] {
-    helpers::Meanwhile([] { VuCompositor::GetVirtualLayerCount(); }, toggle);
-    helpers::Meanwhile([] { VuCompositor::IsEnabled(); }, toggle);
+    helpers::InRounds(
+        20, [&now](int round) { now = round; }, use);
   });
 }
 

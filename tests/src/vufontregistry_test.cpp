@@ -2,12 +2,10 @@
 #include <gtest/gtest.h>
 #include <zirk/zirk.h>
 
-#include <chrono>
 #include <fstream>
 #include <memory>
 #include <stdexcept>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "helpers/fonts.h"
@@ -146,15 +144,15 @@ TEST(FontRegistry, NullNamesAreThrownBackWithoutTheLock) {
 TEST(FontRegistry, SanitizedFontsComeAndGoWhileTheyAreAskedFor) {
   const helpers::Tunables restored;
   LogLevel = 2;
-  VuFontRegistry registry([](const char*, int, int) -> VuFont* {
-    std::this_thread::sleep_for(std::chrono::microseconds(100));
-    return nullptr;
-  });
-  const auto comeAndGo = [&] {
-    registry.Register(kRegular.c_str());
-    registry.Unregister(kRegular.c_str());
+  VuFontRegistry registry([](const char*, int, int) -> VuFont* { return nullptr; });
+  const auto use = [&](bool asks) {
+    if (asks)
+      registry.GetFont(kSans, 9, false, false);
+    else
+      registry.Unregister(kRegular.c_str());
   };
-  helpers::Meanwhile([&] { registry.GetFont(kSans, 9, false, false); }, comeAndGo);
+  helpers::InRounds(
+      20, [&](int) { registry.Register(kRegular.c_str()); }, use);
 }
 
 }  // namespace

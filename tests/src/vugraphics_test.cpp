@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 #include <zirk/backend.h>
 
-#include <array>
 #include <chrono>
 #include <cstdint>
 #include <cstdlib>
@@ -200,22 +199,20 @@ TEST_F(Context, AllAreListedInOrder) {
   EXPECT_EQ(Listed(0), Part(*second, 0));
 }
 
-/// A stream that takes its time, so that the others come while contexts are listed.
-struct SlowBuffer : std::stringbuf {
-  int sync() override {
-    std::this_thread::sleep_for(std::chrono::microseconds(100));
-    return 0;
-  }
+/// A context is still listed while this goes.
+struct SlowToGo : doubles::Graphics {
+  ~SlowToGo() override { std::this_thread::sleep_for(std::chrono::milliseconds(2)); }
 };
 
 TEST_F(Context, SanitizedComeAndGoWhileTheyAreListed) {
-  const auto comeAndGo = [] { const std::array contexts = {New(), New(), New()}; };
-  const auto list = [] {
-    SlowBuffer slow;
-    std::ostream os(&slow);
-    PrintBitmapList(0, os);
+  std::unique_ptr<VuGraphics> context;
+  const auto make = [&](int) { context = std::make_unique<VuGraphics>(new SlowToGo); };
+  const auto use = [&](bool lists) {
+    if (!lists) return context.reset();
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    Listed(0);
   };
-  LoggedAt(2, [&] { helpers::Meanwhile(list, comeAndGo); });
+  LoggedAt(2, [&] { helpers::InRounds(10, make, use); });
 }
 
 /// Calls that go to the implementation just as they are, and questions whose answers come back.

@@ -13,6 +13,7 @@
 #include "backends/opengles2/injectedgl.h"
 #include "helpers/logged.h"
 #include "helpers/pixels.h"
+#include "helpers/threads.h"
 #include "hybrid/hybridgraphics.h"
 
 namespace ZIRK::backends {
@@ -94,25 +95,6 @@ TEST_F(Hybrid, OnlyTheRectangleThatHasChangedIsSent) {
     screen->SwapBuffers();
     EXPECT_EQ(PixelsOf(*screen), PixelsOf(*bitmap)) << "step " << &step - steps;
   }
-}
-
-TEST_F(Hybrid, WithoutOpenGlOneWarningSaysWhy) {
-  Sdl().InitSubSystem = [](Uint32) { return SDL_SetError("refused"); };
-  setenv("ZIRK_FB_DEVICE", "/nonexistent", 1);
-  ScreenPtr screen;
-  const auto start = [&] {
-    graphics_ = std::make_unique<HybridGraphics>();
-    screen = NewScreen(*graphics_, 8, 8);
-  };
-  EXPECT_TRUE(LogsOneError("OpenGL ES 2: no video: refused; /nonexistent: ", start, 4));
-  const BitmapPtr bitmap = New(*graphics_, 8, 8);
-  bitmap->Clear(kRed);
-  Draw(*screen, *bitmap);
-  EXPECT_EQ(PixelOf(*screen, 7, 7), kRed.argb);
-  EXPECT_FALSE(bitmap->IsTextureBacked());
-  // Whoever comes later is better off, and draws from what there is.
-  Sdl() = SdlCalls();
-  EXPECT_EQ(helpers::LoggedAt(4, [&] { Draw(*NewScreen(*graphics_, 8, 8), *screen); }), "");
 }
 
 TEST_F(Hybrid, ABitmapIsTextureBackedWhileAScreenHasItsTexture) {
@@ -212,49 +194,36 @@ TEST_F(Hybrid, WhatIsTooLargeForATextureIsDrawnInParts) {
   EXPECT_EQ(graphics_->GetMaxTextureSize(), 2048);
 }
 
-TEST_F(Hybrid, ScreensAreReadBackByBitmaps) {
-  const ScreenPtr screen = NewScreen(*graphics_, 8, 8);
-  const BitmapPtr bitmap = New(*graphics_, 8, 8);
-  screen->Clear(kBlue);
-  screen->DrawRect({0, 0, 4, 8}, kRed, kIdentity, nullptr, nullptr);
-  Draw(*bitmap, *screen);
-  EXPECT_EQ(PixelsOf(*bitmap), PixelsOf(*screen));
-  bitmap->Clear();
-  EXPECT_TRUE(bitmap->CopyPixels({1, 2}, screen.get(), {2, 0, 4, 4}));
-  EXPECT_EQ(PixelOf(*bitmap, 2, 2), kRed.argb);
-  EXPECT_EQ(PixelOf(*bitmap, 3, 5), kBlue.argb);
-  screen->Clear(VuColor{0x80000000});
-  bitmap->DrawRect({0, 0, 8, 8}, white, kIdentity, screen.get(), nullptr);
-  EXPECT_EQ(PixelOf(*bitmap, 7, 0), 0x80808080u);
-}
-
 TEST_F(Hybrid, OtherThreadsDrawTextAndDeleteBitmaps) {
   const ScreenPtr screen = NewScreen(*graphics_, 64, 20);
+  const BitmapPtr bitmap = New(*graphics_, 64, 20);
   VuFontAtlas font(ZIRK_TEST_FONTS "/sans.ttf", 0, 14, false, false);
-  std::vector<BitmapPtr> drawn;
-  for (int i = 0; i < 200; ++i) {
-    drawn.push_back(New(*graphics_, 8, 8));
-    Draw(*screen, *drawn.back());
-  }
-  const auto write = [&](VuBitmapImpl& target, char last) {
-    const char text[] = {'A', last, 0};
+  BitmapPtr drawn;
+  const auto write = [&](VuBitmapImpl& target, int last) {
+    const char text[] = {'A', static_cast<char>(last), 0};
     target.Clear();
     target.DrawText(&font, text, {1, 1}, white, kIdentity, nullptr, nullptr, {});
   };
-  std::thread worker([&] {
-    const BitmapPtr own = New(*graphics_, 64, 20);
-    // The atlas grows here, and its former bitmaps go.
-    for (char c = 'B'; c <= 'z'; ++c) write(*own, c);
-    drawn.clear();
-  });
-  for (char c = 'z'; c >= 'B'; --c) write(*screen, c);
-  worker.join();
-  const BitmapPtr expected = New(*graphics_, 64, 20);
-  for (char c = 'B'; c <= 'z'; ++c) {
-    write(*screen, c);
-    write(*expected, c);
-    ASSERT_EQ(PixelsOf(*screen), PixelsOf(*expected)) << c;
+  int round = 0;
+  const auto prepare = [&](int now) {
+    round = now;
+    drawn = New(*graphics_, 8, 8);
+    Draw(*screen, *drawn);
+  };
+  // The atlas grows on either thread, and its former bitmaps go.
+  const auto use = [&](bool isOther) {
+    write(isOther ? *bitmap : *screen, isOther ? 'B' + round : 'z' - round);
+    if (isOther) drawn.reset();
+  };
+  helpers::InRounds(50, prepare, use);
+  for (int last = 'B'; last <= 'z'; ++last) {
+    write(*screen, last);
+    write(*bitmap, last);
+    ASSERT_EQ(PixelsOf(*screen), PixelsOf(*bitmap)) << last;
   }
+  graphics_->Flush();
+  std::thread([&] { screen->Clear(kBlue), graphics_->Flush(); }).join();
+  EXPECT_EQ(PixelOf(*screen, 1, 1), kBlue.argb);
 }
 
 }  // namespace
