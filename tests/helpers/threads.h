@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <thread>
 
 namespace ZIRK::helpers {
@@ -10,17 +11,20 @@ namespace ZIRK::helpers {
 /// so that a missing lock shows whoever comes first.
 template <typename F, typename G>
 void InRounds(int rounds, F prepare, G use) {
-  std::atomic<int> arrived = 0;
-  // Neither sleeps, so that both go on at once.
-  const auto meet = [&](int times) {
-    for (++arrived; arrived < 2 * times;) std::this_thread::yield();
+  // Two counters: one that both increase before and after would order the calls between.
+  std::atomic<int> ready = 0, done = 0;
+  // Without sleeping, so that both go on at once.
+  const auto meet = [](std::atomic<int>& arrived, int round) {
+    for (++arrived; arrived < 2 * round + 2;) std::this_thread::yield();
   };
   const auto run = [&](bool isOther) {
     for (int round = 0; round < rounds; ++round) {
       if (!isOther) prepare(round);
-      meet(2 * round + 1);
+      meet(ready, round);
+      // Some faults show only if one of the two comes first.
+      if (round % 3 == 1 + isOther) std::this_thread::sleep_for(std::chrono::microseconds(200));
       use(isOther);
-      meet(2 * round + 2);
+      meet(done, round);
     }
   };
   std::thread other(run, true);

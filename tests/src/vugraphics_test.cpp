@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 #include <zirk/backend.h>
 
-#include <array>
+#include <chrono>
 #include <cstdint>
 #include <cstdlib>
 #include <iostream>
@@ -198,11 +198,20 @@ TEST_F(Context, AllAreListedInOrder) {
   EXPECT_EQ(Listed(0), Part(*second, 0));
 }
 
+/// A context is still listed while this goes.
+struct SlowToGo : doubles::Graphics {
+  ~SlowToGo() override { std::this_thread::sleep_for(std::chrono::milliseconds(2)); }
+};
+
 TEST_F(Context, SanitizedComeAndGoWhileTheyAreListed) {
-  std::array<std::unique_ptr<VuGraphics>, 3> contexts;
-  const auto make = [&](int) { contexts = {New(), New(), New()}; };
-  const auto use = [&](bool lists) { lists ? void(Listed(0)) : contexts.back().reset(); };
-  LoggedAt(2, [&] { helpers::InRounds(20, make, use); });
+  std::unique_ptr<VuGraphics> context;
+  const auto make = [&](int) { context = std::make_unique<VuGraphics>(new SlowToGo); };
+  const auto use = [&](bool lists) {
+    if (!lists) return context.reset();
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    Listed(0);
+  };
+  LoggedAt(2, [&] { helpers::InRounds(10, make, use); });
 }
 
 /// Calls that go to the implementation just as they are, and questions whose answers come back.
