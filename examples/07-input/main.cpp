@@ -65,10 +65,16 @@ class Replay final : public Input {
   int frame_ = 0;
 };
 
-std::unique_ptr<Input> OpenInput(std::unique_ptr<Input> sdl, VuRect screen) {
+bool IsInWindow() {
 #ifdef ZIRK_EXAMPLE_SDL
-  if (sdl && IsShownBySdl()) return sdl;
+  return IsShownBySdl();
+#else
+  return false;
 #endif
+}
+
+std::unique_ptr<Input> OpenInput(std::unique_ptr<Input> sdl, VuRect screen) {
+  if (sdl && IsInWindow()) return sdl;
 #ifdef ZIRK_EXAMPLE_EVDEV
   return OpenEvdevInput(screen);
 #else
@@ -86,7 +92,11 @@ int main(int argc, char** argv) {
 #endif
   const std::unique_ptr<VuGraphics> graphics(VuGraphics::Create());
   if (!graphics) return 1;
-  const std::unique_ptr<VuBitmap> screen(graphics->CreateScreen(kWidth, kHeight, true));
+  std::unique_ptr<VuBitmap> screen(graphics->CreateScreen(kWidth, kHeight, true));
+  if (argc < 2 && screen && !IsInWindow()) {
+    screen.reset();  // A touch screen covers all of its display, and so does the sheet.
+    screen.reset(graphics->CreateScreen(true));
+  }
   if (!screen) return 1;
   const VuRect bounds = screen->GetBounds();
   const std::unique_ptr<VuBitmap> paper(

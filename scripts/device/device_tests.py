@@ -147,6 +147,27 @@ def refresh(machine):
     return f"{rate.strip()}, from {first[1]} to {second[1]}"
 
 
+def touch(machine, degrees):
+    """Whether the example draws where it is touched, and ends on Escape."""
+    environment = f"ZIRK_DEFAULT_GFX_BACKEND=FB ZIRK_FB_ROTATE={degrees}"
+    program = f"{environment} {machine.programs}/07-input 2>/dev/null"
+    machine.run(f"{{ {program}; echo ENDED $?; }} & sleep 1")
+    machine.run("until ls -l /proc/[0-9]*/fd 2>/dev/null | grep -q /dev/input; do sleep 1; done")
+    # Along a line of the panel, in parts of 32767.
+    for x, y, down in ((8192, 8192, True), (16384, 8192, True), (16384, 8192, False)):
+        machine.input("abs", axis="x", value=x)
+        machine.input("abs", axis="y", value=y)
+        machine.input("btn", button="left", down=down)
+    seen = machine.screen()
+    for down in (True, False):
+        machine.input("key", key={"type": "qcode", "data": "esc"}, down=down)
+    machine.run("wait", until="ENDED 0")
+    stroke, paper = (seen.getpixel((SIZE[0] * 3 // 8, SIZE[1] // n)) for n in (4, 2))
+    if (stroke, paper) != ((0x2E, 0x6F, 0xB0), (0xF4, 0xEF, 0xE4)):
+        raise Failure(f"touched there is {stroke}, elsewhere {paper}")
+    return "draws where it is touched"
+
+
 def attempt(name, kind, size, do):
     """Whether what is done on a machine succeeds."""
     start = time.monotonic()
@@ -172,6 +193,9 @@ def main():
             succeed.append(attempt(name, test.machine, test.size, do))
     if "board" in wanted:
         succeed.append(attempt("memory-of-a-page", "board", SIZE, measure))
+    for degrees in (0, 90) if "pc" in wanted else ():
+        do = functools.partial(touch, degrees=degrees)
+        succeed.append(attempt(f"touch-turned-by-{degrees}", "pc", SIZE, do))
     if "vkms" in wanted:
         succeed.append(attempt("refresh", "vkms", SIZE, refresh))
     print(f"pictures and logs: {RESULTS}")

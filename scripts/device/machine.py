@@ -28,15 +28,17 @@ MACHINES = {
         "kernel": "console=ttyAMA0",
         "drivers": f"virtio_mmio,{COMMON_DRIVERS},virtio-gpu",
     },
-    # A PC whose displays are cards alone, one of 32 bits and one of 16 that programs wait for.
+    # A PC whose displays are cards alone, one of 32 bits, with a touch screen and a keyboard, and
+    # one of 16 that programs wait for.
     "pc": {
         "image": "amd64",
         "programs": "device/programs-amd64",
         "qemu": "qemu-system-x86_64 -M q35 -cpu max,avx2=off -vga none"
-        " -device virtio-gpu-pci,xres={width},yres={height}",
+        " -device virtio-gpu-pci,xres={width},yres={height}"
+        " -device virtio-tablet-pci -device virtio-keyboard-pci",
         "bus": "pci",
         "kernel": "console=ttyS0",
-        "drivers": f"virtio_pci,{COMMON_DRIVERS},virtio-gpu",
+        "drivers": f"virtio_pci,{COMMON_DRIVERS},virtio-gpu,virtio_input,evdev",
     },
     "cirrus": {
         "image": "amd64",
@@ -180,6 +182,11 @@ class Machine:
                 why = line.strip() or "the machine stopped"
                 raise Failure(f"{command}: {why}\n{''.join(lines)}")
             lines.append(line)
+
+    def input(self, kind, **data):
+        """Has a device report what a user does."""
+        self.ask("input-send-event", events=[{"type": kind, "data": data}])
+        time.sleep(0.1)
 
     def screen(self, settle=1.0):
         """The display's picture. A driver may look for what has been drawn only now and then."""
