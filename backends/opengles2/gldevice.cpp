@@ -239,7 +239,9 @@ SDL_Window* GlDevice::CreateWindow(int width, int height, int display, bool hidd
 }
 
 bool GlDevice::OpenHiddenWindow() {
-  hiddenWindow_ = CreateWindow(64, 64, 0, true);
+  // Wayland's scales are multiples of 1/120: with this size the density is found exactly.
+  constexpr int kSize = 120;
+  hiddenWindow_ = CreateWindow(kSize, kSize, 0, true);
   return hiddenWindow_ != nullptr;
 }
 
@@ -255,7 +257,7 @@ double GlDevice::PixelsPerPoint(SDL_Window* window) {
 void GlDevice::FitToPixels(SDL_Window* window, int width, int height) {
   const double density = PixelsPerPoint(window);
   if (density == 1) return;
-  // The density is known as exactly as the window is large.
+  // Sizes are whole numbers, so the density may be a little off.
   const auto toPoints = [=](int size) {
     return static_cast<int>(std::ceil(size / density - 0.25));
   };
