@@ -14,10 +14,11 @@ const char* __asan_default_options() {
 
 /// What OpenGL's driver never frees is not ours. Nor is what DirectFB reads at its start and loses,
 /// what it keeps for each thread that draws, and its list of listeners; surfaces of it that are
-/// forgotten show by the objects that own them.
+/// forgotten show by the objects that own them. fontconfig loses the name of a configuration that
+/// names folders relative to it.
 const char* __lsan_default_suppressions() {
   return "leak:_dri.so\nleak:libEGL\nleak:libGL\nleak:libLLVM\nleak:libgallium\nleak:libSDL2\n"
-         "leak:libdirectfb-1.7\nleak:libfusion-1.7\nleak:direct_thread_self\n";
+         "leak:libfontconfig\nleak:libdirectfb-1.7\nleak:libfusion-1.7\nleak:direct_thread_self\n";
 }
 
 /// DirectFB takes its own locks in changing order, and destroys them while they are held. We call
