@@ -4,6 +4,7 @@
 #include <zirk/kit/textbox.h>
 
 #include <string>
+#include <utility>
 
 #include "helpers/logged.h"
 #include "helpers/rows.h"
@@ -237,13 +238,14 @@ TEST(TextBox, TakesAMillionCharactersInAnyWidth) {
   std::string words, word(1'000'000, 'x');
   while (words.size() < word.size()) words += "many words ";
   TextStyle style;
-  for (const std::string& text : {words, word})
-    for (const int width : {0, 300, kUnlimited}) {
-      style.width = width;
-      TextBox box;
-      ASSERT_TRUE(box.SetText(Sans(), text, white, style));
-      EXPECT_EQ(box.GetLine(box.GetLineCount() - 1).end, text.size());
-    }
+  const std::pair<const std::string&, int> cases[] = {
+      {words, 300}, {words, kUnlimited}, {word, 0}, {word, kUnlimited}};
+  for (const auto& [text, width] : cases) {
+    style.width = width;
+    TextBox box;
+    ASSERT_TRUE(box.SetText(Sans(), text, white, style));
+    EXPECT_EQ(box.GetLine(box.GetLineCount() - 1).end, text.size());
+  }
 }
 
 TEST(TextBox, LivesWithLittleMemoryAndDrawsWithoutAny) {
