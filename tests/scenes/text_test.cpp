@@ -262,6 +262,7 @@ TEST_P(Text, ThreadsShareAFontAndChangeTheirOwn) {
     EXPECT_EQ(drawn(graphics, *shared, kTexts[i]), texts[i]);
     EXPECT_EQ(shared->GetOneLineWidth(kTexts[i]), reference.GetOneLineWidth(kTexts[i]));
     EXPECT_EQ(outlined(graphics, own[isOther], int(i)), outlines[i]);
+    if (IsReference(GetParam())) std::unique_ptr<VuGraphics>(VuGraphics::Create(GetParam(), false));
   };
   helpers::InRounds(50, prepare, use);
 }
