@@ -43,13 +43,6 @@ ZIRK_API int clock_gettime(clockid_t clock, timespec* now) noexcept {
   return result;
 }
 
-ZIRK_API int access(const char* path, int mode) noexcept {
-  const std::string asked = path;
-  if (asked.rfind("/lib/", 0) == 0 || asked.rfind("/usr/lib/", 0) == 0)
-    calls.accessed.push_back(asked);
-  return Next("access", &access)(path, mode);
-}
-
 ZIRK_API FT_Error FT_New_Face(FT_Library library, const char* path, FT_Long index, FT_Face* face) {
   calls.faces.emplace_back(path);
   return Next("FT_New_Face", &FT_New_Face)(library, path, index, face);

@@ -9,7 +9,6 @@ namespace ZIRK::helpers {
 /// What the library asks of the C library and of FreeType: the functions below stand before theirs,
 /// note the call, and forward it. The clock is clock_gettime()'s, which std::chrono asks too.
 struct Calls {
-  std::vector<std::string> accessed;     ///< Paths below /lib and /usr/lib given to access().
   std::vector<std::string> faces;        ///< Paths given to FT_New_Face().
   std::vector<int> loads;                ///< Flags given to FT_Load_Glyph().
   int glyphsToRefuse = 0;                ///< So many FT_Load_Glyph() fail for want of memory.

@@ -186,7 +186,9 @@ void FillWithNoise(VuBitmap& bitmap, VuRect part, unsigned seed, bool locked) {
   Random random(seed);
   const model::Layout& layout = model::LayoutOf(bitmap.GetInfo().format);
   const auto width = static_cast<size_t>(part.width) * layout.bytes;
-  std::vector<uint8_t> rows;
+  // Every other time it lies between words.
+  const size_t offset = locked ? 0 : seed % 2;
+  std::vector<uint8_t> rows(offset);
   for (int i = 0; i < part.width * part.height; ++i) {
     const uint32_t alphas[] = {255, 0, random() & 255, 128}, alpha = random.Of(alphas);
     uint32_t word = 0;
@@ -199,7 +201,7 @@ void FillWithNoise(VuBitmap& bitmap, VuRect part, unsigned seed, bool locked) {
       rows.push_back(static_cast<uint8_t>(word >> 8 * byte));
   }
   if (!locked || !bitmap.Lock()) {
-    bitmap.SetPixels(part, rows.data(), static_cast<unsigned>(width));
+    bitmap.SetPixels(part, rows.data() + offset, static_cast<unsigned>(width));
     return;
   }
   const VuBitmapInfo info = bitmap.GetInfo();

@@ -1,8 +1,6 @@
-// What surfaces do beside drawing, and lines and points pixel by pixel, by every backend.
+// What surfaces do beside drawing, by every backend.
 
-#include <algorithm>
 #include <chrono>
-#include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <string>
@@ -12,8 +10,8 @@
 
 #include "helpers/logged.h"
 #include "helpers/pixels.h"
-#include "scenes/backends.h"
 #include "scenes/modelcheck.h"
+#include "scenes/operations.h"
 
 namespace ZIRK::scenes {
 namespace {
@@ -102,6 +100,7 @@ TEST_P(Surfaces, PicturesAreTheFirstBackends) {
       const auto picture = [&](VuGraphics& g) {
         const std::unique_ptr<VuBitmap> bitmap(
             g.CreateBitmapFromFile(file, 60, 13, mode, VuDisplayMode::Stretch));
+        EXPECT_TRUE(bitmap->Lock() && bitmap->Unlock());
         return PixelsOf(*bitmap);
       };
       EXPECT_EQ(picture(*graphics_), picture(*first)) << file;
@@ -109,45 +108,28 @@ TEST_P(Surfaces, PicturesAreTheFirstBackends) {
 }
 
 TEST_P(Surfaces, WhateverDrawsIsInTheNextPictureAndTheNextFrame) {
-  const VuRect all{0, 0, 40, 30};
-  const auto screen = std::unique_ptr<VuBitmap>(graphics_->CreateScreen(40, 30, true));
-  const auto bitmap = New(40, 30), source = New(40, 30), narrow = New(40, 30, Format::RGB565);
-  for (VuBitmap* const red : {source.get(), narrow.get()}) red->Clear(VuColor{0xFFFF0000});
-  const TestFont font("sans.ttf", 16);
-  const VuTMatrix2D<float> turned(VuTransform(5, 20, 1, 1, 30));
-  const VuRect place{7, 5, 9, 8}, part{0, 0, 9, 8}, less{0, 0, 3, 3}, one{7, 5, 1, 1};
-  const VuPoint at{7, 5}, across{30, 5}, away{30, 15};
-  const std::function<void(VuBitmap&)> operations[] = {
-      [&](auto& b) { b.DrawRect(place, white); },
-      [&](auto& b) { b.DrawRect(place, white, turned); },
-      [&](auto& b) { b.DrawRect(place, white, VuTransform(), *source, nullptr); },
-      [&](auto& b) { b.DrawPoint(at, 3, white); },
-      [&](auto& b) { b.DrawLine(at, across, white); },
-      [&](auto& b) { b.DrawLine(at, away, white); },
-      [&](auto& b) { b.DrawObject(place, *source, part); },
-      [&](auto& b) { b.DrawObject(place, *source, less); },
-      [&](auto& b) { b.DrawText(font, "g", at, white); },
-      [&](auto& b) { b.DrawText(font, "g", at, white, turned); },
-      [&](auto& b) { b.CopyPixels(at, *source, part); },
-      [&](auto& b) { b.CopyPixels(at, *narrow, part); },
-      [&](auto& b) { b.SetPixels(one, &white, 4); },
-      [&](auto& b) { b.Lock(), std::memset(b.GetInfo().pixels, 0xFF, 9), b.Unlock(); },
-      [&](auto& b) { b.Clear(white); },
-  };
-  for (const auto& draw : operations) {
-    SCOPED_TRACE(&draw - operations);
-    screen->Clear();
-    bitmap->Clear();
-    screen->DrawObject(all, *bitmap);
-    draw(*bitmap);
-    screen->DrawObject(all, *bitmap);
+  constexpr VuColor kGround{0x60302010};
+  constexpr int kWidth = kOperationWidth, kHeight = kOperationHeight;
+  Sources sources(*graphics_);
+  const auto screen = std::unique_ptr<VuBitmap>(graphics_->CreateScreen(kWidth, kHeight, true));
+  const auto bitmap = New(kWidth, kHeight);
+  const auto show = [&] { screen->Clear(), screen->DrawObject(sources.all, *bitmap); };
+  for (const Operation& operation : kOperations) {
+    SCOPED_TRACE(operation.name);
+    bitmap->Clear(kGround);
+    show();
+    const Pixels before = PixelsOf(*screen);
+    sources.Fill();
+    operation.run(*bitmap, sources);
+    show();
     EXPECT_EQ(PixelsOf(*screen), PixelsOf(*bitmap));
-    EXPECT_NE(PixelsOf(*screen), Pixels(40 * 30));
+    EXPECT_NE(PixelsOf(*screen), before);
     // OpenGL does not keep what it has shown.
     if (graphics_->GetGraphicsType() != TypeCode(BackendType::DirectFB)) continue;
     screen->Clear();
     screen->SwapBuffers();
-    draw(*screen);
+    sources.Fill();
+    operation.run(*screen, sources);
     const Pixels drawn = PixelsOf(*screen);
     screen->SwapBuffers();
     EXPECT_EQ(PixelsOf(*screen), drawn);

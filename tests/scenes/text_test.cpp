@@ -4,14 +4,12 @@
 #include <zirk/utf8.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cstdlib>
-#include <deque>
 #include <limits>
-#include <thread>
 
 #include "helpers/freetype.h"
 #include "helpers/pixels.h"
+#include "helpers/threads.h"
 #include "scenes/backends.h"
 #include "scenes/modelcheck.h"
 
@@ -43,6 +41,7 @@ struct Line {
   VuTransform transform{};
   bool masked = false;
   VuRect rect{0, 0, 0, 0};
+  const char* file = "sans.ttf";
 };
 
 const Line kLines[] = {
@@ -52,7 +51,17 @@ const Line kLines[] = {
     {.name = "stroked", .text = "Rej", .outline = Outline::Stroked, .thickness = 1},
     {.name = "outer border", .text = "Rej", .outline = Outline::Outer, .thickness = 2.5f},
     {.name = "inner border", .text = "Rej", .outline = Outline::Inner, .thickness = 1.5f},
+    {.name = "unknown outline", .text = "Rej", .outline = Outline{7}, .thickness = 2},
+    {.name = "thick without an outline", .text = "Rej", .thickness = 2},
     {.name = "made bold", .text = "Bold日", .size = 30, .mode = Mode::Bold},
+    {.name = "bold by itself", .text = "Bold", .mode = Mode::Bold, .file = "sansbold.ttf"},
+    {.name = "bold border",
+     .text = "Bj",
+     .size = 30,
+     .mode = Mode::Bold,
+     .outline = Outline::Outer,
+     .thickness = 2},
+    {.name = "bits", .text = "AB é", .size = 10, .file = "bitmap.bdf"},
     {.name = "moved by part of a pixel", .text = "Halves", .transform = {0.5f, 6.49f, 1, 1, 0}},
     {.name = "enlarged", .text = "Wag", .size = 12, .transform = {2, -4, 1.7f, 2.3f, 0}},
     {.name = "stretched in height", .text = "High", .transform = {2, 1, 1, 1.5f, 0}},
@@ -78,7 +87,7 @@ constexpr VuColor kColor{0xC0F0A040};
 
 /// The letters, where they belong; `width` becomes the line's.
 std::vector<Letter> LayOut(const Line& l, int& width) {
-  const FreeType sans(FontFile("sans.ttf"), l.size), cjk(FontFile("cjk.ttf"), l.size + 4);
+  const FreeType own(FontFile(l.file), l.size), cjk(FontFile("cjk.ttf"), l.size + 4);
   FT_Face previousFace = nullptr;
   FT_UInt previous = 0;
   std::vector<Letter> letters;
@@ -87,16 +96,17 @@ std::vector<Letter> LayOut(const Line& l, int& width) {
   for (const char* next = l.text; *next; next += std::max(length, 1)) {
     const uint32_t code = GetUtf8Char(next, &length);
     if (length == 0) continue;
-    const bool lent = !FT_Get_Char_Index(sans.face, code) && FT_Get_Char_Index(cjk.face, code);
-    const FreeType& from = lent ? cjk : sans;
-    Letter letter = from.Render(FT_Get_Char_Index(from.face, code), l.outline, l.thickness,
-                                l.mode == Mode::Bold);
+    const bool lent = !FT_Get_Char_Index(own.face, code) && FT_Get_Char_Index(cjk.face, code);
+    const FreeType& from = lent ? cjk : own;
+    Letter letter =
+        from.Render(FT_Get_Char_Index(from.face, code), l.outline, l.thickness,
+                    l.mode == Mode::Bold && !(from.face->style_flags & FT_STYLE_FLAG_BOLD));
     FT_Vector kerning = {0, 0};
     if (from.face == previousFace && letter.index != 0)
       FT_Get_Kerning(from.face, previous, letter.index, FT_KERNING_DEFAULT, &kerning);
     width += static_cast<int>(kerning.x >> 6);
     letter.x += kPosition.x + width;
-    letter.y += kPosition.y + sans.Ascender() - from.Ascender();
+    letter.y += kPosition.y + own.Ascender() - from.Ascender();
     letters.push_back(letter);
     width += letter.advance;
     previousFace = from.face;
@@ -140,7 +150,7 @@ TEST_P(Text, IsItsLettersDrawnOneByOne) {
   solid->Clear(white);
   for (const Line& l : kLines) {
     SCOPED_TRACE(l.name);
-    TestFont font("sans.ttf", l.size, l.mode == Mode::Bold);
+    TestFont font(l.file, l.size, l.mode == Mode::Bold);
     const TestFont cjk("cjk.ttf", l.size + 4);
     font.SetFallbackFont(&cjk);
     font.SetOutlineType(l.outline);
@@ -222,41 +232,39 @@ TEST_P(Text, ThreadsShareAFontAndChangeTheirOwn) {
   if (GetParam() == std::string("OpenGLES2"))
     GTEST_SKIP() << "OpenGL is used from one thread at a time";
   const char* const kTexts[] = {"Sphinx of black", "quartz, judge my", "ÅÉÑ ΩЖД vow", "0123456789"};
-  const TestFont reference("sans.ttf", 18);
   // Screens may be drawn by OpenGL.
   const auto drawn = [](VuGraphics& graphics, const VuFont& font, const char* text) {
     return Drawn(std::unique_ptr<VuBitmap>(graphics.CreateBitmap(160, 40, {})), font, text);
   };
-  // New ones for every round, with glyphs to be rendered.
-  std::deque<TestFont> shared;
-  for (int i = 0; i < 12; ++i) shared.emplace_back("sans.ttf", 18);
-  const auto outlined = [&](TestFont& font, int type) {
+  const auto outlined = [&](VuGraphics& graphics, TestFont& font, int type) {
     font.SetOutlineType(Outline(type));
     font.SetOutlineThickness(1.5f);
-    return drawn(*graphics_, font, "Rim");
+    return drawn(graphics, font, "Rim");
   };
+  const TestFont reference("sans.ttf", 18);
+  TestFont own[] = {{"sans.ttf", 20}, {"sans.ttf", 20}, {"sans.ttf", 20}};
   std::vector<Pixels> texts, outlines;
-  for (const char* text : kTexts) texts.push_back(drawn(*graphics_, reference, text));
-  TestFont changing("sans.ttf", 20);
-  for (int type = 0; type < 4; ++type) outlines.push_back(outlined(changing, type));
-  // Every other thread has a context of its own; contexts are made on one.
-  std::vector<std::unique_ptr<VuGraphics>> contexts(8);
-  for (size_t t = 1; t < contexts.size(); t += 2) contexts[t] = Open(GetParam());
-  std::atomic<int> ready{0};
-  std::vector<std::thread> threads;
-  for (unsigned t = 0; t < 8; ++t)
-    threads.emplace_back([&, t] {
-      VuGraphics* const context = contexts[t].get();
-      TestFont own("sans.ttf", 20);
-      for (++ready; ready < 8;) std::this_thread::yield();
-      for (unsigned i = t; i < t + 12; ++i) {
-        const TestFont& font = shared[i - t];
-        EXPECT_EQ(drawn(context ? *context : *graphics_, font, kTexts[i % 4]), texts[i % 4]);
-        EXPECT_EQ(font.GetOneLineWidth(kTexts[t / 2]), reference.GetOneLineWidth(kTexts[t / 2]));
-        EXPECT_EQ(outlined(own, int(i % 4)), outlines[i % 4]);
-      }
-    });
-  for (std::thread& thread : threads) thread.join();
+  for (int i = 0; i < 4; ++i) {
+    texts.push_back(drawn(*graphics_, reference, kTexts[i]));
+    outlines.push_back(outlined(*graphics_, own[2], i));
+  }
+  const auto otherContext = Open(GetParam());
+  // A new one for every round, with glyphs to be rendered.
+  std::unique_ptr<TestFont> shared;
+  int round = 0;
+  const auto prepare = [&](int now) {
+    round = now;
+    shared = std::make_unique<TestFont>("sans.ttf", 18);
+  };
+  const auto use = [&](bool isOther) {
+    VuGraphics& graphics = isOther && round % 2 ? *otherContext : *graphics_;
+    const size_t i = size_t(round + isOther) % 4;
+    EXPECT_EQ(drawn(graphics, *shared, kTexts[i]), texts[i]);
+    EXPECT_EQ(shared->GetOneLineWidth(kTexts[i]), reference.GetOneLineWidth(kTexts[i]));
+    EXPECT_EQ(outlined(graphics, own[isOther], int(i)), outlines[i]);
+    if (IsReference(GetParam())) std::unique_ptr<VuGraphics>(VuGraphics::Create(GetParam(), false));
+  };
+  helpers::InRounds(50, prepare, use);
 }
 
 TEST_P(Text, FontsOutliveContextsAndTheOtherWayRound) {

@@ -10,7 +10,6 @@
 #include <tuple>
 #include <vector>
 
-#include "helpers/calls.h"
 #include "helpers/logged.h"
 #include "helpers/plugins.h"
 
@@ -118,15 +117,6 @@ TEST_F(Loader, LooksOnDiskForTheFirst29CharactersOfAPath) {
     EXPECT_THAT(std::vector<std::string>(names, names + count),
                 testing::UnorderedElementsAre("There", "Cut to one that is there"));
   }
-}
-
-TEST_F(Loader, AsksForTwoPathsAPlugin) {
-  helpers::calls.accessed.clear();
-  SetUp("libZIRKImplStub.so");
-  EXPECT_THAT(helpers::calls.accessed, testing::IsEmpty()) << "nothing is looked for";
-  loader.SetupGfxImpl("X", "libZIRKImplDirectFB.so", {0, 0}, true);
-  EXPECT_THAT(helpers::calls.accessed,
-              testing::ElementsAre("/lib/libZIRKImplDirectFB.so", "/usr/lib/libZIRKImplDirectFB."));
 }
 
 // What only a process shows that has not asked for the loader yet.

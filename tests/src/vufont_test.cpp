@@ -79,17 +79,6 @@ TEST_F(Fonts, WithoutAFile) {
             "<ZIRK.error>: VuFontAtlas: Failed to create font buffer\n");
 }
 
-TEST(FontForwarding, OfMetrics) {
-  auto& impl = *new doubles::Font;
-  const VuFont font(&impl);
-  EXPECT_CALL(impl, GetAscent).WillOnce(testing::Return(7));
-  EXPECT_EQ(font.GetAscent(), 7);
-  EXPECT_CALL(impl, GetDescent).WillOnce(testing::Return(8));
-  EXPECT_EQ(font.GetDescent(), 8);
-  EXPECT_CALL(impl, GetMaxAdvance).WillOnce(testing::Return(9));
-  EXPECT_EQ(font.GetMaxAdvance(), 9);
-}
-
 TEST(FontImplementation, StoresTheOutlineInPartsOf64) {
   doubles::Font font;
   font.SetOutlineType(VuFont::OutlineType{2});

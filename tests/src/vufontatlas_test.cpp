@@ -70,10 +70,12 @@ struct Face {
 class Metrics : public helpers::Rows<Face> {};
 
 TEST_P(Metrics, OfAFace) {
-  const VuFontAtlas font(FontFile(GetParam().file).c_str(), 0, GetParam().size, false, false);
+  auto* const atlas =
+      new VuFontAtlas(FontFile(GetParam().file).c_str(), 0, GetParam().size, false, false);
+  const VuFont font(atlas);
   std::array<int, 6> m;
-  font.GetFontMetrics(m[0], m[1], m[2], m[3]);
-  font.GetUnderlineMetrics(m[4], m[5]);
+  atlas->GetFontMetrics(m[0], m[1], m[2], m[3]);
+  atlas->GetUnderlineMetrics(m[4], m[5]);
   EXPECT_EQ(m, GetParam().metrics);
   const std::array alone = {font.GetOneLineHeight(), font.GetAscent(), -font.GetDescent(),
                             font.GetMaxAdvance()};
@@ -143,18 +145,6 @@ TEST_F(FontAtlas, FilesAreOpenedByFtNewFace) {
   EXPECT_STREQ(second.GetFontFace()->family_name, "ZIRK Test Two");
 }
 
-TEST_F(FontAtlas, TruncatedFonts) {
-  for (const auto& [file, step] : {std::pair("collection.ttc", size_t(1)), {"sans.ttf", 1009}}) {
-    const std::vector<unsigned char> whole = helpers::FontBytes(file);
-    for (size_t size = whole.size() % step; size <= whole.size(); size += step) {
-      const std::vector<unsigned char> part(whole.begin(), whole.begin() + ptrdiff_t(size));
-      const VuFontAtlas font(part.data(), unsigned(size), 0, 20, true, false);
-      font.GetAtlas(&graphics);
-      EXPECT_EQ(font.GetGlyph('A', true) != nullptr, font.GetFontFace() != nullptr);
-    }
-  }
-}
-
 TEST_F(FontAtlas, OddFaces) {
   const auto unmapped = [] { EXPECT_EQ(Open("nounicode.bdf", 10).GetOneLineWidth("A"), 8); };
   EXPECT_THAT(LoggedAt(6, unmapped),
@@ -214,45 +204,6 @@ TEST_F(FontAtlas, WhatNoAtlasHoldsIsMeasuredButNotRendered) {
     Letter expected = reference.Render(g->index, type, thickness);
     expected.coverage.clear();
     EXPECT_EQ((Letter{g->index, g->left, g->top, g->width, g->height, g->advance, {}}), expected);
-  }
-}
-
-TEST_F(FontAtlas, GlyphsAsFreeTypeRendersThem) {
-  const std::tuple<const char*, int, bool, Type, float> cases[] = {
-      {"sans.ttf", 16, false, Type::None, 0},     {"sans.ttf", 16, false, Type::None, 2},
-      {"sans.ttf", 300, true, Type::None, 0},     {"sansbold.ttf", 48, true, Type::None, 0},
-      {"sans.ttf", 24, false, Type::Stroked, 2},  {"sans.ttf", 24, false, Type::Outer, 1.3f},
-      {"sans.ttf", 24, false, Type::Inner, 0.5f}, {"sans.ttf", 48, true, Type::Outer, 2},
-      {"sans.ttf", 24, false, Type{7}, 2},        {"bitmap.bdf", 10, false, Type::None, 0},
-  };
-  for (const auto& [file, size, bold, type, thickness] : cases) {
-    SCOPED_TRACE(testing::Message() << file << size << bold << int(type));
-    const FreeType reference(FontFile(file), size);
-    VuFontAtlas font = Open(file, size, bold);
-    font.SetOutlineType(type);
-    font.SetOutlineThickness(thickness);
-    const bool emboldened = bold && !(reference.face->style_flags & FT_STYLE_FLAG_BOLD);
-    const std::vector<unsigned> codes = {'A', 'B', 0xE9, ' '};
-    const auto expected = [&, t = type, radius = thickness](unsigned code, bool drawn) {
-      const unsigned index = FT_Get_Char_Index(reference.face, code);
-      return reference.Render(index, t, radius, drawn && emboldened);
-    };
-    int tallest = 0;
-    for (const unsigned code : codes) {
-      const Glyph* const g = font.GetGlyph(code, false);
-      Letter measured = expected(code, false);
-      tallest = std::max(tallest, g->height);
-      measured.coverage.clear();
-      const Letter found{g->index, g->left, g->top, g->width, g->height, g->advance, {}};
-      EXPECT_EQ(found, measured);
-      EXPECT_FALSE(g->inAtlas);
-    }
-    const auto atlas = font.GetAtlas(&graphics);
-    EXPECT_EQ(Surface(*atlas).name, FontFile(file) + ' ' + std::to_string(font.GetOneLineHeight()));
-    EXPECT_EQ(graphics.heights[0], tallest + 2);
-    graphics.heights.clear();
-    for (const unsigned code : codes)
-      EXPECT_EQ(Placed(*font.GetGlyph(code, false), *atlas), expected(code, true)) << code;
   }
 }
 
@@ -468,6 +419,8 @@ TEST_F(FontAtlas, TheAtlasGrowsUntilItIsFull) {
     // 40 go into a row of 50 pixels. Those that begin anew with each row never fill the atlas.
     for (size_t i = 0; i < 10; ++i) EXPECT_EQ(graphics.heights[i], 2 + 50 * int(i));
     EXPECT_EQ(atlas->GetHeight(), type == kFb ? 2048 : 452);
+    const std::string name = symbols.Path() + (" " + std::to_string(font.GetOneLineHeight()));
+    EXPECT_EQ(Surface(*atlas).name, name) << "that of the first, too";
     EXPECT_EQ(std::count(graphics.heights.begin(), graphics.heights.end(), 2048), type == kFb);
     EXPECT_GE(there, type == kFb ? 1560u : 40u);
     EXPECT_EQ(full.find("LoadGlyph: GetRegion(50x50) returned 0x0.  No room to fit glyph 1700 "

@@ -204,18 +204,5 @@ TEST(BrokenImage, FailsWithOneLineWhereverItIsCut) {
   }
 }
 
-TEST(BrokenImage, SanitizedFlippedBits) {
-  std::mt19937 random(20250117);
-  const helpers::Tunables restored;
-  LogLevel = 0;
-  for (const Sample& sample : kSamples)
-    for (int round = 0; round < 200; ++round) {
-      Bytes bytes = ReadSample(sample.file);
-      for (auto flips = random() % 6 + 1; flips > 0; --flips)
-        bytes[random() % bytes.size()] ^= static_cast<uint8_t>(1u << random() % 8);
-      Decode(Open(bytes), 40, 7, static_cast<VuScaleMode>(round & 1));
-    }
-}
-
 }  // namespace
 }  // namespace ZIRK::tests

@@ -141,7 +141,8 @@ TEST(Kernels, AreChosenByLevel) {
   }
   EXPECT_TRUE(helpers::LogsOneError(
       "no level \"avx\"", [&] { EXPECT_EQ(&ChooseKernels("avx"), &runnable.front()); }, 4));
-  // Asked for the first time; apart, since the answer stays.
+  // Asked for the first time; in a program of its own, since the answer stays.
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
   const auto ask = [&] {
     setenv("ZIRK_CPU", "none", 1);
     std::exit(&ChosenKernels() == &runnable.back() ? 0 : 1);

@@ -1,9 +1,6 @@
 #include "surface/memorybudget.h"
 #include "helpers/logged.h"
 
-#include <sstream>
-#include <thread>
-
 namespace ZIRK::tests {
 namespace {
 
@@ -39,23 +36,6 @@ TEST(MemoryBudget, RefusesWhatNoSurfaceCanBe) {
       const auto format = static_cast<VuPixelFormat>(c.format);
       EXPECT_FALSE(MemoryBudget::Create()->Reserve(c.width, c.height, format));
     }));
-}
-
-TEST(MemoryBudget, CountsAcrossThreads) {
-  const auto budget = MemoryBudget::Create();
-  const auto before = budget->Available();
-  const auto use = [&] {
-    for (int i = 1; i <= 200; ++i) {
-      const auto reservation = budget->Reserve(i, i, VuPixelFormat::ARGB8888);
-      reservation->Rename("busy");
-      std::ostringstream list;
-      budget->Print(0, list);
-    }
-  };
-  std::thread first(use), second(use);
-  first.join();
-  second.join();
-  EXPECT_EQ(budget->Available(), before);
 }
 
 }  // namespace

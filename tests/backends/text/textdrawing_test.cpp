@@ -1,4 +1,4 @@
-// Text where glyph atlases come to their limits, on surfaces in memory.
+// Text whose glyph atlas another context has made, on surfaces in memory.
 
 #include <gtest/gtest.h>
 #include <zirk/vutextureatlasimpl.h>
@@ -41,21 +41,6 @@ struct Context {
 };
 
 const std::vector<uint32_t> kNothing(kWidth* kHeight);
-
-TEST(TextDrawing, AnAtlasThatMayNotGrowIsEmptiedAndFilledAgain) {
-  VuFontAtlas tight = Open(), free = Open();
-  // Room for one row of glyphs, and not for the copy that growth takes.
-  tight.GetOneLineWidth(Symbols::Text(0).c_str());
-  const Context small(2048 * 60), large(1 << 24);
-  for (int i = 0; i < 120; ++i) {
-    std::string text;
-    for (int symbol = i; symbol < i + 3; ++symbol) text += Symbols::Text(symbol % 100);
-    const std::vector<uint32_t> expected = large.Draw(free, text.c_str());
-    ASSERT_NE(expected, kNothing);
-    ASSERT_EQ(small.Draw(tight, text.c_str()), expected) << i;
-  }
-  EXPECT_LT(small.budget->Available(), 2048u * 20);
-}
 
 TEST(TextDrawing, NeedsAnAtlasOfItsOwnKind) {
   StubGraphics stub;
