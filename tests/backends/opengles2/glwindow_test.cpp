@@ -107,12 +107,12 @@ TEST(XWindow, IsResizedWhileFramesAreShown) {
       // As xwd(1) has it: the pixels come last.
       std::vector<uint32_t> pixels(320 * 240);
       std::ifstream file(folder + "/Xvfb_screen0", std::ios::binary);
-      const auto bytes = static_cast<std::streamoff>(pixels.size() * 4);
+      const auto bytes = static_cast<std::streamsize>(pixels.size() * 4);
       for (int i = 0; i < 500; ++i) {
         screen->Clear(VuColor{kRed});
         screen->SwapBuffers();
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        file.seekg(-bytes, std::ios::end).read(reinterpret_cast<char*>(pixels.data()), bytes);
+        file.seekg(-std::streamoff{bytes}, std::ios::end).read(reinterpret_cast<char*>(pixels.data()), bytes);
         for (uint32_t& pixel : pixels) pixel |= kBlack;  // That byte is not used.
         if (std::count(pixels.begin(), pixels.end(), kRed) == red) return true;
       }
