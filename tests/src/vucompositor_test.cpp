@@ -3,6 +3,7 @@
 
 #include <future>
 #include <thread>
+#include <tuple>
 
 #include "helpers/logged.h"
 #include "helpers/plugins.h"
@@ -76,8 +77,8 @@ TEST(Compositor, SanitizedComesAndGoesWhileItIsAskedFor) {
   helpers::Install("GLCompositor", "Independent", "VuCompositor");
   const auto toggle = [] { VuCompositor::Enable(true), VuCompositor::Enable(false); };
   helpers::LoggedAt(2, [&] {
-    helpers::Meanwhile([] { VuCompositor::GetVirtualLayerCount(); }, toggle);
-    helpers::Meanwhile([] { VuCompositor::IsEnabled(); }, toggle);
+    helpers::Meanwhile([] { std::ignore = VuCompositor::GetVirtualLayerCount(); }, toggle);
+    helpers::Meanwhile([] { std::ignore = VuCompositor::IsEnabled(); }, toggle);
   });
 }
 

@@ -116,11 +116,11 @@ TEST(FontRegistry, Log) {
                   " opening font\n<ZIRK.error>: FTFontRegistry: Corrupt or invalid font file: " +
                   path + "\n");
   const std::string match = "<ZIRK.info>: FTFontRegistry: found best match ";
-  EXPECT_EQ(LoggedAt(6, [&] { registry.GetFont("sans", 9, true, false); }),
+  EXPECT_EQ(LoggedAt(6, [&] { delete registry.GetFont("sans", 9, true, false); }),
             match +
                 "(-1,,,italic:0,bold:0)\n"
                 "<ZIRK.error>: FTFontRegistry: Cannot find font family <sans> bold 1 italic 0\n");
-  EXPECT_EQ(LoggedAt(7, [&] { registry.GetFont(kSans, 9, false, true); }),
+  EXPECT_EQ(LoggedAt(7, [&] { delete registry.GetFont(kSans, 9, false, true); }),
             match + "(0,ZIRK Test Sans,Bold,italic:0,bold:1)\n");
 }
 
@@ -139,7 +139,7 @@ TEST(FontRegistry, AFontWithoutNamesIsOfTheEmptyFamily) {
 TEST(FontRegistry, NullNamesAreThrownBackWithoutTheLock) {
   VuFontRegistry registry(&Note);
   EXPECT_THROW(registry.Register(nullptr), std::logic_error);
-  EXPECT_THROW(registry.GetFont(nullptr, 1, false, false), std::logic_error);
+  EXPECT_THROW(delete registry.GetFont(nullptr, 1, false, false), std::logic_error);
   EXPECT_TRUE(registry.Register(kRegular.c_str()));
 }
 
@@ -154,7 +154,7 @@ TEST(FontRegistry, SanitizedFontsComeAndGoWhileTheyAreAskedFor) {
     registry.Register(kRegular.c_str());
     registry.Unregister(kRegular.c_str());
   };
-  helpers::Meanwhile([&] { registry.GetFont(kSans, 9, false, false); }, comeAndGo);
+  helpers::Meanwhile([&] { delete registry.GetFont(kSans, 9, false, false); }, comeAndGo);
 }
 
 }  // namespace
