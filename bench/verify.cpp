@@ -101,7 +101,7 @@ bool VerifyWidths(double reference, TextPeer& peer, const TextLines& lines) {
   const double width = peer.Measure(lines);
   if (width < 0) return true;
   const bool within = std::abs(width / reference - 1) <= kTextWidths;
-  std::printf("%-16s %-8s %.3f of ours  %s\n", "TextMeasure", peer.Name(), width / reference,
+  std::printf("%-16s %-8s %.3f of ZIRK's  %s\n", "TextMeasure", peer.Name(), width / reference,
               within ? "ok" : "DIFFERS");
   return within;
 }

@@ -32,7 +32,7 @@ function(zirk_install_plugins folder)
   endforeach()
   set(ZIRK_BACKEND_PACKAGES "${ZIRK_BACKEND_PACKAGES}" PARENT_SCOPE)
 endfunction()
-# Plug-ins are opened at run time: who needs them there depends on this target.
+# Plug-ins are opened at run time: targets that need them then depend on this one.
 add_custom_target(zirk_plugins)
 zirk_install_plugins("${PROJECT_SOURCE_DIR}/backends")
 
@@ -88,8 +88,10 @@ endif()
 set(ZIRK_DOC_DIR "${CMAKE_INSTALL_DATAROOTDIR}/doc/zirk")
 install(FILES
   "${PROJECT_SOURCE_DIR}/CHANGELOG.md"
+  "${PROJECT_SOURCE_DIR}/CONTRIBUTING.md"
   "${PROJECT_SOURCE_DIR}/LICENSE"
   "${PROJECT_SOURCE_DIR}/README.md"
+  "${PROJECT_SOURCE_DIR}/SECURITY.md"
   DESTINATION "${ZIRK_DOC_DIR}" COMPONENT zirk-doc)
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs"
   DESTINATION "${ZIRK_DOC_DIR}" COMPONENT zirk-doc

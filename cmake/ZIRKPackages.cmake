@@ -8,7 +8,7 @@ endif()
 
 set(ZIRK_LIBRARY_PACKAGE libzirk${ZIRK_SOVERSION})
 set(ZIRK_PACKAGE_CONTACT "ZIRK maintainers <maintainers@zirk.example>" CACHE STRING
-  "Name and address of who answers for the Debian packages")
+  "Name and address of the maintainer of the Debian packages")
 set(ZIRK_PACKAGES_DIR "${PROJECT_BINARY_DIR}/control")
 
 set(CPACK_GENERATOR DEB)
@@ -28,7 +28,8 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
-# What a package depends on is read from its files; of our own library only the name is known then.
+# The dependencies of a package are read from its files. Of ZIRK's library only the name is known
+# at that time.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}")
 
@@ -45,7 +46,7 @@ file(CONFIGURE OUTPUT "${CPACK_ZIRK_CHANGELOG}" @ONLY CONTENT
  -- @ZIRK_PACKAGE_CONTACT@  @date@
 ")
 
-# zirk_package(<name> <section> <description> <package of ours that it needs>...)
+# zirk_package(<name> <section> <description> <package of this project that it needs>...)
 macro(zirk_package name section description)
   string(TOUPPER ${name} component)
   list(APPEND CPACK_COMPONENTS_ALL ${name})
@@ -59,7 +60,7 @@ macro(zirk_package name section description)
     DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/doc/${name}" COMPONENT ${name})
 endmacro()
 
-# zirk_library_package(<name> <library> <description> <package of ours that it needs>...)
+# zirk_library_package(<name> <library> <description> <our package that it needs>...)
 macro(zirk_library_package name library description)
   zirk_package(${name} libs "${description}" ${ARGN})
   # What packages of others are to depend on that are linked with it.

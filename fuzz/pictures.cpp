@@ -53,7 +53,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (memory > kLargest) return 0;
 
   const std::unique_ptr<VuBitmap> whole(context.CreateBitmapFromMemory(bytes, count));
-  // What decodes was readable, and takes what was said.
+  // A picture that decodes was readable, and takes the size that was returned.
   if (whole && whole->GetSize() != memory) std::abort();
   for (const VuScaleMode mode : {VuScaleMode::Nearest, VuScaleMode::Bilinear})
     std::unique_ptr<VuBitmap>(context.CreateBitmapFromMemory(bytes, count, 37, 23, mode));

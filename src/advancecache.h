@@ -12,17 +12,17 @@
 
 namespace ZIRK {
 
-/// How far a code point moves the pen after another one, kerning included: what measuring a line
-/// adds up. A cache without locks that forgets what finds no room, so that a line is measured with
-/// one look-up a character.
+/// A lock-free cache of how far a code point moves the pen after another one, kerning included. A
+/// line's width is the sum of these, so it is measured with one look-up per character. Entries for
+/// which there is no room are dropped.
 ///
 /// One word holds key and value, so that no reader sees half of an entry: two code points of 22 and
 /// 21 bits, an outline of 9, and an advance of 12.
 class AdvanceCache {
  public:
-  /// Stands for the code point before the first; no sequence of UTF-8 gives it.
+  /// The code point before the first one. No UTF-8 sequence decodes to it.
   static constexpr uint32_t kNone = 0x200000;
-  /// Outlines are told apart by numbers below this; advances of others are not kept.
+  /// Outlines have numbers below this; advances with other outlines are not cached.
   static constexpr unsigned kOutlines = 1 << 9;
 
   ~AdvanceCache() { delete slots_.load(); }
@@ -50,7 +50,7 @@ class AdvanceCache {
                                        std::memory_order_relaxed);
   }
 
-  /// Only while nothing else uses the cache.
+  /// Call it only while no other thread uses the cache.
   void Clear() { delete slots_.exchange(nullptr); }
 
  private:
@@ -62,12 +62,12 @@ class AdvanceCache {
   static uint64_t Key(uint32_t previous, uint32_t code, unsigned outline) {
     return (uint64_t(previous) << kCodeBits | code) << kOutlineBits | outline;
   }
-  /// Neighbours, which share a line of the processor's cache.
+  /// Adjacent entries, which share a line of the processor's cache.
   static std::array<size_t, 2> Places(uint64_t key) {
     const size_t i = FibonacciHash(key, kSlotBits);
     return {i, i ^ 1};
   }
-  /// Null if there is no memory: then nothing is kept.
+  /// Null if memory ran out; then nothing is cached.
   Slots* EnsureSlots() {
     Slots* slots = slots_.load(std::memory_order_acquire);
     if (slots) return slots;

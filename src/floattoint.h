@@ -5,8 +5,8 @@
 
 namespace ZIRK {
 
-/// Truncation toward zero that is defined for every float: what the type cannot hold becomes the
-/// nearest value that it can, and not-a-number becomes 0.
+/// Truncation toward zero, defined for every float: a value outside the type's range becomes the
+/// nearest one inside, and NaN becomes 0.
 template <typename Int>
 constexpr Int TruncateTo(float v) {
   // Both limits of a 32-bit integer, one past the top included, are exact as double.

@@ -6,7 +6,7 @@ namespace ZIRK {
 /// it.
 bool IsPipe(const char* path);
 
-/// A face's family or style name, which FreeType leaves null where the font has none.
+/// A face's family or style name, or an empty string where FreeType has null.
 inline const char* NameOrEmpty(const char* name) {
   return name ? name : "";
 }

@@ -5,9 +5,9 @@
 
 namespace ZIRK {
 
-/// What a log line says of a FreeType error: the entry of FreeType's table of errors that has the
-/// error's number for its index. The table is dense only at its beginning, so that for most
-/// numbers this is another error's entry. For what lies beyond the table: the number itself.
+/// The text that a log line has for a FreeType error: the entry of FreeType's table of errors whose
+/// index is the error's number. The table is dense only at its beginning, so most numbers get the
+/// entry of another error. A number beyond the table stands for itself.
 struct FreeTypeError {
   explicit FreeTypeError(FT_Error error);
 

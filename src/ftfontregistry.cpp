@@ -22,7 +22,7 @@ struct FaceDone {
 using FaceHandle = std::unique_ptr<FT_FaceRec_, FaceDone>;
 
 FT_Error OpenFirstFace(FT_Library library, const char* path, FaceHandle& face) {
-  // Faces are known by the names that go with the styles regular, bold and italic.
+  // Use the older family names, which have only the styles regular, bold and italic.
   FT_Parameter parameters[] = {{FT_PARAM_TAG_IGNORE_PREFERRED_SUBFAMILY, nullptr},
                                {FT_PARAM_TAG_IGNORE_PREFERRED_FAMILY, nullptr}};
   if (IsPipe(path)) return FT_Err_Cannot_Open_Resource;

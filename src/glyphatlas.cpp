@@ -72,7 +72,7 @@ std::shared_ptr<VuBitmapImpl> GlyphAtlas::PlaceApart(GlyphImage& image) {
   return bitmap;
 }
 
-/// A region of the atlas, which grows if it has to. Of height 0 if there is no room.
+/// A region of the atlas, which grows if necessary. Its height is 0 if there is no room.
 BinRect GlyphAtlas::Allocate(int width, int height, uint32_t index) {
   if (texture_->GetHeight() == 0) {
     ZIRK_LOG_INFO("%s: texture atlas allocation failure", "LoadGlyph");
@@ -91,13 +91,13 @@ BinRect GlyphAtlas::Allocate(int width, int height, uint32_t index) {
   return region;
 }
 
-/// Adds rows for the tallest glyph. Empties the atlas if it does not keep its contents, or does not
-/// get the height that it asks for.
+/// Adds rows for the tallest glyph. Empties the atlas if the backend does not keep its contents, or
+/// if it does not get the requested height.
 void GlyphAtlas::Grow() {
   const int wanted = std::min(texture_->GetHeight() + tallest_ + kMargin, kSide);
   const auto losesContents = [this] { return texture_->GetGraphics()->GetGraphicsType() == 0; };
-  // At its full height it would only be copied to another bitmap of its size, 4 MiB for every glyph
-  // that finds no room.
+  // An atlas of the full height would only be copied to another bitmap of the same size: 4 MiB for
+  // every glyph without room.
   if (wanted == texture_->GetHeight() && !losesContents()) return;
   const int granted = texture_->Resize(kSide, wanted).second;
   if (losesContents() || granted != wanted) Reset();

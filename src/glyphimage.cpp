@@ -21,7 +21,7 @@ struct StrokerDone {
 };
 using StrokerHandle = std::unique_ptr<FT_StrokerRec_, StrokerDone>;
 
-/// A bitmap of FreeType's that is given back whatever happens.
+/// A FreeType bitmap that is always released.
 struct GreyBitmap {
   explicit GreyBitmap(FT_Library library_) : library(library_) { FT_Bitmap_Init(&bitmap); }
   ~GreyBitmap() { FT_Bitmap_Done(library, &bitmap); }
@@ -133,8 +133,8 @@ bool GlyphImage::Stroke(FT_Stroker stroker, int outlineType) {
   return error == 0 || Failed("%s: failed to FT_Error (0x%02x) : %s", error);
 }
 
-/// Takes the measures of an outline in the box, in 1/64 pixel, unless it fits. What FreeType would
-/// refuse to render is left to it.
+/// Takes the measures of an outline from its box, in 1/64 pixel, unless it fits. An outline that
+/// FreeType would refuse to render is left to FreeType.
 bool GlyphImage::TakeBoxIfTooLarge(const FT_BBox& box) {
   const auto down = [](FT_Pos at) { return at >> 6; };
   const auto up = [](FT_Pos at) { return (at + 63) >> 6; };
@@ -158,7 +158,7 @@ void GlyphImage::TakeBitmap(FT_Bitmap& bitmap, int left, int top) {
 
 void GlyphImage::Embolden(const Glyph& glyph) {
   const FT_Pos strength = glyph.face->size->metrics.height / 50;
-  // In whole pixels, as FreeType rounds it.
+  // FreeType rounds it to whole pixels.
   const auto added = static_cast<int>((strength + 32) >> 6);
   width_ += added;
   height_ += added;

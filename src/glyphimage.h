@@ -18,26 +18,26 @@ namespace ZIRK {
 /// One glyph as FreeType renders it.
 class GlyphImage {
  public:
-  /// A bitmap with a side above `limit` is of no use.
+  /// A bitmap with a side above `limit` is too large.
   GlyphImage(FT_Library library, int limit) : library_(library), limit_(limit) {}
   ~GlyphImage();
   GlyphImage(const GlyphImage&) = delete;
   GlyphImage& operator=(const GlyphImage&) = delete;
 
-  /// Renders what `glyph` names. False after an error line. Where the face has glyphs beyond the
-  /// limit, or this one `isKnown` to be, the outline's box is looked at first; what would exceed
-  /// the limit gets its measures but no bitmap, which could take a second and a gigabyte.
+  /// Renders `glyph`. Returns false after an error line. If the face has glyphs beyond the limit,
+  /// or this one `isKnown` to be, the outline's box is tested first; a glyph that would exceed the
+  /// limit gets its measures but no bitmap, which could take a second and a gigabyte.
   bool Render(const Glyph& glyph, bool isKnown);
-  /// Makes the strokes bolder, by an amount that goes with the face's size. What would exceed the
-  /// limit only gets the measures.
+  /// Makes the strokes bolder, in proportion to the face's size. A glyph that would exceed the
+  /// limit gets only its measures.
   void Embolden(const Glyph& glyph);
 
-  /// What there is unless the image is too large.
+  /// These are valid unless the image is too large.
   const FT_Bitmap& Bitmap() const { return *bitmap_; }
   int64_t Width() const { return width_; }
   int64_t Height() const { return height_; }
   bool IsTooLarge() const { return std::max(width_, height_) > limit_; }
-  /// Whether it is for want of memory that Render() or ToCoverage() failed.
+  /// Whether Render() or ToCoverage() failed because memory ran out.
   bool LacksMemory() const { return error_ == FT_Err_Out_Of_Memory; }
   int Left() const { return left_; }
   int Top() const { return top_; }
@@ -47,7 +47,7 @@ class GlyphImage {
     const uint8_t* pixels;
     unsigned pitch;
   };
-  /// Valid while the image is. Nothing after an error line.
+  /// Valid as long as the image. Empty after an error line.
   std::optional<Coverage> ToCoverage();
 
  private:

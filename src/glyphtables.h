@@ -18,16 +18,17 @@ inline uintptr_t FaceWord(FT_Face face) {
 
 /// A glyph as the font keeps it. Only `glyph` is read without the font's first mutex.
 struct CachedGlyph {
-  /// `inAtlas` is asked for without a lock, too: who finds it set sees where the glyph lies.
+  /// `inAtlas` is also read without the lock. The release/acquire pair guarantees that a reader
+  /// that sees it set also sees the glyph's position.
   bool IsInAtlas() const { return __atomic_load_n(&glyph.inAtlas, __ATOMIC_ACQUIRE); }
   void SetInAtlas(bool inAtlas) { __atomic_store_n(&glyph.inAtlas, inAtlas, __ATOMIC_RELEASE); }
-  /// Whether loading the glyph once more could bring it into an atlas.
+  /// Whether loading the glyph again could place it in an atlas.
   bool IsWorthLoading() const { return !isGivenUp && !IsInAtlas(); }
 
   Glyph glyph = {};
-  bool isTooLarge = false;  ///< For any atlas, as far as it has been loaded.
+  bool isTooLarge = false;  ///< For any atlas. Known once the glyph is loaded.
   bool isGivenUp = false;   ///< It failed to load, or had to be placed and is too large.
-  // The atlas is filled several times, which are counted from 1.
+  // Each time that the atlas is emptied a new filling begins. Fillings are counted from 1.
   uint32_t placedIn = 0;   ///< The latest filling that had room for the glyph, if any.
   uint32_t leftOutOf = 0;  ///< The latest one that was full when it was to be placed, if any.
 };
@@ -41,8 +42,8 @@ struct ResolvedChar {
   };
   static Key KeyOf(const ResolvedChar& entry) { return {entry.code}; }
 
-  /// The glyph that it has with one outline, that of the latest look-up; null before. Only read and
-  /// written through these two, by any thread.
+  /// The glyph of the outline that was looked up last; null at first. Any thread may call these two
+  /// functions, and nothing else accesses the pointer.
   const CachedGlyph* Recent() const { return __atomic_load_n(&recent, __ATOMIC_ACQUIRE); }
   void Remember(const CachedGlyph* glyph) { __atomic_store_n(&recent, glyph, __ATOMIC_RELEASE); }
 
@@ -72,7 +73,7 @@ struct GlyphTraits {
     FT_Face face;
     uint32_t index;
     int outlineType;
-    int outlineThickness;  ///< 0 for filled glyphs, whatever is set.
+    int outlineThickness;  ///< 0 for filled glyphs, whatever the font's setting.
   };
   static Key KeyOf(const CachedGlyph& cached) {
     const Glyph& glyph = cached.glyph;
@@ -80,7 +81,7 @@ struct GlyphTraits {
   }
 };
 
-/// The kerning between two glyphs of a face, as FreeType says it.
+/// The kerning between two glyphs of a face, as FreeType returns it.
 struct KerningPair {
   struct Key {
     FT_Face face;
@@ -97,7 +98,7 @@ struct KerningPair {
   FT_Vector kerning;
 };
 
-/// The number of an outline, which tells the advances of different outlines apart.
+/// The number of an outline, by which advances with different outlines are distinguished.
 struct NumberedOutline {
   struct Key {
     int type;

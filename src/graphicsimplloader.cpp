@@ -15,18 +15,18 @@ namespace ZIRK {
 
 namespace {
 
-// Owned from the library's load on, though built later: what is constructed first is destroyed
-// last, so the plug-ins stay open until the application's static objects and the library's own
-// have let go of theirs.
+// The pointer is constructed when the library is loaded, although the loader is built later. It is
+// therefore destroyed last, so the plug-ins stay open until all static objects of the application
+// and of the library are destroyed.
 ZIRK_DESTROYED_LAST std::shared_ptr<GraphicsImplLoader> loader;
 
-/// Longer paths are cut, and what is left of them is looked for. The limit decides which plug-ins
-/// are listed, so it stays.
+/// Longer paths are cut, and the shorter path is looked for. The limit decides which plug-ins are
+/// listed, so it must not change.
 constexpr size_t kProbedPathSize = 30;
 
 bool LiesUnder(const char* folder, const std::string& dso) {
   char path[kProbedPathSize];
-  // Taking the result keeps compilers from warning of the cut.
+  // Using the result silences the compiler's warning about truncation.
   [[maybe_unused]] const int length = snprintf(path, sizeof path, "%s%s", folder, dso.c_str());
   return access(path, F_OK) == 0;
 }
@@ -99,8 +99,8 @@ const char* const* GraphicsImplLoader::GetBackends(unsigned& count) {
 
 namespace {
 
-/// Whether a plug-in was built for this library, as far as it says. A plug-in depends on the
-/// library, where dlsym() searches, too: that has no such symbol.
+/// Whether a plug-in exports this library's interface number, or none. dlsym() also searches the
+/// library, on which the plug-in depends, so the library must not define that symbol.
 bool FitsInterface(const GfxImplRecord& record) {
   const auto* const number =
       static_cast<const uint32_t*>(dlsym(record.handle, "ZIRKBackendInterface"));

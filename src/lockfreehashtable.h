@@ -11,17 +11,17 @@
 
 namespace ZIRK {
 
-/// A hash table that is only added to, so that it can be searched while that happens.
+/// A hash table to which entries are only added, so that it can be searched at the same time.
 ///
 /// Entries never move. `Traits` has a type Key with operator== and Hash(), and KeyOf(entry), which
-/// does not change while the entry is in the table. A hash need only be different for different
-/// keys, as far as it goes: the table spreads it.
+/// does not change while the entry is in the table. A hash only has to differ for most
+/// different keys: the table spreads it.
 template <class Entry, class Traits>
 class LockFreeHashTable {
  public:
   using Key = typename Traits::Key;
 
-  /// Null if there is none. May run at the same time as Insert().
+  /// The entry with this key, or null. May run at the same time as Insert().
   Entry* Find(const Key& key) const {
     const Slots* const slots = current_.load(std::memory_order_acquire);
     if (!slots) return nullptr;
@@ -31,8 +31,8 @@ class LockFreeHashTable {
     }
   }
 
-  /// Adds an entry, whose key is not there yet. Only one thread at a time. Throws std::bad_alloc,
-  /// with nothing changed.
+  /// Adds an entry, whose key must be new. Only one thread may call at a time. If it throws
+  /// std::bad_alloc, nothing is changed.
   Entry& Insert(const Entry& entry) {
     if (all_.empty() || entries_.size() >= all_.back()->Capacity() * 3 / 4) Grow();
     entries_.push_back(entry);
@@ -40,7 +40,7 @@ class LockFreeHashTable {
     return entries_.back();
   }
 
-  /// Only while nothing else uses the table or an entry.
+  /// Call it only while nothing else uses the table or an entry.
   void Clear() {
     current_.store(nullptr, std::memory_order_relaxed);
     all_.clear();
@@ -49,7 +49,7 @@ class LockFreeHashTable {
 
   size_t Size() const { return entries_.size(); }
 
-  // In the order in which they came.
+  // In the order of insertion.
   auto begin() { return entries_.begin(); }
   auto end() { return entries_.end(); }
 
@@ -61,7 +61,7 @@ class LockFreeHashTable {
     explicit Slots(int bits) : bits_(bits), slots_(new Slot[Capacity()]()) {}
     int Bits() const { return bits_; }
     size_t Capacity() const { return size_t(1) << bits_; }
-    /// Where to begin looking. Neighbouring hashes begin far apart.
+    /// Where a search begins. Searches for adjacent hashes begin far apart.
     size_t First(uint64_t hash) const { return FibonacciHash(hash, bits_); }
     Slot& At(size_t i) const { return slots_[i & (Capacity() - 1)]; }
 
@@ -76,7 +76,8 @@ class LockFreeHashTable {
     slots.At(i).store(&entry, std::memory_order_release);
   }
 
-  /// The smaller slots stay: somebody may be searching them. All of them are as large as the last.
+  /// The smaller tables stay, since a thread may be searching them. Together they are as large as
+  /// the last one.
   void Grow() {
     constexpr int kFirstBits = 5;
     auto slots = std::make_unique<Slots>(all_.empty() ? kFirstBits : all_.back()->Bits() + 1);

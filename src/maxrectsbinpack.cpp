@@ -11,8 +11,8 @@ namespace ZIRK {
 
 namespace {
 
-// Edges and scores have 64 bits, so that no size that a caller can give overflows them. Nothing
-// below depends on extents being positive, which nobody checks.
+// Edges and scores have 64 bits, so that no size that a caller can pass overflows them. Extents are
+// not checked, and nothing below depends on their being positive.
 
 int64_t Right(const BinRect& r) {
   return int64_t{r.x} + r.width;
@@ -27,7 +27,7 @@ int32_t Saturate(int64_t v) {
   return static_cast<int32_t>(std::clamp<int64_t>(v, Limits::min(), Limits::max()));
 }
 
-// Most pairs lie apart, but none can tell on which side: a branch for each would often go wrong.
+// Most pairs are apart, on any of four sides, so a branch per side would often be mispredicted.
 
 bool Touches(const BinRect& node, const BinRect& f) {
   return int{node.x <= Right(f)} & int{Right(node) >= f.x} & int{node.y <= Bottom(f)} &
@@ -47,8 +47,8 @@ bool LiesInsideAny(const BinRect& a, const std::vector<BinRect>& list) {
   return std::any_of(list.begin(), list.end(), [&](const BinRect& b) { return LiesInside(a, b); });
 }
 
-/// `list` has no rectangle that lies in another, neither before nor after. Of equal ones the later
-/// stays.
+/// Adds `added`, and keeps `list` free of rectangles that lie inside another one. Of equal ones the
+/// later stays.
 void AddPruned(std::vector<BinRect>& list, const BinRect& added) {
   const auto inside = [&](const BinRect& r) { return LiesInside(r, added); };
   list.erase(std::remove_if(list.begin(), list.end(), inside), list.end());
@@ -90,7 +90,7 @@ int64_t CommonLength(int64_t a1, int64_t a2, int64_t b1, int64_t b2) {
 
 // --- Scores -----------------------------------------------------------------------------------
 
-/// The lower, the better.
+/// A lower score is better.
 struct MaxRectsBinPack::Score {
   int64_t primary;
   int64_t secondary;
@@ -101,7 +101,7 @@ struct MaxRectsBinPack::Score {
   }
 };
 
-/// As long as nothing is found the node's height is 0.
+/// The node's height is 0 until something is found.
 struct MaxRectsBinPack::Position {
   BinRect node;
   Score score;
@@ -165,7 +165,7 @@ MaxRectsBinPack::Position MaxRectsBinPack::Find(int32_t width, int32_t height) c
         return Score{Bottom(node), node.x};
       });
     case ContactPoint:
-      // Only extents below zero make a contact negative; such a place is none.
+      // Only negative extents make a contact negative; such a place does not count.
       return FindBest(width, height, {1, 0}, [this](const BinRect& node, const BinRect&) {
         return Score{-ContactLength(node), 0};
       });
@@ -183,11 +183,11 @@ MaxRectsBinPack::MaxRectsBinPack(int width, int height)
 
 MaxRectsBinPack::~MaxRectsBinPack() = default;
 
-/// Puts what `node` leaves of the rectangles that it intersects in their place, at the end, and
-/// prunes as if by comparing all with all. Few comparisons are needed, since none of the free ones
-/// lies in another:
-/// - None that stays whole lies in a piece: it would have lain in the rectangle that was split.
-/// - One that stays whole and holds a piece touches the node, as the piece does.
+/// Replaces the free rectangles that `node` intersects by the parts that it leaves of them, at the
+/// end of the list, and prunes as if by comparing all with all. Few comparisons are needed, since
+/// no free rectangle lies inside another:
+/// - A whole rectangle cannot lie inside a piece: it would lie inside the rectangle that was split.
+/// - A whole rectangle that contains a piece touches the node, as the piece does.
 void MaxRectsBinPack::SplitAround(const BinRect& node) {
   std::vector<size_t>& split = scratch.split;
   std::vector<BinRect>& touching = scratch.touching;

@@ -6,9 +6,9 @@
 
 namespace ZIRK {
 
-/// What `make` returns, for functions that an application calls: it expects no exception from them.
-/// Where memory runs out, an error line says that there is none for `what`, and the result is an
-/// empty one: null, false or 0.
+/// Calls `make` on behalf of a public function, which throws no exception, and returns its result.
+/// If memory runs out, logs an error line that names `what` and returns an empty result: null,
+/// false or 0.
 template <typename Make>
 auto UnlessMemoryRunsOut(const char* what, Make make) -> decltype(make()) {
   try {

@@ -2,8 +2,8 @@
 
 namespace ZIRK {
 
-/// The longest side, in pixels, that the textures of every backend can have. Glyph atlases keep to
-/// it, and a backend that does not know its own limit reports it.
+/// The longest side, in pixels, that the textures of every backend can have. It limits glyph
+/// atlases, and a backend that does not know its own limit reports it.
 constexpr int kMaxTextureSide = 2048;
 
 }  // namespace ZIRK

@@ -32,7 +32,7 @@ unsigned int GetUtf8Char(const char* s, int* length) {
       continue;
     }
     ZIRK_LOG_INFO("invalid successor byte: 0x%x", bytes[i]);
-    // Nothing is read beyond the string's end, here or by who steps over the sequence.
+    // Neither this loop nor a caller that skips the sequence reads beyond the string's end.
     if (bytes[i] == 0) n = i;
   }
   *length = n;

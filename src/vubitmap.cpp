@@ -8,8 +8,8 @@
 #include "assertalways.h"
 #include "floattoint.h"
 
-// Every operation hands its arguments to the backend as they are: nothing is clipped, clamped or
-// tested here. A masked form differs from its unmasked one only in what it passes for the mask.
+// Every operation passes its arguments to the backend unchanged: nothing is clipped, clamped or
+// tested here. A masked form differs from the unmasked one only in the mask that it passes.
 //
 // While LogOverdraw is set, a full form then adds the area it covered to the surface's counter.
 // The short forms call a full one, so each drawing counts once. Lines never count.
@@ -18,7 +18,7 @@ namespace ZIRK {
 
 // --- Handle ---------------------------------------------------------------------------------
 
-// Owns the surface from here on, so there has to be one.
+// The bitmap owns the surface, so there must be one.
 // The assertion stays on line 24: its message is known by file and line.
 VuBitmap::VuBitmap(VuBitmapImpl* impl_) : impl(impl_) {
   assert(impl);
@@ -157,7 +157,7 @@ void VuBitmap::DrawPoint(VuPoint p, float size, VuColor color) {
   DrawPoint(p, size, color, VuTransform());
 }
 
-// Only the masked points count at the size they are drawn.
+// Only masked points count at the size at which they are drawn.
 
 void VuBitmap::DrawPoint(VuPoint p, float size, VuColor color, VuTransform t) {
   impl->DrawPoint(p, size, color, t, nullptr, {});

@@ -12,14 +12,14 @@ namespace ZIRK {
 
 namespace {
 
-// The mutex guards all of this. It is ready from the library's load on, and outlives the static
-// objects of the application, whose destructors may still call.
+// The mutex guards all of this. It exists from the moment the library is loaded, and outlives the
+// static objects of the application, whose destructors may still call.
 std::mutex mutex;
 std::shared_ptr<VuCompositorImpl> instance;
 bool releasedAtExit = false;
 
-/// Null if the plug-in does not open; false if memory runs out. The loader is not kept: it opens
-/// the plug-in once, however often that happens, and closes it after everything else has gone.
+/// Returns false if memory runs out; `instance` is null if the plug-in does not open. The loader is
+/// not kept: it opens the plug-in only once, and closes it after everything else is destroyed.
 bool CreateInstance() {
   return UnlessMemoryRunsOut("the compositor", [] {
     const auto loader = GraphicsImplLoader::GetInstance();
@@ -29,8 +29,8 @@ bool CreateInstance() {
   });
 }
 
-// Registered once the plug-in is open, so it runs before the plug-in's static objects go, and long
-// before the loader closes the plug-in.
+// Registered once the plug-in is open, so it runs before the plug-in's static objects are
+// destroyed, and long before the loader closes the plug-in.
 void ReleaseAtExit() {
   const std::lock_guard<std::mutex> lock(mutex);
   instance.reset();
@@ -44,8 +44,8 @@ std::shared_ptr<VuCompositorImpl> VuCompositorImpl::GetInstance() {
   return instance;
 }
 
-// Each operation keeps its own share while the plug-in runs, without the mutex: Enable(false) on
-// another thread then cannot delete the object under it.
+// Each operation holds a share of its own while the plug-in runs, without the mutex. Enable(false)
+// on another thread therefore cannot delete the object during the call.
 
 void VuCompositor::SetConfiguration(const LayerDescription* layers, int count) {
   if (const auto compositor = VuCompositorImpl::GetInstance())
@@ -57,8 +57,8 @@ void VuCompositor::EnableLayer(signed char layer, bool enable) {
     compositor->EnableLayer(layer, enable);
 }
 
-// A plug-in that does not open is an error of the program's. Memory that runs out is none: then
-// the compositor stays disabled.
+// A plug-in that does not open is an error in the program. Running out of memory is not: the
+// compositor then stays disabled.
 // The assertion below stays on line 70: its message is known by file and line.
 void VuCompositor::Enable(bool enable) {
   const std::lock_guard<std::mutex> lock(mutex);
@@ -68,7 +68,7 @@ void VuCompositor::Enable(bool enable) {
   }
   if (instance || !CreateInstance()) return;
   assert(instance);
-  // Anew each time, as static objects may enable it again while they are destroyed.
+  // Repeated each time, since static objects may enable it again while they are destroyed.
   if (!releasedAtExit) releasedAtExit = std::atexit(ReleaseAtExit) == 0;
 }
 

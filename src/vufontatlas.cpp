@@ -31,7 +31,7 @@ bool HasOutline(const Glyph& glyph, int type, int thickness) {
   return glyph.outlineType == type && (type == 0 || glyph.outlineThickness == thickness);
 }
 
-/// Others may be reading a glyph that is loaded again, so what stays the same is not written.
+/// Other threads may read a glyph while it is loaded again, so unchanged fields are not written.
 void StoreIfChanged(int32_t& field, int64_t value) {
   if (field != value) field = static_cast<int32_t>(value);
 }
@@ -53,7 +53,7 @@ int ToPixels(int designUnits, int pixelSize, int unitsPerEm) {
   return (WrappingProduct(WrappingProduct(pixelSize, designUnits), 2) / unitsPerEm + 1) / 2;
 }
 
-/// Reads the line's next code point; false at its end. Bytes that are none are skipped.
+/// Reads the line's next code point; false at its end. Bytes that are not UTF-8 are skipped.
 bool ReadChar(const char* function, const char* text, const char*& next, uint32_t& code) {
   if (!text) return false;
   for (;; ++next) {
@@ -75,7 +75,7 @@ bool ReadChar(const char* function, const char* text, const char*& next, uint32_
 
 }  // namespace
 
-// The one object of that name, which programs and plug-ins may have the address of.
+// The definition of the constant: programs and plug-ins may take its address.
 const int VuFontAtlas::margin_;
 
 struct VuFontAtlas::State {
@@ -97,7 +97,7 @@ struct VuFontAtlas::State {
   unsigned OutlineNumber(int type, int thickness);
   bool Render(GlyphImage& image, CachedGlyph& cached, bool toDraw) const;
   bool Load(CachedGlyph& cached, bool render);
-  // Apart from what finds kerning, which is the usual case: so that takes no stack.
+  // Separate from the search for known kerning, the usual case, so that the search needs no stack.
   [[gnu::noinline]] FT_Vector ReadKerning(const KerningPair::Key& key);
 
   FT_Library freeType = nullptr;
@@ -119,8 +119,8 @@ struct VuFontAtlas::State {
   const bool italic;
   FT_Face fallbackFace = nullptr;
 
-  // The tables and the cache are searched without a lock; what they lack is looked for again, and
-  // then added, under one.
+  // The tables and the cache are searched without a lock. For a missing entry the search is
+  // repeated under a lock, and the entry added.
   CharTable chars;
   GlyphTable glyphs;
   KerningTable kerning;
@@ -198,11 +198,11 @@ int VuFontAtlas::NewFaceFromMemory(int faceIndex, int pixelSize, FT_Face* face) 
   return state_->FinishFace("NewFaceFromMemory", "[memory]", error, pixelSize, face);
 }
 
-/// Settles the character map and the size of a face that was opened, or logs why it was not.
+/// Selects the character map and the size of a face that was opened, or logs why it was not.
 int VuFontAtlas::State::FinishFace(const char* function, const char* source, FT_Error opened,
                                    int size, FT_Face* newFace) const {
   if (!opened && !(*newFace)->size) {
-    // A negative index opens a face that only tells how many there are.
+    // A negative index opens a face that only holds the number of faces.
     FT_Done_Face(*newFace);
     opened = FT_Err_Invalid_Argument;
   }
@@ -277,7 +277,7 @@ void VuFontAtlas::SetFallbackFont(const VuFontImpl* font) {
   NewFace(theirs.fileName.c_str(), theirs.faceIndex, theirs.pixelSize, &state_->fallbackFace);
 }
 
-/// The face and the index of a code point's glyph, or of what stands in for it.
+/// The face and the index of a code point's glyph, or of its replacement.
 std::pair<FT_Face, uint32_t> VuFontAtlas::State::Resolve(uint32_t code,
                                                          uint32_t fallbackGlyph) const {
   if (const FT_UInt index = FT_Get_Char_Index(face, code)) return {face, index};
@@ -324,7 +324,7 @@ const Glyph* VuFontAtlas::GetGlyph(unsigned long charcode, bool render) const {
   return Find(static_cast<uint32_t>(charcode), render, true);
 }
 
-/// With `insist`, a glyph is rendered even if the atlas, as it is, has had no room for it.
+/// With `insist`, a glyph is rendered even if the full atlas already left it out.
 inline const Glyph* VuFontAtlas::Find(uint32_t code, bool render, bool insist) const {
   State& s = *state_;
   if (!s.face) return nullptr;
@@ -340,7 +340,7 @@ inline const Glyph* VuFontAtlas::Find(uint32_t code, bool render, bool insist) c
   return FindOrLoad(code, render, insist);
 }
 
-/// As Find(), for what is not there, or not as it is asked for.
+/// As Find(), for a glyph that is missing or not rendered yet.
 const Glyph* VuFontAtlas::FindOrLoad(uint32_t code, bool render, bool insist) const {
   State& s = *state_;
   const int type = static_cast<int>(outlineType_);
@@ -363,7 +363,7 @@ const Glyph* VuFontAtlas::FindOrLoad(uint32_t code, bool render, bool insist) co
     cached = find(*entry);
   }
   if (!cached) {
-    // The words are followed by the value of the word before, the face standing first.
+    // Each word is followed by the value of the word before it; the first value is the face.
     ZIRK_LOG_INFO("%s: glyph %d outline type %d outline thickness %d not found", "GetGlyph",
                   static_cast<int>(reinterpret_cast<intptr_t>(entry->face)),
                   static_cast<int>(entry->index), type);
@@ -412,7 +412,7 @@ bool VuFontAtlas::State::Render(GlyphImage& image, CachedGlyph& cached, bool toD
   return true;
 }
 
-/// False if the glyph does not load, which leaves it as it is.
+/// Returns false, with the glyph unchanged, if it does not load.
 bool VuFontAtlas::State::Load(CachedGlyph& cached, bool render) {
   Glyph& glyph = cached.glyph;
   const int index = static_cast<int>(glyph.index);
@@ -492,7 +492,7 @@ const Glyph* VuFontAtlas::NextGlyph(TextCursor& cursor, bool render) const {
   return nullptr;
 }
 
-/// A number for an outline, 0 for none. Those for which no number is left share one.
+/// The number of an outline; 0 without one. Outlines for which no number is left share one.
 unsigned VuFontAtlas::State::OutlineNumber(int type, int thickness) {
   if (type == 0) return 0;
   const NumberedOutline::Key key = {type, thickness};

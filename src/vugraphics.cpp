@@ -26,11 +26,11 @@ namespace {
 
 using GraphicsOverride = std::function<VuGraphics*(bool)>;
 
-/// Empty if there is none. Shared, so that an override which replaces or ends itself stays alive
-/// while it runs.
+/// Empty without an override. Shared, so that an override that replaces or removes itself stays
+/// alive while it runs.
 std::shared_ptr<const GraphicsOverride> graphicsOverride;
 
-// The backends that functions of their own open.
+// The backends that have a creation function each.
 constexpr const char* kOpenGl = BackendName(BackendType::OpenGLES2);
 constexpr const char* kDirectFb = BackendName(BackendType::DirectFB);
 constexpr const char* kHybrid = BackendName(BackendType::Hybrid);
@@ -39,7 +39,7 @@ bool EqualIgnoringCase(const char* a, const char* b) {
   return strcasecmp(a, b) == 0;
 }
 
-/// Whether Create() hands `name` to the loader, which then insists on the exact spelling.
+/// Whether Create() passes `name` to the loader, which then requires the exact spelling.
 bool IsBackendName(const char* name) {
   return std::any_of(std::begin(kBackendTable), std::end(kBackendTable),
                      [name](const BackendRecord& record) {
@@ -58,12 +58,12 @@ VuGraphicsImpl* CreateDefaultImpl(GraphicsImplLoader& loader, bool flag) {
   return CreateImpl(loader, kDirectFb, flag);
 }
 
-/// In queries "Default" is this very backend, whatever the default is now.
+/// In queries "Default" always means this backend, whatever the current default.
 std::string QueriedName(std::string name) {
   return name == "Default" ? BackendName(kDefaultBackend) : std::move(name);
 }
 
-/// The handle of what a backend made, which goes with the handle where there is no memory for that.
+/// Wraps a backend's object in a handle. If there is no memory for the handle, deletes the object.
 template <typename Handle, typename Impl>
 Handle* Wrap(Impl* impl) {
   std::unique_ptr<Impl> owned(impl);

@@ -30,7 +30,7 @@ void PrintHeader(const void* context, unsigned key, std::ostream& os) {
 }
 
 void PrintMemory(const VuGraphicsImpl& impl, std::ostream& os) {
-  // Each figure is asked for afresh, in this order: a backend may count in between.
+  // Each figure is a separate call, in this order, since a backend may count in between.
   const unsigned available = impl.AvailableMemory();
   const unsigned total = impl.TotalMemory();
   const unsigned used = total - impl.AvailableMemory();

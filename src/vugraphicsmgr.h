@@ -14,14 +14,14 @@ class VuGraphicsImpl;
 /// them. Any thread may call.
 class VuGraphicsMgr {
  public:
-  /// The one register, created when first asked for.
+  /// The register of the process. The first call creates it.
   static std::shared_ptr<VuGraphicsMgr> GetInstance();
 
   void Add(VuGraphics* context);
   void Remove(VuGraphics* context);
 
-  /// Takes the backend out of a context that is about to delete it, so that nobody lists it any
-  /// more. The context stays registered.
+  /// Removes the backend from a context that is about to delete it, so that it is no longer listed.
+  /// The context stays registered.
   VuGraphicsImpl* TakeImpl(VuGraphics& context);
 
   /// Lists the contexts with their bitmaps and memory. Addresses are printed XORed with `key`.

@@ -48,8 +48,8 @@ void VuTMatrix2D<T>::rotate(T angle) {
   multLeft(step);
 }
 
-// Products write the six elements of an affine matrix and leave the third column as it is. The
-// operands may be the same object: whatever is still needed is read before it is overwritten.
+// Products write the six elements of an affine matrix and leave the third column unchanged. The
+// operands may be the same object: every element is read before it is overwritten.
 
 template <typename T>
 void VuTMatrix2D<T>::copyLinear(const VuTMatrix2D& from) {
@@ -84,8 +84,8 @@ void VuTMatrix2D<T>::setProduct(const VuTMatrix2D& a, const VuTMatrix2D& b) {
   setTranslation(t);
 }
 
-/// this * b where it is the same as b * this: either is the identity, or both only translate.
-/// False, with nothing done, for any other pair.
+/// Sets this * b if that equals b * this: either is the identity, or both only translate. Returns
+/// false and does nothing for any other pair.
 template <typename T>
 bool VuTMatrix2D<T>::setCommutingProduct(const VuTMatrix2D& b) {
   if (flags_ == 0) {

@@ -29,7 +29,7 @@ void LogFrames(uint32_t frames, uint32_t interval) {
   const double seconds = interval / 1'000'000.0;
   const auto fps = static_cast<float>(f / seconds);
   const auto frameMs = static_cast<float>(interval / 1000.0 / f);
-  // 1.0 seconds whatever the interval was: part of the text, not a measurement.
+  // The text always reports 1.0 seconds; it is not a measurement.
   ZIRK_LOG_WARNING("Average frame time %.2f ms %.0f fps in %.1f secs", static_cast<double>(frameMs),
                    static_cast<double>(fps), 1.0);
 }

@@ -22,7 +22,7 @@ VuTRect2D<T> VuTRect2D<T>::transform(const VuTMatrix2D<M>& m) const {
 
   VuTVector2D<T> b = m.transformVector(max_);
   if (m.hasScale()) {
-    // A negative scale turns the corners round.
+    // A negative scale swaps the corners.
     if (a.x() > b.x()) {
       const T x = a.x();
       a.setX(b.x());

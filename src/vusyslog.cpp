@@ -61,7 +61,7 @@ class Limiter {
 // Static objects that are destroyed late still log, so the limiter is never destroyed itself.
 static_assert(std::is_trivially_destructible_v<Limiter>);
 
-/// Returns the line's length. One that fills the buffer is cut, and counts the terminating zero.
+/// Returns the line's length. A line that fills the buffer is cut; its length includes the zero.
 int FormatLine(char (&line)[kLineSize], const char* tag, const char* levelName, const char* fmt,
                va_list args) {
   int64_t n = std::max(snprintf(line, kLineSize, "<%s.%s>: ", tag, levelName), 0);

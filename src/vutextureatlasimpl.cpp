@@ -12,7 +12,7 @@ namespace ZIRK {
 
 namespace {
 
-/// A new bitmap, or empty after a line that names the `caller`.
+/// A new bitmap. Empty, after a line that names the `caller`, if it cannot be created.
 std::shared_ptr<VuBitmapImpl> CreateBitmap(VuGraphicsImpl* graphics, int width, int height,
                                            VuPixelFormat format, const char* caller) {
   std::shared_ptr<VuBitmapImpl> bitmap(graphics->CreateBitmap(width, height, format));
@@ -61,7 +61,7 @@ std::pair<int, int> VuTextureAtlasImpl::Resize(int newWidth, int newHeight) {
   resized->SetName(name.c_str());
   resized->CopyPixels(VuPoint{0, 0}, bitmap.get(), bitmap->GetBounds());
   bitmap = std::move(resized);
-  // A bin never shrinks: made smaller, the atlas goes on handing out what lies outside.
+  // A bin never shrinks: a smaller atlas still returns regions outside its bitmap.
   packer->Resize(newWidth, newHeight);
   width = newWidth;
   height = newHeight;

@@ -5,8 +5,8 @@ namespace ZIRK::support {
 /// How often the process has asked operator new for memory.
 int Allocations();
 
-/// While it lives, operator new grants this thread `count` requests of the library and its
-/// plug-ins, and refuses all others of theirs.
+/// While it exists, operator new grants the library and its plug-ins `count` requests on this
+/// thread, and refuses all further ones.
 class ScarceMemory {
  public:
   explicit ScarceMemory(int count);

@@ -10,8 +10,8 @@
 
 namespace ZIRK::backends {
 
-/// What every graphics context does: it creates surfaces, lists them, and keeps their memory within
-/// a limit. A backend derives from it and makes the surfaces themselves.
+/// The base of every graphics context: it creates surfaces, lists them, and keeps their memory
+/// within a limit. A backend derives from it and makes the surfaces themselves.
 class GraphicsBase : public VuGraphicsImpl {
  public:
   /// `memoryLimit` is the number of bytes for all surfaces together.

@@ -52,7 +52,7 @@ bool DirectFbRenderer::Begin() {
 
 // --- The surface's state ------------------------------------------------------------------------
 
-/// Takes over what has been set on the surface. Whether DirectFB may draw on it as it is.
+/// Applies the surface's state. Returns whether DirectFB may draw on it.
 bool DirectFbRenderer::Refresh() {
   if (HasDirectFbEnded()) return false;
   if (revision_.CatchUp()) {
@@ -64,7 +64,7 @@ bool DirectFbRenderer::Refresh() {
   return !pixels_.IsLocked() && blend_;
 }
 
-/// For what goes beyond the clipping rectangle. Whether DirectFB may draw on the surface as it is.
+/// For operations that ignore the clipping rectangle. Returns whether DirectFB may draw.
 bool DirectFbRenderer::SetWholeClip() {
   if (pixels_.IsLocked() || HasDirectFbEnded()) return false;
   revision_.Forget();
@@ -113,7 +113,7 @@ bool DirectFbRenderer::FillLine(const Hairline& line, uint32_t color) {
   return count == 0 || FillBoxes(runs_.Data(), count, color);
 }
 
-/// The whole `part` of `source`, which is another surface, in the place of `box`.
+/// Draws the whole `part` of `source`, which is another surface, into `box`.
 bool DirectFbRenderer::Blit(DirectFbRenderer& source, const VuRect& part, const Box& box,
                             uint32_t color) {
   if (!Refresh() || source.pixels_.IsLocked() || source.buffers_ == Buffers::Two) return false;

@@ -15,7 +15,7 @@
 
 namespace ZIRK::backends {
 
-/// Draws on an IDirectFBSurface: by DirectFB as far as its rules go, and on the locked pixels by
+/// Draws on an IDirectFBSurface: by DirectFB where its rules apply, and on the locked pixels by
 /// the software painter beyond. Sources and masks are other surfaces of this plug-in, of whichever
 /// context. surface/renderer.h says what the operations mean.
 class DirectFbRenderer : public TextDrawing<DirectFbRenderer, DirectFbPixels> {

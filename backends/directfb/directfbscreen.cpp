@@ -60,7 +60,7 @@ DirectFbLayer::~DirectFbLayer() {
   inUse &= ~bit_;
 }
 
-/// Tries what is asked for first, then the layer's own format, its own size, and both.
+/// Tries the requested mode first, then the layer's own format, its own size, and both.
 DFBResult DirectFbLayer::Configure(const VuScreenDescription& description) {
   DFBDisplayLayerConfig own = {};
   DFBResult result = layer_->GetConfiguration(layer_, &own);
@@ -114,7 +114,7 @@ DirectFbScreen::DirectFbScreen(std::unique_ptr<MemoryBudget::Reservation> reserv
 
 bool DirectFbScreen::Begin() {
   if (!Drawing().Begin()) return false;
-  // What is shown is cleared by that, too.
+  // This also clears what is shown.
   Show();
   return true;
 }

@@ -254,7 +254,7 @@ void FramebufferDevice::Flip(const Box& damage) {
   copier_->CopyToHidden(damage, PixelsFrom(page * mode_.yres), fixed_.line_length);
   if (ShowPage(page)) return vsync_->Wait();
 
-  // The page that goes on being shown lacks this frame's changes only.
+  // The page that is still shown lacks only this frame's changes.
   ZIRK_LOG_WARNING("%s", Reason("does not show its second page: drawing to one").c_str());
   twoPages_ = false;
   copier_->ForgetHidden();

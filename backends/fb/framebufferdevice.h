@@ -84,8 +84,8 @@ class FramebufferDevice final : public DisplayDevice {
   fb_var_screeninfo mode_{};   ///< The mode now.
   fb_fix_screeninfo fixed_{};
   std::optional<DeviceLayout> layout_;  ///< None while the mode cannot be drawn to.
-  bool modeChanged_ = false;            ///< The mode has to be restored.
-  bool panned_ = false;                 ///< The offset has to be restored.
+  bool modeChanged_ = false;            ///< The mode must be restored.
+  bool panned_ = false;                 ///< The offset must be restored.
 
   uint8_t* mapping_ = nullptr;
   size_t mappedBytes_ = 0;

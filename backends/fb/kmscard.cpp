@@ -81,7 +81,7 @@ std::vector<DrmConnector> KmsCard::Connectors() const {
   return plugged;
 }
 
-/// The one that shows something there already comes first.
+/// The one that already shows something there comes first.
 std::vector<uint32_t> KmsCard::CrtcsFor(const drmModeConnector& connector) const {
   std::vector<uint32_t> crtcs;
   const Resources resources(Drm().GetResources(descriptor_));

@@ -213,7 +213,7 @@ void KmsDisplay::DoWithoutPages(const char* why) {
   copier_->ForgetHidden();
 }
 
-/// Drivers whose hardware does not read the memory by itself have to be told.
+/// Reports the damage to drivers whose hardware does not read the memory by itself.
 void KmsDisplay::SendDamage(const Box& damage) {
   if (!needsDamage_) return;
   drmModeClip clip = {static_cast<uint16_t>(damage.x0), static_cast<uint16_t>(damage.y0),

@@ -108,7 +108,7 @@ std::optional<DeviceLayout> LayoutOf(const fb_var_screeninfo& mode,
                       ChannelOf(mode.transp),
                       std::nullopt};
   layout.format = FormatOf(layout);
-  // Packing goes by whole words, which three bytes are not.
+  // Packing writes whole words, and three bytes are not one.
   if (!layout.format && bits == 24) return std::nullopt;
   return layout;
 }

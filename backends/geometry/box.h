@@ -55,7 +55,7 @@ struct CopyPlan {
   int srcX, srcY;
 };
 
-/// For `srcRect` that is to come to (toX, toY); its box is empty if there is nothing to copy.
+/// The plan for copying `srcRect` to (toX, toY). Its box is empty if there is nothing to copy.
 inline CopyPlan PlanCopy(int toX, int toY, const Box& target, const VuRect& srcRect,
                          const Box& source) {
   const Box wanted = Intersection(ToBox(srcRect), source);

@@ -7,7 +7,7 @@ namespace ZIRK::backends {
 
 namespace {
 
-/// Cuts the line to the coordinates that can be counted with; false if nothing is left.
+/// Cuts the line to the range of coordinates; false if nothing is left.
 bool CutLine(Point& a, Point& b) {
   const Point d = b - a;
   double first = 0, last = 1;
@@ -20,7 +20,7 @@ bool CutLine(Point& a, Point& b) {
     return true;
   };
   if (!cut(a.x, d.x) || !cut(a.y, d.y) || first > last) return false;
-  // Cut once more for what precision has lost of huge coordinates.
+  // Cut again: huge coordinates lose precision.
   const auto near = [](Point p) {
     return Point{std::clamp(p.x, -kMaxCoordinate, kMaxCoordinate),
                  std::clamp(p.y, -kMaxCoordinate, kMaxCoordinate)};

@@ -50,10 +50,10 @@ struct LineWay {
   int first, count;           ///< Its step, and how many there are.
   int alongX, alongY;         ///< What each step adds,
   int acrossX, acrossY;       ///< and what a step adds as well if it turns().
-  int rest, increment, unit;  ///< `rest` is negative: what is missing until the next such step.
+  int rest, increment, unit;  ///< `rest` is negative: the distance to the next such step.
 
-  /// -1 if this step moves across as well, else 0; to be asked once for each. Branches would be
-  /// guessed wrong at every other turn.
+  /// -1 if this step moves across as well, otherwise 0. Call it once per step. A branch would be
+  /// mispredicted at every other turn.
   int Turns() {
     rest += increment;
     const int turns = ~(rest >> 31);

@@ -13,7 +13,7 @@ constexpr double kTolerance = 1.0 / 512;
 // lies in the middle of a row of pixels to different sides.
 constexpr double kNoise = 1e-6;
 
-/// x * a + y * b + move, where an element that is noise counts as 0.
+/// x * a + y * b + move. An element that is only rounding noise counts as 0.
 double Sum(double x, double a, double y, double b, double move) {
   if (std::abs(a) < kNoise * std::abs(b)) return y * b + move;
   if (std::abs(b) < kNoise * std::abs(a)) return x * a + move;
@@ -36,7 +36,7 @@ bool IsInRange(double v) {
   return std::abs(v) <= kMaxCoordinate;
 }
 
-/// Whether the sides run along the axes, whichever way round.
+/// Whether the sides are parallel to the axes, in either order and direction.
 bool IsAxisAligned(const Affine& a) {
   const bool upright = std::abs(a.dx.y) < kTolerance && std::abs(a.dy.x) < kTolerance;
   const bool turned = std::abs(a.dx.x) < kTolerance && std::abs(a.dy.y) < kTolerance;
@@ -69,7 +69,7 @@ Affine Inverse(const Affine& a) {
   return {linear(a.origin.x, a.origin.y) * -1, linear.dx, linear.dy};
 }
 
-/// Has only the part `u0`..`u1`, `v0`..`v1` of the unit square drawn.
+/// Limits drawing to the part `u0`..`u1`, `v0`..`v1` of the unit square.
 void SetCorners(MappedQuad& p, double u0, double v0, double u1, double v1) {
   p.corners[0] = p.toSurface(u0, v0);
   p.corners[1] = p.toSurface(u1, v0);

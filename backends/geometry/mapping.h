@@ -36,8 +36,8 @@ struct Affine {
   Point operator()(double x, double y) const { return origin + dx * x + dy * y; }
 };
 
-/// Where upright pictures are scaled, positions that ought to lie on the border of two texels lie
-/// this far beyond it, in the direction of reading: more than interpolation loses.
+/// When upright pictures are scaled, positions on the border of two texels are moved this far
+/// beyond it, in the direction of reading: more than interpolation loses.
 constexpr double kTexelBias = 1.0 / 4096;
 
 /// A rectangle in the coordinates of a primitive.
@@ -103,8 +103,8 @@ enum class Edges { OnWholePixels, SubPixel };
 /// asks for it. Nothing for what has no area or is not finite.
 std::optional<MappedQuad> MapRect(const RectD& r, const VuTMatrix2D<float>& m, Edges edges);
 
-/// Fast path for matrices without rotation: the pixels that `r` maps to. Returns nullopt where the
-/// fast path does not apply; `r` may be visible all the same.
+/// Fast path for matrices without rotation: the pixels that `r` maps to. Returns nullopt if the
+/// fast path does not apply; `r` may still be visible.
 std::optional<Box> MapUpright(const RectD& r, const VuTMatrix2D<float>& m);
 
 /// The whole pixels by which `m` moves everything, rounded as MapUpright() rounds. Returns nullopt

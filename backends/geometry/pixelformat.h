@@ -8,7 +8,7 @@
 
 namespace ZIRK::backends {
 
-/// Where a channel lies in a pixel, in bits. No bits: the format does not have the channel.
+/// The position of a channel in a pixel, in bits. No bits: the format does not have the channel.
 struct PixelChannel {
   int shift = 0;
   int bits = 0;

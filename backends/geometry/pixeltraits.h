@@ -9,8 +9,8 @@
 
 namespace ZIRK::backends {
 
-/// One pixel of a format, as premultiplied ARGB8888 and back. Narrow channels are widened by
-/// repeating their bits, and narrowed by dropping the low ones, as Pixman does.
+/// Conversions between a pixel of a format and premultiplied ARGB8888. Narrow channels are widened
+/// by repeating their bits, and narrowed by dropping the low ones, as Pixman does.
 template <VuPixelFormat kFormat>
 struct PixelTraits {
   static constexpr PixelLayout kLayout = PixelLayoutOf(kFormat);
@@ -92,7 +92,7 @@ inline void UnpackRow(VuPixelFormat format, const uint8_t* row, int x, int count
   });
 }
 
-/// The way back.
+/// The reverse conversion.
 inline void PackRow(VuPixelFormat format, const uint32_t* in, int count, uint8_t* row, int x) {
   WithPixelTraits(format, [=](auto traits) {
     using Traits = decltype(traits);

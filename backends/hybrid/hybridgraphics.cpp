@@ -9,7 +9,7 @@ namespace ZIRK::backends {
 
 namespace {
 
-/// Reads screens drawn by OpenGL back, so that they are sources of bitmaps, too.
+/// Reads back screens drawn by OpenGL, so that bitmaps can use them as sources.
 class HybridSourceResolver final : public FbSourceResolver {
  public:
   using FbSourceResolver::FbSourceResolver;
@@ -33,7 +33,7 @@ class HybridSourceResolver final : public FbSourceResolver {
 /// Where a screen shows more by OpenGL than by FB.
 enum class GlUse { Always, WhereFbHasNoDisplay, Never };
 
-/// What draws by the processor is far slower than FB, and what is off-screen is not seen.
+/// OpenGL by the processor is far slower than FB, and an off-screen picture is not visible.
 GlUse UseOf(const GlDevice& device) {
   if (device.IsDriverChosen() || device.WindowsReach() == GlDevice::Reach::WindowSystem)
     return GlUse::Always;
@@ -62,7 +62,7 @@ HybridGraphics::HybridGraphics() : HybridGraphics(MemoryBudget::Create()) {}
 HybridGraphics::HybridGraphics(const std::shared_ptr<MemoryBudget>& budget)
     : FbGraphics(budget, std::make_shared<HybridSourceResolver>(budget, kType)) {}
 
-/// After a loss it starts anew.
+/// After the context was lost, starts a new one.
 std::shared_ptr<TextureCache> HybridGraphics::FindOpenGl(int index, std::string& reason) const {
   if (textures_ && !textures_->Device()->IsLost()) return textures_;
   textures_ = nullptr;

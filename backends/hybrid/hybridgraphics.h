@@ -37,7 +37,7 @@ class HybridGraphics final : public FbGraphics {
   /// screen is worse than it could be; it is empty where FB's is the best.
   std::shared_ptr<TextureCache> FindOpenGl(int index, std::string& reason) const;
 
-  mutable std::shared_ptr<TextureCache> textures_;  ///< Null as long as there is no OpenGL.
+  mutable std::shared_ptr<TextureCache> textures_;  ///< Null until OpenGL is started.
   /// What OpenGL would draw by, once it was found to serve worse than FB.
   mutable std::optional<std::string> whyFb_;
 };

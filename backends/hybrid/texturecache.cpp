@@ -15,7 +15,7 @@ namespace ZIRK::backends {
 
 namespace {
 
-/// Guards who knows whom of bitmaps and their textures.
+/// Guards the links between bitmaps and their textures.
 std::mutex mutex;
 static_assert(std::is_trivially_destructible_v<std::mutex>);
 

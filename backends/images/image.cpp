@@ -57,8 +57,8 @@ class StoredRows {
  public:
   StoredRows(ImageCodec& codec)
       : width_(codec.Width()),
-        // Sides are limited, so the product fits. Left as it comes: a broken picture of which the
-        // header claims much never touches it.
+        // Sides are limited, so the product fits. Not initialised: a broken picture whose header
+        // claims a large size never touches it.
         pixels_(new uint32_t[static_cast<size_t>(codec.Width()) *
                              static_cast<size_t>(codec.Height())]) {}
 

@@ -10,12 +10,12 @@
 namespace ZIRK::backends {
 
 /// Reads one picture of one file format. Rows are premultiplied ARGB8888, top row first. After an
-/// operation has returned false there is only Error() to ask for.
+/// operation returns false, only Error() may be called.
 class ImageCodec {
  public:
   virtual ~ImageCodec() = default;
 
-  /// Reads as far as the size; comes first.
+  /// Reads up to the picture's size. Call it first.
   virtual bool ReadHeader() = 0;
   int Width() const { return width_; }
   int Height() const { return height_; }

@@ -36,7 +36,7 @@ void CmykToArgb(uint32_t* row, int width, uint8_t flip) {
   }
 }
 
-/// Warnings after which the picture has holes. The others concern data that nobody needs.
+/// Warnings after which the picture has holes. The others concern data that is not used.
 bool IsDamage(int messageCode) {
   switch (messageCode) {
     case JWRN_ARITH_BAD_CODE:

@@ -65,7 +65,7 @@ class PngCodec final : public ImageCodec {
   }
 
  private:
-  /// Every colour type and depth comes out as four bytes per pixel.
+  /// Converts every colour type and depth to four bytes per pixel.
   void Begin() {
     png_set_expand(png_);
     png_set_scale_16(png_);

@@ -34,7 +34,7 @@ class NarrowedRows {
     return line.data();
   }
 
-  /// Reads what nobody asked for, so that damage is found wherever it is.
+  /// Reads the rows that were not needed, so that damage is found wherever it is.
   bool Drain(int count) {
     for (; rowsRead_ < count; ++rowsRead_)
       if (!nextRow_(row_.data())) return false;
@@ -103,7 +103,7 @@ void AxisFilter::AddNearest(AxisFit fit, int i) {
   Add(kWhole);
 }
 
-/// Between the centres of two neighbours. Beyond the outermost centres the edge goes on as it is.
+/// Between the centres of two neighbours. Beyond the outermost centres the edge's colour continues.
 void AxisFilter::AddLinear(AxisFit fit, int i) {
   const int64_t unit = 2 * int64_t{fit.wanted};
   const int64_t centre = (2 * int64_t{i} + 1) * fit.length - fit.wanted;

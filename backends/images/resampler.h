@@ -19,8 +19,8 @@ struct AxisFit {
 
 /// For each of an axis's pixels the pixels that it is made of, and their shares.
 ///
-/// Shares of a pixel are never negative and add up to exactly kWhole: a flat colour stays what it
-/// is, nothing rings, and no colour channel outgrows its alpha.
+/// Shares of a pixel are never negative and add up to exactly kWhole: a flat colour stays
+/// unchanged, nothing rings, and no colour channel exceeds its alpha.
 class AxisFilter {
  public:
   static constexpr uint32_t kWhole = 65536;
@@ -55,10 +55,9 @@ class AxisFilter {
   std::vector<uint32_t> shares_;
 };
 
-/// Brings a picture that arrives row by row to another size, and fills `target` with it. Holds no
-/// more than a few rows. `nextRow` is asked for every row; false from it ends the work. With
-/// Bilinear, what becomes larger is interpolated and what becomes smaller is averaged over the
-/// area that each pixel covers.
+/// Scales a picture that arrives row by row, and fills `target` with it. Keeps only a few rows.
+/// `nextRow` is called for every row; it returns false to stop. With Bilinear, an enlarged picture
+/// is interpolated, and a reduced one is averaged over the area that each pixel covers.
 bool Resample(AxisFit horizontal, AxisFit vertical, VuScaleMode mode,
               const std::function<bool(uint32_t*)>& nextRow, const PixelRows& target);
 

@@ -22,8 +22,8 @@ namespace ZIRK::backends {
 
 class GlWindow;
 
-/// What a surface is drawn on, and the drawing operations. Sources and masks are never what is
-/// drawn on: who calls has made a snapshot if they were.
+/// The target of a surface's drawing, and the drawing operations. Sources and masks are never the
+/// target: the caller makes a snapshot where they would be.
 class GlCanvas {
  public:
   using Source = backends::Source<GlTexture>;
@@ -53,8 +53,8 @@ class GlCanvas {
   void DrawObject(const RectD& dst, const Source& src, const RectD& srcRect, Edges edges,
                   const MatrixF& m, VuColor color, const Mask* mask);
 
-  /// The usual cases, worked out quickly; false, with nothing drawn, in any other. Rectangles come
-  /// by value, in registers: through memory each would be waited for.
+  /// Fast paths for the usual cases; return false, with nothing drawn, in any other. Rectangles are
+  /// passed by value so that they stay in registers.
   bool FillBox(VuRect rect, VuColor color);
   bool BlitBox(VuRect dst, Source src, VuRect srcRect, const MatrixF& m, VuColor color);
 

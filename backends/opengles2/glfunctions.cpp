@@ -11,7 +11,7 @@ namespace {
 
 constexpr char kSdlLibrary[] = "libSDL2-2.0.so.0";
 
-/// SDL stays open: threads of its own may run until the process ends.
+/// SDL stays open, since its threads may run until the process ends.
 void* SdlLibrary() {
   static void* const library = dlopen(kSdlLibrary, RTLD_LAZY | RTLD_LOCAL);
   return library;

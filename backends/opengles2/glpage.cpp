@@ -92,7 +92,7 @@ void GlPage::Free(const Box& place) {
   try {
     packer_.freeRects.push_back({place.x0, place.y0, place.Width(), place.Height()});
   } catch (const std::bad_alloc&) {
-    // It stays unused until the page is deleted.
+    // The place stays unused until the page is deleted.
   }
 }
 

@@ -118,7 +118,7 @@ void main() {
   float amount = 1.0;
 #ifdef SHAPED
   amount = covered(place);
-  // What is not covered stays as it is even where blending is off.
+  // Pixels without coverage stay unchanged even with blending off.
   if (amount < 0.00196) discard;
   textured = step(0.0, limit.x);
   at = clamp(at, limit.xy, limit.zw);
@@ -265,7 +265,7 @@ void GlPrograms::Use(const GlFunctions& gl, GlProgram program, const GlTarget& t
                                        t ? 1 / static_cast<float>(t->Height()) : 1};
     if (uniform.Changes(size)) gl.Uniform2fv(uniform.location, 1, size.data());
   };
-  // Without a texture any size is right, but one has to be set.
+  // Without a texture any size is right, but one must be set.
   if (texture || !p.texelSize.value) setTexelSize(p.texelSize, texture);
   if (mask) {
     setTexelSize(p.maskTexelSize, mask);

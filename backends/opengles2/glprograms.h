@@ -72,7 +72,7 @@ class GlPrograms {
   /// quadrilaterals of one colour.
   void Use(const GlFunctions& gl, GlProgram program, const GlTarget& target,
            const GlTexture* texture, bool colors, const GlTexture* mask);
-  /// Sets where the attributes lie in the bound buffer, which has to be the same one always.
+  /// Sets the places of the attributes in the bound buffer, which must always be the same one.
   void SetAttributes(const GlFunctions& gl, GlProgram program);
 
  private:

@@ -77,7 +77,7 @@ void Blender::Run(const PixelSpan& span, Kernels::Operator op) const {
     kernels_.fill[op][covered](span);
 }
 
-/// Null where there is none.
+/// Null if there is none.
 Kernels::SpanKernel Blender::KernelFor565(const PixelSpan& span, Kernels::Operator op) const {
   const bool covered = span.coverage != nullptr;
   if (!span.src) return kernels_.fill565[op][covered];
@@ -119,7 +119,7 @@ void Blender::Draw(const Box& box, PixelSpan& shading, bool opaque) {
   }
 }
 
-/// Part of one row, by way of pixels that the kernels know.
+/// Draws a part of one row, converted to pixels that the kernels know and back.
 void Blender::DrawIndirect(int x, int y, PixelSpan span, bool opaque) {
   uint32_t shaded[kChunk];
   uint32_t pixels[kChunk];

@@ -10,9 +10,9 @@
 
 namespace ZIRK::backends {
 
-/// Puts shaded pixels onto a surface as its state says.
+/// Blends shaded pixels onto a surface as its state specifies.
 ///
-/// Where a source is said to be opaque, it is so in every pixel, and covers every pixel wholly.
+/// A source that is passed as opaque is opaque in every pixel, and covers every pixel completely.
 class Blender {
  public:
   explicit Blender(PixelBuffer& target)
@@ -21,7 +21,7 @@ class Blender {
   /// Takes the blending function from `state`. Comes before everything else.
   void Update(const SurfaceState& state);
 
-  /// The operator that does, where one does.
+  /// The operator that has the same effect as the factors, if there is one.
   std::optional<Kernels::Operator> Operator(bool opaque) const {
     return factors_ ? std::nullopt : std::optional(Simplified(opaque));
   }
@@ -69,7 +69,7 @@ class Blender {
   const Kernels& kernels_;
   const uint32_t opaqueBits_;
   bool isDirect_ = false;     ///< Onto 32-bit pixels,
-  bool isDirect565_ = false;  ///< or onto RGB565, as far as there are kernels.
+  bool isDirect565_ = false;  ///< or onto RGB565, where there are kernels.
   Kernels::Operator operator_ = Kernels::Source;
   std::optional<BlendFactors> factors_;  ///< Set where neither operator will do.
   uint32_t blendColor_ = 0;

@@ -44,7 +44,7 @@ QuadCoverage::Columns QuadCoverage::AddEdge(const Edge& edge, double top, double
   const double x = edge.x0 - limits_.x0;
   const auto [left, right] =
       std::minmax({x + (top - edge.y0) * edge.slope, x + (bottom - edge.y0) * edge.slope});
-  // Conversions truncate, which is down for what is not negative.
+  // Conversions truncate, which rounds down, as nothing here is negative.
   const double width = limits_.Width();
   const int begin = static_cast<int>(std::clamp(left, 0.0, width));
   const double last = std::clamp(right, 0.0, width);

@@ -13,7 +13,7 @@ namespace ZIRK::backends {
 class QuadCoverage {
  public:
   /// One row: pixels `begin` to `end` are touched; `solidBegin` to `solidEnd`, which may be empty,
-  /// are wholly inside. All have their coverage in Alpha().
+  /// are completely inside. All have their coverage in Alpha().
   struct Row {
     int begin, solidBegin, solidEnd, end;
   };

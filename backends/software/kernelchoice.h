@@ -21,7 +21,8 @@ std::span<const KernelLevel> RunnableKernels();
 /// warning.
 const KernelLevel& ChooseKernels(const char* wanted);
 
-/// What is in use: ChooseKernels() with ZIRK_CPU from the environment, as it is when first asked.
+/// What is in use: ChooseKernels() with the value that ZIRK_CPU has in the environment at the first
+/// call.
 const KernelLevel& ChosenKernels();
 
 inline const Kernels& BestKernels() {

@@ -20,7 +20,7 @@ namespace {
 /// Stores what `compute(x, y, pixels, v)` puts into the vector `v` for all pixels of the span;
 /// where it returns false they stay as they are.
 ///
-/// The last vector of a row overlaps the one before: it is computed first, from what was there.
+/// The last vector of a row overlaps the one before. It is computed first, from the old pixels.
 /// Where memory is only written, `aligned` has the vectors start on their own boundaries: stores
 /// that straddle two cache lines are what such a loop spends its time on.
 template <typename F>

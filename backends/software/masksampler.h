@@ -13,7 +13,7 @@ namespace ZIRK::backends {
 class MaskSampler {
  public:
   /// `coords` are the mask's positions at the four corners of the unit square of `quad`; null
-  /// lays the mask over it. Only the pixels of `area` will be asked for. Nothing if a coordinate
+  /// lays the mask over it. Only the pixels of `area` may be requested. Nothing if a coordinate
   /// is not finite.
   static std::optional<MaskSampler> Create(const Source<const PixelBuffer>& mask,
                                            const VuTVector2D<float>* coords, const MappedQuad& quad,
@@ -36,7 +36,7 @@ class MaskSampler {
 
   SourceSampler texture_;
   MappedMask place_;
-  bool hasCrossTerm_;  ///< Positions cannot be told by `place_.toMask` alone.
+  bool hasCrossTerm_;  ///< `place_.toMask` alone does not give the positions.
 };
 
 /// A mask read position by position.

@@ -18,19 +18,20 @@
 
 namespace ZIRK::backends {
 
-/// The drawing operations on pixels in memory. Sources and masks are not the target: who calls has
-/// made a copy if they were.
+/// The drawing operations on pixels in memory. Sources and masks are never the target: the caller
+/// makes a copy where they would be.
 class Painter {
  public:
   using Source = backends::Source<const PixelBuffer>;
   using Mask = backends::Mask<const PixelBuffer>;
 
-  /// Both live as long as the painter; operations go by what `state` is at the time.
+  /// Both live as long as the painter; operations use the values of `state` at the time.
   Painter(PixelBuffer& target, const SurfaceState& state);
 
   void DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m, const Mask* mask);
   void DrawLine(VuPoint from, VuPoint to, VuColor color, const MatrixF& m, const Mask* mask);
-  /// A rectangle of one colour, with its edges on whole pixels where it comes out axis-aligned.
+  /// A rectangle of one colour. If it is axis-aligned on the surface, its edges are on whole
+  /// pixels.
   void DrawRect(const RectD& rect, VuColor color, const MatrixF& m, const Mask* mask);
   /// The part `srcRect` of `src` in the place of `dst`.
   void DrawObject(const RectD& dst, const Source& src, const RectD& srcRect, Edges edges,
@@ -44,7 +45,7 @@ class Painter {
   /// The pixels that may have changed since the last TakeTouched().
   const Box& Touched() const { return touched_; }
   Box TakeTouched() { return std::exchange(touched_, Box()); }
-  /// Counts pixels that somebody else changed.
+  /// Records pixels that were changed from outside.
   void Touch(const Box& box) {
     if (!touched_.Contains(box)) touched_ = Union(touched_, box);
   }
@@ -52,7 +53,7 @@ class Painter {
  protected:
   // For a renderer that draws glyphs itself.
 
-  /// Comes first: takes over what has changed of the state.
+  /// Applies changes of the state. Call it before drawing.
   void Refresh() {
     if (revision_.CatchUp()) TakeState();
   }

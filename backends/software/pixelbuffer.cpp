@@ -20,7 +20,7 @@ std::optional<PixelBuffer> PixelBuffer::TryCreate(int width, int height, VuPixel
   return std::nullopt;
 }
 
-/// Takes memory of the buffer's own. False if there is none.
+/// Allocates memory that the buffer owns. False if there is none.
 bool PixelBuffer::Allocate(Contents contents) {
   const auto rows = static_cast<size_t>(height_), pitch = static_cast<size_t>(pitch_);
   // Less than 4 GiB, as every surface.

@@ -13,7 +13,7 @@
 
 namespace ZIRK::backends {
 
-/// The pixels of a surface in memory, its own or somebody else's, premultiplied. The X byte of
+/// The pixels of a surface in memory, owned or borrowed, premultiplied. The X byte of
 /// XRGB8888 is always 255, so that its pixels are also opaque ARGB8888 ones.
 class PixelBuffer {
  public:
@@ -29,13 +29,13 @@ class PixelBuffer {
   /// out.
   static std::optional<PixelBuffer> TryCreate(int width, int height, VuPixelFormat format);
 
-  /// Pixels in memory that belongs to somebody else, none at first: PlaceAt() says where they are.
+  /// A buffer for borrowed pixels. It has none until PlaceAt() is called.
   static PixelBuffer Elsewhere(int width, int height, VuPixelFormat format) {
     return PixelBuffer(width, height, format, 0);
   }
-  /// Where the pixels are from now on: rows `pitch` bytes apart, aligned as the format's pixels
-  /// are. It is up to the owner that the X bytes of XRGB8888 are 255; see RestoreOpaqueBits().
-  /// Pixels of the buffer's own are let go of.
+  /// Borrows the pixels at this address: rows `pitch` bytes apart, aligned as the format's pixels
+  /// are. Their owner keeps the X bytes of XRGB8888 at 255; see RestoreOpaqueBits(). The buffer
+  /// releases pixels that it owns.
   void PlaceAt(void* pixels, int pitch) {
     pixels_ = static_cast<uint8_t*>(pixels);
     pitch_ = pitch;
@@ -59,13 +59,13 @@ class PixelBuffer {
   ptrdiff_t Pitch32() const { return pitch_ / 4; }
   /// What to set in every pixel stored, to keep the X byte.
   uint32_t OpaqueBits() const { return PixelLayoutOf(format_).unusedBits; }
-  /// Sets the X bytes again after somebody else wrote into `box`.
+  /// Sets the X bytes again after `box` was written from outside.
   void RestoreOpaqueBits(const Box& box);
 
   /// Whether every pixel is opaque by its format.
   bool IsOpaque() const { return !PixelLayoutOf(format_).HasAlpha(); }
 
-  /// The same memory as Pixman's image, made when first asked for; null if memory runs out.
+  /// The same memory as an image of Pixman, created by the first call; null if memory runs out.
   pixman_image_t* Image() const;
 
  private:

@@ -70,7 +70,7 @@ void SampleAny(const PixelBuffer& pixels, const SampleRow& s, bool bilinear, int
   }
 }
 
-/// Whether a value that ought to be `whole` is, for the precision of bilinear weights.
+/// Whether a value equals `whole` within the precision of bilinear weights.
 bool AlmostEqual(double v, double whole) {
   return std::abs(v - whole) < 1.0 / 512;
 }

@@ -19,7 +19,7 @@ constexpr int kChunk = kSampleLimit;
 class SourceSampler {
  public:
   /// `limits` is what may be read, `toTexture` takes positions on the destination to positions in
-  /// `pixels`. Only the pixels of `area` will be asked for.
+  /// `pixels`. Only the pixels of `area` may be requested.
   SourceSampler(const PixelBuffer& pixels, const Box& limits, VuScaleMode mode,
                 const Affine& toTexture, const Box& area);
 

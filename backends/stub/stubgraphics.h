@@ -6,7 +6,7 @@
 
 namespace ZIRK::backends {
 
-/// A context whose surfaces remember everything but pixels.
+/// A context whose surfaces store their state, but no pixels.
 class StubGraphics final : public GraphicsBase {
  public:
   using GraphicsBase::GraphicsBase;

@@ -4,13 +4,13 @@
 #include <memory>
 #include <new>
 
-// Memory that drawing takes on its way. An application expects no exception from an operation of a
-// surface, so renderers allocate by what stands here, or catch std::bad_alloc where a library
-// throws it, and do nothing more if memory runs out.
+// Temporary memory for drawing. The operations of a surface throw no exceptions, so renderers
+// allocate with these functions, or catch std::bad_alloc where a library throws it, and do nothing
+// more if memory runs out.
 
 namespace ZIRK::backends {
 
-/// Writes the error line for it. Returns false.
+/// Logs that there is no memory to draw with. Returns false.
 bool ReportNoMemory();
 
 /// `count` values, not initialised. Null after the error line if memory runs out.
@@ -21,7 +21,7 @@ std::unique_ptr<T[]> AllocateToDraw(size_t count) {
   return memory;
 }
 
-/// Memory to work in that is kept from one operation to the next.
+/// Working memory that is kept from one operation to the next.
 template <class T>
 class WorkMemory {
  public:

@@ -6,8 +6,8 @@
 
 namespace ZIRK::backends {
 
-/// Adds the time of the scope it stands in to `draw_time` or `swap_time` while LogPerf is set.
-/// Of timers inside one another, in one thread, only the outermost counts.
+/// Adds the time of its scope to `draw_time` or `swap_time` while LogPerf is set. Of nested timers
+/// in one thread, only the outermost counts.
 class DrawTimer {
  public:
   static DrawTimer Drawing() { return DrawTimer(false); }
@@ -33,8 +33,8 @@ class DrawTimer {
     if (LogPerf) Start(swapping);
   }
 
-  // Apart: to find out where a thread's own variables lie takes longer than a small operation, and
-  // compilers like to do that beforehand.
+  // Separate: computing the address of thread-local variables takes longer than a small operation,
+  // and compilers tend to do it in advance.
   [[gnu::cold, gnu::noinline]] void Start(bool swapping) {
     static thread_local Thread thread = {};
     ++thread.depth;

@@ -23,7 +23,7 @@ T* AsOwn(VuBitmapImpl* surface) {
     return static_cast<T*>(surface);
 }
 
-/// Says that a surface that is not own is no source; false.
+/// Logs that a surface of another backend cannot be read. Returns false.
 inline bool RefuseSource() {
   ZIRK_LOG_ERROR("a surface of another backend can be neither source nor mask");
   return false;

@@ -9,32 +9,32 @@
 #include "surface/operands.h"
 #include "surface/surfacestate.h"
 
-// What a renderer has to offer to the Surface that it draws. Renderers list the operations in this
-// order and under these headings.
+// The operations that a Surface requires of its renderer. Renderers declare them in this order and
+// under these headings.
 //
 // - Its constructor takes the `const SurfaceState&` of the surface before anything else. The state
-//   outlives the renderer, and operations go by what it is at the time of the call.
+//   outlives the renderer, and operations use its values at the time of the call.
 // - A renderer may rely on its surface to call one operation at a time, with pointers that are not
-//   null and, for pixels, boxes that lie on the surface. What is drawn is the application's own:
-//   it may be empty, inverted, far away or not finite.
-// - An operation that fails does nothing more, after an error line. None throws.
+//   null and, for pixels, boxes that lie on the surface. Primitives come from the application
+//   unchecked: they may be empty, inverted, far away or not finite.
+// - An operation that fails logs an error and does nothing more. None throws.
 
 namespace ZIRK::backends {
 
 // --- Reading ------------------------------------------------------------------------------------
 //
-// `R::Pixels` is the form in which the renderer reads surfaces, `R::SourceCopy` holds what is read
-// in place of one; by default nothing.
+// `R::Pixels` is the type by which the renderer reads surfaces. `R::SourceCopy` holds a copy that
+// is read in place of a surface, and is empty by default.
 
 template <class R>
 concept ReadsSurfaces = requires(R& renderer, VuBitmapImpl& surface, RectD* part,
                                  Source<typename R::Pixels>& source, typename R::SourceCopy& copy) {
   requires std::default_initializable<typename R::SourceCopy>;
 
-  /// Finds what `surface` is read from. If that is the renderer's own surface, or one that cannot
-  /// be read in place, the pixels that `part` touches are copied into `copy`, and `part` is moved
-  /// by as much as they were; all pixels are if it is null. False if there is nothing to read, with
-  /// an error line unless `part` touches no pixel.
+  /// Finds the pixels to read for `surface`. If it is the renderer's own surface, or cannot be read
+  /// in place, copies the pixels that `part` touches (all of them if it is null) into `copy`, and
+  /// rebases `part` to the copy. Returns false if there is nothing to read, with an error line
+  /// unless `part` touches no pixel.
   { renderer.Resolve(surface, part, source, copy) } -> std::same_as<bool>;
 };
 
@@ -49,8 +49,8 @@ concept DrawsPrimitives = requires(R& renderer, VuPoint point, float size, VuRec
                                    const TextArguments& text, VuColor color, const MatrixF& matrix,
                                    const Source<typename R::Pixels>& source,
                                    const Mask<typename R::Pixels>* mask) {
-  /// The usual rectangle, by the identity and without a mask, worked out quickly. False, with
-  /// nothing drawn, if it has to go by way of DrawRect().
+  /// Fast path for a rectangle with the identity and without a mask. Returns false, with nothing
+  /// drawn, if DrawRect() must draw it.
   { renderer.FillBox(rect, color) } -> std::same_as<bool>;
 
   /// The same for the part of a surface, through any matrix. False also for a surface that
@@ -114,7 +114,7 @@ concept EndsFrames = requires(R& renderer, const R& constant, const char* name) 
   /// Returns when all drawing is done.
   { renderer.Finish() } -> std::same_as<void>;
 
-  /// Sends what has been drawn, and does not wait for it.
+  /// Submits pending drawing without waiting for it.
   { renderer.Flush() } -> std::same_as<void>;
 
   /// A name for debuggers, null for none. It is valid during the call.

@@ -17,15 +17,14 @@
 
 namespace ZIRK::backends {
 
-/// What all surfaces do alike, on top of `Base`, which is VuBitmapImpl for a bitmap and
-/// VuScreenImpl for a screen: it keeps the state, turns arguments into a renderer's, finds the
-/// surfaces that an operation reads, keeps count of locks and takes the time. `Renderer` does the
-/// rest.
+/// The part that all surfaces share, on top of `Base`, which is VuBitmapImpl for a bitmap and
+/// VuScreenImpl for a screen. It keeps the state, converts arguments to those of a renderer, finds
+/// the surfaces that an operation reads, tracks locks and measures time. `Renderer` does the rest.
 template <class Base, SurfaceRenderer Renderer>
 class Surface : public Base {
  public:
   /// `reservation` is the memory of the surface in the budget of its context; it is not null.
-  /// `arguments` are those that the renderer takes after the state.
+  /// `arguments` are passed to the renderer's constructor after the state.
   template <typename... Arguments>
   Surface(std::unique_ptr<MemoryBudget::Reservation> reservation, int width, int height,
           VuPixelFormat format, Arguments&&... arguments)
@@ -195,7 +194,7 @@ class Surface : public Base {
   using Pixels = typename Renderer::Pixels;
   enum class Locked { No, ForReading, ForWriting };
 
-  // The usual transform is not made into a matrix each time.
+  // The usual transform needs no conversion to a matrix.
   static inline const MatrixF kIdentity;
   static bool IsIdentity(const VuTransform& t) {
     return t.translateX == 0 && t.translateY == 0 && t.scaleX == 1 && t.scaleY == 1 &&
@@ -240,7 +239,7 @@ class Surface : public Base {
     ++state_.revision;
   }
 
-  // Apart, for the usual cases to need few registers.
+  // Separate, so that the usual cases need few registers.
   [[gnu::noinline]] void DrawSource(const RectD& dst, VuBitmapImpl& src, RectD srcRect, Edges edges,
                                     const MatrixF& m, VuColor color, VuBitmapImpl* mask,
                                     const VuTVector2D<float>* maskCoords) {

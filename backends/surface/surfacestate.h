@@ -8,7 +8,7 @@
 
 namespace ZIRK::backends {
 
-/// What a surface remembers between drawing calls, apart from its pixels.
+/// The state of a surface between drawing calls, besides its pixels.
 struct SurfaceState {
   int width;
   int height;
@@ -19,11 +19,11 @@ struct SurfaceState {
   VuColor blendColor{0};
   VuScaleMode scaleMode = VuScaleMode::Nearest;
 
-  /// Goes up with every change of what is above; see SeenRevision.
+  /// Incremented with every change of the fields above; see SeenRevision.
   unsigned revision = 0;
 };
 
-/// The revision of a surface's state that something derived from it is up to.
+/// The revision of a surface's state that derived data is based on.
 class SeenRevision {
  public:
   /// `state` lives as long.
@@ -35,7 +35,7 @@ class SeenRevision {
     seen_ = state_.revision;
     return true;
   }
-  /// Has the next CatchUp() return true.
+  /// Makes the next CatchUp() return true.
   void Forget() { seen_ = state_.revision - 1; }
 
  private:

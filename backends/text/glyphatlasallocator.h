@@ -22,18 +22,18 @@ class GlyphAtlasAllocator : public VuGraphicsImpl,
   GlyphAtlasAllocator(std::shared_ptr<MemoryBudget> budget, int graphicsType);
   ~GlyphAtlasAllocator() override;
 
-  /// The allocator at the address that an atlas has of it: usually this one, otherwise that of
-  /// another context. Null, after an error line, if it is of another plug-in or has gone.
+  /// The allocator at the address that an atlas stores: usually this one, otherwise that of another
+  /// context. Null, after an error line, if it belongs to another plug-in or was deleted.
   std::shared_ptr<GlyphAtlasAllocator> FindOwner(const VuGraphicsImpl* owner);
 
-  /// Held while text is drawn from one of the atlases.
+  /// Locked while text is drawn from one of the atlases.
   std::mutex& DrawingMutex() { return drawingMutex_; }
 
-  // What an atlas asks for.
+  // The operations that an atlas uses.
   VuBitmapImpl* CreateBitmap(int width, int height, VuPixelFormat format) final;
   int GetGraphicsType() const final { return graphicsType_; }
 
-  // The rest of what a context offers. No atlas asks for it.
+  // The other operations of a context. No atlas uses them.
   VuScreenImpl* CreateScreen(bool) final { return nullptr; }
   VuScreenImpl* CreateScreen(const VuScreenDescription&) final { return nullptr; }
   VuBitmapImpl* CreateBitmapFromFile(const char*) final { return nullptr; }

@@ -14,7 +14,7 @@
 
 namespace ZIRK::backends {
 
-/// What the glyphs of a line have in common.
+/// The properties that the glyphs of a line share.
 template <class Pixels>
 struct LineStyle {
   VuColor color;
@@ -33,7 +33,7 @@ struct LineStyle {
 template <class Renderer, class Pixels>
 class TextDrawing {
  public:
-  /// Only one thread at a time draws from an atlas. A font whose atlas another plug-in has made
+  /// Only one thread at a time draws from an atlas. A font whose atlas was made by another plug-in
   /// draws nothing, after an error line.
   void DrawText(const TextArguments& text, VuColor color, const MatrixF& m,
                 const Mask<Pixels>* mask);

@@ -23,9 +23,9 @@ namespace ZIRK::backends {
 /// Lays out one line of text: which parts of the font's atlas go where, in the text's own
 /// coordinates.
 ///
-/// A glyph is drawn before the next one is asked for, since that one may move the atlas to another
-/// bitmap, or empty it. A glyph for which a full atlas has no room has a bitmap of its own. All
-/// that draw from one atlas take turns, a line at a time.
+/// The caller draws a glyph before it requests the next one, which may move the atlas to another
+/// bitmap, or empty it. A glyph without room in a full atlas has a bitmap of its own. Threads that
+/// draw from one atlas take turns, a line at a time.
 class TextLayout {
  public:
   struct Glyph {
@@ -37,15 +37,15 @@ class TextLayout {
   /// `graphics` makes the font's atlas if it has none yet. May throw std::bad_alloc.
   TextLayout(const TextArguments& arguments, VuGraphicsImpl* graphics);
 
-  /// What made the font's atlas; null if there is nothing to draw. It may have gone if the atlas
-  /// has no bitmap.
+  /// The maker of the font's atlas; null if there is nothing to draw. If the atlas has no bitmap,
+  /// the maker may be deleted already.
   VuGraphicsImpl* Owner() const;
 
   /// The line, as wide as it is measured.
   VuRect Box() const;
 
-  /// The next glyph that has pixels to draw, false at the end. Where Owner() is null it is not
-  /// asked for. May throw std::bad_alloc.
+  /// Stores the next glyph that has pixels to draw; false at the end. Do not call it if Owner() is
+  /// null. May throw std::bad_alloc.
   bool Next(Glyph& placed) {
     while (const ZIRK::Glyph* const glyph = font_->NextGlyph(cursor_, true))
       if (Place(*glyph, placed)) return true;
@@ -70,7 +70,7 @@ class TextLayout {
                           glyph.height};
     return !clip_ || CutToClip(placed);
   }
-  /// Whether the extent's end, too, is a position that exists.
+  /// Whether the extent's end is in the range of coordinates too.
   static bool Fits(int64_t start, int extent) {
     return start >= std::numeric_limits<int32_t>::min() &&
            start + extent <= std::numeric_limits<int32_t>::max();

@@ -147,9 +147,9 @@ double Factor(VuBlendingFactor f, size_t c, const Channels& s, const Channels& d
   return index < std::size(values) ? values[index] : 0;
 }
 
-/// Makes the bitmaps of glyph atlases. A font keeps its atlas's maker, and may outlive the context
-/// that it was first drawn in, so this one stays for good: it lies where nothing destroys it, since
-/// a plug-in has no static objects with destructors.
+/// Makes the bitmaps of glyph atlases. A font keeps a pointer to the maker of its atlas, and may
+/// outlive the context that it was first drawn in. The maker is therefore never destroyed: a
+/// plug-in has no static objects with destructors.
 Graphics& AtlasMaker() {
   alignas(Graphics) static unsigned char room[sizeof(Graphics)];
   static Graphics* const maker = new (room) Graphics;
@@ -460,9 +460,9 @@ void Surface::DrawObject(VuTRect2D<float> dst, VuBitmapImpl* src, VuTRect2D<floa
 // -----------------------------------------------------------------------------------------
 
 //! [text]
-/// The font walks along the line and renders each glyph into its atlas, a surface of ours; a glyph
-/// is then a blit of its part of the atlas. It is drawn before the next one is asked for, which may
-/// move the atlas to a larger surface.
+/// The font walks along the line and renders each glyph into its atlas, which is one of this
+/// backend's surfaces; a glyph is then a blit from the atlas. It is drawn before the next one is
+/// requested, which may move the atlas to a larger surface.
 void Surface::DrawText(VuFontImpl* font, const char* text, VuPoint pos, VuColor color, Matrix m,
                        VuBitmapImpl* mask, VuTVector2D<float>* coords, VuRect rect) try {
   const auto* const face = dynamic_cast<const VuFontAtlas*>(font);

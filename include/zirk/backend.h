@@ -10,8 +10,8 @@
 ///     extern "C" ZIRK_API void DestroyVuGraphics(void* graphics);
 ///
 /// A compositor plug-in exports "CreateVuCompositor" and "DestroyVuCompositor" of the same shapes.
-/// Either may export the number of the interface that it was built for, as `zirk_add_backend()` has
-/// it do: see <zirk/backendinterface.h>.
+/// Both may export the number of the interface that they were built for, which `zirk_add_backend()`
+/// adds: see <zirk/backendinterface.h>.
 
 #include <zirk/backendinterface.h>
 #include <zirk/impl/log.h>

@@ -9,12 +9,12 @@
 
 namespace ZIRK {
 
-/// Goes up with each change after which older plug-ins do not fit the library any more.
+/// The interface's number. It increases with each change that older plug-ins are incompatible with.
 constexpr uint32_t kBackendInterface = 1;
 
 }  // namespace ZIRK
 
-/// The number that a plug-in was built for. The library refuses a plug-in of another number, and
-/// takes one that does not export this to be of its own. Defined by `zirk_add_backend()` in each
-/// plug-in, and nowhere in the library.
+/// The number that a plug-in was built for. `zirk_add_backend()` defines it in each plug-in; the
+/// library does not define it. The library rejects a plug-in with another number, and accepts one
+/// that does not export this.
 extern "C" ZIRK_API const uint32_t ZIRKBackendInterface;

@@ -4,13 +4,13 @@
 #include <optional>
 
 /// @file
-/// The backends that the library knows by name. GraphicsImplLoader::SetupGfxImpl() adds others at
-/// run time.
+/// The backends that the library knows by name. GraphicsImplLoader::SetupGfxImpl() adds more at run
+/// time.
 
 namespace ZIRK {
 
-/// What VuGraphics::GetGraphicsType() returns for the library's own backends. Backends of others
-/// return other numbers.
+/// The values of VuGraphics::GetGraphicsType() for ZIRK's own backends. Third-party backends return
+/// other numbers.
 enum class BackendType : int32_t {
   OpenGLES2 = 1,  ///< Draws by OpenGL ES 2.
   DirectFB = 2,   ///< Draws by DirectFB.
@@ -20,14 +20,14 @@ enum class BackendType : int32_t {
 };
 
 /// The number that VuGraphics::GetGraphicsType() returns for `type`.
-constexpr int TypeCode(BackendType type) {
+[[nodiscard]] constexpr int TypeCode(BackendType type) {
   return static_cast<int>(type);
 }
 
-/// What the library knows of a plug-in before it opens it.
+/// The facts about a plug-in that the library knows before it opens it.
 struct BackendRecord {
-  const char* name;                 ///< What VuGraphics::Create() takes, here in its own spelling.
-  std::optional<BackendType> type;  ///< Nothing for a compositor, which is no graphics backend.
+  const char* name;                 ///< Argument of VuGraphics::Create(), in its exact spelling.
+  std::optional<BackendType> type;  ///< Empty for a compositor, which is not a graphics backend.
   const char* dso;                  ///< File name of the plug-in, without directory.
   const char* createSymbol;         ///< Entry point `void* (bool)`.
   const char* destroySymbol;        ///< Entry point `void (void*)`.
@@ -36,10 +36,10 @@ struct BackendRecord {
   bool lookOnDisk;    ///< Whether VuGraphics::HasBackend() looks for the file.
 
   /// Whether the plug-in makes graphics contexts; it makes compositors otherwise.
-  constexpr bool IsGraphics() const { return type.has_value(); }
+  [[nodiscard]] constexpr bool IsGraphics() const { return type.has_value(); }
 };
 
-/// Every plug-in that the library enters at start, in that order.
+/// Every plug-in that the loader's table has at the start, in this order.
 inline constexpr BackendRecord kBackendTable[] = {
     {"OpenGLES2", BackendType::OpenGLES2, "libZIRKImplOpenGL.so", "CreateVuGraphics",
      "DestroyVuGraphics", 1, 0x7F, true},
@@ -55,12 +55,12 @@ inline constexpr BackendRecord kBackendTable[] = {
      true},
 };
 
-/// What VuGraphics::Create() opens until VuGraphics::SetDefaultImpl() or the environment variable
-/// `ZIRK_DEFAULT_GFX_BACKEND` names another.
+/// The backend that VuGraphics::Create() opens unless VuGraphics::SetDefaultImpl() or the
+/// environment variable `ZIRK_DEFAULT_GFX_BACKEND` names another.
 inline constexpr BackendType kDefaultBackend = BackendType::Hybrid;
 
-/// The name of the backend `type`; empty for a value that is none.
-constexpr const char* BackendName(BackendType type) {
+/// The name of the backend `type`; an empty string for an unknown value.
+[[nodiscard]] constexpr const char* BackendName(BackendType type) {
   for (const BackendRecord& record : kBackendTable)
     if (record.type == type) return record.name;
   return "";

@@ -8,10 +8,10 @@
 
 namespace ZIRK {
 
-/// A free or placed rectangle. A result whose height is 0 says that nothing was placed.
+/// A free or placed rectangle, in pixels. A result of height 0 means that nothing was placed.
 struct BinRect {
-  int32_t x;       ///< Column of the left edge, in pixels from that of the bin.
-  int32_t y;       ///< Row of the top edge, in pixels from that of the bin.
+  int32_t x;       ///< Column of the left edge, from the left edge of the bin.
+  int32_t y;       ///< Row of the top edge, from the top edge of the bin.
   int32_t width;   ///< Pixels.
   int32_t height;  ///< Pixels.
 };
@@ -31,28 +31,32 @@ struct BinSize {
   int32_t height;  ///< Pixels.
 };
 
-/// Places rectangles into a bin, in pixels. Not thread-safe. The order of the operations is fixed.
+/// Places rectangles into a bin, in pixels. Plug-ins call the operations by their position, so
+/// their order is fixed.
+///
+/// **Threads**: one at a time.
 class ZIRK_API BinPack {
  public:
-  /// An empty bin of that size.
+  /// An empty bin of `width` x `height` pixels.
   BinPack(int width, int height) : binWidth(width), binHeight(height) {}
   virtual ~BinPack();  // slots 1 and 2
   BinPack(const BinPack&) = delete;
   BinPack& operator=(const BinPack&) = delete;
 
-  /// Places as many of `rects` as fit, the best fitting first, and removes these from it. `dst` is
-  /// left empty: where they went shows only in the implementation.
+  /// Places as many of `rects` as fit, the best fit first, and removes those from it. Leaves `dst`
+  /// empty; only the implementation knows the places.
   virtual void Insert(std::vector<BinSize>& rects, std::vector<BinRect>& dst) = 0;
-  /// All zeros if there is no room.
+  /// Places a rectangle of `width` x `height` pixels and returns its place; all zeros if there is
+  /// no room.
   virtual BinRect Insert(int width, int height) = 0;
   /// Width and height of the smallest bin that holds all placed rectangles: their largest right and
-  /// bottom edge. (0, 0) without any.
-  virtual std::pair<int, int> GetUsedSize() = 0;
-  /// Grows the bin; a side that would shrink stays as it is.
+  /// bottom edge. (0, 0) if nothing is placed.
+  [[nodiscard]] virtual std::pair<int, int> GetUsedSize() = 0;
+  /// Grows the bin to `width` x `height` pixels; a side that would shrink stays as it is.
   virtual void Resize(int width, int height) = 0;
 
-  int32_t binWidth;   ///< Pixels. Resize() changes it.
-  int32_t binHeight;  ///< Pixels. Resize() changes it.
+  int32_t binWidth;   ///< Width of the bin in pixels. Resize() changes it.
+  int32_t binHeight;  ///< Height of the bin in pixels. Resize() changes it.
 };
 
 }  // namespace ZIRK

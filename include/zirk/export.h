@@ -1,10 +1,10 @@
 #pragma once
 
 /// @file
-/// What a shared library lets others see.
+/// The symbols that a shared library exports.
 
 /// Marks what libZIRK.so exports; everything else is compiled with hidden visibility.
 #define ZIRK_API __attribute__((visibility("default")))
 
-/// Marks what a class that is exported keeps to itself.
+/// Marks a member of an exported class that is not exported.
 #define ZIRK_LOCAL __attribute__((visibility("hidden")))

@@ -9,15 +9,15 @@
 #include <mutex>
 #include <string>
 
-/// FreeType's own name for its library, so that this header does without FreeType's.
+/// FreeType's handle of its library, declared here so that this header needs none of FreeType's.
 typedef struct FT_LibraryRec_* FT_Library;
 
 namespace ZIRK {
 
-/// What stands behind a VuFontRegistry: it reads families and styles from font files with FreeType,
-/// and keeps none of the files open. VuFontRegistry has the meaning of each operation.
+/// The implementation of a VuFontRegistry: it reads families and styles from font files with
+/// FreeType, and keeps no file open. VuFontRegistry documents each operation.
 ///
-/// Any thread may call.
+/// **Threads**: any thread may call every member.
 class ZIRK_API FTFontRegistry : public VuFontRegistryImpl {
  public:
   /// An empty registry. `factory` makes the fonts; null stands for VuFont::CreateFontEx(). Logs an
@@ -27,7 +27,7 @@ class ZIRK_API FTFontRegistry : public VuFontRegistryImpl {
 
   bool Register(const char* path) override;
   void Unregister(const char* path) override;
-  VuFont* GetFont(const char* family, int pixelSize, bool bold, bool italic) override;
+  [[nodiscard]] VuFont* GetFont(const char* family, int pixelSize, bool bold, bool italic) override;
 
  private:
   struct Record {

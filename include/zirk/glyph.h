@@ -2,40 +2,40 @@
 
 #include <cstdint>
 
-/// FreeType's own name for a face, so that this header does without FreeType's.
+/// FreeType's handle of a face, declared here so that this header needs none of FreeType's.
 typedef struct FT_FaceRec_* FT_Face;
 
 namespace ZIRK {
 
-/// One glyph of a font: its metrics in pixels, and where its bitmap lies in the font's atlas.
+/// One glyph of a font: its metrics in pixels, and the place of its bitmap in the font's atlas.
 ///
-/// Owned by the font, which hands out pointers that stay valid until its fallback font changes or
-/// it is deleted. What identifies a glyph never changes once it is handed out. Nor does its
-/// advance, save that of a glyph that failed to load: it is 0, and changes once if the glyph loads
-/// later. The rest changes when the glyph is rendered or placed anew (see VuFontAtlas).
+/// The font owns its glyphs. Pointers to them are valid until the font's fallback font changes or
+/// the font is deleted. The fields that identify a glyph never change, nor does its advance, with
+/// one exception: a glyph that failed to load has advance 0, which changes if the glyph loads
+/// later. All other fields change when the glyph is rendered or placed again (see VuFontAtlas).
 struct Glyph {
   FT_Face face;              ///< The font's main face, or its fallback face.
   uint32_t charcode;         ///< The code point that was asked for first.
-  uint32_t index;            ///< In `face`; 0 is its shape for what is missing.
-  int32_t left;              ///< From the pen position to the bitmap's first column.
+  uint32_t index;            ///< In `face`; 0 is the shape for missing glyphs.
+  int32_t left;              ///< Pixels from the pen position to the bitmap's first column.
   int32_t x;                 ///< Column of the bitmap in the atlas.
   int32_t y;                 ///< Row of the bitmap in the atlas.
-  int32_t width;             ///< Of the bitmap.
-  int32_t advance;           ///< Of the pen, in whole pixels.
-  int32_t height;            ///< Of the bitmap.
-  int32_t top;               ///< From the top of the line down to the bitmap's first row.
+  int32_t width;             ///< Width of the bitmap.
+  int32_t advance;           ///< Distance to the next pen position, without kerning.
+  int32_t height;            ///< Height of the bitmap.
+  int32_t top;               ///< Pixels from the top of the line to the bitmap's first row.
   int32_t outlineType;       ///< A VuFont::OutlineType.
   int32_t outlineThickness;  ///< Radius of the stroke in 1/64 pixel.
 
-  /// Texture coordinates, v = 1 being the atlas's first row. They are fractions of the atlas's size
-  /// at the time when the glyph was placed, and are not touched when it grows: with `x`, `y`,
-  /// `width` and `height`, which always hold, and its present size a backend does without them.
-  float u0;
-  float v0;
-  float u1;
-  float v1;
+  // Texture coordinates are fractions of the atlas's size when the glyph was placed. They are not
+  // updated when the atlas grows; `x`, `y`, `width` and `height` always hold.
 
-  bool inAtlas;  ///< Whether there is a bitmap in the atlas. If not, there is nothing to draw.
+  float u0;  ///< Left edge, as a fraction of the atlas's width when the glyph was placed.
+  float v0;  ///< Top edge, where 1 is the atlas's first row and 0 the end of its last.
+  float u1;  ///< Right edge, as `u0`.
+  float v1;  ///< Bottom edge, as `v0`.
+
+  bool inAtlas;  ///< Whether the atlas holds the bitmap. If not, there is nothing to draw.
 };
 
 }  // namespace ZIRK

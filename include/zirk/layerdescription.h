@@ -6,30 +6,32 @@
 
 namespace ZIRK {
 
-/// How one layer of the compositor is shown. The screen that was made with index n draws layer n.
+/// How the compositor shows one layer. The screen that was created with index n draws layer n.
 ///
-/// A configuration is as many of these as there are layers to be shown, each with another number;
-/// a layer that is not in it is not shown. One with a number that there is no layer of, twice the
-/// same number, or a rectangle of negative extent or with only one side of length 0 is refused as a
-/// whole, with one warning.
+/// A configuration is an array of these, one for each layer to be shown, each with a different
+/// number. Layers that are not in it are not shown. The compositor rejects the whole configuration,
+/// with one warning, if a layer does not exist or occurs twice, or if a rectangle has a negative
+/// extent or exactly one side of length 0.
 ///
-/// Before the first configuration every layer covers the display, lower numbers below higher ones.
+/// Before the first configuration every layer covers the display, higher numbers above lower ones.
 struct LayerDescription {
   /// From 0 to VuCompositor::GetVirtualLayerCount() - 1.
   int32_t layer = 0;
-  /// The part of the layer's screen that is shown; without extent all of it. What reaches beyond
-  /// the screen is left out, and that part of the destination.
+  /// The part of the layer's screen that is shown, in its pixels; without extent, all of it.
+  /// Where it reaches beyond the screen, the matching part of the destination is left out.
   VuRect source{0, 0, 0, 0};
-  /// Where it is shown, in pixels of the display, which is as large as screen 0 (without one, as
-  /// the largest screens); without extent everywhere. It may reach beyond the display.
+  /// Where the layer is shown, in pixels of the display; without extent, on the whole display. The
+  /// display is as large as screen 0 or, without that screen, as the largest screens. The rectangle
+  /// may reach beyond it.
   VuRect destination{0, 0, 0, 0};
-  /// Lower ones lie below higher ones; of equal ones the one that comes first in the configuration.
+  /// Layers with a higher value cover those with a lower one. Of equal values, the one that comes
+  /// later in the configuration is above.
   int32_t order = 0;
-  /// From 0, invisible, to 255; the layer's own alpha is multiplied with it.
+  /// From 0, invisible, to 255. It is multiplied with the layer's own alpha.
   uint8_t opacity = 255;
-  /// Whether the layer is shown at all; VuCompositor::EnableLayer() changes it alone.
+  /// Whether the layer is shown; VuCompositor::EnableLayer() changes this alone.
   bool enabled = true;
-  /// Whether what lies below shows through where the layer is not opaque; else it is replaced.
+  /// Whether layers below show through where this one is not opaque; otherwise it replaces them.
   bool blended = true;
 };
 

@@ -6,11 +6,19 @@
 
 namespace ZIRK {
 
-/// Packs by the MaxRects algorithm: a list of the maximal free rectangles is kept; each is split
-/// around what is placed, and those that lie in others are pruned.
+/// Packs by the algorithm MaxRects (Jukka Jylänki, "A Thousand Ways to Pack the Bin", 2010). It
+/// keeps a list of the maximal free rectangles, splits each around what is placed, and prunes those
+/// that lie inside others.
+///
+///     MaxRectsBinPack bin(256, 64);
+///     const BinRect place = bin.Insert(100, 30);
+///     if (place.height == 0) return false;  // No room.
+///
+/// **Threads**: one at a time.
 class ZIRK_API MaxRectsBinPack : public BinPack {
  public:
-  /// Values of `rule`: what makes a free rectangle the best one. With any other nothing is placed.
+  /// Values of `rule`: how the best free rectangle is chosen. With any other value nothing is
+  /// placed.
   enum Rule : int32_t {
     BestShortSideFit = 0,  ///< The least left over on the shorter side, then on the longer.
     BestLongSideFit = 1,   ///< The least left over on the longer side, then on the shorter.
@@ -19,29 +27,29 @@ class ZIRK_API MaxRectsBinPack : public BinPack {
     ContactPoint = 4,      ///< The longest contact with the bin's edges and with what was placed.
   };
 
-  /// An empty bin of that size, in pixels.
+  /// An empty bin of `width` x `height` pixels.
   MaxRectsBinPack(int width, int height);
   ~MaxRectsBinPack() override;
 
   void Insert(std::vector<BinSize>& rects, std::vector<BinRect>& dst) override;
   BinRect Insert(int width, int height) override;
-  std::pair<int, int> GetUsedSize() override;
+  [[nodiscard]] std::pair<int, int> GetUsedSize() override;
   void Resize(int width, int height) override;
 
-  /// A Rule, which may be changed between two requests.
+  /// A Rule. It may be changed between two calls of Insert().
   int32_t rule = BestShortSideFit;
-  /// Whether a request may be turned by 90 degrees; its place then has width and height exchanged.
+  /// Whether a rectangle may be turned by 90 degrees; its place then has width and height
+  /// exchanged.
   bool allowRotation = false;
-  /// The placed rectangles, in the order in which they were placed. For reading.
+  /// The placed rectangles in the order of placement. Read only.
   std::vector<BinRect> usedRects;
-  /// The maximal free rectangles; of two that are equally good the earlier one is taken. For
-  /// reading.
+  /// The maximal free rectangles. Of two that fit equally well the earlier one is used. Read only.
   std::vector<BinRect> freeRects;
 
  private:
   struct Score;
   struct Position;
-  /// What one placement works with, kept so that not every one allocates it.
+  /// Working memory of one placement, kept so that placements do not allocate it again.
   struct Scratch {
     std::vector<size_t> split;
     std::vector<BinRect> touching;

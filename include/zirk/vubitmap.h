@@ -20,168 +20,247 @@ class VuFont;
 
 /// A surface to draw on: a screen or an off-screen bitmap, created by VuGraphics.
 ///
-/// Coordinates are pixels from the top-left corner. A transform or matrix maps the coordinates of
-/// a primitive to the surface; a transform draws exactly as the matrix made from it. A primitive
-/// with integer coordinates that comes out axis-aligned has hard edges on the nearest whole
-/// pixels, so that neighbours meet without a seam; slanted edges and the edges of sub-pixel
-/// rectangles are anti-aliased. Lines are one pixel wide and include both ends.
+///     std::unique_ptr<VuBitmap> bitmap(graphics->CreateBitmap(64, 64, VuPixelFormat::ARGB8888));
+///     bitmap->DrawRect(VuRect{8, 8, 48, 48}, 0xFF336699);
+///     screen->DrawObject(VuRect{100, 100, 128, 128}, *bitmap);  // Twice as large.
 ///
-/// A mask multiplies what is drawn with the alpha of another bitmap. Its coordinates are in mask
-/// pixels: one for a point, two for a line (from, to), four for everything else (top-left,
-/// top-right, bottom-right, bottom-left); null lays the whole mask over the primitive. The arrays
-/// are read during the call only.
+/// **Coordinates** are pixels from the top-left corner. A transform or matrix maps the coordinates
+/// of a primitive to the surface; a transform draws exactly as the matrix made from it. A primitive
+/// with integer coordinates whose edges are horizontal and vertical on the surface has hard edges
+/// on the nearest whole pixels, so that neighbours meet without a seam. Slanted edges and the edges
+/// of sub-pixel rectangles are anti-aliased by exact area coverage: a pixel is filled in proportion
+/// to the part of its square that the primitive covers. Lines are one pixel wide and include both
+/// ends.
 ///
-/// Sources and masks may be the bitmap itself, and belong to the same context. Nothing drawn
-/// reaches outside the clipping rectangle; singular and non-finite matrices, and rectangles
-/// without extent, draw nothing. Use all bitmaps of a context from one thread at a time, unless the
-/// backend's README allows more.
+/// **Masks**: a mask multiplies what is drawn with the alpha of another bitmap. Its coordinates are
+/// in mask pixels: one for a point, two for a line (from, to), four for everything else (top-left,
+/// top-right, bottom-right, bottom-left). A null array maps the whole mask onto the primitive. The
+/// arrays are read during the call only.
+///
+/// **Sources and masks** may be the bitmap itself, and belong to the same context; one of another
+/// backend draws nothing, with an error line. Nothing is drawn outside the clipping rectangle.
+/// Singular and non-finite matrices, and rectangles without extent, draw nothing and log nothing. A
+/// drawing operation reports a failure only by an error line, when memory runs out for example.
+///
+/// **Threads**: use all bitmaps of a context from one thread at a time, unless the backend's README
+/// allows more. This holds for every member.
 class ZIRK_API VuBitmap {
  public:
-  /// Wraps a backend surface, expected not to be null, and owns it.
+  /// Wraps a backend surface and owns it. Applications get bitmaps from VuGraphics instead. A null
+  /// `impl` ends the process by an assertion.
   explicit VuBitmap(VuBitmapImpl* impl);
   ~VuBitmap();
   VuBitmap(const VuBitmap&) = delete;
   VuBitmap& operator=(const VuBitmap&) = delete;
 
-  // --- State ------------------------------------------------------------------------------------
+  /// @name State
+  /// @{
 
-  /// Fills the whole surface, whatever the clipping rectangle, with nothing (transparent, black
-  /// where there is no alpha) or with `color`. A backend may do
-  /// nothing for the form without a colour; ours clear.
+  /// Makes the whole surface transparent, or black where its format has no alpha. The clipping
+  /// rectangle has no effect. A third-party backend may do nothing here.
   void Clear();
+  /// Fills the whole surface with `color`, whatever the clipping rectangle and the blending
+  /// function.
   void Clear(VuColor color);
 
-  /// Size, format and, while the surface is locked, where its pixels lie.
-  VuBitmapInfo GetInfo() const;
-  /// Bytes of the pixel storage, as memory is counted: rows are filled up to 16 bytes, whatever
-  /// GetInfo() tells while the surface is locked.
-  uint32_t GetSize() const;
-  /// The surface's rectangle; its origin is (0, 0).
-  VuRect GetBounds() const;
+  /// Size in pixels, format and, while the surface is locked, the address of its pixels.
+  [[nodiscard]] VuBitmapInfo GetInfo() const;
+  /// Bytes of the pixel storage as the memory limit counts them: each row is padded to a multiple
+  /// of 16 bytes, even if GetInfo() gives another pitch while the surface is locked.
+  [[nodiscard]] uint32_t GetSize() const;
+  /// The surface's rectangle in pixels; its origin is (0, 0).
+  [[nodiscard]] VuRect GetBounds() const;
 
-  /// Drawing is limited to this rectangle; a new surface's is its bounds. Kept as given.
-  VuRect GetClippingRect() const;
+  /// The clipping rectangle, as it was set. A new surface has its bounds.
+  [[nodiscard]] VuRect GetClippingRect() const;
+  /// Limits drawing to `rect`, in pixels of the surface. It may reach beyond the bounds; without
+  /// extent, nothing is drawn. Clear(), SetPixels() and CopyPixels() ignore it.
   void SetClippingRect(VuRect rect);
 
-  /// A name for diagnostics, copied.
+  /// Names the surface in PrintBitmapList() and in debuggers. The string is copied; null removes
+  /// the name.
   void SetName(const char* name);
 
-  /// How what is drawn meets what is there: source * `src` + destination * `dst`, clamped, on
-  /// premultiplied colours. The four-factor form takes source colour, destination colour, source
-  /// alpha, destination alpha; GetBlendingFunc() gives the first two. A new surface has (One,
-  /// OneMinusSrcAlpha), enabled. With blending off, what is drawn replaces what was there.
+  /// Stores the two colour factors of the blending function in `src` and `dst`. A new surface has
+  /// (One, OneMinusSrcAlpha): the operator "over" of Porter and Duff.
   void GetBlendingFunc(VuBlendingFactor& src, VuBlendingFactor& dst) const;
+  /// Sets how drawn pixels combine with those present: source * `src` + destination * `dst`,
+  /// clamped, on premultiplied colours. The factors serve for colour and alpha alike.
   void SetBlendingFunc(VuBlendingFactor src, VuBlendingFactor dst);
+  /// The same with separate factors for the colour channels and for alpha.
   void SetBlendingFunc(VuBlendingFactor srcColor, VuBlendingFactor dstColor,
                        VuBlendingFactor srcAlpha, VuBlendingFactor dstAlpha);
-  bool GetBlendEnabled() const;
+  /// Whether blending is on. It is on for a new surface.
+  [[nodiscard]] bool GetBlendEnabled() const;
+  /// Turns blending on or off. While it is off, what is drawn replaces what was there.
   void SetBlendEnabled(bool enabled);
-  /// The colour of the blend-colour factors; 0 for a new surface.
-  VuColor GetBlendColor() const;
+  /// The colour of the blend-colour factors, 0xAARRGGBB, not premultiplied. A new surface has 0.
+  [[nodiscard]] VuColor GetBlendColor() const;
+  /// Sets the colour that BlendColor, BlendAlpha and their complements use.
   void SetBlendColor(VuColor color);
 
-  /// How this surface is filtered when it is drawn scaled or rotated, or is a mask. A new surface
-  /// has Nearest.
-  VuScaleMode GetScaleMode() const;
+  /// The scale mode. A new surface has Nearest.
+  [[nodiscard]] VuScaleMode GetScaleMode() const;
+  /// Sets how this surface is filtered when it is drawn scaled or rotated, or used as a mask. It
+  /// does not affect what is drawn onto this surface.
   void SetScaleMode(VuScaleMode mode);
 
-  // --- Points, lines, filled rectangles ---------------------------------------------------------
+  /// @}
 
-  /// A square of `size` pixels around the centre of the pixel `p`.
+  /// @name Points, lines, filled rectangles
+  /// @{
+
+  /// Draws a square of `size` pixels around the centre of the pixel `p`.
   void DrawPoint(VuPoint p, float size, VuColor color);
+  /// The same, mapped to the surface by `t`.
   void DrawPoint(VuPoint p, float size, VuColor color, VuTransform t);
+  /// The same by `t`, multiplied with the alpha of the pixel `maskCoord` of `mask`.
   void DrawPoint(VuPoint p, float size, VuColor color, VuTransform t, const VuBitmap& mask,
                  VuTVector2D<float> maskCoord);
+  /// The same, mapped to the surface by the matrix `m`.
   void DrawPoint(VuPoint p, float size, VuColor color, VuTMatrix2D<float> m);
+  /// The same by `m`, multiplied with the alpha of the pixel `maskCoord` of `mask`.
   void DrawPoint(VuPoint p, float size, VuColor color, VuTMatrix2D<float> m, const VuBitmap& mask,
                  VuTVector2D<float> maskCoord);
 
-  /// A line of one pixel's width, hard-edged, whatever the transform; both ends belong to it.
+  /// Draws a line from `from` to `to`, both included, one pixel wide and hard-edged.
   void DrawLine(VuPoint from, VuPoint to, VuColor color);
+  /// The same with both ends mapped by `t`. The width stays one pixel.
   void DrawLine(VuPoint from, VuPoint to, VuColor color, VuTransform t);
+  /// The same by `t`, with a mask. `maskCoords` has two elements, for `from` and `to`, or is null.
   void DrawLine(VuPoint from, VuPoint to, VuColor color, VuTransform t, const VuBitmap& mask,
                 VuTVector2D<float>* maskCoords);
+  /// The same with both ends mapped by the matrix `m`. The width stays one pixel.
   void DrawLine(VuPoint from, VuPoint to, VuColor color, VuTMatrix2D<float> m);
+  /// The same by `m`, with a mask. `maskCoords` has two elements, for `from` and `to`, or is null.
   void DrawLine(VuPoint from, VuPoint to, VuColor color, VuTMatrix2D<float> m, const VuBitmap& mask,
                 VuTVector2D<float>* maskCoords);
 
-  /// A filled rectangle.
+  /// Fills `rect` with `color`. A zero or negative extent draws nothing.
   void DrawRect(VuRect rect, VuColor color);
+  /// The same, mapped to the surface by `t`.
   void DrawRect(VuRect rect, VuColor color, VuTransform t);
+  /// The same by `t`, with a mask. `maskCoords` has four elements, one per corner, or is null.
   void DrawRect(VuRect rect, VuColor color, VuTransform t, const VuBitmap& mask,
                 VuTVector2D<float>* maskCoords);
+  /// The same, mapped to the surface by the matrix `m`.
   void DrawRect(VuRect rect, VuColor color, VuTMatrix2D<float> m);
+  /// The same by `m`, with a mask. `maskCoords` has four elements, one per corner, or is null.
   void DrawRect(VuRect rect, VuColor color, VuTMatrix2D<float> m, const VuBitmap& mask,
                 VuTVector2D<float>* maskCoords);
 
-  // --- Bitmaps ----------------------------------------------------------------------------------
+  /// @}
 
-  /// Draws the part `srcRect` of `src` (all of it where none is given) into `dst`, each pixel
-  /// multiplied with `color` (white where none is given). What `srcRect` asks for beyond the
-  /// source's bounds is left out. Filtering never reads outside `srcRect`.
+  /// @name Bitmaps
+  /// @{
+
+  /// Draws all of `src` into `dst`, scaled to its size by the scale mode of `src`.
   void DrawObject(VuRect dst, const VuBitmap& src);
+  /// The same for the part `srcRect` of `src`, in its pixels. Where `srcRect` reaches beyond the
+  /// source, the matching part of `dst` is left out. Filtering never reads outside `srcRect`.
   void DrawObject(VuRect dst, const VuBitmap& src, VuRect srcRect);
+  /// Draws all of `src` into `dst`, mapped to the surface by `t`.
   void DrawObject(VuRect dst, const VuBitmap& src, VuTransform t);
+  /// Draws a part of `src`, mapped to the surface by `t`.
   void DrawObject(VuRect dst, const VuBitmap& src, VuRect srcRect, VuTransform t);
+  /// Draws a part of `src` by `t`, each pixel multiplied with `color`. White leaves it unchanged.
   void DrawObject(VuRect dst, const VuBitmap& src, VuRect srcRect, VuTransform t, VuColor color);
+  /// The same by `t` and `color`, with a mask. `maskCoords` has four elements, one per corner of
+  /// `dst`, or is null.
   void DrawObject(VuRect dst, const VuBitmap& src, VuRect srcRect, VuTransform t, VuColor color,
                   const VuBitmap& mask, VuTVector2D<float>* maskCoords);
+  /// Draws all of `src` into `dst`, mapped to the surface by the matrix `m`.
   void DrawObject(VuRect dst, const VuBitmap& src, VuTMatrix2D<float> m);
+  /// Draws a part of `src`, mapped to the surface by the matrix `m`.
   void DrawObject(VuRect dst, const VuBitmap& src, VuRect srcRect, VuTMatrix2D<float> m);
+  /// Draws a part of `src` by `m`, each pixel multiplied with `color`. White leaves it unchanged.
   void DrawObject(VuRect dst, const VuBitmap& src, VuRect srcRect, VuTMatrix2D<float> m,
                   VuColor color);
+  /// The same by `m` and `color`, with a mask. `maskCoords` has four elements, one per corner of
+  /// `dst`, or is null.
   void DrawObject(VuRect dst, const VuBitmap& src, VuRect srcRect, VuTMatrix2D<float> m,
                   VuColor color, const VuBitmap& mask, VuTVector2D<float>* maskCoords);
-  /// The sub-pixel forms.
+  /// Draws a part of `src` with both rectangles in fractions of a pixel. The edges of `dst` are
+  /// anti-aliased, not moved to whole pixels.
   void DrawObject(VuTRect2D<float> dst, const VuBitmap& src, VuTRect2D<float> srcRect,
                   VuTMatrix2D<float> m, VuColor color);
+  /// The sub-pixel form with a mask. `maskCoords` has four elements, one per corner of `dst`, or is
+  /// null.
   void DrawObject(VuTRect2D<float> dst, const VuBitmap& src, VuTRect2D<float> srcRect,
                   VuTMatrix2D<float> m, VuColor color, const VuBitmap& mask,
                   VuTVector2D<float>* maskCoords);
 
-  // --- Text -------------------------------------------------------------------------------------
+  /// @}
 
-  /// Draws one line of UTF-8; null draws nothing, and the end of a line is a character like others.
-  /// `pos` is the top-left corner of the line's box; a `rect` that is not all zeros clips.
+  /// @name Text
+  /// @{
+
+  /// Draws one line of UTF-8. `pos` is the top-left corner of the line's box, whose baseline lies
+  /// VuFont::GetAscent() pixels lower. Null draws nothing. A line feed is drawn as any other
+  /// character is: there is no line break. Bytes that are not UTF-8 are skipped, with an info line.
   void DrawText(const VuFont& font, const char* text, VuPoint pos, VuColor color);
+  /// The same, mapped to the surface by `t`.
   void DrawText(const VuFont& font, const char* text, VuPoint pos, VuColor color, VuTransform t);
+  /// The same by `t`, with a mask and clipped. `maskCoords` has four elements, one per corner of
+  /// the line's box, or is null. Glyphs are cut to `rect`, in the coordinates of `pos`, unless it
+  /// is all zeros.
   void DrawText(const VuFont& font, const char* text, VuPoint pos, VuColor color, VuTransform t,
                 const VuBitmap& mask, VuTVector2D<float>* maskCoords, VuRect rect);
+  /// The same, mapped to the surface by the matrix `m`.
   void DrawText(const VuFont& font, const char* text, VuPoint pos, VuColor color,
                 VuTMatrix2D<float> m);
+  /// The same by `m`, with a mask and clipped. `maskCoords` and `rect` are as with a transform.
   void DrawText(const VuFont& font, const char* text, VuPoint pos, VuColor color,
                 VuTMatrix2D<float> m, const VuBitmap& mask, VuTVector2D<float>* maskCoords,
                 VuRect rect);
 
-  // --- Pixels -----------------------------------------------------------------------------------
+  /// @}
 
-  /// Makes GetInfo().pixels valid until Unlock(), for writing as well if `write` (the default).
-  /// False if the surface is locked already, or cannot be. Do not draw while it is locked.
+  /// @name Pixels
+  /// @{
+
+  /// Locks the surface for reading and writing, as Lock(bool) does with true.
   bool Lock();
+  /// Makes GetInfo().pixels valid until Unlock(), for writing too if `write`. Returns false if the
+  /// surface is locked already, which logs nothing, or if its pixels cannot be mapped, which logs
+  /// an error. Do not draw on the surface while it is locked.
   bool Lock(bool write);
-  /// False if the surface was not locked.
+  /// Ends the lock; GetInfo().pixels is null again. Returns false if the surface was not locked,
+  /// which logs nothing, or if what was written cannot be stored, which logs an error.
   bool Unlock();
 
-  /// Copies pixels, in the surface's own format, rows top down. Rows of `dst` are tight, rows of
-  /// `src` are `pitch` bytes apart. `rect` lies inside the bounds; if not, false and nothing done.
-  /// Neither clipping nor blending applies.
+  /// Copies the pixels in `rect` to `dst`, in the surface's own format and premultiplied: rows top
+  /// down, without padding, so `dst` holds width * height * bytes per pixel. Waits for drawing to
+  /// complete. Returns false and copies nothing if `dst` is null or `rect` does not lie inside the
+  /// bounds, which logs nothing, or if the pixels cannot be read, which logs an error.
   bool GetPixels(VuRect rect, void* dst);
+  /// Copies pixels from `src` to `rect`, in the surface's own format and premultiplied: rows top
+  /// down, `pitch` bytes apart. Neither clipping nor blending applies. Returns false as GetPixels()
+  /// does.
   bool SetPixels(VuRect rect, const void* src, unsigned int pitch);
-  /// Copies the part `srcRect` of `src` to `dst`, converting the format, without blending or
-  /// clipping rectangle; what lies outside either surface is left out. `src` may be this bitmap.
+  /// Copies the part `srcRect` of `src` so that its top-left corner lies at `dst`, and converts the
+  /// format. Neither clipping nor blending applies, and pixels outside either surface are left out.
+  /// `src` may be this bitmap. Returns false, with an error line, if `src` cannot be read.
   bool CopyPixels(VuPoint dst, const VuBitmap& src, VuRect srcRect);
 
   /// Whether the backend keeps the surface as a texture of its device.
-  bool IsTextureBacked() const;
+  [[nodiscard]] bool IsTextureBacked() const;
 
-  // --- End of a frame ---------------------------------------------------------------------------
+  /// @}
 
-  /// Submits drawing without waiting.
+  /// @name End of a frame
+  /// @{
+
+  /// Submits pending drawing to the device without waiting for it.
   void Flush();
-  /// Completes all drawing, then reports the frame's overdraw while LogOverdraw is set.
+  /// Returns when all drawing is complete. While LogOverdraw is set, then logs the frame's overdraw
+  /// at level warning and resets the count.
   void Finish();
-  /// Presents a screen's frame, or finishes a bitmap; reports as Finish() does.
+  /// Presents a screen's frame; for a bitmap, the same as Finish(). Reports the overdraw as
+  /// Finish() does. May wait for the display.
   void SwapBuffers();
+
+  /// @}
 
  private:
   VuBitmapImpl* impl;

@@ -8,9 +8,9 @@ namespace ZIRK {
 
 /// A colour in one 32-bit word, 0xAARRGGBB, not premultiplied: `VuColor c = 0xFF112233`.
 ///
-/// The library forwards the word without looking at it; backends premultiply it. Colours convert
-/// from and to the word, and compare as it. So the compiler accepts a colour where a number is
-/// expected: in `DrawPoint(p, color, 2.0f)` size and colour are exchanged, and it compiles.
+/// The library forwards the word unread; backends premultiply it. Colours convert from and to the
+/// word, and compare as it does. The compiler therefore accepts a colour in place of a number:
+/// `DrawPoint(p, color, 2.0f)` compiles, although size and colour are exchanged.
 struct VuColor {
   /// Transparent black, 0.
   constexpr VuColor() = default;
@@ -23,7 +23,7 @@ struct VuColor {
   uint32_t argb = 0;  ///< Alpha in the highest 8 bits, then red, green, blue.
 };
 
-/// Opaque white, 0xFFFFFFFF: the colour that leaves a blitted bitmap as it is.
+/// Opaque white, 0xFFFFFFFF: a blit with this colour leaves the source's pixels unchanged.
 extern ZIRK_API const VuColor white;
 
 }  // namespace ZIRK

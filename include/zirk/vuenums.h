@@ -3,18 +3,18 @@
 #include <cstdint>
 
 /// @file
-/// The enumerations of the drawing interface. Each travels as a 32-bit integer and may carry any
-/// value: what a backend does not know it treats as stated here.
+/// The enumerations of the drawing interface. Each is passed as a 32-bit integer and may hold any
+/// value; every enumeration states how an unknown one is treated.
 
 namespace ZIRK {
 
 /// How a picture of natural size is fitted into a requested box
-/// (VuGraphics::GetScaledDimensions() says exactly how).
+/// (VuGraphics::GetScaledDimensions() has the arithmetic).
 enum class VuDisplayMode : int32_t {
   Stretch = 0,  ///< The requested size as it is.
   Fit = 1,      ///< Scale uniformly so that the picture fits inside the box.
   Fill = 2,     ///< Scale uniformly towards covering the box.
-  Natural = 3,  ///< The picture's own size where that fits inside the box, else the box.
+  Natural = 3,  ///< The picture's own size if that fits inside the box, else the box.
 };
 
 /// Layout of one pixel, highest bits first, in the machine's own byte order. Colour channels are
@@ -31,32 +31,33 @@ enum class VuPixelFormat : int32_t {
 /// Filtering of a surface when it is the source of a scaled or rotated drawing, or its mask.
 /// Any other value counts as Nearest.
 enum class VuScaleMode : int32_t {
-  Nearest = 0,
-  Bilinear = 1,
+  Nearest = 0,   ///< The one pixel that the sample lies in.
+  Bilinear = 1,  ///< The four nearest pixels, weighted by distance.
 };
 
 /// One factor of `result = source * sourceFactor + destination * destinationFactor`, per channel,
-/// with all colours premultiplied and channels in 0..1. The blend colour is
-/// VuBitmap::SetBlendColor's, premultiplied. Any other value counts as Zero.
+/// with all colours premultiplied and channels in 0..1. The compositing operators of Porter and
+/// Duff ("Compositing Digital Images", 1984) are pairs of these. The blend colour is that of
+/// VuBitmap::SetBlendColor(), premultiplied. Any other value counts as Zero.
 enum class VuBlendingFactor : int32_t {
-  Zero = 0,
-  One = 1,
-  SrcColor = 2,
-  OneMinusSrcColor = 3,
-  SrcAlpha = 4,
-  OneMinusSrcAlpha = 5,
-  DstAlpha = 6,
-  OneMinusDstAlpha = 7,
-  DstColor = 8,
-  OneMinusDstColor = 9,
-  SrcAlphaSaturate = 10,  ///< min(source alpha, 1 - destination alpha); 1 for the alpha channel.
-  BlendColor = 11,
-  OneMinusBlendColor = 12,
-  BlendAlpha = 13,
-  OneMinusBlendAlpha = 14,
+  Zero = 0,                 ///< 0.
+  One = 1,                  ///< 1.
+  SrcColor = 2,             ///< The source's channel.
+  OneMinusSrcColor = 3,     ///< 1 - the source's channel.
+  SrcAlpha = 4,             ///< The source's alpha.
+  OneMinusSrcAlpha = 5,     ///< 1 - the source's alpha.
+  DstAlpha = 6,             ///< The destination's alpha; 1 in a format without alpha.
+  OneMinusDstAlpha = 7,     ///< 1 - the destination's alpha.
+  DstColor = 8,             ///< The destination's channel.
+  OneMinusDstColor = 9,     ///< 1 - the destination's channel.
+  SrcAlphaSaturate = 10,    ///< min(source alpha, 1 - destination alpha); 1 for the alpha channel.
+  BlendColor = 11,          ///< The blend colour's channel.
+  OneMinusBlendColor = 12,  ///< 1 - the blend colour's channel.
+  BlendAlpha = 13,          ///< The blend colour's alpha.
+  OneMinusBlendAlpha = 14,  ///< 1 - the blend colour's alpha.
 };
 
-/// What VuGraphics::GetFeatureDetails is asked for. Any other value is answered with nothing.
+/// What VuGraphics::GetFeatureDetails can be asked for. For any other value it stores nothing.
 enum class FeatureType : int32_t {
   Details = 2,  ///< The backend's detail bits, one `uint32_t`.
 };

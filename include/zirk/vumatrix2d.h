@@ -12,12 +12,19 @@ namespace ZIRK {
 /// A 3x3 matrix for 2D affine transforms of row vectors: p' = [x y 1] * M, so that
 /// x' = x*m[0] + y*m[3] + m[6] and y' = x*m[1] + y*m[4] + m[7]. Instantiated for `float`.
 ///
-/// Three flags remember which kinds of component the matrix may hold, and let the common cases
-/// (identity, translation, scale) cost a few additions. A clear flag promises that its component
-/// is the identity's; a set flag promises nothing. Arithmetic only ever sets flags: after
-/// rotating by +a and then -a, hasRotation() is still true. makeIdentity() clears them.
+///     VuTMatrix2D<float> m;
+///     m.translate({100, 50});
+///     m.rotate(0.5f);  // Acts before the translation.
+///     screen->DrawRect(VuRect{-20, -20, 40, 40}, 0xFF336699, m);
 ///
-/// No operation allocates. Trivially copyable: it is passed by value to plug-ins.
+/// Three flags record which kinds of component the matrix may hold, so that the common cases
+/// (identity, translation, scale) cost a few additions. While a flag is clear, its component is
+/// that of the identity; a set flag says nothing. Arithmetic sets flags and never clears them:
+/// after rotating by +a and then -a, hasRotation() is still true. makeIdentity() clears them.
+///
+/// No operation allocates. The class is trivially copyable and passed by value to plug-ins.
+///
+/// **Threads**: a matrix is a value; any thread may use one of its own.
 template <typename T>
 class ZIRK_API VuTMatrix2D {
  public:
@@ -33,49 +40,59 @@ class ZIRK_API VuTMatrix2D {
     flags_ = 0;
   }
 
-  /// Prepend a step: it acts on a point before everything already in the matrix.
+  /// Prepends a translation by `t`: it acts on a point before everything already in the matrix.
   void translate(const VuTVector2D<T>& t);
+  /// Prepends a scale by the factors `s`; a negative factor mirrors.
   void scale(const VuTVector2D<T>& s);
-  void rotate(T angle);  ///< Radians: x' = x*cos + y*sin, y' = -x*sin + y*cos.
+  /// Prepends a rotation by `angle` radians: x' = x*cos + y*sin, y' = -x*sin + y*cos. A positive
+  /// angle turns counter-clockwise on the screen, where y grows downwards.
+  void rotate(T angle);
 
   /// this = this * b: `b` acts after what is already here.
   void multRight(const VuTMatrix2D& b);
   /// this = b * this: `b` acts before what is already here.
   void multLeft(const VuTMatrix2D& b);
-  /// The product, in which `b` acts after this.
-  VuTMatrix2D operator*(const VuTMatrix2D& b) const;
+  /// The product this * b: `b` acts after this.
+  [[nodiscard]] VuTMatrix2D operator*(const VuTMatrix2D& b) const;
+  /// The same as multRight(b). Returns this matrix.
   VuTMatrix2D& operator*=(const VuTMatrix2D& b);
 
-  /// The inverse. A matrix with a rotation flag and no inverse gives the identity; a pure scale by
-  /// zero gives infinities.
-  VuTMatrix2D inverse() const;
+  /// The inverse. A singular matrix gives the identity if its rotation flag and another flag are
+  /// set; a scale by zero without rotation gives infinities.
+  [[nodiscard]] VuTMatrix2D inverse() const;
 
-  /// Splits the matrix into scale, rotation angle (radians) and translation. Exact without the
-  /// rotation flag or for a uniform scale, an approximation otherwise.
+  /// Splits the matrix and stores its scale, rotation angle (radians) and translation. Exact
+  /// without the rotation flag or for a uniform scale, an approximation otherwise.
   void decompose(VuTVector2D<T>& scale, T& angle, VuTVector2D<T>& translation) const;
 
-  /// `v` through the matrix. For `int` each coordinate is truncated toward zero; one that no `int`
-  /// can hold becomes the nearest that can (not-a-number becomes 0).
+  /// Returns `v` mapped by the matrix. For `int`, each coordinate is truncated toward zero; one
+  /// outside the range becomes the nearest `int`, and a NaN becomes 0.
   template <typename U>
-  VuTVector2D<U> transformVector(const VuTVector2D<U>& v) const;
+  [[nodiscard]] VuTVector2D<U> transformVector(const VuTVector2D<U>& v) const;
 
-  /// The flags; elements are not inspected.
-  bool hasTranslation() const { return (flags_ & kTranslation) != 0; }
-  bool hasScale() const { return (flags_ & kScale) != 0; }
-  bool hasRotation() const { return (flags_ & kRotation) != 0; }
-  bool isIdentity() const { return flags_ == 0; }
+  /// Whether the translation flag is set. The elements are not inspected.
+  [[nodiscard]] bool hasTranslation() const { return (flags_ & kTranslation) != 0; }
+  /// Whether the scale flag is set. The elements are not inspected.
+  [[nodiscard]] bool hasScale() const { return (flags_ & kScale) != 0; }
+  /// Whether the rotation flag is set. The elements are not inspected.
+  [[nodiscard]] bool hasRotation() const { return (flags_ & kRotation) != 0; }
+  /// Whether no flag is set. The elements are not inspected.
+  [[nodiscard]] bool isIdentity() const { return flags_ == 0; }
 
-  /// Element at `row` and `col`, both expected below 3.
-  T getElement(unsigned row, unsigned col) const;
-  /// The nine elements, row by row; they live as long as the matrix.
-  const T* get() const { return m_.data(); }
+  /// The element at `row` and `col`, from 0. A value above 2 ends the process by an assertion.
+  [[nodiscard]] T getElement(unsigned row, unsigned col) const;
+  /// The nine elements, row by row. The pointer is valid as long as the matrix.
+  [[nodiscard]] const T* get() const { return m_.data(); }
 
-  /// Compares elements bit for bit (+0 and -0 differ, equal NaNs are equal), then the flags.
+  /// Whether all elements are equal bit for bit (+0 and -0 differ, a NaN equals itself) and all
+  /// flags are equal.
   bool operator==(const VuTMatrix2D& b) const;
+  /// Whether an element differs in any bit, or a flag differs.
   bool operator!=(const VuTMatrix2D& b) const { return !(*this == b); }
 
-  /// Logs the matrix, one "error" line a row.
+  /// Logs the matrix under `name`, one line per row, at level error.
   void print(const char* name) const;
+  /// The same without a name.
   void print() const { print(nullptr); }
 
  private:

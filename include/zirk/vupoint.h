@@ -6,8 +6,8 @@ namespace ZIRK {
 
 /// A position on a surface, in pixels from its top-left corner; y grows downwards.
 struct VuPoint {
-  int32_t x;  ///< From left to right.
-  int32_t y;  ///< From top to bottom.
+  int32_t x;  ///< Distance to the right.
+  int32_t y;  ///< Distance downwards.
 };
 
 /// Whether both coordinates are equal.

@@ -15,79 +15,99 @@ class VuTMatrix2D;
 
 /// An axis-aligned rectangle held as its two corners, for `float` and `int`.
 ///
+///     VuTRect2D<float> bounds;  // Empty.
+///     for (int i = 0; i < count; ++i) bounds.addPoint(points[i]);
+///     bounds = bounds.transform(matrix);
+///
 /// Edges are closed: a rectangle contains its max corner, and one whose corners are equal is a
-/// single point, not empty. It is empty when max lies before min in either axis; a new rectangle
-/// is empty, inverted as far as it goes, so that the first addPoint() sets both corners.
-/// Integer sums wrap around. Trivially copyable: it is passed by value to plug-ins.
+/// single point, not empty. It is empty if max is less than min in either axis. A new rectangle is
+/// empty, with min as large and max as small as possible, so that the first addPoint() sets both
+/// corners. Integer sums wrap around. The class is trivially copyable and passed by value to
+/// plug-ins.
+///
+/// **Threads**: a rectangle is a value; any thread may use one of its own.
 template <typename T>
 class ZIRK_API VuTRect2D {
  public:
   /// Empty.
   constexpr VuTRect2D() = default;
-  /// Stores the corners as given, in whatever order.
+  /// A rectangle with these corners, which are stored as given, in whatever order.
   constexpr VuTRect2D(const VuTVector2D<T>& min, const VuTVector2D<T>& max)
       : min_(min), max_(max) {}
-  /// By origin and extent.
+  /// A rectangle with the origin (`x`, `y`) and this extent.
   constexpr VuTRect2D(T x, T y, T width, T height)
       : min_(x, y), max_(add(x, width), add(y, height)) {}
-  /// The far corner is origin plus extent, summed in integers.
+  /// The same area as `r`. The far corner is origin plus extent, added as integers.
   constexpr VuTRect2D(const VuRect& r)
       : min_(static_cast<T>(r.x), static_cast<T>(r.y)),
         max_(static_cast<T>(addInt(r.x, r.width)), static_cast<T>(addInt(r.y, r.height))) {}
 
-  /// The corner that has the smaller coordinates in a rectangle that is not empty, and the other
-  /// one. The references live as long as the rectangle.
-  constexpr const VuTVector2D<T>& minPoint() const { return min_; }
-  constexpr const VuTVector2D<T>& maxPoint() const { return max_; }
-  /// A coordinate of minPoint().
-  constexpr T x() const { return min_.x(); }
-  constexpr T y() const { return min_.y(); }
-  /// Distance of the corners; 0 for an empty rectangle.
-  constexpr T width() const { return isEmpty() ? T(0) : sub(max_.x(), min_.x()); }
-  constexpr T height() const { return isEmpty() ? T(0) : sub(max_.y(), min_.y()); }
-  /// Whether maxPoint() lies before minPoint() in either axis.
-  constexpr bool isEmpty() const { return max_.x() < min_.x() || max_.y() < min_.y(); }
+  /// The corner with the smaller coordinates, unless the rectangle is empty. The reference is valid
+  /// as long as the rectangle.
+  [[nodiscard]] constexpr const VuTVector2D<T>& minPoint() const { return min_; }
+  /// The corner with the larger coordinates, unless the rectangle is empty. The reference is valid
+  /// as long as the rectangle.
+  [[nodiscard]] constexpr const VuTVector2D<T>& maxPoint() const { return max_; }
+  /// The x coordinate of minPoint().
+  [[nodiscard]] constexpr T x() const { return min_.x(); }
+  /// The y coordinate of minPoint().
+  [[nodiscard]] constexpr T y() const { return min_.y(); }
+  /// The distance between the corners in x; 0 for an empty rectangle.
+  [[nodiscard]] constexpr T width() const { return isEmpty() ? T(0) : sub(max_.x(), min_.x()); }
+  /// The distance between the corners in y; 0 for an empty rectangle.
+  [[nodiscard]] constexpr T height() const { return isEmpty() ? T(0) : sub(max_.y(), min_.y()); }
+  /// Whether maxPoint() is less than minPoint() in either axis.
+  [[nodiscard]] constexpr bool isEmpty() const {
+    return max_.x() < min_.x() || max_.y() < min_.y();
+  }
 
-  /// Replaces one corner, or both, without a look at their order.
+  /// Replaces minPoint(). The order of the corners is not checked.
   constexpr void setMinPoint(const VuTVector2D<T>& v) { min_ = v; }
+  /// Replaces maxPoint(). The order of the corners is not checked.
   constexpr void setMaxPoint(const VuTVector2D<T>& v) { max_ = v; }
+  /// Replaces both corners. Their order is not checked.
   constexpr void set(const VuTVector2D<T>& min, const VuTVector2D<T>& max) {
     min_ = min;
     max_ = max;
   }
 
-  /// Whether the two share at least a point; touching edges do. False if either is empty.
-  constexpr bool overlaps(const VuTRect2D& r) const {
+  /// Whether the two share at least one point; touching edges do. False if either is empty.
+  [[nodiscard]] constexpr bool overlaps(const VuTRect2D& r) const {
     return !isEmpty() && !r.isEmpty() &&
            intervalsMeet(min_.x(), max_.x(), r.min_.x(), r.max_.x()) &&
            intervalsMeet(min_.y(), max_.y(), r.min_.y(), r.max_.y());
   }
   /// Whether all of `r` lies inside; a rectangle contains itself. False if either is empty.
-  constexpr bool contains(const VuTRect2D& r) const {
+  [[nodiscard]] constexpr bool contains(const VuTRect2D& r) const {
     return !isEmpty() && !r.isEmpty() && min_.x() <= r.min_.x() && r.max_.x() <= max_.x() &&
            min_.y() <= r.min_.y() && r.max_.y() <= max_.y();
   }
 
-  /// Moves both corners.
+  /// Moves the rectangle by `d` in x.
   constexpr void translateX(T d) {
     min_.setX(add(min_.x(), d));
     max_.setX(add(max_.x(), d));
   }
+  /// Moves the rectangle by `d` in y.
   constexpr void translateY(T d) {
     min_.setY(add(min_.y(), d));
     max_.setY(add(max_.y(), d));
   }
+  /// Moves the rectangle by (`dx`, `dy`).
   constexpr void translate(T dx, T dy) {
     translateX(dx);
     translateY(dy);
   }
+  /// Moves the rectangle by `d`.
   constexpr void translate(const VuTVector2D<T>& d) { translate(d.x(), d.y()); }
 
-  /// Moves each edge inwards; a large inset leaves an empty rectangle, a negative one grows it.
+  /// Moves the left and right edges inwards by `dx`, the others by `dy`. A large inset leaves an
+  /// empty rectangle, and a negative one grows it.
   constexpr void inset(T dx, T dy) {
     min_.setValue(add(min_.x(), dx), add(min_.y(), dy));
     max_.setValue(sub(max_.x(), dx), sub(max_.y(), dy));
   }
+  /// The same by the coordinates of `d`.
   constexpr void inset(const VuTVector2D<T>& d) { inset(d.x(), d.y()); }
 
   /// Grows the rectangle to hold `p`.
@@ -104,16 +124,18 @@ class ZIRK_API VuTRect2D {
     addPoint(r.max_);
   }
 
-  /// The bounding box of the rectangle drawn through `m`, corner by corner with
-  /// VuTMatrix2D::transformVector (so truncated for `int`). An empty rectangle stays as it is.
+  /// The bounding box of the rectangle's corners, mapped by `m` with
+  /// VuTMatrix2D::transformVector(), which truncates for `int`. An empty rectangle is returned
+  /// unchanged.
   template <typename M>
-  VuTRect2D transform(const VuTMatrix2D<M>& m) const;
+  [[nodiscard]] VuTRect2D transform(const VuTMatrix2D<M>& m) const;
 
-  /// Compares numbers, not bits.
+  /// Whether both corners are equal as numbers: +0 equals -0, and a NaN equals nothing.
   constexpr bool operator==(const VuTRect2D& r) const { return min_ == r.min_ && max_ == r.max_; }
+  /// Whether a corner differs as a number.
   constexpr bool operator!=(const VuTRect2D& r) const { return !(*this == r); }
 
-  /// Logs the two corners, one "error" line each.
+  /// Logs the two corners under `name`, one line each, at level error.
   void print(const char* name) const;
 
  private:

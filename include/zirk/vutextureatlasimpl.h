@@ -13,50 +13,53 @@ namespace ZIRK {
 class VuBitmapImpl;
 class VuGraphicsImpl;
 
-/// A backend's bitmap that is shared out into regions. Sizes are in pixels.
+/// A backend's bitmap, divided into regions. Sizes are in pixels.
 ///
-/// One whose bitmap could not be made has size 0 x 0 for good, and no region. Not thread-safe: a
-/// font calls its atlas under a lock of its own.
+/// If the bitmap could not be created, the atlas keeps the size 0 x 0 and has no regions.
+///
+/// **Threads**: one at a time. A font calls its atlas under a lock of its own.
 class ZIRK_API VuTextureAtlasImpl {
  public:
-  /// `graphics` makes the bitmap, and its successors when the atlas grows; it outlives the bitmap.
+  /// An atlas of `width` x `height` pixels. `graphics` creates its bitmap, and a larger one each
+  /// time the atlas grows, and must outlive them. Logs a warning if the bitmap cannot be created.
   VuTextureAtlasImpl(VuGraphicsImpl* graphics, int width, int height, VuPixelFormat format);
   virtual ~VuTextureAtlasImpl();
   VuTextureAtlasImpl(const VuTextureAtlasImpl&) = delete;
   VuTextureAtlasImpl& operator=(const VuTextureAtlasImpl&) = delete;
 
-  /// Names the atlas and its bitmaps, for diagnostics.
+  /// Names the atlas and its bitmaps, for diagnostics. The string is copied; null removes the name.
   void SetName(const char* name);
 
-  /// A free region; one of height 0 if there is no room.
+  /// Reserves a region of `width` x `height` pixels and returns it; all zeros if there is no room.
   BinRect GetRegion(int width, int height);
-  /// Copies rows, `pitch` bytes apart, in the atlas's format. Null `pixels` copy nothing.
+  /// Copies `pixels` into a region: rows top down, `pitch` bytes apart, in the atlas's format. Null
+  /// copies nothing.
   void SetRegion(int x, int y, int width, int height, const void* pixels, unsigned int pitch);
-  /// Moves to a bitmap of that size and copies what the old one holds to the same place. Returns
-  /// the atlas's width and height after the call: the old ones if a side is above 2048 or the new
-  /// bitmap cannot be made.
+  /// Replaces the bitmap by one of `width` x `height` pixels and copies the old pixels to the same
+  /// place. Returns the atlas's width and height after the call: the old ones if a side is above
+  /// 2048, or, with a warning, if the new bitmap cannot be created.
   std::pair<int, int> Resize(int width, int height);
-  /// Forgets all regions. The pixels stay until they are overwritten.
+  /// Frees all regions. The pixels stay until they are overwritten.
   void Reset();
 
   /// The field `bitmap`.
-  const std::shared_ptr<VuBitmapImpl>& GetBitmap() const { return bitmap; }
+  [[nodiscard]] const std::shared_ptr<VuBitmapImpl>& GetBitmap() const { return bitmap; }
   /// The field `graphics`.
-  VuGraphicsImpl* GetGraphics() const { return graphics; }
+  [[nodiscard]] VuGraphicsImpl* GetGraphics() const { return graphics; }
   /// The field `width`.
-  int GetWidth() const { return width; }
+  [[nodiscard]] int GetWidth() const { return width; }
   /// The field `height`.
-  int GetHeight() const { return height; }
+  [[nodiscard]] int GetHeight() const { return height; }
 
-  // For reading: the operations above change them.
+  // Read only: the operations above change these.
 
-  std::shared_ptr<VuBitmapImpl> bitmap;     ///< Empty if it could not be made.
-  std::unique_ptr<MaxRectsBinPack> packer;  ///< Places the regions; Reset() makes a new one.
-  VuGraphicsImpl* graphics;  ///< Makes the bitmaps. Without a bitmap it may be gone already.
-  int32_t width;             ///< Of the bitmap, 0 if there is none.
-  int32_t height;            ///< Of the bitmap, 0 if there is none.
-  VuPixelFormat format;      ///< Of all bitmaps.
-  std::string name;          ///< As SetName() got it; empty before.
+  std::shared_ptr<VuBitmapImpl> bitmap;     ///< Empty if it could not be created.
+  std::unique_ptr<MaxRectsBinPack> packer;  ///< Places the regions. Reset() replaces it.
+  VuGraphicsImpl* graphics;  ///< Creates the bitmaps. Without a bitmap it may be deleted already.
+  int32_t width;             ///< Width of the bitmap, 0 if there is none.
+  int32_t height;            ///< Height of the bitmap, 0 if there is none.
+  VuPixelFormat format;      ///< Format of every bitmap.
+  std::string name;          ///< As SetName() stored it; empty at first.
 };
 
 }  // namespace ZIRK

@@ -11,13 +11,16 @@ class VuTMatrix2D;
 
 /// A compact 2D transform: a point is rotated, then scaled, then translated.
 ///
+///     VuTransform t(100, 50, 2, 2, 30);  // Turned by 30 degrees, twice as large, at (100, 50).
+///     screen->DrawRect(VuRect{-20, -20, 40, 40}, 0xFF336699, t);
+///
 /// Use it where five numbers are enough, and a VuTMatrix2D<float> for anything else; a drawing
 /// operation given a transform draws exactly as with the matrix made from it.
 struct ZIRK_API VuTransform {
   /// The identity, (0, 0, 1, 1, 0).
   constexpr VuTransform() = default;
 
-  /// Of five numbers, in the order of the fields. All of them are taken as they are.
+  /// The transform with these five numbers, in the order of the fields. None is checked.
   constexpr VuTransform(float translateX_, float translateY_, float scaleX_, float scaleY_,
                         float rotation_)
       : translateX(translateX_),
@@ -37,14 +40,14 @@ struct ZIRK_API VuTransform {
   float rotation = 0;    ///< Degrees; positive turns counter-clockwise on the screen (y down).
 };
 
-/// Whether the five numbers are equal: +0 equals -0, and a NaN equals nothing. A template for this
-/// very type, so that no matrix converts to it: `matrix == transform` compares matrices.
+/// Whether the five numbers are equal: +0 equals -0, and a NaN equals nothing. It is a template for
+/// exactly this type so that no matrix converts to it: `matrix == transform` compares matrices.
 template <typename T, std::enable_if_t<std::is_same_v<T, VuTransform>, int> = 0>
 constexpr bool operator==(const T& a, const T& b) {
   return a.translateX == b.translateX && a.translateY == b.translateY && a.scaleX == b.scaleX &&
          a.scaleY == b.scaleY && a.rotation == b.rotation;
 }
-/// Whether one of the five numbers differs.
+/// Whether one of the five numbers differs. A template for the same reason.
 template <typename T, std::enable_if_t<std::is_same_v<T, VuTransform>, int> = 0>
 constexpr bool operator!=(const T& a, const T& b) {
   return !(a == b);

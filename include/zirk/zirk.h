@@ -4,7 +4,7 @@
 /// Everything that an application may name. Plug-ins include <zirk/backend.h>.
 
 /// @namespace ZIRK
-/// All that the library has, apart from the macros of its log.
+/// Every public name except macros.
 
 #include <zirk/backendtable.h>
 #include <zirk/glyph.h>

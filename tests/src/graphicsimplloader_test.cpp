@@ -81,7 +81,8 @@ TEST_F(Loader, ClosesItsPluginsWhenItGoes) {
     shortLived.SetupGfxImpl("X", dso, {0, 0}, false);
     // This one opens, and declines to make a context.
     for (int i = 0; i < 2; ++i)
-      EXPECT_EQ(LoggedAt(3, [&] { shortLived.CreateImplInstance("X", false); }), "");
+      EXPECT_EQ(LoggedAt(3, [&] { EXPECT_EQ(shortLived.CreateImplInstance("X", false), nullptr); }),
+                "");
   }
   EXPECT_EQ(dlopen(dso.c_str(), RTLD_LAZY | RTLD_NOLOAD), nullptr);
   // One that does not suit is closed once, and so stays open for others.

@@ -3,6 +3,7 @@
 
 #include <future>
 #include <thread>
+#include <tuple>
 
 #include "helpers/logged.h"
 #include "helpers/plugins.h"
@@ -79,9 +80,9 @@ TEST(Compositor, SanitizedComesAndGoesWhileItIsAskedFor) {
     if (!asks)
       VuCompositor::Enable(now % 2);
     else if (now % 4 < 2)
-      VuCompositor::IsEnabled();
+      std::ignore = VuCompositor::IsEnabled();
     else
-      VuCompositor::GetVirtualLayerCount();
+      std::ignore = VuCompositor::GetVirtualLayerCount();
   };
   helpers::LoggedAt(2, [&] {
     helpers::InRounds(

@@ -73,7 +73,7 @@ TEST_F(Fonts, TheOverrideMakesThoseFromFiles) {
 }
 
 TEST_F(Fonts, WithoutAFile) {
-  EXPECT_THROW(VuFont::CreateFont(nullptr, 0, 10), std::logic_error);
+  EXPECT_THROW(delete VuFont::CreateFont(nullptr, 0, 10), std::logic_error);
   const auto make = [] { delete VuFont::CreateFontFromMemory(nullptr, 100, 0, 10); };
   EXPECT_EQ(helpers::LoggedAt(7, make),
             "<ZIRK.error>: VuFontAtlas: Failed to create font buffer\n");

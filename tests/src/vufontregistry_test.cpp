@@ -114,11 +114,11 @@ TEST(FontRegistry, Log) {
                   " opening font\n<ZIRK.error>: FTFontRegistry: Corrupt or invalid font file: " +
                   path + "\n");
   const std::string match = "<ZIRK.info>: FTFontRegistry: found best match ";
-  EXPECT_EQ(LoggedAt(6, [&] { registry.GetFont("sans", 9, true, false); }),
+  EXPECT_EQ(LoggedAt(6, [&] { delete registry.GetFont("sans", 9, true, false); }),
             match +
                 "(-1,,,italic:0,bold:0)\n"
                 "<ZIRK.error>: FTFontRegistry: Cannot find font family <sans> bold 1 italic 0\n");
-  EXPECT_EQ(LoggedAt(7, [&] { registry.GetFont(kSans, 9, false, true); }),
+  EXPECT_EQ(LoggedAt(7, [&] { delete registry.GetFont(kSans, 9, false, true); }),
             match + "(0,ZIRK Test Sans,Bold,italic:0,bold:1)\n");
 }
 
@@ -137,7 +137,7 @@ TEST(FontRegistry, AFontWithoutNamesIsOfTheEmptyFamily) {
 TEST(FontRegistry, NullNamesAreThrownBackWithoutTheLock) {
   VuFontRegistry registry(&Note);
   EXPECT_THROW(registry.Register(nullptr), std::logic_error);
-  EXPECT_THROW(registry.GetFont(nullptr, 1, false, false), std::logic_error);
+  EXPECT_THROW(delete registry.GetFont(nullptr, 1, false, false), std::logic_error);
   EXPECT_TRUE(registry.Register(kRegular.c_str()));
 }
 
@@ -147,7 +147,7 @@ TEST(FontRegistry, SanitizedFontsComeAndGoWhileTheyAreAskedFor) {
   VuFontRegistry registry([](const char*, int, int) -> VuFont* { return nullptr; });
   const auto use = [&](bool asks) {
     if (asks)
-      registry.GetFont(kSans, 9, false, false);
+      delete registry.GetFont(kSans, 9, false, false);
     else
       registry.Unregister(kRegular.c_str());
   };

@@ -219,6 +219,9 @@ TEST_F(Context, SanitizedComeAndGoWhileTheyAreListed) {
 #define EXPECT_FORWARDED(call) \
   EXPECT_CALL(impl, call);     \
   g.call
+#define EXPECT_CREATION_FORWARDED(call) \
+  EXPECT_CALL(impl, call);              \
+  EXPECT_EQ(g.call, nullptr)
 #define EXPECT_ASKED(question)                              \
   EXPECT_CALL(impl, question).WillOnce(testing::Return(7)); \
   EXPECT_EQ(g.question, 7u)
@@ -235,22 +238,22 @@ TEST(Forwarding, OfAContext) {
         });
   };
   expectScreen(44, 2, VuPixelFormat{2}, true);
-  g.CreateScreen(-1, 9, true, 300, true, VuPixelFormat{2});
+  EXPECT_EQ(g.CreateScreen(-1, 9, true, 300, true, VuPixelFormat{2}), nullptr);
   expectScreen(1, 1, VuPixelFormat::ARGB8888, true);
-  g.CreateScreen(-1, 9, false, 1, true);
+  EXPECT_EQ(g.CreateScreen(-1, 9, false, 1, true), nullptr);
   expectScreen(44, 1, VuPixelFormat::ARGB8888, false);
-  g.CreateScreen(-1, 9, false, 300);
+  EXPECT_EQ(g.CreateScreen(-1, 9, false, 300), nullptr);
   expectScreen(0, 2, VuPixelFormat::ARGB8888, false);
-  g.CreateScreen(-1, 9, true);
+  EXPECT_EQ(g.CreateScreen(-1, 9, true), nullptr);
 
   const char* const path = "path";
   const void* const data = path;
   const VuScaleMode scale{4};
-  EXPECT_FORWARDED(CreateBitmapFromFile(path));
+  EXPECT_CREATION_FORWARDED(CreateBitmapFromFile(path));
   EXPECT_CALL(impl, CreateBitmapFromFile(path, 1, 2, scale, VuDisplayMode::Stretch));
-  g.CreateBitmapFromFile(path, 1, 2, scale);
-  EXPECT_FORWARDED(CreateBitmapFromMemory(data, 5));
-  EXPECT_FORWARDED(CreateBitmapFromMemory(data, 5, 1, 2, scale));
+  EXPECT_EQ(g.CreateBitmapFromFile(path, 1, 2, scale), nullptr);
+  EXPECT_CREATION_FORWARDED(CreateBitmapFromMemory(data, 5));
+  EXPECT_CREATION_FORWARDED(CreateBitmapFromMemory(data, 5, 1, 2, scale));
   EXPECT_FORWARDED(Flush());
   EXPECT_FORWARDED(SetTerminateOnDestruct(true));
   EXPECT_CALL(impl, PrintBitmapList(0, testing::_));

@@ -7,6 +7,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <tuple>
 #include <vector>
 
 #include "helpers/logged.h"
@@ -169,8 +170,10 @@ TEST(VuMatrix, TransformsIntegersByTruncation) {
 TEST(VuMatrixDeathTest, ElementsAreByRowAndColumn) {
   const Matrix m = Translation(5, 7);
   EXPECT_EQ(m.getElement(2, 1), 7);
-  EXPECT_DEATH(m.getElement(3, 0), "src/vumatrix2d.cpp:[0-9]+: .*Assertion `row < 3' failed");
-  EXPECT_DEATH(m.getElement(0, 3), "src/vumatrix2d.cpp:[0-9]+: .*Assertion `col < 3' failed");
+  EXPECT_DEATH(std::ignore = m.getElement(3, 0),
+               "src/vumatrix2d.cpp:[0-9]+: .*Assertion `row < 3' failed");
+  EXPECT_DEATH(std::ignore = m.getElement(0, 3),
+               "src/vumatrix2d.cpp:[0-9]+: .*Assertion `col < 3' failed");
 }
 
 TEST(Geometry, Prints) {

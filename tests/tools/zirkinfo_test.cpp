@@ -53,7 +53,7 @@ const Case kCases[] = {
     {"-h", 0, "Exit status: 0"},
     {"--help >/dev/full", 1, "standard output: No space left"},
 
-    // What is wrong is said in one line.
+    // One line says what is wrong.
     {"--bogus", 2, "^zirkinfo: wrong option --bogus; [^\n]*\n$"},
     {"bogus", 2, "^zirkinfo: unknown command 'bogus'; [^\n]*\n$"},
     {"font", 2, "^zirkinfo: 'font' needs more operands; [^\n]*\n$"},

@@ -25,8 +25,8 @@ std::string EnterPlugin(const std::string& file);
 /// one that draws nothing, the one that was entered, and the compositor.
 std::vector<Plugin> Plugins();
 
-/// Those with these names, all for none. A name that is unknown is said to be so, and nothing is
-/// given.
+/// The plug-ins with these names; all plug-ins if there are no names. For an unknown name, prints a
+/// problem and returns none.
 std::vector<Plugin> PluginsNamed(const std::vector<std::string>& names);
 
 /// A context by the backend of this name, by the default one for an empty name. Null, with an error

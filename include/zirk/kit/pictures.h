@@ -17,10 +17,11 @@ namespace ZIRK::kit {
 /// alpha alone becomes white of that alpha. Of a screen the drawing counts that is not shown yet,
 /// so save before SwapBuffers().
 ///
-/// `part` lies inside the bounds. An existing file is overwritten. False, with one error line,
+/// A part lies inside the bounds. An existing file is overwritten. False, with one error line,
 /// where that cannot be, memory runs out, the pixels cannot be read, or the kit was built without
 /// libpng; what was written of the file is removed. One thread at a time for each context.
 ZIRK_API bool SavePng(VuBitmap& bitmap, const char* path);
+/// The same for `part` of the bitmap alone, in pixels of the bitmap.
 ZIRK_API bool SavePng(VuBitmap& bitmap, VuRect part, const char* path);
 
 /// How far two pictures are apart.

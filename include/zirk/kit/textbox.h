@@ -19,14 +19,18 @@ namespace ZIRK::kit {
 
 /// Where the lines of a box stand between its left and its right edge.
 enum class TextAlign : int32_t {
-  Left = 0,
-  Center = 1,
-  Right = 2,
+  Left = 0,     ///< At the left edge.
+  Center = 1,   ///< In the middle.
+  Right = 2,    ///< At the right edge.
   Justify = 3,  ///< Spaces are widened up to the right edge, but in the last line of a paragraph.
 };
 
 /// Where the lines stand between the box's upper and lower edge.
-enum class VerticalAlign : int32_t { Top = 0, Middle = 1, Bottom = 2 };
+enum class VerticalAlign : int32_t {
+  Top = 0,     ///< At the upper edge.
+  Middle = 1,  ///< In the middle.
+  Bottom = 2,  ///< At the lower edge.
+};
 
 /// A width or height that ends nothing: the box is as large as its text.
 constexpr int32_t kUnlimited = std::numeric_limits<int32_t>::max();
@@ -38,8 +42,8 @@ struct TextStyle {
   int32_t width = kUnlimited;
   /// Lines that do not fit are left out, but the first. 0 and less are as 1.
   int32_t height = kUnlimited;
-  TextAlign align = TextAlign::Left;
-  VerticalAlign verticalAlign = VerticalAlign::Top;
+  TextAlign align = TextAlign::Left;                 ///< Of each line.
+  VerticalAlign verticalAlign = VerticalAlign::Top;  ///< Of all lines together.
   /// How many lines there may be; 0 and less for any number.
   int32_t maxLines = 0;
   /// Added between two lines; may be negative.
@@ -96,6 +100,7 @@ class ZIRK_API TextBox {
   ~TextBox();
   /// What is moved from has no lines.
   TextBox(TextBox&& other) noexcept;
+  /// As the constructor; the lines that the box had are gone.
   TextBox& operator=(TextBox&& other) noexcept;
 
   /// Sets `text`, which is copied, in one font and colour. False, with an error line, where memory
@@ -114,8 +119,9 @@ class ZIRK_API TextBox {
   /// The same, mapped to the surface by `t`.
   void Draw(VuBitmap& target, VuPoint pos, VuTransform t) const;
 
-  /// Width of the widest line and height of all lines.
+  /// Width of the widest line in pixels; 0 without lines.
   int GetWidth() const;
+  /// Height of all lines in pixels, gaps included; 0 without lines.
   int GetHeight() const;
   /// Whether visible text was left out.
   bool IsCut() const;

@@ -43,7 +43,7 @@ class Faults : public InjectedGl {
 };
 
 struct StartFault {
-  const char* name;  ///< What is said of it.
+  const char* name;  ///< Describes it.
   void (*inject)(SdlCalls& sdl);
 };
 

@@ -84,7 +84,7 @@ TEST_F(Compositor, ComposesOnceForAllLayersThatAreDone) {
   ui->SwapBuffers();
   EXPECT_EQ(layers_->Frames(), 2u);
   EXPECT_EQ(Shown(1, 1), kBlue);
-  // Who only shows what is there keeps the pace of the display.
+  // A swap without drawing keeps the pace of the display.
   ui->SwapBuffers();
   EXPECT_EQ(layers_->Frames(), 3u);
   // One that is not done holds up the others for one frame only, and without being shown not at

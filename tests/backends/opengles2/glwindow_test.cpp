@@ -112,7 +112,8 @@ TEST(XWindow, IsResizedWhileFramesAreShown) {
         screen->Clear(VuColor{kRed});
         screen->SwapBuffers();
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        file.seekg(-std::streamoff{bytes}, std::ios::end).read(reinterpret_cast<char*>(pixels.data()), bytes);
+        file.seekg(-std::streamoff{bytes}, std::ios::end)
+            .read(reinterpret_cast<char*>(pixels.data()), bytes);
         for (uint32_t& pixel : pixels) pixel |= kBlack;  // That byte is not used.
         if (std::count(pixels.begin(), pixels.end(), kRed) == red) return true;
       }
