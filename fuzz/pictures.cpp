@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <tuple>
 #include <vector>
 
 #include "input.h"
@@ -49,7 +50,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const void* bytes = picture.data();
   const auto count = static_cast<unsigned>(size);
   const unsigned memory = context.BitmapSize(bytes, count);
-  context.BitmapSize(bytes, count, 37, 23);
+  std::ignore = context.BitmapSize(bytes, count, 37, 23);
   if (memory > kLargest) return 0;
 
   const std::unique_ptr<VuBitmap> whole(context.CreateBitmapFromMemory(bytes, count));

@@ -12,12 +12,13 @@ const char* __asan_default_options() {
   return "intercept_tls_get_addr=0";
 }
 
-/// What OpenGL's driver never frees is not ours. Nor is what DirectFB reads at its start and loses,
-/// what it keeps for each thread that draws, and its list of listeners; surfaces of it that are
-/// forgotten show by the objects that own them. fontconfig loses the name of a configuration that
-/// names folders relative to it.
+/// What OpenGL's driver never frees is not ours, nor what SDL's connection to D-Bus loses. Nor is
+/// what DirectFB reads at its start and loses, what it keeps for each thread that draws, and its
+/// list of listeners; surfaces of it that are forgotten show by the objects that own them.
+/// fontconfig loses the name of a configuration that names folders relative to it.
 const char* __lsan_default_suppressions() {
   return "leak:_dri.so\nleak:libEGL\nleak:libGL\nleak:libLLVM\nleak:libgallium\nleak:libSDL2\n"
+         "leak:libdbus-1\n"
          "leak:libfontconfig\nleak:libdirectfb-1.7\nleak:libfusion-1.7\nleak:direct_thread_self\n";
 }
 
