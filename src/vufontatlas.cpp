@@ -118,6 +118,9 @@ struct VuFontAtlas::State {
   const bool bold;
   const bool italic;
   FT_Face fallbackFace = nullptr;
+  std::string fallbackFile;
+  int fallbackFaceIndex = 0;
+  int fallbackPixelSize = 0;
 
   // The tables and the cache are searched without a lock. For a missing entry the search is
   // repeated under a lock, and the entry added.
@@ -239,6 +242,19 @@ FT_Face VuFontAtlas::GetFontFace() const {
   return state_->face;
 }
 
+FontSource VuFontAtlas::GetSource() const {
+  const State& s = *state_;
+  // Without a buffer it is a path's font, or one of null data.
+  const char* const path = s.buffer || s.fileName.empty() ? nullptr : s.fileName.c_str();
+  return {path, s.buffer.get(), s.bufferSize, s.faceIndex, s.pixelSize, s.bold, s.italic};
+}
+
+FontSource VuFontAtlas::GetFallbackSource() const {
+  const State& s = *state_;
+  if (!s.fallbackFace) return {};
+  return {s.fallbackFile.c_str(), nullptr, 0, s.fallbackFaceIndex, s.fallbackPixelSize};
+}
+
 void VuFontAtlas::GetFontMetrics(int& height, int& ascender, int& descender,
                                  int& maxAdvance) const {
   height = state_->lineHeight;
@@ -274,6 +290,9 @@ void VuFontAtlas::SetFallbackFont(const VuFontImpl* font) {
   if (state_->fallbackFace) FT_Done_Face(std::exchange(state_->fallbackFace, nullptr));
   if (!other || !other->state_->face) return;
   const State& theirs = *other->state_;
+  state_->fallbackFile = theirs.fileName;
+  state_->fallbackFaceIndex = theirs.faceIndex;
+  state_->fallbackPixelSize = theirs.pixelSize;
   NewFace(theirs.fileName.c_str(), theirs.faceIndex, theirs.pixelSize, &state_->fallbackFace);
 }
 

@@ -34,6 +34,18 @@ struct TextCursor {
   int64_t width = 0;  ///< Pen position after that glyph: the width so far.
 };
 
+/// What a face was opened from, and how it was asked for. The pointers are the font's own: they are
+/// valid until the font is deleted or gets another fallback font.
+struct FontSource {
+  const char* path = nullptr;     ///< The font file's; null for a file in memory.
+  const uint8_t* data = nullptr;  ///< The file in memory; null for one with a path.
+  uint32_t size = 0;              ///< Bytes of `data`.
+  int32_t faceIndex = 0;          ///< Which face of the file.
+  int32_t pixelSize = 0;          ///< As it was asked for.
+  bool bold = false;              ///< As it was asked for, whatever the face is.
+  bool italic = false;            ///< As it was asked for, whatever the face is.
+};
+
 /// The library's own font implementation: a FreeType face at one size, its glyphs, and the atlas
 /// from which they are drawn.
 ///
@@ -77,6 +89,12 @@ class ZIRK_API VuFontAtlas : public VuFontImpl {
 
   /// The main face, owned by the font; null if the font could not be opened.
   [[nodiscard]] FT_Face GetFontFace() const;
+
+  /// What the font was made of, whether or not that could be opened.
+  [[nodiscard]] FontSource GetSource() const;
+  /// What the fallback font's face was opened from, as neither bold nor italic; without a path and
+  /// data where there is none.
+  [[nodiscard]] FontSource GetFallbackSource() const;
 
   /// @name For backends that draw text
   /// @{

@@ -244,6 +244,27 @@ TEST_F(FontAtlas, WhatStandsInForMissingGlyphs) {
   }
 }
 
+TEST_F(FontAtlas, SaysWhatItWasMadeOf) {
+  const std::vector<unsigned char> bytes = helpers::FontBytes("collection.ttc");
+  VuFontAtlas font(bytes.data(), unsigned(bytes.size()), 1, -1, true, true);
+  const auto isAsked = [](const FontSource& source, const char* path, int face, int size, bool is) {
+    EXPECT_STREQ(source.path, path);
+    EXPECT_EQ(std::tie(source.faceIndex, source.pixelSize, source.bold, source.italic),
+              std::tie(face, size, is, is));
+  };
+  const FontSource inMemory = font.GetSource();
+  isAsked(inMemory, nullptr, 1, -1, true);
+  EXPECT_NE(inMemory.data, bytes.data());
+  EXPECT_EQ(std::vector(inMemory.data, inMemory.data + inMemory.size), bytes);
+  isAsked(VuFontAtlas("no file", -2, 0, false, false).GetSource(), "no file", -2, 0, false);
+  font.SetFallbackFont(std::make_unique<VuFontAtlas>(kPair.c_str(), 1, 30, true, true).get());
+  isAsked(font.GetFallbackSource(), kPair.c_str(), 1, 30, false);
+  for (const VuFontImpl* const none : std::initializer_list<const VuFontImpl*>{&font, nullptr}) {
+    font.SetFallbackFont(none);
+    isAsked(font.GetFallbackSource(), nullptr, 0, 0, false);
+  }
+}
+
 TEST_F(FontAtlas, GlyphsStayWhereTheyAre) {
   VuFontAtlas font = Open("sans.ttf", 16);
   std::set<const Glyph*> found;
