@@ -1,43 +1,21 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
-#include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <string>
 
-#include "support/offscreen.h"
+#include "program.h"
 
 namespace ZIRK {
 namespace {
 
 using testing::ContainsRegex;
 
-struct Result {
-  int status;
-  std::string output;  ///< Both streams.
-};
-
 /// Runs zirkinfo, in a folder for the tests' files. `prefix` sets the environment.
-Result Zirkinfo(const std::string& arguments, const std::string& prefix = "") {
-  const std::filesystem::path folder = testing::TempDir() + "zirkinfo_test";
-  std::filesystem::create_directories(folder);
-  support::UseOffscreenOpenGl();
-  setenv("ZIRK_FB_DEVICE", "/nonexistent", 1);
+helpers::Result Zirkinfo(const std::string& arguments, const std::string& prefix = "") {
   setenv("FONTS", ZIRK_TEST_FONTS, 1);
   setenv("PLAIN", ZIRK_TEST_PLUGIN, 1);
-  const std::string command =
-      "cd " + folder.string() + " && (" + prefix + " " ZIRKINFO " " + arguments + ") 2>&1";
-  FILE* const pipe = popen(command.c_str(), "r");
-  Result result{-1, ""};
-  char part[4096];
-  for (size_t n; pipe && (n = fread(part, 1, sizeof part, pipe)) > 0;)
-    result.output.append(part, n);
-  const int status = pipe ? pclose(pipe) : -1;
-  if (WIFEXITED(status)) result.status = WEXITSTATUS(status);
-  return result;
+  return helpers::Run(helpers::FolderOf("zirkinfo_test"), prefix + " " ZIRKINFO " " + arguments);
 }
 
 struct Case {
@@ -120,7 +98,7 @@ const Case kCases[] = {
 
 TEST(ZirkinfoProgram, AnswersAsItsManualSays) {
   for (const Case& c : kCases) {
-    const Result result = Zirkinfo(c.arguments, c.prefix);
+    const helpers::Result result = Zirkinfo(c.arguments, c.prefix);
     EXPECT_EQ(result.status, c.status) << c.arguments;
     EXPECT_THAT(result.output, ContainsRegex(c.pattern)) << c.arguments;
   }
@@ -129,7 +107,7 @@ TEST(ZirkinfoProgram, AnswersAsItsManualSays) {
 /// On a screen, which not all of them draw as they draw a bitmap.
 TEST(ZirkinfoProgram, DrawsOneCardByAllBackends) {
   for (const std::string backend : {"OpenGLES2", "Hybrid", "DirectFB"}) {
-    const Result result =
+    const helpers::Result result =
         Zirkinfo("compare --screen --font $FONTS/sans.ttf --worst 2 --mean 0.05 FB " + backend,
                  "DFBARGS=system=dummy");
     const char* const required =
@@ -142,7 +120,7 @@ TEST(ZirkinfoProgram, DrawsOneCardByAllBackends) {
 
 /// Where OpenGL cannot start there is a reason, no compositor, and Hybrid's screen by FB.
 TEST(ZirkinfoProgram, SaysWhyABackendDoesNotOpen) {
-  const Result result = Zirkinfo("--verbose 2>/dev/null", "SDL_VIDEODRIVER=none");
+  const helpers::Result result = Zirkinfo("--verbose 2>/dev/null", "SDL_VIDEODRIVER=none");
   EXPECT_EQ(result.output.find("compositor"), std::string::npos);
   if (!std::getenv("ZIRK_TEST_REQUIRE_GL")) return;
   EXPECT_THAT(result.output, ContainsRegex("opens: no\nreason: OpenGL ES 2: no video: none"));
@@ -155,7 +133,8 @@ TEST(ZirkinfoProgram, SaysWhyABackendDoesNotOpen) {
 TEST(ZirkinfoProgram, DrawsTextOnlyWithAFont) {
   ASSERT_EQ(Zirkinfo("card --backend FB --no-text without.png").status, 0);
   ASSERT_EQ(Zirkinfo("card --backend FB --font $FONTS/sans.ttf with.png").status, 0);
-  const Result result = Zirkinfo("compare --worst 0 --output difference.png with.png without.png");
+  const helpers::Result result =
+      Zirkinfo("compare --worst 0 --output difference.png with.png without.png");
   EXPECT_EQ(result.status, 3);
   EXPECT_THAT(result.output, ContainsRegex("panel: text-sizes [1-9]"));
   EXPECT_EQ(Zirkinfo("compare with.png difference.png").status, 0) << "as large as the card";
