@@ -60,7 +60,7 @@ def configure(work, options):
     assert run.returncode == 0, run.stderr
     assert "not used by the project" not in run.stderr, run.stderr
     cache = (work / "build/CMakeCache.txt").read_text()
-    return dict(re.findall(r"^(ZIRK_(?:BACKEND|IMAGE|KIT)_\w+|ZIRK_BUILD_(?:KIT|TOOLS)):\w+=(\w+)$", cache, re.M))
+    return dict(re.findall(r"^(ZIRK_(?:BACKEND|IMAGE|KIT)_\w+|ZIRK_BUILD_(?:KIT|TOOLS|TRACE)):\w+=(\w+)$", cache, re.M))
 
 
 def main():

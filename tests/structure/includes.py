@@ -29,7 +29,7 @@ MADE_OF = {"hybrid": {"fb", "opengles2"}}
 
 # Programs include what an application does: <zirk/zirk.h> and the headers that it names, and those
 # of the kit. The kit is made as an application is.
-PROGRAMS = ["tools/zirkinfo", "examples", "support", "fuzz", "kit", "include/zirk/kit"]
+PROGRAMS = ["tools/zirkinfo", "tools/zirktrace", "examples", "support", "fuzz", "kit", "include/zirk/kit"]
 # These do not know the kit, nor do the headers beside its own.
 BELOW_THE_KIT = ("src/", "backends/", "include/")
 EXCEPTIONS = {
@@ -37,6 +37,8 @@ EXCEPTIONS = {
     ("examples/backend/surface.h", "zirk/backend.h"),
     # zirkinfo opens a compositor, and a third party's plug-in, as the library does.
     ("tools/zirkinfo/plugins.cpp", "zirk/backend.h"),
+    # zirktrace records as a plug-in and replays as the library does.
+    ("tools/zirktrace/operations.h", "zirk/backend.h"),
     # A program asks the font's atlas for glyphs, which implements the font's interface.
     ("include/zirk/vufontatlas.h", "zirk/impl/vufontimpl.h"),
 }

@@ -30,6 +30,7 @@ PACKAGECONFIG[webp] = "-DZIRK_IMAGE_WEBP=ON,-DZIRK_IMAGE_WEBP=OFF,libwebp"
 PACKAGECONFIG[kit] = "-DZIRK_BUILD_KIT=ON,-DZIRK_BUILD_KIT=OFF,liblinebreak"
 PACKAGECONFIG[fontconfig] = "-DZIRK_KIT_FONTCONFIG=ON,-DZIRK_KIT_FONTCONFIG=OFF,fontconfig,fontconfig"
 PACKAGECONFIG[tools] = "-DZIRK_BUILD_TOOLS=ON,-DZIRK_BUILD_TOOLS=OFF"
+PACKAGECONFIG[trace] = "-DZIRK_BUILD_TRACE=ON,-DZIRK_BUILD_TRACE=OFF,zstd xxhash"
 
 # This build type is small, all but the loops over pixels.
 EXTRA_OECMAKE = "\
@@ -51,7 +52,7 @@ FILES:${PN}-backend-hybrid = "${libdir}/libZIRKImplHybrid.so"
 FILES:${PN}-backend-directfb = "${libdir}/libZIRKImplDirectFB.so"
 FILES:${PN}-backend-stub = "${libdir}/libZIRKImplStub.so"
 FILES:${PN}-kit = "${libdir}/libZIRKKit.so.*"
-FILES:${PN}-tools = "${bindir}/zirkinfo"
+FILES:${PN}-tools = "${bindir}/zirkinfo ${bindir}/zirktrace ${libdir}/zirktrace"
 ALLOW_EMPTY:${PN}-backends = "1"
 RDEPENDS:${PN}-backends = "${BACKEND_PACKAGES}"
 
