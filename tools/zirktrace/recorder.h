@@ -1,0 +1,91 @@
+#pragma once
+
+#include <zirk/vufontatlas.h>
+
+#include <atomic>
+#include <chrono>
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <span>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "fields.h"
+#include "ring.h"
+#include "tracefile.h"
+
+namespace ZIRK::trace {
+
+/// Writes records into the ring, as long as there is one, in the order in which operations end.
+/// Any thread may call. Logs nothing.
+class Recorder {
+ public:
+  /// The process's one.
+  static Recorder& Get();
+
+  bool IsOn() const { return isOn_.load(std::memory_order_relaxed); }
+  Id NewId() { return Id{++lastId_}; }
+
+  /// Writes a record with these fields.
+  template <class... T>
+  void Write(Operation operation, T... fields) {
+    if (!IsOn()) return;
+    const std::lock_guard lock(mutex_);
+    record_.Clear();
+    (Transfer(record_, fields), ...);
+    HandOver(operation, {});
+  }
+
+  /// The content with these bytes, which is written where it was not yet. 0 for one that is too
+  /// large.
+  Id ContentOf(std::span<const uint8_t> bytes);
+  /// That of a file; None where it cannot be read.
+  Id ContentOfFile(const char* path);
+  /// The font, which is written where it is new or has changed. 0 for one that is not the
+  /// library's.
+  Id FontOf(const VuFontImpl* font);
+
+ private:
+  /// Fonts are made and deleted without a record, so one is known by what it was made of.
+  struct KnownFont {
+    Id id = Id::None;
+    std::string path, fallbackPath;
+    FontSource source, fallback;
+    VuFont::OutlineType outlineType = VuFont::OutlineType::None;
+    int outlineThickness = 0;
+    unsigned fallbackGlyph = 0;
+  };
+  struct Hash {
+    uint64_t low, high;
+    bool operator==(const Hash&) const = default;
+  };
+  struct LowHalf {
+    size_t operator()(const Hash& hash) const { return static_cast<size_t>(hash.low); }
+  };
+
+  Recorder();
+  void HandOver(Operation operation, std::span<const uint8_t> content);
+  void MakeFont(KnownFont& known, const FontSource& source);
+  void StyleFont(KnownFont& known, const VuFontAtlas& font);
+
+  std::unique_ptr<Ring> ring_;
+  std::atomic<bool> isOn_{false};
+  std::atomic<uint32_t> lastId_{0};
+  const std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+
+  std::mutex mutex_;  ///< Guards the ring and the record.
+  Encoder head_, record_;
+
+  std::mutex contentMutex_;
+  std::unordered_map<Hash, Id, LowHalf> contents_;
+  std::deque<std::pair<Hash, size_t>> oldest_;
+  size_t contentBytes_ = 0;
+
+  std::mutex fontMutex_;
+  std::unordered_map<const VuFontImpl*, KnownFont> fonts_;
+};
+
+}  // namespace ZIRK::trace

@@ -1,0 +1,40 @@
+#include "traced.h"
+
+#include <typeinfo>
+
+namespace ZIRK::trace {
+
+namespace {
+
+/// Information is asked of the real surface, which the program did not.
+template <class Traced, class Base>
+std::pair<Base*, CreatedValue> WrapAs(Base* real) {
+  if (!real) return {};
+  const VuBitmapInfo info = real->GetInfo();
+  const Id id = Recorder::Get().NewId();
+  return {new Traced(real, id), {id, info.width, info.height, info.format}};
+}
+
+}  // namespace
+
+std::pair<VuBitmapImpl*, CreatedValue> Wrap(VuBitmapImpl* real) {
+  return WrapAs<TracedBitmap>(real);
+}
+
+std::pair<VuScreenImpl*, CreatedValue> Wrap(VuScreenImpl* real) {
+  return WrapAs<TracedScreen>(real);
+}
+
+KnownSurface Know(VuBitmapImpl* surface) {
+  if (!surface) return {};
+  // The usual case, without a search in the class hierarchy.
+  if (typeid(*surface) == typeid(TracedBitmap)) {
+    const auto& bitmap = static_cast<const TracedBitmap&>(*surface);
+    return {bitmap.Real(), bitmap.GetId()};
+  }
+  if (const auto* const screen = dynamic_cast<const TracedScreen*>(surface))
+    return {screen->Real(), screen->GetId()};
+  return {surface, Id::None, false};
+}
+
+}  // namespace ZIRK::trace
