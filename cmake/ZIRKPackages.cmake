@@ -106,7 +106,7 @@ if(TARGET zirk_kit)
 endif()
 if(ZIRK_BUILD_TOOLS)
   zirk_package(zirk-tools utils
-    "zirkinfo shows which backends work on a machine, and how they draw."
+    "zirkinfo shows which backends work on a machine, and how they draw;\nzirktrace records what a program draws, and draws it again."
     ${ZIRK_LIBRARY_PACKAGE} libzirkkit${ZIRK_SOVERSION})
   set(CPACK_DEBIAN_ZIRK-TOOLS_PACKAGE_SUGGESTS zirk-backends)
 endif()

@@ -1,0 +1,243 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <sstream>
+#include <string>
+
+#include "fields.h"
+#include "player.h"
+#include "program.h"
+#include "tracefile.h"
+
+namespace ZIRK::trace {
+namespace {
+
+using testing::ContainsRegex;
+using testing::HasSubstr;
+
+const std::string kFolder = helpers::FolderOf("zirktrace_test");
+
+helpers::Result Zirktrace(const std::string& arguments, const std::string& prefix = "") {
+  setenv("TRACED", ZIRK_TRACED_PROGRAM, 1);
+  setenv("EXAMPLES", ZIRK_EXAMPLES, 1);
+  return helpers::Run(kFolder, prefix + " " ZIRKTRACE " " + arguments);
+}
+
+std::string FileBytes(const std::string& name) {
+  std::ifstream file(kFolder + '/' + name, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+bool MayBeMissing(const std::string& backend) {
+  const char* const required =
+      backend == "DirectFB" ? "ZIRK_TEST_REQUIRE_DIRECTFB" : "ZIRK_TEST_REQUIRE_GL";
+  return backend != "Hybrid" && !std::getenv(required);
+}
+
+/// The program draws by every kind of operation and is killed in its second frame.
+TEST(ZirktraceProgram, ReplaysAKilledProgramUpToItsEnd) {
+  for (const std::string backend : {"FB", "Hybrid", "OpenGLES2", "DirectFB"}) {
+    SCOPED_TRACE(backend);
+    const std::string file = backend + ".zirktrace", pictures = backend + "-pictures/";
+    const auto recorded =
+        Zirktrace("record -o " + file + " $TRACED " + backend + " first.png second.png",
+                  "DFBARGS=system=dummy");
+    if (recorded.status != 128 + SIGKILL && MayBeMissing(backend)) continue;
+    ASSERT_EQ(recorded.status, 128 + SIGKILL) << recorded.output;
+    const auto replayed =
+        Zirktrace("replay --png " + pictures + " " + file, "DFBARGS=system=dummy");
+    EXPECT_EQ(replayed.status, 0);
+    EXPECT_THAT(replayed.output, ContainsRegex("^operations: [0-9]+\nframes: 1\n$"));
+    EXPECT_TRUE(FileBytes("first.png") == FileBytes(pictures + "frame-000001.png"));
+    EXPECT_TRUE(FileBytes("second.png") == FileBytes(pictures + "frame-000002.png"));
+    EXPECT_THAT(Zirktrace("dump --frames 2- " + file).output,
+                ContainsRegex("^[0-9]+ frame 2 thread 0 [0-9.]+ ms @[0-9]+\\.ClearTo\\(#FF203040\\)"
+                              "\n[^\n]*DrawRect[^\n]*\n.*GetPixels[^\n]* -> true\n[^\n]*\n$"));
+  }
+}
+
+TEST(ZirktraceProgram, ReplaysExamplesByAllBackends) {
+  for (const std::string example : {"01-minimal", "03-images", "09-text-box"}) {
+    const std::string file = example + ".zirktrace", picture = example + ".png";
+    const auto recorded =
+        Zirktrace("record $EXAMPLES/" + example + " " + picture, "ZIRK_DEFAULT_GFX_BACKEND=FB");
+    ASSERT_EQ(recorded.status, 0) << recorded.output;
+    EXPECT_EQ(Zirktrace("replay --loop 2 --png examples " + file).status, 0);
+    EXPECT_TRUE(FileBytes(picture) == FileBytes("examples/frame-000001.png"));
+    for (const std::string backend : {"FB", "Hybrid", "OpenGLES2", "DirectFB"}) {
+      const auto compared =
+          Zirktrace("replay --compare FB " + backend + " " + file, "DFBARGS=system=dummy");
+      if (compared.status == 1 && MayBeMissing(backend)) continue;
+      EXPECT_EQ(compared.output, "the same\n") << example << " by " << backend;
+    }
+  }
+  const auto differs = Zirktrace("replay --compare --png differs FB Stub 01-minimal.zirktrace");
+  EXPECT_EQ(differs.status, 3);
+  EXPECT_THAT(differs.output, ContainsRegex("^frame: 1\noperation: 3 .*ClearTo\\(.*\nworst: 255 "));
+  EXPECT_FALSE(FileBytes("differs/differs-2-Stub.png").empty());
+}
+
+struct Case {
+  const char* arguments;
+  int status;
+  const char* pattern;
+};
+
+TEST(ZirktraceProgram, AnswersAsItsManualSays) {
+  const Case cases[] = {
+      {"--version", 0, "^zirktrace " ZIRK_VERSION "\n$"},
+      {"-h", 0, "Exit status: 0"},
+      {"", 2, "^zirktrace: a command is missing; [^\n]*\n$"},
+      {"paint", 2, "^zirktrace: unknown command 'paint'; [^\n]*\n$"},
+      {"replay", 2, "^zirktrace: 'replay' needs more operands; [^\n]*\n$"},
+      {"replay --compare FB f", 2, "'replay' needs more operands"},
+      {"replay --frames 3-2 f", 2, "^zirktrace: --frames: '3-2' will not do; [^\n]*\n$"},
+      {"replay --frames - f", 2, "--frames: '-' will not do"},
+      {"replay --loop 0 f", 2, "--loop: '0' will not do"},
+      {"dump --loop 2 f", 2, "^zirktrace: 'dump' has no option --loop; [^\n]*\n$"},
+      {"info a b", 2, "^zirktrace: unexpected 'b'; [^\n]*\n$"},
+      {"info no.zirktrace", 1, "zirktrace: no.zirktrace: cannot be read\n$"},
+      {"replay /dev/null", 1, "^zirktrace: /dev/null: no trace\n$"},
+      {"record -o no/a $TRACED", 1, "^zirktrace: no/a: No such file or directory\n$"},
+      {"record -o a.zirktrace no-program", 1, "^zirktrace: no-program: No such file"},
+      {"record -o a.zirktrace -- true -o b", 1, "^zirktrace: true: opened no backend of the"},
+      {"record -o /dev/full $EXAMPLES/01-minimal", 1, "zirktrace: /dev/full: No space left"},
+  };
+  for (const Case& c : cases) {
+    const helpers::Result result = Zirktrace(c.arguments);
+    EXPECT_EQ(result.status, c.status) << c.arguments << '\n' << result.output;
+    EXPECT_THAT(result.output, ContainsRegex(c.pattern)) << c.arguments;
+  }
+}
+
+/// A trace of these records.
+class Trace {
+ public:
+  template <class... T>
+  Trace& Add(Operation operation, T... fields) {
+    Encoder body;
+    (Transfer(body, fields), ...);
+    return AddRaw(static_cast<uint32_t>(kHeadSize - 4 + body.Bytes().size()), operation,
+                  body.Bytes());
+  }
+  Trace& AddRaw(uint32_t length, Operation operation, std::span<const uint8_t> body = {}) {
+    Encoder head;
+    RecordHead values{length, operation, 0, 0};
+    Transfer(head, values);
+    bytes_.insert(bytes_.end(), head.Bytes().begin(), head.Bytes().end());
+    bytes_.insert(bytes_.end(), body.begin(), body.end());
+    return *this;
+  }
+  /// As a file has it.
+  std::string InFile() const {
+    const std::string name = testing::UnitTest::GetInstance()->current_test_info()->name();
+    const auto writer = TraceWriter::Create(kFolder + '/' + name);
+    return writer->Add(bytes_) && writer->Flush() ? FileBytes(name) : "";
+  }
+
+ private:
+  std::vector<uint8_t> bytes_;
+};
+
+struct Played {
+  std::string problem;
+  uint64_t operations = 0;
+  bool isCut = false;
+};
+
+Played Play(const std::string& bytes) {
+  std::istringstream stream(bytes);
+  TraceReader reader(stream);
+  Player player("FB");
+  Played played;
+  for (Record record; reader.Next(record); ++played.operations)
+    if (!player.Play(record)) return {player.Problem(), record.number};
+  played.problem = reader.Problem();
+  played.isCut = reader.IsCut();
+  return played;
+}
+
+constexpr Id kContext{1}, kSurface{2}, kOther{3}, kNothing{99};
+
+Trace Begun() {
+  Trace trace;
+  trace.Add(Operation::OpenContext, kContext, "libZIRKImplFB.so", false)
+      .Add(Operation::CreateBitmap, kContext, 8, 8, VuPixelFormat::ARGB8888,
+           CreatedValue{kSurface, 8, 8, VuPixelFormat::ARGB8888})
+      .Add(Operation::Content, kOther, uint64_t{0});
+  return trace;
+}
+
+TEST(TraceReader, RefusesWhatIsNoTrace) {
+  const VuRect part{0, 0, 8, 8};
+  const std::tuple<const char*, Trace, const char*> cases[] = {
+      {"length", Begun().AddRaw(0xFFFFFFFF, Operation::Clear),
+       "operation 4: a length of 4294967295"},
+      {"short", Begun().AddRaw(3, Operation::Clear), "operation 4: a length of 3"},
+      {"number", Begun().Add(Operation{999}), "operation 4: unknown number 999"},
+      {"fields", Begun().Add(Operation::ClearTo, kSurface), "ClearTo has wrong fields"},
+      {"more", Begun().Add(Operation::Clear, kSurface, 1), "Clear has wrong fields"},
+      {"text", Begun().Add(Operation::SetName, kSurface, uint32_t{2}, uint16_t{0x4141}),
+       "SetName has wrong fields"},
+      {"object", Begun().Add(Operation::Clear, kNothing), "there is no surface 99"},
+      {"context", Begun().Add(Operation::FlushContext, kSurface), "there is no object 2"},
+      {"screen", Begun().Add(Operation::SwapBuffers, kSurface), "the surface is no screen"},
+      {"source", Begun().Add(Operation::CopyPixels, kSurface, VuPoint{}, Id::None, part, true),
+       "there is no surface 0"},
+      {"closed", Begun().Add(Operation::Close, kContext).Add(Operation::Clear, kSurface),
+       "there is no surface 2"},
+      {"pixels", Begun().Add(Operation::SetPixels, kSurface, part, kOther, 32u, true),
+       "fewer pixels than the part has"},
+      {"negative",
+       Begun().Add(Operation::SetPixels, kSurface, VuRect{0, 0, -1, -1}, kOther, 4u, true),
+       "fewer pixels than the part has"},
+      {"overflow",
+       Begun().Add(Operation::PixelsWritten, kSurface, VuRect{0, 0, 1 << 30, 1 << 30}, kOther),
+       "fewer pixels than the part has"},
+      {"memory", Begun().Add(Operation::BitmapSizeOfMemory, kContext, kOther, 9u, 0u),
+       "more bytes than the content has"},
+      {"content", Begun().Add(Operation::BitmapSizeOfFile, kContext, FileValue{"f", kNothing}, 0u),
+       "there is no content 99"},
+      {"size",
+       Begun().Add(Operation::CreateBitmap, kContext, 1 << 30, 1 << 30, VuPixelFormat::A8,
+                   CreatedValue{kOther, 1, 1, VuPixelFormat::A8}),
+       "the backend makes no such surface"},
+  };
+  for (const auto& [name, trace, problem] : cases)
+    EXPECT_THAT(Play(trace.InFile()).problem, HasSubstr(problem)) << name;
+  EXPECT_EQ(Play("").problem, "no trace");
+  std::string newer = Begun().InFile();
+  newer[8] = 7;
+  EXPECT_EQ(Play(newer).problem, "of version 7");
+}
+
+/// Several blocks, cut and changed at every byte.
+TEST(TraceReader, UsesACutTraceAndNoChangedOne) {
+  Trace trace = Begun();
+  for (int i = 0; i < 5; ++i) trace.Add(Operation::ClearTo, kSurface, VuColor(uint32_t(i)));
+  std::string whole = trace.InFile();
+  const size_t block = whole.size();
+  whole += Trace().Add(Operation::Clear, kSurface).InFile().substr(12);
+  for (size_t size = 0; size <= whole.size(); ++size) {
+    const Played cut = Play(whole.substr(0, size));
+    EXPECT_EQ(cut.problem, size < 12 ? "no trace" : "") << size;
+    EXPECT_EQ(cut.isCut, size > 12 && size != block && size != whole.size()) << size;
+    EXPECT_EQ(cut.operations, size == whole.size() ? 9u : size >= block ? 8u : 0u) << size;
+  }
+  for (size_t at = 0; at < whole.size(); ++at)
+    for (const int bit : {0, 3, 7}) {
+      std::string changed = whole;
+      changed[at] = static_cast<char>(changed[at] ^ 1 << bit);
+      const Played played = Play(changed);
+      // A few bits of zstd do not matter.
+      EXPECT_TRUE(!played.problem.empty() || played.isCut || played.operations == 9)
+          << at << " bit " << bit;
+    }
+}
+
+}  // namespace
+}  // namespace ZIRK::trace

@@ -1,0 +1,194 @@
+#include "commandline.h"
+
+#include <getopt.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cstdio>
+#include <cstring>
+
+namespace ZIRK::trace {
+
+namespace {
+
+constexpr char kHelp[] =
+    R"(usage: zirktrace record [-o FILE] [--] PROGRAM [ARGUMENT...]
+       zirktrace replay [--backend NAME] [--frames A-B] [--loop N] [--png FOLDER] FILE
+       zirktrace replay --compare [--worst STEPS] [--frames A-B] [--png FOLDER] A B FILE
+       zirktrace dump [--frames A-B] FILE
+       zirktrace info FILE
+
+record     runs a program and writes down what it draws; a trace holds the
+           program's fonts, texts and pictures
+replay     draws it again, without the program, by any backend
+dump       prints the operations of a trace, one a line
+info       says what is in a trace
+
+  -o, --output FILE  the trace, named after the program unless given
+  --backend NAME     the backend that draws, that of the recording unless given
+  --frames A-B       only these frames, counted from 1: A, A-, -B or A-B
+  --loop N           replay so many times
+  --png FOLDER       write what each frame shows, or the pictures that differ
+  --compare          replay by the backends A and B, and name the first operation
+                     after which they differ
+  --worst STEPS      difference of a channel, of 255, that is let pass; 2 unless given
+  --verbose          let the library's log lines through
+  -h, --help, --version
+
+Exit status: 0 if all went well, 1 if something asked for could not be done,
+2 if the command line is wrong, 3 if backends differ; record ends as the
+program does.
+)";
+
+enum OptionCode {
+  kOutput = 'o',
+  kHelpOption = 'h',
+  kBackend = 1000,
+  kFrames,
+  kLoop,
+  kPng,
+  kCompare,
+  kWorst,
+  kVerbose,
+  kVersion,
+};
+
+constexpr option kOptions[] = {
+    {"output", required_argument, nullptr, kOutput},
+    {"backend", required_argument, nullptr, kBackend},
+    {"frames", required_argument, nullptr, kFrames},
+    {"loop", required_argument, nullptr, kLoop},
+    {"png", required_argument, nullptr, kPng},
+    {"compare", no_argument, nullptr, kCompare},
+    {"worst", required_argument, nullptr, kWorst},
+    {"verbose", no_argument, nullptr, kVerbose},
+    {"help", no_argument, nullptr, kHelpOption},
+    {"version", no_argument, nullptr, kVersion},
+    {},
+};
+
+struct Command {
+  const char* name;
+  std::vector<int> options;
+  size_t operands;
+};
+
+const Command* FindCommand(const std::string& name) {
+  static const Command kCommands[] = {
+      {"record", {kOutput}, 1},
+      {"replay", {kBackend, kFrames, kLoop, kPng, kCompare, kWorst}, 1},
+      {"dump", {kFrames}, 1},
+      {"info", {}, 1},
+  };
+  for (const Command& command : kCommands)
+    if (name == command.name) return &command;
+  return nullptr;
+}
+
+/// Says what is wrong and gives the program's status.
+template <typename... Values>
+int Wrong(const char* format, Values... values) {
+  std::fputs("zirktrace: ", stderr);
+  std::fprintf(stderr, format, values...);
+  std::fputs("; see zirktrace --help\n", stderr);
+  return kWrongUsage;
+}
+
+template <class T>
+bool ReadNumber(const char* begin, const char* end, T least, T most, T& number) {
+  const auto [stop, error] = std::from_chars(begin, end, number);
+  return error == std::errc() && stop == end && number >= least && number <= most;
+}
+
+/// A, A-, -B or A-B.
+bool ReadFrames(const std::string& text, CommandLine& line) {
+  constexpr uint64_t kMost = UINT64_MAX - 1;
+  const char *const begin = text.data(), *const end = begin + text.size();
+  const char* const dash = std::find(begin, end, '-');
+  if (text.empty() || text == "-") return false;
+  if (dash != begin && !ReadNumber(begin, dash, uint64_t{1}, kMost, line.firstFrame)) return false;
+  if (dash == end) line.lastFrame = line.firstFrame;
+  return dash == end || dash + 1 == end ||
+         ReadNumber(dash + 1, end, line.firstFrame, kMost, line.lastFrame);
+}
+
+/// False if the option's argument will not do.
+bool TakeOption(int code, const char* argument, CommandLine& line) {
+  const char* const end = argument ? argument + std::strlen(argument) : nullptr;
+  switch (code) {
+    case kOutput:
+      line.output = argument;
+      return argument != end;
+    case kBackend:
+      line.backend = argument;
+      return argument != end;
+    case kFrames:
+      return ReadFrames(argument, line);
+    case kLoop:
+      return ReadNumber(argument, end, 1, 1'000'000'000, line.loops);
+    case kPng:
+      line.pngFolder = argument;
+      return argument != end;
+    case kCompare:
+      line.compares = true;
+      return true;
+    case kWorst:
+      return ReadNumber(argument, end, 0, 255, line.worst);
+    case kVerbose:
+      line.isVerbose = true;
+      return true;
+  }
+  return true;
+}
+
+const char* NameOf(int code) {
+  for (const option& o : kOptions)
+    if (o.val == code) return o.name;
+  return "";
+}
+
+/// Whether the options and operands go with the command; else the status.
+int Check(const CommandLine& line, const std::vector<int>& used) {
+  const Command* const command = FindCommand(line.command);
+  if (line.command.empty()) return Wrong("a %s is missing", "command");
+  if (!command) return Wrong("unknown command '%s'", line.command.c_str());
+  for (const int code : used)
+    if (code != kVerbose && std::count(command->options.begin(), command->options.end(), code) == 0)
+      return Wrong("'%s' has no option --%s", command->name, NameOf(code));
+  const size_t operands = line.compares ? 3 : command->operands;
+  if (line.operands.size() < operands) return Wrong("'%s' needs more operands", command->name);
+  if (line.operands.size() > operands && line.command != "record")
+    return Wrong("unexpected '%s'", line.operands[operands].c_str());
+  if (line.compares && !line.backend.empty())
+    return Wrong("either --%s or --compare", NameOf(kBackend));
+  return kDone;
+}
+
+}  // namespace
+
+bool ParseCommandLine(int argc, char** argv, CommandLine& line, int& status) {
+  opterr = 0;
+  std::vector<int> used;
+  if (argc > 1 && argv[1][0] != '-') {
+    line.command = argv[1];
+    ++argv, --argc;
+  }
+  // The options of the program that is recorded are its own.
+  const char* const letters = line.command == "record" ? "+:ho:" : ":ho:";
+  for (int code; (code = getopt_long(argc, argv, letters, kOptions, nullptr)) != -1;) {
+    status = kDone;
+    if (code == kHelpOption) return std::fputs(kHelp, stdout), false;
+    if (code == kVersion) return std::puts("zirktrace " ZIRK_VERSION), false;
+    if (code == ':') return status = Wrong("%s needs an argument", argv[optind - 1]), false;
+    if (code == '?' && optopt) return status = Wrong("wrong option -%c", optopt), false;
+    if (code == '?') return status = Wrong("wrong option %s", argv[optind - 1]), false;
+    if (!TakeOption(code, optarg, line))
+      return status = Wrong("--%s: '%s' will not do", NameOf(code), optarg), false;
+    used.push_back(code);
+  }
+  line.operands.assign(argv + optind, argv + argc);
+  status = Check(line, used);
+  return status == kDone;
+}
+
+}  // namespace ZIRK::trace

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace ZIRK::trace {
+
+enum ExitStatus {
+  kDone = 0,
+  kFailed = 1,      ///< Something asked for could not be done.
+  kWrongUsage = 2,  ///< The command line is wrong.
+  kDiffers = 3,     ///< Two backends draw different pictures.
+};
+
+struct CommandLine {
+  std::string command;
+  std::vector<std::string> operands;
+
+  std::string output;   ///< Empty for one named after the program.
+  std::string backend;  ///< Empty for the one of the recording.
+  std::string pngFolder;
+  uint64_t firstFrame = 1, lastFrame = UINT64_MAX;
+  int loops = 1;
+  int worst = 2;
+  bool compares = false;
+  bool isVerbose = false;
+};
+
+/// Reads the arguments. False if that is all that is to be done: `status` is then the program's,
+/// and help, the version or what is wrong has been printed.
+bool ParseCommandLine(int argc, char** argv, CommandLine& line, int& status);
+
+}  // namespace ZIRK::trace

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+
+namespace ZIRK::trace {
+
+/// A file without a name in any folder, for what is opened by a path.
+class MemoryFile {
+ public:
+  /// Empty where it cannot be made.
+  static std::shared_ptr<const MemoryFile> Create(std::span<const uint8_t> bytes);
+  ~MemoryFile();
+  MemoryFile(const MemoryFile&) = delete;
+  MemoryFile& operator=(const MemoryFile&) = delete;
+
+  const std::string& Path() const { return path_; }
+
+ private:
+  explicit MemoryFile(int descriptor);
+
+  const int descriptor_;
+  const std::string path_;
+};
+
+}  // namespace ZIRK::trace

@@ -1,0 +1,114 @@
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <thread>
+
+#include "commands.h"
+#include "ring.h"
+#include "tracefile.h"
+
+namespace ZIRK::trace {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+namespace fs = std::filesystem;
+
+constexpr auto kPause = std::chrono::milliseconds(2);
+/// The most that a crash of this program or of the machine costs.
+constexpr auto kFlushInterval = std::chrono::milliseconds(100);
+
+int Failed(const std::string& what) {
+  std::fprintf(stderr, "zirktrace: %s: %s\n", what.c_str(), std::strerror(errno));
+  return kFailed;
+}
+
+/// The plug-ins that record, where they lie beside this program's own file.
+std::string FolderOfPlugins() {
+  std::error_code error;
+  const fs::path program = fs::canonical("/proc/self/exe", error);
+  return (program.parent_path() / ZIRK_TRACE_PLUGINS).lexically_normal();
+}
+
+/// Runs the program with the plug-ins that record in front of the others; -1 with `errno`.
+pid_t Start(const std::vector<std::string>& command, const Ring& ring) {
+  const char* const before = std::getenv("LD_LIBRARY_PATH");
+  const std::string path = FolderOfPlugins() + (before && *before ? std::string(":") + before : "");
+  setenv("LD_LIBRARY_PATH", path.c_str(), 1);
+  setenv(kRingVariable, std::to_string(ring.Descriptor()).c_str(), 1);
+  std::vector<char*> arguments;
+  for (const std::string& argument : command)
+    arguments.push_back(const_cast<char*>(argument.c_str()));
+  arguments.push_back(nullptr);
+  pid_t program = -1;
+  errno = posix_spawnp(&program, arguments[0], nullptr, nullptr, arguments.data(), environ);
+  return errno == 0 ? program : -1;
+}
+
+/// Moves what is in the ring to the file. False, with `errno`, where it cannot be written.
+bool Drain(Ring& ring, TraceWriter& writer) {
+  for (std::span<const uint8_t> bytes; !(bytes = ring.Readable()).empty();) {
+    if (!writer.Add(bytes)) return false;
+    ring.Consume(bytes.size());
+  }
+  return true;
+}
+
+/// Writes the file until the program has ended, which gives `status`. False, with `errno`, where
+/// the file cannot be written; the program then goes on.
+bool WriteTrace(Ring& ring, TraceWriter& writer, pid_t program, int& status) {
+  bool isWritten = true, hasEnded = false;
+  for (Clock::time_point flushed = Clock::now(); !hasEnded;) {
+    // Looked at first: what it did before its end is in the ring then.
+    hasEnded = waitpid(program, &status, isWritten ? WNOHANG : 0) == program;
+    if (!isWritten) continue;
+    isWritten = Drain(ring, writer);
+    if (isWritten && (hasEnded || Clock::now() - flushed > kFlushInterval)) {
+      isWritten = writer.Flush();
+      flushed = Clock::now();
+    }
+    if (!isWritten) ring.Close();
+    if (!hasEnded && isWritten) std::this_thread::sleep_for(kPause);
+  }
+  return isWritten;
+}
+
+}  // namespace
+
+int RecordProgram(const CommandLine& line) {
+  const std::string file = line.output.empty()
+                               ? fs::path(line.operands[0]).filename().string() + ".zirktrace"
+                               : line.output;
+  const std::unique_ptr<Ring> ring = Ring::Create();
+  if (!ring) return Failed("memory to share");
+  const std::unique_ptr<TraceWriter> writer = TraceWriter::Create(file);
+  if (!writer) return Failed(file);
+  const pid_t program = Start(line.operands, *ring);
+  if (program < 0) {
+    Failed(line.operands[0]);
+    std::remove(file.c_str());
+    return kFailed;
+  }
+  // What the terminal sends is for the program; this one then writes the rest.
+  std::signal(SIGINT, SIG_IGN);
+  std::signal(SIGQUIT, SIG_IGN);
+  int status = 0;
+  if (!WriteTrace(*ring, *writer, program, status)) Failed(file);
+  if (!ring->IsClaimed()) {
+    std::fprintf(stderr, "zirktrace: %s: opened no backend of the library\n",
+                 line.operands[0].c_str());
+    return kFailed;
+  }
+  constexpr int kSignal = 128;
+  return WIFEXITED(status) ? WEXITSTATUS(status) : kSignal + WTERMSIG(status);
+}
+
+}  // namespace ZIRK::trace
