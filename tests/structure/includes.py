@@ -107,6 +107,8 @@ class Checker:
         names = [f"{root}/{name}" for root in roots]
         if area not in ("src", "include", "backends") and name.startswith("support/"):
             names.append(name)
+        if area == "fuzz" and name.startswith("tools/"):
+            names.append(name)
         return next((target for target in names if target in self.files), None)
 
     def fault_of_public(self, path, name):

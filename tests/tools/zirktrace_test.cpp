@@ -51,7 +51,7 @@ TEST(ZirktraceProgram, ReplaysAKilledProgramUpToItsEnd) {
     const auto replayed =
         Zirktrace("replay --png " + pictures + " " + file, "DFBARGS=system=dummy");
     EXPECT_EQ(replayed.status, 0);
-    EXPECT_THAT(replayed.output, ContainsRegex("^operations: [0-9]+\nframes: 1\n$"));
+    EXPECT_THAT(replayed.output, ContainsRegex("^operations: [0-9]+\nframes: 1\n"));
     EXPECT_TRUE(FileBytes("first.png") == FileBytes(pictures + "frame-000001.png"));
     EXPECT_TRUE(FileBytes("second.png") == FileBytes(pictures + "frame-000002.png"));
     EXPECT_THAT(Zirktrace("dump --frames 2- " + file).output,
@@ -72,7 +72,8 @@ TEST(ZirktraceProgram, ReplaysExamplesByAllBackends) {
       const auto compared =
           Zirktrace("replay --compare FB " + backend + " " + file, "DFBARGS=system=dummy");
       if (compared.status == 1 && MayBeMissing(backend)) continue;
-      EXPECT_EQ(compared.output, "the same\n") << example << " by " << backend;
+      EXPECT_THAT(compared.output, testing::StartsWith("the same\n"))
+          << example << " by " << backend;
     }
   }
   const auto differs = Zirktrace("replay --compare --png differs FB Stub 01-minimal.zirktrace");

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 #include <span>
+#include <tuple>
 #include <type_traits>
 #include <variant>
 #include <vector>
@@ -183,7 +184,7 @@ template <class Archive, int N>
 void Transfer(Archive& archive, PointsValue<N>& value) {
   Transfer(archive, value.isThere);
   if (!value.isThere) return;
-  for (VuTVector2D<float>& point : value.points) Transfer(archive, point);
+  std::apply([&](auto&... point) { archive.Group(point...); }, value.points);
 }
 template <class Archive>
 void Transfer(Archive& archive, std::vector<LayerDescription>& value) {
