@@ -1,5 +1,5 @@
 // A program that draws by every kind of operation: tracedprogram BACKEND FIRST.png SECOND.png
-// It ends by SIGKILL in the middle of its second frame.
+// It shows two frames and ends by SIGKILL in the third, whose picture is SECOND.png.
 
 #include <zirk/kit/pictures.h>
 #include <zirk/zirk.h>
@@ -120,8 +120,14 @@ int main(int argc, char** argv) {
   if (!kit::SavePng(*screen, argv[2])) return 1;
   screen->SwapBuffers();
 
-  screen->Clear(0xFF203040);
-  screen->DrawRect({20, 20, 100, 50}, 0xFFFFFFFF);
+  // On what the first frame left, by its blending and clipping.
+  screen->SetBlendingFunc(VuBlendingFactor::BlendAlpha, VuBlendingFactor::OneMinusBlendAlpha,
+                          VuBlendingFactor::One, VuBlendingFactor::Zero);
+  picture->SetScaleMode(VuScaleMode::Bilinear);
+  screen->SwapBuffers();
+  screen->DrawRect({0, 0, 100, 50}, 0xFFFFFFFF);
+  screen->DrawObject({100, 100, 60, 60}, *picture);
+  screen->DrawObject({170, 100, 40, 40}, *locked);
   if (!kit::SavePng(*screen, argv[3])) return 1;
   std::raise(SIGKILL);
 }

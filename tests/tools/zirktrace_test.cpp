@@ -38,7 +38,7 @@ bool MayBeMissing(const std::string& backend) {
   return backend != "Hybrid" && !std::getenv(required);
 }
 
-/// The program draws by every kind of operation and is killed in its second frame.
+/// The program draws by every kind of operation and is killed in its third frame.
 TEST(ZirktraceProgram, ReplaysAKilledProgramUpToItsEnd) {
   for (const std::string backend : {"FB", "Hybrid", "OpenGLES2", "DirectFB"}) {
     SCOPED_TRACE(backend);
@@ -51,13 +51,24 @@ TEST(ZirktraceProgram, ReplaysAKilledProgramUpToItsEnd) {
     const auto replayed =
         Zirktrace("replay --png " + pictures + " " + file, "DFBARGS=system=dummy");
     EXPECT_EQ(replayed.status, 0);
-    EXPECT_THAT(replayed.output, ContainsRegex("^operations: [0-9]+\nframes: 1\n"));
+    EXPECT_THAT(replayed.output, ContainsRegex("^operations: [0-9]+\nframes: 2\n"));
     EXPECT_TRUE(FileBytes("first.png") == FileBytes(pictures + "frame-000001.png"));
-    EXPECT_TRUE(FileBytes("second.png") == FileBytes(pictures + "frame-000002.png"));
-    EXPECT_THAT(Zirktrace("dump --frames 2- " + file).output,
-                ContainsRegex("^[0-9]+ frame 2 thread 0 [0-9.]+ ms @[0-9]+\\.ClearTo\\(#FF203040\\)"
-                              "\n[^\n]*DrawRect[^\n]*\n.*GetPixels[^\n]* -> true\n[^\n]*\n$"));
+    EXPECT_TRUE(FileBytes("second.png") == FileBytes(pictures + "frame-000003.png"));
+    EXPECT_THAT(Zirktrace("dump --frames 3- " + file).output,
+                ContainsRegex("^[0-9]+ frame 3 thread 0 [0-9.]+ ms @[0-9]+\\.DrawRect\\(\\(0, 0"
+                              ".*GetPixels[^\n]* -> true\n[^\n]*\n$"));
   }
+}
+
+/// The third frame alone, drawn on what the others left.
+TEST(ZirktraceProgram, RecordsSomeFrames) {
+  Zirktrace("record --frames 3 -o third.zirktrace $TRACED FB first-.png third.png");
+  EXPECT_EQ(Zirktrace("replay --png third third.zirktrace").status, 0);
+  EXPECT_TRUE(FileBytes("third.png") == FileBytes("third/frame-000001.png"));
+  EXPECT_EQ(Zirktrace("replay --compare FB Hybrid third.zirktrace").output.substr(0, 9),
+            "the same\n");
+  Zirktrace("record --frames -2 -o begin.zirktrace $TRACED FB first-.png third.png");
+  EXPECT_THAT(Zirktrace("dump begin.zirktrace").output, ContainsRegex("SwapBuffers\\(\\)\n$"));
 }
 
 TEST(ZirktraceProgram, ReplaysExamplesByAllBackends) {

@@ -12,7 +12,7 @@ namespace ZIRK::trace {
 namespace {
 
 constexpr char kHelp[] =
-    R"(usage: zirktrace record [-o FILE] [--] PROGRAM [ARGUMENT...]
+    R"(usage: zirktrace record [-o FILE] [--frames A-B] [--] PROGRAM [ARGUMENT...]
        zirktrace replay [--backend NAME] [--frames A-B] [--loop N] [--png FOLDER] FILE
        zirktrace replay --compare [--worst STEPS] [--frames A-B] [--png FOLDER] A B FILE
        zirktrace dump [--frames A-B] FILE
@@ -75,7 +75,7 @@ struct Command {
 
 const Command* FindCommand(const std::string& name) {
   static const Command kCommands[] = {
-      {"record", {kOutput}, 1},
+      {"record", {kOutput, kFrames}, 1},
       {"replay", {kBackend, kFrames, kLoop, kPng, kCompare, kWorst}, 1},
       {"dump", {kFrames}, 1},
       {"info", {}, 1},

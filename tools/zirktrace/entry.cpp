@@ -60,24 +60,20 @@ void* MakeReal(const char* file, const char* symbol, bool flag) {
 }
 
 template <class Traced, class Real>
-Real* Open(Operation operation, const char* file, const char* symbol, bool flag) {
+Real* Open(const char* file, const char* symbol, bool flag) {
   auto* const real = static_cast<Real*>(MakeReal(file, symbol, flag));
   if (!real) return nullptr;
-  const Id id = Recorder::Get().NewId();
-  Recorder::Get().Write(operation, id, file, flag);
-  return new Traced(real, id);
+  return new Traced(real, Recorder::Get().NewId(), file, flag);
 }
 
 }  // namespace
 
 void* OpenTracedGraphics(const char* file, bool flag) {
-  return Open<TracedGraphics, VuGraphicsImpl>(Operation::OpenContext, file, "CreateVuGraphics",
-                                              flag);
+  return Open<TracedGraphics, VuGraphicsImpl>(file, "CreateVuGraphics", flag);
 }
 
 void* OpenTracedCompositor(const char* file, bool flag) {
-  return Open<TracedCompositor, VuCompositorImpl>(Operation::OpenCompositor, file,
-                                                  "CreateVuCompositor", flag);
+  return Open<TracedCompositor, VuCompositorImpl>(file, "CreateVuCompositor", flag);
 }
 
 void CloseTracedGraphics(void* graphics) {

@@ -20,10 +20,10 @@ struct KnownSurface {
 };
 KnownSurface Know(VuBitmapImpl* surface);
 
-/// What the program gets for a surface of the real backend, and what the trace gets. Null stays
-/// null.
-std::pair<VuBitmapImpl*, CreatedValue> Wrap(VuBitmapImpl* real);
-std::pair<VuScreenImpl*, CreatedValue> Wrap(VuScreenImpl* real);
+/// What the program gets for a surface that the context's real backend has made, and what the trace
+/// gets. Null stays null.
+std::pair<VuBitmapImpl*, CreatedValue> Wrap(VuBitmapImpl* real, Id context);
+std::pair<VuScreenImpl*, CreatedValue> Wrap(VuScreenImpl* real, Id context);
 
 /// What a row's parameter is in C++.
 template <class W>
@@ -132,7 +132,7 @@ auto Forward(Operation operation, Result (*)(W...), Id object, const Call& call,
   } else {
     auto result = call(Pass<W>(given)...);
     if constexpr (std::is_same_v<Result, NewBitmap> || std::is_same_v<Result, NewScreen>) {
-      const auto [surface, created] = Wrap(result);
+      const auto [surface, created] = Wrap(result, object);
       RecordCall<W...>(operation, object, kIndices, all, created);
       return surface;
     } else {

@@ -75,9 +75,6 @@ struct NewScreen {};  ///< The same for a screen.
   X(58, SetClippingRect, SetClippingRect, void, , 1, (VuRect))                                    \
   X(59, GetBlendingFunc, GetBlendingFunc, void, const, 2,                                         \
     (Out<VuBlendingFactor>, Out<VuBlendingFactor>))                                               \
-  X(60, SetBlendingFunc, SetBlendingFunc, void, , 2, (VuBlendingFactor, VuBlendingFactor))        \
-  X(61, SetBlendingFuncs, SetBlendingFunc, void, , 4,                                             \
-    (VuBlendingFactor, VuBlendingFactor, VuBlendingFactor, VuBlendingFactor))                     \
   X(62, GetBlendEnabled, GetBlendEnabled, bool, const, 0, ())                                     \
   X(63, SetBlendEnabled, SetBlendEnabled, void, , 1, (bool))                                      \
   X(64, GetBlendColor, GetBlendColor, VuColor, const, 0, ())                                      \
@@ -109,9 +106,12 @@ struct NewScreen {};  ///< The same for a screen.
   X(84, CopyPixels, CopyPixels, bool, , 3, (VuPoint, Source, VuRect))                             \
   X(85, IsTextureBacked, IsTextureBacked, bool, const, 0, ())
 
-/// Surface operations with which pixels come in.
-#define ZIRK_TRACE_LOCK_OPERATIONS(X)  \
-  X(79, Lock, Lock, bool, , 1, (bool)) \
+/// Surface operations with which more is done than recording them.
+#define ZIRK_TRACE_WATCHED_OPERATIONS(X)                                                   \
+  X(60, SetBlendingFunc, SetBlendingFunc, void, , 2, (VuBlendingFactor, VuBlendingFactor)) \
+  X(61, SetBlendingFuncs, SetBlendingFunc, void, , 4,                                      \
+    (VuBlendingFactor, VuBlendingFactor, VuBlendingFactor, VuBlendingFactor))              \
+  X(79, Lock, Lock, bool, , 1, (bool))                                                     \
   X(80, Unlock, Unlock, bool, , 0, ())
 
 #define ZIRK_TRACE_SCREEN_OPERATIONS(X) X(100, SwapBuffers, SwapBuffers, void, , 0, ())
@@ -143,7 +143,7 @@ struct NewScreen {};  ///< The same for a screen.
 #define ZIRK_TRACE_OPERATIONS(X)   \
   ZIRK_TRACE_CONTEXT_OPERATIONS(X) \
   ZIRK_TRACE_SURFACE_OPERATIONS(X) \
-  ZIRK_TRACE_LOCK_OPERATIONS(X)    \
+  ZIRK_TRACE_WATCHED_OPERATIONS(X) \
   ZIRK_TRACE_SCREEN_OPERATIONS(X)  \
   ZIRK_TRACE_COMPOSITOR_OPERATIONS(X)
 

@@ -189,7 +189,7 @@ bool Player::PlayOperation(Operation operation, Decoder& fields) {
 #define X(number, name, method, result, isConst, count, parameters) \
   ZIRK_TRACE_PLAY(SurfaceOf(object_), name, method, result, parameters)
     ZIRK_TRACE_SURFACE_OPERATIONS(X)
-    ZIRK_TRACE_LOCK_OPERATIONS(X)
+    ZIRK_TRACE_WATCHED_OPERATIONS(X)
 #undef X
 #define X(number, name, method, result, isConst, count, parameters) \
   ZIRK_TRACE_PLAY(ScreenOf(object_), name, method, result, parameters)

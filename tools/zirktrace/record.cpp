@@ -39,13 +39,15 @@ std::string FolderOfPlugins() {
 }
 
 /// Runs the program with the plug-ins that record in front of the others; -1 with `errno`.
-pid_t Start(const std::vector<std::string>& command, const Ring& ring) {
+pid_t Start(const CommandLine& line, const Ring& ring) {
   const char* const before = std::getenv("LD_LIBRARY_PATH");
   const std::string path = FolderOfPlugins() + (before && *before ? std::string(":") + before : "");
   setenv("LD_LIBRARY_PATH", path.c_str(), 1);
   setenv(kRingVariable, std::to_string(ring.Descriptor()).c_str(), 1);
+  const std::string frames = std::to_string(line.firstFrame) + '-' + std::to_string(line.lastFrame);
+  setenv(kFramesVariable, frames.c_str(), 1);
   std::vector<char*> arguments;
-  for (const std::string& argument : command)
+  for (const std::string& argument : line.operands)
     arguments.push_back(const_cast<char*>(argument.c_str()));
   arguments.push_back(nullptr);
   pid_t program = -1;
@@ -91,7 +93,7 @@ int RecordProgram(const CommandLine& line) {
   if (!ring) return Failed("memory to share");
   const std::unique_ptr<TraceWriter> writer = TraceWriter::Create(file);
   if (!writer) return Failed(file);
-  const pid_t program = Start(line.operands, *ring);
+  const pid_t program = Start(line, *ring);
   if (program < 0) {
     Failed(line.operands[0]);
     std::remove(file.c_str());

@@ -6,6 +6,7 @@
 #include <xxhash.h>
 
 #include <cstdio>
+#include <cstdlib>
 
 namespace ZIRK::trace {
 
@@ -43,7 +44,14 @@ Recorder& Recorder::Get() {
   return *recorder;
 }
 
-Recorder::Recorder() : ring_(Ring::Claim()), isOn_(ring_ != nullptr) {
+Recorder::Recorder() : ring_(Ring::Claim()) {
+  unsigned long long first = 1, last = UINT64_MAX;
+  const char* const frames = std::getenv(kFramesVariable);
+  if (frames && std::sscanf(frames, "%llu-%llu", &first, &last) == 2) {
+    firstFrame_ = first;
+    lastFrame_ = last;
+  }
+  isOn_ = ring_ && firstFrame_ == 1;
   // A child has a copy of this program's half of the ring.
   pthread_atfork(nullptr, nullptr, [] { Get().isOn_ = false; });
 }
@@ -62,6 +70,25 @@ void Recorder::HandOver(Operation operation, std::span<const uint8_t> content) {
   Transfer(head_, head);
   if (!ring_->Write(head_.Bytes()) || !ring_->Write(fields) || !ring_->Write(content))
     isOn_ = false;
+}
+
+void Recorder::Add(Id id, Described& object) {
+  const std::lock_guard lock(objectMutex_);
+  objects_[id] = &object;
+}
+
+void Recorder::Remove(Id id) {
+  const std::lock_guard lock(objectMutex_);
+  objects_.erase(id);
+}
+
+void Recorder::EndFrame() {
+  const uint64_t done = ++framesDone_;
+  if (done == lastFrame_) isOn_ = false;
+  if (!ring_ || done + 1 != firstFrame_) return;
+  isOn_ = true;
+  const std::lock_guard lock(objectMutex_);
+  for (const auto& [id, object] : objects_) object->Describe();
 }
 
 Id Recorder::ContentOf(std::span<const uint8_t> bytes) {

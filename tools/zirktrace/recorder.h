@@ -5,6 +5,7 @@
 #include <atomic>
 #include <chrono>
 #include <deque>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -18,6 +19,14 @@
 #include "tracefile.h"
 
 namespace ZIRK::trace {
+
+/// An object of the program's that a trace may begin with.
+class Described {
+ public:
+  virtual ~Described() = default;
+  /// Writes the records after which the object is as it is now.
+  virtual void Describe() = 0;
+};
 
 /// Writes records into the ring, as long as there is one, in the order in which operations end.
 /// Any thread may call. Logs nothing.
@@ -38,6 +47,13 @@ class Recorder {
     (Transfer(record_, fields), ...);
     HandOver(operation, {});
   }
+
+  /// Every object of the program's, from when it is made until it is deleted.
+  void Add(Id id, Described& object);
+  void Remove(Id id);
+  /// To be called after a screen was shown: begins and ends recording where not all frames are
+  /// asked for.
+  void EndFrame();
 
   /// The content with these bytes, which is written where it was not yet. 0 for one that is too
   /// large.
@@ -72,12 +88,17 @@ class Recorder {
   void StyleFont(KnownFont& known, const VuFontAtlas& font);
 
   std::unique_ptr<Ring> ring_;
+  uint64_t firstFrame_ = 1, lastFrame_ = UINT64_MAX;
+  std::atomic<uint64_t> framesDone_{0};
   std::atomic<bool> isOn_{false};
   std::atomic<uint32_t> lastId_{0};
   const std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
 
   std::mutex mutex_;  ///< Guards the ring and the record.
   Encoder head_, record_;
+
+  std::mutex objectMutex_;
+  std::map<Id, Described*> objects_;  ///< In the order in which they were made.
 
   std::mutex contentMutex_;
   std::unordered_map<Hash, Id, LowHalf> contents_;

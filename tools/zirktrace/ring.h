@@ -14,6 +14,9 @@ namespace ZIRK::trace {
 /// Names the ring's file descriptor in the program's environment.
 inline constexpr char kRingVariable[] = "ZIRK_TRACE_RING";
 
+/// Has the frames that are recorded, as "A-B"; all where it is not set.
+inline constexpr char kFramesVariable[] = "ZIRK_TRACE_FRAMES";
+
 /// One end of the ring. One process writes, one thread at a time, and one process reads.
 class Ring {
  public:

@@ -8,21 +8,21 @@ namespace {
 
 /// Information is asked of the real surface, which the program did not.
 template <class Traced, class Base>
-std::pair<Base*, CreatedValue> WrapAs(Base* real) {
+std::pair<Base*, CreatedValue> WrapAs(Base* real, Id context) {
   if (!real) return {};
   const VuBitmapInfo info = real->GetInfo();
-  const Id id = Recorder::Get().NewId();
-  return {new Traced(real, id), {id, info.width, info.height, info.format}};
+  const CreatedValue created{Recorder::Get().NewId(), info.width, info.height, info.format};
+  return {new Traced(real, context, created), created};
 }
 
 }  // namespace
 
-std::pair<VuBitmapImpl*, CreatedValue> Wrap(VuBitmapImpl* real) {
-  return WrapAs<TracedBitmap>(real);
+std::pair<VuBitmapImpl*, CreatedValue> Wrap(VuBitmapImpl* real, Id context) {
+  return WrapAs<TracedBitmap>(real, context);
 }
 
-std::pair<VuScreenImpl*, CreatedValue> Wrap(VuScreenImpl* real) {
-  return WrapAs<TracedScreen>(real);
+std::pair<VuScreenImpl*, CreatedValue> Wrap(VuScreenImpl* real, Id context) {
+  return WrapAs<TracedScreen>(real, context);
 }
 
 KnownSurface Know(VuBitmapImpl* surface) {

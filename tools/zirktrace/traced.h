@@ -1,5 +1,8 @@
 #pragma once
 
+#include <array>
+#include <optional>
+
 #include "forwarding.h"
 
 /// @file
@@ -9,10 +12,14 @@ namespace ZIRK::trace {
 
 /// A surface, whose pixels are looked at where the program may have written them.
 template <class Base>
-class TracedSurface : public Base {
+class TracedSurface : public Base, private Described {
  public:
-  TracedSurface(Base* real, Id id) : real_(real), id_(id) {}
+  TracedSurface(Base* real, Id context, const CreatedValue& created)
+      : real_(real), id_(created.id), context_(context), created_(created) {
+    Recorder::Get().Add(id_, *this);
+  }
   ~TracedSurface() override {
+    Recorder::Get().Remove(id_);
     delete real_;
     Recorder::Get().Write(Operation::Close, id_);
   }
@@ -21,6 +28,21 @@ class TracedSurface : public Base {
   Id GetId() const { return id_; }
 
   ZIRK_TRACE_SURFACE_OPERATIONS(ZIRK_TRACE_OVERRIDE)
+
+  // The real surface tells two of the four factors.
+
+  void SetBlendingFunc(VuBlendingFactor src, VuBlendingFactor dst) override {
+    factors_.reset();
+    real_->SetBlendingFunc(src, dst);
+    Recorder::Get().Write(Operation::SetBlendingFunc, id_, src, dst);
+  }
+
+  void SetBlendingFunc(VuBlendingFactor srcColor, VuBlendingFactor dstColor,
+                       VuBlendingFactor srcAlpha, VuBlendingFactor dstAlpha) override {
+    factors_ = {srcColor, dstColor, srcAlpha, dstAlpha};
+    real_->SetBlendingFunc(srcColor, dstColor, srcAlpha, dstAlpha);
+    Recorder::Get().Write(Operation::SetBlendingFuncs, id_, srcColor, dstColor, srcAlpha, dstAlpha);
+  }
 
   bool Lock(bool write) override {
     const bool isLocked = real_->Lock(write);
@@ -55,6 +77,36 @@ class TracedSurface : public Base {
   const Id id_;
 
  private:
+  void Describe() override {
+    Recorder& recorder = Recorder::Get();
+    const auto [id, width, height, format] = created_;
+    if constexpr (std::is_same_v<Base, VuScreenImpl>)
+      recorder.Write(Operation::CreateScreenAs, context_,
+                     VuScreenDescription{width, height, 0, 2, format, false}, created_);
+    else
+      recorder.Write(Operation::CreateBitmap, context_, width, height, format, created_);
+    const VuRect whole{0, 0, width, height};
+    std::vector<uint8_t> pixels(size_t{BytesPerPixel(format)} * static_cast<size_t>(width) *
+                                static_cast<size_t>(height));
+    if (!pixels.empty() && real_->GetPixels(whole, pixels.data()))
+      recorder.Write(Operation::PixelsWritten, id, whole, recorder.ContentOf(pixels));
+    DescribeState();
+  }
+
+  void DescribeState() {
+    Recorder& recorder = Recorder::Get();
+    VuBlendingFactor src{}, dst{};
+    real_->GetBlendingFunc(src, dst);
+    recorder.Write(Operation::SetClippingRect, id_, real_->GetClippingRect());
+    recorder.Write(Operation::SetBlendingFunc, id_, src, dst);
+    if (factors_)
+      recorder.Write(Operation::SetBlendingFuncs, id_, (*factors_)[0], (*factors_)[1],
+                     (*factors_)[2], (*factors_)[3]);
+    recorder.Write(Operation::SetBlendEnabled, id_, real_->GetBlendEnabled());
+    recorder.Write(Operation::SetBlendColor, id_, real_->GetBlendColor());
+    recorder.Write(Operation::SetScaleMode, id_, real_->GetScaleMode());
+  }
+
   std::vector<uint8_t> TightRows(const void* pixels, size_t pitch, int width, int height) const {
     const size_t row = static_cast<size_t>(width) * BytesPerPixel(real_->GetInfo().format);
     std::vector<uint8_t> tight;
@@ -84,6 +136,9 @@ class TracedSurface : public Base {
     Recorder::Get().Write(Operation::PixelsWritten, id_, part, content);
   }
 
+  const Id context_;
+  const CreatedValue created_;
+  std::optional<std::array<VuBlendingFactor, 4>> factors_;  ///< Where the latest ones were four.
   std::vector<uint8_t> before_;  ///< The pixels when they were locked for writing.
 };
 
@@ -96,13 +151,22 @@ class TracedScreen final : public TracedSurface<VuScreenImpl> {
  public:
   using TracedSurface::TracedSurface;
 
-  ZIRK_TRACE_SCREEN_OPERATIONS(ZIRK_TRACE_OVERRIDE)
+  void SwapBuffers() override {
+    real_->SwapBuffers();
+    Recorder::Get().Write(Operation::SwapBuffers, id_);
+    Recorder::Get().EndFrame();
+  }
 };
 
-class TracedGraphics final : public VuGraphicsImpl {
+class TracedGraphics final : public VuGraphicsImpl, private Described {
  public:
-  TracedGraphics(VuGraphicsImpl* real, Id id) : real_(real), id_(id) {}
+  TracedGraphics(VuGraphicsImpl* real, Id id, const char* file, bool flag)
+      : real_(real), id_(id), file_(file), flag_(flag) {
+    Recorder::Get().Add(id_, *this);
+    Describe();
+  }
   ~TracedGraphics() override {
+    Recorder::Get().Remove(id_);
     delete real_;
     Recorder::Get().Write(Operation::Close, id_);
   }
@@ -110,14 +174,23 @@ class TracedGraphics final : public VuGraphicsImpl {
   ZIRK_TRACE_CONTEXT_OPERATIONS(ZIRK_TRACE_OVERRIDE)
 
  private:
+  void Describe() override { Recorder::Get().Write(Operation::OpenContext, id_, file_, flag_); }
+
   VuGraphicsImpl* const real_;
   const Id id_;
+  const char* const file_;  ///< Of the plug-in.
+  const bool flag_;
 };
 
-class TracedCompositor final : public VuCompositorImpl {
+class TracedCompositor final : public VuCompositorImpl, private Described {
  public:
-  TracedCompositor(VuCompositorImpl* real, Id id) : real_(real), id_(id) {}
+  TracedCompositor(VuCompositorImpl* real, Id id, const char* file, bool flag)
+      : real_(real), id_(id), file_(file), flag_(flag) {
+    Recorder::Get().Add(id_, *this);
+    Describe();
+  }
   ~TracedCompositor() override {
+    Recorder::Get().Remove(id_);
     delete real_;
     Recorder::Get().Write(Operation::Close, id_);
   }
@@ -125,8 +198,20 @@ class TracedCompositor final : public VuCompositorImpl {
   ZIRK_TRACE_COMPOSITOR_OPERATIONS(ZIRK_TRACE_OVERRIDE)
 
  private:
+  void Describe() override {
+    Recorder::Get().Write(Operation::OpenCompositor, id_, file_, flag_);
+    int count = 0;
+    real_->GetConfiguration(nullptr, count);
+    std::vector<LayerDescription> layers(static_cast<size_t>(std::max(count, 0)));
+    if (layers.empty()) return;
+    real_->GetConfiguration(layers.data(), count);
+    Recorder::Get().Write(Operation::SetConfiguration, id_, layers, count);
+  }
+
   VuCompositorImpl* const real_;
   const Id id_;
+  const char* const file_;  ///< Of the plug-in.
+  const bool flag_;
 };
 
 }  // namespace ZIRK::trace
