@@ -97,6 +97,12 @@ function(check_examples)
     run("${CMAKE_COMMAND}" -E env ZIRK_FB_DEVICE=/nonexistent "LD_LIBRARY_PATH=${WORK}/examples"
       "${WORK}/examples/${example}" "${WORK}/${example}.png")
   endforeach()
+  # Replaying fails where nothing was recorded.
+  set(trace "${WORK}/05-text.zirktrace")
+  run("${CMAKE_COMMAND}" -E env ZIRK_FB_DEVICE=/nonexistent
+    "${root}/usr/bin/zirktrace" record -o "${trace}" "${WORK}/examples/05-text")
+  run("${CMAKE_COMMAND}" -E env ZIRK_FB_DEVICE=/nonexistent
+    "${root}/usr/bin/zirktrace" replay "${trace}")
 endfunction()
 
 # Nothing stays behind.
