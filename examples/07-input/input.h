@@ -19,6 +19,15 @@ class Input {
   virtual bool Read(std::vector<Touch>& touches) = 0;
 };
 
+/// To be called before the graphics context is made: SDL's events, where the example is built with
+/// SDL and it starts; else null.
+std::unique_ptr<Input> PrepareInput(int width, int height);
+/// Whether the screen is in a window, or on a display, of SDL.
+bool IsInWindow();
+/// Where touches of a screen come from: what was prepared for it, or the machine's own devices.
+/// Null where there is neither.
+std::unique_ptr<Input> OpenInput(std::unique_ptr<Input> prepared, ZIRK::VuRect screen);
+
 /// SDL's events, for screens of this size in windows of SDL. Made before the graphics context,
 /// which leaves the events to a program that has initialised SDL. Null where SDL does not start.
 std::unique_ptr<Input> OpenSdlInput(int width, int height);

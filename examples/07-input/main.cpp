@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
-#include <cstdio>
 #include <thread>
 
 #include "input.h"
@@ -65,31 +64,10 @@ class Replay final : public Input {
   int frame_ = 0;
 };
 
-bool IsInWindow() {
-#ifdef ZIRK_EXAMPLE_SDL
-  return IsShownBySdl();
-#else
-  return false;
-#endif
-}
-
-std::unique_ptr<Input> OpenInput(std::unique_ptr<Input> sdl, VuRect screen) {
-  if (sdl && IsInWindow()) return sdl;
-#ifdef ZIRK_EXAMPLE_EVDEV
-  return OpenEvdevInput(screen);
-#else
-  std::fputs("07-input: built without libevdev, so nothing can be drawn here\n", stderr);
-  return sdl;
-#endif
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
-  std::unique_ptr<Input> input;
-#ifdef ZIRK_EXAMPLE_SDL
-  input = OpenSdlInput(kWidth, kHeight);
-#endif
+  std::unique_ptr<Input> input = PrepareInput(kWidth, kHeight);
   const std::unique_ptr<VuGraphics> graphics(VuGraphics::Create());
   if (!graphics) return 1;
   std::unique_ptr<VuBitmap> screen(graphics->CreateScreen(kWidth, kHeight, true));
