@@ -36,7 +36,7 @@ const Case kCases[] = {
     {"bogus", 2, "^zirkinfo: unknown command 'bogus'; [^\n]*\n$"},
     {"font", 2, "^zirkinfo: 'font' needs more operands; [^\n]*\n$"},
     {"font --size", 2, "^zirkinfo: --size needs an argument; [^\n]*\n$"},
-    {"font --size 1.5 f", 2, "^zirkinfo: --size: '1.5' will not do; [^\n]*\n$"},
+    {"font --size 1.5 f", 2, "^zirkinfo: --size: '1.5' is not valid; [^\n]*\n$"},
     {"card --size 3 f.png", 2, "^zirkinfo: 'card' has no option --size; [^\n]*\n$"},
     {"card", 2, "^zirkinfo: 'card' needs a file to write, or --screen; [^\n]*\n$"},
     {"card a.png b.png", 2, "^zirkinfo: unexpected 'b.png'; [^\n]*\n$"},

@@ -36,8 +36,8 @@ bench      measures how fast the backends draw that open here
   --no-text          draw the card without text
   --size PIXELS      size of the font, 16 unless given
   --characters       list the characters that a face has
-  --worst STEPS      largest difference of a channel, of 255, that is let pass
-  --mean STEPS       mean difference that is let pass
+  --worst STEPS      allowed difference of a channel, of 255
+  --mean STEPS       allowed mean difference
   --output FILE.png  write the difference, eight times as strong
   --json             print JSON instead of a table
   --seconds SECONDS  how long each measurement takes, 1 unless given
@@ -45,11 +45,11 @@ bench      measures how fast the backends draw that open here
   -h, --help, --version
 
 Exit status: 0 if all went well, 1 if something asked for could not be done,
-2 if the command line is wrong, 3 if pictures differ by more than is let pass.
+2 if the command line is wrong, 3 if pictures differ by more than is allowed.
 )";
 
 enum OptionCode {
-  kBackend = 1,
+  kBackend = 1000,
   kScreen,
   kHold,
   kFont,
@@ -63,8 +63,8 @@ enum OptionCode {
   kJson,
   kSeconds,
   kVerbose,
-  kHelpOption,
   kVersion,
+  kHelpOption = 'h',
 };
 
 constexpr option kOptions[] = {
@@ -109,14 +109,7 @@ const Command* FindCommand(const std::string& name) {
   return nullptr;
 }
 
-/// Says what is wrong and gives the program's status.
-template <typename... Values>
-int Wrong(const char* format, Values... values) {
-  std::fputs("zirkinfo: ", stderr);
-  std::fprintf(stderr, format, values...);
-  std::fputs("; see zirkinfo --help\n", stderr);
-  return kWrongUsage;
-}
+constexpr support::Tool kTool = {"zirkinfo", ZIRK_VERSION, kHelp, kOptions};
 
 bool ReadNumber(const char* text, double least, double most, double& number) {
   char* end = nullptr;
@@ -175,12 +168,6 @@ bool TakeOption(int code, const char* argument, CommandLine& line) {
   return true;
 }
 
-const char* NameOf(int code) {
-  for (const option& o : kOptions)
-    if (o.val == code) return o.name;
-  return "";
-}
-
 /// The file that the command writes; empty for none.
 std::string OutputOf(const CommandLine& line) {
   return line.command == "card" && !line.operands.empty() ? line.operands[0] : line.output;
@@ -189,39 +176,31 @@ std::string OutputOf(const CommandLine& line) {
 /// Whether the options and operands go with the command; else the status.
 int Check(const CommandLine& line, const std::vector<int>& used) {
   const Command* const command = FindCommand(line.command);
-  if (!command) return Wrong("unknown command '%s'", line.command.c_str());
+  if (!command) return kTool.Wrong("unknown command '%s'", line.command.c_str());
   for (const int code : used) {
     bool isKnown = code == kVerbose;
     for (const int known : command->options) isKnown = isKnown || known == code;
-    if (!isKnown) return Wrong("'%s' has no option --%s", command->name, NameOf(code));
+    if (!isKnown) return kTool.Wrong("'%s' has no option --%s", command->name, kTool.NameOf(code));
   }
   if (line.operands.size() < command->fewest)
-    return Wrong("'%s' needs more operands", command->name);
+    return kTool.Wrong("'%s' needs more operands", command->name);
   if (line.operands.size() > command->most)
-    return Wrong("unexpected '%s'", line.operands[command->most].c_str());
-  if (!line.hasText && !line.fontFile.empty()) return Wrong("either --font or --no-text");
+    return kTool.Wrong("unexpected '%s'", line.operands[command->most].c_str());
+  if (!line.hasText && !line.fontFile.empty()) return kTool.Wrong("either --font or --no-text");
   if (const std::string file = OutputOf(line); !file.empty() && !IsPngFile(file))
-    return Wrong("'%s' does not end in .png", file.c_str());
-  if (line.hold > 0 && !line.isOnScreen) return Wrong("--hold goes with --screen");
+    return kTool.Wrong("'%s' does not end in .png", file.c_str());
+  if (line.hold > 0 && !line.isOnScreen) return kTool.Wrong("--hold goes with --screen");
   return kDone;
 }
 
 }  // namespace
 
 bool ParseCommandLine(int argc, char** argv, CommandLine& line, int& status) {
-  opterr = 0;
   std::vector<int> used;
-  for (int code; (code = getopt_long(argc, argv, ":h", kOptions, nullptr)) != -1;) {
-    status = kDone;
-    if (code == kHelpOption || code == 'h') return std::fputs(kHelp, stdout), false;
-    if (code == kVersion) return std::puts("zirkinfo " ZIRK_VERSION), false;
-    if (code == ':') return status = Wrong("%s needs an argument", argv[optind - 1]), false;
-    if (code == '?' && optopt) return status = Wrong("wrong option -%c", optopt), false;
-    if (code == '?') return status = Wrong("wrong option %s", argv[optind - 1]), false;
-    if (!TakeOption(code, optarg, line))
-      return status = Wrong("--%s: '%s' will not do", NameOf(code), optarg), false;
-    used.push_back(code);
-  }
+  const auto take = [&line](int code, const char* argument) {
+    return TakeOption(code, argument, line);
+  };
+  if (!kTool.ReadOptions(argc, argv, ":h", take, used, status)) return false;
   if (optind < argc) line.command = argv[optind++];
   line.operands.assign(argv + optind, argv + argc);
   status = Check(line, used);

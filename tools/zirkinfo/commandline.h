@@ -3,14 +3,11 @@
 #include <string>
 #include <vector>
 
+#include "support/tool.h"
+
 namespace ZIRK::zirkinfo {
 
-enum ExitStatus {
-  kDone = 0,
-  kFailed = 1,      ///< Something asked for could not be done.
-  kWrongUsage = 2,  ///< The command line is wrong.
-  kDiffers = 3,     ///< The pictures are farther apart than was allowed.
-};
+using support::kDiffers, support::kDone, support::kFailed, support::kWrongUsage;
 
 struct CommandLine {
   std::string command = "backends";

@@ -2,9 +2,6 @@
 
 #include <zirk/vusyslog.h>
 
-#include <cstdio>
-#include <exception>
-
 #include "commands.h"
 #include "plugins.h"
 
@@ -33,13 +30,5 @@ int Run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  int status = kFailed;
-  try {
-    status = Run(argc, argv);
-  } catch (const std::exception& problem) {
-    std::fprintf(stderr, "zirkinfo: %s\n", problem.what());
-  }
-  if (std::fflush(stdout) == 0) return status;
-  std::perror("zirkinfo: standard output");
-  return kFailed;
+  return ZIRK::support::RunTool("zirkinfo", argc, argv, Run);
 }

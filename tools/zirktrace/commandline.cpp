@@ -31,7 +31,7 @@ info       says what is in a trace
   --png FOLDER       write what each frame shows, or the pictures that differ
   --compare          replay by the backends A and B, and name the first operation
                      after which they differ
-  --worst STEPS      difference of a channel, of 255, that is let pass; 2 unless given
+  --worst STEPS      allowed difference of a channel, of 255; 2 unless given
   --verbose          let the library's log lines through
   -h, --help, --version
 
@@ -85,14 +85,7 @@ const Command* FindCommand(const std::string& name) {
   return nullptr;
 }
 
-/// Says what is wrong and gives the program's status.
-template <typename... Values>
-int Wrong(const char* format, Values... values) {
-  std::fputs("zirktrace: ", stderr);
-  std::fprintf(stderr, format, values...);
-  std::fputs("; see zirktrace --help\n", stderr);
-  return kWrongUsage;
-}
+constexpr support::Tool kTool = {"zirktrace", ZIRK_VERSION, kHelp, kOptions};
 
 template <class T>
 bool ReadNumber(const char* begin, const char* end, T least, T most, T& number) {
@@ -112,7 +105,7 @@ bool ReadFrames(const std::string& text, CommandLine& line) {
          ReadNumber(dash + 1, end, line.firstFrame, kMost, line.lastFrame);
 }
 
-/// False if the option's argument will not do.
+/// False if the option's argument is not valid.
 bool TakeOption(int code, const char* argument, CommandLine& line) {
   const char* const end = argument ? argument + std::strlen(argument) : nullptr;
   switch (code) {
@@ -141,33 +134,27 @@ bool TakeOption(int code, const char* argument, CommandLine& line) {
   return true;
 }
 
-const char* NameOf(int code) {
-  for (const option& o : kOptions)
-    if (o.val == code) return o.name;
-  return "";
-}
-
 /// Whether the options and operands go with the command; else the status.
 int Check(const CommandLine& line, const std::vector<int>& used) {
   const Command* const command = FindCommand(line.command);
-  if (line.command.empty()) return Wrong("a %s is missing", "command");
-  if (!command) return Wrong("unknown command '%s'", line.command.c_str());
+  if (line.command.empty()) return kTool.Wrong("a %s is missing", "command");
+  if (!command) return kTool.Wrong("unknown command '%s'", line.command.c_str());
   for (const int code : used)
     if (code != kVerbose && std::count(command->options.begin(), command->options.end(), code) == 0)
-      return Wrong("'%s' has no option --%s", command->name, NameOf(code));
+      return kTool.Wrong("'%s' has no option --%s", command->name, kTool.NameOf(code));
   const size_t operands = line.compares ? 3 : command->operands;
-  if (line.operands.size() < operands) return Wrong("'%s' needs more operands", command->name);
+  if (line.operands.size() < operands)
+    return kTool.Wrong("'%s' needs more operands", command->name);
   if (line.operands.size() > operands && line.command != "record")
-    return Wrong("unexpected '%s'", line.operands[operands].c_str());
+    return kTool.Wrong("unexpected '%s'", line.operands[operands].c_str());
   if (line.compares && !line.backend.empty())
-    return Wrong("either --%s or --compare", NameOf(kBackend));
+    return kTool.Wrong("either --%s or --compare", kTool.NameOf(kBackend));
   return kDone;
 }
 
 }  // namespace
 
 bool ParseCommandLine(int argc, char** argv, CommandLine& line, int& status) {
-  opterr = 0;
   std::vector<int> used;
   if (argc > 1 && argv[1][0] != '-') {
     line.command = argv[1];
@@ -175,17 +162,10 @@ bool ParseCommandLine(int argc, char** argv, CommandLine& line, int& status) {
   }
   // The options of the program that is recorded are its own.
   const char* const letters = line.command == "record" ? "+:ho:" : ":ho:";
-  for (int code; (code = getopt_long(argc, argv, letters, kOptions, nullptr)) != -1;) {
-    status = kDone;
-    if (code == kHelpOption) return std::fputs(kHelp, stdout), false;
-    if (code == kVersion) return std::puts("zirktrace " ZIRK_VERSION), false;
-    if (code == ':') return status = Wrong("%s needs an argument", argv[optind - 1]), false;
-    if (code == '?' && optopt) return status = Wrong("wrong option -%c", optopt), false;
-    if (code == '?') return status = Wrong("wrong option %s", argv[optind - 1]), false;
-    if (!TakeOption(code, optarg, line))
-      return status = Wrong("--%s: '%s' will not do", NameOf(code), optarg), false;
-    used.push_back(code);
-  }
+  const auto take = [&line](int code, const char* argument) {
+    return TakeOption(code, argument, line);
+  };
+  if (!kTool.ReadOptions(argc, argv, letters, take, used, status)) return false;
   line.operands.assign(argv + optind, argv + argc);
   status = Check(line, used);
   return status == kDone;

@@ -4,14 +4,11 @@
 #include <string>
 #include <vector>
 
+#include "support/tool.h"
+
 namespace ZIRK::trace {
 
-enum ExitStatus {
-  kDone = 0,
-  kFailed = 1,      ///< Something asked for could not be done.
-  kWrongUsage = 2,  ///< The command line is wrong.
-  kDiffers = 3,     ///< Two backends draw different pictures.
-};
+using support::kDiffers, support::kDone, support::kFailed, support::kWrongUsage;
 
 struct CommandLine {
   std::string command;

@@ -2,9 +2,6 @@
 
 #include <zirk/vusyslog.h>
 
-#include <cstdio>
-#include <exception>
-
 #include "commands.h"
 
 namespace {
@@ -30,13 +27,5 @@ int Run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  int status = kFailed;
-  try {
-    status = Run(argc, argv);
-  } catch (const std::exception& problem) {
-    std::fprintf(stderr, "zirktrace: %s\n", problem.what());
-  }
-  if (std::fflush(stdout) == 0) return status;
-  std::perror("zirktrace: standard output");
-  return kFailed;
+  return ZIRK::support::RunTool("zirktrace", argc, argv, Run);
 }
