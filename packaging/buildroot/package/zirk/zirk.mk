@@ -4,7 +4,7 @@
 #
 ################################################################################
 
-ZIRK_VERSION = 0.1.0
+ZIRK_VERSION = 0.2.0
 ZIRK_SITE = $(BR2_EXTERNAL_ZIRK_PATH)/../..
 ZIRK_SITE_METHOD = local
 ZIRK_OVERRIDE_SRCDIR_RSYNC_EXCLUSIONS = --exclude=/build --exclude=/out
