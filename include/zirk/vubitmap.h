@@ -221,7 +221,8 @@ class ZIRK_API VuBitmap {
 
   /// Locks the surface for reading and writing, as Lock(bool) does with true.
   bool Lock();
-  /// Makes GetInfo().pixels valid until Unlock(), for writing too if `write`. Returns false if the
+  /// Makes GetInfo().pixels valid until Unlock(), for writing too if `write`: rows in the surface's
+  /// format, GetInfo().pitch bytes apart, premultiplied as for SetPixels(). Returns false if the
   /// surface is locked already, which logs nothing, or if its pixels cannot be mapped, which logs
   /// an error. Do not draw on the surface while it is locked.
   bool Lock(bool write);
@@ -229,14 +230,16 @@ class ZIRK_API VuBitmap {
   /// which logs nothing, or if what was written cannot be stored, which logs an error.
   bool Unlock();
 
-  /// Copies the pixels in `rect` to `dst`, in the surface's own format and premultiplied: rows top
-  /// down, without padding, so `dst` holds width * height * bytes per pixel. Waits for drawing to
-  /// complete. Returns false and copies nothing if `dst` is null or `rect` does not lie inside the
+  /// Copies the pixels in `rect` to `dst`, in the surface's own format: rows top down, without
+  /// padding, so `dst` holds width * height * bytes per pixel. Pixels with alpha are premultiplied:
+  /// divide red, green and blue by alpha (times 255) for the colour. Waits for drawing to complete.
+  /// Returns false and copies nothing if `dst` is null or `rect` does not lie inside the
   /// bounds, which logs nothing, or if the pixels cannot be read, which logs an error.
   bool GetPixels(VuRect rect, void* dst);
-  /// Copies pixels from `src` to `rect`, in the surface's own format and premultiplied: rows top
-  /// down, `pitch` bytes apart. Neither clipping nor blending applies. Returns false as GetPixels()
-  /// does.
+  /// Copies pixels from `src` to `rect`, in the surface's own format: rows top down, `pitch` bytes
+  /// apart. Pixels with alpha are premultiplied: red, green and blue are multiplied by alpha (over
+  /// 255), and none is larger than alpha. Half-transparent white is 0x80808080. Neither clipping
+  /// nor blending applies. Returns false as GetPixels() does.
   bool SetPixels(VuRect rect, const void* src, unsigned int pitch);
   /// Copies the part `srcRect` of `src` so that its top-left corner lies at `dst`, and converts the
   /// format. Neither clipping nor blending applies, and pixels outside either surface are left out.
