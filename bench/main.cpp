@@ -37,8 +37,8 @@ Peers MakePeers() {
   return peers;
 }
 
-/// The same for text. Whoever does not start is left out: DirectFB's fonts are a package of their
-/// own.
+/// The same for text. A peer that does not start is left out: DirectFB's fonts are a separate
+/// package.
 TextPeers MakeTextPeers() {
   TextPeers peers;
   for (const auto make : {

@@ -1,5 +1,5 @@
 # How every target of this project is compiled: zirk_target_defaults(target).
-# Nothing of it reaches those who use the installed package. The project's own sources are C++20;
+# None of it affects users of the installed package. The project's own sources are C++20;
 # the public headers stay C++17, for their users.
 function(zirk_target_defaults target)
   target_compile_features(${target} PRIVATE cxx_std_20)

@@ -9,7 +9,7 @@
 namespace ZIRK::kit {
 
 /// The recipe of a gradient over a rectangle of `width` x `height` pixels: its kind, both colours,
-/// its direction, the size as far as that matters.
+/// its direction, and the size if its pixels depend on that.
 void WriteGradient(Recipe& recipe, const Paint& paint, int width, int height);
 
 /// Whether a paint does not change from left to right, or from the top down.

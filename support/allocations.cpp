@@ -25,7 +25,7 @@ bool LiesIn(const void* code, const char* file) {
 /// plug-ins, such as a driver, need not survive that.
 bool IsRefused(const void* caller) {
   if (granted == kUnlimited) return false;
-  // What a string needs is asked for by the standard library, in whoever's name.
+  // The standard library allocates a string's memory. Its caller decides.
   if (LiesIn(caller, "libstdc++")) {
     void* frames[16];
     const int count = backtrace(frames, 16);

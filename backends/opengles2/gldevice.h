@@ -70,8 +70,8 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
   /// The size of display `index` in pixels; nullopt if there is no such display.
   std::optional<ImageSize> DisplaySize(int index) const;
 
-  /// Opens a window with a framebuffer of that size, as far as the display allows. Null after one
-  /// error line.
+  /// Opens a window with a framebuffer of that size, or the nearest that the display allows. Null
+  /// after one error line.
   SDL_Window* OpenWindow(int width, int height, int display);
   void CloseWindow(SDL_Window* window);
 

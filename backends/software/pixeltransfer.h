@@ -14,8 +14,8 @@ namespace ZIRK::backends {
 void ReadPixels(const PixelBuffer& pixels, const Box& box, void* dst);
 /// Writes `box`, which lies on the surface, from rows `pitch` bytes apart.
 void WritePixels(PixelBuffer& pixels, const Box& box, const void* src, unsigned pitch);
-/// Copies `srcRect` of one surface, or of the same, to `at`, as far as both surfaces reach. Returns
-/// the pixels that were written.
+/// Copies `srcRect` of a surface, which may be `dst`, to `at`. Leaves out pixels outside either
+/// surface. Returns the pixels that were written.
 Box CopyRect(PixelBuffer& dst, VuPoint at, const PixelBuffer& src, const VuRect& srcRect);
 
 /// Sets every pixel.

@@ -11,7 +11,7 @@ namespace ZIRK::helpers {
 struct Calls {
   std::vector<std::string> faces;        ///< Paths given to FT_New_Face().
   std::vector<int> loads;                ///< Flags given to FT_Load_Glyph().
-  int glyphsToRefuse = 0;                ///< So many FT_Load_Glyph() fail for want of memory.
+  int glyphsToRefuse = 0;                ///< So many FT_Load_Glyph() run out of memory.
   std::chrono::nanoseconds stoppedAt{};  ///< What the monotonic clock shows, unless it is zero.
 };
 extern Calls calls;

@@ -8,7 +8,7 @@ namespace ZIRK::helpers {
 
 /// In each round calls `prepare`, with the round's number, and then `use` on two threads at the
 /// same time, with false and with true. Nothing but what `use` calls orders one before the other,
-/// so that a missing lock shows whoever comes first.
+/// so that a missing lock shows in any order.
 template <typename F, typename G>
 void InRounds(int rounds, F prepare, G use) {
   // Two counters: one that both increase before and after would order the calls between.

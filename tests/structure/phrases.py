@@ -28,6 +28,9 @@ PHRASES = {
     r"for good": "'permanently', 'until the process ends'",
     r"(?:has|have|had|having) (?:\S+ ){0,3}be told": "'needs to know', or a command",
     r"in the books": "'in the memory budget', 'on record'",
+    r"as far as": "'if', 'the part that'",
+    r"for want of": "'because there is no'",
+    r"(?:those who|whoever)": "the noun: 'users of', 'the caller'",
 }
 # What starts a line of a comment or a list.
 GAP = r"(?:\s|(?<=\n)\s*(?:///?<?|#|\*|-)\s)+"
