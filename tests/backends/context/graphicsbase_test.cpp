@@ -4,18 +4,21 @@
 #include <zirk/impl/vuscreenimpl.h>
 
 #include <fstream>
-#include <functional>
 #include <iterator>
 #include <memory>
+#include <new>
 #include <sstream>
 #include <string>
+#include <thread>
 
+#include "context/entrypoints.h"
 #include "helpers/logged.h"
 #include "stub/stubgraphics.h"
 
 namespace ZIRK::tests {
 namespace {
 
+using backends::CreateForLibrary;
 using backends::StubGraphics;
 using helpers::LogsOneError;
 using Bitmap = std::unique_ptr<VuBitmapImpl>;
@@ -45,22 +48,19 @@ TEST(GraphicsBase, ReportsOnceWhatItCannotReadOrHasNoMemoryFor) {
   const Bitmap most(graphics.CreateBitmap(30, 20, kArgb));
   EXPECT_EQ(graphics.AvailableMemory(), 4000 - most->GetSize());
   const std::string path = kPath;
-  const struct {
-    std::string message;
-    std::function<bool()> succeeds;
-  } attempts[] = {
-      {"cannot read no.png", [&] { return graphics.CreateBitmapFromFile("no.png"); }},
-      {"in memory (10 bytes)", [&] { return graphics.CreateBitmapFromMemory(nullptr, 10); }},
-      {"no memory for " + path + ": 29 x 19 pixels, 1440 bytes left",
-       [&] { return graphics.CreateBitmapFromFile(kPath); }},
-      {"no memory for a surface of 1280 x 720: 3686400 bytes asked, 1440 left",
-       [&] { return graphics.CreateScreen(false); }},
-      // Even where the bitmap would be small, decoding may need the whole picture.
-      {path + ": 29 x 19 pixels are more than memory allows",
-       [&] { return small.CreateBitmapFromFile(kPath, 2, 2, {}, {}); }},
+  const auto expectFailure = [](const std::string& message, const auto& create) {
+    EXPECT_TRUE(LogsOneError(message, [&] { EXPECT_EQ(create(), nullptr); }));
   };
-  for (const auto& attempt : attempts)
-    EXPECT_TRUE(LogsOneError(attempt.message, [&] { EXPECT_FALSE(attempt.succeeds()); }));
+  expectFailure("cannot read no.png", [&] { return graphics.CreateBitmapFromFile("no.png"); });
+  expectFailure("in memory (10 bytes)",
+                [&] { return graphics.CreateBitmapFromMemory(nullptr, 10); });
+  expectFailure("no memory for " + path + ": 29 x 19 pixels, 1440 bytes left",
+                [&] { return graphics.CreateBitmapFromFile(kPath); });
+  expectFailure("no memory for a surface of 1280 x 720: 3686400 bytes asked, 1440 left",
+                [&] { return graphics.CreateScreen(false); });
+  // Even where the bitmap would be small, decoding may need the whole picture.
+  expectFailure(path + ": 29 x 19 pixels are more than memory allows",
+                [&] { return small.CreateBitmapFromFile(kPath, 2, 2, {}, {}); });
 }
 
 TEST(GraphicsBase, ListsLiveBitmapsByNameAndMayGoFirst) {
@@ -79,6 +79,48 @@ TEST(GraphicsBase, ListsLiveBitmapsByNameAndMayGoFirst) {
   EXPECT_NE(plain.str(), masked.str());
   graphics.reset();
   bitmap->SetName(nullptr);
+}
+
+TEST(StubGraphics, GivesScreensTheSizeAskedForOrItsOwn) {
+  StubGraphics g;
+  const auto bytes = [&](int width, int height) {
+    return Bitmap(g.CreateScreen({width, height, 0, 2, VuPixelFormat::RGB565, false}))->GetSize();
+  };
+  EXPECT_EQ(bytes(800, 480), 800u * 480 * 2);
+  EXPECT_EQ(bytes(0, 480), 1280u * 720 * 2);
+  EXPECT_EQ(bytes(800, -1), 1280u * 720 * 2);
+  EXPECT_EQ(Bitmap(g.CreateScreen(true))->GetSize(), 1280u * 720 * 4);
+}
+
+TEST(StubGraphics, CountsFrames) {
+  const std::unique_ptr<VuScreenImpl> screen(StubGraphics().CreateScreen(true));
+  LogFPS = true;
+  // The first frame of a thread is reported at once.
+  const auto frame = [&] { std::thread([&] { screen->SwapBuffers(); }).join(); };
+  EXPECT_NE(helpers::LoggedAt(4, frame), "");
+  LogFPS = false;
+}
+
+TEST(StubGraphics, AcceptsPixelsThatOtherBackendsWould) {
+  const Bitmap bitmap(StubGraphics().CreateBitmap(4, 3, kArgb));
+  uint32_t pixels[] = {1, 1, 1, 1, 1, 1, 1};
+  EXPECT_TRUE(bitmap->SetPixels({1, 1, 3, 2}, pixels, 12));
+  EXPECT_TRUE(bitmap->GetPixels({1, 1, 3, 2}, pixels));
+  EXPECT_EQ(pixels[5], 0u);
+  EXPECT_EQ(pixels[6], 1u);
+  EXPECT_FALSE(bitmap->GetPixels({2, 0, 3, 1}, pixels));
+  EXPECT_FALSE(bitmap->SetPixels({2, 0, 3, 1}, pixels, 16));
+  EXPECT_FALSE(bitmap->GetPixels({0, 0, 1, 1}, nullptr));
+}
+
+TEST(EntryPoints, LetNoExceptionOut) {
+  using Graphics = std::unique_ptr<VuGraphicsImpl>;
+  EXPECT_TRUE(LogsOneError("the backend has no memory to start with", [] {
+    EXPECT_FALSE(CreateForLibrary<VuGraphicsImpl>([]() -> Graphics { throw std::bad_alloc(); }));
+  }));
+  EXPECT_TRUE(LogsOneError("the backend cannot be started", [] {
+    EXPECT_FALSE(CreateForLibrary<VuGraphicsImpl>([]() -> Graphics { throw 1; }));
+  }));
 }
 
 }  // namespace
