@@ -9,7 +9,6 @@
 #include <iterator>
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "helpers/logged.h"
 #include "helpers/pixels.h"
@@ -32,39 +31,20 @@ class Pictures : public testing::Test {
 };
 
 TEST_F(Pictures, SavesEveryFormatUnpremultipliedInItsDepth) {
+  using F = VuPixelFormat;
   constexpr char kGreyAlpha = 4, kColor = 2, kColorAlpha = 6;  // PNG's colour types.
   const struct {
-    VuPixelFormat format;
+    F format;
     Pixels stored, seen;  // Premultiplied, as a picture is read.
     char type;
     std::string bits;
   } cases[] = {
-      {VuPixelFormat::ARGB8888,
-       {0xFF123456, 0x80402010, 0},
-       {0xFF123456, 0x80402010, 0},
-       kColorAlpha,
-       ""},
-      {VuPixelFormat::XRGB8888,
-       {0x00123456, 0x80402010, 0},
-       {0xFF123456, 0xFF402010, 0xFF000000},
-       kColor,
-       ""},
-      {VuPixelFormat::RGB565,
-       {0xF800, 0x07E0, 0x8410},
-       {0xFFFF0000, 0xFF00FF00, 0xFF848284},
-       kColor,
-       "\5\6\5"},
-      {VuPixelFormat::ARGB4444,
-       {0xF123, 0x8420, 0},
-       {0xFF112233, 0x88442200, 0},
-       kColorAlpha,
-       "\4\4\4\4"},
-      {VuPixelFormat::ARGB1555,
-       {0xFC00, 0x801F, 0},
-       {0xFFFF0000, 0xFF0000FF, 0},
-       kColorAlpha,
-       "\5\5\5\1"},
-      {VuPixelFormat::A8, {0xFF, 0x40, 0}, {0xFFFFFFFF, 0x40404040, 0}, kGreyAlpha, ""},
+      {F::ARGB8888, {0xFF123456, 0x80402010, 0}, {0xFF123456, 0x80402010, 0}, kColorAlpha, ""},
+      {F::XRGB8888, {0x123456, 0x80402010, 0}, {0xFF123456, 0xFF402010, 0xFF000000}, kColor, ""},
+      {F::RGB565, {0xF800, 0x7E0, 0x8410}, {0xFFFF0000, 0xFF00FF00, 0xFF848284}, kColor, "\5\6\5"},
+      {F::ARGB4444, {0xF123, 0x8420, 0}, {0xFF112233, 0x88442200, 0}, kColorAlpha, "\4\4\4\4"},
+      {F::ARGB1555, {0xFC00, 0x801F, 0}, {0xFFFF0000, 0xFF0000FF, 0}, kColorAlpha, "\5\5\5\1"},
+      {F::A8, {0xFF, 0x40, 0}, {0xFFFFFFFF, 0x40404040, 0}, kGreyAlpha, ""},
   };
   for (const auto& c : cases) {
     const BitmapPtr bitmap = New(2, 4, c.format);
