@@ -1,6 +1,5 @@
 #include <dlfcn.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <unistd.h>
 #include <zirk/backend.h>
 

@@ -2,7 +2,6 @@
 // compare are not repeated here.
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <zirk/backend.h>
 
 #include <cstddef>
@@ -74,37 +73,24 @@ class Drawing : public testing::Test {
   EXPECT_CALL(surface, received).Times(2);   \
   EXPECT_EQ(CountedBy([&] { b.call; }), pixels)
 
-TEST_F(Drawing, Points) {
+TEST_F(Drawing, WithoutATransform) {
   EXPECT_DRAWN(DrawPoint(p, 4, c), 16, DrawPoint(p, 4, c, id, nil, Vector()));
+  EXPECT_DRAWN(DrawLine(p, q, c), 0, DrawLine(p, q, c, id, nil, nil));
+  EXPECT_DRAWN(DrawRect(r, c), 200, DrawRect(r, c, id, nil, nil));
+  EXPECT_DRAWN(DrawObject(r, src), 200, DrawObject(r, &source, whole, id, white, nil, nil));
+  EXPECT_DRAWN(DrawObject(r, src, part), 200, DrawObject(r, &source, part, id, white, nil, nil));
+  EXPECT_DRAWN(DrawText(font, text, p, c), 360,
+               DrawText(&fontImpl, text, p, c, id, nil, nil, none));
+}
+
+TEST_F(Drawing, ByATransformOrAMatrix) {
   const auto draw = [&](const auto& x) {
     EXPECT_DRAWN(DrawPoint(p, 4, c, x), 16, DrawPoint(p, 4, c, x, nil, Vector()));
     EXPECT_DRAWN(DrawPoint(p, 4, c, x, b, v), 96, DrawPoint(p, 4, c, x, &surface, v));
-  };
-  draw(t), draw(m);
-}
-
-TEST_F(Drawing, Lines) {
-  EXPECT_DRAWN(DrawLine(p, q, c), 0, DrawLine(p, q, c, id, nil, nil));
-  const auto draw = [&](const auto& x) {
     EXPECT_DRAWN(DrawLine(p, q, c, x), 0, DrawLine(p, q, c, x, nil, nil));
     EXPECT_DRAWN(DrawLine(p, q, c, x, b, &v), 0, DrawLine(p, q, c, x, &surface, &v));
-  };
-  draw(t), draw(m);
-}
-
-TEST_F(Drawing, Rectangles) {
-  EXPECT_DRAWN(DrawRect(r, c), 200, DrawRect(r, c, id, nil, nil));
-  const auto draw = [&](const auto& x) {
     EXPECT_DRAWN(DrawRect(r, c, x), 1200, DrawRect(r, c, x, nil, nil));
     EXPECT_DRAWN(DrawRect(r, c, x, b, &v), 1200, DrawRect(r, c, x, &surface, &v));
-  };
-  draw(t), draw(m);
-}
-
-TEST_F(Drawing, Bitmaps) {
-  EXPECT_DRAWN(DrawObject(r, src), 200, DrawObject(r, &source, whole, id, white, nil, nil));
-  EXPECT_DRAWN(DrawObject(r, src, part), 200, DrawObject(r, &source, part, id, white, nil, nil));
-  const auto draw = [&](const auto& x) {
     EXPECT_DRAWN(DrawObject(r, src, x), 1200, DrawObject(r, &source, whole, x, white, nil, nil));
     EXPECT_DRAWN(DrawObject(r, src, part, x), 1200,
                  DrawObject(r, &source, part, x, white, nil, nil));
@@ -112,6 +98,10 @@ TEST_F(Drawing, Bitmaps) {
                  DrawObject(r, &source, part, x, c, nil, nil));
     EXPECT_DRAWN(DrawObject(r, src, part, x, c, b, &v), 1200,
                  DrawObject(r, &source, part, x, c, &surface, &v));
+    EXPECT_DRAWN(DrawText(font, text, p, c, x), 2160,
+                 DrawText(&fontImpl, text, p, c, x, nil, nil, none));
+    EXPECT_DRAWN(DrawText(font, text, p, c, x, b, &v, r), 2160,
+                 DrawText(&fontImpl, text, p, c, x, &surface, &v, r));
   };
   draw(t), draw(m);
 }
@@ -127,18 +117,6 @@ TEST_F(Drawing, FloatRectangles) {
   draw({{2, 0}, {1, 5}}, 0);
   draw({{0, 2}, {5, 1}}, 0);
   draw({}, 0);
-}
-
-TEST_F(Drawing, Text) {
-  EXPECT_DRAWN(DrawText(font, text, p, c), 360,
-               DrawText(&fontImpl, text, p, c, id, nil, nil, none));
-  const auto draw = [&](const auto& x) {
-    EXPECT_DRAWN(DrawText(font, text, p, c, x), 2160,
-                 DrawText(&fontImpl, text, p, c, x, nil, nil, none));
-    EXPECT_DRAWN(DrawText(font, text, p, c, x, b, &v, r), 2160,
-                 DrawText(&fontImpl, text, p, c, x, &surface, &v, r));
-  };
-  draw(t), draw(m);
 }
 
 TEST_F(Drawing, Others) {

@@ -1,5 +1,4 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <zirk/backend.h>
 
@@ -12,7 +11,6 @@
 #include <random>
 #include <set>
 #include <string>
-#include <thread>
 #include <tuple>
 #include <vector>
 

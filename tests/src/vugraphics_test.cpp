@@ -1,5 +1,4 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <zirk/backend.h>
 
 #include <chrono>
@@ -70,6 +69,9 @@ using G = VuGraphics;
 VuGraphics* Default() {
   return G::Create(true);
 }
+VuGraphics* Gl() {
+  return G::CreateGL(true);
+}
 ROWS(Opened,  //
      {.name = "default", .create = Default, .opens = "Hybrid"},
      {.name = "any_case", .defaultImpl = "dEFAULT", .create = Default, .opens = "OpenGLES2"},
@@ -77,11 +79,8 @@ ROWS(Opened,  //
      // The flag is lost on the way to the default.
      {.name = "no_name", .create = [] { return G::Create(nullptr, true); }, .flag = false},
      {.name = "named_default", .create = [] { return G::Create("DEFAULT", true); }, .flag = false},
-     {.name = "gl_of_hybrid", .create = [] { return G::CreateGL(true); }, .opens = "Hybrid"},
-     {.name = "gl_of_another",
-      .defaultImpl = "hybrid",
-      .create = [] { return G::CreateGL(true); },
-      .opens = "OpenGLES2"},
+     {.name = "gl_of_hybrid", .create = Gl, .opens = "Hybrid"},
+     {.name = "gl_of_another", .defaultImpl = "hybrid", .create = Gl, .opens = "OpenGLES2"},
      {.name = "stub", .create = [] { return G::CreateStub(); }, .opens = "Stub", .flag = false},
      {.name = "directfb", .create = G::CreateDFB, .opens = "DirectFB", .flag = false});
 
@@ -285,16 +284,13 @@ TEST_P(ScaledDimensions, ByMode) {
 }
 
 constexpr int kStretch = 0, kFit = 1, kFill = 2, kNatural = 3;
+constexpr VuPoint kOdd{16777219, 16777219};
 ROWS(ScaledDimensions,
      {.name = "stretch", .source{200, 100}, .box{50, 60}, .mode = kStretch, .size{50, 60}},
      {.name = "fit_wide", .source{200, 100}, .box{100, 100}, .mode = kFit, .size{100, 50}},
      {.name = "fit_tall", .source{100, 200}, .box{100, 100}, .mode = kFit, .size{50, 100}},
      {.name = "fit_truncates", .source{3, 2}, .box{100, 100}, .mode = kFit, .size{100, 66}},
-     {.name = "fit_float",
-      .source{1, 1},
-      .box{16777219, 16777219},
-      .mode = kFit,
-      .size{16777219, 16777219}},
+     {.name = "fit_float", .source{1, 1}, .box = kOdd, .mode = kFit, .size = kOdd},
      {.name = "fit_no_height", .source{10, 0}, .box{20, 30}, .mode = kFit, .size{20, 0}},
      {.name = "fill_tall", .source{100, 200}, .box{100, 100}, .mode = kFill, .size{100, 200}},
      // Wide sources keep their size.

@@ -1,8 +1,6 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <zirk/vuperfcounter.h>
 
-#include <string>
 #include <thread>
 
 #include "helpers/calls.h"
