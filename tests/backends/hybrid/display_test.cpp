@@ -1,6 +1,5 @@
 // Where Hybrid shows its screens, on machines with and without displays.
 
-#include <fcntl.h>
 #include <linux/fb.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -55,35 +54,31 @@ struct Machine {
   const char* name;
   const char* driver = "offscreen";  ///< SDL's.
   bool gpu = false;
-  bool framebuffer = false;
+  bool hasFb = false;
   bool chosen = false;  ///< SDL_VIDEODRIVER is set.
   bool hasSdl = true;
-  bool opensWindows = true;  ///< Those that are seen.
+  bool opens = true;  ///< Those that are seen.
 
-  bool onFramebuffer = false;  ///< Where the picture is expected.
+  bool onFb = false;  ///< Where the picture is expected.
   const char* warning = "";
 };
 
 constexpr Machine kMachines[] = {
-    {.name = "desktop_without_gpu", .driver = "x11", .framebuffer = true},
-    {.name = "console_with_gpu", .driver = "KMSDRM", .gpu = true, .framebuffer = true},
-    {.name = "console_without_gpu", .driver = "KMSDRM", .framebuffer = true, .onFramebuffer = true},
+    {.name = "desktop_without_gpu", .driver = "x11", .hasFb = true},
+    {.name = "console_with_gpu", .driver = "KMSDRM", .gpu = true, .hasFb = true},
+    {.name = "console_without_gpu", .driver = "KMSDRM", .hasFb = true, .onFb = true},
     {.name = "console_without_gpu_and_framebuffer", .driver = "KMSDRM"},
-    {.name = "framebuffer_beside_gpu", .gpu = true, .framebuffer = true, .onFramebuffer = true},
-    {.name = "framebuffer_alone", .framebuffer = true, .onFramebuffer = true},
+    {.name = "framebuffer_beside_gpu", .gpu = true, .hasFb = true, .onFb = true},
+    {.name = "framebuffer_alone", .hasFb = true, .onFb = true},
     {.name = "gpu_alone", .gpu = true},
     {.name = "nothing", .warning = "llvmpipe is off-screen; /nonexistent: "},
-    {.name = "off_screen_by_choice", .framebuffer = true, .chosen = true},
-    {.name = "no_sdl",
-     .framebuffer = true,
-     .hasSdl = false,
-     .onFramebuffer = true,
-     .warning = "no SDL: "},
+    {.name = "off_screen_by_choice", .hasFb = true, .chosen = true},
+    {.name = "no_sdl", .hasFb = true, .hasSdl = false, .onFb = true, .warning = "no SDL: "},
     {.name = "no_window",
      .driver = "x11",
-     .framebuffer = true,
-     .opensWindows = false,
-     .onFramebuffer = true,
+     .hasFb = true,
+     .opens = false,
+     .onFb = true,
      .warning = "no window: refused"},
 };
 
@@ -100,7 +95,7 @@ TEST_P(Display, IsTheBestOfTheMachine) {
   Sdl().GetCurrentVideoDriver = [] { return machine.driver; };
   if (!machine.chosen) Sdl().GetHint = [](const char*) -> const char* { return nullptr; };
   if (!machine.hasSdl) Sdl().Free = nullptr;
-  if (!machine.opensWindows)
+  if (!machine.opens)
     Sdl().CreateWindow = [](const char* title, int x, int y, int width, int height, Uint32 flags) {
       if (flags & SDL_WINDOW_HIDDEN) return SDL_CreateWindow(title, x, y, width, height, flags);
       SDL_SetError("refused");
@@ -108,10 +103,10 @@ TEST_P(Display, IsTheBestOfTheMachine) {
     };
   const std::string device = testing::TempDir() + "framebuffer" + std::to_string(getpid());
   std::ofstream(device) << std::string(4 * kSide * kSide, '\0');
-  setenv("ZIRK_FB_DEVICE", machine.framebuffer ? device.c_str() : "/nonexistent", 1);
+  setenv("ZIRK_FB_DEVICE", machine.hasFb ? device.c_str() : "/nonexistent", 1);
 
   HybridGraphics graphics;
-  ScreenPtr screen;
+  BitmapPtr screen;
   const auto create = [&] { screen = NewScreen(graphics, kSide, kSide); };
   if (*machine.warning)
     EXPECT_TRUE(helpers::LogsOneError(machine.warning, create, 4));
@@ -121,7 +116,7 @@ TEST_P(Display, IsTheBestOfTheMachine) {
   screen->Clear(VuColor{0xFFFF0000});
   screen->SwapBuffers();
   std::ifstream shown(device);
-  EXPECT_EQ(shown.seekg(2).get() == 0xFF, machine.onFramebuffer);
+  EXPECT_EQ(shown.seekg(2).get() == 0xFF, machine.onFb);
   std::remove(device.c_str());
 }
 

@@ -1,7 +1,6 @@
 // What happens where SDL or OpenGL fails.
 
 #include <malloc.h>
-#include <zirk/vufontatlas.h>
 
 #include <deque>
 #include <functional>
@@ -89,17 +88,8 @@ TEST_F(Faults, OfMakingThingsOfOpenGl) {
   Replace("glGetError", []() -> GLenum {
     return std::exchange(left_, 0) ? GL_OUT_OF_MEMORY : Real<PFNGLGETERRORPROC>("glGetError")();
   });
-  enum {
-    Buffers,
-    BufferData,
-    Textures,
-    TexImage,
-    Framebuffers,
-    Attaching,
-    TexSubImage,
-    ReadPixels,
-    None
-  };
+  constexpr int Buffers = 0, BufferData = 1, Textures = 2, TexImage = 3, Framebuffers = 4,
+                Attaching = 5, TexSubImage = 6, ReadPixels = 7, None = 8;
   Watch<Buffers>("glGenBuffers", PFNGLGENBUFFERSPROC());
   Watch<BufferData>("glBufferData", PFNGLBUFFERDATAPROC());
   Watch<Textures>("glGenTextures", PFNGLGENTEXTURESPROC());
@@ -122,24 +112,17 @@ TEST_F(Faults, OfMakingThingsOfOpenGl) {
   const auto make = [&] { return New(*graphics, 8, 8) != nullptr; };
   const auto write = [&] { return bitmap->SetPixels(one, &pixel, 4); };
   const auto read = [&] { return bitmap->GetPixels(one, &pixel); };
-  const struct {
-    int call;
-    const char* where;
-    std::function<bool()> operation;
-  } cases[] = {{Textures, "making a texture", make},
-               {TexImage, "making a texture", make},
-               {Framebuffers, "making a framebuffer", make},
-               {Attaching, "making a framebuffer", make},
-               {BufferData, "drawing", [&] { return bitmap->Finish(), false; }},
-               {TexSubImage, "writing pixels", write},
-               {ReadPixels, "reading pixels", read}};
-  for (const auto& c : cases) {
-    bitmap->DrawRect({0, 0, 2, 2}, white, VuTMatrix2D<float>(), nullptr, nullptr);
-    failing = c.call;
-    EXPECT_TRUE(LogsOneError(std::string(c.where) + ": out of memory",
-                             [&] { EXPECT_FALSE(c.operation()); }));
+  const auto expectFault = [&](int call, const std::string& where, const auto& operation) {
+    bitmap->DrawRect({0, 0, 2, 2}, white);
+    failing = call;
+    EXPECT_TRUE(LogsOneError(where + ": out of memory", [&] { EXPECT_FALSE(operation()); }));
     failing = None;
-  }
+  };
+  for (const int call : {Textures, TexImage}) expectFault(call, "making a texture", make);
+  for (const int call : {Framebuffers, Attaching}) expectFault(call, "making a framebuffer", make);
+  expectFault(BufferData, "drawing", [&] { return bitmap->Finish(), false; });
+  expectFault(TexSubImage, "writing pixels", write);
+  expectFault(ReadPixels, "reading pixels", read);
 }
 
 TEST_F(Faults, ATextureThatCannotBeDrawnOnIsRefused) {
@@ -152,15 +135,14 @@ TEST_F(Faults, ATextureThatCannotBeDrawnOnIsRefused) {
 TEST_F(Faults, ALostContextEndsEverythingButDeletion) {
   ReportLosses();
   const auto graphics = NewContext();
-  const ScreenPtr screen = NewScreen(*graphics, 8, 8);
+  const BitmapPtr screen = NewScreen(*graphics, 8, 8);
   const BitmapPtr bitmap = New(*graphics, 8, 8);
-  const VuTMatrix2D<float> identity;
-  screen->DrawRect({0, 0, 8, 8}, VuColor{0xFFFFFFFF}, identity, nullptr, nullptr);
+  screen->DrawRect({0, 0, 8, 8}, VuColor{0xFFFFFFFF});
   lost_ = true;
   EXPECT_TRUE(LogsOneError("the context is lost", [&] { bitmap->Finish(); }));
   lost_ = false;
   uint32_t pixel = 7;
-  screen->DrawRect({0, 0, 8, 8}, VuColor{0xFFFFFFFF}, identity, nullptr, nullptr);
+  screen->DrawRect({0, 0, 8, 8}, VuColor{0xFFFFFFFF});
   screen->SwapBuffers();
   bitmap->Clear();
   EXPECT_FALSE(bitmap->GetPixels({0, 0, 1, 1}, &pixel));
@@ -172,7 +154,7 @@ TEST_F(Faults, ALostContextEndsEverythingButDeletion) {
   ASSERT_NE(next, nullptr);
   const BitmapPtr fresh = New(*next, 8, 8);
   EXPECT_TRUE(LogsOneError("from before the context was lost", [&] {
-    EXPECT_FALSE(fresh->CopyPixels({0, 0}, bitmap.get(), {0, 0, 8, 8}));
+    EXPECT_FALSE(fresh->CopyPixels({0, 0}, *bitmap, {0, 0, 8, 8}));
   }));
   EXPECT_EQ(PixelOf(*fresh, 0, 0), 0u);
 }
@@ -199,7 +181,7 @@ TEST_F(Faults, WithoutAWindowOrWithALostOneTheContextEnds) {
   enum { OnClosing, OnMakingCurrent };
   for (const auto fault : {OnClosing, OnMakingCurrent}) {
     const auto graphics = NewContext();
-    ScreenPtr screen = fault == OnClosing ? NewScreen(*graphics, 8, 8) : nullptr;
+    BitmapPtr screen = fault == OnClosing ? NewScreen(*graphics, 8, 8) : nullptr;
     if (fault == OnMakingCurrent)
       Sdl().MakeCurrent = [](auto, auto) { return SDL_SetError("EGL_CONTEXT_LOST"); };
     else
@@ -247,20 +229,19 @@ TEST_F(Faults, CreatingAndDeletingTakesNoMemory) {
   const auto cycle = [&](int times) {
     for (int i = 0; i < times; ++i) {
       const BitmapPtr bitmap = New(*graphics, 16, 16, VuPixelFormat(i % 6));
-      bitmap->DrawRect({2, 2, 9, 9}, white, VuTMatrix2D<float>(), nullptr, nullptr);
+      bitmap->DrawRect({2, 2, 9, 9}, white);
       if (i % 500) continue;
-      const ScreenPtr screen = NewScreen(*graphics, 32, 32);
-      screen->CopyPixels({0, 0}, bitmap.get(), {0, 0, 16, 16});
+      const BitmapPtr screen = NewScreen(*graphics, 32, 32);
+      screen->CopyPixels({0, 0}, *bitmap, {0, 0, 16, 16});
       screen->SwapBuffers();
     }
   };
   const BitmapPtr page = New(*graphics, 64, 16);
   const auto write = [&](int times) {
-    std::deque<VuFontAtlas> fonts;
+    std::deque<VuFont> fonts;
     for (int i = 0; i < times; ++i) {
-      fonts.emplace_back(ZIRK_TEST_FONTS "/sans.ttf", 0, 8, false, false);
-      page->DrawText(&fonts.back(), "Ag", {2, 2}, white, VuTMatrix2D<float>(), nullptr, nullptr,
-                     {});
+      fonts.emplace_back(ZIRK_TEST_FONTS "/sans.ttf", 0, 8);
+      page->DrawText(fonts.back(), "Ag", {2, 2}, white);
     }
   };
   cycle(1000);

@@ -26,9 +26,9 @@ class Compositor : public InjectedGl {
     graphics_ = NewContext();
     layers_ = GlLayers::Of(GlDevice::Acquire());
   }
-  ScreenPtr NewScreen(uint8_t index, int width, int height, uint32_t color,
+  BitmapPtr NewScreen(uint8_t index, int width, int height, uint32_t color,
                       VuPixelFormat format = VuPixelFormat::ARGB8888) {
-    ScreenPtr screen = InjectedGl::NewScreen(*graphics_, width, height, index, format);
+    BitmapPtr screen = InjectedGl::NewScreen(*graphics_, width, height, index, format);
     screen->Clear(VuColor{color});
     return screen;
   }
@@ -57,7 +57,7 @@ class Compositor : public InjectedGl {
 TEST_F(Compositor, StacksWhatIsEnabled) {
   // A newer compositor takes over from the one before.
   compositor_ = std::make_unique<GlCompositor>();
-  const ScreenPtr video = NewScreen(0, 40, 30, kRed), ui = NewScreen(2, 60, 50, kGreen),
+  const BitmapPtr video = NewScreen(0, 40, 30, kRed), ui = NewScreen(2, 60, 50, kGreen),
                   cursor = NewScreen(1, 4, 4, kBlue);
   LayerDescription lowest = Layer(0, {0, 0, 30, 30});
   lowest.blended = false;
@@ -75,7 +75,7 @@ TEST_F(Compositor, StacksWhatIsEnabled) {
 }
 
 TEST_F(Compositor, ComposesOnceForAllLayersThatAreDone) {
-  const ScreenPtr video = NewScreen(0, 8, 8, kRed), ui = NewScreen(1, 8, 8, kGreen);
+  const BitmapPtr video = NewScreen(0, 8, 8, kRed), ui = NewScreen(1, 8, 8, kGreen);
   video->SwapBuffers();
   EXPECT_EQ(layers_->Frames(), 0u);
   ui->SwapBuffers();
@@ -102,10 +102,8 @@ TEST_F(Compositor, ComposesOnceForAllLayersThatAreDone) {
 
 TEST_F(Compositor, ScreensChangeSidesWithIt) {
   compositor_.reset();
-  const ScreenPtr screen = NewScreen(0, 8, 8, kGreen);
-  const auto fill = [&](uint32_t color) {
-    screen->DrawRect({0, 0, 8, 8}, VuColor{color}, MatrixF(), nullptr, nullptr);
-  };
+  const BitmapPtr screen = NewScreen(0, 8, 8, kGreen);
+  const auto fill = [&](uint32_t color) { screen->DrawRect({0, 0, 8, 8}, VuColor{color}); };
   fill(kRed);
   screen->SwapBuffers();
   EXPECT_EQ(layers_->Composed(), nullptr);
@@ -125,8 +123,8 @@ TEST_F(Compositor, ScreensChangeSidesWithIt) {
 
 TEST_F(Compositor, HasOneWindowWhicheverScreenSwapsFirst) {
   compositor_.reset();
-  ScreenPtr first = NewScreen(0, 8, 8, kRed);
-  const ScreenPtr other = NewScreen(1, 8, 8, kGreen, VuPixelFormat::XRGB8888);
+  BitmapPtr first = NewScreen(0, 8, 8, kRed);
+  const BitmapPtr other = NewScreen(1, 8, 8, kGreen, VuPixelFormat::XRGB8888);
   const std::vector<SDL_Window*> before = Windows();
   ASSERT_EQ(before.size(), 2u);
   compositor_ = std::make_unique<GlCompositor>();
@@ -171,7 +169,7 @@ TEST_F(Compositor, RefusesAConfigurationAsAWhole) {
 }
 
 TEST_F(Compositor, EndsInAnotherThread) {
-  const ScreenPtr screen = NewScreen(0, 8, 8, kRed);
+  const BitmapPtr screen = NewScreen(0, 8, 8, kRed);
   std::atomic<bool> done = false;
   std::thread other([&] {
     for (int i = 0; i < 200; ++i) {

@@ -1,7 +1,5 @@
 // What surfaces of OpenGL do beside what the scenes show.
 
-#include <zirk/vufontatlas.h>
-
 #include <array>
 #include <csignal>
 #include <thread>
@@ -14,7 +12,6 @@ namespace ZIRK::backends {
 namespace {
 
 using Format = VuPixelFormat;
-const VuTMatrix2D<float> kIdentity;
 
 class Surfaces : public InjectedGl {
  protected:
@@ -33,9 +30,6 @@ class Surfaces : public InjectedGl {
   BitmapPtr New(int width, int height, Format format = Format::ARGB8888) {
     return InjectedGl::New(*graphics_, width, height, format);
   }
-  static void Draw(VuBitmapImpl& target, VuRect dst, VuBitmapImpl& src, VuRect srcRect) {
-    target.DrawObject(dst, &src, srcRect, kIdentity, white, nullptr, nullptr);
-  }
   std::unique_ptr<GlGraphics> graphics_;
   static inline int draws_ = 0;
 };
@@ -49,42 +43,38 @@ TEST_F(Surfaces, AScreenOfManyPicturesIsFewDrawCalls) {
     masks.push_back(New(20, 20 + i % 2, Format::A8));
     masks.back()->Clear(VuColor{0x80000000u});
   }
-  VuFontAtlas font(ZIRK_TEST_FONTS "/sans.ttf", 0, 14, false, false);
+  const VuFont font(ZIRK_TEST_FONTS "/sans.ttf", 0, 14);
   const auto drawCell = [&](size_t i, VuRect cell) {
-    target->DrawRect(cell, VuColor{0xFF203040}, kIdentity, nullptr, nullptr);
-    Draw(*target, {cell.x + 4, cell.y + 4, 20, 20}, *icons[i], {0, 0, 20, 20});
-    target->DrawText(&font, "Cell", {cell.x + 8, cell.y + 36}, white, kIdentity, nullptr, nullptr,
-                     {});
+    target->DrawRect(cell, VuColor{0xFF203040});
+    target->DrawObject({cell.x + 4, cell.y + 4, 20, 20}, *icons[i], {0, 0, 20, 20});
+    target->DrawText(font, "Cell", {cell.x + 8, cell.y + 36}, white);
   };
   const auto drawMore = [&](size_t i, VuRect cell) {
     target->SetClippingRect({cell.x + 2, cell.y + 2, 70, 70});
     drawCell(i, cell);
-    target->DrawObject(VuRect{cell.x + 40, cell.y + 4, 32, 32}, icons[i].get(), {0, 0, 20, 20},
-                       kIdentity, white, masks[i].get(), nullptr);
-    target->DrawLine({cell.x, cell.y + 60}, {cell.x + 79, cell.y + 50}, white, kIdentity, nullptr,
-                     nullptr);
+    target->DrawObject(VuRect{cell.x + 40, cell.y + 4, 32, 32}, *icons[i], {0, 0, 20, 20},
+                       VuTransform(), white, *masks[i], nullptr);
+    target->DrawLine({cell.x, cell.y + 60}, {cell.x + 79, cell.y + 50}, white);
   };
   // Each lies on the one before.
   const auto drawTurned = [&](size_t i, VuRect) {
     icons[0]->SetScaleMode(VuScaleMode::Bilinear);
     const VuTransform t(static_cast<float>(12 * i), 40, 1, 1,
                         i % 2 ? static_cast<float>(9 * i) : 0);
-    target->DrawObject(VuRect{0, 0, 20, 20}, icons[0].get(), {0, 0, 20, 20}, t, white, nullptr,
-                       nullptr);
+    target->DrawObject({0, 0, 20, 20}, *icons[0], {0, 0, 20, 20}, t);
   };
   // Neither colours nor clipping interrupt them.
   const BitmapPtr sheet = New(32, 32);
   const auto drawSprites = [&](size_t, VuRect cell) {
     for (int sprite = 0; sprite < 100; ++sprite) {
-      Draw(*target, {cell.x + sprite % 50, cell.y, 8, 8}, *sheet, {sprite % 24, 0, 8, 8});
-      target->DrawRect({sprite, 0, 2, 2}, VuColor{0xFF00FF00}, kIdentity, nullptr, nullptr);
+      target->DrawObject({cell.x + sprite % 50, cell.y, 8, 8}, *sheet, {sprite % 24, 0, 8, 8});
+      target->DrawRect({sprite, 0, 2, 2}, VuColor{0xFF00FF00});
       target->SetClippingRect({0, 0, 640, 50 + sprite});
     }
   };
   // Glyphs that are new come between, and the atlas grows.
   const auto drawLine = [&](size_t i, VuRect) {
-    target->DrawText(&font, "The quick brown fox, 0123456789", {5, int(i) * 10}, white, kIdentity,
-                     nullptr, nullptr, {});
+    target->DrawText(font, "The quick brown fox, 0123456789", {5, int(i) * 10}, white);
   };
   const struct {
     const char* name;
@@ -123,14 +113,14 @@ TEST_F(Surfaces, AFrameDrawnAgainChangesNoState) {
   };
   graphics_ = NewContext();
   {
-    const ScreenPtr screen = NewScreen(*graphics_, 64, 64);
+    const BitmapPtr screen = NewScreen(*graphics_, 64, 64);
     const BitmapPtr sheet = New(32, 32);
     screen->SetBlendColor(VuColor{0xFF102030});
     const auto drawFrame = [&](int sprites) {
       std::fill(std::begin(changes), std::end(changes), 0);
       for (int i = 0; i < sprites; ++i) {
-        Draw(*screen, {i % 50, i % 60, 8, 8}, *sheet, {i % 24, 0, 8, 8});
-        screen->DrawRect({i % 60, 0, 2, 2}, VuColor{0xFF00FF00}, kIdentity, nullptr, nullptr);
+        screen->DrawObject({i % 50, i % 60, 8, 8}, *sheet, {i % 24, 0, 8, 8});
+        screen->DrawRect({i % 60, 0, 2, 2}, VuColor{0xFF00FF00});
       }
       screen->SwapBuffers();
       return std::vector<int>(std::begin(changes), std::end(changes));
@@ -161,7 +151,7 @@ TEST_F(Surfaces, OnlyScreensOfTwoBuffersWaitForTheDisplay) {
   };
   const auto newScreen = [&](bool two, uint8_t index = 0) {
     const auto buffers = static_cast<uint8_t>(two ? 2 : 1);
-    return ScreenPtr(graphics_->CreateScreen({8, 8, index, buffers, Format::ARGB8888, false}));
+    return HandleOf(graphics_->CreateScreen({8, 8, index, buffers, Format::ARGB8888, false}));
   };
   for (const bool two : {true, true, false}) {
     intervals.clear();
@@ -169,12 +159,12 @@ TEST_F(Surfaces, OnlyScreensOfTwoBuffersWaitForTheDisplay) {
     EXPECT_EQ(intervals, std::vector<int>{two});
   }
   intervals.clear();
-  const ScreenPtr screen(graphics_->CreateScreen(true));
+  const BitmapPtr screen = HandleOf(graphics_->CreateScreen(true));
   screen->SwapBuffers();
   EXPECT_EQ(intervals, std::vector<int>{1}) << "two unless asked otherwise";
   // Layers share a window, and the last one to swap says.
   const GlCompositor compositor;
-  const ScreenPtr layer = newScreen(false, 1);
+  const BitmapPtr layer = newScreen(false, 1);
   for (const auto& swapped : {&screen, &layer, &layer}) (*swapped)->SwapBuffers();
   EXPECT_EQ(intervals.back(), 0);
 }
@@ -183,9 +173,9 @@ TEST_F(Surfaces, WritingBesideWhatIsReadInterruptsNothingAndSendsNothingElse) {
   const BitmapPtr target = New(64, 16), atlas = New(64, 16);
   const std::vector<uint32_t> red(64, 0xFFFF0000u), blue(64, 0xFF0000FFu);
   atlas->SetPixels({0, 0, 8, 8}, red.data(), 32);
-  Draw(*target, {0, 0, 8, 8}, *atlas, {0, 0, 8, 8});
+  target->DrawObject({0, 0, 8, 8}, *atlas, {0, 0, 8, 8});
   atlas->SetPixels({8, 0, 8, 8}, blue.data(), 32);
-  Draw(*target, {8, 0, 8, 8}, *atlas, {8, 0, 8, 8});
+  target->DrawObject({8, 0, 8, 8}, *atlas, {8, 0, 8, 8});
   EXPECT_EQ(PixelOf(*target, 4, 4), 0xFFFF0000u);
   EXPECT_EQ(PixelOf(*target, 12, 4), 0xFF0000FFu);
   EXPECT_EQ(draws_, 1);
@@ -194,7 +184,7 @@ TEST_F(Surfaces, WritingBesideWhatIsReadInterruptsNothingAndSendsNothingElse) {
 
 TEST_F(Surfaces, AreHandedToAnotherThreadByFlush) {
   const BitmapPtr bitmap = New(4, 4);
-  bitmap->DrawRect({0, 0, 4, 4}, white, kIdentity, nullptr, nullptr);
+  bitmap->DrawRect({0, 0, 4, 4}, white);
   graphics_->Flush();
   EXPECT_EQ(draws_, 1);
   std::thread([&] {
@@ -209,7 +199,7 @@ TEST_F(Surfaces, DropTheEventsThatNobodyElseHandles) {
     graphics_.reset();
     SDL_InitSubSystem(alone ? 0 : SDL_INIT_EVENTS);
     graphics_ = NewContext();
-    const ScreenPtr screen = NewScreen(*graphics_, 8, 8);
+    const BitmapPtr screen = NewScreen(*graphics_, 8, 8);
     screen->SetName("Title");
     EXPECT_STREQ(SDL_GetWindowTitle(SDL_GL_GetCurrentWindow()), "Title");
     SDL_FlushEvents(SDL_FIRSTEVENT, SDL_LASTEVENT);

@@ -49,13 +49,13 @@ TEST_F(Windows, ShowTheWholePictureBetweenBars) {
   } rows[] = {{{32, 16}, {0, 0, 32, 16}},  {{64, 8}, {24, 0, 40, 8}}, {{16, 8}, {0, 0, 16, 8}},
               {{40, 60}, {0, 20, 40, 40}}, {{8, 12}, {0, 4, 8, 8}},   {{18, 9}, {1, 0, 17, 8}}};
   const auto graphics = NewContext();
-  const ScreenPtr screen = NewScreen(*graphics, 16, 8, 0, VuPixelFormat::RGB565);
+  const BitmapPtr screen = NewScreen(*graphics, 16, 8, 0, VuPixelFormat::RGB565);
   const BitmapPtr copy = New(*graphics, 16, 8, VuPixelFormat::RGB565);
   for (const auto& [window, box] : rows) {
     size_ = window;
-    screen->DrawRect({0, 0, 8, 8}, VuColor{kRed}, MatrixF(), nullptr, nullptr);
-    screen->DrawRect({8, 0, 8, 8}, VuColor{kBlue}, MatrixF(), nullptr, nullptr);
-    copy->CopyPixels({0, 0}, screen.get(), {0, 0, 16, 8});
+    screen->DrawRect({0, 0, 8, 8}, VuColor{kRed});
+    screen->DrawRect({8, 0, 8, 8}, VuColor{kBlue});
+    copy->CopyPixels({0, 0}, *screen, {0, 0, 16, 8});
     EXPECT_EQ(PixelOf(*screen, 7, 7), 0xF800u) << window[0];
     EXPECT_EQ(PixelOf(*copy, 8, 0), 0x001Fu) << window[0];
     screen->SwapBuffers();
@@ -84,7 +84,7 @@ TEST_F(Windows, HaveAllPixelsOfADenseDisplay) {
   EXPECT_EQ(points, (VuSize{201, 100}));
   SDL_DisplayMode mode = {};
   SDL_GetDesktopDisplayMode(0, &mode);
-  EXPECT_EQ(ScreenPtr(graphics->CreateScreen(true))->GetBounds().width, mode.w * 3 / 2);
+  EXPECT_EQ(HandleOf(graphics->CreateScreen(true))->GetBounds().width, mode.w * 3 / 2);
 }
 
 TEST(XWindow, IsResizedWhileFramesAreShown) {
@@ -102,7 +102,8 @@ TEST(XWindow, IsResizedWhileFramesAreShown) {
     setenv("SDL_VIDEODRIVER", "x11", 1);
     const auto graphics = GlGraphics::Start();
     ASSERT_NE(graphics, nullptr);
-    const std::unique_ptr<VuScreenImpl> screen(graphics->CreateScreen({160, 80, 0, 2, {}, false}));
+    const auto screen =
+        std::make_unique<VuBitmap>(graphics->CreateScreen({160, 80, 0, 2, {}, false}));
     const auto shows = [&](int red) {
       // As xwd(1) has it: the pixels come last.
       std::vector<uint32_t> pixels(320 * 240);

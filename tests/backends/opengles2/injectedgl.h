@@ -82,16 +82,19 @@ class InjectedGl : public testing::Test {
   }
   static inline bool lost_ = false;
 
-  using BitmapPtr = std::unique_ptr<VuBitmapImpl>;
-  using ScreenPtr = std::unique_ptr<VuScreenImpl>;
+  using BitmapPtr = std::unique_ptr<VuBitmap>;
 
+  /// A handle for what a context has made, if it has.
+  static BitmapPtr HandleOf(VuBitmapImpl* made) {
+    return made ? std::make_unique<VuBitmap>(made) : nullptr;
+  }
   static BitmapPtr New(VuGraphicsImpl& graphics, int width, int height,
                        VuPixelFormat format = VuPixelFormat::ARGB8888) {
-    return BitmapPtr(graphics.CreateBitmap(width, height, format));
+    return HandleOf(graphics.CreateBitmap(width, height, format));
   }
-  static ScreenPtr NewScreen(VuGraphicsImpl& graphics, int width, int height, uint8_t index = 0,
+  static BitmapPtr NewScreen(VuGraphicsImpl& graphics, int width, int height, uint8_t index = 0,
                              VuPixelFormat format = VuPixelFormat::ARGB8888) {
-    return ScreenPtr(graphics.CreateScreen({width, height, index, 2, format, false}));
+    return HandleOf(graphics.CreateScreen({width, height, index, 2, format, false}));
   }
   static std::unique_ptr<GlGraphics> NewContext() {
     auto device = GlDevice::Acquire();
