@@ -182,6 +182,30 @@ TEST_F(Surfaces, WritingBesideWhatIsReadInterruptsNothingAndSendsNothingElse) {
   EXPECT_EQ(sent_, (std::vector<std::array<int, 4>>{{0, 0, 8, 8}, {8, 0, 8, 8}}));
 }
 
+// Some drivers give the next object the name of the one that was deleted last.
+TEST_F(Surfaces, ANameMayComeBackAtOnce) {
+  static GLuint name;
+  name = 0;
+  Replace("glGenTextures", [](GLsizei count, GLuint* names) {
+    Real<PFNGLGENTEXTURESPROC>("glGenTextures")(count, names);
+    if (name != 0) *names = name;
+  });
+  Replace("glGenFramebuffers", [](GLsizei count, GLuint* names) {
+    Real<PFNGLGENFRAMEBUFFERSPROC>("glGenFramebuffers")(count, names);
+    if (name != 0) *names = name;
+  });
+  graphics_.reset();
+  graphics_ = NewContext();
+  name = 1000;
+  for (const uint32_t color : {0xFF112233u, 0xFF445566u}) {
+    const BitmapPtr bitmap = New(200, 200);
+    ASSERT_NE(bitmap, nullptr);
+    bitmap->Clear(VuColor{color});
+    EXPECT_EQ(PixelOf(*bitmap, 199, 0), color);
+  }
+  graphics_.reset();
+}
+
 TEST_F(Surfaces, AreHandedToAnotherThreadByFlush) {
   const BitmapPtr bitmap = New(4, 4);
   bitmap->DrawRect({0, 0, 4, 4}, white);
