@@ -55,71 +55,45 @@ struct Case {
   bool blit, tinted, covered, opaque;
 };
 
-void CheckSpan(const Kernels& kernels, const Case& c, int width) {
-  const std::vector<uint32_t> before = RandomPixels(1, true), src = RandomPixels(2, false);
-  std::vector<uint32_t> dst = before;
+/// What `kernel` makes of random pixels of the format, beside one pixel at a time.
+template <VuPixelFormat kFormat>
+void CheckSpan(Kernels::SpanKernel kernel, const Case& c, int width) {
+  using Traits = PixelTraits<kFormat>;
+  constexpr bool kNarrow = kFormat == VuPixelFormat::RGB565;
+  const std::vector<uint32_t> random = RandomPixels(1, !kNarrow), src = RandomPixels(2, kNarrow);
+  const std::vector<typename Traits::Stored> before(random.begin(), random.end());
+  std::vector<typename Traits::Stored> dst = before;
   std::vector<uint8_t> coverage(kPitch * kRows);
   for (size_t i = 0; i < coverage.size(); ++i)
     coverage[i] = static_cast<uint8_t>(i % 3 == 0 ? 255 : i % 7 == 0 ? 0 : i * 37);
 
-  PixelSpan span = {dst.data() + 1, kPitch, width, kRows};
-  span.color = c.blit && !c.tinted ? 0xFFFFFFFFu : width % 2 ? 0xFF70F010u : 0x90708010u;
-  if (c.blit) span.src = src.data() + 1;
-  span.srcPitch = kPitch;
-  if (c.covered) span.coverage = coverage.data() + 1;
-  span.coveragePitch = kPitch;
-  if (c.opaque) span.opaque = 0xFF000000u;
-  if (c.blit)
-    kernels.blit[c.op][c.tinted][c.covered](span);
-  else
-    kernels.fill[c.op][c.covered](span);
-
-  for (int i = 0; i < kPitch * kRows; ++i) {
-    const auto at = static_cast<size_t>(i);
-    const int x = i % kPitch - 1;
-    uint32_t expected = before[at];
-    if (x >= 0 && x < width) {
-      uint32_t shade = c.blit ? src[at] : span.color;
-      if (c.blit && c.tinted) shade = MultiplyPixels(shade, span.color);
-      if (c.covered) shade = ScalePixel(shade, coverage[at]);
-      expected = c.op == Kernels::Over ? BlendOver(shade, before[at]) : shade | span.opaque;
-      if (c.op == Kernels::Over && c.covered && !c.blit)
-        expected = BlendCovered(span.color, coverage[at], before[at]);
-    }
-    ASSERT_EQ(dst[at], expected) << "x " << x << " row " << i / kPitch << " width " << width
-                                 << " operator " << c.op << " blit " << c.blit << " tinted "
-                                 << c.tinted << " covered " << c.covered;
-  }
-}
-
-/// What kernels there are for RGB565, beside the same on 32-bit pixels.
-void CheckSpan565(const Kernels& kernels, int flags, int width) {
-  using Traits = PixelTraits<VuPixelFormat::RGB565>;
-  const bool over = flags & 1, blit = flags & 2, covered = flags & 4;
-  const auto kernel = blit ? kernels.blit565[over] : kernels.fill565[over][covered];
-  if (!kernel || (blit && covered)) return;
-  const std::vector<uint32_t> random = RandomPixels(3, false), src = RandomPixels(4, true);
-  const std::vector<uint16_t> before(random.begin(), random.end());
-  std::vector<uint16_t> dst = before;
-  std::vector<uint8_t> coverage(random.rbegin(), random.rend());
   PixelSpan span = {};
-  span.dst565 = dst.data() + 1;
+  if constexpr (kNarrow)
+    span.dst565 = dst.data() + 1;
+  else
+    span.dst = dst.data() + 1;
   span.dstPitch = span.srcPitch = span.coveragePitch = kPitch;
   span.width = width;
   span.height = kRows;
-  span.color = blit ? 0xFFFFFFFFu : width % 2 ? 0xFF70F010u : 0x90708010u;
-  if (blit) span.src = src.data() + 1;
-  if (covered) span.coverage = coverage.data() + 1;
+  span.color = c.blit && !c.tinted ? 0xFFFFFFFFu : width % 2 ? 0xFF70F010u : 0x90708010u;
+  if (c.blit) span.src = src.data() + 1;
+  if (c.covered) span.coverage = coverage.data() + 1;
+  if (c.opaque) span.opaque = 0xFF000000u;
   kernel(span);
+
   for (size_t i = 0; i < dst.size(); ++i) {
     const int x = static_cast<int>(i) % kPitch - 1;
-    const uint32_t shade = blit ? src[i] : span.color, below = Traits::Unpack(before[i]);
-    const uint32_t drawn = covered ? BlendCovered(shade, coverage[i], below)
-                           : over  ? BlendOver(shade, below)
-                                   : shade;
+    const uint32_t below = Traits::Unpack(before[i]);
+    uint32_t shade = c.blit ? src[i] : span.color;
+    if (c.blit && c.tinted) shade = MultiplyPixels(shade, span.color);
+    if (c.covered) shade = ScalePixel(shade, coverage[i]);
+    uint32_t drawn = c.op == Kernels::Over ? BlendOver(shade, below) : shade | span.opaque;
+    if (c.op == Kernels::Over && c.covered && !c.blit)
+      drawn = BlendCovered(span.color, coverage[i], below);
     ASSERT_EQ(dst[i], x >= 0 && x < width ? Traits::Pack(drawn) : before[i])
-        << "x " << x << " width " << width << " over " << over << " blit " << blit << " covered "
-        << covered;
+        << "format " << static_cast<int>(kFormat) << " x " << x << " width " << width
+        << " operator " << c.op << " blit " << c.blit << " tinted " << c.tinted << " covered "
+        << c.covered;
   }
 }
 
@@ -151,36 +125,38 @@ TEST(Kernels, AreChosenByLevel) {
 }
 
 TEST_P(EachLevel, FillAndBlitEveryWidth) {
+  const Kernels& kernels = *GetParam().kernels;
   for (int flags = 0; flags < 32; ++flags) {
-    const bool over = flags & 1, blit = flags & 2, tinted = flags & 4;
+    const bool over = flags & 1, blit = flags & 2, tinted = flags & 4, covered = flags & 8;
     // An operator that blends keeps what an opaque destination has in its X byte.
     const bool opaque = (flags & 16) && !over;
     if (tinted && !blit) continue;
-    const Case c = {over ? Kernels::Over : Kernels::Source, blit, tinted, (flags & 8) != 0, opaque};
-    for (int width = 1; width < kPitch - 1; ++width) CheckSpan(*GetParam().kernels, c, width);
+    const Case c = {over ? Kernels::Over : Kernels::Source, blit, tinted, covered, opaque};
+    const auto kernel = blit ? kernels.blit[over][tinted][covered] : kernels.fill[over][covered];
+    const auto narrow = blit ? kernels.blit565[over] : kernels.fill565[over][covered];
+    const bool hasNarrow = narrow && !tinted && !opaque && !(blit && covered);
+    for (int width = 1; width < kPitch - 1; ++width) {
+      CheckSpan<VuPixelFormat::ARGB8888>(kernel, c, width);
+      if (hasNarrow) CheckSpan<VuPixelFormat::RGB565>(narrow, c, width);
+    }
   }
 }
 
-TEST_P(EachLevel, DrawsOnRgb565AtEveryWidth) {
-  for (int flags = 0; flags < 8; ++flags)
-    for (int width = 1; width < kPitch - 1; ++width)
-      CheckSpan565(*GetParam().kernels, flags, width);
-}
-
-/// A factor of the channel at `shift`, 0 to 255; of alpha where `constant` has no more.
+/// A factor of the channel at `shift`, 0 to 255.
 uint32_t FactorAt(VuBlendingFactor factor, uint32_t src, uint32_t dst, uint32_t constant,
                   int shift) {
-  // In the enumeration's order: a value, and what it lacks of 255.
-  const uint32_t pairs[] = {0, src >> shift & 255, src >> 24, dst >> 24, dst >> shift & 255};
-  const int number = static_cast<int>(factor);
-  if (factor == VuBlendingFactor::SrcAlphaSaturate)
-    return shift == 24 ? 255 : std::min(src >> 24, 255 - (dst >> 24));
-  if (number > static_cast<int>(VuBlendingFactor::SrcAlphaSaturate)) {
-    const int after = number - static_cast<int>(VuBlendingFactor::BlendColor);
-    const uint32_t channel = constant >> (after < 2 ? shift : 24) & 255;
-    return after % 2 ? 255 - channel : channel;
-  }
-  return number % 2 ? 255 - pairs[number / 2] : pairs[number / 2];
+  constexpr auto kSaturate = VuBlendingFactor::SrcAlphaSaturate;
+  if (factor == kSaturate) return shift == 24 ? 255 : std::min(src >> 24, 255 - (dst >> 24));
+  // The others come in pairs: a value, and what it lacks of 255.
+  const uint32_t values[] = {0,
+                             src >> shift & 255,
+                             src >> 24,
+                             dst >> 24,
+                             dst >> shift & 255,
+                             constant >> shift & 255,
+                             constant >> 24};
+  const int number = static_cast<int>(factor) - (factor > kSaturate ? 1 : 0);
+  return number % 2 ? 255 - values[number / 2] : values[number / 2];
 }
 
 TEST_P(EachLevel, BlendsByAnyFactors) {
@@ -207,17 +183,18 @@ TEST_P(EachLevel, BlendsByAnyFactors) {
   }
 }
 
-/// What the samplers read: a gradient, inside a margin that they must not touch.
+/// What the samplers read: a gradient, inside a margin that they must not touch, as wide as
+/// positions can be.
 struct Image {
-  static constexpr int kSize = 12, kMargin = 3, kStride = kSize + 2 * kMargin;
-  std::vector<uint32_t> pixels = std::vector<uint32_t>(kStride * kStride, 0xFFFFFFFFu);
+  static constexpr int kSize = 12, kMargin = 3, kStride = kSize + 2 * kMargin, kFar = 1 << 16;
+  std::vector<uint32_t> pixels = std::vector<uint32_t>(2 * kFar + kStride * kStride, 0xFFFFFFFFu);
 
   Image() {
     for (int y = 0; y < kSize; ++y)
       for (int x = 0; x < kSize; ++x) At(x, y) = static_cast<uint32_t>(x * 20) << 16 | (y * 20u);
   }
   uint32_t& At(int x, int y) {
-    return pixels[static_cast<size_t>((y + kMargin) * kStride + x + kMargin)];
+    return pixels[static_cast<size_t>(kFar + (y + kMargin) * kStride + x + kMargin)];
   }
   SampleRow Row() { return {&At(0, 0), kStride, 0, 0, kSize - 1, kSize - 1, 0, 0, 0, 0}; }
 };
@@ -229,18 +206,21 @@ TEST_P(EachLevel, SamplersFollowTheGradientAndStayInside) {
   } const rows[] = {{-2, 3.5, 0.37, 0},  {14, 3.25, -0.4, 0}, {-3, -2, 0.4, 0.4},
                     {0, 0, 1, 0},        {2, 13, 0.2, 0},     {5, 14, 0.1, -0.45},
                     {-20, 5, 2.5, 0.01}, {30, 30, 0, 0},      {11.5, 0.5, -0.3, 0.3},
-                    {4.5, -2, 0, 0.4},   {1, 2.5, 0.5, 0},    {0.5, 2.5, 0.5, 0}};
+                    {4.5, -2, 0, 0.4},   {1, 2.5, 0.5, 0},    {0.5, 2.5, 0.5, 0},
+                    {-2, 3, 0.400001, 0}};
+  Image image;
   for (const auto& r : rows)
     for (const bool bilinear : {false, true}) {
       // Twice as wide, a row lies inside the image.
       const int count = r.stepX == 0.5 ? 21 : kCount;
-      Image image;
       SampleRow row = image.Row();
       const auto fixed = [](double v) { return static_cast<int32_t>(std::lround(v * 65536)); };
       row.x = fixed(r.x);
       row.y = fixed(r.y);
       row.stepX = fixed(r.stepX);
       row.stepY = fixed(r.stepY);
+      if (!bilinear && r.stepY == 0) row.stepFractionX = fixed(r.stepX * 65536 - row.stepX);
+      const double stepX = row.stepX + row.stepFractionX / 65536.0;
       std::vector<uint32_t> out(kCount + 1, 0x12345678u);
       (GetParam().kernels->*(bilinear ? &Kernels::sampleBilinear : &Kernels::sampleNearest))(
           row, out.data(), count);
@@ -251,7 +231,7 @@ TEST_P(EachLevel, SamplersFollowTheGradientAndStayInside) {
         };
         const uint32_t p = out[static_cast<size_t>(i)];
         const double tolerance = bilinear ? 1.1 : 0;
-        ASSERT_NEAR(p >> 16 & 255, expected(row.x / 65536.0 + i * (row.stepX / 65536.0)), tolerance)
+        ASSERT_NEAR(p >> 16 & 255, expected((row.x + i * stepX) / 65536), tolerance)
             << "from " << r.x << ", " << r.y << " pixel " << i;
         ASSERT_NEAR(p & 255, expected(row.y / 65536.0 + i * (row.stepY / 65536.0)), tolerance);
         ASSERT_EQ(p & 0xFF00FF00u, 0u) << "read outside the image";
@@ -263,8 +243,8 @@ TEST_P(EachLevel, SamplersFollowTheGradientAndStayInside) {
 TEST_P(EachLevel, SamplersStayInsideHoweverFarTheyStep) {
   std::mt19937 random(6);
   const auto number = [&] { return static_cast<int32_t>(random()); };
+  Image image;
   for (int i = 0; i < 3000; ++i) {
-    Image image;
     SampleRow row = image.Row();
     row.x = number() % (kFarthestSample << 16);
     row.y = number() % (kFarthestSample << 16);
