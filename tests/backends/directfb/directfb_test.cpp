@@ -1,6 +1,7 @@
 // What is particular to DirectFB: its start, its screens, and that it never ends. The model looks
 // at the drawing.
 
+#include <directfb.h>
 #include <gtest/gtest.h>
 #include <zirk/zirk.h>
 
@@ -8,7 +9,6 @@
 #include <cstdlib>
 #include <memory>
 #include <string>
-#include <utility>
 
 #include "helpers/logged.h"
 #include "helpers/pixels.h"
@@ -141,6 +141,30 @@ TEST_F(DirectFb, AScreenWithoutADisplayStaysInMemory) {
   second.reset();
   first.reset(graphics_->CreateScreen(false));
   EXPECT_EQ(first->GetBounds().width, 800);
+}
+
+TEST_F(DirectFb, ADisplayOfOneSizeGivesItToItsScreen) {
+  static DFBResult (*getLayer)(IDirectFB*, DFBDisplayLayerID, IDirectFBDisplayLayer**);
+  static DFBResult (*configure)(IDirectFBDisplayLayer*, const DFBDisplayLayerConfig*);
+  IDirectFB* directFb = nullptr;  // The one that the backend uses.
+  ASSERT_EQ(DirectFBCreate(&directFb), DFB_OK);
+  getLayer = directFb->GetDisplayLayer;
+  directFb->GetDisplayLayer = [](IDirectFB* self, DFBDisplayLayerID id,
+                                 IDirectFBDisplayLayer** layer) {
+    const DFBResult result = getLayer(self, id, layer);
+    configure = (*layer)->SetConfiguration;
+    (*layer)->SetConfiguration = [](IDirectFBDisplayLayer* display,
+                                    const DFBDisplayLayerConfig* asked) {
+      return asked->width == 800 ? configure(display, asked) : DFB_UNSUPPORTED;
+    };
+    return result;
+  };
+  const BitmapPtr screen = Screen(0, false);
+  directFb->GetDisplayLayer = getLayer;
+  directFb->Release(directFb);
+  EXPECT_EQ(screen->GetBounds(), (VuRect{0, 0, 800, 600}));
+  EXPECT_EQ(graphics_->TotalMemory() - graphics_->AvailableMemory(),
+            graphics_->BitmapSize(800, 600, VuPixelFormat::ARGB8888));
 }
 
 TEST_F(DirectFb, LockedSurfacesAreDrawnOnAndReadAsEver) {
