@@ -1,10 +1,11 @@
 #!/usr/bin/env python3
 """Holds the #include lines of the project to its layers: tests/structure/includes.py
 
-Prints each line that points the wrong way, each circle of files and each exception that is no
+Prints each line that points the wrong way, a circle of files and each exception that is no
 longer needed, and ends with 1 if there are any.
 """
 
+import graphlib
 import re
 import sys
 from pathlib import Path
@@ -72,7 +73,7 @@ class Checker:
                     reason = self.fault(path, match[1] == "<", match[2])
                     if reason:
                         self.found.append(f"{path}:{number}: {line.strip()}: {reason}")
-        self.find_circles()
+        self.find_circle()
         for path, name in sorted(EXCEPTIONS - self.used_exceptions):
             self.found.append(f"{path}: does not include <{name}> any more: drop the exception")
         return self.found
@@ -140,22 +141,11 @@ class Checker:
             return f"{target} is another plug-in"
         return None
 
-    def find_circles(self):
-        done, trail = set(), []
-
-        def visit(path):
-            if path in trail:
-                circle = trail[trail.index(path):] + [path]
-                self.found.append("a circle: " + " -> ".join(circle))
-            elif path not in done:
-                trail.append(path)
-                for target in self.graph[path]:
-                    visit(target)
-                trail.pop()
-                done.add(path)
-
-        for path in sorted(self.graph):
-            visit(path)
+    def find_circle(self):
+        try:
+            graphlib.TopologicalSorter(self.graph).prepare()
+        except graphlib.CycleError as error:
+            self.found.append("a circle: " + " -> ".join(reversed(error.args[1])))
 
 
 def main():
