@@ -1,16 +1,16 @@
 #pragma once
 
 /// @file
-/// Reckoning with colours.
+/// Arithmetic on colours.
 
 #include <zirk/export.h>
 #include <zirk/vucolor.h>
 
 namespace ZIRK::kit {
 
-/// The colour between two: `from` where `t` is 0, `to` where it is 1, and each channel, alpha
-/// included, rounded to the nearest between them. `t` beyond that range counts as its nearer end,
-/// and one that is not a number as 0. Any thread may call.
+/// Interpolates between two colours: returns `from` for `t` = 0 and `to` for `t` = 1. Each channel,
+/// alpha included, is interpolated and rounded to the nearest value. `t` is clamped to 0..1; NaN
+/// counts as 0. Any thread may call.
 ZIRK_API VuColor Mix(VuColor from, VuColor to, float t);
 
 }  // namespace ZIRK::kit

@@ -1,11 +1,12 @@
 #pragma once
 
 /// @file
-/// All that libZIRKKit.so has.
+/// Includes every header of the kit.
 
 /// @namespace ZIRK::kit
-/// What many programs would otherwise write again. It is a library of its own, libZIRKKit.so, built
-/// on the interface that applications have, so it works with every backend.
+/// Helpers that many programs need: shapes, text boxes, PNG files, fonts by name. The kit is a
+/// separate library, libZIRKKit.so. It uses only the public interface, so it works with every
+/// backend.
 
 #include <zirk/kit/color.h>
 #include <zirk/kit/machinefonts.h>

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Font files of the machine by family and style.
+/// Finds installed font files by family and style.
 
 #include <zirk/export.h>
 
@@ -11,23 +11,23 @@
 
 namespace ZIRK::kit {
 
-/// A face of a font file, as VuFont::CreateFont() takes it.
+/// A face of a font file: the first two arguments of VuFont::CreateFont().
 struct FontFile {
-  std::string path;   ///< Of the file.
-  int faceIndex = 0;  ///< Of the face in it.
+  std::string path;   ///< Path of the file.
+  int faceIndex = 0;  ///< Number of the face in the file, from 0.
 };
 
-/// The face that fontconfig finds best for a family and a style among the fonts that the machine
-/// has installed. As fontconfig has it, that is a face of another family where none has this name;
-/// "sans-serif", "serif" and "monospace" are the machine's own choice.
+/// Asks fontconfig for the installed face that best matches a family and a style. If no installed
+/// font has that family, fontconfig returns a face of another one. The families "sans-serif",
+/// "serif" and "monospace" give the machine's default fonts.
 ///
 ///     if (const auto file = kit::FindFont("sans-serif"))
 ///       font.reset(VuFont::CreateFont(file->path.c_str(), file->faceIndex, 24));
 ///
-/// Nothing, with one error line, where there is no font, memory runs out, fontconfig is not on the
-/// machine, or was not there when the kit was built. Its library is opened at the first call, which
-/// may take long, and stays open. An application that brings its own fonts matches them by
-/// VuFontRegistry. Any thread may call.
+/// Returns nothing, with one error line, if there is no font, if memory runs out, if fontconfig is
+/// not installed, or if the kit was built without it. The first call opens fontconfig's library,
+/// which may take long; the library stays open. An application that brings its own fonts uses
+/// VuFontRegistry instead. Any thread may call.
 ZIRK_API std::optional<FontFile> FindFont(std::string_view family, bool bold = false,
                                           bool italic = false);
 

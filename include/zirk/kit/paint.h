@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// What shapes are filled with.
+/// Colours and gradients that fill shapes.
 
 #include <zirk/export.h>
 #include <zirk/vucolor.h>
@@ -10,38 +10,39 @@
 
 namespace ZIRK::kit {
 
-/// What a shape is filled with: one colour, which converts by itself, or a gradient of two. A
-/// gradient lies over the smallest rectangle of whole pixels that holds the shape, and its colours
-/// are mixed premultiplied, so that one fades out without the other's tint. A paint is a value that
-/// owns nothing; any thread may make one.
+/// Fills a shape with one colour or with a gradient between two. A colour converts to a Paint
+/// implicitly. A gradient covers the smallest rectangle of whole pixels that contains the shape. It
+/// interpolates premultiplied colours, so one colour fades out without taking the tint of the
+/// other. A paint is a value; any thread may use one of its own.
 class ZIRK_API Paint {
  public:
-  /// How a paint's two colours lie.
+  /// How the two colours of a paint are arranged.
   enum class Kind : int32_t {
-    Plain,   ///< There is one colour.
-    Linear,  ///< Along a direction.
-    Radial,  ///< Around the middle.
+    Plain,   ///< A single colour.
+    Linear,  ///< From one side to the other, along a direction.
+    Radial,  ///< From the centre outwards.
   };
 
-  /// A single colour, as the drawing calls of VuBitmap take it.
+  /// A single colour, not premultiplied.
   constexpr Paint(VuColor color) : from_(color), to_(color) {}
   /// The same for a number, 0xAARRGGBB.
   constexpr Paint(uint32_t argb) : Paint(VuColor(argb)) {}
 
-  /// From `from` to `to` in the direction `degrees`, counter-clockwise from the right: 0 is to the
-  /// right, 90 upwards, -90 downwards. The corners that lie farthest have the colours themselves.
-  /// Directions are kept to a sixteenth of a degree; one that is not finite is downwards.
+  /// A gradient from `from` to `to` in the direction `degrees`, counter-clockwise from the right: 0
+  /// points right, 90 up, -90 down. The two colours are reached at the farthest corners of the
+  /// rectangle. The direction is rounded to 1/16 degree; a non-finite one points down.
   static Paint Linear(VuColor from, VuColor to, float degrees = -90);
-  /// From `from` in the middle to `to` at the ellipse that the shape's rectangle holds, and beyond.
+  /// A gradient from `from` at the centre to `to` at the ellipse inscribed in the shape's
+  /// rectangle. Outside the ellipse the colour is `to`.
   static Paint Radial(VuColor from, VuColor to);
 
-  /// How the colours lie.
+  /// The kind of paint.
   constexpr Kind GetKind() const { return kind_; }
   /// The first colour, or the only one.
   constexpr VuColor GetFrom() const { return from_; }
-  /// The second colour; of one that is plain the same as the first.
+  /// The second colour; equal to the first if the paint is Plain.
   constexpr VuColor GetTo() const { return to_; }
-  /// The direction of a linear gradient in sixteenths of a degree, from 0 to 5759; else 0.
+  /// The direction of a linear gradient in 1/16 degree, from 0 to 5759; 0 for other kinds.
   constexpr int32_t GetDirection() const { return direction_; }
 
  private:

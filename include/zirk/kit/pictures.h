@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Pictures of what was drawn: saved as files, and compared.
+/// Saves what was drawn as PNG files, and compares bitmaps.
 
 #include <zirk/export.h>
 #include <zirk/vubitmap.h>
@@ -12,33 +12,35 @@
 
 namespace ZIRK::kit {
 
-/// Saves what `bitmap`, a screen or another bitmap, shows as a PNG file: not premultiplied, eight
-/// bits a channel, without alpha where the format has none; `sBIT` tells of fewer bits. A bitmap of
-/// alpha alone becomes white of that alpha. Of a screen the drawing counts that is not shown yet,
-/// so save before SwapBuffers().
+/// Saves the pixels of `bitmap`, which may be a screen, as a PNG file. Pixels are stored without
+/// premultiplication and with eight bits per channel; the chunk `sBIT` records formats with fewer
+/// bits. The file has an alpha channel only if the format does. A bitmap of format A8 is saved as
+/// white with that alpha. For a screen, the pixels are those of the frame being drawn, so save
+/// before SwapBuffers().
 ///
-/// A part lies inside the bounds. An existing file is overwritten. False, with one error line,
-/// where that cannot be, memory runs out, the pixels cannot be read, or the kit was built without
-/// libpng; what was written of the file is removed. One thread at a time for each context.
+/// An existing file is overwritten. Returns false, with one error line, if the file cannot be
+/// written, memory runs out, the pixels cannot be read, or the kit was built without libpng; an
+/// incomplete file is removed. Call it from one thread per context at a time.
 ZIRK_API bool SavePng(VuBitmap& bitmap, const char* path);
-/// The same for `part` of the bitmap alone, in pixels of the bitmap.
+/// The same for `part` of the bitmap, in its pixels. It must lie inside the bounds.
 ZIRK_API bool SavePng(VuBitmap& bitmap, VuRect part, const char* path);
 
-/// How far two pictures are apart.
+/// How much two bitmaps differ.
 struct Difference {
-  int worst = 0;      ///< The largest of all channels, alpha included, in steps of 255.
-  double mean = 0;    ///< Of all channels of all pixels.
-  VuPoint worstAt{};  ///< The first pixel with the worst difference, from the parts' corners.
+  int worst = 0;      ///< The largest difference in any channel, alpha included, from 0 to 255.
+  double mean = 0;    ///< The mean difference over all channels of all pixels.
+  VuPoint worstAt{};  ///< The first pixel that differs by `worst`, relative to the parts.
 };
 
-/// Compares two bitmaps of the same size pixel by pixel, premultiplied as they are seen, each
-/// channel brought to eight bits. They may be of different contexts, backends and formats.
-/// `picture`, where it is not null, gets eight times the difference of the colours, opaque, at its
-/// top-left corner; it is of ARGB8888 and large enough. Nothing, with one error line, for different
-/// sizes, where memory runs out, and where pixels cannot be read or set. One thread at a time for
-/// each context.
+/// Compares two bitmaps of the same size pixel by pixel, in premultiplied colours with eight bits
+/// per channel. They may belong to different contexts and backends, and have different formats.
+///
+/// If `picture` is not null, the differences of the colours, multiplied by eight and opaque, are
+/// written to its top-left corner. It must have the format ARGB8888 and be large enough. Returns
+/// nothing, with one error line, if the sizes differ, if memory runs out, or if pixels cannot be
+/// read or written. Call it from one thread per context at a time.
 ZIRK_API std::optional<Difference> Compare(VuBitmap& a, VuBitmap& b, VuBitmap* picture = nullptr);
-/// The same for parts of two bitmaps, which lie inside their bounds.
+/// The same for parts of two bitmaps. Each must lie inside the bounds of its bitmap.
 ZIRK_API std::optional<Difference> Compare(VuBitmap& a, VuRect partOfA, VuBitmap& b, VuRect partOfB,
                                            VuBitmap* picture = nullptr);
 

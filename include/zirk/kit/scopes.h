@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Changes of a surface's state that end with a scope.
+/// Guards that change the state of a surface and restore it at the end of a scope.
 
 #include <zirk/export.h>
 #include <zirk/vuenums.h>
@@ -13,13 +13,13 @@ class VuBitmap;
 
 namespace ZIRK::kit {
 
-/// While it lives, nothing is drawn on a surface outside a rectangle, nor outside the clipping
-/// rectangle that was there before, which its end restores. Scopes end in the opposite order of
-/// their beginnings, before their surface does, and on the thread that draws on it.
+/// Narrows the clipping rectangle of a surface and restores the earlier one when it is destroyed.
+/// Destroy scopes in the reverse order of their construction, before their surface, and on the
+/// thread that draws on it.
 class ZIRK_API ClippingScope {
  public:
-  /// Clips `target` to what `rect`, in its pixels, and its clipping rectangle share: nothing where
-  /// either has no extent.
+  /// Clips `target` to the intersection of `rect`, in its pixels, and its clipping rectangle. If
+  /// either is empty, nothing is drawn.
   ClippingScope(VuBitmap& target, VuRect rect);
   /// Restores the clipping rectangle.
   ~ClippingScope();
@@ -31,14 +31,14 @@ class ZIRK_API ClippingScope {
   const VuRect before_;
 };
 
-/// While it lives, what is drawn on a surface is blended with other factors. Scopes end as those of
-/// ClippingScope do.
+/// Sets the blending factors of a surface and restores the earlier ones when it is destroyed.
+/// Destroy it under the same conditions as ClippingScope.
 class ZIRK_API BlendingScope {
  public:
-  /// Sets both factors of `target`, for colour and alpha: (One, One) adds light.
+  /// Sets both factors of `target`, for colour and for alpha. (One, One) adds light.
   BlendingScope(VuBitmap& target, VuBlendingFactor src, VuBlendingFactor dst);
-  /// Restores the factors for colour, and sets those for alpha to the same: a surface does not tell
-  /// them.
+  /// Restores the colour factors and sets the alpha factors to the same values, since the earlier
+  /// alpha factors cannot be queried.
   ~BlendingScope();
   BlendingScope(const BlendingScope&) = delete;
   BlendingScope& operator=(const BlendingScope&) = delete;

@@ -21,30 +21,31 @@ class VuGraphics;
 
 namespace ZIRK::kit {
 
-/// A place on a surface in pixels and parts of them. (0, 0) is the top-left corner of the surface,
-/// so the middle of its first pixel is (0.5, 0.5).
+/// A position on a surface in fractional pixels. (0, 0) is the top-left corner of the surface, so
+/// the centre of its first pixel is (0.5, 0.5).
 using Point = VuTVector2D<float>;
 
-/// Points that a call reads while it lasts: of a list in braces, a vector, an array or memory.
+/// A view of an array of points. The call to which it is passed reads the points and keeps nothing.
 struct Points {
-  /// Of a list in braces, which ends with the call: do not keep one made of it.
+  /// Views a braced list. The list lives only until the end of the full expression, so do not store
+  /// the view.
   Points(std::initializer_list<Point> list) : count(list.size()) { data = list.begin(); }
-  /// Of a vector.
+  /// Views the elements of a vector.
   Points(const std::vector<Point>& list) : data(list.data()), count(list.size()) {}
-  /// Of `n` points at `first`, which may be null for none.
+  /// Views `n` points at `first`, which may be null if `n` is 0.
   Points(const Point* first, size_t n) : data(first), count(n) {}
 
-  const Point* data = nullptr;  ///< The first one.
-  size_t count = 0;             ///< How many there are.
+  const Point* data = nullptr;  ///< The first point.
+  size_t count = 0;             ///< The number of points.
 };
 
-/// The radii of a rectangle's corners, in pixels; 0 is a sharp corner, and what is negative or not
-/// a number counts as that. Where two need more than the side between them has, all are reduced in
-/// the same proportion, so an absurd radius gives a half round side.
+/// The radii of a rectangle's corners, in pixels. 0 is a sharp corner; negative values and NaN
+/// count as 0. If the two radii along a side add up to more than its length, all four are reduced
+/// in the same proportion, so a very large radius gives semicircular ends.
 struct Corners {
-  /// All alike.
+  /// The same radius for all corners.
   constexpr Corners(float all) : topLeft(all), topRight(all), bottomRight(all), bottomLeft(all) {}
-  /// One by one, clockwise.
+  /// One radius per corner, clockwise from the top left.
   constexpr Corners(float topLeft_, float topRight_, float bottomRight_, float bottomLeft_)
       : topLeft(topLeft_),
         topRight(topRight_),
@@ -59,54 +60,55 @@ struct Corners {
 
 /// How two segments of a line meet.
 enum class Join : int32_t {
-  Miter,  ///< In a point, where that lies within two widths of the corner; else as Bevel.
-  Round,  ///< In an arc.
-  Bevel,  ///< Cut off.
+  Miter,  ///< With a pointed corner, if its tip is within two widths of the joint; else as Bevel.
+  Round,  ///< With a rounded corner.
+  Bevel,  ///< With a cut-off corner.
 };
 
 /// How a line ends.
 enum class Cap : int32_t {
-  Butt,    ///< At its point.
-  Round,   ///< In a half disc around it.
-  Square,  ///< Half a width beyond it.
+  Butt,    ///< Flat, at the end point.
+  Round,   ///< With a semicircle around the end point.
+  Square,  ///< Flat, half a width beyond the end point.
 };
 
-/// How a line is drawn. A width alone converts: `DrawLine(screen, a, b, 3, color)`.
+/// How a line is drawn. A number converts to a stroke of that width, as in
+/// `DrawLine(screen, a, b, 3, color)`.
 struct Stroke {
-  /// A line of `width_` pixels; one that is not positive draws nothing.
+  /// A stroke of `width_` pixels. A width that is not positive draws nothing.
   constexpr Stroke(float width_, Join join_ = Join::Miter, Cap cap_ = Cap::Butt)
       : width(width_), join(join_), cap(cap_) {}
 
-  float width;  ///< Pixels, half of them on either side.
-  Join join;    ///< Where segments meet.
-  Cap cap;      ///< At both ends, unless the line is closed.
+  float width;  ///< Pixels, half of them on each side.
+  Join join;    ///< The shape of the joints between segments.
+  Cap cap;      ///< The shape of both ends of a line that is not closed.
 };
 
-/// Draws shapes with smooth edges on surfaces of one context, the same on every backend to within
-/// two steps of 255.
+/// Draws shapes with smooth edges on the surfaces of one context. Backends differ from each other
+/// by at most two steps of 255.
 ///
 ///     kit::Shapes shapes(*graphics);
 ///     shapes.FillRoundedRect(*screen, {10, 10, 120, 40}, 8, 0xFF336699);
 ///
-/// How much of each pixel a shape covers is worked out once, to the exact area, and kept in a cache
-/// of bitmaps, the least recently used of which are dropped. A shape that is in the cache is drawn
-/// without a request for memory. Rounded rectangles, their outlines and shadows are kept as corners
-/// and edges, so that their size does not matter. Everything else is kept by its size and by the
-/// part of a pixel where it lies: what moves by whole pixels is found again. Radii, widths and
-/// points are taken to a sixteenth of a pixel, the middles of discs, rings and arcs to a quarter.
+/// **Cache**: the exact area that a shape covers of each pixel is computed once and kept in a cache
+/// of bitmaps, which drops the least recently used ones. Drawing a cached shape allocates nothing.
+/// Rounded rectangles, their outlines and their shadows are cached as corners and edges, whatever
+/// the size of the rectangle. All other shapes are cached by size and sub-pixel position, so a
+/// shape that moves by whole pixels is found again. Radii, widths and points are rounded to 1/16
+/// pixel; the centres of discs, rings and arcs to 1/4 pixel.
 ///
-/// A surface's clipping rectangle and blending apply as to every drawing call; with blending off,
-/// what lies around a shape is replaced as well. A size that is not
-/// positive, and a number that is not finite or beyond a million, draw nothing. Where memory runs
-/// out, what needs it is left out, and one error line says so.
+/// The clipping rectangle and the blending of the surface apply. While blending is off, pixels
+/// around a shape are replaced too. Sizes that are not positive draw nothing, nor do numbers that
+/// are not finite or exceed a million. If memory runs out, the shapes that need it are not drawn,
+/// and one error is logged.
 ///
-/// An object belongs to one context, is deleted before it, and is used by one thread at a time, the
-/// one that draws. Surfaces are those of that context.
+/// **Threads**: one at a time, the thread that draws. **Ownership**: delete the object before its
+/// context, and draw only on surfaces of that context.
 class ZIRK_API Shapes {
  public:
-  /// Draws on what `graphics` creates. The cache holds at most `cacheLimit` bytes, and for the
-  /// length of a call what this draws at the moment: at most 128 KiB. Where there is no memory for
-  /// the object itself, an error line says so and nothing is drawn.
+  /// Draws on surfaces that `graphics` creates. The cache holds at most `cacheLimit` bytes, and
+  /// during a call up to 128 KiB more for the shape being drawn. If there is no memory for the
+  /// object itself, an error is logged and nothing is drawn.
   explicit Shapes(VuGraphics& graphics, uint32_t cacheLimit = 512 * 1024);
   /// Deletes the bitmaps of the cache.
   ~Shapes();
@@ -115,52 +117,55 @@ class ZIRK_API Shapes {
 
   // --- Filled shapes ----------------------------------------------------------------------------
 
-  /// A rectangle, for paints other than a colour; its edges are those of VuBitmap::DrawRect().
+  /// Fills a rectangle, usually with a gradient: VuBitmap::DrawRect() fills one with a colour. The
+  /// edges are the same.
   void FillRect(VuBitmap& target, VuRect rect, const Paint& paint);
-  /// A rectangle with round corners.
+  /// Fills a rectangle with rounded corners.
   void FillRoundedRect(VuBitmap& target, VuRect rect, Corners radii, const Paint& paint);
-  /// A disc around `middle`.
+  /// Fills a disc around `middle`.
   void FillDisc(VuBitmap& target, Point middle, float radius, const Paint& paint);
-  /// A triangle, its corners in any order.
+  /// Fills a triangle. Its corners may be in any order.
   void FillTriangle(VuBitmap& target, Point a, Point b, Point c, const Paint& paint);
-  /// A polygon, convex or not, its corners in either order; less than three draw nothing. Of one
-  /// whose sides cross, what they go round in the other direction may be left out.
+  /// Fills a polygon, convex or not, with its corners in either direction. Fewer than three corners
+  /// draw nothing. If its sides cross, areas that they enclose in the opposite direction may not be
+  /// filled.
   void FillPolygon(VuBitmap& target, Points corners, const Paint& paint);
 
   // --- Outlines and lines -----------------------------------------------------------------------
 
-  /// The outline of FillRoundedRect(), `thickness` pixels wide, inside the rectangle.
+  /// Draws the outline of a rounded rectangle, `thickness` pixels wide and inside the rectangle.
   void DrawRoundedRect(VuBitmap& target, VuRect rect, Corners radii, float thickness,
                        const Paint& paint);
-  /// The outline of FillDisc(), `thickness` pixels wide, inside the disc.
+  /// Draws the outline of a disc, `thickness` pixels wide and inside the disc.
   void DrawRing(VuBitmap& target, Point middle, float radius, float thickness, const Paint& paint);
-  /// The part of DrawRing() that begins at `from` degrees, counter-clockwise from the right, and
-  /// turns by `sweep` degrees, counter-clockwise where that is positive. A turn of 360 or more is
-  /// the whole ring. Angles are taken to a sixty-fourth of a degree.
+  /// Draws a part of a ring: from the angle `from`, in degrees counter-clockwise from the right,
+  /// over `sweep` degrees, counter-clockwise if positive. A sweep of 360 or more draws the whole
+  /// ring. Angles are rounded to 1/64 degree.
   void DrawArc(VuBitmap& target, Point middle, float radius, float thickness, float from,
                float sweep, const Paint& paint, Cap cap = Cap::Butt);
-  /// A straight line. One without length draws its caps alone.
+  /// Draws a straight line. If `from` equals `to`, draws the caps alone.
   void DrawLine(VuBitmap& target, Point from, Point to, Stroke stroke, const Paint& paint);
-  /// Segments from point to point, from the last to the first as well if `closed`. Where the line
-  /// meets or crosses itself it is drawn once, all but the pixel in each corner of a crossing:
-  /// that may be covered up to a quarter more.
+  /// Draws segments from point to point and, if `closed`, from the last point to the first. Pixels
+  /// where the line overlaps itself are drawn once. The pixel at each corner of a crossing may get
+  /// up to a quarter more coverage than is exact.
   void DrawPolyline(VuBitmap& target, Points points, Stroke stroke, const Paint& paint,
                     bool closed = false);
 
-  // --- Shadow and light -------------------------------------------------------------------------
+  // --- Shadows and glows ------------------------------------------------------------------------
 
-  /// The shadow of FillRoundedRect(), which fades from `blur` pixels inside the rectangle's edges
-  /// to as many outside; above 256 it counts as 256. Draw it before what throws it.
+  /// Draws the shadow of a rounded rectangle. It fades from `blur` pixels inside the edges to
+  /// `blur` pixels outside them; values above 256 count as 256. Draw it before the rectangle
+  /// itself.
   void DrawShadow(VuBitmap& target, VuRect rect, Corners radii, float blur, VuColor color);
-  /// A spot of light that fades from `middle` to nothing at `radius`. With BlendingScope(target,
-  /// One, One) it adds to what is there.
+  /// Draws a glow that fades from `color` at `middle` to nothing at `radius`. Use
+  /// BlendingScope(target, One, One) to add it to what was drawn.
   void DrawGlow(VuBitmap& target, Point middle, float radius, VuColor color);
 
   // --- Cache ------------------------------------------------------------------------------------
 
-  /// Bytes that the cache holds, bitmaps and its own lists.
+  /// The size of the cache in bytes, its own lists included.
   uint32_t GetCacheSize() const;
-  /// Drops all of it, when memory is needed elsewhere.
+  /// Empties the cache, for example when memory is needed elsewhere.
   void ClearCache();
 
  private:

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Lines of text from strings that need not be terminated.
+/// Draws and measures lines of text in strings that need no terminating zero.
 
 #include <zirk/export.h>
 #include <zirk/vubitmap.h>
@@ -12,7 +12,7 @@
 namespace ZIRK::kit {
 
 /// Draws one line of UTF-8 as VuBitmap::DrawText() does, kerning included. `pos` is the top-left
-/// corner of the line's box. Null bytes are passed over like bytes that are no UTF-8. Allocates
+/// corner of the line's box. Null bytes and bytes that are not UTF-8 are skipped. Allocates
 /// nothing. Threads as for VuBitmap::DrawText().
 ZIRK_API void DrawText(VuBitmap& target, const VuFont& font, std::string_view text, VuPoint pos,
                        VuColor color);
@@ -20,9 +20,9 @@ ZIRK_API void DrawText(VuBitmap& target, const VuFont& font, std::string_view te
 ZIRK_API void DrawText(VuBitmap& target, const VuFont& font, std::string_view text, VuPoint pos,
                        VuColor color, VuTransform t);
 
-/// Width in pixels of what DrawText() draws, as VuFont::GetOneLineWidth() measures it; the largest
-/// or smallest number there is where it is beyond that. Allocates nothing but what the font keeps
-/// of characters that are new to it. Any thread may call.
+/// The width in pixels of the text that DrawText() draws, as VuFont::GetOneLineWidth() measures it.
+/// A width outside the range of `int` becomes the nearest `int`. Only characters that are new to
+/// the font make it allocate memory. Any thread may call.
 ZIRK_API int GetWidth(const VuFont& font, std::string_view text);
 
 }  // namespace ZIRK::kit

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Paragraphs: text broken into lines and aligned.
+/// Sets paragraphs: breaks text into lines and aligns them.
 
 #include <zirk/export.h>
 #include <zirk/vubitmap.h>
@@ -17,62 +17,62 @@
 
 namespace ZIRK::kit {
 
-/// Where the lines of a box stand between its left and its right edge.
+/// Horizontal alignment of the lines in a box.
 enum class TextAlign : int32_t {
   Left = 0,     ///< At the left edge.
-  Center = 1,   ///< In the middle.
+  Center = 1,   ///< Centred.
   Right = 2,    ///< At the right edge.
-  Justify = 3,  ///< Spaces are widened up to the right edge, but in the last line of a paragraph.
+  Justify = 3,  ///< At both edges, by wider spaces; the last line of a paragraph as Left.
 };
 
-/// Where the lines stand between the box's upper and lower edge.
+/// Vertical alignment of the lines in a box.
 enum class VerticalAlign : int32_t {
-  Top = 0,     ///< At the upper edge.
-  Middle = 1,  ///< In the middle.
-  Bottom = 2,  ///< At the lower edge.
+  Top = 0,     ///< At the top edge.
+  Middle = 1,  ///< Centred.
+  Bottom = 2,  ///< At the bottom edge.
 };
 
-/// A width or height that ends nothing: the box is as large as its text.
+/// A width or height without a limit: the box is as large as its text.
 constexpr int32_t kUnlimited = std::numeric_limits<int32_t>::max();
 
-/// How text is set in a box. Measures are in pixels.
+/// The layout of text in a box. All lengths are in pixels.
 struct TextStyle {
-  /// Lines are broken to fit. Less than a character is wide gives lines of one character each; 0
-  /// and less are as 1.
+  /// The width to which lines are broken. If it is less than the width of a character, lines have
+  /// one character each. 0 and negative values count as 1.
   int32_t width = kUnlimited;
-  /// Lines that do not fit are left out, but the first. 0 and less are as 1.
+  /// Lines below this height are left out, except the first line. 0 and negative values count as 1.
   int32_t height = kUnlimited;
-  TextAlign align = TextAlign::Left;                 ///< Of each line.
-  VerticalAlign verticalAlign = VerticalAlign::Top;  ///< Of all lines together.
-  /// How many lines there may be; 0 and less for any number.
+  TextAlign align = TextAlign::Left;                 ///< Horizontal, line by line.
+  VerticalAlign verticalAlign = VerticalAlign::Top;  ///< Vertical, of all lines together.
+  /// The largest number of lines; 0 or less for no limit.
   int32_t maxLines = 0;
-  /// Added between two lines; may be negative.
+  /// Extra distance between two lines; may be negative.
   int32_t lineGap = 0;
-  /// From one tab stop to the next; 0 and less for eight spaces of the font at the tab.
+  /// Distance between tab stops; 0 or less for the width of eight spaces in the font of the tab.
   int32_t tabWidth = 0;
-  /// Ends the last line where visible text is left out; the line gives up as many characters as it
-  /// takes. Drawn in the font of the last of them. Empty for none.
+  /// Appended to the last line if visible text was left out, in place of as many characters as it
+  /// needs. It is drawn in the font of the last character that it replaces. Empty for none.
   std::string_view ellipsis = "\u2026";
 };
 
-/// A stretch of a text in one font and colour. The font has to outlive the box's use of it: nothing
-/// of it is copied.
+/// A part of a text in one font and colour. The font is not copied: it must live as long as a box
+/// uses it.
 struct TextRun {
-  std::string_view text;           ///< UTF-8, copied.
-  const VuFont* font = nullptr;    ///< Not null.
-  VuColor color = VuColor{white};  ///< Not premultiplied.
+  std::string_view text;           ///< UTF-8. The box copies it.
+  const VuFont* font = nullptr;    ///< Must not be null.
+  VuColor color = VuColor{white};  ///< Colour of the text, not premultiplied.
 };
 
 /// One line of a box.
 struct TextLine {
-  size_t begin;      ///< Offset of its first character.
-  size_t end;        ///< Offset after its last; spaces at its end belong to it, what ends it not.
-  VuRect box;        ///< As wide as what is seen of it; relative to the top-left corner of the box.
-  int32_t baseline;  ///< From the top of the box down to the line's base line.
+  size_t begin;      ///< Offset of the first character.
+  size_t end;        ///< Offset after the last one, trailing spaces included, line end excluded.
+  VuRect box;        ///< Visible width and height, relative to the top-left corner of the text box.
+  int32_t baseline;  ///< Distance from the top of the text box down to the baseline.
 };
 
-/// Text set into a box: broken into lines, aligned and measured once, then drawn any number of
-/// times without allocating.
+/// Text laid out in a box. SetText() breaks it into lines, aligns and measures them once; Draw()
+/// then allocates nothing.
 ///
 ///     kit::TextStyle style;
 ///     style.width = 300;
@@ -80,41 +80,41 @@ struct TextLine {
 ///     box.SetText(*font, "A paragraph, as wide as it may be.", 0xFFFFFFFF, style);
 ///     box.Draw(*screen, {20, 20});
 ///
-/// Lines are broken where Unicode's rules allow it (UAX #14): at spaces, after hyphens, between
-/// ideographs. A word that is wider than the box is broken between characters. Spaces at a line's
-/// end hang over. A line ends at U+000A, U+000B, U+000C, U+000D, the last two in this order as one,
-/// at U+0085, U+2028 and U+2029; what ends in one of these has an empty line after it. A text that
-/// is empty has one empty line. A character is a code point: accents that follow a letter as
-/// characters of their own count as such. As in the library, text runs from left to right, a glyph
-/// for a character, with kerning within a run: no shaping, no reordering. Soft hyphens and other
-/// characters that are not seen are drawn as the font has them.
+/// **Lines** are broken where Unicode allows it (UAX #14): at spaces, after hyphens, between
+/// ideographs. A word wider than the box is broken between characters. Spaces at the end of a line
+/// may extend beyond the box. These characters end a line: U+000A, U+000B, U+000C, U+000D (U+000D
+/// U+000A counts as one), U+0085, U+2028 and U+2029. A text that ends with one of them has an empty
+/// last line; an empty text has one empty line.
 ///
-/// Offsets count bytes of the text, that of all runs together. Null bytes, and bytes that are no
-/// UTF-8, are characters without width or picture.
+/// **Characters** are code points; a combining accent is a character of its own. As everywhere in
+/// the library, each character is one glyph, from left to right, with kerning within a run: there
+/// is no shaping and no reordering. Soft hyphens and other invisible characters are drawn as the
+/// font defines them. Null bytes and bytes that are not UTF-8 are characters without width or
+/// glyph. Offsets count bytes from the beginning of the first run.
 ///
-/// Several threads may use one box at the same time, but for SetText().
+/// **Threads**: several threads may use a box at the same time, except while SetText() runs.
 class ZIRK_API TextBox {
  public:
   /// A box without lines.
   TextBox() noexcept;
   ~TextBox();
-  /// What is moved from has no lines.
+  /// Takes the lines of `other`, which then has none.
   TextBox(TextBox&& other) noexcept;
-  /// As the constructor; the lines that the box had are gone.
+  /// Replaces the lines of this box by those of `other`, which then has none.
   TextBox& operator=(TextBox&& other) noexcept;
 
-  /// Sets `text`, which is copied, in one font and colour. False, with an error line, where memory
-  /// runs out or the text has 2^31 bytes or more; the box has no lines then. Where it runs out
-  /// while a character is measured, that has no width, as in VuFont::GetOneLineWidth().
+  /// Lays out a copy of `text` in one font and colour. If memory runs out, or the text has 2^31
+  /// bytes or more, returns false with an error line, and the box has no lines. A character for
+  /// which the font itself has no memory gets the width 0, as in VuFont::GetOneLineWidth().
   bool SetText(const VuFont& font, std::string_view text, VuColor color,
                const TextStyle& style = TextStyle());
-  /// The same for a text of `count` runs, which are read during the call only. Lines are broken
-  /// without regard to where runs meet; a line is as high as the fonts on it need. False also for
-  /// a run without a font. Without a run there are no lines.
+  /// The same for a text of `count` runs; the array is read during the call only. Boundaries
+  /// between runs do not affect where lines break. A line is as high as the tallest font on it.
+  /// Also returns false for a run without a font. Without runs the box has no lines.
   bool SetText(const TextRun* runs, size_t count, const TextStyle& style = TextStyle());
 
-  /// Draws the box with its top-left corner at `pos`. Lines beyond the clipping rectangle cost
-  /// nothing. The fonts are those of SetText(), with the outline that they have now.
+  /// Draws the box with its top-left corner at `pos`. Lines outside the clipping rectangle cost
+  /// nothing. Glyphs have the outline that their fonts have at the time of this call.
   void Draw(VuBitmap& target, VuPoint pos) const;
   /// The same, mapped to the surface by `t`.
   void Draw(VuBitmap& target, VuPoint pos, VuTransform t) const;
@@ -127,23 +127,23 @@ class ZIRK_API TextBox {
   bool IsCut() const;
   /// Number of lines.
   size_t GetLineCount() const;
-  /// Line number `index`, from 0; zeros for one that there is not.
+  /// Line number `index`, from 0; all zeros if there is no such line.
   TextLine GetLine(size_t index) const;
 
-  /// Where the character at `offset` stands, relative to the top-left corner of the box: as wide as
-  /// its advance and as high as its line. Its left edge is where a caret before it stands. What
-  /// ends a line, and the end of the text, is at the end of the line, without width; an offset
-  /// inside a character counts as its beginning, one of what was left out as the end. Zeros without
-  /// lines.
+  /// The rectangle of the character at `offset`, relative to the top-left corner of the box. It is
+  /// as wide as the character's advance and as high as its line; a caret before the character is at
+  /// its left edge. The end of a line and the end of the text are at the end of the line and have
+  /// no width. An offset inside a character counts as its beginning, an offset into text that was
+  /// left out as the end. All zeros without lines.
   VuRect GetCharacter(size_t offset) const;
 
-  /// No character.
+  /// The result of FindCharacter() if there is no character.
   static constexpr size_t npos = static_cast<size_t>(-1);
-  /// Offset of the character at `p`, relative to the top-left corner of the box; npos outside of
-  /// all characters.
+  /// The offset of the character at `p`, a position relative to the top-left corner of the box;
+  /// npos if no character is there.
   size_t FindCharacter(VuPoint p) const;
-  /// Offset before which a caret stands that is set at `p`, wherever that is: the nearest in the
-  /// nearest line. It stays in the line, also where that goes on in the next one after a space.
+  /// The offset of the caret for a click at `p`, inside the box or outside: the nearest position in
+  /// the nearest line. The result belongs to that line, even if the line was broken after a space.
   size_t FindCaret(VuPoint p) const;
 
  private:
