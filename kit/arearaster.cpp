@@ -8,7 +8,7 @@ namespace ZIRK::kit {
 
 namespace {
 
-/// Twice the area, positive where the corners go round clockwise on the screen.
+/// Twice the area, positive if the corners are in clockwise order on the screen.
 double TwiceAreaOf(const Point* corners, size_t count) {
   double sum = 0;
   for (size_t i = 0; i < count; ++i) {
@@ -26,7 +26,7 @@ void AreaRaster::Begin(const VuRect& window) {
 }
 
 void AreaRaster::Add(const Point* corners, size_t count, float sign) {
-  // Downward edges have what they enclose on their left.
+  // Downward edges must have the inside on their left.
   if (TwiceAreaOf(corners, count) > 0) sign = -sign;
   const Point corner(static_cast<float>(window_.x), static_cast<float>(window_.y));
   for (size_t i = 0; i < count; ++i)
@@ -56,7 +56,7 @@ void AreaRaster::AddToRow(float* row, float x0, float x1, float cover) const {
   const auto width = static_cast<float>(window_.width);
   float left = std::min(x0, x1), right = std::max(x0, x1);
   const float length = right - left;
-  if (left < 0) {  // What lies left of the window covers all of the row.
+  if (left < 0) {  // An edge left of the window changes the coverage of the whole row.
     const float outside = right > 0 ? cover * -left / length : cover;
     row[0] += outside;
     cover -= outside;
@@ -68,7 +68,7 @@ void AreaRaster::AddToRow(float* row, float x0, float x1, float cover) const {
     right = width;
   }
   if (cover == 0 || right < left) return;
-  // The area right of the edge and left of x.
+  // The area to the right of the edge and to the left of x.
   const float span = right - left;
   const auto areaTo = [=](float x) {
     if (x >= right) return x - right + span / 2;

@@ -8,20 +8,20 @@
 
 namespace ZIRK::kit {
 
-/// Works out which part of each pixel of a window polygons cover, to the exact area.
+/// Computes the exact area that polygons cover of each pixel in a window.
 ///
-/// Each edge adds to the pixels of its rows what it covers to its right. Summed up along a row
-/// these numbers are the coverage. Where polygons share an edge, their areas add up without a seam.
+/// Each edge adds, row by row, the change in coverage that it causes; the running sum along a row
+/// is the coverage. The areas of polygons that share an edge add up without a seam.
 class AreaRaster {
  public:
-  /// Begins a window, in pixels of the shape, with nothing in it.
+  /// Begins an empty window, in pixels of the shape.
   void Begin(const VuRect& window);
-  /// Adds a polygon, whichever way round its corners are given. Where several overlap, the pixel is
+  /// Adds a polygon, with its corners in either direction. Pixels where polygons overlap are
   /// covered once.
   void Add(const Point* corners, size_t count) { Add(corners, count, 1); }
-  /// Takes the polygon away from what is there.
+  /// Subtracts a polygon.
   void Cut(const Point* corners, size_t count) { Add(corners, count, -1); }
-  /// Writes the window's coverage, rows without gaps.
+  /// Writes the coverage of the window, in rows without padding.
   void Write(uint8_t* coverage) const;
 
  private:
@@ -30,7 +30,7 @@ class AreaRaster {
   void AddToRow(float* row, float x0, float x1, float cover) const;
 
   VuRect window_{};
-  std::vector<float> sums_;  ///< One more a row than it has pixels.
+  std::vector<float> sums_;  ///< One more per row than the window has columns.
 };
 
 }  // namespace ZIRK::kit

@@ -15,7 +15,7 @@ uint64_t HashOf(const Recipe& key) {
   return hash ^ hash >> 32;
 }
 
-/// The smallest rectangle in `part` that holds all pixels with coverage.
+/// The smallest rectangle in `part` that contains all pixels with coverage.
 VuRect CoveredIn(const uint8_t* coverage, int pitch, const VuRect& part) {
   int x0 = part.width, x1 = 0, y0 = part.height, y1 = 0;
   for (int y = 0; y < part.height; ++y) {
@@ -146,7 +146,7 @@ bool CellCache::MakeGradient(const Recipe& recipe, const Window& window, Cells& 
     cell.bitmap.reset(graphics_.CreateBitmap(all.width, all.height, format));
     return cell.bitmap != nullptr;
   };
-  // What is known to be opaque is drawn faster; a backend may not have that format.
+  // An opaque format is drawn faster, but a backend may not support it.
   const bool tried = opaque && hasOpaqueFormat_;
   if (!(tried && create(VuPixelFormat::XRGB8888))) {
     if (!create(VuPixelFormat::ARGB8888)) return false;

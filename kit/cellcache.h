@@ -14,11 +14,11 @@
 
 namespace ZIRK::kit {
 
-/// How the width or height of a window is divided: what is kept before, a pixel that stretches or
-/// none, what is kept behind.
+/// The parts into which the width or height of a window is divided: the fixed part before the
+/// stretched one, the stretched part, which is 1 or 0 pixels long, and the fixed part after it.
 using Division = std::array<int, 3>;
 
-/// A window of a shape, and the nine parts that it is divided into, row by row.
+/// A window of a shape, and its division into nine parts.
 struct Window {
   int x, y;
   Division across, down;
@@ -27,22 +27,23 @@ struct Window {
   int Height() const { return down[0] + down[1] + down[2]; }
 };
 
-/// One part, ready to be drawn from.
+/// One part of a window.
 struct Cell {
-  VuRect place{};                    ///< All of the part that is covered; empty where nothing is.
-  std::unique_ptr<VuBitmap> bitmap;  ///< Of that size; null where all of it is covered fully.
+  VuRect place{};                    ///< The box of the covered pixels; empty if there are none.
+  std::unique_ptr<VuBitmap> bitmap;  ///< The coverage in that box; null if it is full everywhere.
 };
 using Cells = std::array<Cell, 9>;
 
-/// Cells by the recipe of their shape and their window; the least recently used are dropped.
+/// Keeps cells by the recipe of their shape and their window, and drops the least recently used.
 class CellCache {
  public:
   CellCache(VuGraphics& graphics, uint32_t limit) : graphics_(graphics), limit_(limit) {}
 
-  /// How a window is covered. Null where that could not be made; the backend has logged why, or a
-  /// request for memory throws.
+  /// The coverage of a window. Null if the backend refused a bitmap, which it logged. Throws
+  /// std::bad_alloc.
   const Cells* Coverage(const Recipe& recipe, const Window& window);
-  /// The pixels of a gradient in a window that is not divided. What Coverage() gave before stays.
+  /// The pixels of a gradient in a window that is not divided. The last result of Coverage() stays
+  /// valid. Fails as Coverage() does.
   const Cells* Gradient(const Recipe& recipe, const Window& window);
 
   uint32_t Bytes() const { return bytes_; }
@@ -57,7 +58,7 @@ class CellCache {
   };
   using Entries = std::list<Entry>;
 
-  /// Makes an entry's cells; false where a bitmap was refused.
+  /// Makes the cells of an entry. Returns false if the backend refused a bitmap.
   using Make = bool (CellCache::*)(const Recipe&, const Window&, Cells&);
 
   const Cells* Find(const Recipe& recipe, const Window& window, Make make);
@@ -72,7 +73,7 @@ class CellCache {
   uint32_t bytes_ = 0;
   Entries entries_;  ///< The most recently used first.
   std::unordered_multimap<uint64_t, Entries::iterator> index_;
-  const Cells* inUse_ = nullptr;  ///< The coverage that is drawn at the moment.
+  const Cells* inUse_ = nullptr;  ///< The last result of Coverage(), which is not dropped.
   Recipe key_;
   bool hasOpaqueFormat_ = true;
   FigureRenderer figures_;

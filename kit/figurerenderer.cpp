@@ -34,7 +34,7 @@ Corners Smaller(const Corners& r, float by) {
 }  // namespace
 
 void AppendArc(std::vector<Point>& points, Point middle, float radius, float from, float sweep) {
-  // A chord over the angle a lies r * (1 - cos(a / 2)), some r * a * a / 8, inside the arc.
+  // The chord of an angle a is at most r * (1 - cos(a / 2)), about r * a * a / 8, inside the arc.
   const float angle = std::sqrt(8 * 0.005f / std::max(radius, 0.05f));
   const int steps = std::clamp(static_cast<int>(std::fabs(sweep) / angle) + 1, 1, 4096);
   for (int i = 0; i <= steps; ++i) {

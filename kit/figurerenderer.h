@@ -12,15 +12,15 @@ namespace ZIRK::kit {
 
 /// Turns recipes of outlined figures (RoundedRect, Arc, Polyline, Polygon) into coverage.
 ///
-///     RoundedRect  width, height in pixels; thickness, 0 where it is filled; radii
-///     Arc          middle; outer and inner radius; from, sweep in kUnitsPerDegree; cap
-///     Polyline     width; join; cap; whether closed; how many points; these
-///     Polygon      how many points; these
+///     RoundedRect  width and height in pixels; thickness, 0 if filled; radii
+///     Arc          centre; outer and inner radius; from and sweep in kUnitsPerDegree; cap
+///     Polyline     width; join; cap; whether closed; number of points; points
+///     Polygon      number of points; points
 class FigureRenderer {
  public:
   static constexpr float kUnitsPerDegree = 64;
 
-  /// The coverage of `window`, rows without gaps.
+  /// Writes the coverage of `window`, in rows without padding.
   void Render(const Recipe& recipe, const VuRect& window, uint8_t* coverage);
 
  private:
@@ -28,15 +28,15 @@ class FigureRenderer {
   void AddArc(RecipeReader& in);
   void AddPolygon(RecipeReader& in);
   void AddPolyline(RecipeReader& in);
-  /// Of the points that follow, those that differ from the one before.
+  /// Reads the points that follow into points_, without repeated ones.
   void ReadPoints(RecipeReader& in);
 
   AreaRaster raster_;
   std::vector<Point> points_, corners_;
 };
 
-/// Appends the points of an arc, counter-clockwise where `sweep` is positive, angles in radians.
-/// Straight lines between them stay within a two-hundredth of a pixel.
+/// Appends points along an arc, counter-clockwise if `sweep` is positive; angles are in radians.
+/// Straight lines between the points differ from the arc by less than 1/200 pixel.
 void AppendArc(std::vector<Point>& points, Point middle, float radius, float from, float sweep);
 
 }  // namespace ZIRK::kit

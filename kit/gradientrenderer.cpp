@@ -10,14 +10,14 @@ namespace {
 
 constexpr int32_t kQuarterTurn = 90 * 16;
 
-/// The colours between two, premultiplied.
+/// Interpolates between two colours, premultiplied.
 class Ramp {
  public:
   Ramp(VuColor from, VuColor to) : from_(Premultiplied(from)), way_(Premultiplied(to)) {
     for (size_t i = 0; i < way_.size(); ++i) way_[i] -= from_[i];
   }
 
-  /// At `t` from 0 to 1, and the nearer end beyond.
+  /// The colour at `t`, which is clamped to 0..1.
   uint32_t At(float t) const {
     t = std::clamp(t, 0.0f, 1.0f);
     uint32_t pixel = 0;
@@ -38,7 +38,7 @@ class Ramp {
   Channels from_, way_;
 };
 
-/// Calls `placeAt(x, y)` for the middle of each pixel, from the middle of the gradient.
+/// Calls `placeAt(x, y)` with the centre of each pixel, relative to the centre of the gradient.
 template <typename F>
 void Fill(const Ramp& ramp, float width, float height, const VuRect& window, uint32_t* pixels,
           F&& placeAt) {

@@ -23,8 +23,8 @@ bool IsLatinLetter(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
 
-/// Hands out a text's characters. Latin letters in a row, between which there is no break, are
-/// handed out as one, which takes less time.
+/// Reads the next character for libunibreak. It returns a sequence of Latin letters as a single
+/// one, which saves time: no line breaks between them.
 utf32_t ReadChar(const void* text, size_t size, size_t* at) {
   const std::string_view all(static_cast<const char*>(text), size);
   if (*at >= size) return EOS;

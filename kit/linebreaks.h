@@ -6,14 +6,14 @@
 
 namespace ZIRK::kit {
 
-/// What FindLineBreaks() has after the last byte of a character where a line may be broken.
+/// The result of FindLineBreaks() for the last byte of a character after which a line may break.
 constexpr char kMayBreak = 1;
 
-/// For each byte of a text whether a line may be broken after it. The text is UTF-8 but for bytes
-/// that are kNoCharacter, which count to the character before. Throws std::bad_alloc.
+/// Tells for each byte of a text whether a line may break after it. The text is UTF-8; bytes equal
+/// to kNoCharacter belong to the character before them. Throws std::bad_alloc.
 std::vector<char> FindLineBreaks(const std::string& text);
 
-/// Bytes of what ends a line at `at`; 0 if nothing does.
+/// The length in bytes of the line end at `at`; 0 if there is none.
 size_t LineEndLength(const std::string& text, size_t at);
 
 }  // namespace ZIRK::kit

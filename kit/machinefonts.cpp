@@ -28,7 +28,7 @@ namespace {
   F(FcDefaultSubstitute)             \
   F(FcFontMatch)
 
-/// What is called of fontconfig, which a machine need not have.
+/// The functions of fontconfig. They are loaded at run time, since it may not be installed.
 struct Fontconfig {
 #define ZIRK_DECLARE(name) decltype(&::name) name = nullptr;
   ZIRK_FONTCONFIG_FUNCTIONS(ZIRK_DECLARE)
@@ -36,7 +36,7 @@ struct Fontconfig {
   bool isComplete = true;
 
   Fontconfig() {
-    // It stays open, since it keeps what it knows of the fonts.
+    // The library stays open: it caches its list of fonts.
     void* const library = dlopen("libfontconfig.so.1", RTLD_LAZY | RTLD_LOCAL);
 #define ZIRK_LOAD(name)                                                                  \
   name = library ? reinterpret_cast<decltype(&::name)>(dlsym(library, #name)) : nullptr; \
@@ -57,7 +57,7 @@ std::optional<FontFile> Find(const Fontconfig& fc, const std::string& family, bo
       !fc.FcPatternAddInteger(wanted.get(), FC_WEIGHT, bold ? FC_WEIGHT_BOLD : FC_WEIGHT_NORMAL) ||
       !fc.FcPatternAddInteger(wanted.get(), FC_SLANT, italic ? FC_SLANT_ITALIC : FC_SLANT_ROMAN) ||
       !fc.FcPatternAddBool(wanted.get(), FC_SCALABLE, FcTrue) ||
-      // A face with axes is found as its named instances, which have styles.
+      // Of a variable font, only the named instances have a style.
       !fc.FcPatternAddBool(wanted.get(), FC_VARIABLE, FcFalse) ||
       !fc.FcConfigSubstitute(nullptr, wanted.get(), FcMatchPattern))
     throw std::bad_alloc();

@@ -17,7 +17,7 @@ namespace ZIRK::kit {
 
 namespace {
 
-/// Why it cannot be saved; empty if it was.
+/// Returns the reason of a failure, or an empty string.
 std::string Save([[maybe_unused]] VuBitmap& bitmap, [[maybe_unused]] VuRect part,
                  [[maybe_unused]] const char* path) {
 #ifdef ZIRK_HAVE_PNG
@@ -29,7 +29,7 @@ std::string Save([[maybe_unused]] VuBitmap& bitmap, [[maybe_unused]] VuRect part
 #endif
 }
 
-/// Compares two rows of pixels of the same number, and puts the difference into `a`.
+/// Compares two rows of the same length, and stores their difference in `a`.
 Difference CompareRows(std::vector<uint32_t>& a, const std::vector<uint32_t>& b, int width) {
   constexpr int kShownTimes = 8;
   Difference result;

@@ -7,7 +7,8 @@ namespace ZIRK::kit {
 
 namespace {
 
-/// Takes the lowest `bits` off `word`, spread to eight bits; `absent` where there are none.
+/// Removes the lowest `bits` from `word` and returns them scaled to eight bits; `absent` if `bits`
+/// is 0.
 uint32_t TakeChannel(uint32_t& word, unsigned bits, uint32_t absent) {
   if (bits == 0) return absent;
   const uint32_t most = (1u << bits) - 1;

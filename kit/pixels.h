@@ -8,16 +8,16 @@
 
 namespace ZIRK::kit {
 
-/// Bits of a pixel format's channels, from the top down.
+/// The bits of each channel of a pixel format, from the highest channel to the lowest.
 struct Channels {
   unsigned alpha, red, green, blue;
 };
 
-/// Nothing for a format that does not exist.
+/// Returns nothing for an unknown format.
 std::optional<Channels> ChannelsOf(VuPixelFormat format);
 
-/// What a part of a bitmap holds, each pixel as 0xAARRGGBB, premultiplied; white of that alpha
-/// where there is alpha alone. Empty where that cannot be read. Throws std::bad_alloc.
+/// Reads a part of a bitmap as premultiplied pixels, 0xAARRGGBB each. A8 is read as white with that
+/// alpha. Empty if the pixels cannot be read. Throws std::bad_alloc.
 std::vector<uint32_t> ReadPixels(VuBitmap& bitmap, VuRect part);
 
 }  // namespace ZIRK::kit

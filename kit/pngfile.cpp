@@ -112,7 +112,7 @@ std::string WritePngFile(const char* path, const std::vector<uint32_t>& pixels, 
   if (isWritten && isClosed) return {};
   const std::string problem = errno != 0 ? std::strerror(errno) : writer.Problem();
   std::error_code ignored;
-  // Not a device that was written to.
+  // A device, such as /dev/full, is not removed.
   if (std::filesystem::is_regular_file(path, ignored)) std::remove(path);
   return problem;
 }

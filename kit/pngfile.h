@@ -8,8 +8,8 @@
 
 namespace ZIRK::kit {
 
-/// Writes premultiplied pixels, rows of `width`, to a PNG file. Empty, or why that cannot be.
-/// Throws std::bad_alloc.
+/// Writes premultiplied pixels, in rows of `width`, to a PNG file. Returns an empty string, or the
+/// reason of a failure. Throws std::bad_alloc.
 std::string WritePngFile(const char* path, const std::vector<uint32_t>& pixels, int width,
                          const Channels& channels);
 

@@ -7,15 +7,15 @@
 
 namespace ZIRK::kit {
 
-/// What a recipe describes.
+/// The kind of shape that a recipe describes.
 enum class Figure : int32_t { RoundedRect, Arc, Polyline, Polygon, Shadow, Glow, Gradient };
 
-/// A shape in whole numbers: its figure, then what that takes, see the functions that write one.
-/// Coordinates count from the top-left corner of the shape's own rectangle. All pixels of a shape
-/// follow from its recipe, which is therefore its key in the cache.
+/// A shape in whole numbers: its figure, followed by the parameters that the renderer of the figure
+/// lists. Coordinates are relative to the top-left corner of the shape's bounds. The recipe
+/// determines all pixels of a shape, so it is its key in the cache.
 using Recipe = std::vector<int32_t>;
 
-/// Lengths in a recipe are in sixteenths of a pixel.
+/// Lengths in a recipe are in 1/16 pixel.
 constexpr float kUnitsPerPixel = 16;
 
 inline int32_t ToUnits(float length) {

@@ -7,7 +7,8 @@
 
 namespace ZIRK::kit {
 
-/// What two rectangles share; no extent where that is nothing. Edges may lie beyond 32 bits.
+/// The intersection of two rectangles; all zeros if it is empty. Right and bottom edges may exceed
+/// 32 bits.
 inline VuRect Intersect(const VuRect& a, const VuRect& b) {
   const auto right = std::min(int64_t{a.x} + a.width, int64_t{b.x} + b.width);
   const auto bottom = std::min(int64_t{a.y} + a.height, int64_t{b.y} + b.height);

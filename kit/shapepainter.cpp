@@ -9,14 +9,16 @@ namespace ZIRK::kit {
 
 namespace {
 
-/// The sides of a cell, unless its shape ends before.
+/// The side of a cell, unless the shape ends before it.
 constexpr int kCellSide = 128;
 
-/// That of a gradient's cell, in the direction that does not matter, where no more is needed.
+/// The side of a gradient's cell in the direction in which the gradient is constant, if the shape
+/// is no longer than this.
 constexpr int kNarrow = 16;
 
-/// Calls `use(x, y)` for the corner of each cell of `bounds` that is seen in `visible`, from the
-/// corner of the bounds, until it returns false: what one cell lacks memory for, so do the others.
+/// Calls `use(x, y)` with the corner of each cell of `bounds` that intersects `visible`, relative
+/// to the bounds. Stops when it returns false: if memory is short for one cell, it is for the
+/// others.
 template <typename F>
 void ForEachCell(const VuRect& bounds, const VuRect& visible, F&& use) {
   if (visible.width == 0) return;
@@ -71,11 +73,11 @@ void ShapePainter::DrawCells(const Cells& cells, VuPoint at, const Division& wid
                              const Division& heights) {
   const Cell* cell = cells.data();
   for (size_t row = 0; row < 3; ++row) {
-    VuRect full{};  // Parts beside each other that are covered fully are drawn together.
+    VuRect full{};  // Adjacent parts with full coverage are drawn together.
     VuPoint corner = at;
     for (size_t column = 0; column < 3; ++column, ++cell) {
       VuRect rect = cell->place;
-      // What stretches has one pixel, which is covered or not.
+      // The stretched part is one pixel long: if that is covered, the whole length is.
       if (column == 1 && rect.width > 0) rect.width = widths[1];
       if (row == 1 && rect.height > 0) rect.height = heights[1];
       rect.x += corner.x;
@@ -104,7 +106,7 @@ void ShapePainter::FillThrough(const VuBitmap& coverage, const VuRect& rect) {
 }
 
 void ShapePainter::FillByGradient(const VuRect& rect, const VuBitmap* mask) {
-  // One that is the same all along needs one cell in that direction.
+  // A gradient that is constant in one direction needs one cell in it.
   const bool level = IsLevel(paint_), upright = IsUpright(paint_);
   const auto sideOf = [](int length) { return length <= kNarrow ? kNarrow : kCellSide; };
   ForEachCell(bounds_, Intersect(rect, visible_), [&](int x, int y) {

@@ -7,11 +7,12 @@
 
 namespace ZIRK::kit {
 
-/// Draws the shape of a recipe on a surface, cell by cell; those out of sight are left out.
+/// Draws the shape of a recipe on a surface, cell by cell. It skips cells outside the clipping
+/// rectangle.
 class ShapePainter {
  public:
-  /// `bounds` is the shape's own rectangle on `target`, which `paint` lies over. `gradient` is for
-  /// the painter to write in.
+  /// `bounds` is the rectangle of the shape on `target`, which a gradient of `paint` covers. The
+  /// painter writes the recipe of that gradient to `gradient`.
   ShapePainter(CellCache& cache, Recipe& gradient, VuBitmap& target, const Paint& paint,
                const VuRect& bounds);
 
@@ -19,14 +20,14 @@ class ShapePainter {
   void Fill(const VuRect& rect);
   /// Draws the shape at its own size.
   void Draw(const Recipe& recipe);
-  /// Draws a shape that is divided, its middles stretched to fill the bounds.
+  /// Draws a shape that is kept divided, and stretches its middle parts to fill the bounds.
   void DrawStretched(const Recipe& recipe, const Window& window);
 
  private:
-  /// Draws parts that are as wide and as high on the target as given.
+  /// Draws the nine parts with these widths and heights on the target.
   void DrawCells(const Cells& cells, VuPoint at, const Division& widths, const Division& heights);
   void FillThrough(const VuBitmap& coverage, const VuRect& rect);
-  /// By cells of the gradient, through the mask if there is one.
+  /// Fills `rect` from the cells of the gradient, through the mask if there is one.
   void FillByGradient(const VuRect& rect, const VuBitmap* mask);
   void DrawPiece(const VuRect& piece, const VuBitmap& gradient, VuPoint from, const VuRect& rect,
                  const VuBitmap* mask);

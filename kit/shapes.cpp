@@ -13,12 +13,12 @@ namespace {
 
 constexpr float kFarthest = 1e6f;
 constexpr float kMostBlur = 256;
-/// The sides of a glow as it is kept, in pixels; it is stretched to its size.
+/// The side in pixels of the cached glow, which is stretched to the requested size.
 constexpr int kGlowSide = 128;
-/// The longest side of a shape that is kept divided.
+/// The longest side of a shape that is cached divided.
 constexpr int kMostDivided = 256;
 
-/// A length that can be drawn.
+/// Whether a length can be drawn.
 bool IsLength(float length) {
   return length > 0 && length <= kFarthest;
 }
@@ -38,7 +38,7 @@ bool IsDrawable(const VuRect& rect) {
          std::abs(int64_t{rect.x}) <= kMost && std::abs(int64_t{rect.y}) <= kMost;
 }
 
-/// Radii that fit into a rectangle, in whole units of a recipe.
+/// The radii, reduced to fit into a rectangle and rounded down to units of a recipe.
 Corners Fitted(const Corners& radii, const VuRect& rect) {
   const auto least = [](float r) { return r > 0 ? std::min(r, kFarthest) : 0.0f; };
   const Corners r{least(radii.topLeft), least(radii.topRight), least(radii.bottomRight),
@@ -58,27 +58,28 @@ Corners Fitted(const Corners& radii, const VuRect& rect) {
   return {whole(r.topLeft), whole(r.topRight), whole(r.bottomRight), whole(r.bottomLeft)};
 }
 
-/// Of a length that is not negative. What runs for each call does without the functions of <cmath>.
+/// Rounds up a length that is not negative. std::ceil() may be a library call, too slow for code
+/// that runs on every call.
 int Ceiling(float length) {
   const auto whole = static_cast<int>(length);
   return static_cast<float>(whole) < length ? whole + 1 : whole;
 }
 
-/// Divides a side that ends in `before` and `behind` and is otherwise the same all along.
+/// Divides a side with fixed ends `before` and `behind` that is constant between them.
 Division Divide(int side, float before, float behind) {
   const int first = Ceiling(before), last = Ceiling(behind);
   if (first + last < side) return {first, 1, last};
   return {side, 0, 0};
 }
 
-/// Divides a rectangle whose corners are as large as `r` and `more`, at least `least`.
+/// Divides a rectangle whose corners have the radii `r` plus `more`, but at least `least`.
 Window Divided(const VuRect& rect, const Corners& r, float more, float least) {
   const auto most = [=](float a, float b) { return std::max({a + more, b + more, least}); };
   return {0, 0, Divide(rect.width, most(r.topLeft, r.bottomLeft), most(r.topRight, r.bottomRight)),
           Divide(rect.height, most(r.topLeft, r.topRight), most(r.bottomLeft, r.bottomRight))};
 }
 
-/// Whether a shape is kept divided: small ones, and those that stretch.
+/// Whether a shape is cached divided: if it is small or can be stretched.
 bool IsKept(const Window& window) {
   return std::max(window.Width(), window.Height()) <= kMostDivided;
 }
@@ -89,7 +90,7 @@ VuRect Around(Point min, Point max) {
   return {x, y, static_cast<int>(std::ceil(max.x())) - x, static_cast<int>(std::ceil(max.y())) - y};
 }
 
-/// Around points, with `more` on all sides.
+/// The smallest such rectangle around all points, with a margin of `more` on each side.
 VuRect Around(const Points& points, float more) {
   Point min = points.data[0], max = min;
   for (const Point *p = points.data, *end = p + points.count; p < end; ++p) {
@@ -103,7 +104,7 @@ void LogNoMemory(const char* what) {
   if (LogLevel >= 3) _vuSysLog(3, "error", "ZIRK", "no memory for %s", what);
 }
 
-/// To a quarter of a pixel.
+/// Rounds to 1/4 pixel.
 Point Snapped(Point p) {
   return {std::round(p.x() * 4) / 4, std::round(p.y() * 4) / 4};
 }
@@ -135,9 +136,10 @@ class Shapes::State {
     return {cache, gradient, target, paint, bounds};
   }
 
-  /// Begins the recipe of a figure that is kept divided, with its size less `reach` on all sides.
+  /// Begins the recipe of a figure that is cached divided. Its size is that of the bounds less
+  /// `reach` on each side.
   void BeginDivided(Figure figure, const VuRect& bounds, const Window& window, int reach);
-  /// Draws it, when the rest of its recipe is written.
+  /// Draws that figure once its recipe is complete.
   void DrawDivided(VuBitmap& target, const VuRect& bounds, const Window& window,
                    const Paint& paint);
   void DrawRoundedRect(VuBitmap& target, const VuRect& rect, const Corners& radii, float thickness,
@@ -156,7 +158,7 @@ Shapes::Shapes(VuGraphics& graphics, uint32_t cacheLimit)
 
 Shapes::~Shapes() = default;
 
-/// Runs what draws; a request for memory that is refused ends it.
+/// Calls `draw`. If memory runs out, logs an error and leaves the rest of the shape out.
 template <typename F>
 void Shapes::Run(F&& draw) {
   if (!state_) return;
@@ -207,7 +209,7 @@ void Shapes::DrawRoundedRect(VuBitmap& target, VuRect rect, Corners radii, float
                              const Paint& paint) {
   if (!IsDrawable(rect) || !IsLength(thickness)) return;
   const auto most = static_cast<float>(std::min(rect.width, rect.height));
-  // A line that is as thick leaves nothing inside.
+  // A line of half the size or more fills the shape.
   const float line = 2 * thickness < most ? std::max(thickness, 1 / kUnitsPerPixel) : 0;
   Run([&](State& state) { state.DrawRoundedRect(target, rect, radii, line, paint); });
 }
@@ -293,7 +295,7 @@ void Shapes::DrawShadow(VuBitmap& target, VuRect rect, Corners radii, float blur
     const auto reach = static_cast<int>(std::min(std::round(blur), kMostBlur));
     const VuRect bounds{rect.x - reach, rect.y - reach, rect.width + 2 * reach,
                         rect.height + 2 * reach};
-    // Corners reach as far inside as the shadow does outside.
+    // The shadow of a corner extends as far inside the rectangle as outside.
     const Window window = Divided(bounds, fitted, static_cast<float>(2 * reach), 0);
     state.BeginDivided(Figure::Shadow, bounds, window, reach);
     state.Write(reach);

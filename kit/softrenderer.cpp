@@ -11,13 +11,13 @@ uint8_t ToCoverage(float part) {
   return static_cast<uint8_t>(std::clamp(part, 0.0f, 1.0f) * 255 + 0.5f);
 }
 
-/// 0 up to -1, 1 from 1 on, and level at both.
+/// A smooth step from 0 at -1 to 1 at 1.
 float Rise(float x) {
   const float t = std::clamp(x / 2 + 0.5f, 0.0f, 1.0f);
   return t * t * (3 - 2 * t);
 }
 
-/// How far a corner moves the end of the row in, whose middle lies `y` pixels from the corner.
+/// The length by which a corner shortens the row whose centre is `y` pixels from the corner's edge.
 float InsetAt(float radius, float y) {
   if (y >= radius) return 0;
   const float up = radius - y;
@@ -31,7 +31,7 @@ void RenderGlow(RecipeReader& in, const VuRect& window, uint8_t* coverage) {
       const float dx = static_cast<float>(window.x + x) + 0.5f - radius;
       const float dy = static_cast<float>(window.y + y) + 0.5f - radius;
       const float way = std::hypot(dx, dy) / radius, left = std::max(1 - way, 0.0f);
-      // A bright middle in a wide haze.
+      // A bright core in a wide halo.
       *coverage++ = ToCoverage(left * left * (0.35f + 0.65f * std::exp(-9 * way * way)));
     }
 }
@@ -50,7 +50,7 @@ void SoftRenderer::RenderShadow(RecipeReader& in, const VuRect& window, uint8_t*
   const int topRows = static_cast<int>(std::ceil(std::max(r.topLeft, r.topRight)));
   const int bottomRows = static_cast<int>(std::ceil(std::max(r.bottomLeft, r.bottomRight)));
   sums_.assign(static_cast<size_t>(window.width) * static_cast<size_t>(window.height), 0);
-  // The shape lies `blur` pixels inside what its shadow takes.
+  // The rectangle is inset by `blur` pixels in the bounds of its shadow.
   const int first = std::max(0, window.y - 2 * blur);
   const int last = std::min(height, window.y + window.height);
   for (int row = first, end; row < last; row = end) {

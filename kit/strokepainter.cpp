@@ -49,7 +49,7 @@ void StrokePainter::AddCorners() {
 }
 
 void StrokePainter::AddBody(const Segment& s, const Joint& start, const Joint& end) {
-  // How much a side is shorter at a joint whose inner side it is on.
+  // The length by which a side is cut at a joint, if it is the inner side there.
   const auto cut = [&](const Joint& joint, float side) {
     return s.along * (joint.outer == side ? 0 : joint.cut);
   };
@@ -63,7 +63,7 @@ void StrokePainter::AddBody(const Segment& s, const Joint& start, const Joint& e
 void StrokePainter::AddWedge(const Segment& a, const Segment& b, const Joint& joint) {
   const Point outA = a.side * joint.outer, outB = b.side * joint.outer;
   corners_ = {a.to, a.to + outA};
-  // A point within two widths: the half turn's cosine is a quarter or more.
+  // The tip is within two widths if the cosine of half the turn is at least 1/4.
   constexpr float kLeastCosine = 2.0f / 16 - 1;
   if (stroke_.join == Join::Round)
     AppendArc(corners_, a.to, half_, AngleOf(outA), joint.turn);

@@ -11,12 +11,12 @@ namespace ZIRK::kit {
 
 namespace {
 
-/// Longer text goes to the library in pieces.
+/// Longer text is passed to the library in pieces.
 constexpr size_t kPieceBytes = 512;
 constexpr size_t kLongestChar = 4;
 
-/// How much of a text that is longer than a piece the next one takes: up to where a character
-/// begins, if there is one.
+/// The length of the next piece of a text that is longer than one. It ends before a character, if
+/// possible.
 size_t PieceEnd(std::string_view text) {
   size_t end = 0;
   for (size_t at = 0; at <= kPieceBytes; at = NextChar(text, at))
@@ -24,7 +24,7 @@ size_t PieceEnd(std::string_view text) {
   return end > 0 ? end : kPieceBytes;
 }
 
-/// A piece of text as the library takes it.
+/// A copy of a piece of text, terminated by a zero and without others.
 class Terminated {
  public:
   explicit Terminated(std::string_view text) {
@@ -40,13 +40,13 @@ class Terminated {
   char bytes_[kPieceBytes + kLongestChar + 1];
 };
 
-/// Calls `visit(text, pen)` with each piece of the text, and returns where the pen stands at last.
+/// Calls `visit(text, pen)` with each piece of the text, and returns the final pen position.
 template <class Visit>
 int64_t VisitPieces(const VuFont& font, std::string_view text, Visit visit) {
   int64_t pen = 0;
   while (text.size() > kPieceBytes) {
     const size_t end = PieceEnd(text), next = CharLength(text, end);
-    // With the next character, for the sake of kerning.
+    // Includes the next character, for kerning.
     Terminated piece(text.substr(0, end + next));
     const int width = font.GetOneLineWidth(piece.Text());
     piece.CutAt(end);

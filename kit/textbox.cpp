@@ -14,7 +14,7 @@ namespace ZIRK::kit {
 struct TextBox::State : TextLayout {
   explicit State(TextLayout layout) : TextLayout(std::move(layout)) {}
 
-  /// The line with an offset: the last one that begins before or at it.
+  /// The line that contains an offset: the last one that begins at or before it.
   size_t LineWith(size_t offset) const {
     const auto after =
         std::upper_bound(lines.begin() + 1, lines.end(), offset,
@@ -22,7 +22,7 @@ struct TextBox::State : TextLayout {
     return static_cast<size_t>(after - lines.begin()) - 1;
   }
 
-  /// The line at a height: the nearest one.
+  /// The line nearest to `y`.
   size_t LineAt(int y) const {
     const auto after = std::upper_bound(lines.begin() + 1, lines.end(), y,
                                         [](int at, const Line& line) { return at < line.y; });
@@ -33,14 +33,14 @@ struct TextBox::State : TextLayout {
     return kit::GetWidth(*runs[piece.run].font, std::string_view(text).substr(begin, end - begin));
   }
 
-  /// From the piece's left edge to where a character begins; the piece's width for its end.
+  /// The distance from the left edge of a piece to a character; the width of the piece for its end.
   int PenAt(const Piece& piece, size_t offset) const {
     if (offset <= piece.begin) return 0;
     if (offset >= piece.end) return piece.width;
     if (piece.kind != PieceKind::Text)
       return static_cast<int>(int64_t{piece.width} * static_cast<int64_t>(offset - piece.begin) /
                               (piece.end - piece.begin));
-    // Up to the next character and without that, for the sake of kerning.
+    // The width with this character less the character's own accounts for kerning.
     const size_t next = NextChar(text, offset);
     return WidthOf(piece, piece.begin, next) - WidthOf(piece, offset, next);
   }
@@ -50,7 +50,7 @@ struct TextBox::State : TextLayout {
     return offset;
   }
 
-  /// The character of a piece at `x` from its left edge.
+  /// The character of a piece at the distance `x` from its left edge.
   size_t CharAt(const Piece& piece, int x) const {
     size_t found = piece.begin, end = piece.end;
     for (;;) {
@@ -65,7 +65,8 @@ struct TextBox::State : TextLayout {
     }
   }
 
-  /// The piece at `x` from the line's left end that stands for characters; null if there is none.
+  /// The piece at the distance `x` from the left end of a line. Null if there is none, or if it is
+  /// the ellipsis.
   const Piece* PieceAt(size_t line, int64_t x) const {
     const auto is = [x](const Piece& piece) {
       return x >= piece.x && x < int64_t{piece.x} + piece.width && piece.begin < piece.end;
@@ -75,7 +76,7 @@ struct TextBox::State : TextLayout {
     return found != end ? found : nullptr;
   }
 
-  /// Where a caret stands at the end of a line.
+  /// The offset of a caret at the end of a line.
   size_t CaretAtEnd(size_t index) const {
     const Line& line = lines[index];
     return line.isWrapped && line.end > line.begin && text[line.end - 1] == ' ' ? line.end - 1
@@ -96,7 +97,7 @@ struct TextBox::State : TextLayout {
 
 namespace {
 
-/// The point at an offset from another; nothing where no point is.
+/// Moves a point; returns nothing if a coordinate overflows.
 std::optional<VuPoint> Moved(VuPoint point, int64_t x, int64_t y) {
   const int64_t newX = point.x + x, newY = point.y + y;
   const VuPoint moved{static_cast<int32_t>(newX), static_cast<int32_t>(newY)};
@@ -125,7 +126,7 @@ bool TextBox::SetText(const TextRun* runs, size_t count, const TextStyle& style)
       ZIRK_KIT_ERROR("TextBox: run %zu has no font", i);
       return false;
     }
-    // Before it is added, so that the sum does not overflow.
+    // Tested before the addition, which could overflow.
     if (runs[i].text.size() > static_cast<size_t>(kUnlimited) - size) {
       ZIRK_KIT_ERROR("TextBox: the text is too long");
       return false;
@@ -146,7 +147,7 @@ void TextBox::Draw(VuBitmap& target, VuPoint pos) const {
   const VuRect clip = target.GetClippingRect();
   const int64_t top = int64_t{clip.y} - pos.y, bottom = top + clip.height;
   const auto& lines = state_->lines;
-  // Letters may be higher and lower than their line, but by less than another line.
+  // Glyphs may extend above and below their line, but by less than its height.
   const auto first = std::partition_point(lines.begin(), lines.end(), [&](const Line& line) {
     return line.y + 2 * int64_t{line.height} <= top;
   });

@@ -31,7 +31,7 @@ bool IsCharacter(std::string_view text, size_t at) {
   return std::all_of(rest.begin(), rest.end(), ContinuesChar);
 }
 
-/// Appends `source`, with kNoCharacter for bytes that belong to no character.
+/// Appends `source`, with kNoCharacter in place of bytes that belong to no character.
 void AppendCharacters(std::string& text, std::string_view source) {
   for (size_t at = 0; at < source.size();) {
     if (IsCharacter(source, at)) {
@@ -45,7 +45,7 @@ void AppendCharacters(std::string& text, std::string_view source) {
   }
 }
 
-/// Sets the text of a layout, of which the text and the runs are there.
+/// Breaks the text of a layout, which already has its text and runs, into lines.
 class Setter {
  public:
   Setter(TextLayout& layout, const TextStyle& style)
@@ -89,14 +89,14 @@ class Setter {
   const std::vector<char> breaks_;
   bool isDone_ = false;
 
-  // The line that is being set.
-  size_t begin_ = 0;  ///< Where it begins.
-  size_t at_ = 0;     ///< What is set next.
-  size_t run_ = 0;    ///< That of it.
-  size_t first_ = 0;  ///< The line's first piece.
+  // The current line.
+  size_t begin_ = 0;  ///< Offset of its first byte.
+  size_t at_ = 0;     ///< Offset of the next character to set.
+  size_t run_ = 0;    ///< Run of that character.
+  size_t first_ = 0;  ///< First piece.
   int64_t pen_ = 0;
-  size_t mark_ = 0;        ///< Where it may be broken last; where it begins if nowhere.
-  size_t markPieces_ = 0;  ///< How many pieces there are then.
+  size_t mark_ = 0;        ///< Offset of the last possible break; begin_ if there is none.
+  size_t markPieces_ = 0;  ///< Number of pieces before that break.
 };
 
 void Setter::Set() {
@@ -106,7 +106,7 @@ void Setter::Set() {
   Align();
 }
 
-/// The run at an offset; the last one beyond all.
+/// The run that contains an offset; the last one for the end of the text.
 size_t Setter::RunAt(size_t offset) const {
   const auto& runs = layout_.runs;
   const auto found = std::upper_bound(runs.begin(), runs.end() - 1, offset,
@@ -114,7 +114,7 @@ size_t Setter::RunAt(size_t offset) const {
   return static_cast<size_t>(found - runs.begin());
 }
 
-/// Sets the next word, spaces, tab or end of a line.
+/// Sets the next word, spaces, tab or line end.
 void Setter::SetNext() {
   if (const size_t length = LineEndLength(text_, at_)) {
     EndLine(at_, at_ + length, false);
@@ -139,7 +139,7 @@ void Setter::GoOn(size_t end) {
   markPieces_ = layout_.pieces.size();
 }
 
-/// How far that goes which is set at once: a tab, spaces, or characters that are not separated.
+/// The end of what is set next: a tab, spaces, or characters without a break between them.
 size_t Setter::StretchEnd() const {
   const size_t runEnd = layout_.runs[run_].end;
   if (text_[at_] == '\t') return at_ + 1;
@@ -155,7 +155,7 @@ size_t Setter::StretchEnd() const {
   return end;
 }
 
-/// Adds spaces or a tab, which take their room whether they fit or not.
+/// Adds spaces or a tab, even if they do not fit.
 void Setter::AddBlank(size_t end) {
   const int64_t space = GetWidth(*layout_.runs[run_].font, " ");
   const bool isTab = text_[at_] == '\t';
@@ -170,7 +170,7 @@ void Setter::AddBlank(size_t end) {
   pen_ += width;
 }
 
-/// The piece with which a word at the pen is drawn in one go; null if there is none.
+/// The piece that a word at the pen will be joined to; null if there is none.
 const Piece* Setter::PieceBefore() const {
   const auto& pieces = layout_.pieces;
   size_t end = pieces.size();
@@ -183,11 +183,11 @@ const Piece* Setter::PieceBefore() const {
   return &pieces[end - 1];
 }
 
-/// Adds what goes on to `end`. False, with nothing done, if that would go beyond `limit`.
+/// Adds the text up to `end`. Returns false and does nothing if it would exceed `limit`.
 bool Setter::AddWord(size_t end, int64_t limit) {
   int64_t right = pen_;
   if (const Piece* const before = PieceBefore()) {
-    // From the last character before, for the sake of kerning.
+    // Includes the last character of that piece, for kerning.
     size_t last = before->end - 1;
     while (last > before->begin && (ContinuesChar(text_[last]) || text_[last] == kNoCharacter))
       --last;
@@ -203,7 +203,7 @@ bool Setter::AddWord(size_t end, int64_t limit) {
   return true;
 }
 
-/// Ends the line where it may be broken last, so that what goes on to `end` comes into the next.
+/// Ends the line at the last possible break. If there is none, splits the word that ends at `end`.
 void Setter::BreakLine(size_t end) {
   if (mark_ == begin_) {
     SplitWord(end);
@@ -213,7 +213,7 @@ void Setter::BreakLine(size_t end) {
   EndLine(mark_, mark_, true);
 }
 
-/// Sets what goes on to `end` character by character, on as many lines as that takes.
+/// Sets the text up to `end` character by character, on as many lines as it needs.
 void Setter::SplitWord(size_t end) {
   while (at_ < end && !isDone_) {
     const size_t next = NextChar(text_, at_);
@@ -253,7 +253,7 @@ void Setter::EndLine(size_t end, size_t next, bool isWrapped) {
   }
 }
 
-/// Makes a line of the pieces that there are.
+/// Makes a line of the current pieces.
 void Setter::CloseLine(size_t end, bool isWrapped) {
   JoinPieces();
   const auto& pieces = layout_.pieces;
@@ -282,7 +282,7 @@ void Setter::CloseLine(size_t end, bool isWrapped) {
   layout_.lines.push_back(line);
 }
 
-/// Makes one piece of those that are drawn in one go.
+/// Joins adjacent pieces that can be drawn by one call.
 void Setter::JoinPieces() {
   auto& pieces = layout_.pieces;
   if (pieces.size() == first_) return;
@@ -306,7 +306,7 @@ void Setter::JoinPieces() {
   pieces.resize(kept + 1);
 }
 
-/// Widens the spaces between words, those after the last tab.
+/// Widens the spaces between words, after the last tab only.
 void Setter::Justify(Line& line) {
   auto& pieces = layout_.pieces;
   size_t end = pieces.size();
@@ -330,8 +330,8 @@ void Setter::Justify(Line& line) {
   line.width = Clamped(width_);
 }
 
-/// Ends the text with the last line that there is, and with an ellipsis in it if anything is to be
-/// seen of what begins at `rest`.
+/// Ends the layout after the last line. If the text from `rest` on has visible characters, appends
+/// the ellipsis to that line.
 void Setter::CutLastLine(size_t rest) {
   isDone_ = true;
   while (rest < text_.size() && (IsBlank(text_[rest]) || LineEndLength(text_, rest) > 0))
@@ -358,7 +358,7 @@ void Setter::CutLastLine(size_t rest) {
   CloseLine(at_, false);
 }
 
-/// Adds the ellipsis after the last character that is seen.
+/// Adds the ellipsis after the last visible character.
 void Setter::AddEllipsis() {
   auto& pieces = layout_.pieces;
   while (pieces.size() > first_ && pieces.back().kind != PieceKind::Text) {
@@ -372,7 +372,7 @@ void Setter::AddEllipsis() {
                     static_cast<uint32_t>(run), PieceKind::Ellipsis});
 }
 
-/// Moves the lines to where they stand in the box.
+/// Moves the lines to their positions in the box.
 void Setter::Align() {
   auto& lines = layout_.lines;
   for (const Line& line : lines) layout_.width = std::max(layout_.width, line.width);

@@ -9,9 +9,9 @@
 
 namespace ZIRK::kit {
 
-/// A run's font, and how far its text goes.
+/// The font and colour of a run, and the end of its text.
 struct LaidRun {
-  uint32_t end;  ///< Offset after it.
+  uint32_t end;  ///< Offset after its last byte.
   const VuFont* font;
   VuColor color;
   int32_t ascent;
@@ -20,37 +20,37 @@ struct LaidRun {
 
 enum class PieceKind : uint16_t { Text, Spaces, Tab, Ellipsis };
 
-/// Part of a line whose characters are of one kind and one run.
+/// A part of a line with characters of one kind and one run.
 struct Piece {
-  uint32_t begin, end;  ///< Offsets.
-  int32_t x;            ///< From the line's left end.
+  uint32_t begin, end;  ///< Offsets of the first byte, and after the last one.
+  int32_t x;            ///< Relative to the left end of the line.
   int32_t width;
   uint32_t run;
   PieceKind kind;
 };
 
 struct Line {
-  uint32_t begin;       ///< Offset.
-  uint32_t end;         ///< Offset after it, without what ends it.
-  uint32_t firstPiece;  ///< Its pieces go on to the next line's.
-  bool isWrapped;       ///< Whether it ends because nothing more fitted.
-  int32_t x, y;         ///< Top-left corner in the box.
-  int32_t width;        ///< Without spaces at the end.
+  uint32_t begin;       ///< Offset of the first byte.
+  uint32_t end;         ///< Offset after the last byte, line end excluded.
+  uint32_t firstPiece;  ///< Its pieces end where those of the next line begin.
+  bool isWrapped;       ///< Whether the next word did not fit, rather than the paragraph ending.
+  int32_t x, y;         ///< Top-left corner, relative to the box.
+  int32_t width;        ///< Without trailing spaces.
   int32_t height;
   int32_t ascent;
 };
 
-/// A text set into a box.
+/// A text laid out in a box.
 struct TextLayout {
-  std::string text;      ///< That of all runs, with kNoCharacter for what is none.
-  std::string ellipsis;  ///< The same.
+  std::string text;      ///< Of all runs. kNoCharacter replaces bytes that are not UTF-8.
+  std::string ellipsis;  ///< With the same replacement.
   std::vector<LaidRun> runs;
   std::vector<Piece> pieces;
   std::vector<Line> lines;
-  int32_t width = 0, height = 0;  ///< Of the lines together.
+  int32_t width = 0, height = 0;  ///< Of all lines together.
   bool isCut = false;
 
-  /// The pieces of a line: from this one on, and up to that.
+  /// The first piece of a line, and the end of its pieces.
   const Piece* PiecesBegin(size_t line) const { return pieces.data() + lines[line].firstPiece; }
   const Piece* PiecesEnd(size_t line) const {
     return line + 1 < lines.size() ? PiecesBegin(line + 1) : pieces.data() + pieces.size();
@@ -61,7 +61,7 @@ struct TextLayout {
   }
 };
 
-/// Sets the text of runs, all of which have fonts; together it has less than 2^31 bytes. Throws
+/// Lays out the text of runs. All runs must have fonts, and fewer than 2^31 bytes together. Throws
 /// std::bad_alloc.
 TextLayout SetText(const TextRun* runs, size_t count, const TextStyle& style);
 

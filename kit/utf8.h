@@ -6,10 +6,10 @@
 
 namespace ZIRK::kit {
 
-/// Stands for a byte that is no part of a character: it is none in any place.
+/// Replaces a byte that is not part of a character. It never occurs in UTF-8.
 constexpr char kNoCharacter = '\xFF';
 
-/// Bytes of the sequence that a byte begins; 0 for one that begins none.
+/// The length in bytes of the sequence that begins with `byte`; 0 if no sequence begins with it.
 inline size_t SequenceLength(char byte) {
   const auto first = static_cast<unsigned char>(byte);
   if (first < 0x80) return 1;
@@ -17,12 +17,12 @@ inline size_t SequenceLength(char byte) {
   return first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
 }
 
-/// The same at `at`, or what the end of the text leaves of it.
+/// The same for the byte at `at`, cut to the end of the text.
 inline size_t CharLength(std::string_view text, size_t at) {
   return std::min(SequenceLength(text[at]), text.size() - at);
 }
 
-/// Where the next character begins, or what is none.
+/// The offset of the next character, or of the next byte that is not one.
 inline size_t NextChar(std::string_view text, size_t at) {
   return at + std::max<size_t>(CharLength(text, at), 1);
 }
