@@ -25,7 +25,7 @@ constexpr Entry kErrors[] =
 
 }  // namespace
 
-FreeTypeError::FreeTypeError(FT_Error error) : code(error), message("unknown error") {
+FreeTypeError::FreeTypeError(FT_Error error) : code(error) {
   if (error < 0 || static_cast<size_t>(error) >= std::size(kErrors)) return;
   code = kErrors[error].code;
   message = kErrors[error].message;

@@ -12,7 +12,7 @@ struct FreeTypeError {
   explicit FreeTypeError(FT_Error error);
 
   int code;
-  const char* message;
+  const char* message = "unknown error";
 };
 
 }  // namespace ZIRK

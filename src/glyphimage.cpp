@@ -68,7 +68,7 @@ bool GlyphImage::Render(const Glyph& glyph, bool isKnown) {
 
 bool GlyphImage::Load(const Glyph& glyph, FT_Int32 kind) {
   const FT_Error error =
-      FT_Load_Glyph(glyph.face, glyph.index, kind | FT_LOAD_IGNORE_GLOBAL_ADVANCE_WIDTH);
+      FT_Load_Glyph(glyph.face, glyph.index, kind | FT_Int32{FT_LOAD_IGNORE_GLOBAL_ADVANCE_WIDTH});
   if (!error) return true;
   error_ = error;
   const FreeTypeError entry(error);

@@ -129,6 +129,9 @@ bool GraphicsImplLoader::open(GfxImplRecord& record) {
   return true;
 }
 
+// The binary interface passes the names by value.
+// NOLINTBEGIN(performance-unnecessary-value-param)
+
 int GraphicsImplLoader::loadImpl(std::string name) {
   const auto found = table_.find(name);
   if (found == table_.end()) return -1;
@@ -163,6 +166,8 @@ void GraphicsImplLoader::DestroyImplInstance(std::string name, void* instance) {
   const GfxImplRecord& record = found->second;
   if (record.handle && record.destroyFn) record.destroyFn(instance);
 }
+
+// NOLINTEND(performance-unnecessary-value-param)
 
 GraphicsFeatureInfo GraphicsImplLoader::GetFeatureInfo(const std::string& name) {
   const auto found = table_.find(name);

@@ -68,7 +68,7 @@ template <typename Handle, typename Impl>
 Handle* Wrap(Impl* impl) {
   std::unique_ptr<Impl> owned(impl);
   Handle* const handle = impl ? new Handle(impl) : nullptr;
-  owned.release();
+  static_cast<void>(owned.release());
   return handle;
 }
 

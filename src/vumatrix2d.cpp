@@ -228,6 +228,7 @@ T VuTMatrix2D<T>::getElement(unsigned row, unsigned col) const {
 
 template <typename T>
 bool VuTMatrix2D<T>::operator==(const VuTMatrix2D& b) const {
+  // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison): +0 and -0 differ, a NaN equals itself.
   return std::memcmp(m_.data(), b.m_.data(), sizeof m_) == 0 && flags_ == b.flags_;
 }
 

@@ -10,7 +10,7 @@
 #include <string>
 
 /// FreeType's handle of its library, declared here so that this header needs none of FreeType's.
-typedef struct FT_LibraryRec_* FT_Library;
+using FT_Library = struct FT_LibraryRec_*;
 
 namespace ZIRK {
 

@@ -3,7 +3,7 @@
 #include <cstdint>
 
 /// FreeType's handle of a face, declared here so that this header needs none of FreeType's.
-typedef struct FT_FaceRec_* FT_Face;
+using FT_Face = struct FT_FaceRec_*;
 
 namespace ZIRK {
 

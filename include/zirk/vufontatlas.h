@@ -13,7 +13,7 @@
 #include <ft2build.h>
 #include FT_FREETYPE_H
 #else
-typedef struct FT_Vector_ FT_Vector;
+using FT_Vector = struct FT_Vector_;
 #endif
 
 namespace ZIRK {
