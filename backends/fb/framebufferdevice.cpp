@@ -63,7 +63,7 @@ std::string FramebufferDevice::PathOf(int display) {
 }
 
 std::optional<ImageSize> FramebufferDevice::SizeOf(const std::string& path,
-                                                   std::shared_ptr<FramebufferIo> io) {
+                                                   const std::shared_ptr<FramebufferIo>& io) {
   const int fd = io->Open(path.c_str());
   if (fd < 0) return std::nullopt;
   fb_var_screeninfo mode{};

@@ -39,8 +39,8 @@ class FramebufferDevice final : public DisplayDevice {
   static std::string PathOf(int display);
 
   /// The display's present size; nullopt if there is no such device.
-  static std::optional<ImageSize> SizeOf(const std::string& path,
-                                         std::shared_ptr<FramebufferIo> io = SystemFramebufferIo());
+  static std::optional<ImageSize> SizeOf(
+      const std::string& path, const std::shared_ptr<FramebufferIo>& io = SystemFramebufferIo());
 
   /// Opens the device in `path` and fills its memory with black. Width() and Height() give the size
   /// that the driver grants. Null, with the reason in `error`, if there is no such device or it has

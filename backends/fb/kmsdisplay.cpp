@@ -15,8 +15,8 @@ namespace ZIRK::backends {
 
 namespace {
 
-/// Twice the frame of a display of ten frames a second, which is slower than any in use.
-constexpr std::chrono::milliseconds kPatience{200};
+/// Two frames of a display at 10 Hz, which is slower than any in use.
+constexpr std::chrono::milliseconds kFlipTimeout{200};
 
 std::span<const drmModeModeInfo> ModesOf(const drmModeConnector& connector) {
   return {connector.modes, static_cast<size_t>(connector.count_modes)};
@@ -201,7 +201,7 @@ bool KmsDisplay::ShowOther(const Box& damage) {
 }
 
 void KmsDisplay::WaitForFlip() {
-  if (std::exchange(flipping_, false) && !card_->WaitForFlip(crtc_, kPatience))
+  if (std::exchange(flipping_, false) && !card_->WaitForFlip(crtc_, kFlipTimeout))
     DoWithoutPages("the flip does not end");
 }
 

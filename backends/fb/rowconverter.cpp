@@ -171,7 +171,7 @@ void RowConverter::Pack(uint32_t* row, int count) const {
       row[i] = word;
     } else {
       const auto half = static_cast<uint16_t>(word);
-      std::memcpy(packed + 2 * i, &half, sizeof half);
+      std::memcpy(packed + ptrdiff_t{2} * i, &half, sizeof half);
     }
   }
 }

@@ -20,8 +20,8 @@ namespace ZIRK::backends {
 
 namespace {
 
-/// Twice the frame of a display of ten frames a second, which is slower than any in use.
-constexpr std::chrono::milliseconds kPatience{200};
+/// Two frames of a display at 10 Hz, which is slower than any in use.
+constexpr std::chrono::milliseconds kVsyncTimeout{200};
 
 bool WaitOnce(FramebufferIo& io, int fd) {
   uint32_t display = 0;
@@ -113,7 +113,7 @@ void VsyncWait::Wait() {
   worker_->state = Worker::State::Asked;
   worker_->changed.notify_all();
   const bool back = worker_->changed.wait_for(
-      lock, kPatience, [this] { return worker_->state != Worker::State::Asked; });
+      lock, kVsyncTimeout, [this] { return worker_->state != Worker::State::Asked; });
   if (back && worker_->state == Worker::State::Idle) return;
   lock.unlock();
   worker_->Stop();
