@@ -42,7 +42,7 @@ bool GlBatch::Start() {
   gl.GenBuffers(1, &indices_);
   gl.BindBuffer(GL_ELEMENT_ARRAY_BUFFER, indices_);
   std::vector<GLushort> indices;
-  indices.reserve(GlQuads::kMaxQuads * 6);
+  indices.reserve(size_t{6} * GlQuads::kMaxQuads);
   for (int quad = 0; quad < GlQuads::kMaxQuads; ++quad)
     for (const int corner : {0, 1, 2, 2, 3, 0})
       indices.push_back(static_cast<GLushort>(quad * 4 + corner));

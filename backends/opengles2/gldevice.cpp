@@ -15,7 +15,7 @@ namespace ZIRK::backends {
 namespace {
 
 // None of these has a destructor that would run at exit.
-std::recursive_mutex mutex;
+std::recursive_mutex deviceMutex;
 GlDevice* device = nullptr;
 bool exiting = false;
 
@@ -38,8 +38,7 @@ std::string DescribeEgl() {
   void* const display = getDisplay && query ? getDisplay() : nullptr;
   const char* const version = display ? query(display, kVersion) : nullptr;
   const char* const vendor = display ? query(display, kVendor) : nullptr;
-  const std::string text =
-      version && vendor ? "EGL " + std::string(version) + " (" + vendor + ")" : "";
+  std::string text = version && vendor ? "EGL " + std::string(version) + " (" + vendor + ")" : "";
   dlclose(library);
   return text;
 }
@@ -81,7 +80,7 @@ GlRefusal::~GlRefusal() {
 }
 
 std::shared_ptr<GlDevice> GlDevice::Acquire() {
-  const std::lock_guard<std::recursive_mutex> lock(mutex);
+  const std::lock_guard<std::recursive_mutex> lock(deviceMutex);
   if (device && !device->IsLost())
     if (auto shared = device->weak_from_this().lock()) return shared;
   if (exiting) {
@@ -97,7 +96,7 @@ std::shared_ptr<GlDevice> GlDevice::Acquire() {
   // The driver has static objects with destructors. These run after this handler, and before the
   // destructors of the application's static objects, which may own surfaces.
   static const bool registered = std::atexit([] {
-                                   const std::lock_guard<std::recursive_mutex> atExit(mutex);
+                                   const std::lock_guard<std::recursive_mutex> atExit(deviceMutex);
                                    exiting = true;
                                    if (device) device->Shutdown();
                                  }) == 0;
@@ -106,7 +105,7 @@ std::shared_ptr<GlDevice> GlDevice::Acquire() {
 }
 
 GlDevice::~GlDevice() {
-  const std::lock_guard<std::recursive_mutex> lock(mutex);
+  const std::lock_guard<std::recursive_mutex> lock(deviceMutex);
   if (device == this) device = nullptr;
   Shutdown();
 }

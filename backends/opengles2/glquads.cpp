@@ -264,7 +264,7 @@ bool GlQuads::Reads(const GlTexture& texture, const Box& box) const {
     const auto bounds = [=](int axis) {
       const auto at = [=](int corner) {
         float value;
-        std::memcpy(&value, quad + corner * stride + offset + 4 * axis, sizeof value);
+        std::memcpy(&value, quad + corner * stride + offset + ptrdiff_t{4} * axis, sizeof value);
         return value;
       };
       return std::minmax({at(0), at(1), at(2), at(3)});

@@ -8,7 +8,7 @@
 namespace ZIRK::backends {
 
 GlScreen::GlScreen(std::unique_ptr<MemoryBudget::Reservation> reservation,
-                   const VuScreenDescription& description, std::shared_ptr<GlDevice> device,
+                   const VuScreenDescription& description, const std::shared_ptr<GlDevice>& device,
                    std::shared_ptr<TextureSourceResolver> resolver)
     : Surface(std::move(reservation), description.width, description.height, description.format,
               device, std::move(resolver)),
@@ -18,10 +18,10 @@ GlScreen::GlScreen(std::unique_ptr<MemoryBudget::Reservation> reservation,
 
 std::unique_ptr<GlScreen> GlScreen::Open(std::unique_ptr<MemoryBudget::Reservation> reservation,
                                          const VuScreenDescription& description,
-                                         std::shared_ptr<GlDevice> device,
+                                         const std::shared_ptr<GlDevice>& device,
                                          std::shared_ptr<TextureSourceResolver> resolver) {
   std::unique_ptr<GlScreen> screen(
-      new GlScreen(std::move(reservation), description, std::move(device), std::move(resolver)));
+      new GlScreen(std::move(reservation), description, device, std::move(resolver)));
   const bool composing = GlCompositor::Current().composing;
   screen->ownsWindow_ = screen->index_ == 0 || !composing;
   if (!(composing ? screen->BecomeLayer() : screen->BecomeWindow())) return nullptr;

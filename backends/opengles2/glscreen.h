@@ -22,7 +22,7 @@ class GlScreen final : public Surface<VuScreenImpl, GlRenderer>, private Present
   /// Null after one error line.
   static std::unique_ptr<GlScreen> Open(std::unique_ptr<MemoryBudget::Reservation> reservation,
                                         const VuScreenDescription& description,
-                                        std::shared_ptr<GlDevice> device,
+                                        const std::shared_ptr<GlDevice>& device,
                                         std::shared_ptr<TextureSourceResolver> resolver);
   ~GlScreen() override;
 
@@ -44,7 +44,7 @@ class GlScreen final : public Surface<VuScreenImpl, GlRenderer>, private Present
 
  private:
   GlScreen(std::unique_ptr<MemoryBudget::Reservation> reservation,
-           const VuScreenDescription& description, std::shared_ptr<GlDevice> device,
+           const VuScreenDescription& description, const std::shared_ptr<GlDevice>& device,
            std::shared_ptr<TextureSourceResolver> resolver);
 
   bool Move(bool toLayers);
