@@ -199,14 +199,14 @@ void CoverOnto565(const PixelSpan& s) {
       if (part.width > s.width - x) part.width = s.width - x;
       if (part.height > s.height - y0) part.height = s.height - y0;
       part.color = s.color;
-      part.coverage = s.coverage + y0 * s.coveragePitch + x;
+      part.coverage = s.coverage + ptrdiff_t{y0} * s.coveragePitch + x;
       part.coveragePitch = s.coveragePitch;
-      uint16_t* const dst = s.dst565 + y0 * s.dstPitch + x;
+      uint16_t* const dst = s.dst565 + ptrdiff_t{y0} * s.dstPitch + x;
       for (int y = 0; y < part.height; ++y)
-        WidenRow(dst + y * s.dstPitch, part.width, pixels + y * columns);
+        WidenRow(dst + y * s.dstPitch, part.width, pixels + ptrdiff_t{y} * columns);
       Fill<true, true>(part);
       for (int y = 0; y < part.height; ++y)
-        NarrowRow(pixels + y * columns, part.width, dst + y * s.dstPitch);
+        NarrowRow(pixels + ptrdiff_t{y} * columns, part.width, dst + y * s.dstPitch);
     }
 }
 

@@ -31,7 +31,7 @@ class PixelBuffer {
 
   /// A buffer for borrowed pixels. It has none until PlaceAt() is called.
   static PixelBuffer Elsewhere(int width, int height, VuPixelFormat format) {
-    return PixelBuffer(width, height, format, 0);
+    return {width, height, format, 0};
   }
   /// Borrows the pixels at this address: rows `pitch` bytes apart, aligned as the format's pixels
   /// are. Their owner keeps the X bytes of XRGB8888 at 255; see RestoreOpaqueBits(). The buffer
