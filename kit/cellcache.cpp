@@ -19,7 +19,7 @@ uint64_t HashOf(const Recipe& key) {
 VuRect CoveredIn(const uint8_t* coverage, int pitch, const VuRect& part) {
   int x0 = part.width, x1 = 0, y0 = part.height, y1 = 0;
   for (int y = 0; y < part.height; ++y) {
-    const uint8_t* const row = coverage + (part.y + y) * pitch + part.x;
+    const uint8_t* const row = coverage + ptrdiff_t{part.y + y} * pitch + part.x;
     const auto covered = [](uint8_t c) { return c != 0; };
     const auto first = static_cast<int>(std::find_if(row, row + part.width, covered) - row);
     if (first == part.width) continue;
@@ -35,7 +35,7 @@ VuRect CoveredIn(const uint8_t* coverage, int pitch, const VuRect& part) {
 
 bool IsFull(const uint8_t* coverage, int pitch, const VuRect& part) {
   for (int y = 0; y < part.height; ++y) {
-    const uint8_t* const row = coverage + (part.y + y) * pitch + part.x;
+    const uint8_t* const row = coverage + ptrdiff_t{part.y + y} * pitch + part.x;
     if (std::any_of(row, row + part.width, [](uint8_t c) { return c != 255; })) return false;
   }
   return true;
@@ -129,9 +129,9 @@ bool CellCache::MakeCell(const uint8_t* coverage, int pitch, const VuRect& part,
   const VuRect covered{part.x + place.x, part.y + place.y, place.width, place.height};
   if (place.width == 0 || IsFull(coverage, pitch, covered)) return true;
   cell.bitmap.reset(graphics_.CreateBitmap(place.width, place.height, VuPixelFormat::A8));
-  return cell.bitmap &&
-         cell.bitmap->SetPixels(cell.bitmap->GetBounds(), coverage + covered.y * pitch + covered.x,
-                                static_cast<unsigned>(pitch));
+  return cell.bitmap && cell.bitmap->SetPixels(cell.bitmap->GetBounds(),
+                                               coverage + ptrdiff_t{covered.y} * pitch + covered.x,
+                                               static_cast<unsigned>(pitch));
 }
 
 bool CellCache::MakeGradient(const Recipe& recipe, const Window& window, Cells& cells) {

@@ -9,8 +9,6 @@ namespace ZIRK::kit {
 
 namespace {
 
-constexpr float kPi = 3.14159265f;
-
 /// The corner points of a rounded rectangle, clockwise from the left end of the top edge.
 void AppendRounded(std::vector<Point>& points, float x0, float y0, float x1, float y1,
                    const Corners& r) {
@@ -18,7 +16,7 @@ void AppendRounded(std::vector<Point>& points, float x0, float y0, float x1, flo
     if (radius > 0)
       AppendArc(points, {x + dx * radius, y + dy * radius}, radius, from, -kPi / 2);
     else
-      points.push_back({x, y});
+      points.emplace_back(x, y);
   };
   corner(x0, y0, 1, 1, r.topLeft, kPi);
   corner(x1, y0, -1, 1, r.topRight, kPi / 2);

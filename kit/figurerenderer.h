@@ -10,6 +10,8 @@
 
 namespace ZIRK::kit {
 
+constexpr float kPi = 3.14159265f;
+
 /// Turns recipes of outlined figures (RoundedRect, Arc, Polyline, Polygon) into coverage.
 ///
 ///     RoundedRect  width and height in pixels; thickness, 0 if filled; radii

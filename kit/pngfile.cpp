@@ -110,7 +110,7 @@ std::string WritePngFile(const char* path, const std::vector<uint32_t>& pixels, 
   const bool isWritten = writer.Write(file);
   const bool isClosed = std::fclose(file) == 0;
   if (isWritten && isClosed) return {};
-  const std::string problem = errno != 0 ? std::strerror(errno) : writer.Problem();
+  std::string problem = errno != 0 ? std::strerror(errno) : writer.Problem();
   std::error_code ignored;
   // A device, such as /dev/full, is not removed.
   if (std::filesystem::is_regular_file(path, ignored)) std::remove(path);

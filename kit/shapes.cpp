@@ -276,7 +276,7 @@ void Shapes::DrawPolyline(VuBitmap& target, Points points, Stroke stroke, const 
   Run([&](State& state) {
     // A miter reaches two widths beyond its corner, everything else less than one.
     const bool miter = stroke.join == Join::Miter && points.count > 2;
-    const VuRect bounds = Around(points, stroke.width * (miter ? 2 : 1));
+    const VuRect bounds = Around(points, stroke.width * (miter ? 2.0f : 1.0f));
     state.Begin(Figure::Polyline);
     state.WriteLength(std::max(stroke.width, 1 / kUnitsPerPixel));
     state.Write(static_cast<int32_t>(stroke.join));

@@ -9,8 +9,6 @@ namespace ZIRK::kit {
 
 namespace {
 
-constexpr float kPi = 3.14159265f;
-
 float Dot(Point a, Point b) {
   return a.x() * b.x() + a.y() * b.y();
 }
