@@ -262,7 +262,7 @@ bool Surface::SetPixels(VuRect rect, const void* src, unsigned int pitch) {
     for (int i = 0; i < rect.width; ++i) {
       uint32_t& pixel = At(rect.x + i, y);
       if (format_ == VuPixelFormat::A8) pixel = row[i] * 0x01010101u;
-      if (format_ != VuPixelFormat::A8) std::memcpy(&pixel, row + 4 * i, 4);
+      if (format_ != VuPixelFormat::A8) std::memcpy(&pixel, row + ptrdiff_t{4} * i, 4);
     }
   return true;
 }

@@ -181,11 +181,11 @@ bool WriteLake(const std::string& path) {
   jpeg_set_defaults(&jpeg);
   jpeg_set_quality(&jpeg, 88, TRUE);
   jpeg_start_compress(&jpeg, TRUE);
-  std::vector<uint8_t> row(kLakeWidth * 3);
+  std::vector<uint8_t> row(size_t{3} * kLakeWidth);
   for (int y = 0; y < kLakeHeight; ++y) {
     for (int x = 0; x < kLakeWidth; ++x) {
       const Rgb color = LakePixel(x, y);
-      uint8_t* const out = row.data() + 3 * x;
+      uint8_t* const out = row.data() + ptrdiff_t{3} * x;
       out[0] = ToByte(color.r);
       out[1] = ToByte(color.g);
       out[2] = ToByte(color.b);

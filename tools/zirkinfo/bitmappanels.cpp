@@ -64,7 +64,8 @@ void DrawByAddress(VuBitmap& bitmap) {
   for (int y = kBorder; y < bottom; ++y)
     for (int x = kBorder; x < info.width - kBorder; ++x) {
       const uint32_t color = (x + y) % 4 ? kInk.argb : kGold.argb;
-      std::memcpy(static_cast<uint8_t*>(info.pixels) + y * info.pitch + x * 4, &color, 4);
+      std::memcpy(static_cast<uint8_t*>(info.pixels) + ptrdiff_t{y} * info.pitch + ptrdiff_t{4} * x,
+                  &color, 4);
     }
   bitmap.Unlock();
 }

@@ -8,7 +8,7 @@ namespace ZIRK::trace {
 std::shared_ptr<const MemoryFile> MemoryFile::Create(std::span<const uint8_t> bytes) {
   const int descriptor = memfd_create("zirktrace", MFD_CLOEXEC);
   if (descriptor < 0) return nullptr;
-  const std::shared_ptr<const MemoryFile> file(new MemoryFile(descriptor));
+  std::shared_ptr<const MemoryFile> file(new MemoryFile(descriptor));
   while (!bytes.empty()) {
     const ssize_t written = write(descriptor, bytes.data(), bytes.size());
     if (written <= 0) return nullptr;
