@@ -22,7 +22,7 @@ std::string Environment(const char* name) {
   return value ? value : "";
 }
 
-/// By `ZIRK_FB_ROTATE`; nullopt if its value has no meaning.
+/// The rotation that `ZIRK_FB_ROTATE` requests; nullopt if its value is unknown.
 std::optional<Rotation> RotationAsked() {
   const std::string degrees = Environment("ZIRK_FB_ROTATE");
   if (degrees.empty() || degrees == "0") return Rotation::None;
@@ -51,7 +51,7 @@ bool IsCard(const std::string& path) {
          major(status.st_rdev) == kCardMajor;
 }
 
-/// The cards to look for displays on.
+/// The cards to search for displays.
 std::vector<std::string> Cards(const std::string& named) {
   if (!named.empty()) return {named};
   std::vector<std::string> paths;
@@ -62,8 +62,8 @@ std::vector<std::string> Cards(const std::string& named) {
   return paths;
 }
 
-/// Display `index` of those on all cards, or of the one that is named. `error` is set if another
-/// program has a card, or the one that is named does not have the display.
+/// Display `index` of all cards, or of the card `named`. Sets `error` if another program uses a
+/// card, or if the named card does not have the display.
 Plugged FindPlugged(int index, const std::string& named, Purpose purpose, std::string& error) {
   int number = 0;
   for (const std::string& path : Cards(named)) {

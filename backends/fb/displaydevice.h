@@ -13,29 +13,30 @@
 
 namespace ZIRK::backends {
 
-/// A display of the kernel's, without a window system: a picture in memory is copied to it.
+/// A display that is driven by the kernel, without a window system. Pictures are copied to it from
+/// memory.
 ///
 /// Memory that is shown is written and never read. A picture that is larger or smaller than the
-/// display is shown from the top-left corner. The destructor brings back what was shown before.
+/// display is shown from the top-left corner. The destructor restores what was shown before.
 class DisplayDevice {
  public:
-  /// What Open() asks the driver for. Sizes are the picture's, before it is turned.
+  /// The picture that Open() asks the driver to show. Sizes are those before the rotation.
   struct Request {
     int width = 0;  ///< Pixels; the display's own size if either side is zero or less.
     int height = 0;
     /// Two pages, if the driver can show either.
     bool doubleBuffer = false;
-    VuPixelFormat format = VuPixelFormat::XRGB8888;  ///< Of the picture.
+    VuPixelFormat format = VuPixelFormat::XRGB8888;  ///< Format of the picture.
     Rotation rotation = Rotation::None;
   };
 
-  /// Opens display `index`: of the device that the environment variable `ZIRK_FB_DEVICE` names, or
-  /// else of the cards in `/dev/dri`, or else the framebuffer device of that number. The picture is
-  /// turned as `ZIRK_FB_ROTATE` says. Null, with the reason in `error`, if there is none, or
-  /// another program shows a picture there.
+  /// Opens display `index` of the device that the environment variable `ZIRK_FB_DEVICE` names.
+  /// Without the variable, opens display `index` of the cards in `/dev/dri`, or else the
+  /// framebuffer device of that number. `ZIRK_FB_ROTATE` sets the rotation. Returns null, with the
+  /// reason in `error`, if there is no such display or if another program uses it.
   static std::unique_ptr<DisplayDevice> Open(int index, Request request, std::string& error);
 
-  /// The size of a picture that fills display `index`; nullopt where Open() finds no display.
+  /// The size of a picture that fills display `index`; nullopt if Open() would find no display.
   static std::optional<ImageSize> SizeOf(int index);
 
   virtual ~DisplayDevice() = default;
@@ -45,7 +46,7 @@ class DisplayDevice {
   virtual int Height() const = 0;
 
   /// Shows what changed since the last call: the part `damage` of a picture whose rows are `pitch`
-  /// bytes apart, a multiple of four. Keeps to the display's vertical sync, where it has one.
+  /// bytes apart, a multiple of four. Waits for the display's vertical sync, if it has one.
   virtual void Present(const uint8_t* pixels, int pitch, VuPixelFormat format,
                        const Box& damage) = 0;
 

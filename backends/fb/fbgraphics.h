@@ -10,8 +10,8 @@
 
 namespace ZIRK::backends {
 
-/// What surfaces in memory read: each other, bitmaps and screens. It also makes the bitmaps of
-/// their glyph atlases.
+/// Finds the pixels of the bitmaps and screens in memory that surfaces in memory are drawn from.
+/// Also makes the bitmaps of their glyph atlases.
 class FbSourceResolver : public GlyphAtlasAllocator, public PixelSourceResolver {
  public:
   using GlyphAtlasAllocator::GlyphAtlasAllocator;

@@ -16,8 +16,9 @@ namespace ZIRK::backends {
 /// A screen: drawn in cached memory, and copied to the device when the frame is done.
 class FbScreen final : public Surface<VuScreenImpl, SoftwareRenderer>, private Presenter {
  public:
-  /// If there is no device the picture stays in memory, after a warning. `reason`, if not empty,
-  /// says why there is no better screen; then there is a warning in any case, and it includes it.
+  /// Without a device the picture stays in memory, and a warning is logged. If `reason` is not
+  /// empty, it explains why there is no better screen; a warning with that reason is then always
+  /// logged.
   static std::unique_ptr<FbScreen> Open(std::unique_ptr<MemoryBudget::Reservation> reservation,
                                         const VuScreenDescription& description,
                                         std::shared_ptr<PixelSourceResolver> resolver,

@@ -248,7 +248,7 @@ void FramebufferDevice::Present(const uint8_t* pixels, int pitch, VuPixelFormat 
   copier_->Copy(box, PixelsFrom(mode_.yoffset), fixed_.line_length);
 }
 
-/// Brings the page that is not shown up to date, and shows it.
+/// Updates the hidden page and shows it.
 void FramebufferDevice::Flip(const Box& damage) {
   const unsigned page = 1 - shownPage_;
   copier_->CopyToHidden(damage, PixelsFrom(page * mode_.yres), fixed_.line_length);

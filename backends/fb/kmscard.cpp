@@ -81,7 +81,7 @@ std::vector<DrmConnector> KmsCard::Connectors() const {
   return plugged;
 }
 
-/// The one that already shows something there comes first.
+/// The CRTC that already drives the connector comes first.
 std::vector<uint32_t> KmsCard::CrtcsFor(const drmModeConnector& connector) const {
   std::vector<uint32_t> crtcs;
   const Resources resources(Drm().GetResources(descriptor_));
@@ -120,7 +120,7 @@ bool KmsCard::Flip(uint32_t crtc, uint32_t framebuffer) {
   return state.isFlipping;
 }
 
-bool KmsCard::WaitForFlip(uint32_t crtc, std::chrono::milliseconds patience) {
+bool KmsCard::WaitForFlip(uint32_t crtc, std::chrono::milliseconds timeout) {
   using Clock = std::chrono::steady_clock;
   const std::lock_guard<std::mutex> lock(mutex_);
   Crtc& state = crtcs_[crtc];
@@ -129,7 +129,7 @@ bool KmsCard::WaitForFlip(uint32_t crtc, std::chrono::milliseconds patience) {
   context.page_flip_handler = [](int, unsigned, unsigned, unsigned, void* flipped) {
     static_cast<Crtc*>(flipped)->isFlipping = false;
   };
-  const auto deadline = Clock::now() + patience;
+  const auto deadline = Clock::now() + timeout;
   while (state.isFlipping) {
     const auto left =
         std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());

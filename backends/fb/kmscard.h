@@ -38,7 +38,7 @@ struct DrmCalls {
 /// The calls in use.
 DrmCalls& Drm();
 
-/// Ends what libdrm has made.
+/// Deletes an object of libdrm by `Free`.
 template <auto Free>
 struct DrmFree {
   template <typename T>
@@ -49,11 +49,12 @@ struct DrmFree {
 using DrmConnector = std::unique_ptr<drmModeConnector, DrmFree<drmModeFreeConnector>>;
 using DrmCrtc = std::unique_ptr<drmModeCrtc, DrmFree<drmModeFreeCrtc>>;
 
-/// A graphics card whose displays this process sets. The process has one descriptor for each.
+/// A graphics card whose displays this process sets. The process opens each card only once.
 class KmsCard {
  public:
-  /// The card as the process has it, or as it becomes its master. Null, with the reason in `error`,
-  /// if there is no card in `path`, or `isTaken`: another program is its master.
+  /// Returns the card in `path`. If the process does not have it yet, opens it and becomes its
+  /// master. Returns null, with the reason in `error`, if there is no card or another program is
+  /// its master; `isTaken` is set in the latter case.
   static std::shared_ptr<KmsCard> Acquire(const std::string& path, std::string& error,
                                           bool& isTaken);
   ~KmsCard();
@@ -69,16 +70,17 @@ class KmsCard {
   /// The connectors that a display is plugged into, in the card's order.
   std::vector<DrmConnector> Connectors() const;
 
-  /// A CRTC for this connector that no other display of the process has; 0 if none is left.
+  /// Reserves a CRTC for this connector that no other display of the process uses; 0 if none is
+  /// left.
   uint32_t TakeCrtc(const drmModeConnector& connector);
   void ReturnCrtc(uint32_t crtc);
 
-  /// Asks for another page to be shown at the next vertical sync. False, with the reason in errno,
-  /// if the driver refuses.
+  /// Requests that another page be shown at the next vertical sync. Returns false, with the reason
+  /// in errno, if the driver refuses.
   bool Flip(uint32_t crtc, uint32_t framebuffer);
-  /// Waits until the last flip is done. False if that takes longer than `patience`; then it is no
-  /// longer waited for.
-  bool WaitForFlip(uint32_t crtc, std::chrono::milliseconds patience);
+  /// Waits until the last flip is done. Returns false if that takes longer than `timeout`; later
+  /// calls do not wait for that flip again.
+  bool WaitForFlip(uint32_t crtc, std::chrono::milliseconds timeout);
 
  private:
   struct Crtc {
@@ -93,7 +95,7 @@ class KmsCard {
   const std::string path_;
   const int descriptor_;
   std::mutex mutex_;  ///< For `crtcs_`, and for reading events.
-  /// By their IDs. Pending events point to the entries, so none is taken out.
+  /// By their IDs. Pending events point to the entries, so entries are never removed.
   std::map<uint32_t, Crtc> crtcs_;
 };
 

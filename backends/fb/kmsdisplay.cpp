@@ -89,7 +89,7 @@ bool KmsDisplay::Start(const Request& request, std::string& error) {
   }
   const int card = card_->Descriptor();
   found_.reset(Drm().GetCrtc(card, crtc_));
-  // Half the bytes to copy where the picture has no more bits.
+  // 16 bits halve the bytes to copy. They suffice if the picture has no more.
   const bool narrow = PreferredBits(*card_) == 16 || request.format == VuPixelFormat::RGB565;
   if (!StartIn(narrow ? kRgb565 : kXrgb, request) && !StartIn(narrow ? kXrgb : kRgb565, request)) {
     error = card_->Path() + ": cannot show a page: " + std::strerror(errno);
@@ -100,7 +100,8 @@ bool KmsDisplay::Start(const Request& request, std::string& error) {
   return true;
 }
 
-/// False, with the reason in errno and nothing left behind, if the driver does not take the format.
+/// Returns false, with the reason in errno and all resources released, if the driver refuses the
+/// format.
 bool KmsDisplay::StartIn(const Format& format, const Request& request) {
   const bool made = MakePage(pages_[0], format);
   set_ = made && Drm().SetCrtc(card_->Descriptor(), crtc_, pages_[0].framebuffer, 0, 0, &connector_,
@@ -185,7 +186,7 @@ void KmsDisplay::Present(const uint8_t* pixels, int pitch, VuPixelFormat format,
   if (isPaced_ && !flipping_) Pace();
 }
 
-/// Brings the page that is not shown up to date, and shows it. False if the driver refuses.
+/// Updates the hidden page and shows it. Returns false if the driver refuses.
 bool KmsDisplay::ShowOther(const Box& damage) {
   const unsigned other = 1 - shown_;
   copier_->CopyToHidden(damage, pages_[other].pixels, pages_[other].pitch);
@@ -205,7 +206,7 @@ void KmsDisplay::WaitForFlip() {
     DoWithoutPages("the flip does not end");
 }
 
-/// Draws to the page that is shown from now on. It lacks no changes but this frame's.
+/// From now on draws to the visible page, which lacks only the changes of this frame.
 void KmsDisplay::DoWithoutPages(const char* why) {
   ZIRK_LOG_WARNING("%s: does not show its second page: drawing to one: %s", card_->Path().c_str(),
                    why);

@@ -16,8 +16,8 @@ namespace ZIRK::backends {
 /// buffers, which the processor writes.
 class KmsDisplay final : public DisplayDevice {
  public:
-  /// Shows a black page on the display at `connector`, in the mode of the size asked for, or else
-  /// the display's preferred one. Null, with the reason in `error`, if the driver refuses.
+  /// Shows a black page on the display at `connector`, in a mode of the requested size or else in
+  /// the preferred mode. Returns null, with the reason in `error`, if the driver refuses.
   static std::unique_ptr<KmsDisplay> Open(std::shared_ptr<KmsCard> card,
                                           const drmModeConnector& connector, const Request& request,
                                           std::string& error);
@@ -69,7 +69,7 @@ class KmsDisplay final : public DisplayDevice {
   uint32_t connector_;
   drmModeModeInfo mode_;
   uint32_t crtc_ = 0;
-  DrmCrtc found_;  ///< What the CRTC showed before.
+  DrmCrtc found_;  ///< The earlier state of the CRTC.
   bool set_ = false;
 
   std::array<Page, 2> pages_{};
@@ -77,10 +77,10 @@ class KmsDisplay final : public DisplayDevice {
   std::optional<ScanoutCopier> copier_;
   bool twoPages_ = false;
   unsigned shown_ = 0;
-  bool flipping_ = false;  ///< The last flip may not be done.
+  bool flipping_ = false;  ///< The last flip may be pending.
 
   bool hasVblank_ = false;   ///< Flips wait for the display's vertical sync.
-  bool needsDamage_ = true;  ///< Changes of the page that is shown have to be sent.
+  bool needsDamage_ = true;  ///< Changes to the visible page must be reported.
   const bool isPaced_;
   Clock::time_point nextFrame_{};
 };

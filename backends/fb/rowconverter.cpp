@@ -66,7 +66,7 @@ Channel ChannelOf(const fb_bitfield& field) {
   return {field.offset, field.length};
 }
 
-/// The top `length` bits of an 8-bit value; repeated where there are more than 8.
+/// The highest `length` bits of an 8-bit value, which is repeated if `length` exceeds 8.
 uint32_t Resize(uint32_t value, unsigned length) {
   return (value << 8 | value) >> (16 - length);
 }
@@ -75,7 +75,7 @@ uint32_t Place(uint32_t value, const Channel& channel) {
   return channel.length == 0 ? 0 : Resize(value, channel.length) << channel.offset;
 }
 
-/// Whether a surface's memory is what the device wants, byte for byte.
+/// Whether the pixels of a surface have exactly the device's bytes.
 bool AreSameBytes(pixman_format_code_t source, const DeviceLayout& device) {
   if (!device.format) return false;
   if (*device.format == source) return true;
@@ -124,7 +124,7 @@ RowConverter::RowConverter(const DeviceLayout& layout, int width, int rows)
     : layout_(layout),
       width_(width),
       converted_(static_cast<size_t>(width) * static_cast<size_t>(rows)) {
-  // What Pixman cannot write is packed from 32-bit pixels.
+  // Formats that Pixman cannot write are packed from 32-bit pixels.
   convertedImage_.reset(pixman_image_create_bits_no_clear(
       layout.format.value_or(PIXMAN_a8r8g8b8), width, rows, converted_.data(), width * 4));
   const pixman_color_t white = {0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF};
@@ -140,7 +140,7 @@ bool RowConverter::SetSource(const uint8_t* pixels, int pitch, VuPixelFormat for
   isCoverage_ = format == VuPixelFormat::A8;
   sameLayout_ = AreSameBytes(sourceFormat, layout_);
   if (sameLayout_) return true;
-  // Pixman asks for writable pixels, and only reads a source.
+  // Pixman's interface takes writable pixels, but it only reads a source.
   void* const bits = const_cast<uint8_t*>(pixels);
   source_.reset(pixman_image_create_bits_no_clear(sourceFormat, width, height,
                                                   static_cast<uint32_t*>(bits), pitch));
@@ -162,7 +162,7 @@ RowConverter::Block RowConverter::Convert(int x, int y, int columns, int rows) {
 }
 
 void RowConverter::Pack(uint32_t* row, int count) const {
-  // A packed pixel is no longer than the one it is made of: the row is rewritten in place.
+  // A packed pixel is never longer than the original, so the row is packed in place.
   auto* const packed = reinterpret_cast<uint8_t*>(row);
   const size_t bytes = layout_.BytesPerPixel();
   for (int i = 0; i < count; ++i) {

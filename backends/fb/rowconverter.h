@@ -11,7 +11,7 @@
 
 namespace ZIRK::backends {
 
-/// How a device lays a pixel out in its memory.
+/// The layout of a pixel in the memory of a device.
 struct DeviceLayout {
   /// Position and width of a channel, in bits; the width is zero if the device has no such channel.
   struct Channel {

@@ -8,8 +8,8 @@ namespace ZIRK::backends {
 
 namespace {
 
-/// Side of the squares that a turned picture is copied by, in pixels. So many rows stay in the
-/// first cache, and so many pixels of a row fill the buffers that uncached memory is written by.
+/// Side in pixels of the tiles in which a rotated picture is copied. The rows of a tile fit into
+/// the first-level cache, and one row of it fills a write-combining buffer.
 constexpr int kTile = 32;
 
 int64_t Area(const Box& box) {

@@ -10,10 +10,10 @@
 
 namespace ZIRK::backends {
 
-/// By how much a picture is turned clockwise where it is shown.
+/// The clockwise rotation of a picture on the display.
 enum class Rotation { None, Quarter, Half, ThreeQuarters };
 
-/// Whether width and height change places.
+/// Whether width and height are exchanged.
 constexpr bool IsSideways(Rotation rotation) {
   return rotation == Rotation::Quarter || rotation == Rotation::ThreeQuarters;
 }
@@ -25,7 +25,7 @@ class ScanoutCopier {
   /// For a display of `width` x `height` pixels.
   ScanoutCopier(const DeviceLayout& layout, int width, int height, Rotation rotation);
 
-  /// Size of the picture, in pixels: that of the display before it is turned.
+  /// Size in pixels of the picture that fills the display, before the rotation.
   int Width() const { return width_; }
   int Height() const { return height_; }
 
@@ -40,10 +40,10 @@ class ScanoutCopier {
   /// Where `box` of the picture is on the display.
   Box OnDisplay(const Box& box) const;
 
-  /// Brings the one of two pages that is not shown up to date: it lacks `damage`, and what the
-  /// last call wrote to the other.
+  /// Updates the hidden one of two pages, which lacks `damage` and what the last call wrote to the
+  /// other page.
   void CopyToHidden(const Box& damage, uint8_t* memory, size_t pitch);
-  /// There are no longer two pages.
+  /// Call it when there is only one page from now on.
   void ForgetHidden() { lastDamage_ = {}; }
 
  private:

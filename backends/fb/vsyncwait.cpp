@@ -51,11 +51,11 @@ class SignalsBlocked {
 
 }  // namespace
 
-/// What the two threads share, kept until neither needs it.
+/// The state that the two threads share. It lives until neither needs it.
 struct VsyncWait::Worker {
   enum class State { Idle, Asked, Failed, Stopped };
 
-  /// The thread: waits whenever asked, on a descriptor of its own.
+  /// The body of the thread: waits on request, with its own descriptor.
   void Run() {
     const int fd = io->Open(path.c_str());
     std::unique_lock<std::mutex> lock(mutex);
