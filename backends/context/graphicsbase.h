@@ -19,7 +19,7 @@ class GraphicsBase : public VuGraphicsImpl {
   /// Shares the limit and the list of surfaces with another context.
   explicit GraphicsBase(std::shared_ptr<MemoryBudget> budget);
 
-  // Creating surfaces.
+  // Creates surfaces.
 
   /// A screen of the device's own size in ARGB8888, double-buffered. `flag` becomes the `option`.
   VuScreenImpl* CreateScreen(bool flag) final;
@@ -36,12 +36,12 @@ class GraphicsBase : public VuGraphicsImpl {
   VuBitmapImpl* CreateBitmapFromMemory(const void* data, unsigned size, int width, int height,
                                        VuScaleMode scaleMode) final;
 
-  // Listing them.
+  // Lists surfaces.
 
   /// Prints one line per surface, oldest first. Addresses are XORed with `key`.
   void PrintBitmapList(unsigned key, std::ostream& os) final;
 
-  // Limits.
+  // Reports limits.
 
   /// The bytes that new surfaces may still take.
   unsigned AvailableMemory() const final;

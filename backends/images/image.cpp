@@ -23,7 +23,7 @@ struct Format {
   std::unique_ptr<ImageCodec> (*newCodec)(ImageStream& stream);
 };
 
-/// A build may leave out any of them, or all.
+/// A build may leave out some of them, or all.
 constexpr std::initializer_list<Format> kFormats = {
 #ifdef ZIRK_HAVE_PNG
     {IsPng, NewPngCodec},
@@ -42,8 +42,8 @@ std::unique_ptr<ImageCodec> NewCodecFor(ImageStream& stream) {
   return nullptr;
 }
 
-/// The path as log lines show it. They are cut at their end, where the reason stands, so that a
-/// long path loses its beginning.
+/// The path as log lines show it. A long path is cut at its beginning: log lines are cut at their
+/// end, which would remove the reason.
 std::string FileName(const char* path) {
   if (!path) return "(null)";
   constexpr size_t kLongest = 512;
@@ -52,7 +52,7 @@ std::string FileName(const char* path) {
   return name;
 }
 
-/// The rows of a picture that lies in memory as a whole.
+/// The rows of a picture that is decoded into memory as a whole.
 class StoredRows {
  public:
   StoredRows(ImageCodec& codec)
@@ -87,7 +87,7 @@ Image::Image(const void* data, size_t size)
 
 Image::~Image() = default;
 
-/// `name` stands in the error line if there is no memory to make an image.
+/// `name` is for the error line if there is no memory for an image.
 template <typename... Source>
 std::unique_ptr<Image> Image::OpenSource(const char* name, Source... source) {
   try {

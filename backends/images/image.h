@@ -28,8 +28,8 @@ struct PixelRows {
   int height;
 };
 
-/// A PNG, JPEG or WebP picture; its content decides which. Open() reads its size, then Decode()
-/// writes its pixels to memory of the caller's, at most once.
+/// A PNG, JPEG or WebP picture, recognised by its content. Open() reads its size. Decode(), which
+/// is called at most once, writes its pixels to the caller's memory.
 ///
 /// An operation that fails returns null or false, after one error line with the picture's name and
 /// the reason. That includes running out of memory; nothing is thrown.
@@ -38,7 +38,7 @@ class Image {
   /// Opens a file and reads the picture's size, but no pixels. Null for a file that is no picture,
   /// and for a picture with a side of more than kMaxSide pixels.
   static std::unique_ptr<Image> Open(const char* path);
-  /// The same for a file in memory, which has to outlive the image.
+  /// The same for a file in memory, which must outlive the image.
   static std::unique_ptr<Image> Open(const void* data, size_t size);
   ~Image();
 

@@ -32,9 +32,9 @@ class ImageCodec {
   /// The bytes that decoding may take beside the pixels; before the first row.
   void LimitMemory(uint64_t bytes) { memoryLimit_ = bytes; }
 
-  /// The next row. The last one includes whatever has to follow it in the file.
+  /// Reads the next row. For the last row, also reads what must follow it in the file.
   virtual bool ReadRow(uint32_t* row) = 0;
-  /// All rows, `pitch` bytes apart.
+  /// Reads all rows, `pitch` bytes apart.
   virtual bool ReadAll(uint32_t* pixels, int pitch) = 0;
 
   /// Why an operation failed.
@@ -56,14 +56,14 @@ class ImageCodec {
   char error_[200] = "";
 };
 
-/// How a pixel's word lies in the bytes that a codec writes: blue first or alpha first.
+/// The order of bytes in a pixel that a codec writes: blue first if true, else alpha first.
 constexpr bool kLittleEndian = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__;
 
 inline uint32_t* RowAt(uint32_t* pixels, int pitch, int y) {
   return reinterpret_cast<uint32_t*>(reinterpret_cast<uint8_t*>(pixels) + int64_t{y} * pitch);
 }
 
-/// Exactly rounded. `row` holds 0xAARRGGBB words.
+/// Premultiplies a row of 0xAARRGGBB words, with exact rounding.
 void PremultiplyRow(uint32_t* row, int width);
 
 /// Whether a file that begins like this is of the format.

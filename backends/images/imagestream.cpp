@@ -19,7 +19,7 @@ ImageStream::ImageStream(const char* path) {
     return;
   }
   buffer_ = std::make_unique<uint8_t[]>(kBufferSize);
-  // O_NONBLOCK: a pipe that nobody writes to reads as empty, instead of blocking.
+  // With O_NONBLOCK a pipe without a writer reads as empty instead of blocking.
   file_ = open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
   if (file_ < 0) problem_ = std::strerror(errno);
 }

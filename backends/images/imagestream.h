@@ -20,7 +20,7 @@ class ImageStream {
   /// Opens a file. A file that cannot be opened, or a null path, gives no bytes; Problem() says
   /// why.
   explicit ImageStream(const char* path);
-  /// Reads from memory of the caller's, which has to outlive the stream. Null gives no bytes.
+  /// Reads from the caller's memory, which must outlive the stream. Null gives no bytes.
   ImageStream(const void* data, size_t size);
   ~ImageStream();
   ImageStream(const ImageStream&) = delete;
@@ -29,7 +29,7 @@ class ImageStream {
   /// The next bytes: a piece of a file, or all of memory. None at the end and after an error. Valid
   /// until the next call.
   Bytes Peek();
-  /// As Peek(), and moves past these bytes.
+  /// The same as Peek(), and moves past these bytes.
   Bytes Take();
   /// The rest of the stream in one piece, up to `limit` bytes or a little more. Valid as long as
   /// the stream. May be called once.

@@ -21,7 +21,7 @@ namespace {
 
 constexpr J_COLOR_SPACE kArgb = kLittleEndian ? JCS_EXT_BGRA : JCS_EXT_ARGB;
 
-/// Several times what progressive files have. Each goes over the whole picture, for a few bytes.
+/// Several times the number in usual files. A scan of a few bytes goes over the whole picture.
 constexpr int kMostScans = 100;
 
 /// Bytes of cyan, magenta, yellow and black to ARGB8888, in place. XORed with `flip`, a byte is 0
@@ -111,7 +111,7 @@ class JpegCodec final : public ImageCodec {
     begun_ = true;
     const bool cmyk = jpeg_.jpeg_color_space == JCS_CMYK || jpeg_.jpeg_color_space == JCS_YCCK;
     jpeg_.out_color_space = cmyk ? JCS_CMYK : kArgb;
-    // A progressive picture is gathered in memory as a whole, in up to eight bytes a pixel.
+    // A progressive picture is held in memory as a whole, with up to eight bytes per pixel.
     jpeg_.mem->max_memory_to_use =
         static_cast<long>(std::min<uint64_t>(memoryLimit_, std::numeric_limits<long>::max()));
     jpeg_.scale_num = 1;

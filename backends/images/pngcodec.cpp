@@ -28,8 +28,8 @@ class PngCodec final : public ImageCodec {
     if (setjmp(png_jmpbuf(png_)) != 0) return false;
     // Our own limit is tested on the result, and reported with the size.
     png_set_user_limits(png_, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
-    // All but the picture, its palette and its transparency is skipped unread: some chunks are
-    // stored as long as they say they are, others unpack to any size.
+    // Reads the picture, its palette and its transparency, and skips all other chunks: some would
+    // be stored at whatever length they state, others unpack to any size.
     png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
     png_set_read_fn(png_, this, OnRead);
     png_read_info(png_, info_);

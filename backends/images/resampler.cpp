@@ -12,7 +12,7 @@ int RowLength(const AxisFit& fit) {
   return (fit.length + fit.shrink - 1) / fit.shrink;
 }
 
-/// The rows brought to their final width, four channels a pixel, of 0 to 255 * 256.
+/// Rows scaled to their final width, with four channels per pixel from 0 to 255 * 256.
 class NarrowedRows {
  public:
   NarrowedRows(AxisFit fit, VuScaleMode mode, const std::function<bool(uint32_t*)>& nextRow)
@@ -23,8 +23,8 @@ class NarrowedRows {
     for (auto& line : lines_) line.resize(static_cast<size_t>(width_) * 4);
   }
 
-  /// Row `y`. Only the previous one and those that follow may still be asked for. Null if the
-  /// source fails.
+  /// Row `y`. Afterwards only the row before it and later rows are available. Null if the source
+  /// fails.
   const uint16_t* Get(int y) {
     for (; rowsRead_ <= y; ++rowsRead_)
       if (!nextRow_(row_.data())) return nullptr;
@@ -34,7 +34,7 @@ class NarrowedRows {
     return line.data();
   }
 
-  /// Reads the rows that were not needed, so that damage is found wherever it is.
+  /// Reads the rows that were not needed, to find damage in them.
   bool Drain(int count) {
     for (; rowsRead_ < count; ++rowsRead_)
       if (!nextRow_(row_.data())) return false;
@@ -103,7 +103,8 @@ void AxisFilter::AddNearest(AxisFit fit, int i) {
   Add(kWhole);
 }
 
-/// Between the centres of two neighbours. Beyond the outermost centres the edge's colour continues.
+/// Interpolates between the centres of two adjacent pixels. Beyond the outermost centres, the
+/// colour of the edge continues.
 void AxisFilter::AddLinear(AxisFit fit, int i) {
   const int64_t unit = 2 * int64_t{fit.wanted};
   const int64_t centre = (2 * int64_t{i} + 1) * fit.length - fit.wanted;
@@ -116,7 +117,8 @@ void AxisFilter::AddLinear(AxisFit fit, int i) {
   Add(second);
 }
 
-/// What pixel `i` covers of each original pixel. Lengths are in such units that all are whole.
+/// The part of each original pixel that pixel `i` covers. Lengths are in units that make all of
+/// them whole numbers.
 void AxisFilter::AddArea(AxisFit fit, int i) {
   const int64_t unit = int64_t{fit.wanted} * fit.shrink;
   const int64_t begin = int64_t{i} * fit.length;

@@ -10,14 +10,14 @@
 
 namespace ZIRK::backends {
 
-/// One side of a picture and the length that it is brought to.
+/// One side of a picture and the length to which it is scaled.
 struct AxisFit {
-  int length;  ///< Pixels of the original.
-  int shrink;  ///< How many of them each pixel of the given rows stands for.
+  int length;  ///< Original length in pixels.
+  int shrink;  ///< The number of original pixels in each pixel that is read.
   int wanted;
 };
 
-/// For each of an axis's pixels the pixels that it is made of, and their shares.
+/// For each pixel along an axis, the original pixels that contribute to it, and their shares.
 ///
 /// Shares of a pixel are never negative and add up to exactly kWhole: a flat colour stays
 /// unchanged, nothing rings, and no colour channel exceeds its alpha.

@@ -23,7 +23,7 @@ const char* ErrorText(VP8StatusCode status) {
   }
 }
 
-/// As the file's first bytes give it.
+/// The size that the first bytes of the file state.
 uint64_t FileSize(const uint8_t* head) {
   return 8 + (uint64_t{head[4]} | uint64_t{head[5]} << 8 | uint64_t{head[6]} << 16 |
               uint64_t{head[7]} << 24);
