@@ -30,7 +30,7 @@ class HybridSourceResolver final : public FbSourceResolver {
   }
 };
 
-/// Where a screen shows more by OpenGL than by FB.
+/// When screens are drawn by OpenGL rather than by FB.
 enum class GlUse { Always, WhereFbHasNoDisplay, Never };
 
 /// OpenGL by the processor is far slower than FB, and an off-screen picture is not visible.
@@ -42,13 +42,14 @@ GlUse UseOf(const GlDevice& device) {
   return hasDisplay || device.HasGpu() ? GlUse::WhereFbHasNoDisplay : GlUse::Never;
 }
 
-/// OpenGL, unless FB shows more on display `index`; then `whyFb` says what OpenGL would draw by.
+/// The OpenGL device, unless FB is the better choice for display `index`. In that case `whyFb` is
+/// set to the device's description.
 std::shared_ptr<GlDevice> AcquireUseful(int index, std::optional<std::string>& whyFb) {
   auto device = GlDevice::Acquire();
   const GlUse use = device ? UseOf(*device) : GlUse::Always;
   if (use == GlUse::Always) return device;
   whyFb = device->Description();
-  // While SDL has a display, FB cannot have it.
+  // FB cannot open a display while SDL uses it.
   device.reset();
   if (use == GlUse::Never || DisplayDevice::SizeOf(index)) return nullptr;
   whyFb.reset();
@@ -62,7 +63,7 @@ HybridGraphics::HybridGraphics() : HybridGraphics(MemoryBudget::Create()) {}
 HybridGraphics::HybridGraphics(const std::shared_ptr<MemoryBudget>& budget)
     : FbGraphics(budget, std::make_shared<HybridSourceResolver>(budget, kType)) {}
 
-/// After the context was lost, starts a new one.
+/// Starts a new OpenGL context if the last one was lost.
 std::shared_ptr<TextureCache> HybridGraphics::FindOpenGl(int index, std::string& reason) const {
   if (textures_ && !textures_->Device()->IsLost()) return textures_;
   textures_ = nullptr;

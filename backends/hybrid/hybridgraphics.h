@@ -11,17 +11,17 @@
 
 namespace ZIRK::backends {
 
-/// A context whose bitmaps are in memory, drawn by the processor, and whose screens are drawn by
-/// OpenGL ES 2; where that cannot be had, the screens are those of FbGraphics.
+/// A context that draws bitmaps in memory by the processor, and screens by OpenGL ES 2. If OpenGL
+/// is not available, screens are those of FbGraphics.
 ///
-/// OpenGL is started with the first screen, or the first question about one.
+/// OpenGL starts with the first screen, or with the first query about one.
 class HybridGraphics final : public FbGraphics {
  public:
   HybridGraphics();
 
-  /// Afterwards another thread may go on.
+  /// Also detaches OpenGL from this thread, so that another one may use the context.
   void Flush() override;
-  /// While there is OpenGL, what can be drawn on its screens.
+  /// While OpenGL is in use, the largest side of its textures.
   int GetMaxTextureSize() const override;
 
  protected:
@@ -33,12 +33,13 @@ class HybridGraphics final : public FbGraphics {
   static constexpr int kType = TypeCode(BackendType::Hybrid);
 
   explicit HybridGraphics(const std::shared_ptr<MemoryBudget>& budget);
-  /// Null where there is no OpenGL, or FB serves display `index` better. `reason` then says why the
-  /// screen is worse than it could be; it is empty where FB's is the best.
+  /// Starts OpenGL if necessary. Returns null if it is not available, or if FB is the better choice
+  /// for display `index`. `reason` then explains why the screen is not the best possible; it is
+  /// empty if FB's screen is.
   std::shared_ptr<TextureCache> FindOpenGl(int index, std::string& reason) const;
 
   mutable std::shared_ptr<TextureCache> textures_;  ///< Null until OpenGL is started.
-  /// What OpenGL would draw by, once it was found to serve worse than FB.
+  /// The description of an OpenGL device that was rejected in favour of FB.
   mutable std::optional<std::string> whyFb_;
 };
 

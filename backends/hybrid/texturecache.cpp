@@ -19,14 +19,14 @@ namespace {
 std::mutex mutex;
 static_assert(std::is_trivially_destructible_v<std::mutex>);
 
-/// Sends `part` of `pixels` to where `box` is in `texture`.
+/// Uploads `part` of `pixels` to `box` of `texture`.
 bool Upload(GlTexture& texture, const Box& box, const PixelBuffer& pixels, const Box& part) {
   const uint8_t* const first =
       pixels.Row(part.y0) + ptrdiff_t{part.x0} * BytesPerPixel(pixels.Format());
   return texture.Upload(box, first, static_cast<unsigned>(pixels.Pitch()));
 }
 
-/// What `surface` has in memory; null if it is neither a bitmap nor a screen there.
+/// The pixels of `surface`; null if it is neither a bitmap nor a screen in memory.
 const PixelBuffer* PixelsOf(VuBitmapImpl& surface) {
   if (const auto* const bitmap = AsOwn<SoftwareBitmap>(&surface))
     return &bitmap->Drawing().Buffer();
@@ -36,7 +36,7 @@ const PixelBuffer* PixelsOf(VuBitmapImpl& surface) {
 
 }  // namespace
 
-/// What a bitmap keeps of it.
+/// The link from a bitmap to its texture, owned by the bitmap.
 class TextureCache::Handle final : public CachedTexture {
  public:
   ~Handle() override {
@@ -48,12 +48,12 @@ class TextureCache::Handle final : public CachedTexture {
     return cache_ != nullptr;
   }
 
-  /// The texture if it is one of `device`. Only used where OpenGL is, as is all that changes it.
+  /// The texture, if it is one of `device`. Read and changed only on the thread that has OpenGL.
   GlTexture* TextureOn(const GlDevice& device) const {
     return cache_ && cache_->device_.get() == &device ? slot_->texture.get() : nullptr;
   }
 
-  // These expect the mutex to be locked.
+  // The mutex must be locked.
 
   void MoveTo(TextureCache& cache, std::list<Slot>::iterator slot) {
     Abandon();
@@ -71,7 +71,7 @@ class TextureCache::Handle final : public CachedTexture {
     cache_ = nullptr;
   }
 
-  TextureCache* cache_ = nullptr;  ///< Whose slot it has; null as long as it has none.
+  TextureCache* cache_ = nullptr;  ///< The owner of `slot_`; null without a slot.
   std::list<Slot>::iterator slot_;
 };
 
@@ -113,7 +113,8 @@ GlTexture* TextureCache::TextureOf(SoftwareBitmap& bitmap, GlDevice& device) {
   return texture;
 }
 
-/// Null if the bitmap is too large or the device lost; and after an error line if that fails.
+/// Makes the texture of a bitmap. Returns null if the bitmap is too large, if the device is lost,
+/// or, after an error line, on failure.
 GlTexture* TextureCache::Make(SoftwareBitmap& bitmap) {
   const PixelBuffer& pixels = bitmap.Drawing().Buffer();
   const int most = device_->MaxTextureSize();
@@ -141,7 +142,7 @@ bool TextureCache::CopyToTexture(VuBitmapImpl& surface, const Box& part, GlDevic
                                  std::unique_ptr<GlTexture>& copy) {
   const PixelBuffer* const pixels = PixelsOf(surface);
   if (!pixels) return backends::CopyToTexture(FindCanvas(surface), part, device, copy);
-  // Of a loss it has been told already.
+  // The loss of the device is logged already.
   if (device.IsLost()) return false;
   if (part.IsEmpty()) return true;
   copy =

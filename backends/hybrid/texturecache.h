@@ -9,9 +9,9 @@
 
 namespace ZIRK::backends {
 
-/// Keeps a texture for each bitmap in memory that an OpenGL surface has been drawn from. The first
-/// draw uploads the whole bitmap, each later one the rectangle around what has changed since. A
-/// bitmap that is too large for a texture is not kept: each draw uploads the part that it reads.
+/// Keeps a texture for each bitmap in memory that was drawn onto an OpenGL surface. The first draw
+/// uploads the whole bitmap, each later one the bounds of what changed since. A bitmap that is too
+/// large for a texture is not kept: each draw uploads the part that it reads.
 ///
 /// Textures are used and deleted on the thread that has OpenGL's context. A bitmap may be deleted
 /// on any thread; its texture is deleted when the next bitmap is drawn from.
