@@ -70,8 +70,8 @@ void GlBatch::Stop() {
   gl.DeleteTextures(1, &white_);
 }
 
-/// The texture that holds its pixels, which may be a page that it moves to now: only there it can
-/// share draw calls with those that are alike.
+/// Returns the texture that stores the pixels of `texture`. Moves it to a page first if other small
+/// textures of its format are in use: they can share draw calls only there.
 GlTexture* GlBatch::Settle(GlTexture* texture) {
   if (!texture) return nullptr;
   const auto isAlike = [texture](const GlTexture* t) {
@@ -119,7 +119,7 @@ GlQuads& GlBatch::Begin(const DrawKey& key) {
   if (open_ == kMaxCalls) Flush();
   GlQuads* next = &calls_[static_cast<size_t>(open_)];
   if (!next->Begin(key) && open_ > 0) {
-    // The first one has its memory already.
+    // The first draw call always has its memory.
     Flush();
     next = calls_.data();
     next->Begin(key);
@@ -195,7 +195,7 @@ void GlBatch::Drop() {
 }
 
 bool GlBatch::Clear(const GlTarget& target, uint32_t color) {
-  // It covers all that is collected for the same target.
+  // Clearing covers everything that was collected for the target.
   if (open_ > 0 && last_->Key().target == &target)
     Drop();
   else
@@ -204,7 +204,7 @@ bool GlBatch::Clear(const GlTarget& target, uint32_t color) {
   if (!scope) return false;
   UseTarget(target);
   const GlFunctions& gl = device_.Gl();
-  // Targets that keep alpha have it written here only, as 1.
+  // This is the only place that writes the alpha of targets that keep it, as 1.
   if (!alphaWritten_) gl.ColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
   alphaWritten_ = true;
   const auto c = Split(target.Channels(color));
@@ -214,7 +214,7 @@ bool GlBatch::Clear(const GlTarget& target, uint32_t color) {
 }
 
 void GlBatch::Bind(int unit, GLuint texture) {
-  // Parameters and pixels that follow go to the active unit.
+  // Later parameters and pixels apply to the active unit.
   if (unit_ != unit) device_.Gl().ActiveTexture(unit ? GL_TEXTURE1 : GL_TEXTURE0);
   unit_ = unit;
   if (bound_[unit] == texture) return;
@@ -258,8 +258,8 @@ void GlBatch::UseBlend(const DrawKey& key) {
   blendUsed_ = key.blend.IsEnabled();
   if (!blendUsed_) return;
   std::array<GLenum, 4> factors = key.blend.FactorsFor(*key.target);
-  // This version of OpenGL does not have the factor for the destination. For alpha it means One;
-  // for colours Zero is right only where the destination is opaque.
+  // This version of OpenGL lacks the factor for the destination. For alpha it equals One. For
+  // colours Zero is correct only if the destination is opaque.
   if (!saturatesDestination_ && factors[1] == GL_SRC_ALPHA_SATURATE) factors[1] = GL_ZERO;
   if (!saturatesDestination_ && factors[3] == GL_SRC_ALPHA_SATURATE) factors[3] = GL_ONE;
   if (factors != factorsSet_) gl.BlendFuncSeparate(factors[0], factors[1], factors[2], factors[3]);

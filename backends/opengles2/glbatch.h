@@ -11,10 +11,11 @@ namespace ZIRK::backends {
 
 /// Collects quadrilaterals, and draws as many as possible with one draw call.
 ///
-/// Several draw calls are collected at once, for one target. A quadrilateral goes to the earliest
-/// that it fits, unless one that comes later touches its pixels: what overlaps is drawn in order.
+/// Several draw calls for one target are open at the same time. A quadrilateral is added to the
+/// earliest one that it fits, unless a later one touches its pixels: overlapping quadrilaterals are
+/// drawn in order.
 ///
-/// It also keeps OpenGL's state, and sets only what changes.
+/// The batch also tracks OpenGL's state, and sets only what changes.
 class GlBatch {
  public:
   explicit GlBatch(GlDevice& device);
@@ -25,15 +26,16 @@ class GlBatch {
   /// Deletes its objects of OpenGL.
   void Stop();
 
-  /// The draw call to which to add `count` quadrilaterals, at most kMaxAtOnce, inside `box`. It
-  /// draws them with its own program. The textures of `key` become those that hold their pixels.
+  /// Returns the draw call to which to add `count` quadrilaterals, at most kMaxAtOnce, inside
+  /// `box`. It draws them with its own program. The textures of `key` are replaced by those that
+  /// store their pixels.
   GlQuads& Join(DrawKey& key, int count, const Box& box);
   static constexpr int kMaxAtOnce = 8;
 
-  /// Adds one of GlProgram::Plain, as most are. `texture` may be null, as may be what lies on it.
+  /// Adds a quadrilateral of GlProgram::Plain, the usual case. `texture` may be null.
   void AddPlain(const GlTarget* target, const GlBlend& blend, GlTexture* texture,
                 TexelFilter filter, const Box& box, const Texels& texels, uint32_t color) {
-    // A colour may go to an earlier one.
+    // A plain colour may fit an earlier draw call.
     const bool takes = texture ? last_->Takes(target, blend, &texture->Storage(), filter)
                                : open_ == 1 && last_->Takes(target, blend, nullptr, filter);
     if (takes)
@@ -42,28 +44,29 @@ class GlBatch {
       JoinPlain({target, blend, GlProgram::Plain, texture, filter}, box, texels, color);
   }
 
-  /// Draws what is collected.
+  /// Sends all open draw calls.
   void Flush();
 
-  /// To be called before `target` is read: draws what is drawn on it.
+  /// Call it before `target` is read. Sends the draw calls that draw on it.
   void BeforeReading(const GlTarget& target);
-  /// To be called before `box` of `texture` is written: draws what reads it, or draws on the
-  /// texture.
+  /// Call it before `box` of `texture` is written. Sends the draw calls that read the box or draw
+  /// on the texture.
   void BeforeWriting(const GlTexture& texture, const Box& box);
-  /// To be called before `texture` is deleted: draws what reads it, drops what draws on it.
+  /// Call it before `texture` is deleted. Sends the draw calls that read it, and drops those that
+  /// draw on it.
   void Forget(const GlTexture& texture);
-  /// Drops what draws on `target`.
+  /// Drops the draw calls that draw on `target`.
   void Forget(const GlTarget& target);
 
   /// Fills all of `target` with premultiplied `color`. False after an error line.
   bool Clear(const GlTarget& target, uint32_t color);
 
-  // OpenGL's state. A name of OpenGL's that is deleted has to be unbound here too.
+  // OpenGL's state. An object of OpenGL must be unbound here when it is deleted.
   void Bind(GLuint texture) { Bind(0, texture); }
   void Unbind(GLuint texture);
   void BindFramebuffer(GLuint framebuffer);
   void DeleteFramebuffer(GLuint framebuffer);
-  /// To be called when the current window changes, and framebuffer 0 with it.
+  /// Call it when the current window changes, and with it framebuffer 0.
   void WindowChanged() { viewportOf_ = nullptr; }
 
  private:
@@ -83,28 +86,28 @@ class GlBatch {
   void UseBlend(const DrawKey& key);
   void UseTexture(int unit, GlTexture* texture, GLint filter);
 
-  // More find few quadrilaterals to join, and each is looked at for most that come.
+  // More draw calls would join few more quadrilaterals, and each is examined for most new ones.
   static constexpr int kMaxCalls = 8;
 
   GlDevice& device_;
   std::array<GlQuads, kMaxCalls> calls_;
   int open_ = 0;
-  GlQuads* last_ = calls_.data();  ///< Of those that are open; the first if none is.
+  GlQuads* last_ = calls_.data();  ///< The last open draw call; the first one if none is open.
 
   GlPrograms programs_;
   GLuint vertices_ = 0;
   GLuint indices_ = 0;
-  GLuint white_ = 0;  ///< Stands in for the texture where there is none.
+  GLuint white_ = 0;  ///< Replaces the texture of a plain colour.
 
   bool saturatesDestination_ = true;  ///< GL_SRC_ALPHA_SATURATE works for the destination.
 
-  // What OpenGL is set to.
+  // The current state of OpenGL.
   GLuint bound_[2] = {0, 0};
   int unit_ = 0;
   GLuint framebuffer_ = 0;
   const GlTarget* viewportOf_ = nullptr;
   std::array<GLenum, 4> factorsSet_ = {GL_ONE, GL_ZERO, GL_ONE, GL_ZERO};
-  uint32_t blendColorSet_ = 0;  ///< As the target has it.
+  uint32_t blendColorSet_ = 0;  ///< In the target's channel order.
   bool blendUsed_ = false;
   bool alphaWritten_ = true;
 };

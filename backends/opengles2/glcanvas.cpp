@@ -16,8 +16,8 @@ namespace ZIRK::backends {
 
 namespace {
 
-// A texel larger than this many pixels shows how imprecise positions are; shaders that limit what
-// is read are used then.
+// Below this step in texels per pixel, imprecise positions become visible, so shaders that limit
+// reading are used.
 constexpr double kSmallestStep = 1.0 / 64;
 
 TexelFilter FilterOf(VuScaleMode mode) {
@@ -30,7 +30,7 @@ GlPoint ToGl(Point p) {
 
 constexpr GlPoint kNoTexel = {-1, -1};
 
-/// A position in the texture, in the one that holds its pixels.
+/// Converts a position in a texture to one in the texture that stores its pixels.
 GlPoint InStorage(const GlTexture& texture, Point p) {
   const GlPoint origin = texture.Origin();
   return ToGl({p.x + static_cast<double>(origin.x), p.y + static_cast<double>(origin.y)});
@@ -42,7 +42,8 @@ struct Reading {
   float bias;
 };
 
-/// For `rect` of `src` that fills `box`; nothing if it takes a program that limits what is read.
+/// The reading for `rect` of `src` that fills `box`; nothing if only a program that limits reading
+/// will do.
 std::optional<Reading> ReadingFor(const Box& box, const Source<GlTexture>& src,
                                   const VuRect& rect) {
   if (box.Width() == rect.width && box.Height() == rect.height)
@@ -56,7 +57,7 @@ std::optional<Reading> ReadingFor(const Box& box, const Source<GlTexture>& src,
   return Reading{filter, nearest ? static_cast<float>(kTexelBias) : 0};
 }
 
-/// For the `visible` part of `box`, which `rect` of a texture fills.
+/// The texels for the `visible` part of `box`, which `rect` of a texture fills.
 Texels CutTexels(const VuRect& rect, float bias, const Box& box, const Box& visible) {
   const float s = static_cast<float>(rect.x) + bias, t = static_cast<float>(rect.y) + bias;
   if (visible == box)
@@ -69,14 +70,14 @@ Texels CutTexels(const VuRect& rect, float bias, const Box& box, const Box& visi
           t + static_cast<float>((visible.y1 - box.y0) * stepY)};
 }
 
-/// Whether OpenGL's own copying, which needs no shader, is worth the interruption.
+/// Whether OpenGL's copy operation, which needs no shader, pays for the flush that it causes.
 bool IsLarge(const Box& box) {
   return box.Width() >= 128 && box.Height() >= 128;
 }
 
 }  // namespace
 
-/// The vertices around it, and the parallelogram that it is a part of.
+/// The outline of a shape, and the parallelogram that it is a part of.
 struct GlCanvas::Shape {
   Polygon outline;
   Affine toSurface;
@@ -102,7 +103,7 @@ const GlTarget* GlCanvas::Target() {
 
 /// Whether there is anything to draw on.
 bool GlCanvas::Refresh() {
-  // What it is drawn from may have moved it to a page.
+  // The texture moves to a page when it is drawn from.
   if (revision_.CatchUp() || (texture_ && texture_->IsInPage())) {
     blend_ = GlBlend(state_);
     target_ = Target();
@@ -225,7 +226,7 @@ std::optional<GlCanvas::PlacedMask> GlCanvas::PlaceOver(const MappedQuad& primit
   return place ? std::optional(PlacedMask{texture, FilterOf(mode), *place}) : std::nullopt;
 }
 
-/// One position for all of a shape.
+/// Maps the whole shape to one position in the mask.
 GlCanvas::PlacedMask GlCanvas::PlaceAt(Point at, const Source& mask) {
   return {mask.pixels, FilterOf(mask.scaleMode), {{at, {0, 0}, {0, 0}}, {}, {0, 0}}};
 }
@@ -256,10 +257,10 @@ DrawKey GlCanvas::KeyFor(const Shape& shape, const Filling& filling, const Place
   return key;
 }
 
-/// What all vertices of a shape have in common.
+/// The vertex data that all vertices of a shape share.
 MaskedVertex GlCanvas::VertexOf(const Shape& shape, const Filling& filling, uint32_t color,
                                 const PlacedMask* mask) {
-  // A hard edge lies where the outline ends; the shape goes on beyond.
+  // The outline itself makes a hard edge, so the sides of the shape are moved outside it.
   Affine sides = shape.toSurface;
   if (shape.hardEdged) {
     const Box b = shape.outline.Bounds();
@@ -320,7 +321,7 @@ void GlCanvas::PaintShape(const Shape& shape, const Filling& filling, uint32_t c
   }
 }
 
-/// Whether a hard-edged filling might read what it must not.
+/// Whether a hard-edged filling might read texels outside its limits.
 bool GlCanvas::NeedsLimits(const Filling& filling) {
   if (!filling.texture) return false;
   if (filling.filter == TexelFilter::Linear) return !(filling.limits == filling.texture->Bounds());
@@ -332,7 +333,7 @@ bool GlCanvas::NeedsLimits(const Filling& filling) {
 bool GlCanvas::Clear(VuColor color) {
   const GlTarget* const target = Target();
   if (!target) return false;
-  // As the format holds it: OpenGL would round what is to be cut.
+  // Reduced to the bits of the format: OpenGL would round, but the other operations truncate.
   const uint32_t premultiplied = WithPixelTraits(state_.format, [&](auto traits) {
     using Traits = decltype(traits);
     const uint32_t held = Traits::Unpack(Traits::Pack(Premultiply(color)));
@@ -364,7 +365,7 @@ bool GlCanvas::CopyFrom(GlTexture& src, int srcX, int srcY, const Box& box) {
   static constexpr GlBlend kReplace{};
   const GlTarget* const target = Target();
   if (!target) return false;
-  // As an atlas is that grows.
+  // A growing atlas is copied as a whole.
   const bool isWhole = box == src.Bounds() && !src.IsInPage();
   if (texture_ && texture_->Format() == src.Format() && (isWhole || IsLarge(box))) {
     const GlTarget* const from = src.Target();
@@ -397,7 +398,7 @@ std::unique_ptr<GlTexture> GlCanvas::Snapshot(const Box& box) {
     copy->CopyFromFramebuffer(box, 0, 0);
     return copy;
   }
-  // A window has its rows in another order, and may have its channels.
+  // A window has another order of rows, and perhaps of channels.
   const int pitch = box.Width() * BytesPerPixel(state_.format);
   const auto pixels =
       AllocateToDraw<uint8_t>(static_cast<size_t>(pitch) * static_cast<size_t>(box.Height()));

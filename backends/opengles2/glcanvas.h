@@ -23,13 +23,13 @@ namespace ZIRK::backends {
 class GlWindow;
 
 /// The target of a surface's drawing, and the drawing operations. Sources and masks are never the
-/// target: the caller makes a snapshot where they would be.
+/// target itself: the caller makes a snapshot of it for them.
 class GlCanvas {
  public:
   using Source = backends::Source<GlTexture>;
   using Mask = backends::Mask<GlTexture>;
 
-  /// `state` lives as long as the canvas; operations go by what it is at the time.
+  /// `state` must outlive the canvas. Each operation uses its current values.
   GlCanvas(std::shared_ptr<GlDevice> device, const SurfaceState& state)
       : device_(std::move(device)), state_(state), revision_(state) {}
 
@@ -38,13 +38,13 @@ class GlCanvas {
   const SurfaceState& State() const { return state_; }
   Box Bounds() const { return {0, 0, state_.width, state_.height}; }
 
-  /// Where drawing goes from now on: a texture of the canvas's own, or a window, which has to live
-  /// as long. To be called again after the window's picture was presented.
+  /// Sets the target of drawing: a texture that the canvas owns, or a window, which must outlive
+  /// it. Call it again after the window has presented its picture.
   void DrawOn(std::unique_ptr<GlTexture> texture);
   void DrawOn(GlWindow* window);
-  /// Null where that is a window.
+  /// Null if the target is a window.
   GlTexture* Texture() const { return texture_.get(); }
-  /// Null where that is a texture.
+  /// Null if the target is a texture.
   GlWindow* Window() const { return window_; }
 
   void DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m, const Mask* mask);
@@ -53,28 +53,29 @@ class GlCanvas {
   void DrawObject(const RectD& dst, const Source& src, const RectD& srcRect, Edges edges,
                   const MatrixF& m, VuColor color, const Mask* mask);
 
-  /// Fast paths for the usual cases; return false, with nothing drawn, in any other. Rectangles are
-  /// passed by value so that they stay in registers.
+  /// Fast paths for the usual cases; they draw nothing and return false in all others. Rectangles
+  /// are passed by value so that they stay in registers.
   bool FillBox(VuRect rect, VuColor color);
   bool BlitBox(VuRect dst, Source src, VuRect srcRect, const MatrixF& m, VuColor color);
 
   bool Clear(VuColor color);
-  /// These take boxes inside the surface; rows of `dst` are tight. False after an error line.
+  /// Read and write boxes inside the surface. Rows of `dst` have no padding. Return false after an
+  /// error line.
   bool Read(const Box& box, void* dst);
   bool Write(const Box& box, const void* src, unsigned pitch);
-  /// Copies the pixels of `src` from (srcX, srcY) on to `box`.
+  /// Copies pixels of `src`, from (srcX, srcY) on, into `box`.
   bool CopyFrom(GlTexture& src, int srcX, int srcY, const Box& box);
 
   /// A texture with the pixels of `box`; null after an error line.
   std::unique_ptr<GlTexture> Snapshot(const Box& box);
 
  private:
-  /// What fills a shape: the texture and where each position of the surface lies in it.
+  /// The texture that fills a shape, and the mapping from the surface to it.
   struct Filling {
     GlTexture* texture = nullptr;
     TexelFilter filter = TexelFilter::Exact;
     Affine toTexture{};
-    Box limits{};  ///< What may be read.
+    Box limits{};  ///< The texels that may be read.
   };
   struct PlacedMask {
     GlTexture* texture;
@@ -92,7 +93,7 @@ class GlCanvas {
 
   const GlTarget* Target();
   bool Refresh();
-  /// As the target has it. After Refresh().
+  /// Premultiplied, in the target's channel order. Call it after Refresh().
   uint32_t Shade(VuColor color) const;
   Box Visible(const Box& box) const { return Intersection(box, clip_); }
 
@@ -110,7 +111,7 @@ class GlCanvas {
   const GlTarget* target_ = nullptr;  ///< As of the last Refresh().
   GlBlend blend_;
   Box clip_;
-  SeenRevision revision_;  ///< What blending and clip are up to.
+  SeenRevision revision_;  ///< The revision of the state that `blend_` and `clip_` have.
 };
 
 }  // namespace ZIRK::backends

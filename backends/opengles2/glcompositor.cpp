@@ -15,12 +15,12 @@ namespace {
 std::mutex mutex;
 GlCompositor* active = nullptr;
 
-/// An empty rectangle stands for everything; a half empty one is a mistake.
+/// Whether a rectangle is valid: it may be all zeros, which means everything, but not half empty.
 bool IsSane(const VuRect& r) {
   return (r.width > 0 && r.height > 0) || (r.width == 0 && r.height == 0);
 }
 
-/// What is wrong with a configuration; null if nothing is.
+/// Describes what is wrong with a configuration; null if nothing is.
 const char* FaultOf(const LayerDescription* layers, int count) {
   if (count < 0 || (count > 0 && !layers)) return "there are no such layers";
   std::array<bool, GlCompositor::kLayers> seen{};
@@ -149,7 +149,7 @@ void GlLayers::Swap(GlScreen& screen, const GlCompositor::Stack& stack, bool vsy
   display_->Present(vsync);
 }
 
-/// Whether a layer of `stack` is drawn on and not swapped yet.
+/// Whether a layer of `stack` has drawing that was not swapped yet.
 bool GlLayers::IsUnfinished(const GlCompositor::Stack& stack) {
   return std::any_of(stack.layers.begin(), stack.layers.end(), [this](const auto& description) {
     const Layer* const layer = Find(description.layer);
@@ -162,7 +162,7 @@ bool GlLayers::IsUnfinished(const GlCompositor::Stack& stack) {
 /// Opens the display if there is none, or if the screens ask for another size.
 bool GlLayers::OpenDisplay() {
   Layer* const first = Find(0);
-  // Gives its window to the layers as their display.
+  // This makes the screen's window the display.
   if (first && !first->screen->EnterLayers()) return false;
   VuRect size{};
   for (const Layer& layer : screens_) {

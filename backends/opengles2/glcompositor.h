@@ -11,8 +11,8 @@
 
 namespace ZIRK::backends {
 
-/// The configuration of the layers. It holds nothing of OpenGL, so that any thread may change or
-/// delete it; screens read it once a frame.
+/// The configuration of the layers. It uses no OpenGL, so any thread may change or delete it.
+/// Screens read it once per frame.
 class GlCompositor final : public VuCompositorImpl {
  public:
   static constexpr int kLayers = 16;
@@ -21,7 +21,7 @@ class GlCompositor final : public VuCompositorImpl {
   ~GlCompositor() override;
 
   void SetConfiguration(const LayerDescription* layers, int count) override;
-  /// `layers` has room for kLayers, or is null.
+  /// `layers` has room for kLayers elements, or is null.
   void GetConfiguration(LayerDescription* layers, int& count) override;
   void EnableLayer(signed char layer, bool enable) override;
   int GetVirtualLayerCount() override { return kLayers; }
@@ -49,18 +49,19 @@ class GlLayers {
   void Add(GlScreen& screen);
   void Remove(const GlScreen& screen);
 
-  /// Takes the window of screen 0 as the display; null closes the display.
+  /// Makes the window of screen 0 the display; null closes the display.
   void SetDisplay(std::unique_ptr<GlWindow> window);
-  /// Gives the display back to screen 0 as its window.
+  /// Returns the display to screen 0 as its window.
   std::unique_ptr<GlWindow> TakeDisplay();
   /// Ends composing: closes the display unless screen 0 exists, which then takes it.
   void StopComposing();
 
-  /// Takes a new frame of `screen`. It is shown at once, unless another layer is drawn on and not
-  /// swapped yet; then it is shown with that layer's swap, or with the screen's own next one.
+  /// Takes a new frame of `screen`. It is shown at once, unless another layer has drawing that was
+  /// not swapped yet. In that case it is shown with the swap of that layer, or with the screen's
+  /// next one.
   void Swap(GlScreen& screen, const GlCompositor::Stack& stack, bool vsync);
 
-  /// How many frames were composed.
+  /// The number of frames that were composed.
   unsigned Frames() const { return frames_; }
   /// The picture on the display; null before the first frame.
   GlCanvas* Composed() { return display_ ? &canvas_ : nullptr; }
@@ -68,8 +69,8 @@ class GlLayers {
  private:
   struct Layer {
     GlScreen* screen;
-    unsigned shown;  ///< GlScreen::Frame() when it was last composed.
-    bool swapped;    ///< It was swapped since then.
+    unsigned shown;  ///< GlScreen::Frame() at the last composition.
+    bool swapped;    ///< Whether it was swapped since then.
   };
 
   bool IsUnfinished(const GlCompositor::Stack& stack);

@@ -19,15 +19,15 @@ std::recursive_mutex deviceMutex;
 GlDevice* device = nullptr;
 bool exiting = false;
 
-// Where Fail() puts its text; null for the log.
+// The string that Fail() writes to; null for the log.
 thread_local std::string* refusal = nullptr;
 
-/// What Mesa and others call OpenGL that is drawn by the processor.
+/// The names of renderers of Mesa and others that draw by the processor.
 constexpr const char* kSoftwareRenderers[] = {"llvmpipe", "softpipe", "swrast",
                                               "Software Rasterizer", "SwiftShader"};
 
-/// What EGL says of itself; empty where the current context is not one of its own. SDL does not
-/// tell: GLX gives it addresses for functions that are not there.
+/// Version and vendor of EGL; empty if the current context is not EGL's. SDL cannot find this out:
+/// GLX returns addresses even for functions that do not exist.
 std::string DescribeEgl() {
   constexpr int32_t kVendor = 0x3053, kVersion = 0x3054;
   void* const library = dlopen("libEGL.so.1", RTLD_LAZY | RTLD_NOLOAD);
@@ -43,12 +43,12 @@ std::string DescribeEgl() {
   return text;
 }
 
-/// With what separates it from the size before it; empty where it is not known.
+/// The refresh rate, with the separator before it; empty if it is unknown.
 std::string DescribeRefresh(const SDL_DisplayMode& mode) {
   return mode.refresh_rate > 0 ? ", " + std::to_string(mode.refresh_rate) + " Hz" : "";
 }
 
-/// Sets a hint of SDL's, and restores it.
+/// Sets a hint of SDL, and restores it.
 class TemporaryHint {
  public:
   TemporaryHint(const char* name, const char* value) : name_(name) {
@@ -146,13 +146,13 @@ bool GlDevice::StartDriver(std::string& why) {
   return videoStarted_;
 }
 
-/// Tries SDL's drivers in SDL's order. SDL itself would try Wayland where there is none, which its
-/// library reports on the console, and not every version would try the off-screen driver.
+/// Tries SDL's drivers in SDL's order. SDL itself would try Wayland even without a compositor,
+/// which its library reports on the console, and not every version would try the off-screen driver.
 bool GlDevice::StartFirstDriver(std::string& why) {
   const bool mayHaveWayland = std::getenv("WAYLAND_DISPLAY") || std::getenv("XDG_RUNTIME_DIR");
   for (int i = 0; i < Sdl().GetNumVideoDrivers(); ++i) {
     const std::string_view name = Sdl().GetVideoDriver(i);
-    // Nothing is seen or drawn by the last two.
+    // The last two neither show nor draw anything.
     if ((name == "wayland" && !mayHaveWayland) || name == "dummy" || name == "evdev") continue;
     const TemporaryHint driver(SDL_HINT_VIDEODRIVER, name.data());
     if (StartDriver(why)) return true;
@@ -202,7 +202,7 @@ SDL_GLContext GlDevice::CreateContext() {
 bool GlDevice::StartContext() {
   if (!SetAttributes()) return false;
   SdlCalls& sdl = Sdl();
-  // In addition to the references that windows hold while they are open.
+  // Adds a reference to those that open windows hold.
   if (sdl.LoadLibrary(nullptr) != 0) return Fail("no library", Sdl().GetError());
   libraryLoaded_ = true;
   if (!OpenHiddenWindow()) return Fail("no window", Sdl().GetError());
@@ -214,7 +214,7 @@ bool GlDevice::StartContext() {
   loaded_ = true;
   GLint range[2] = {0, 0}, precision = 0;
   gl_.GetShaderPrecisionFormat(GL_FRAGMENT_SHADER, GL_HIGH_FLOAT, range, &precision);
-  // Positions in a texture of 2048 pixels do not survive fewer bits.
+  // Fewer bits are not enough for positions in a texture of 2048 pixels.
   if (precision < 16) return Fail("no use", "the fragment stage has no highp");
   gl_.LoadExtensions(sdl.GetProcAddress);
   gl_.GetIntegerv(GL_MAX_TEXTURE_SIZE, &maxTextureSize_);
@@ -228,7 +228,7 @@ bool GlDevice::StartContext() {
 }
 
 SDL_Window* GlDevice::CreateWindow(int width, int height, int display, bool hidden) {
-  // The desktop keeps its effects.
+  // Keeps the effects of the desktop.
   const TemporaryHint compositor(SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR, "0");
   const Uint32 flags = SDL_WINDOW_OPENGL | SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI |
                        (hidden ? SDL_WINDOW_HIDDEN : SDL_WINDOW_SHOWN);
@@ -238,7 +238,7 @@ SDL_Window* GlDevice::CreateWindow(int width, int height, int display, bool hidd
 }
 
 bool GlDevice::OpenHiddenWindow() {
-  // Wayland's scales are multiples of 1/120: with this size the density is found exactly.
+  // Wayland's scales are multiples of 1/120, so this size gives the exact density.
   constexpr int kSize = 120;
   hiddenWindow_ = CreateWindow(kSize, kSize, 0, true);
   return hiddenWindow_ != nullptr;
@@ -252,11 +252,11 @@ double GlDevice::PixelsPerPoint(SDL_Window* window) {
   return points > 0 && pixels > points ? double(pixels) / points : 1;
 }
 
-/// Makes the window so small that its framebuffer has the size that it has in points now.
+/// Shrinks the window until its framebuffer has `width` x `height` pixels.
 void GlDevice::FitToPixels(SDL_Window* window, int width, int height) {
   const double density = PixelsPerPoint(window);
   if (density == 1) return;
-  // Sizes are whole numbers, so the density may be a little off.
+  // The density is computed from whole numbers, so it may be slightly wrong.
   const auto toPoints = [=](int size) {
     return static_cast<int>(std::ceil(size / density - 0.25));
   };
@@ -280,7 +280,7 @@ std::string GlDevice::Description() const {
 }
 
 std::optional<ImageSize> GlDevice::DisplaySize(int index) const {
-  // SDL's off-screen driver makes up a display.
+  // SDL's off-screen driver reports a display that does not exist.
   if (IsLost() || WindowsReach() == Reach::Nothing) return std::nullopt;
   SDL_DisplayMode mode = {};
   if (Sdl().GetDesktopDisplayMode(index, &mode) != 0 || mode.w <= 0 || mode.h <= 0)
@@ -329,8 +329,8 @@ SDL_Window* GlDevice::OpenWindow(int width, int height, int display) {
   return nullptr;
 }
 
-/// Detaches the context first: some drivers detach it with any window, and SDL still calls it
-/// current.
+/// Detaches the context first: some drivers detach it when any window is deleted, and SDL still
+/// reports it as current.
 void GlDevice::Destroy(SDL_Window* window) {
   DetachContext();
   current_ = nullptr;
@@ -339,7 +339,7 @@ void GlDevice::Destroy(SDL_Window* window) {
 
 void GlDevice::CloseWindow(SDL_Window* window) {
   const auto at = std::find(windows_.begin(), windows_.end(), window);
-  // A device that has ended has no windows.
+  // A device that was shut down has no windows.
   if (at == windows_.end()) return;
   const OthersContext others(context_);
   windows_.erase(at);
@@ -370,8 +370,8 @@ bool GlDevice::MakeCurrent(SDL_Window* window) {
   return true;
 }
 
-/// With some drivers each window has an interval; with others all windows share one, which the
-/// application may have set for its own.
+/// With some drivers each window has its own interval. With others all windows share one, which the
+/// application may have set for its own windows.
 void GlDevice::SetSwapInterval(int interval) {
   if (interval_.window == current_ && interval_.asked == interval &&
       Sdl().GetSwapInterval() == interval_.got)
@@ -411,7 +411,8 @@ bool GlDevice::Check(const char* where) {
 
 void GlDevice::Lose(const char* why) {
   Fail("the context is lost", why);
-  // Its objects end with it; there may be no window left to delete them one by one.
+  // OpenGL's objects are deleted with the context. There may be no window to delete them one by
+  // one.
   loaded_ = false;
   Shutdown();
 }

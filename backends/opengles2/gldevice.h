@@ -15,8 +15,8 @@ namespace ZIRK::backends {
 class GlLayers;
 class GlPage;
 
-/// While it exists, the reason why a device or a window does not open goes into its text instead
-/// of the log, on this thread.
+/// While it exists, errors of this thread when a device or a window is opened are stored in its
+/// text instead of being logged.
 class GlRefusal {
  public:
   explicit GlRefusal(std::string& reason);
@@ -25,11 +25,12 @@ class GlRefusal {
   GlRefusal& operator=(const GlRefusal&) = delete;
 };
 
-/// OpenGL as all of this plug-in shares it: one OpenGL context, and the windows that it draws to.
+/// The OpenGL context that the whole plug-in shares, and the windows that it draws to.
 ///
-/// It lives as long as any graphics context or surface holds it. So surfaces may outlive the
-/// graphics context that made them, and may be drawn on those of another. Once the OpenGL context
-/// is lost or the process exits, no operation has an effect; surfaces can only be deleted.
+/// It lives as long as a graphics context or a surface holds it. Surfaces may therefore outlive the
+/// graphics context that made them, and may be drawn onto those of another one. After the OpenGL
+/// context is lost, or while the process exits, no operation has an effect; surfaces can only be
+/// deleted.
 class GlDevice : public std::enable_shared_from_this<GlDevice> {
  public:
   /// The existing device, or a new one. Null, after one error line, if it does not start.
@@ -39,30 +40,30 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
   GlDevice& operator=(const GlDevice&) = delete;
 
   const GlFunctions& Gl() const { return gl_; }
-  /// The quadrilaterals that are not drawn yet.
+  /// The drawing that was not sent yet.
   GlBatch& Batch() { return batch_; }
   int MaxTextureSize() const { return maxTextureSize_; }
   /// Whether textures can have one channel.
   bool HasOneChannel() const { return hasOneChannel_; }
-  /// Owned by the screens, and kept here so that they find each other.
+  /// The layers, owned by the screens; the link here lets them find each other.
   std::weak_ptr<GlLayers>& Layers() { return layers_; }
-  /// Owned by the textures in them. Some may be gone.
+  /// The pages, owned by the textures on them. Some links may have expired.
   std::vector<std::weak_ptr<GlPage>>& Pages() { return pages_; }
   const std::vector<std::weak_ptr<GlPage>>& Pages() const { return pages_; }
   bool IsLost() const { return !context_; }
-  /// Whether SDL knows of no other user in the process.
+  /// Whether nothing else in the process uses SDL.
   bool HasSdlAlone() const;
 
-  /// What the windows of SDL's driver are seen on.
+  /// Where the windows of SDL's driver appear.
   enum class Reach {
-    Nothing,      ///< They are off-screen.
-    Display,      ///< A display that the process has for itself.
-    WindowSystem  ///< A desktop, which owns the displays.
+    Nothing,      ///< Off-screen.
+    Display,      ///< On a display that the process uses exclusively.
+    WindowSystem  ///< On a desktop, which owns the displays.
   };
   Reach WindowsReach() const;
   /// Whether the environment or the application chose SDL's driver.
   bool IsDriverChosen() const { return driverWasChosen_; }
-  /// Whether a GPU draws; else the processor does.
+  /// Whether OpenGL draws by a GPU rather than by the processor.
   bool HasGpu() const;
   /// For messages: the version of OpenGL, SDL's driver, EGL, and the name of the renderer.
   std::string Description() const;
@@ -70,8 +71,8 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
   /// The size of display `index` in pixels; nullopt if there is no such display.
   std::optional<ImageSize> DisplaySize(int index) const;
 
-  /// Opens a window with a framebuffer of that size, or the nearest that the display allows. Null
-  /// after one error line.
+  /// Opens a window whose framebuffer has that size, if the display allows it. Null after one error
+  /// line.
   SDL_Window* OpenWindow(int width, int height, int display);
   void CloseWindow(SDL_Window* window);
 
@@ -79,10 +80,10 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
   /// context is lost; an error line says so once.
   bool MakeCurrent(SDL_Window* window = nullptr);
 
-  /// Sets how many of the display's frames one frame of the current window lasts.
+  /// Sets the number of display frames per frame of the current window.
   void SetSwapInterval(int interval);
 
-  /// Sends what has been drawn and detaches the context, so that another thread may use it.
+  /// Sends all drawing and detaches the context, so that another thread may use it.
   void FlushAndDetach();
   /// Detaches the context from this thread, so that another one may use it.
   void DetachContext();
@@ -116,7 +117,7 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
   GlFunctions gl_;
   GlBatch batch_;
   SDL_GLContext context_ = nullptr;
-  /// What the context is current with while there is no other window; never shown.
+  /// The window that the context is current with while there is no other. It is never shown.
   SDL_Window* hiddenWindow_ = nullptr;
   SDL_Window* current_ = nullptr;  ///< The window that the context is current with.
   std::vector<SDL_Window*> windows_;
@@ -126,12 +127,12 @@ class GlDevice : public std::enable_shared_from_this<GlDevice> {
   bool driverWasChosen_ = false;
   bool videoStarted_ = false;
   bool libraryLoaded_ = false;
-  bool loaded_ = false;  ///< The functions can be called.
+  bool loaded_ = false;  ///< Whether the functions can be called.
   int maxTextureSize_ = 0;
   bool hasOneChannel_ = false;
   std::string renderer_, version_;
-  std::string egl_;  ///< Its version and vendor; empty where the context is not one of EGL's.
-  /// The window whose interval was set last, the interval asked for, and what SDL then reported.
+  std::string egl_;  ///< Version and vendor of EGL; empty if the context is not EGL's.
+  /// The window whose interval was set last, the requested interval, and what SDL then reported.
   struct {
     SDL_Window* window = nullptr;
     int asked = 0;
@@ -157,8 +158,8 @@ class OthersContext {
   SDL_Window* window_ = nullptr;
 };
 
-/// Makes the device's context current while it exists; every call of OpenGL needs one. Afterwards
-/// the application's own context, if it had one in this thread, is current again.
+/// Makes the device's context current while it exists; every call to OpenGL needs one. Its end
+/// makes the application's own context current again, if this thread had one.
 class GlScope {
  public:
   explicit GlScope(GlDevice& owner, SDL_Window* window = nullptr);

@@ -70,7 +70,7 @@ struct GlFunctions {
   ZIRK_GL_FUNCTIONS(ZIRK_GL_MEMBER)
 #undef ZIRK_GL_MEMBER
 
-  // Null where the driver lacks the extension.
+  // Null if the driver lacks the extension.
   PFNGLOBJECTLABELKHRPROC ObjectLabel = nullptr;
   PFNGLGETGRAPHICSRESETSTATUSEXTPROC GetGraphicsResetStatus = nullptr;
 
@@ -87,12 +87,12 @@ struct GlFunctions {
   bool Has(const char* extension) const;
 };
 
-/// The address of one of SDL's functions; null where SDL or the function is not there.
+/// The address of a function of SDL; null if SDL or the function is missing.
 void* FindInSdl(const char* function);
 
-/// The functions of SDL that this plug-in calls. SDL is opened at run time, so that the plug-in
-/// loads, and says what it lacks, where SDL is not installed. All calls go through one table, so
-/// that tests can make each fail.
+/// The functions of SDL that this plug-in calls. SDL is opened at run time, so that without it the
+/// plug-in still loads and can log what is missing. All calls go through one table, so that tests
+/// can make each of them fail.
 struct SdlCalls {
 #define ZIRK_SDL_FUNCTIONS(X)                         \
   X(InitSubSystem, SDL_InitSubSystem)                 \
@@ -132,7 +132,7 @@ struct SdlCalls {
   ZIRK_SDL_FUNCTIONS(ZIRK_SDL_MEMBER)
 #undef ZIRK_SDL_MEMBER
 
-  /// The first thing that is missing here, the library or a function; null if all is there.
+  /// The name of what is missing, the library or the first function; null if nothing is.
   const char* Missing() const;
 };
 

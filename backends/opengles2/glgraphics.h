@@ -18,7 +18,7 @@ class GlGraphics final : public GraphicsBase {
   static std::unique_ptr<GlGraphics> Start();
   explicit GlGraphics(std::shared_ptr<GlDevice> device);
 
-  /// Sends what is drawn; afterwards another thread may use OpenGL.
+  /// Sends all drawing. Afterwards another thread may use OpenGL.
   void Flush() override;
   int GetGraphicsType() const override { return kType; }
   int GetMaxTextureSize() const override { return device_->MaxTextureSize(); }

@@ -50,7 +50,7 @@ std::shared_ptr<GlPage> GlPage::Place(const std::shared_ptr<GlDevice>& device, G
   }
 }
 
-/// Makes the page larger if need be.
+/// Enlarges the page if necessary.
 bool GlPage::FindPlace(int width, int height, Box& place) {
   const int most = std::min(kLargestSide, texture_->Device().MaxTextureSize());
   for (;;) {
@@ -65,7 +65,8 @@ bool GlPage::FindPlace(int width, int height, Box& place) {
   }
 }
 
-/// Row by row and column by column: the first pixels, all of them and the last.
+/// Copies the texture and its border, in nine parts: first, all and last columns of first, all and
+/// last rows.
 bool GlPage::Copy(const GlTarget& from, const Box& place) {
   GlDevice& device = texture_->Device();
   const GlScope scope(device);

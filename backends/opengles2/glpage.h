@@ -9,11 +9,11 @@
 
 namespace ZIRK::backends {
 
-/// A texture that small ones of one format share, so that what is drawn from them fits one draw
-/// call. It grows as they come, up to a limit, and is deleted with the last of them.
+/// A texture that small textures of one format share, so that one draw call can read all of them.
+/// It grows with their number, up to a limit, and is deleted with the last of them.
 ///
-/// Each has a border of its own outermost pixels, which interpolation reads in place of its
-/// neighbours.
+/// Each has a border that repeats its outermost pixels. Interpolation reads the border instead of
+/// the adjacent textures.
 class GlPage {
  public:
   static constexpr int kBorder = 1;
@@ -25,10 +25,11 @@ class GlPage {
   /// Whether `device` has a page of that format.
   static bool Exists(const GlDevice& device, VuPixelFormat format);
 
-  /// Copies `texture` to a page of the device, and says where, border and all. Null if that fails.
+  /// Copies `texture` to a page of the device, and stores its box, border included, in `place`.
+  /// Null if that fails.
   static std::shared_ptr<GlPage> Place(const std::shared_ptr<GlDevice>& device, GlTexture& texture,
                                        Box& place);
-  /// Makes the place free for others, after drawing what reads it.
+  /// Frees a box, after sending the draw calls that read it.
   void Free(const Box& place);
 
   explicit GlPage(std::unique_ptr<GlTexture> texture);

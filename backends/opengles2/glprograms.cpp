@@ -64,7 +64,7 @@ uniform sampler2D source;
 uniform mat4 order;        // the texture's channels to the target's
 
 #ifdef SHAPED
-// On the target: gl_FragCoord may have 16 bits only, whatever the precision is here.
+// The position on the target. gl_FragCoord may have only 16 bits, whatever the precision here.
 varying vec2 place;
 varying vec4 limit, corners, sideUnit;
 #endif
@@ -75,8 +75,9 @@ uniform vec4 maskChannel;  // the one that is alpha
 #endif
 
 #ifdef SHAPED
-// The integral over the height of the unit square of how far the side from a to b lies to the
-// right in it. Round a shape these add up to the area that it shares with the square.
+// Integrates the distance from the left edge of the unit square to the side from a to b over the
+// height of the square. The sum over all sides of a shape is the area that it shares with the
+// square.
 float reach(vec2 a, vec2 b) {
   float top = clamp(a.y, 0.0, 1.0), bottom = clamp(b.y, 0.0, 1.0);
   if (top == bottom) return 0.0;
@@ -89,7 +90,7 @@ float reach(vec2 a, vec2 b) {
   return sum / width * (bottom - top);
 }
 
-// Which part of the pixel around `centre` the shape covers.
+// The part of the pixel around `centre` that the shape covers.
 float covered(vec2 centre) {
   vec2 side = corners.zw, other = sideUnit.xy, from = centre - corners.xy;
   float area = side.x * other.y - side.y * other.x;
@@ -176,7 +177,7 @@ GLuint Compile(const GlFunctions& gl, GLenum stage, GlProgram which, const char*
   return 0;
 }
 
-/// The channel of the texture that each channel of the target is read from.
+/// For each channel of the target, the channel of the texture that it is read from.
 struct Order {
   int from[4] = {0, 1, 2, 3};
 
@@ -221,7 +222,7 @@ bool GlPrograms::Build(const GlFunctions& gl, GlProgram which) {
   for (int i = 0; i < AttributeCount(which); ++i)
     gl.BindAttribLocation(p.name, static_cast<GLuint>(i), kAttributes[i].name);
   gl.LinkProgram(p.name);
-  // OpenGL keeps the shaders as long as the program.
+  // OpenGL keeps the shaders until the program is deleted.
   gl.DeleteShader(vertex);
   gl.DeleteShader(fragment);
   GLint linked = GL_FALSE;
@@ -265,7 +266,7 @@ void GlPrograms::Use(const GlFunctions& gl, GlProgram program, const GlTarget& t
                                        t ? 1 / static_cast<float>(t->Height()) : 1};
     if (uniform.Changes(size)) gl.Uniform2fv(uniform.location, 1, size.data());
   };
-  // Without a texture any size is right, but one must be set.
+  // Without a texture any size will do, but one must be set.
   if (texture || !p.texelSize.value) setTexelSize(p.texelSize, texture);
   if (mask) {
     setTexelSize(p.maskTexelSize, mask);
@@ -273,7 +274,7 @@ void GlPrograms::Use(const GlFunctions& gl, GlProgram program, const GlTarget& t
     channel[static_cast<size_t>(Order::AlphaOf(*mask))] = 1;
     if (p.maskChannel.Changes(channel)) gl.Uniform4fv(p.maskChannel.location, 1, channel.data());
   }
-  // Column by column.
+  // In column-major order.
   std::array<float, 16> matrix{};
   for (int i = 0; i < 4; ++i) matrix[static_cast<size_t>(order.from[i] * 4 + i)] = 1;
   if (texture && p.order.Changes(matrix))

@@ -9,19 +9,19 @@
 
 namespace ZIRK::backends {
 
-/// How a quadrilateral is drawn, and what its vertices are.
+/// The kind of shader program that draws a quadrilateral, and its type of vertex.
 enum class GlProgram {
-  Plain,   ///< Hard edges. A PlainVertex.
-  Shaped,  ///< Edges are anti-aliased, reading is limited. A ShapedVertex.
-  Masked,  ///< That through a mask. A MaskedVertex.
-  /// Chosen by GlPrograms::Use() in place of Plain: for colours alone, and for a texture alone
+  Plain,   ///< Hard edges. Uses PlainVertex.
+  Shaped,  ///< Anti-aliased edges and limited reading. Uses ShapedVertex.
+  Masked,  ///< The same through a mask. Uses MaskedVertex.
+  /// GlPrograms::Use() chooses these instead of Plain: for colours alone, and for a texture alone
   /// whose channels are in the target's order.
   PlainColor,
   PlainTexture,
 };
 constexpr int kProgramCount = 5;
 
-/// Short, as nearly all that is drawn passes through memory in this form.
+/// A small vertex, since nearly everything that is drawn passes through memory in this form.
 struct PlainVertex {
   uint16_t x, y;   ///< Whole pixels.
   uint32_t color;  ///< Premultiplied, as GlTarget::Channels() gives it.
@@ -31,17 +31,17 @@ struct PlainVertex {
 struct ShapedVertex {
   GlPoint position;             ///< Pixels.
   uint32_t color;               ///< As in a PlainVertex.
-  GlPoint texel;                ///< -1 for no texture, as the next two.
-  GlPoint first, last;          ///< Texels that may be read, their centres.
-  GlPoint corner, right, down;  ///< Of the shape, the latter from one corner to its neighbours.
-  GlPoint unit;                 ///< In the unit square that a mask lies over.
+  GlPoint texel;                ///< -1 for no texture, like the next two.
+  GlPoint first, last;          ///< Centres of the first and the last texel that may be read.
+  GlPoint corner, right, down;  ///< A corner of the shape, and the vectors to its neighbours.
+  GlPoint unit;                 ///< In the unit square, to which the mask is mapped.
 };
 
 struct MaskedVertex {
   ShapedVertex shaped;
   GlPoint mask;                 ///< Texels.
   GlPoint crossTerm;            ///< See MappedMask.
-  GlPoint maskFirst, maskLast;  ///< Texels of the mask that may be read, their centres.
+  GlPoint maskFirst, maskLast;  ///< The same as `first` and `last`, for the mask.
 };
 
 /// The size of a vertex in words of 32 bits.
@@ -72,7 +72,7 @@ class GlPrograms {
   /// quadrilaterals of one colour.
   void Use(const GlFunctions& gl, GlProgram program, const GlTarget& target,
            const GlTexture* texture, bool colors, const GlTexture* mask);
-  /// Sets the places of the attributes in the bound buffer, which must always be the same one.
+  /// Sets the offsets of the attributes in the bound buffer, which must always be the same one.
   void SetAttributes(const GlFunctions& gl, GlProgram program);
 
  private:
@@ -82,7 +82,7 @@ class GlPrograms {
     GLint location = -1;
     std::optional<std::array<float, N>> value{};
 
-    /// Whether `wanted` is another value; if so it counts as set.
+    /// Whether `wanted` differs from the value that was set; if so, records it as set.
     bool Changes(const std::array<float, N>& wanted) {
       if (location < 0 || value == wanted) return false;
       value = wanted;
@@ -101,8 +101,8 @@ class GlPrograms {
 
   std::array<Program, kProgramCount> programs_{};
   GLuint used_ = 0;
-  std::optional<int> wordsOfVertex_;  ///< Of the vertices that the attributes are set for.
-  int attributes_ = 0;                ///< How many are enabled.
+  std::optional<int> wordsOfVertex_;  ///< The vertex size for which the attributes are set.
+  int attributes_ = 0;                ///< The number of enabled attributes.
 };
 
 }  // namespace ZIRK::backends

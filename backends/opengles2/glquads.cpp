@@ -32,7 +32,8 @@ constexpr GLenum kFactors[] = {
 static_assert(kFactors[size_t(VuBlendingFactor::SrcAlphaSaturate)] == GL_SRC_ALPHA_SATURATE &&
               size_t(VuBlendingFactor::OneMinusBlendAlpha) + 1 == std::size(kFactors));
 
-/// The factor for a target whose colour is its alpha: OpenGL takes all its pixels as opaque.
+/// The factor for a target whose only channel is alpha, stored as red: OpenGL takes all its pixels
+/// as opaque.
 GLenum OfAlpha(GLenum factor) {
   switch (factor) {
     case GL_SRC_ALPHA_SATURATE:
@@ -46,10 +47,10 @@ GLenum OfAlpha(GLenum factor) {
   }
 }
 
-/// About what the GPU takes for a shaped quadrilateral rather than a plain one in the time of a
-/// draw call.
+/// The number of pixels for which a shaped quadrilateral costs the GPU about a draw call more than
+/// a plain one.
 constexpr int kPixelsForShape = 1 << 15;
-/// What a quadrilateral costs beside its pixels, as its vertices become larger.
+/// The cost, in pixels, of the larger vertices of a quadrilateral that becomes a shaped one.
 constexpr int kPixelsForVertices = 512;
 
 int64_t Area(const Box& b) {
@@ -60,11 +61,11 @@ int64_t CostOfWidening(const Box& box) {
   return Area(box) + kPixelsForVertices;
 }
 
-/// Whether what is read in these ways can be drawn with one program.
+/// Whether quadrilaterals with these filters can share a draw call.
 bool Agree(GlProgram program, TexelFilter a, TexelFilter b) {
   if (a == b) return true;
   if (a != TexelFilter::Exact && b != TexelFilter::Exact) return false;
-  // Texels as they are need not be interpolated where one call more is all it takes.
+  // Interpolating texels that could be read unchanged costs more than another draw call.
   return program != GlProgram::Plain || std::max(a, b) == TexelFilter::Nearest;
 }
 
@@ -72,7 +73,7 @@ Box BoxOf(const PlainVertex* quad) {
   return {quad[0].x, quad[0].y, quad[2].x, quad[2].y};
 }
 
-/// The same as a plain one, where edges lie far from what is drawn.
+/// Converts a plain quadrilateral to a shaped one, with the edges of the shape far outside.
 void WidenQuad(const PlainVertex* in, const GlTexture* texture, std::byte* out) {
   PlainVertex quad[4];
   std::memcpy(quad, in, sizeof quad);
@@ -81,7 +82,7 @@ void WidenQuad(const PlainVertex* in, const GlTexture* texture, std::byte* out) 
   ShapedVertex v{};
   v.color = quad[0].color;
   v.first = v.last = {-1, -1};
-  // -1 where there is none; the first texel may be rounded to a little below 0.
+  // -1 means no texture. The first texel may be rounded to slightly below 0.
   if (quad[0].s > -0.5f && texture) {
     v.first = {0.5f, 0.5f};
     v.last = {static_cast<float>(texture->Width()) - 0.5f,
@@ -122,7 +123,7 @@ std::array<GLenum, 4> GlBlend::FactorsFor(const GlTarget& target) const {
   return all;
 }
 
-/// A box joins the one before it if there is little between them, as with letters of a line.
+/// Joins a box with the one before it if they are close together, like letters in a line.
 void Extent::Add(const Box& box) {
   all_ = count_ > 0 ? Union(all_, box) : box;
   if (count_ > 0) {
@@ -137,7 +138,7 @@ void Extent::Add(const Box& box) {
   boxes_[static_cast<size_t>(count_++)] = box;
 }
 
-/// Of those that follow each other, the two that have least between them.
+/// Joins the two consecutive boxes with the smallest gap.
 void Extent::JoinTwo() {
   int64_t least = INT64_MAX;
   size_t best = 0;
@@ -172,7 +173,7 @@ GlQuads::Fit GlQuads::FitOf(const DrawKey& key, int count, const Box& box) const
   if (key.mask != key_.mask || key.maskFilter != key_.maskFilter || !(key.blend == key_.blend))
     return Fit::No;
   const GlProgram program = std::max(key.program, key_.program);
-  // A colour goes with any texture.
+  // A plain colour fits any texture.
   if (key.texture && key_.texture &&
       (key.texture != key_.texture || !Agree(program, key.filter, key_.filter)))
     return Fit::No;
@@ -187,7 +188,7 @@ GlQuads::Fit GlQuads::FitOf(const DrawKey& key, int count, const Box& box) const
   return key_.program == program ? Fit::Joins : Fit::Widens;
 }
 
-/// Whether these plain ones cost no more than a shaped one that comes now makes up for.
+/// Whether converting the plain ones costs no more than a shaped one allows for.
 bool GlQuads::CanWiden() const {
   constexpr int kMost = 2 * kPixelsForShape;
   if (count_ > kMost / kPixelsForVertices) return false;

@@ -13,7 +13,7 @@
 
 namespace ZIRK::backends {
 
-/// A blending function, in a form that compares quickly.
+/// A blending function, in a form that is quick to compare.
 struct GlBlend {
   uint32_t color = 0;    ///< Premultiplied ARGB8888.
   uint32_t factors = 0;  ///< Four bits each, and kEnabled.
@@ -34,17 +34,17 @@ struct GlBlend {
 
 /// How a texture is read.
 enum class TexelFilter {
-  Exact,  ///< Each pixel shows one texel as it is. Either filter of OpenGL's does it.
+  Exact,  ///< Each pixel shows one texel unchanged, with either filter of OpenGL.
   Nearest,
   Linear,
 };
 
-/// What all quadrilaterals of a draw call have in common.
+/// The state that all quadrilaterals of a draw call share.
 struct DrawKey {
   const GlTarget* target = nullptr;
   GlBlend blend;
   GlProgram program = GlProgram::Plain;
-  GlTexture* texture = nullptr;  ///< Null for one colour.
+  GlTexture* texture = nullptr;  ///< Null for plain colours.
   TexelFilter filter = TexelFilter::Exact;
   GlTexture* mask = nullptr;
   GLint maskFilter = GL_NEAREST;
@@ -66,7 +66,7 @@ inline void PutPlainQuad(PlainVertex* v, const Box& box, const Texels& texels, u
   v[3] = {x0, y1, color, s0, t1};
 }
 
-/// Where quadrilaterals lie: boxes around them, a limited number of which each holds some.
+/// The area of quadrilaterals, as a limited number of boxes, each around some of them.
 class Extent {
  public:
   void Clear() { count_ = 0; }
@@ -85,44 +85,44 @@ class Extent {
 
 /// The quadrilaterals of one draw call.
 ///
-/// Plain ones are also drawn as shaped ones if that saves draw calls. It costs the GPU time, so
-/// each shaped one makes up for a limited number of pixels, kPixelsForShape.
+/// Plain quadrilaterals are drawn as shaped ones if that saves draw calls. This takes more time on
+/// the GPU, so each shaped one allows only for a limited number of plain pixels, kPixelsForShape.
 class GlQuads {
  public:
-  // As many as fit a processor's cache; indices have 16 bits.
+  // Limited by 16-bit indices and by the size of a processor's cache.
   static constexpr int kMaxQuads = 4096;
 
   const DrawKey& Key() const { return key_; }
   int Count() const { return count_; }
-  /// Whether some are of one colour.
+  /// Whether some have no texture.
   bool HasColors() const { return colors_; }
   const std::byte* Vertices() const { return lines_[0].bytes; }
   GLsizeiptr Bytes() const { return GLsizeiptr{4} * count_ * WordsOfQuad(key_.program); }
 
-  /// Becomes empty, for quadrilaterals as `key` says. False if there is no memory.
+  /// Starts an empty draw call for quadrilaterals with `key`. False if there is no memory.
   bool Begin(const DrawKey& key);
   void Drop() { count_ = 0; }
 
-  /// How well others go with these.
+  /// Whether other quadrilaterals can be added.
   enum class Fit {
     No,
     NoRoom,
-    Joins,   ///< Perhaps as shaped ones.
-    Widens,  ///< If these become shaped ones.
+    Joins,   ///< Yes, perhaps as shaped ones.
+    Widens,  ///< Yes, if the present ones become shaped ones.
   };
-  /// For `count` of them with `key`, which has the same target, inside `box`.
+  /// Tests `count` quadrilaterals with `key`, which has the same target, inside `box`.
   Fit FitOf(const DrawKey& key, int count, const Box& box) const;
 
-  /// Makes all of them shaped.
+  /// Converts all to shaped ones.
   void Widen();
 
-  /// Adds quadrilaterals inside `box` that fit. The caller fills them in, as Key().program has
-  /// them, before the next call.
+  /// Adds `count` quadrilaterals inside `box`, for which FitOf() was tested. The caller fills in
+  /// their vertices, of the type of Key().program, before the next call.
   std::byte* Add(const DrawKey& key, int count, const Box& box);
-  /// Adds a plain one that fits.
+  /// Adds a plain quadrilateral for which FitOf() was tested.
   void AddPlain(const DrawKey& key, const PlainVertex (&quad)[4], const Box& box);
 
-  /// Whether it fits as it is, in the usual case.
+  /// A fast test whether a plain quadrilateral fits; if false, it may still fit by FitOf().
   bool Takes(const GlTarget* target, const GlBlend& blend, const GlTexture* texture,
              TexelFilter filter) const {
     return count_ > 0 && count_ < kMaxQuads && key_.target == target &&
@@ -131,15 +131,15 @@ class GlQuads {
                          (key_.filter == filter ||
                           (key_.filter == TexelFilter::Nearest && filter == TexelFilter::Exact))));
   }
-  /// Room for a plain one that Takes() has found to fit.
+  /// Adds a plain quadrilateral for which Takes() was true. The caller fills in its vertices.
   PlainVertex* NextPlain(bool isColor) {
     if (isColor) colors_ = true;
     return reinterpret_cast<PlainVertex*>(lines_[static_cast<size_t>(count_++)].bytes);
   }
 
-  /// Whether one of them may change a pixel of `box`.
+  /// Whether a quadrilateral may change a pixel of `box`.
   bool Touches(const Box& box);
-  /// Whether one of them reads pixels of `box` of the texture.
+  /// Whether a quadrilateral reads pixels of `box` of `texture`.
   bool Reads(const GlTexture& texture, const Box& box) const;
 
  private:
@@ -160,9 +160,9 @@ class GlQuads {
   int count_ = 0;
   bool colors_ = false;
   std::unique_ptr<Line[]> lines_;
-  int shapes_ = 0;     ///< How many came as shaped ones.
-  int converted_ = 0;  ///< What the others cost.
-  int noted_ = 0;      ///< How many are in `extent_`.
+  int shapes_ = 0;     ///< The number that were added as shaped ones.
+  int converted_ = 0;  ///< The cost of the plain ones that were added as shaped ones.
+  int noted_ = 0;      ///< The number that are in `extent_`.
   Extent extent_;
 };
 

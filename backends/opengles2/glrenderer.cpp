@@ -44,7 +44,7 @@ bool GlRenderer::Unlock(bool written) {
   return !written || Write(Bounds(), pixels.get(), static_cast<unsigned>(Pitch()));
 }
 
-/// Sends what has been drawn, and reports what went wrong with it.
+/// Sends all drawing, and reports errors.
 void GlRenderer::EndFrame(PFNGLFLUSHPROC GlFunctions::*how) {
   Device().Batch().Flush();
   const GlScope scope(Device());

@@ -10,9 +10,9 @@
 
 namespace ZIRK::backends {
 
-/// Draws by OpenGL. Sources and masks are other surfaces drawn by it, also those of other contexts
-/// of this plug-in, and what its TextureSourceResolver know. surface/renderer.h says what the
-/// operations mean.
+/// Draws by OpenGL. Sources and masks are other surfaces that OpenGL draws, including those of
+/// other contexts of this plug-in, and those that its TextureSourceResolver knows.
+/// surface/renderer.h documents the operations.
 class GlRenderer : public GlCanvas, public TextDrawing<GlRenderer, GlTexture> {
  public:
   GlRenderer(const SurfaceState& state, std::shared_ptr<GlDevice> device,
@@ -44,7 +44,7 @@ class GlRenderer : public GlCanvas, public TextDrawing<GlRenderer, GlTexture> {
 
   // --- Locking ---
 
-  // The pixels are a copy while they are locked.
+  // While it is locked, the pixels are a copy.
   bool Lock(bool write);
   bool Unlock(bool written);
   void* LockedPixels() const { return locked_.get(); }

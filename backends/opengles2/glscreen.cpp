@@ -34,11 +34,11 @@ GlScreen::~GlScreen() {
   layers_->Remove(*this);
 }
 
-/// Moves between a window and the layers, with the picture.
+/// Moves the screen between a window and the layers, with its picture.
 bool GlScreen::Move(bool toLayers) {
   const auto frame = Drawing().Snapshot(Drawing().Bounds());
   if (!frame || !(toLayers ? BecomeLayer() : BecomeWindow())) return false;
-  // Copying leaves alpha alone where the format has none.
+  // Copying does not write alpha if the format has none.
   if (!Drawing().Clear(VuColor{0})) return false;
   return Drawing().CopyFrom(*frame, 0, 0, Drawing().Bounds());
 }

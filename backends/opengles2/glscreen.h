@@ -15,8 +15,8 @@ namespace ZIRK::backends {
 
 class GlLayers;
 
-/// A screen: a window, or all of a display if there is no window system. While there is a
-/// compositor it is a texture, and one of the compositor's layers.
+/// A screen: a window, or the whole display if there is no window system. While a compositor is
+/// enabled, it is a texture and one of the compositor's layers.
 class GlScreen final : public Surface<VuScreenImpl, GlRenderer>, private Presenter {
  public:
   /// Null after one error line.
@@ -27,10 +27,10 @@ class GlScreen final : public Surface<VuScreenImpl, GlRenderer>, private Present
   ~GlScreen() override;
 
   int Index() const { return index_; }
-  /// A number that changes whenever the layer is drawn on; 0 while the screen is no layer.
+  /// A number that changes whenever the layer is drawn on; 0 while the screen is not a layer.
   unsigned Frame() { return Drawing().Texture() ? Drawing().Texture()->AsTarget()->changes : 0; }
 
-  /// Makes the screen a layer, if it is none yet, with its present picture. False after an error
+  /// Makes the screen a layer with its present picture, if it is not one yet. False after an error
   /// line.
   bool EnterLayers() { return Drawing().Texture() || Move(true); }
 
@@ -53,7 +53,7 @@ class GlScreen final : public Surface<VuScreenImpl, GlRenderer>, private Present
   void Present() override;
 
   const int index_;
-  bool ownsWindow_ = true;  ///< The screen has a window while there is no compositor.
+  bool ownsWindow_ = true;  ///< Whether the screen has a window while there is no compositor.
   const std::shared_ptr<GlLayers> layers_;
   std::unique_ptr<GlWindow> window_;
 };

@@ -10,7 +10,7 @@ namespace ZIRK::backends {
 
 Source<GlTexture> FindSource(TextureSourceResolver& resolver, VuBitmapImpl& surface,
                              GlDevice& device) {
-  // Nearly always a bitmap, which is quickly found out.
+  // The usual case, and quick to test.
   if (auto* const bitmap = AsOwn<GlBitmap>(&surface))
     return {TextureOf(&bitmap->Drawing(), device), bitmap->GetScaleMode()};
   return {resolver.TextureOf(surface, device), surface.GetScaleMode()};

@@ -35,15 +35,16 @@ class TextureSourceResolver {
 Source<GlTexture> FindSource(TextureSourceResolver& resolver, VuBitmapImpl& surface,
                              GlDevice& device);
 
-/// What an OpenGL surface of this plug-in is drawn on; null for any other.
+/// The canvas of an OpenGL surface of this plug-in; null for any other surface.
 GlCanvas* FindCanvas(VuBitmapImpl& surface);
 
-/// TextureSourceResolver' operations for OpenGL surfaces.
+/// The operations of TextureSourceResolver for OpenGL surfaces.
 GlTexture* TextureOf(GlCanvas* canvas, const GlDevice& device);
 bool CopyToTexture(GlCanvas* canvas, const Box& part, const GlDevice& device,
                    std::unique_ptr<GlTexture>& copy);
 
-/// What OpenGL surfaces read: each other. It also makes the bitmaps of their glyph atlases.
+/// Finds the textures of OpenGL surfaces for each other. Also makes the bitmaps of their glyph
+/// atlases.
 class GlSourceResolver final : public GlyphAtlasAllocator, public TextureSourceResolver {
  public:
   GlSourceResolver(std::shared_ptr<MemoryBudget> budget, int graphicsType,

@@ -20,15 +20,15 @@ static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "pixels are handed on a
 
 namespace {
 
-/// The length that every implementation accepts. A longer label would raise an error, which a later
-/// check would report.
+/// The longest label that every implementation accepts. A longer one would raise an error, which a
+/// later check would report.
 constexpr size_t kLabelSize = 255;
 
 struct GlFormat {
   GLenum format;
   GLenum type;
   ChannelOrder order;
-  bool isOurs;  ///< A row is uploaded as it is; ConvertRow() makes another of it otherwise.
+  bool isOurs;  ///< Whether rows are uploaded unchanged; otherwise ConvertRow() converts them.
 };
 
 /// In the order of VuPixelFormat.
@@ -42,7 +42,7 @@ constexpr GlFormat kFormats[] = {
 };
 static_assert(std::size(kFormats) == std::size(kPixelLayouts));
 
-/// A8 where OpenGL does not draw on textures of one channel.
+/// A8 if OpenGL cannot draw on textures of one channel.
 constexpr GlFormat kFourChannelsForA8{GL_RGBA, GL_UNSIGNED_BYTE, ChannelOrder::Ours, false};
 
 const GlFormat& FormatOf(VuPixelFormat format, bool oneChannel) {
@@ -50,7 +50,7 @@ const GlFormat& FormatOf(VuPixelFormat format, bool oneChannel) {
   return kFormats[static_cast<size_t>(format)];
 }
 
-/// Converts one row from the surface's layout to OpenGL's, for the formats where these differ.
+/// Converts a row from the surface's layout to OpenGL's, for the formats in which these differ.
 void ConvertRow(VuPixelFormat format, const uint8_t* in, int count, uint8_t* out) {
   const auto each = [=](auto stored, auto result, auto convert) {
     auto* const to = reinterpret_cast<decltype(result)*>(out);
@@ -64,7 +64,7 @@ void ConvertRow(VuPixelFormat format, const uint8_t* in, int count, uint8_t* out
     return each(uint32_t(), uint32_t(), [&](uint32_t p) { return p | layout.unusedBits; });
   if (layout.bytes == 1)
     return each(uint8_t(), uint32_t(), [](uint32_t p) { return p * 0x01010101u; });
-  // Alpha, at the top, goes to the bottom.
+  // Moves alpha from the highest bits to the lowest.
   const int bits = layout.alpha.bits;
   each(uint16_t(), uint16_t(), [=](uint32_t p) { return p << bits | p >> (16 - bits); });
 }
@@ -118,7 +118,7 @@ GlTexture::~GlTexture() {
   DeleteStorage();
 }
 
-/// Draws first what reads it.
+/// Sends the draw calls that read the texture first.
 void GlTexture::DeleteStorage() {
   device_->Batch().Forget(*this);
   const GLuint name = std::exchange(name_, 0);
@@ -171,7 +171,7 @@ bool GlTexture::ReturnFromPage() {
   return true;
 }
 
-/// Exchanges OpenGL's texture with another one.
+/// Exchanges the OpenGL textures of two objects.
 void GlTexture::Exchange(GlTexture& other) {
   std::swap(name_, other.name_);
   std::swap(filter_, other.filter_);

@@ -24,7 +24,7 @@ constexpr uint32_t ExchangeRedAndBlue(uint32_t p) {
 
 /// The order of a pixel's channels in OpenGL.
 enum class ChannelOrder {
-  Ours,       ///< The bytes of a surface's pixel in memory: OpenGL's red is blue.
+  Ours,       ///< The order of a surface's bytes in memory: blue is stored as OpenGL's red.
   RedFirst,   ///< OpenGL's own.
   AlphaOnly,  ///< One channel: red is alpha.
 };
@@ -36,14 +36,14 @@ struct GlTarget {
   int width = 0;
   int height = 0;
   ChannelOrder order = ChannelOrder::Ours;
-  bool keepsAlpha = false;  ///< Alpha is not written, so that it stays 255.
+  bool keepsAlpha = false;  ///< Whether alpha is never written, so that it stays 255.
 
   mutable unsigned changes = 0;  ///< Counts draw calls and writes.
 
   bool IsWindow() const { return window != nullptr; }
 
-  /// A premultiplied ARGB8888 colour with its channels, from the lowest byte up, in the order that
-  /// OpenGL takes for this target.
+  /// A premultiplied ARGB8888 colour with its channels in OpenGL's order for this target, from the
+  /// lowest byte up.
   uint32_t Channels(uint32_t color) const {
     if (order == ChannelOrder::Ours) return color;
     if (order == ChannelOrder::AlphaOnly) return (color >> 24) * 0x01010101u;
@@ -53,22 +53,21 @@ struct GlTarget {
 
 /// The pixels of a surface as a texture, of the surface's own format:
 ///
-/// - The 32-bit formats keep a surface's words, in which OpenGL takes red for blue and blue for
-/// red.
-///   Pixels need no conversion in or out; shaders put the channels in order.
-/// - The 16-bit formats are OpenGL's own. Two of them have alpha at the other end.
-/// - A8 has one channel if OpenGL can draw on that, and otherwise four, of which only alpha counts.
+/// - The 32-bit formats store a surface's words, so OpenGL sees red and blue exchanged. Pixels need
+///   no conversion; shaders exchange the channels.
+/// - The 16-bit formats are OpenGL's own. Two of them have alpha in the lowest bits.
+/// - A8 has one channel if OpenGL can draw on that, otherwise four, of which only alpha is used.
 ///
 /// The top row comes first, which is OpenGL's bottom one.
 ///
-/// A small one may move to a page while it is drawn from. It moves back when it is written or
-/// drawn on, and after some such moves it stays where it is.
+/// A small texture may move to a page while it is drawn from. It moves back when it is written or
+/// drawn on, and after some of these moves it stays outside pages.
 class GlTexture {
  public:
   /// A texture of undefined pixels; null after one error line.
   static std::unique_ptr<GlTexture> Create(std::shared_ptr<GlDevice> device, int width, int height,
                                            VuPixelFormat format);
-  /// Draws first what the batch reads from this texture.
+  /// Sends the draw calls that read this texture first.
   ~GlTexture();
   GlTexture(const GlTexture&) = delete;
   GlTexture& operator=(const GlTexture&) = delete;
@@ -80,22 +79,22 @@ class GlTexture {
   GLuint Name() const { return name_; }
   GlDevice& Device() const { return *device_; }
 
-  /// Lets it move to a page if it is small.
+  /// Allows the texture to move to a page if it is small.
   void AllowPage();
   bool MayMove() const { return moves_ > 0 && !page_; }
   bool IsInPage() const { return page_ != nullptr; }
-  /// Moves it to a page, if that can be done.
+  /// Moves the texture to a page, if possible.
   void MoveToPage();
-  /// Returns it from its page and keeps it out of pages.
+  /// Moves the texture back from its page, and keeps it out of pages from now on.
   void LeavePage();
-  /// What holds its pixels: the texture itself or a page's, and where in it the first one is.
+  /// The texture that stores the pixels, this one or that of a page, and the origin in it.
   GlTexture& Storage() const { return *storage_; }
   GlPoint Origin() const { return origin_; }
 
   /// The texture as a target. Null after an error line.
   const GlTarget* Target();
 
-  /// Makes a texture that is no bitmap's larger, by a copy. False after an error line.
+  /// Enlarges a texture that belongs to no bitmap, and keeps its pixels. False after an error line.
   bool Enlarge(int width, int height);
 
   /// Writes the pixels of `box`, rows `pitch` bytes apart, in the surface's format. False after an
@@ -105,12 +104,12 @@ class GlTexture {
   /// Copies `box` of the bound framebuffer to (x, y).
   void CopyFromFramebuffer(const Box& box, int x, int y);
 
-  /// The texture has to be bound.
+  /// The texture must be bound.
   void SetFilter(GLint filter);
   /// Labels the texture for debuggers.
   void SetName(const char* name);
 
-  /// The same, without making its framebuffer: only for its address and its `changes`.
+  /// The same without making a framebuffer: use only its address and `changes`.
   const GlTarget* AsTarget() const { return &target_; }
 
   ChannelOrder Order() const { return target_.order; }
@@ -129,16 +128,16 @@ class GlTexture {
   GlTarget target_;
   GlTexture* storage_ = this;
   GlPoint origin_ = {0, 0};
-  int moves_ = 0;  ///< How many times it may still move to a page.
+  int moves_ = 0;  ///< The number of times that it may still move to a page.
   std::shared_ptr<GlPage> page_;
   Box place_;  ///< In the page, with its border.
 };
 
-/// Whether OpenGL can draw on textures of one channel. To be called once, with nothing bound.
+/// Whether OpenGL can draw on textures of one channel. Call it once, with nothing bound.
 bool DrawsOnOneChannel(const GlFunctions& gl);
 
-/// Reads `box` of the framebuffer of `target`, which is bound, as tight rows of `format`, top row
-/// first. False after an error line if memory runs out.
+/// Reads `box` of the framebuffer of `target`, which is bound, as rows of `format` without padding,
+/// top row first. False after an error line if memory runs out.
 bool ReadFramebuffer(const GlFunctions& gl, const GlTarget& target, const Box& box,
                      VuPixelFormat format, void* out);
 

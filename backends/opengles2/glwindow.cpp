@@ -8,18 +8,19 @@ namespace ZIRK::backends {
 
 namespace {
 
-/// Drops all events but those that programs define themselves.
+/// Drops all events except those that programs define themselves.
 int DropEvent(void*, SDL_Event* event) {
   if (event->type >= SDL_USEREVENT) return 1;
-  // The receiver of these events owns their file name.
+  // The receiver of these events must free their file name.
   if (event->type == SDL_DROPFILE || event->type == SDL_DROPTEXT) Sdl().Free(event->drop.file);
   return 0;
 }
 
-/// Where a picture goes in a window: as large as fits, in the middle.
+/// The box of a picture in a window: as large as possible, and centred.
 Box FitInto(int windowWidth, int windowHeight, int width, int height) {
   double scale = std::min(double(windowWidth) / width, double(windowHeight) / height);
-  // A window's size is in points, which may be some pixels each; what that adds is left as bars.
+  // The size of a window is in points of several pixels each. The pixels that this adds become
+  // bars.
   constexpr int kPoint = 4;
   if (scale > 1 && (windowWidth - width < kPoint || windowHeight - height < kPoint)) scale = 1;
   const int w = std::max(1, static_cast<int>(std::lround(width * scale)));
@@ -55,7 +56,7 @@ void GlWindow::TakeSize() {
   window_.height = height;
 }
 
-/// Without memory for a texture the picture stays at the window's top-left corner, as it is.
+/// Without memory for a texture, the picture is shown unscaled at the window's top-left corner.
 void GlWindow::ChooseTarget() {
   if (device_->IsLost()) return;
   TakeSize();
@@ -89,7 +90,7 @@ void GlWindow::ShowScaled() {
   GlBatch& batch = device_->Batch();
   batch.Clear(window_, 0xFF000000);
   const Box box = FitInto(window_.width, window_.height, width_, height_);
-  // Pixels that become blocks of one size stay sharp.
+  // Keeps pixels sharp if each becomes a block of the same size.
   const bool isWhole = box.Width() % width_ == 0 && box.Height() % height_ == 0;
   const Texels all = {0, 0, static_cast<float>(width_), static_cast<float>(height_)};
   batch.AddPlain(&window_, GlBlend(), picture_.get(),
@@ -105,7 +106,7 @@ void GlWindow::Present(bool vsync) {
   device_->SetSwapInterval(vsync ? 1 : 0);
   Sdl().SwapWindow(window_.window);
   Sdl().PumpEvents();
-  // Nobody else would handle them, and SDL's queue must not fill up.
+  // Nothing else handles them, and SDL's queue must not fill up.
   if (device_->HasSdlAlone()) Sdl().FilterEvents(DropEvent, nullptr);
   hasTarget_ = false;
 }

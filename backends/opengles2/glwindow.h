@@ -7,8 +7,8 @@
 
 namespace ZIRK::backends {
 
-/// A window that shows a picture of a given size: on a desktop, or all of a display. Where the
-/// window is of another size than the picture, the picture is scaled to fit, between black bars.
+/// A window that shows a picture of a given size, on a desktop or on the whole display. If the
+/// window has another size, the picture is scaled to fit, between black bars.
 class GlWindow {
  public:
   /// Null after one error line.
@@ -18,19 +18,19 @@ class GlWindow {
   GlWindow(const GlWindow&) = delete;
   GlWindow& operator=(const GlWindow&) = delete;
 
-  /// Of the picture.
+  /// Size of the picture.
   int Width() const { return width_; }
   int Height() const { return height_; }
 
-  /// What the picture is drawn on until Present(): the window's framebuffer if that has the size of
-  /// the picture, or else a texture. Null after an error line.
+  /// The target of drawing until Present(): the window's framebuffer if it has the size of the
+  /// picture, otherwise a texture. Null after an error line.
   const GlTarget* Target();
-  /// Sets whether alpha stays 255. What was drawn before is lost.
+  /// Sets whether alpha stays 255. Earlier drawing is lost.
   void KeepAlpha(bool keep);
   void SetTitle(const char* title);
 
-  /// Shows what is drawn, at the display's vertical sync or at once, and handles the window's
-  /// events. Target() may be another one afterwards.
+  /// Shows the picture, at the display's vertical sync or at once, and handles the window's events.
+  /// Target() may change.
   void Present(bool vsync);
 
  private:
@@ -42,8 +42,8 @@ class GlWindow {
   const std::shared_ptr<GlDevice> device_;
   const int width_, height_;
   GlTarget window_;
-  std::unique_ptr<GlTexture> picture_;  ///< What is drawn on, where it is not the window.
-  bool hasTarget_ = false;              ///< It stays as it is until the frame is shown.
+  std::unique_ptr<GlTexture> picture_;  ///< The target if it is not the window itself.
+  bool hasTarget_ = false;              ///< The target does not change until the frame is shown.
 };
 
 }  // namespace ZIRK::backends

@@ -7,9 +7,9 @@ namespace ZIRK::backends {
 
 namespace {
 
-// The centre of a pixel that is touched lies no farther away.
+// The largest distance from a shape to the centre of a pixel that it touches.
 constexpr double kReach = 0.75;
-// Sharper corners would have to be moved too far.
+// Sharper corners would be moved too far.
 constexpr double kLeastSine = 0.1;
 
 }  // namespace
@@ -23,7 +23,7 @@ Polygon Polygon::Around(const Affine& a, const Box& box) {
   const double across = std::hypot(a.dx.x, a.dx.y), down = std::hypot(a.dy.x, a.dy.y);
   const double sine = std::abs(a.dx.x * a.dy.y - a.dx.y * a.dy.x) / (across * down);
   if (!(sine > kLeastSine)) return Polygon(box);
-  // Every side is moved outwards by as much.
+  // Moves every side outwards by kReach.
   const Point u = a.dx * (kReach / sine / across), v = a.dy * (kReach / sine / down);
   const Point c = a.origin;
   Polygon result;

@@ -6,22 +6,23 @@
 
 namespace ZIRK::backends {
 
-/// A convex polygon in pixels of the surface: a box, or what a box and a parallelogram share.
+/// A convex polygon in pixels of the surface: a box, or the intersection of a box and a
+/// parallelogram.
 struct Polygon {
   std::array<Point, 8> points;
   int count = 0;
 
   explicit Polygon(const Box& box);
 
-  /// All pixels of `box`, by their centres, that the unit square of `toSurface` touches. Others may
-  /// be among them.
+  /// Contains the centres of all pixels of `box` that the unit square, mapped by `toSurface`,
+  /// touches, and perhaps of others.
   static Polygon Around(const Affine& toSurface, const Box& box);
 
   Box Bounds() const;
 
  private:
   Polygon() = default;
-  /// What is left on the side of `limit` where `sign` times the coordinate is less.
+  /// Cuts off the side of `limit` on which `sign` times the coordinate is greater.
   void Cut(double Point::*axis, double limit, double sign);
 };
 
