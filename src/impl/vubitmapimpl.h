@@ -27,9 +27,8 @@ class VuFontImpl;
 /// - Transforms are complete; if the application gave none, the identity (0, 0, 1, 1, 0). Matrices
 ///   are the application's own and never converted on the way.
 /// - Without a mask, `mask` is null and the coordinates are (0, 0) or null. With a mask, a point
-/// has
-///   one pair of coordinates, a line two, and everything else four; null coordinates map the whole
-///   mask onto the primitive.
+///   has one pair of coordinates, a line two, and everything else four; null coordinates map the
+///   whole mask onto the primitive.
 /// - Nothing is clipped, clamped or tested: empty, inverted, distant and transparent primitives all
 ///   arrive. `src` and `mask` may be this surface.
 /// - While LogPerf is set, an implementation that keeps statistics adds the time it spent to
