@@ -13,7 +13,7 @@ namespace ZIRK::backends {
 
 namespace {
 
-/// A bitmap of undefined pixels.
+/// A bitmap with undefined pixels.
 std::unique_ptr<DirectFbBitmap> NewBitmap(std::unique_ptr<MemoryBudget::Reservation> reservation,
                                           IDirectFB& directFb, int width, int height,
                                           VuPixelFormat format,

@@ -8,23 +8,23 @@
 
 namespace ZIRK::backends {
 
-/// The pixels of an IDirectFBSurface, in memory while they are locked; or a copy, which is there at
-/// all times.
+/// The pixels of an IDirectFBSurface, which are accessible while they are locked; or a copy, which
+/// is always accessible.
 class DirectFbPixels {
  public:
-  /// Those of `surface`, which lives as long and has this size and format.
+  /// The pixels of `surface`, which must outlive the object and have this size and format.
   DirectFbPixels(IDirectFBSurface* surface, int width, int height, VuPixelFormat format)
       : surface_(surface), buffer_(PixelBuffer::Elsewhere(width, height, format)) {}
   explicit DirectFbPixels(PixelBuffer copy) : surface_(nullptr), buffer_(std::move(copy)) {}
 
-  // Locks are counted. Both calls are made with DirectFB's mutex held.
+  // Locks are counted. The caller of both functions holds DirectFB's mutex.
 
   /// False after an error line, or once DirectFB has ended.
   bool Lock();
   void Unlock();
   bool IsLocked() const { return locks_ > 0; }
 
-  /// Always has the size and format; the pixels only while they are locked.
+  /// Always has the size and format, but the pixels only while they are locked.
   PixelBuffer& Buffer() { return buffer_; }
   const PixelBuffer& Buffer() const { return buffer_; }
   Box Bounds() const { return buffer_.Bounds(); }

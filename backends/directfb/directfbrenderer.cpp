@@ -18,7 +18,7 @@ namespace ZIRK::backends {
 
 namespace {
 
-/// The surface that this plug-in has made; null for any other.
+/// The renderer of a surface of this plug-in; null for any other surface.
 DirectFbRenderer* FindRenderer(VuBitmapImpl& surface) {
   if (auto* const bitmap = AsOwn<DirectFbBitmap>(&surface)) return &bitmap->Drawing();
   if (auto* const screen = AsOwn<DirectFbScreen>(&surface)) return &screen->Drawing();
@@ -52,7 +52,7 @@ bool DirectFbRenderer::Begin() {
 
 // --- The surface's state ------------------------------------------------------------------------
 
-/// Applies the surface's state. Returns whether DirectFB may draw on it.
+/// Applies the surface's state to DirectFB. Returns whether DirectFB may draw.
 bool DirectFbRenderer::Refresh() {
   if (HasDirectFbEnded()) return false;
   if (revision_.CatchUp()) {
@@ -78,7 +78,7 @@ void DirectFbRenderer::SetColor(uint32_t color) {
 
 // --- By DirectFB --------------------------------------------------------------------------------
 
-// Each says whether it has drawn; if not, it is the painter's turn.
+// Each returns whether it has drawn; if not, the painter draws.
 
 bool DirectFbRenderer::FillBoxes(const DFBRectangle* boxes, unsigned count, uint32_t color) {
   const DFBSurfaceDrawingFlags flags = FindFill(*blend_, color);
@@ -100,13 +100,13 @@ bool DirectFbRenderer::Fill(const Box& box, uint32_t color) {
   return FillBoxes(&rectangle, 1, color);
 }
 
-/// Run by run: DirectFB's own lines end and bend elsewhere.
+/// Draws a line run by run: DirectFB's own lines have other ends and other steps.
 bool DirectFbRenderer::FillLine(const Hairline& line, uint32_t color) {
   if (!Refresh()) return false;
   const Box visible = Intersection(line.Bounds(), clip_);
   if (visible.IsEmpty()) return true;
   painter_.Touch(visible);
-  // Each run has a row, or in a steep line a column, of its own.
+  // There is one run per row, or per column in a steep line.
   if (!runs_.Reserve(static_cast<size_t>(std::min(visible.Width(), visible.Height())))) return true;
   unsigned count = 0;
   WalkRuns(line, clip_, [&](const Box& run) { runs_.Data()[count++] = ToDirectFb(run); });
@@ -137,7 +137,7 @@ bool DirectFbRenderer::Blit(DirectFbRenderer& source, const VuRect& part, const 
   return result == DFB_OK;
 }
 
-/// Without blending or clipping.
+/// Copies pixels without blending or clipping.
 bool DirectFbRenderer::CopyBox(DirectFbRenderer& source, const CopyPlan& plan) {
   const std::optional<BlitRule> rule =
       FindBlit({DSBF_ONE, DSBF_ZERO}, source.state_.format, state_.format, 0xFFFFFFFFu);
@@ -152,8 +152,8 @@ bool DirectFbRenderer::CopyBox(DirectFbRenderer& source, const CopyPlan& plan) {
 
 // --- By the painter -----------------------------------------------------------------------------
 
-/// Calls `draw(source, mask)` with the surfaces that are read as the painter reads them, and with
-/// all pixels locked.
+/// Calls `draw(source, mask)` with the painter's form of the source and the mask, while all pixels
+/// are locked.
 template <typename F>
 void DirectFbRenderer::Paint(const Source* source, const Mask* mask, F&& draw) {
   const DirectFbLock own(&pixels_), read(source ? source->pixels : nullptr),
@@ -337,7 +337,7 @@ void DirectFbRenderer::Flip() {
   if (!IsGood(result, "show a frame")) return;
   const Box changed = painter_.TakeTouched();
   if (!two || changed.IsEmpty() || !SetWholeClip()) return;
-  // What DirectFB reads of such a surface is the buffer that is shown now.
+  // With two buffers DirectFB reads the visible one, so this copies it to the other.
   surface_->SetBlittingFlags(surface_.get(), DSBLIT_NOFX);
   const DFBRectangle part = ToDirectFb(changed);
   surface_->Blit(surface_.get(), surface_.get(), &part, part.x, part.y);

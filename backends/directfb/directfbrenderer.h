@@ -15,22 +15,21 @@
 
 namespace ZIRK::backends {
 
-/// Draws on an IDirectFBSurface: by DirectFB where its rules apply, and on the locked pixels by
-/// the software painter beyond. Sources and masks are other surfaces of this plug-in, of whichever
-/// context. surface/renderer.h says what the operations mean.
+/// Draws on an IDirectFBSurface: by DirectFB if one of its rules applies, otherwise by the software
+/// painter on the locked pixels. Sources and masks are other surfaces of this plug-in, of any
+/// context. surface/renderer.h documents the operations.
 class DirectFbRenderer : public TextDrawing<DirectFbRenderer, DirectFbPixels> {
  public:
-  /// Whether drawing goes to the surface's back buffer, and reading as DirectFB does it would take
-  /// what is shown.
+  /// With two buffers, drawing goes to the back buffer, but DirectFB itself reads the visible one.
   enum class Buffers { One, Two };
 
   /// `surface` has the size and format of `state`. `atlases` makes the atlases of fonts that are
-  /// first drawn with here.
+  /// first used here.
   DirectFbRenderer(const SurfaceState& state, DirectFbSurfacePtr surface,
                    std::shared_ptr<GlyphAtlasAllocator> atlases, Buffers buffers = Buffers::One);
 
-  /// Clears a new surface; false, after an error line, if there is no memory for its pixels, which
-  /// DirectFB looks for only now.
+  /// Clears a new surface. Returns false, after an error line, if there is no memory for its
+  /// pixels, which DirectFB allocates only now.
   bool Begin();
 
   // --- Reading ---
@@ -62,7 +61,7 @@ class DirectFbRenderer : public TextDrawing<DirectFbRenderer, DirectFbPixels> {
 
   // --- Locking ---
 
-  // Always for writing: for reading alone DirectFB would give the pixels that are shown.
+  // Always locks for writing: for reading alone, DirectFB would return the visible buffer.
   bool Lock(bool write);
   bool Unlock(bool written);
   void* LockedPixels() const { return const_cast<uint8_t*>(pixels_.Buffer().Row(0)); }
@@ -75,8 +74,7 @@ class DirectFbRenderer : public TextDrawing<DirectFbRenderer, DirectFbPixels> {
   void SetName(const char* /*name*/) {}
   bool IsTextureBacked() const { return true; }
 
-  /// Shows what is drawn; with two buffers, waits until it is, and then brings the other one up to
-  /// date.
+  /// Shows the frame. With two buffers, waits for that, and then updates the other buffer.
   void Flip();
 
  private:
@@ -104,11 +102,11 @@ class DirectFbRenderer : public TextDrawing<DirectFbRenderer, DirectFbPixels> {
   DirectFbPixels pixels_;
   Painter painter_;
 
-  SeenRevision revision_;  ///< What the surface's clip, and what follows, are up to.
+  SeenRevision revision_;  ///< The revision of the state that the fields below have.
   std::optional<DirectFbBlend> blend_;
   Box clip_;
 
-  WorkMemory<DFBRectangle> runs_;  ///< Of a line.
+  WorkMemory<DFBRectangle> runs_;  ///< The runs of a line.
 };
 
 extern template class TextDrawing<DirectFbRenderer, DirectFbPixels>;

@@ -17,9 +17,9 @@ struct Row {
   DirectFbBlend blend;
 };
 
-// The rules of Porter and Duff, and those to add, to multiply and to screen. Some other pairs come
-// out far off in the software renderer's shortcuts; and the rule to clear fills with zeros, where
-// the X byte of XRGB8888 has to be 255.
+// The operators of Porter and Duff, and add, multiply and screen. The software renderer's shortcuts
+// give wrong results for some other pairs. The operator "clear" is left out since it fills with
+// zeros, but the X byte of XRGB8888 must be 255.
 constexpr Row kRows[] = {
     {Factor::One, Factor::OneMinusSrcAlpha, {DSBF_ONE, DSBF_INVSRCALPHA}},
     {Factor::One, Factor::Zero, kReplace},
@@ -78,8 +78,8 @@ std::optional<BlitRule> FindBlit(const DirectFbBlend& blend, VuPixelFormat from,
   if (tinted) flags |= DSBLIT_COLORIZE;
   if (!IsOpaque(color)) flags |= DSBLIT_BLEND_COLORALPHA;
   if (coverage && to != Format::A8) flags |= DSBLIT_SRC_PREMULTIPLY;
-  // The software renderer has two wrong shortcuts: over, if colours exceed their alpha, and
-  // coverage to 16 bits. This flag keeps it from taking them.
+  // The software renderer has two wrong shortcuts: for "over" if colours exceed their alpha, and
+  // for coverage onto 16 bits. This flag prevents both.
   const bool to16 = to == Format::RGB565 || to == Format::ARGB1555;
   if (effective.IsOver() || (coverage && to16)) flags |= DSBLIT_BLEND_COLORALPHA;
   return BlitRule{static_cast<DFBSurfaceBlittingFlags>(flags), effective};

@@ -29,7 +29,7 @@ constexpr std::chrono::milliseconds kLastFrame{100};
 IDirectFB* running = nullptr;
 bool ended = false;
 
-/// Whether `DFBARGS` sets `option`, one way or the other.
+/// Whether `DFBARGS` sets `option` to any value.
 bool UserSets(std::string_view option) {
   const char* const args = std::getenv("DFBARGS");
   for (std::string_view rest = args ? args : ""; !rest.empty();) {
@@ -57,16 +57,16 @@ DFBResult CreateDirectFb(IDirectFB** directFb) {
                   {"banner", "no-banner"},
                   {"sighandler", "no-sighandler"},
                   {"core-sighandler", "no-core-sighandler"},
-                  // Signals are the application's threads' to handle.
+                  // The application's threads handle signals.
                   {"thread-block-signals", "thread-block-signals"},
-                  // It would end DirectFB before the last surfaces are deleted.
+                  // This check would end DirectFB before the last surfaces are deleted.
                   {"deinit-check", "no-deinit-check"}};
   for (const auto& option : kOptions)
     if (!UserSets(option.name)) DirectFBSetOption(option.setting, nullptr);
   return DirectFBCreate(directFb);
 }
 
-/// How long a probe may take. A display may need some of it to change its mode.
+/// The time that a probe may take. A display may need some of it to change its mode.
 constexpr int kProbeTimeoutMs = 10000;
 
 void SilenceOutput() {
@@ -78,7 +78,7 @@ void SilenceOutput() {
 
 /// The child process: starts DirectFB, writes the result to `out`, and exits.
 [[noreturn]] void RunProbe(int out, bool aloud) {
-  // DirectFB may call exit(), which is for the parent's process to do.
+  // DirectFB may call exit(), but the exit handlers belong to the parent process.
   std::atexit([] { _exit(EXIT_FAILURE); });
   for (const int fault : {SIGSEGV, SIGABRT, SIGBUS, SIGFPE, SIGILL}) std::signal(fault, SIG_DFL);
   const rlimit none = {0, 0};
@@ -87,7 +87,7 @@ void SilenceOutput() {
   IDirectFB* directFb = nullptr;
   const DFBResult result = CreateDirectFb(&directFb);
   const bool written = write(out, &result, sizeof result) == static_cast<ssize_t>(sizeof result);
-  // Gives the display back.
+  // Releases the display.
   if (directFb) directFb->Release(directFb);
   _exit(written ? EXIT_SUCCESS : EXIT_FAILURE);
 }
@@ -129,9 +129,9 @@ DFBResult ProbeOnce(bool aloud) {
   return probe.result.value_or(probe.timedOut ? DFB_TIMEOUT : DFB_DEAD);
 }
 
-/// Starts DirectFB in a child process and ends it there. Where a start fails, DirectFB 1.7 usually
-/// crashes the process: it frees what one of its own threads still uses. Wrong options end the
-/// process too. DirectFB's messages are discarded unless `aloud`.
+/// Starts DirectFB in a child process and ends it there. If a start fails, DirectFB 1.7 usually
+/// crashes the process: it frees memory that one of its own threads still uses. Wrong options end
+/// the process too. DirectFB's messages are discarded unless `aloud`.
 ///
 /// Returns the result of that start; DFB_DEAD if the child ends without one, and DFB_TIMEOUT if two
 /// children in turn do not end.
@@ -164,12 +164,12 @@ IDirectFB* StartDirectFb() {
   DFBResult result = ProbeStart(UserSets("quiet"));
   if (result == DFB_OK) result = CreateDirectFb(&running);
   if (result == DFB_OK) {
-    // Runs before the destructors of all static objects that exist by now.
+    // Runs before the destructors of all static objects that exist now.
     std::atexit([] {
       const std::lock_guard last(mutex);
       ended = true;
-      // DirectFB shows a frame later, on a thread of its own, and then reads what it has freed by
-      // the end of the process. It offers nothing to wait for but time.
+      // DirectFB shows the last frame later, on its own thread, and may then read memory that the
+      // exit has freed. It offers no way to wait for that, so this waits for a fixed time.
       std::this_thread::sleep_for(kLastFrame);
     });
     return running;

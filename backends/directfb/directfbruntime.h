@@ -12,20 +12,20 @@ namespace ZIRK::backends {
 /// Starts DirectFB on the first call and returns it; null, after an error line, if it does not
 /// start.
 ///
-/// It then runs until the process ends. DirectFB 1.7 cannot be ended earlier: it does not wait for
-/// one of its own threads, which goes on using what has been freed.
+/// DirectFB then runs until the process ends. Version 1.7 cannot be ended earlier: it does not wait
+/// for one of its own threads, which continues to use freed memory.
 IDirectFB* StartDirectFb();
 
-/// Whether the process is exiting and DirectFB's static objects may be gone. Surfaces that the
-/// application's static objects own may still exist; they draw nothing any more. Call it with
-/// DirectFbMutex() locked.
+/// Whether the process is exiting, so that DirectFB's static objects may be destroyed already.
+/// Surfaces that the application's static objects own may still exist; they no longer draw. Call it
+/// with DirectFbMutex() locked.
 bool HasDirectFbEnded();
 
-/// Waits until DirectFB has done all drawing.
+/// Waits until DirectFB has completed all drawing.
 void WaitForDirectFb();
 
-/// Locked around every use of DirectFB and its surfaces. No other lock of this plug-in is taken
-/// while it is held.
+/// Guards every use of DirectFB and its surfaces. No other lock of this plug-in is taken while it
+/// is held.
 std::mutex& DirectFbMutex();
 
 /// The same format in DirectFB's terms.
@@ -43,7 +43,7 @@ using DirectFbSurfacePtr = std::unique_ptr<IDirectFBSurface, ReleaseSurface>;
 DirectFbSurfacePtr CreateDirectFbSurface(IDirectFB& directFb, int width, int height,
                                          VuPixelFormat format);
 
-/// Whether `result` is DFB_OK; if not, an error line says that DirectFB cannot do `what`.
+/// Whether `result` is DFB_OK; if not, logs an error that DirectFB cannot do `what`.
 bool IsGood(DFBResult result, const char* what);
 
 }  // namespace ZIRK::backends

@@ -114,7 +114,7 @@ DirectFbScreen::DirectFbScreen(std::unique_ptr<MemoryBudget::Reservation> reserv
 
 bool DirectFbScreen::Begin() {
   if (!Drawing().Begin()) return false;
-  // This also clears what is shown.
+  // This also clears the visible buffer.
   Show();
   return true;
 }

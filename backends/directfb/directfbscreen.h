@@ -16,11 +16,11 @@
 
 namespace ZIRK::backends {
 
-/// A display layer that one screen uses exclusively. The destructor restores the configuration that
-/// the layer had; the layer's surface has to be released before.
+/// A display layer that one screen uses exclusively. The destructor restores the earlier
+/// configuration of the layer; release the layer's surface before.
 class DirectFbLayer {
  public:
-  /// What the layer grants.
+  /// The screen that the layer granted.
   struct Screen {
     DirectFbSurfacePtr surface;
     int width, height;
@@ -31,10 +31,10 @@ class DirectFbLayer {
   /// The layer's size; nullopt if there is no such layer.
   static std::optional<ImageSize> SizeOf(IDirectFB& directFb, int index);
 
-  /// Opens the layer of the screen's index with the size, format and buffers asked for. What the
-  /// system does not grant gives way to the layer's own size, its own format, or a single buffer.
-  /// Null, with the reason in `error`, if there is no such layer, if another screen has it, or if
-  /// surfaces do not have its format.
+  /// Opens the layer with the screen's index, in the requested size and format and with the
+  /// requested buffers. If the system refuses, uses the layer's own size, its own format, or a
+  /// single buffer. Returns null, with the reason in `error`, if there is no such layer, if another
+  /// screen uses it, or if surfaces cannot have its format.
   static std::unique_ptr<DirectFbLayer> Open(IDirectFB& directFb,
                                              const VuScreenDescription& description, Screen& screen,
                                              std::string& error);
@@ -53,7 +53,7 @@ class DirectFbLayer {
   const unsigned bit_;  ///< The layer's bit among the layers in use.
 };
 
-/// What a screen's surface lies on, and outlives.
+/// The layer of a screen, as a base class so that it outlives the screen's surface.
 struct ScreenLayer {
   std::unique_ptr<DirectFbLayer> layer_;
 };
@@ -63,7 +63,7 @@ class DirectFbScreen final : private ScreenLayer,
                              public Surface<VuScreenImpl, DirectFbRenderer>,
                              private Presenter {
  public:
-  /// `layer` is null where there is none: the picture then stays in memory.
+  /// `layer` may be null: the picture then stays in memory.
   DirectFbScreen(std::unique_ptr<MemoryBudget::Reservation> reservation,
                  std::unique_ptr<DirectFbLayer> layer, DirectFbLayer::Screen screen,
                  std::shared_ptr<GlyphAtlasAllocator> atlases);
