@@ -110,6 +110,8 @@ TEST(ZirktraceProgram, AnswersAsItsManualSays) {
       {"replay --frames 3-2 f", 2, "^zirktrace: --frames: '3-2' is not valid; [^\n]*\n$"},
       {"replay --frames - f", 2, "--frames: '-' is not valid"},
       {"replay --loop 0 f", 2, "--loop: '0' is not valid"},
+      {"replay --bench --png a f", 2, "--bench goes without --compare and --png; [^\n]*\n$"},
+      {"replay --json f", 2, "--json goes with --bench"},
       {"dump --loop 2 f", 2, "^zirktrace: 'dump' has no option --loop; [^\n]*\n$"},
       {"info a b", 2, "^zirktrace: unexpected 'b'; [^\n]*\n$"},
       {"info no.zirktrace", 1, "zirktrace: no.zirktrace: cannot be read\n$"},
@@ -249,6 +251,50 @@ TEST(TraceReader, UsesACutTraceAndNoChangedOne) {
       EXPECT_TRUE(!played.problem.empty() || played.isCut || played.operations == 9)
           << at << " bit " << bit;
     }
+}
+
+/// Runs statements of Python in which `bench` is what was measured of a trace, and `counts` what
+/// its operations are.
+helpers::Result CheckBench(const std::string& arguments, const std::string& checks) {
+  return Zirktrace("replay --bench --json " + arguments + " >bench.json && " ZIRKTRACE " info " +
+                   arguments.substr(arguments.rfind(' ') + 1) +
+                   " >info.txt && python3 -c '\n"
+                   R"(
+import json, re
+bench = json.load(open("bench.json"))
+counts = {k: int(n) for k, n in re.findall(r"^([A-Z]\w+): (\d+)$", open("info.txt").read(), re.M)}
+kinds = {kind["operation"]: kind for kind in bench["kinds"]}
+sum_of = lambda key: sum(kind[key] for kind in kinds.values())
+assert abs(sum_of("processor-ms") / bench["processor-seconds"] / 1000 - 1) < 0.001
+assert sum_of("count") == bench["operations"]
+)" + checks + "'");
+}
+
+TEST(ZirktraceBench, MeasuresEachKindOfOperation) {
+  Trace trace;
+  trace.Add(Operation::OpenContext, kContext, "libZIRKImplFB.so", false)
+      .Add(Operation::CreateBitmap, kContext, 2000, 2000, VuPixelFormat::ARGB8888,
+           CreatedValue{kSurface, 2000, 2000, VuPixelFormat::ARGB8888});
+  for (uint32_t i = 0; i < 20; ++i)
+    trace.Add(Operation::ClearTo, kSurface, VuColor(i))
+        .Add(Operation::GetBounds, kSurface, VuRect{});
+  trace.InFile();
+  const auto shares = CheckBench("--loop 3 MeasuresEachKindOfOperation", R"(
+assert {name: kind["count"] for name, kind in kinds.items()} == counts
+assert bench["kinds"][0]["operation"] == "ClearTo"
+assert kinds["GetBounds"]["processor-ms"] < 0.1 * kinds["ClearTo"]["processor-ms"]
+assert bench["frames"] == 0 and bench["backend"] == "FB")");
+  EXPECT_EQ(shares.status, 0) << shares.output;
+
+  Zirktrace("record -o bench.zirktrace $TRACED FB first.png second.png");
+  const auto frame = CheckBench("--backend Hybrid --frames 1-2 bench.zirktrace", R"(
+assert bench["frames"] == 2 and bench["backend"] == "Hybrid"
+assert abs(bench["frames-per-second"] * bench["seconds"] - 2) < 0.01
+assert set(kinds) <= set(counts) and kinds["MakeFont"]["count"] == counts["MakeFont"]
+assert kinds["DrawRect"]["count"] == counts["DrawRect"] - 1)");
+  EXPECT_EQ(frame.status, 0) << frame.output;
+  EXPECT_THAT(Zirktrace("replay --bench bench.zirktrace").output,
+              ContainsRegex("^backend: FB\n.*\nDrawTextBy +1 +[0-9.]+ +[0-9.]+ +[0-9.]+%\n"));
 }
 
 }  // namespace

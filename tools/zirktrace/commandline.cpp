@@ -14,6 +14,7 @@ namespace {
 constexpr char kHelp[] =
     R"(usage: zirktrace record [-o FILE] [--frames A-B] [--] PROGRAM [ARGUMENT...]
        zirktrace replay [--backend NAME] [--frames A-B] [--loop N] [--png FOLDER] FILE
+       zirktrace replay --bench [--json] [--backend NAME] [--frames A-B] [--loop N] FILE
        zirktrace replay --compare [--worst STEPS] [--frames A-B] [--png FOLDER] A B FILE
        zirktrace dump [--frames A-B] FILE
        zirktrace info FILE
@@ -29,6 +30,9 @@ info       says what is in a trace
   --frames A-B       only these frames, counted from 1: A, A-, -B or A-B
   --loop N           replay so many times
   --png FOLDER       write what each frame shows, or the pictures that differ
+  --bench            measure operations and frames per second, and the processor's
+                     time by kind of operation
+  --json             print that as JSON
   --compare          replay by the backends A and B, and name the first operation
                      after which they differ
   --worst STEPS      allowed difference of a channel, of 255; 2 unless given
@@ -47,6 +51,8 @@ enum OptionCode {
   kFrames,
   kLoop,
   kPng,
+  kBench,
+  kJson,
   kCompare,
   kWorst,
   kVerbose,
@@ -59,6 +65,8 @@ constexpr option kOptions[] = {
     {"frames", required_argument, nullptr, kFrames},
     {"loop", required_argument, nullptr, kLoop},
     {"png", required_argument, nullptr, kPng},
+    {"bench", no_argument, nullptr, kBench},
+    {"json", no_argument, nullptr, kJson},
     {"compare", no_argument, nullptr, kCompare},
     {"worst", required_argument, nullptr, kWorst},
     {"verbose", no_argument, nullptr, kVerbose},
@@ -76,7 +84,7 @@ struct Command {
 const Command* FindCommand(const std::string& name) {
   static const Command kCommands[] = {
       {"record", {kOutput, kFrames}, 1},
-      {"replay", {kBackend, kFrames, kLoop, kPng, kCompare, kWorst}, 1},
+      {"replay", {kBackend, kFrames, kLoop, kPng, kBench, kJson, kCompare, kWorst}, 1},
       {"dump", {kFrames}, 1},
       {"info", {}, 1},
   };
@@ -122,6 +130,12 @@ bool TakeOption(int code, const char* argument, CommandLine& line) {
     case kPng:
       line.pngFolder = argument;
       return argument != end;
+    case kBench:
+      line.measures = true;
+      return true;
+    case kJson:
+      line.isJson = true;
+      return true;
     case kCompare:
       line.compares = true;
       return true;
@@ -149,6 +163,10 @@ int Check(const CommandLine& line, const std::vector<int>& used) {
     return kTool.Wrong("unexpected '%s'", line.operands[operands].c_str());
   if (line.compares && !line.backend.empty())
     return kTool.Wrong("either --%s or --compare", kTool.NameOf(kBackend));
+  if (line.measures && (line.compares || !line.pngFolder.empty()))
+    return kTool.Wrong("--%s goes without --compare and --png", kTool.NameOf(kBench));
+  if (line.isJson && !line.measures)
+    return kTool.Wrong("--%s goes with --bench", kTool.NameOf(kJson));
   return kDone;
 }
 

@@ -21,6 +21,8 @@ struct CommandLine {
   int loops = 1;
   int worst = 2;
   bool compares = false;
+  bool measures = false;
+  bool isJson = false;
   bool isVerbose = false;
 };
 

@@ -12,6 +12,7 @@ int RunCommand(const CommandLine& line) {
   if (line.command == "record") return RecordProgram(line);
   if (line.command == "dump") return DumpTrace(line);
   if (line.command == "info") return ShowTrace(line);
+  if (line.measures) return MeasureReplay(line);
   return line.compares ? CompareBackends(line) : ReplayTrace(line);
 }
 

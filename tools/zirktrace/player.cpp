@@ -221,6 +221,10 @@ bool Player::Play(const Record& record) {
   return isDone;
 }
 
+void Player::Finish() {
+  for (const auto& [id, surface] : surfaces_) surface.impl->Finish();
+}
+
 VuBitmap* Player::Find(Id surface) {
   const auto found = surfaces_.find(surface);
   return found == surfaces_.end() ? nullptr : found->second.bitmap.get();
@@ -259,6 +263,7 @@ bool Player::DoMakeFont(Decoder&, Id id, Id content, int faceIndex, int pixelSiz
   font.pixelSize = pixelSize;
   font.bold = bold;
   font.italic = italic;
+  Open(font);
   fonts_.insert_or_assign(id, std::move(font));
   return true;
 }
@@ -279,6 +284,12 @@ bool Player::DoStyleFont(Decoder&, Id id, VuFont::OutlineType type, int thicknes
   font.fallbackPixelSize = pixelSize;
   if (font.impl) Apply(font, hasOther);
   return true;
+}
+
+void Player::Open(PlayedFont& font) {
+  font.impl = std::make_unique<VuFontAtlas>(font.file ? font.file->Path().c_str() : "",
+                                            font.faceIndex, font.pixelSize, font.bold, font.italic);
+  Apply(font, font.fallbackFile != nullptr);
 }
 
 /// Gives a font what it was given. Another fallback font makes it forget its glyphs.
@@ -303,12 +314,7 @@ VuFontAtlas* Player::FontOf(Id id) {
     return nullptr;
   }
   PlayedFont& font = found->second;
-  if (!font.impl) {
-    font.impl =
-        std::make_unique<VuFontAtlas>(font.file ? font.file->Path().c_str() : "", font.faceIndex,
-                                      font.pixelSize, font.bold, font.italic);
-    Apply(font, font.fallbackFile != nullptr);
-  }
+  if (!font.impl) Open(font);
   return font.impl.get();
 }
 
@@ -323,14 +329,14 @@ bool Player::DoOpenContext(Decoder&, Id id, const char* file, bool flag) {
       GraphicsImplLoader::GetInstance()->CreateImplInstance(name, flag));
   if (!made) return Fail(name + " does not open here");
   contexts_[id].reset(made);
-  isOpenGl_ = name == BackendName(BackendType::OpenGLES2);
+  opened_ = name;
   return true;
 }
 
 /// Layers are those of one backend; with others the screens are drawn alone.
 bool Player::DoOpenCompositor(Decoder&, Id id, const char*, bool flag) {
   compositors_[id].reset();
-  if (!isOpenGl_) return true;
+  if (opened_ != BackendName(BackendType::OpenGLES2)) return true;
   compositors_[id].reset(static_cast<VuCompositorImpl*>(
       GraphicsImplLoader::GetInstance()->CreateImplInstance("GLCompositor", flag)));
   return true;

@@ -48,6 +48,11 @@ class Player {
   bool Play(const Record& record);
   const std::string& Problem() const { return problem_; }
 
+  /// Waits until everything is drawn.
+  void Finish();
+  /// The name of the backend that the latest context opened; empty before.
+  const std::string& Backend() const { return opened_; }
+
   /// The surface of this number; null if there is none.
   VuBitmap* Find(Id surface);
 
@@ -101,12 +106,13 @@ class Player {
   bool DoClose(Decoder&, Id id);
   bool DoSetPixels(Decoder&, Id surface, VuRect part, Id content, unsigned pitch, bool isDone);
   bool DoPixelsWritten(Decoder&, Id surface, VuRect part, Id content);
+  void Open(PlayedFont& font);
   void Apply(const PlayedFont& font, bool hasOtherFallback);
 
   const std::string backend_;
+  std::string opened_;
   std::string problem_;
   bool isSkipped_ = false;  ///< An argument was not recorded.
-  bool isOpenGl_ = false;   ///< Whether layers can be composed.
   Id object_ = Id::None;    ///< Of the operation that is carried out.
   size_t dataSize_ = 0;     ///< Of the content among the arguments.
   std::vector<uint8_t> scratch_;
