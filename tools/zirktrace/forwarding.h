@@ -92,7 +92,7 @@ Value<W> ToValue(const T& given, const Next& next) {
   } else if constexpr (std::is_same_v<W, File>) {
     return {given, recorder.ContentOfFile(given)};
   } else if constexpr (std::is_same_v<W, Data>) {
-    return given ? recorder.ContentOf({static_cast<const uint8_t*>(given), next}) : Id::None;
+    return given ? recorder.ContentOf(AsRow({static_cast<const uint8_t*>(given), next})) : Id::None;
   } else if constexpr (std::is_same_v<W, Layers>) {
     const auto count =
         given && next > 0 ? std::min<size_t>(static_cast<size_t>(next), kMostLayers) : 0;
@@ -169,9 +169,12 @@ auto Forward(Operation operation, Result (*)(W...), Id object, const Call& call,
 
 /// Overrides the operation in a row, in a class that has the object as `real_` and its Id as `id_`.
 #define ZIRK_TRACE_OVERRIDE(number, name, method, result, isConst, count, parameters) \
-  Given<result> method(ZIRK_TRACE_PARAMETERS_##count parameters) isConst override {   \
-    return Forward(Operation::name, static_cast<result(*) parameters>(nullptr), id_,  \
-                   [this](auto&&... passed) {                                         \
-                     return real_->method(passed...);                                 \
-                   } ZIRK_TRACE_ARGUMENTS_##count);                                   \
+  ZIRK_TRACE_OVERRIDE_BY(real_, name, method, result, isConst, count, parameters)
+/// The same with an expression for the object.
+#define ZIRK_TRACE_OVERRIDE_BY(real, name, method, result, isConst, count, parameters) \
+  Given<result> method(ZIRK_TRACE_PARAMETERS_##count parameters) isConst override {    \
+    return Forward(Operation::name, static_cast<result(*) parameters>(nullptr), id_,   \
+                   [this](auto&&... passed) {                                          \
+                     return (real)->method(passed...);                                 \
+                   } ZIRK_TRACE_ARGUMENTS_##count);                                    \
   }

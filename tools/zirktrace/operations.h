@@ -63,24 +63,10 @@ struct NewScreen {};  ///< The same for a screen.
   X(37, GetGraphicsType, GetGraphicsType, int, const, 0, ())                              \
   X(38, GetMaxTextureSize, GetMaxTextureSize, int, const, 0, ())
 
-#define ZIRK_TRACE_SURFACE_OPERATIONS(X)                                                          \
-  X(50, Reserved, Reserved, void, , 0, ())                                                        \
-  X(51, SetName, SetName, void, , 1, (Text))                                                      \
+/// Those that may change the pixels of their surface.
+#define ZIRK_TRACE_DRAWING_OPERATIONS(X)                                                          \
   X(52, Clear, Clear, void, , 0, ())                                                              \
   X(53, ClearTo, Clear, void, , 1, (VuColor))                                                     \
-  X(54, GetInfo, GetInfo, VuBitmapInfo, const, 0, ())                                             \
-  X(55, GetSize, GetSize, uint32_t, const, 0, ())                                                 \
-  X(56, GetBounds, GetBounds, VuRect, const, 0, ())                                               \
-  X(57, GetClippingRect, GetClippingRect, VuRect, const, 0, ())                                   \
-  X(58, SetClippingRect, SetClippingRect, void, , 1, (VuRect))                                    \
-  X(59, GetBlendingFunc, GetBlendingFunc, void, const, 2,                                         \
-    (Out<VuBlendingFactor>, Out<VuBlendingFactor>))                                               \
-  X(62, GetBlendEnabled, GetBlendEnabled, bool, const, 0, ())                                     \
-  X(63, SetBlendEnabled, SetBlendEnabled, void, , 1, (bool))                                      \
-  X(64, GetBlendColor, GetBlendColor, VuColor, const, 0, ())                                      \
-  X(65, SetBlendColor, SetBlendColor, void, , 1, (VuColor))                                       \
-  X(66, GetScaleMode, GetScaleMode, VuScaleMode, const, 0, ())                                    \
-  X(67, SetScaleMode, SetScaleMode, void, , 1, (VuScaleMode))                                     \
   X(68, DrawPoint, DrawPoint, void, , 6,                                                          \
     (VuPoint, float, VuColor, VuTransform, Mask, VuTVector2D<float>))                             \
   X(69, DrawPointBy, DrawPoint, void, , 6,                                                        \
@@ -100,11 +86,31 @@ struct NewScreen {};  ///< The same for a screen.
     (Font, Text, VuPoint, VuColor, VuTransform, Mask, Points<4>, VuRect))                         \
   X(78, DrawTextBy, DrawText, void, , 8,                                                          \
     (Font, Text, VuPoint, VuColor, VuTMatrix2D<float>, Mask, Points<4>, VuRect))                  \
-  X(81, Finish, Finish, void, , 0, ())                                                            \
-  X(82, Flush, Flush, void, , 0, ())                                                              \
-  X(83, GetPixels, GetPixels, bool, , 2, (VuRect, Into))                                          \
-  X(84, CopyPixels, CopyPixels, bool, , 3, (VuPoint, Source, VuRect))                             \
+  X(84, CopyPixels, CopyPixels, bool, , 3, (VuPoint, Source, VuRect))
+
+#define ZIRK_TRACE_OTHER_SURFACE_OPERATIONS(X)                  \
+  X(50, Reserved, Reserved, void, , 0, ())                      \
+  X(51, SetName, SetName, void, , 1, (Text))                    \
+  X(54, GetInfo, GetInfo, VuBitmapInfo, const, 0, ())           \
+  X(55, GetSize, GetSize, uint32_t, const, 0, ())               \
+  X(56, GetBounds, GetBounds, VuRect, const, 0, ())             \
+  X(57, GetClippingRect, GetClippingRect, VuRect, const, 0, ()) \
+  X(58, SetClippingRect, SetClippingRect, void, , 1, (VuRect))  \
+  X(59, GetBlendingFunc, GetBlendingFunc, void, const, 2,       \
+    (Out<VuBlendingFactor>, Out<VuBlendingFactor>))             \
+  X(62, GetBlendEnabled, GetBlendEnabled, bool, const, 0, ())   \
+  X(63, SetBlendEnabled, SetBlendEnabled, void, , 1, (bool))    \
+  X(64, GetBlendColor, GetBlendColor, VuColor, const, 0, ())    \
+  X(65, SetBlendColor, SetBlendColor, void, , 1, (VuColor))     \
+  X(66, GetScaleMode, GetScaleMode, VuScaleMode, const, 0, ())  \
+  X(67, SetScaleMode, SetScaleMode, void, , 1, (VuScaleMode))   \
+  X(81, Finish, Finish, void, , 0, ())                          \
+  X(82, Flush, Flush, void, , 0, ())                            \
+  X(83, GetPixels, GetPixels, bool, , 2, (VuRect, Into))        \
   X(85, IsTextureBacked, IsTextureBacked, bool, const, 0, ())
+
+#define ZIRK_TRACE_SURFACE_OPERATIONS(X) \
+  ZIRK_TRACE_DRAWING_OPERATIONS(X) ZIRK_TRACE_OTHER_SURFACE_OPERATIONS(X)
 
 /// Surface operations with which more is done than recording them.
 #define ZIRK_TRACE_WATCHED_OPERATIONS(X)                                                   \
@@ -162,14 +168,14 @@ constexpr bool HasObject(Operation operation) {
 /// Whether the operation may change the pixels of the surface that it is of.
 constexpr bool ChangesPixels(Operation operation) {
   switch (operation) {
-    case Operation::Clear:
-    case Operation::ClearTo:
-    case Operation::CopyPixels:
+#define X(number, name, ...) case Operation::name:
+    ZIRK_TRACE_DRAWING_OPERATIONS(X)
+#undef X
     case Operation::SetPixels:
     case Operation::PixelsWritten:
       return true;
     default:
-      return operation >= Operation::DrawPoint && operation <= Operation::DrawTextBy;
+      return false;
   }
 }
 

@@ -29,6 +29,16 @@ const char* OrEmpty(const char* text) {
   return text ? text : "";
 }
 
+/// The same as of the rows without gaps.
+XXH128_hash_t HashOf(const Rows& rows) {
+  if (rows.pitch == rows.size) return XXH3_128bits(rows.first, rows.Bytes());
+  XXH3_state_t state;
+  XXH3_128bits_reset(&state);
+  for (size_t y = 0; y < rows.count; ++y)
+    XXH3_128bits_update(&state, rows.first + y * rows.pitch, rows.size);
+  return XXH3_128bits_digest(&state);
+}
+
 /// Whether a font was made of the same: a path by its characters, memory by its place.
 bool IsSame(const FontSource& a, const std::string& pathOfA, const FontSource& b) {
   return a.data == b.data && a.size == b.size && a.faceIndex == b.faceIndex &&
@@ -57,19 +67,21 @@ Recorder::Recorder() : ring_(Ring::Claim()) {
 }
 
 /// Writes the record's head, its fields, and the content that follows them.
-void Recorder::HandOver(Operation operation, std::span<const uint8_t> content) {
+void Recorder::HandOver(Operation operation, const Rows& content) {
   const std::span<const uint8_t> fields = record_.Bytes();
   const auto time = std::chrono::steady_clock::now() - start_;
   RecordHead head;
   head.length =
-      static_cast<uint32_t>(kHeadSize - sizeof head.length + fields.size() + content.size());
+      static_cast<uint32_t>(kHeadSize - sizeof head.length + fields.size() + content.Bytes());
   head.operation = operation;
   head.thread = ThisThread();
   head.time = static_cast<uint64_t>(std::chrono::nanoseconds(time).count());
   head_.Clear();
   Transfer(head_, head);
-  if (!ring_->Write(head_.Bytes()) || !ring_->Write(fields) || !ring_->Write(content))
-    isOn_ = false;
+  bool isWritten = ring_->Write(head_.Bytes()) && ring_->Write(fields);
+  for (size_t y = 0; y < content.count && isWritten; ++y)
+    isWritten = ring_->Write({content.first + y * content.pitch, content.size});
+  if (!isWritten) isOn_ = false;
 }
 
 void Recorder::Add(Id id, Described& object) {
@@ -91,23 +103,24 @@ void Recorder::EndFrame() {
   for (const auto& [id, object] : objects_) object->Describe();
 }
 
-Id Recorder::ContentOf(std::span<const uint8_t> bytes) {
-  if (!IsOn() || bytes.size() > kContentWindow) return Id::None;
-  const XXH128_hash_t hash = XXH3_128bits(bytes.data(), bytes.size());
+Id Recorder::ContentOf(const Rows& rows) {
+  const size_t size = rows.Bytes();
+  if (!IsOn() || size > kContentWindow) return Id::None;
+  const XXH128_hash_t hash = HashOf(rows);
   const Hash key{hash.low64, hash.high64};
   const std::lock_guard lock(contentMutex_);
   const auto [found, isNew] = contents_.try_emplace(key, Id::None);
   if (!isNew) return found->second;
   Id id = found->second = NewId();
-  oldest_.emplace_back(key, bytes.size());
-  for (contentBytes_ += bytes.size(); contentBytes_ > kContentWindow; oldest_.pop_front()) {
+  oldest_.emplace_back(key, size);
+  for (contentBytes_ += size; contentBytes_ > kContentWindow; oldest_.pop_front()) {
     contentBytes_ -= oldest_.front().second;
     contents_.erase(oldest_.front().first);
   }
   const std::lock_guard recordLock(mutex_);
   record_.Clear();
   Transfer(record_, id);
-  HandOver(Operation::Content, bytes);
+  HandOver(Operation::Content, rows);
   return id;
 }
 
@@ -123,7 +136,7 @@ Id Recorder::ContentOfFile(const char* path) {
     read = std::fread(bytes.data() + size, 1, kPart, file.get());
     bytes.resize(size + read);
   }
-  return std::ferror(file.get()) ? Id::None : ContentOf(bytes);
+  return std::ferror(file.get()) ? Id::None : ContentOf(AsRow(bytes));
 }
 
 Id Recorder::FontOf(const VuFontImpl* font) {
@@ -143,7 +156,7 @@ void Recorder::MakeFont(KnownFont& known, const FontSource& source) {
   known.path = OrEmpty(source.path);
   known.source = source;
   const Id content =
-      source.data ? ContentOf({source.data, source.size}) : ContentOfFile(source.path);
+      source.data ? ContentOf(AsRow({source.data, source.size})) : ContentOfFile(source.path);
   Write(Operation::MakeFont, known.id, content, source.faceIndex, source.pixelSize, source.bold,
         source.italic);
 }

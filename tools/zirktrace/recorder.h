@@ -16,6 +16,7 @@
 
 #include "fields.h"
 #include "ring.h"
+#include "rows.h"
 #include "tracefile.h"
 
 namespace ZIRK::trace {
@@ -55,9 +56,9 @@ class Recorder {
   /// asked for.
   void EndFrame();
 
-  /// The content with these bytes, which is written where it was not yet. 0 for one that is too
-  /// large.
-  Id ContentOf(std::span<const uint8_t> bytes);
+  /// The content with the bytes of these rows, which is written where it was not yet. 0 for one
+  /// that is too large.
+  Id ContentOf(const Rows& rows);
   /// That of a file; None where it cannot be read.
   Id ContentOfFile(const char* path);
   /// The font, which is written where it is new or has changed. 0 for one that is not the
@@ -83,7 +84,7 @@ class Recorder {
   };
 
   Recorder();
-  void HandOver(Operation operation, std::span<const uint8_t> content);
+  void HandOver(Operation operation, const Rows& content);
   void MakeFont(KnownFont& known, const FontSource& source);
   void StyleFont(KnownFont& known, const VuFontAtlas& font);
 

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "forwarding.h"
+#include "lockedpixels.h"
 
 /// @file
 /// The objects that a recorded program gets: each forwards to the real one, which it owns.
@@ -27,7 +28,10 @@ class TracedSurface : public Base, private Described {
   VuBitmapImpl* Real() const { return real_; }
   Id GetId() const { return id_; }
 
-  ZIRK_TRACE_SURFACE_OPERATIONS(ZIRK_TRACE_OVERRIDE)
+  ZIRK_TRACE_OTHER_SURFACE_OPERATIONS(ZIRK_TRACE_OVERRIDE)
+#define ZIRK_TRACE_OVERRIDE_DRAWING(number, ...) ZIRK_TRACE_OVERRIDE_BY(Changing(), __VA_ARGS__)
+  ZIRK_TRACE_DRAWING_OPERATIONS(ZIRK_TRACE_OVERRIDE_DRAWING)
+#undef ZIRK_TRACE_OVERRIDE_DRAWING
 
   // The real surface tells two of the four factors.
 
@@ -46,33 +50,46 @@ class TracedSurface : public Base, private Described {
 
   bool Lock(bool write) override {
     const bool isLocked = real_->Lock(write);
-    if (isLocked && write && Recorder::Get().IsOn()) before_ = LockedPixels();
-    Recorder::Get().Write(Operation::Lock, id_, write, isLocked);
+    Recorder& recorder = Recorder::Get();
+    if (isLocked && write && recorder.IsOn()) locked_.Begin(real_->GetInfo());
+    recorder.Write(Operation::Lock, id_, write, isLocked);
     return isLocked;
   }
 
   bool Unlock() override {
-    const std::vector<uint8_t> after = before_.empty() ? std::vector<uint8_t>() : LockedPixels();
-    const VuBitmapInfo info = real_->GetInfo();
+    Recorder& recorder = Recorder::Get();
+    VuRect part{};
+    Id content = Id::None;
+    if (locked_.HasBegun()) {
+      const VuBitmapInfo info = real_->GetInfo();
+      part = locked_.End(info);
+      if (part.width > 0) content = recorder.ContentOf(RowsOf(info, part));
+    }
     const bool isUnlocked = real_->Unlock();
-    Recorder::Get().Write(Operation::Unlock, id_, isUnlocked);
-    if (isUnlocked && after.size() == before_.size()) RecordChange(info, after);
-    before_.clear();
+    recorder.Write(Operation::Unlock, id_, isUnlocked);
+    if (part.width > 0) recorder.Write(Operation::PixelsWritten, id_, part, content);
     return isUnlocked;
   }
 
   bool SetPixels(VuRect rect, const void* src, unsigned pitch) override {
-    const bool isDone = real_->SetPixels(rect, src, pitch);
+    const bool isDone = Changing()->SetPixels(rect, src, pitch);
     Recorder& recorder = Recorder::Get();
     if (!recorder.IsOn()) return isDone;
     // What was refused may not be readable.
-    const Id content =
-        isDone ? recorder.ContentOf(TightRows(src, pitch, rect.width, rect.height)) : Id::None;
+    const Id content = isDone ? recorder.ContentOf(RowsOf(src, pitch, rect.width, rect.height,
+                                                          real_->GetInfo().format))
+                              : Id::None;
     recorder.Write(Operation::SetPixels, id_, rect, content, pitch, isDone);
     return isDone;
   }
 
  protected:
+  /// The real surface, for what may change its pixels.
+  Base* Changing() {
+    locked_.Forget();
+    return real_;
+  }
+
   Base* const real_;
   const Id id_;
 
@@ -89,7 +106,7 @@ class TracedSurface : public Base, private Described {
     std::vector<uint8_t> pixels(size_t{BytesPerPixel(format)} * static_cast<size_t>(width) *
                                 static_cast<size_t>(height));
     if (!pixels.empty() && real_->GetPixels(whole, pixels.data()))
-      recorder.Write(Operation::PixelsWritten, id, whole, recorder.ContentOf(pixels));
+      recorder.Write(Operation::PixelsWritten, id, whole, recorder.ContentOf(AsRow(pixels)));
     DescribeState();
   }
 
@@ -107,39 +124,10 @@ class TracedSurface : public Base, private Described {
     recorder.Write(Operation::SetScaleMode, id_, real_->GetScaleMode());
   }
 
-  std::vector<uint8_t> TightRows(const void* pixels, size_t pitch, int width, int height) const {
-    const size_t row = static_cast<size_t>(width) * BytesPerPixel(real_->GetInfo().format);
-    std::vector<uint8_t> tight;
-    tight.reserve(row * static_cast<size_t>(height));
-    const auto* from = static_cast<const uint8_t*>(pixels);
-    for (int y = 0; y < height; ++y, from += pitch) tight.insert(tight.end(), from, from + row);
-    return tight;
-  }
-
-  /// Empty where the backend does not show them.
-  std::vector<uint8_t> LockedPixels() const {
-    const VuBitmapInfo info = real_->GetInfo();
-    if (!info.pixels || info.pitch <= 0) return {};
-    return TightRows(info.pixels, static_cast<size_t>(info.pitch), info.width, info.height);
-  }
-
-  /// Records the rows from the first to the last one that differ.
-  void RecordChange(const VuBitmapInfo& info, const std::vector<uint8_t>& after) {
-    const size_t row = static_cast<size_t>(info.width) * BytesPerPixel(info.format);
-    const auto first = std::mismatch(after.begin(), after.end(), before_.begin()).first;
-    if (row == 0 || first == after.end()) return;
-    const auto last = std::mismatch(after.rbegin(), after.rend(), before_.rbegin()).first;
-    const auto top = static_cast<size_t>(first - after.begin()) / row;
-    const auto bottom = static_cast<size_t>(after.rend() - last - 1) / row + 1;
-    const Id content = Recorder::Get().ContentOf({after.data() + top * row, (bottom - top) * row});
-    const VuRect part{0, static_cast<int>(top), info.width, static_cast<int>(bottom - top)};
-    Recorder::Get().Write(Operation::PixelsWritten, id_, part, content);
-  }
-
   const Id context_;
   const CreatedValue created_;
   std::optional<std::array<VuBlendingFactor, 4>> factors_;  ///< Where the latest ones were four.
-  std::vector<uint8_t> before_;  ///< The pixels when they were locked for writing.
+  LockedPixels locked_;
 };
 
 class TracedBitmap final : public TracedSurface<VuBitmapImpl> {
@@ -152,7 +140,7 @@ class TracedScreen final : public TracedSurface<VuScreenImpl> {
   using TracedSurface::TracedSurface;
 
   void SwapBuffers() override {
-    real_->SwapBuffers();
+    Changing()->SwapBuffers();
     Recorder::Get().Write(Operation::SwapBuffers, id_);
     Recorder::Get().EndFrame();
   }
