@@ -1,5 +1,6 @@
 #include <zirk/kit/pictures.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <optional>
 #include <set>
@@ -26,6 +27,7 @@ class Pair {
   /// To be asked once, at the end.
   bool IsSound() const { return isSound_ && trace_.Report(); }
 
+  bool IsSurface(Id id) { return a_.Find(id) != nullptr; }
   /// Nothing where the surfaces of this number agree, or are not there any more.
   std::optional<kit::Difference> Differ(Id surface) {
     VuBitmap *const a = a_.Find(surface), *const b = b_.Find(surface);
@@ -73,18 +75,21 @@ uint64_t FindFrame(Pair& pair, uint64_t firstFrame) {
   std::set<Id> drawn;
   uint64_t frame = 0;
   const auto differs = [&] {
-    for (const Id surface : drawn)
-      if (pair.Differ(surface)) return true;
-    return false;
+    return std::any_of(drawn.begin(), drawn.end(), [&](Id id) { return pair.Differ(id); });
+  };
+  // What is about to go is looked at, a surface alone, a context with its surfaces.
+  const auto goesDifferent = [&](Id id) {
+    return pair.IsSurface(id) ? drawn.count(id) > 0 && pair.Differ(id) : differs();
   };
   for (Record record; pair.Next(record);) {
+    const Id object = ObjectOf(record);
     if (record.frame >= firstFrame) frame = record.frame;
-    if (ChangesPixels(record.operation)) drawn.insert(ObjectOf(record));
-    // Before surfaces go, and before the next picture covers this one.
-    const bool isLastLook =
-        record.operation == Operation::SwapBuffers || record.operation == Operation::Close;
-    if (isLastLook && frame > 0 && differs()) return frame;
-    if (record.operation == Operation::SwapBuffers) drawn.clear();
+    if (ChangesPixels(record.operation)) drawn.insert(object);
+    const bool isShown = record.operation == Operation::SwapBuffers;
+    const bool goes = record.operation == Operation::Close;
+    if (frame > 0 && ((isShown && differs()) || (goes && goesDifferent(object)))) return frame;
+    if (isShown) drawn.clear();
+    if (goes) drawn.erase(object);
     if (!pair.Play(record)) return 0;
   }
   return frame > 0 && differs() ? frame : 0;
