@@ -8,10 +8,9 @@
 #include <sstream>
 #include <string>
 
-#include "fields.h"
 #include "player.h"
 #include "program.h"
-#include "tracefile.h"
+#include "tracebuilder.h"
 
 namespace ZIRK::trace {
 namespace {
@@ -174,35 +173,6 @@ TEST(ZirktraceProgram, AnswersAsItsManualSays) {
   }
 }
 
-/// A trace of these records.
-class Trace {
- public:
-  template <class... T>
-  Trace& Add(Operation operation, T... fields) {
-    Encoder body;
-    (Transfer(body, fields), ...);
-    return AddRaw(static_cast<uint32_t>(kHeadSize - 4 + body.Bytes().size()), operation,
-                  body.Bytes());
-  }
-  Trace& AddRaw(uint32_t length, Operation operation, std::span<const uint8_t> body = {}) {
-    Encoder head;
-    RecordHead values{length, operation, 0, 0};
-    Transfer(head, values);
-    bytes_.insert(bytes_.end(), head.Bytes().begin(), head.Bytes().end());
-    bytes_.insert(bytes_.end(), body.begin(), body.end());
-    return *this;
-  }
-  /// As a file has it.
-  std::string InFile() const {
-    const std::string name = testing::UnitTest::GetInstance()->current_test_info()->name();
-    const auto writer = TraceWriter::Create(kFolder + '/' + name);
-    return writer->Add(bytes_) && writer->Flush() ? FileBytes(name) : "";
-  }
-
- private:
-  std::vector<uint8_t> bytes_;
-};
-
 struct Played {
   std::string problem;
   uint64_t operations = 0;
@@ -223,8 +193,8 @@ Played Play(const std::string& bytes) {
 
 constexpr Id kContext{1}, kSurface{2}, kOther{3}, kNothing{99};
 
-Trace Begun() {
-  Trace trace;
+TraceBuilder Begun() {
+  TraceBuilder trace;
   trace.Add(Operation::OpenContext, kContext, "libZIRKImplFB.so", false)
       .Add(Operation::CreateBitmap, kContext, 8, 8, VuPixelFormat::ARGB8888,
            CreatedValue{kSurface, 8, 8, VuPixelFormat::ARGB8888})
@@ -234,7 +204,7 @@ Trace Begun() {
 
 TEST(TraceReader, RefusesWhatIsNoTrace) {
   const VuRect part{0, 0, 8, 8};
-  const std::tuple<const char*, Trace, const char*> cases[] = {
+  const std::tuple<const char*, TraceBuilder, const char*> cases[] = {
       {"length", Begun().AddRaw(0xFFFFFFFF, Operation::Clear),
        "operation 4: a length of 4294967295"},
       {"short", Begun().AddRaw(3, Operation::Clear), "operation 4: a length of 3"},
@@ -277,11 +247,11 @@ TEST(TraceReader, RefusesWhatIsNoTrace) {
 
 /// Several blocks, cut and changed at every byte.
 TEST(TraceReader, UsesACutTraceAndNoChangedOne) {
-  Trace trace = Begun();
+  TraceBuilder trace = Begun();
   for (int i = 0; i < 5; ++i) trace.Add(Operation::ClearTo, kSurface, VuColor(uint32_t(i)));
   std::string whole = trace.InFile();
   const size_t block = whole.size();
-  whole += Trace().Add(Operation::Clear, kSurface).InFile().substr(12);
+  whole += TraceBuilder().Add(Operation::Clear, kSurface).InFile().substr(12);
   for (size_t size = 0; size <= whole.size(); ++size) {
     const Played cut = Play(whole.substr(0, size));
     EXPECT_EQ(cut.problem, size < 12 ? "no trace" : "") << size;

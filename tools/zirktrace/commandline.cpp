@@ -18,16 +18,20 @@ constexpr char kHelp[] =
        zirktrace replay --compare [--worst STEPS] [--frames A-B] [--png FOLDER] A B FILE
        zirktrace dump [--frames A-B] FILE
        zirktrace info FILE
+       zirktrace overdraw --frame N [--surface NUMBER] -o PNG FILE
 
 record     runs a program and writes down what it draws; a trace holds the
            program's fonts, texts and pictures
 replay     draws it again, without the program, by any backend
 dump       prints the operations of a trace, one a line
 info       says what is in a trace
+overdraw   draws how often each pixel of a frame was written
 
-  -o, --output FILE  the trace, named after the program unless given
+  -o, --output FILE  what is written; record names it after the program unless given
   --backend NAME     the backend that draws, that of the recording unless given
   --frames A-B       only these frames, counted from 1: A, A-, -B or A-B
+  --frame N          only this frame
+  --surface NUMBER   a surface as dump numbers it, the shown screen unless given
   --loop N           replay so many times
   --png FOLDER       write what each frame shows, or the pictures that differ
   --bench            measure operations and frames per second, and the processor's
@@ -55,6 +59,7 @@ enum OptionCode {
   kJson,
   kCompare,
   kWorst,
+  kSurface,
   kVerbose,
   kVersion,
 };
@@ -63,12 +68,14 @@ constexpr option kOptions[] = {
     {"output", required_argument, nullptr, kOutput},
     {"backend", required_argument, nullptr, kBackend},
     {"frames", required_argument, nullptr, kFrames},
+    {"frame", required_argument, nullptr, kFrames},
     {"loop", required_argument, nullptr, kLoop},
     {"png", required_argument, nullptr, kPng},
     {"bench", no_argument, nullptr, kBench},
     {"json", no_argument, nullptr, kJson},
     {"compare", no_argument, nullptr, kCompare},
     {"worst", required_argument, nullptr, kWorst},
+    {"surface", required_argument, nullptr, kSurface},
     {"verbose", no_argument, nullptr, kVerbose},
     {"help", no_argument, nullptr, kHelpOption},
     {"version", no_argument, nullptr, kVersion},
@@ -87,6 +94,7 @@ const Command* FindCommand(const std::string& name) {
       {"replay", {kBackend, kFrames, kLoop, kPng, kBench, kJson, kCompare, kWorst}, 1},
       {"dump", {kFrames}, 1},
       {"info", {}, 1},
+      {"overdraw", {kOutput, kFrames, kSurface}, 1},
   };
   for (const Command& command : kCommands)
     if (name == command.name) return &command;
@@ -141,6 +149,8 @@ bool TakeOption(int code, const char* argument, CommandLine& line) {
       return true;
     case kWorst:
       return ReadNumber(argument, end, 0, 255, line.worst);
+    case kSurface:
+      return ReadNumber(argument, end, uint32_t{1}, UINT32_MAX, line.surface);
     case kVerbose:
       line.isVerbose = true;
       return true;
@@ -167,6 +177,8 @@ int Check(const CommandLine& line, const std::vector<int>& used) {
     return kTool.Wrong("--%s goes without --compare and --png", kTool.NameOf(kBench));
   if (line.isJson && !line.measures)
     return kTool.Wrong("--%s goes with --bench", kTool.NameOf(kJson));
+  if (line.command == "overdraw" && (line.output.empty() || line.firstFrame != line.lastFrame))
+    return kTool.Wrong("'%s' needs --output and one --frame", command->name);
   return kDone;
 }
 

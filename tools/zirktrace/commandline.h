@@ -18,6 +18,7 @@ struct CommandLine {
   std::string backend;  ///< Empty for the one of the recording.
   std::string pngFolder;
   uint64_t firstFrame = 1, lastFrame = UINT64_MAX;
+  uint32_t surface = 0;  ///< 0 for the one that the frame shows.
   int loops = 1;
   int worst = 2;
   bool compares = false;

@@ -11,5 +11,6 @@ int MeasureReplay(const CommandLine& line);
 int CompareBackends(const CommandLine& line);
 int DumpTrace(const CommandLine& line);
 int ShowTrace(const CommandLine& line);
+int ShowOverdraw(const CommandLine& line);
 
 }  // namespace ZIRK::trace

@@ -13,6 +13,7 @@ int RunCommand(const CommandLine& line) {
   if (line.command == "dump") return DumpTrace(line);
   if (line.command == "info") return ShowTrace(line);
   if (line.measures) return MeasureReplay(line);
+  if (line.command == "overdraw") return ShowOverdraw(line);
   return line.compares ? CompareBackends(line) : ReplayTrace(line);
 }
 

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "fields.h"
+#include "tracefile.h"
+
+namespace ZIRK::trace {
+
+/// Makes a trace of these records.
+class TraceBuilder {
+ public:
+  template <class... T>
+  TraceBuilder& Add(Operation operation, T... fields) {
+    Encoder body;
+    (Transfer(body, fields), ...);
+    return AddRaw(static_cast<uint32_t>(kHeadSize - 4 + body.Bytes().size()), operation,
+                  body.Bytes());
+  }
+  TraceBuilder& AddRaw(uint32_t length, Operation operation, std::span<const uint8_t> body = {}) {
+    Encoder head;
+    RecordHead values{length, operation, 0, 0};
+    Transfer(head, values);
+    bytes_.insert(bytes_.end(), head.Bytes().begin(), head.Bytes().end());
+    bytes_.insert(bytes_.end(), body.begin(), body.end());
+    return *this;
+  }
+  /// Writes it to a file.
+  void Save(const std::string& path) const {
+    const auto writer = TraceWriter::Create(path);
+    ASSERT_TRUE(writer && writer->Add(bytes_) && writer->Flush());
+  }
+  /// As a file has it.
+  std::string InFile() const {
+    const std::string path = testing::TempDir() + "tracebuilder-" + std::to_string(getpid());
+    Save(path);
+    std::ifstream file(path, std::ios::binary);
+    std::string bytes{std::istreambuf_iterator<char>(file), {}};
+    std::remove(path.c_str());
+    return bytes;
+  }
+
+ private:
+  std::vector<uint8_t> bytes_;
+};
+
+}  // namespace ZIRK::trace

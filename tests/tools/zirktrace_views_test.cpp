@@ -1,0 +1,187 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <tuple>
+
+#include "coverage.h"
+#include "heatmap.h"
+#include "player.h"
+#include "program.h"
+#include "tracebuilder.h"
+
+namespace ZIRK::trace {
+namespace {
+
+using testing::ContainsRegex;
+using testing::HasSubstr;
+
+const std::string kFolder = helpers::FolderOf("zirktrace_views_test");
+
+helpers::Result Zirktrace(const std::string& arguments, const std::string& prefix = "") {
+  return helpers::Run(kFolder, prefix + " " ZIRKTRACE " " + arguments);
+}
+
+constexpr Id kContext{1}, kScreen{2}, kBitmap{3}, kMask{4}, kBytes{5}, kFont{6};
+constexpr VuPixelFormat kArgb = VuPixelFormat::ARGB8888;
+const VuTransform kStraight;
+const PointsValue<4> kNoPoints;
+
+/// A screen of 8 x 8 pixels, a transparent bitmap of 4 x 4, and a mask with half of its pixels.
+TraceBuilder Begun() {
+  TraceBuilder trace;
+  trace.Add(Operation::OpenContext, kContext, "libZIRKImplFB.so", false)
+      .Add(Operation::CreateScreenAs, kContext, VuScreenDescription{8, 8, 0, 2, kArgb, false},
+           CreatedValue{kScreen, 8, 8, kArgb})
+      .Add(Operation::CreateBitmap, kContext, 4, 4, kArgb, CreatedValue{kBitmap, 4, 4, kArgb})
+      .Add(Operation::CreateBitmap, kContext, 2, 1, VuPixelFormat::A8,
+           CreatedValue{kMask, 2, 1, VuPixelFormat::A8})
+      .Add(Operation::Content, kBytes, uint16_t{0xFF00})
+      .Add(Operation::SetPixels, kMask, VuRect{0, 0, 2, 1}, kBytes, 2u, true);
+  return trace;
+}
+
+TraceBuilder& AddRect(TraceBuilder& trace, const VuRect& rect, VuColor color,
+                      const VuTransform& transform = kStraight, Id mask = Id::None) {
+  return trace.Add(Operation::DrawRect, kScreen, rect, color, transform, mask, kNoPoints);
+}
+
+TraceBuilder& AddObject(TraceBuilder& trace, const VuRect& to, const VuRect& from,
+                        Id source = kBitmap) {
+  return trace.Add(Operation::DrawObject, kScreen, to, source, from, kStraight, VuColor{0x00FFFFFF},
+                   Id::None, kNoPoints);
+}
+
+/// Plays a trace and says what its last operation that draws writes: how many pixels, in which
+/// rectangle, and how many of them whatever was there; or the problem.
+std::string LastWritten(const TraceBuilder& trace) {
+  std::istringstream stream(trace.InFile());
+  TraceReader reader(stream);
+  Player player("FB");
+  Coverage coverage(player);
+  Written written, replaced;
+  for (Record record; reader.Next(record);) {
+    coverage.Follow(record);
+    const bool isDrawing = ChangesPixels(record.operation) && HasObject(record.operation);
+    if ((ChangesPixels(record.operation) && !coverage.Find(record, written)) ||
+        (isDrawing && !coverage.FindReplaced(record, replaced)) || !player.Play(record))
+      return player.Problem();
+  }
+  int left = 8, top = 8, right = 0, bottom = 0;
+  for (size_t i = 0; i < written.pixels.size(); ++i) {
+    if (written.pixels[i] == 0) continue;
+    const int x = static_cast<int>(i) % written.part.width + written.part.x;
+    const int y = static_cast<int>(i) / written.part.width + written.part.y;
+    left = std::min(left, x), right = std::max(right, x + 1);
+    top = std::min(top, y), bottom = std::max(bottom, y + 1);
+  }
+  const auto whatever =
+      std::count(replaced.pixels.begin(), replaced.pixels.end(), Coverage::kReplaced);
+  std::ostringstream text;
+  text << written.Count();
+  if (left < right) text << " in " << left << ',' << top << '-' << right << ',' << bottom;
+  if (whatever > 0) text << ", " << whatever << " replaced";
+  return text.str() + reader.Problem();
+}
+
+TEST(ZirktraceCoverage, CountsWhatAnOperationWritesOrBlends) {
+  const VuRect middle{2, 2, 4, 4}, whole{0, 0, 4, 4};
+  const VuColor red{0xFFFF0000}, none{0x00000000}, half{0x80FF0000};
+  const auto with = [](auto... fields) { return std::move(Begun().Add(fields...)); };
+  const auto rect = [](TraceBuilder trace, const VuRect& r, VuColor color,
+                       const VuTransform& transform = kStraight,
+                       Id mask = Id::None) { return AddRect(trace, r, color, transform, mask); };
+  const TraceBuilder clipped = with(Operation::SetClippingRect, kScreen, VuRect{-4, 3, 8, 9});
+  const TraceBuilder unblended = with(Operation::SetBlendEnabled, kScreen, false);
+  const auto added =
+      with(Operation::SetBlendingFunc, kScreen, VuBlendingFactor::One, VuBlendingFactor::One);
+  const auto multiplied = with(Operation::SetBlendingFunc, kScreen, VuBlendingFactor::Zero,
+                               VuBlendingFactor::OneMinusDstAlpha);
+  TraceBuilder object = Begun(), beyond = Begun(), self = Begun();
+  const std::tuple<const char*, TraceBuilder, const char*> cases[] = {
+      {"opaque", rect(Begun(), middle, red), "16 in 2,2-6,6, 16 replaced"},
+      {"half", rect(Begun(), middle, half), "16 in 2,2-6,6"},
+      {"transparent", rect(Begun(), middle, none), "16 in 2,2-6,6"},
+      {"unblended", rect(unblended, middle, half), "16 in 2,2-6,6, 16 replaced"},
+      {"added", rect(added, middle, half), "16 in 2,2-6,6"},
+      {"multiplied", rect(multiplied, middle, red), "16 in 2,2-6,6"},
+      {"clipped", rect(clipped, middle, red), "6 in 2,3-4,6, 6 replaced"},
+      {"outside", rect(Begun(), {8, 0, 4, 4}, red), "0"},
+      {"scaled", rect(Begun(), {0, 0, 2, 2}, red, VuTransform(1, 1, 3, 2, 0)),
+       "24 in 1,1-7,5, 24 replaced"},
+      {"masked", rect(Begun(), middle, red, kStraight, kMask), "8 in 4,2-6,6, 8 replaced"},
+      {"object", AddObject(object, middle, {0, 0, 2, 2}), "16 in 2,2-6,6"},
+      {"beyond", AddObject(beyond, middle, {2, 2, 4, 4}), "4 in 2,2-4,4"},
+      {"self", AddObject(self, middle, {0, 0, 8, 8}, kScreen), "16 in 2,2-6,6"},
+      {"clear", TraceBuilder(clipped).Add(Operation::Clear, kScreen),
+       "64 in 0,0-8,8, 64 replaced"},
+      {"copy",
+       TraceBuilder(clipped).Add(Operation::CopyPixels, kScreen, VuPoint{6, -1}, kBitmap, whole,
+                                 true),
+       "6 in 6,0-8,3, 6 replaced"},
+      {"pixels", with(Operation::SetPixels, kMask, VuRect{1, 0, 1, 1}, kBytes, 1u, true),
+       "1 in 1,0-2,1"},
+      {"refused", with(Operation::SetPixels, kMask, VuRect{1, 0, 4, 4}, Id::None, 9u, false), "0"},
+      {"locked", with(Operation::PixelsWritten, kMask, VuRect{1, 0, 1, 1}, kBytes), "1 in 1,0-2,1"},
+      {"absurd", with(Operation::PixelsWritten, kMask, VuRect{-9, 0, 1 << 30, 1 << 30}, kBytes),
+       "fewer pixels than the part has"},
+      {"gone", with(Operation::Close, kContext).Add(Operation::Clear, kScreen),
+       "there is no surface 2"},
+  };
+  for (const auto& [name, trace, expected] : cases) EXPECT_EQ(LastWritten(trace), expected) << name;
+}
+
+TEST(ZirktraceOverdraw, DrawsAMapWithALegend) {
+  TraceBuilder trace = Begun();
+  trace.Add(Operation::Clear, kScreen).Add(Operation::SwapBuffers, kScreen);
+  AddRect(AddRect(trace, {0, 0, 8, 8}, 0), {0, 0, 4, 8}, 0);
+  for (int i = 0; i < 9; ++i) AddRect(trace, {7, 7, 1, 1}, 0);
+  trace.Add(Operation::SwapBuffers, kScreen).Save(kFolder + "/map.zirktrace");
+  EXPECT_EQ(Zirktrace("overdraw --frame 2 -o map.png map.zirktrace").output,
+            "surface: 2\nmean: 1.6406\nmost: 10\nwritten on 2: 105\n");
+  const std::unique_ptr<VuGraphics> graphics(VuGraphics::Create("FB", false));
+  const std::unique_ptr<VuBitmap> map(
+      graphics->CreateBitmapFromFile((kFolder + "/map.png").c_str()));
+  ASSERT_TRUE(map);
+  const auto pixel = [&](int x, int y) {
+    uint32_t argb = 0;
+    map->GetPixels({x, y, 1, 1}, &argb);
+    return argb | 0xFF000000;
+  };
+  EXPECT_EQ(pixel(0, 0), kHeatColors[2]);
+  EXPECT_EQ(pixel(4, 0), kHeatColors[1]);
+  EXPECT_EQ(pixel(7, 7), kHeatColors[8]);
+  EXPECT_EQ(map->GetBounds().height, 8 + 56);
+  const int step = 356 / 9;
+  for (int i = 0; i < 9; ++i) EXPECT_EQ(pixel(8 + i * step, 8 + 8), kHeatColors[i]) << i;
+}
+
+struct Case {
+  const char* arguments;
+  int status;
+  const char* pattern;
+};
+
+TEST(ZirktraceViews, AnswerAsTheManualSays) {
+  Begun().Add(Operation::SwapBuffers, kScreen).Save(kFolder + "/small.zirktrace");
+  const Case cases[] = {
+      {"overdraw --frame 1 small.zirktrace", 2, "^zirktrace: 'overdraw' needs --output and one"},
+      {"overdraw --frames 1-2 -o a.png f", 2, "'overdraw' needs --output and one --frame; "},
+      {"overdraw --frame 2 -o a.png small.zirktrace", 1, "nothing is drawn in frame 2\n$"},
+      {"overdraw --frame 1 -o no/a.png small.zirktrace", 1, "zirktrace: no/a.png: cannot be"},
+      {"overdraw --frame 1 --surface 9 -o a.png small.zirktrace", 1,
+       "nothing is drawn on surface 9 in this frame\n$"},
+      {"overdraw --frame 1 -o a.png /dev/null", 1, "^zirktrace: /dev/null: no trace\n$"},
+  };
+  for (const Case& c : cases) {
+    const helpers::Result result = Zirktrace(c.arguments);
+    EXPECT_EQ(result.status, c.status) << c.arguments << '\n' << result.output;
+    EXPECT_THAT(result.output, ContainsRegex(c.pattern)) << c.arguments;
+  }
+}
+
+}  // namespace
+}  // namespace ZIRK::trace

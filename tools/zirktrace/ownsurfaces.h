@@ -1,0 +1,30 @@
+#pragma once
+
+#include <set>
+
+#include "player.h"
+
+namespace ZIRK::trace {
+
+/// Bitmaps that are not the trace's, made by the player's backend. They are gone with the context
+/// that made them, and made again when they are asked for.
+class OwnSurfaces {
+ public:
+  explicit OwnSurfaces(Player& player) : player_(player) {}
+
+  /// To be called with each record of the trace, which open and close contexts.
+  void Follow(const Record& record);
+
+  /// The number of the bitmap in records. Traces count from the other end.
+  static Id IdOf(uint32_t which) { return Id{UINT32_MAX - which}; }
+  /// The bitmap of this size and format; what it shows is left from before. Null where it cannot be
+  /// made: the player knows the problem.
+  VuBitmap* Get(uint32_t which, int width, int height, VuPixelFormat format);
+  void Drop(uint32_t which);
+
+ private:
+  Player& player_;
+  std::set<Id> contexts_;
+};
+
+}  // namespace ZIRK::trace
