@@ -2,13 +2,17 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
 #include <memory>
 #include <sstream>
 #include <string>
 #include <tuple>
+#include <utility>
+#include <vector>
 
 #include "coverage.h"
 #include "heatmap.h"
+#include "hints.h"
 #include "player.h"
 #include "program.h"
 #include "tracebuilder.h"
@@ -17,7 +21,6 @@ namespace ZIRK::trace {
 namespace {
 
 using testing::ContainsRegex;
-using testing::HasSubstr;
 
 const std::string kFolder = helpers::FolderOf("zirktrace_views_test");
 
@@ -116,8 +119,7 @@ TEST(ZirktraceCoverage, CountsWhatAnOperationWritesOrBlends) {
       {"object", AddObject(object, middle, {0, 0, 2, 2}), "16 in 2,2-6,6"},
       {"beyond", AddObject(beyond, middle, {2, 2, 4, 4}), "4 in 2,2-4,4"},
       {"self", AddObject(self, middle, {0, 0, 8, 8}, kScreen), "16 in 2,2-6,6"},
-      {"clear", TraceBuilder(clipped).Add(Operation::Clear, kScreen),
-       "64 in 0,0-8,8, 64 replaced"},
+      {"clear", TraceBuilder(clipped).Add(Operation::Clear, kScreen), "64 in 0,0-8,8, 64 replaced"},
       {"copy",
        TraceBuilder(clipped).Add(Operation::CopyPixels, kScreen, VuPoint{6, -1}, kBitmap, whole,
                                  true),
@@ -157,6 +159,147 @@ TEST(ZirktraceOverdraw, DrawsAMapWithALegend) {
   EXPECT_EQ(map->GetBounds().height, 8 + 56);
   const int step = 356 / 9;
   for (int i = 0; i < 9; ++i) EXPECT_EQ(pixel(8 + i * step, 8 + 8), kHeatColors[i]) << i;
+}
+
+/// A font from the tests' own, with glyphs of which few have room in an atlas.
+TraceBuilder& AddFont(TraceBuilder& trace) {
+  std::ifstream file(ZIRK_TEST_FONTS "/sans.ttf", std::ios::binary);
+  std::string bytes{std::istreambuf_iterator<char>(file), {}};
+  bytes.insert(0, "\7\0\0\0", 4);
+  trace.AddRaw(static_cast<uint32_t>(kHeadSize - 4 + bytes.size()), Operation::Content,
+               {reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()});
+  return trace.Add(Operation::MakeFont, kFont, Id{7}, 0, 700, false, false);
+}
+
+TraceBuilder& AddText(TraceBuilder& trace, const char* text) {
+  return trace.Add(Operation::DrawText, kScreen, kFont, text, VuPoint{-200, -200},
+                   VuColor{0xFFFFFFFF}, kStraight, Id::None, kNoPoints, VuRect{});
+}
+
+/// The hints of a trace, a line each, without what they say of the surface.
+std::string HintsOf(const TraceBuilder& trace) {
+  std::istringstream stream(trace.InFile());
+  TraceReader reader(stream);
+  Player player("FB");
+  Coverage coverage(player);
+  Hints hints(player, coverage);
+  for (Record record; reader.Next(record);) {
+    coverage.Follow(record);
+    if (!hints.Before(record) || !player.Play(record)) return player.Problem();
+    hints.After(record);
+  }
+  std::ostringstream lines;
+  for (const Hint& hint : hints.Found())
+    lines << hint.times << " in " << hint.frames << " from " << hint.first << ": " << hint.what
+          << '\n';
+  return lines.str() + reader.Problem();
+}
+
+TEST(ZirktraceHints, AreWhatWasMeasured) {
+  const VuRect left{0, 0, 4, 8}, right{4, 0, 4, 8}, all{0, 0, 8, 8}, small{0, 0, 4, 4};
+  const VuColor red{0xFFFF0000}, half{0x80FF0000};
+  /// Frames, each after a clearing.
+  const auto frames = [](int count, const std::function<void(TraceBuilder&, int)>& draw) {
+    TraceBuilder trace = Begun();
+    for (int i = 0; i < count; ++i) {
+      draw(trace.Add(Operation::ClearTo, kScreen, VuColor{0xFF000000}), i);
+      trace.Add(Operation::SwapBuffers, kScreen);
+    }
+    return trace;
+  };
+  const auto rects = [&](const std::vector<std::pair<VuRect, VuColor>>& drawn) {
+    return frames(2, [&](TraceBuilder& trace, int) {
+      for (const auto& [rect, color] : drawn) AddRect(trace, rect, color);
+    });
+  };
+  const auto blits = [&](int count, const std::function<VuRect(int)>& to, bool changes) {
+    return frames(count, [&](TraceBuilder& trace, int i) {
+      if (changes) trace.Add(Operation::ClearTo, kBitmap, VuColor{uint32_t(i)});
+      AddObject(trace, to(i), small);
+    });
+  };
+  const std::string over =
+      "2 in 2 from 7: What clears @2, a screen of 8 \u00D7 8 ARGB8888 is drawn";
+  const std::string scaled = "@3, a bitmap of 4 \u00D7 4 ARGB8888 is scaled by 2 \u00D7 0.5";
+  TraceBuilder text = Begun(), converted = Begun();
+  AddFont(text);
+  for (int i = 0; i < 3; ++i) AddText(AddText(text, "ABCDEFGH"), "abcdefghmnop");
+  converted.Add(Operation::CreateBitmap, kContext, 4, 4, VuPixelFormat::RGB565,
+                CreatedValue{Id{9}, 4, 4, VuPixelFormat::RGB565});
+  for (int i = 0; i < 2; ++i)
+    AddObject(converted, small, small, Id{9}).Add(Operation::SwapBuffers, kScreen);
+  const std::tuple<const char*, TraceBuilder, std::string> cases[] = {
+      {"opaque", rects({{all, red}}), over},
+      {"opaque parts", rects({{left, red}, {right, red}, {all, half}}), over},
+      {"blended", rects({{all, half}}), ""},
+      {"blended first", rects({{left, half}, {all, red}}), ""},
+      {"part", rects({{left, red}}), ""},
+      {"cleared again",
+       frames(2, [](TraceBuilder& trace, int) { trace.Add(Operation::Clear, kScreen); }), over},
+      {"read",
+       frames(2,
+              [&](TraceBuilder& trace, int) {
+                trace.Add(Operation::GetPixels, kScreen, all, true);
+                AddRect(trace, all, red);
+              }),
+       ""},
+      {"its own source",
+       frames(2,
+              [&](TraceBuilder& trace, int) {
+                AddObject(trace, small, small, kScreen);
+                AddRect(trace, all, red);
+              }),
+       ""},
+      {"scaled",
+       blits(
+           3,
+           [](int) {
+             return VuRect{0, 0, 8, 2};
+           },
+           false),
+       "3 in 3 from 8: " + scaled},
+      {"once",
+       blits(
+           1,
+           [](int) {
+             return VuRect{0, 0, 8, 2};
+           },
+           false),
+       ""},
+      {"zoomed",
+       blits(
+           3,
+           [](int i) {
+             return VuRect{0, 0, 8 + i, 2};
+           },
+           false),
+       ""},
+      {"not scaled",
+       blits(
+           3,
+           [](int i) {
+             return VuRect{i, 0, 4, 4};
+           },
+           false),
+       ""},
+      {"changed",
+       blits(
+           3,
+           [](int) {
+             return VuRect{0, 0, 8, 2};
+           },
+           true),
+       ""},
+      {"converted", converted,
+       "2 in 2 from 8: Each blit from @9, a bitmap of 4 \u00D7 4 RGB565 to @2"},
+      {"emptied", text, "1 in 1 from 10: Text of @6, a font of 700 pixels has its atlas emptied"},
+  };
+  for (const auto& [name, trace, expected] : cases) {
+    const std::string found = HintsOf(trace);
+    EXPECT_EQ(found.substr(0, expected.size()), expected) << name;
+    EXPECT_EQ(found.empty(), expected.empty()) << name << found;
+    EXPECT_LE(std::count(found.begin(), found.end(), '\n'), 1) << name << found;
+  }
 }
 
 struct Case {

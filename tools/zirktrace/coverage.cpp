@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "visit.h"
+
 namespace ZIRK::trace {
 
 namespace {
@@ -32,34 +34,20 @@ bool SetsState(Operation operation) {
 template <class Change>
 Encoder Rewrite(const Record& record, Id object, const Change& change) {
   Encoder encoder;
-  Decoder decoder(record.fields);
-  Id unused{};
-  Transfer(decoder, unused);
-  Transfer(encoder, object);
-  const auto copy = [&]<class W>(W*) {
-    Value<W> value{};
-    Transfer(decoder, value);
-    change(static_cast<W*>(nullptr), value);
+  VisitFields(record, [&]<class W>(W* type, Value<W>& value) {
+    if constexpr (std::is_same_v<W, Id>) value = object;
+    change(type, value);
     Transfer(encoder, value);
-  };
-  WithFields(record.operation, [&]<class Result, class... W>() {
-    (copy(static_cast<W*>(nullptr)), ...);
-    copy(static_cast<Result*>(nullptr));
   });
   return encoder;
 }
 
-/// The field of this type of an operation that has one.
+/// The last field of this type.
 template <class T>
-T FieldOf(const Record& record, Decoder decoder) {
+T FieldOf(const Record& record) {
   T found{};
-  const auto read = [&](auto value) {
-    Transfer(decoder, value);
-    if constexpr (std::is_same_v<decltype(value), T>) found = value;
-  };
-  WithFields(record.operation, [&]<class Result, class... W>() {
-    (read(Value<W>{}), ...);
-    read(Value<Result>{});
+  VisitFields(record, [&]<class W>(W*, const Value<W>& value) {
+    if constexpr (std::is_same_v<W, T>) found = value;
   });
   return found;
 }
@@ -118,10 +106,10 @@ bool Coverage::Find(const Record& record, Written& written) {
     case Operation::ClearTo:
       return all(bounds);
     case Operation::SetPixels:
-      if (!FieldOf<bool>(record, Decoder(record.fields))) return true;
+      if (!FieldOf<bool>(record)) return true;
       [[fallthrough]];
     case Operation::PixelsWritten:
-      return all(Inside(FieldOf<VuRect>(record, Decoder(record.fields)), bounds));
+      return all(Inside(FieldOf<VuRect>(record), bounds));
     default:
       written.part = LimitOf(record.operation, *target);
   }
@@ -136,7 +124,7 @@ bool Coverage::DrawWhite(const Record& record, const VuBitmap& target, Written& 
   if (!scratch) return false;
   scratch->Clear();
   scratch->SetClippingRect(part);
-  if (!PlayOn(OwnSurfaces::IdOf(kScratch), record, true)) return false;
+  if (!PlayOn(own_.IdOf(kScratch), record, true)) return false;
   written.pixels.resize(static_cast<size_t>(part.width) * static_cast<size_t>(part.height));
   return scratch->GetPixels(part, written.pixels.data());
 }
@@ -184,9 +172,9 @@ bool Coverage::DrawOver(size_t background, const Record& record, const VuBitmap&
     Record state;
     state.operation = operation;
     state.fields = fields;
-    if (!PlayOn(OwnSurfaces::IdOf(which), state, false)) return false;
+    if (!PlayOn(own_.IdOf(which), state, false)) return false;
   }
-  return PlayOn(OwnSurfaces::IdOf(which), record, false) && read(drawn.after);
+  return PlayOn(own_.IdOf(which), record, false) && read(drawn.after);
 }
 
 /// Has an operation drawn on another surface, in opaque white instead of its colours or as it is.
@@ -221,7 +209,7 @@ Id Coverage::WhiteLike(Id source) {
   if (!white) return Id::None;
   white->Clear(0xFFFFFFFF);
   white->SetScaleMode(bitmap->GetScaleMode());
-  return OwnSurfaces::IdOf(which);
+  return own_.IdOf(which);
 }
 
 }  // namespace ZIRK::trace

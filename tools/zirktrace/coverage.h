@@ -22,7 +22,7 @@ struct Written {
 /// Finds out which pixels operations write, by having them drawn elsewhere.
 class Coverage {
  public:
-  explicit Coverage(Player& player) : player_(player), own_(player) {}
+  explicit Coverage(Player& player) : player_(player), own_(player, UINT32_MAX) {}
 
   /// To be called with each record before it is played.
   void Follow(const Record& record);
@@ -51,7 +51,7 @@ class Coverage {
                 Drawn& drawn);
 
   Player& player_;
-  OwnSurfaces own_;
+  OwnSurfaces own_;                                 ///< Fewer than a hundred.
   std::map<std::pair<int, int>, uint32_t> whites_;  ///< Opaque bitmaps by their size.
   /// The latest record of each operation that sets a state of a surface.
   std::map<Id, std::map<Operation, std::vector<uint8_t>>> states_;

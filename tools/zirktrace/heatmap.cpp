@@ -66,21 +66,14 @@ void DrawLegend(VuBitmap& picture, const VuRect& place, const WriteCounts& count
   }
 }
 
+}  // namespace
+
 void PutHeat(VuBitmap& picture, const WriteCounts& counts) {
   std::vector<uint32_t> colors(counts.Counts().size());
   std::transform(counts.Counts().begin(), counts.Counts().end(), colors.begin(),
                  [](uint32_t count) { return kHeatColors[StepOf(count)]; });
   picture.SetPixels({0, 0, counts.Width(), counts.Height()}, colors.data(),
                     static_cast<unsigned>(counts.Width()) * sizeof colors[0]);
-}
-
-}  // namespace
-
-std::unique_ptr<VuBitmap> DrawHeat(VuGraphics& graphics, const WriteCounts& counts) {
-  std::unique_ptr<VuBitmap> picture(
-      graphics.CreateBitmap(counts.Width(), counts.Height(), VuPixelFormat::XRGB8888));
-  if (picture) PutHeat(*picture, counts);
-  return picture;
 }
 
 std::unique_ptr<VuBitmap> DrawHeatWithLegend(VuGraphics& graphics, const WriteCounts& counts) {

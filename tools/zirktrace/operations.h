@@ -179,6 +179,19 @@ constexpr bool ChangesPixels(Operation operation) {
   }
 }
 
+/// Whether the operation only asks for something.
+constexpr bool IsQuery(Operation operation) {
+  switch (operation) {
+#define X(number, name, method, result, isConst, ...) \
+  case Operation::name:                               \
+    return sizeof(#isConst) > 1;
+    ZIRK_TRACE_OPERATIONS(X)
+#undef X
+    default:
+      return false;
+  }
+}
+
 /// The operation's name; null for a number that is none.
 constexpr const char* NameOf(Operation operation) {
   switch (operation) {

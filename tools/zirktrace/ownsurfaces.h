@@ -10,13 +10,14 @@ namespace ZIRK::trace {
 /// that made them, and made again when they are asked for.
 class OwnSurfaces {
  public:
-  explicit OwnSurfaces(Player& player) : player_(player) {}
+  /// Their numbers go down from `last`, as traces count from the other end.
+  OwnSurfaces(Player& player, uint32_t last) : player_(player), last_(last) {}
 
   /// To be called with each record of the trace, which open and close contexts.
   void Follow(const Record& record);
 
-  /// The number of the bitmap in records. Traces count from the other end.
-  static Id IdOf(uint32_t which) { return Id{UINT32_MAX - which}; }
+  /// The number of the bitmap in records.
+  Id IdOf(uint32_t which) const { return Id{last_ - which}; }
   /// The bitmap of this size and format; what it shows is left from before. Null where it cannot be
   /// made: the player knows the problem.
   VuBitmap* Get(uint32_t which, int width, int height, VuPixelFormat format);
@@ -24,6 +25,7 @@ class OwnSurfaces {
 
  private:
   Player& player_;
+  const uint32_t last_;
   std::set<Id> contexts_;
 };
 

@@ -230,6 +230,11 @@ VuBitmap* Player::Find(Id surface) {
   return found == surfaces_.end() ? nullptr : found->second.bitmap.get();
 }
 
+const VuFontAtlas* Player::FindFont(Id font) const {
+  const auto found = fonts_.find(font);
+  return found == fonts_.end() ? nullptr : found->second.impl.get();
+}
+
 // --- Events -----------------------------------------------------------------------------------
 
 bool Player::PlayEvent(Operation operation, Decoder& fields) {

@@ -55,6 +55,8 @@ class Player {
 
   /// The surface of this number; null if there is none.
   VuBitmap* Find(Id surface);
+  /// The font of this number, null if nothing was drawn with it. It may go with any context.
+  const VuFontAtlas* FindFont(Id font) const;
 
  private:
   struct Surface {

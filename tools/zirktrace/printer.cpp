@@ -80,6 +80,21 @@ std::string ReadAndPrint(Decoder& decoder) {
 
 }  // namespace
 
+std::string ToText(const Record& record) {
+  std::string text;
+  Decoder decoder(record.fields);
+  if (HasObject(record.operation)) text += ReadAndPrint<Id>(decoder) + '.';
+  text += NameOf(record.operation);
+  WithFields(record.operation, [&]<class Result, class... W>() {
+    text += '(' + ReadAndPrint<W...>(decoder) + ')';
+    const std::string result = ReadAndPrint<Result>(decoder);
+    if (!result.empty()) text += " -> " + result;
+  });
+  if (record.operation == Operation::Content)
+    text += ' ' + std::to_string(decoder.Rest().size()) + " bytes";
+  return text;
+}
+
 std::string ToLine(const Record& record) {
   constexpr double kPerMillisecond = 1e6;
   char head[96];
@@ -87,18 +102,7 @@ std::string ToLine(const Record& record) {
                 static_cast<unsigned long long>(record.number),
                 static_cast<unsigned long long>(record.frame), record.thread,
                 static_cast<double>(record.time) / kPerMillisecond);
-  std::string line = head;
-  Decoder decoder(record.fields);
-  if (HasObject(record.operation)) line += ReadAndPrint<Id>(decoder) + '.';
-  line += NameOf(record.operation);
-  WithFields(record.operation, [&]<class Result, class... W>() {
-    line += '(' + ReadAndPrint<W...>(decoder) + ')';
-    const std::string result = ReadAndPrint<Result>(decoder);
-    if (!result.empty()) line += " -> " + result;
-  });
-  if (record.operation == Operation::Content)
-    line += ' ' + std::to_string(decoder.Rest().size()) + " bytes";
-  return line;
+  return head + ToText(record);
 }
 
 }  // namespace ZIRK::trace
