@@ -21,6 +21,7 @@ namespace ZIRK::trace {
 namespace {
 
 using testing::ContainsRegex;
+using testing::HasSubstr;
 
 const std::string kFolder = helpers::FolderOf("zirktrace_views_test");
 
@@ -302,6 +303,25 @@ TEST(ZirktraceHints, AreWhatWasMeasured) {
   }
 }
 
+/// The page's own test is scripts/test-report.
+TEST(ZirktraceReport, HoldsNothingThatTheTraceCouldRun) {
+  TraceBuilder trace = Begun();
+  trace.Add(Operation::SetName, kScreen,
+            "</script><script>alert('\xFF \xC3\xA9 \xF0\x9F\x98\x80')");
+  trace.Add(Operation::Clear, kScreen).Add(Operation::SwapBuffers, kScreen);
+  trace.Save(kFolder + "/<b>.zirktrace");
+  EXPECT_EQ(Zirktrace("report -o page.html '<b>.zirktrace'").output, "");
+  std::ifstream file(kFolder + "/page.html");
+  const std::string page{std::istreambuf_iterator<char>(file), {}};
+  EXPECT_THAT(page, HasSubstr("\"file\":\"\\u003cb\\u003e.zirktrace\""));
+  EXPECT_THAT(page, HasSubstr("(\\u0022\\u003c/script\\u003e\\u003cscript\\u003ealert('"));
+  EXPECT_THAT(page, HasSubstr("\\ufffd \\u00e9 \\ud83d\\ude00')\\u0022)\",0]"));
+  EXPECT_THAT(page, HasSubstr("\"picture\":\"data:image/png;base64,iVBORw0KGgo"));
+  size_t scripts = 0;
+  for (size_t at = 0; (at = page.find("</script", at)) != std::string::npos; ++at) ++scripts;
+  EXPECT_EQ(scripts, 2u);
+}
+
 struct Case {
   const char* arguments;
   int status;
@@ -317,6 +337,9 @@ TEST(ZirktraceViews, AnswerAsTheManualSays) {
       {"overdraw --frame 1 -o no/a.png small.zirktrace", 1, "zirktrace: no/a.png: cannot be"},
       {"overdraw --frame 1 --surface 9 -o a.png small.zirktrace", 1,
        "nothing is drawn on surface 9 in this frame\n$"},
+      {"report small.zirktrace", 2, "^zirktrace: 'report' needs --output; "},
+      {"report -o no/a.html small.zirktrace", 1, "zirktrace: no/a.html: cannot be written\n$"},
+      {"report -o a.html /dev/null", 1, "^zirktrace: /dev/null: no trace\n$"},
       {"overdraw --frame 1 -o a.png /dev/null", 1, "^zirktrace: /dev/null: no trace\n$"},
   };
   for (const Case& c : cases) {

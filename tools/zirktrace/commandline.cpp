@@ -19,6 +19,7 @@ constexpr char kHelp[] =
        zirktrace dump [--frames A-B] FILE
        zirktrace info FILE
        zirktrace overdraw --frame N [--surface NUMBER] -o PNG FILE
+       zirktrace report [--frames A-B] -o HTML FILE
 
 record     runs a program and writes down what it draws; a trace holds the
            program's fonts, texts and pictures
@@ -26,6 +27,7 @@ replay     draws it again, without the program, by any backend
 dump       prints the operations of a trace, one a line
 info       says what is in a trace
 overdraw   draws how often each pixel of a frame was written
+report     writes a page with the frames, what they cost, and hints
 
   -o, --output FILE  what is written; record names it after the program unless given
   --backend NAME     the backend that draws, that of the recording unless given
@@ -95,6 +97,7 @@ const Command* FindCommand(const std::string& name) {
       {"dump", {kFrames}, 1},
       {"info", {}, 1},
       {"overdraw", {kOutput, kFrames, kSurface}, 1},
+      {"report", {kOutput, kFrames}, 1},
   };
   for (const Command& command : kCommands)
     if (name == command.name) return &command;
@@ -179,6 +182,8 @@ int Check(const CommandLine& line, const std::vector<int>& used) {
     return kTool.Wrong("--%s goes with --bench", kTool.NameOf(kJson));
   if (line.command == "overdraw" && (line.output.empty() || line.firstFrame != line.lastFrame))
     return kTool.Wrong("'%s' needs --output and one --frame", command->name);
+  if (line.command == "report" && line.output.empty())
+    return kTool.Wrong("'%s' needs --output", command->name);
   return kDone;
 }
 

@@ -12,5 +12,6 @@ int CompareBackends(const CommandLine& line);
 int DumpTrace(const CommandLine& line);
 int ShowTrace(const CommandLine& line);
 int ShowOverdraw(const CommandLine& line);
+int WriteReport(const CommandLine& line);
 
 }  // namespace ZIRK::trace

@@ -14,6 +14,7 @@ int RunCommand(const CommandLine& line) {
   if (line.command == "info") return ShowTrace(line);
   if (line.measures) return MeasureReplay(line);
   if (line.command == "overdraw") return ShowOverdraw(line);
+  if (line.command == "report") return WriteReport(line);
   return line.compares ? CompareBackends(line) : ReplayTrace(line);
 }
 
