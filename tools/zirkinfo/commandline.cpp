@@ -19,19 +19,19 @@ constexpr char kHelp[] =
        zirkinfo bench [--json] [--seconds SECONDS] [--plugin FILE]
                       [--font FILE | --no-text] [NAME...]
 
-backends   says which backends are installed, which of them open here, what those
-           say of themselves, what shows their screens, and why others do not open
-font       says which faces a font file holds, and their measures at a size
-card       draws the test card by a backend, the default one unless named, and
+backends   lists the installed backends with their capabilities, what shows their
+           screens, or why they do not open
+font       lists the faces in a font file, and their metrics at a size
+card       draws the test card with a backend, the default one unless named, and
            writes it to a file
-compare    says how far two test cards, or two pictures, are apart: A and B are
+compare    measures how much two test cards or two pictures differ: A and B are
            names of backends or of PNG files
-bench      measures how fast the backends draw that open here
+bench      measures how fast the backends draw
 
   --backend NAME     the backend that draws the card
-  --plugin FILE      a backend of others, which the command takes as well
+  --plugin FILE      a third party's plug-in, as one more backend
   --screen           draw on a screen instead of a bitmap
-  --hold SECONDS     show the screen for so long
+  --hold SECONDS     how long to show the screen
   --font FILE        the font of the card's text
   --no-text          draw the card without text
   --size PIXELS      size of the font, 16 unless given
@@ -41,10 +41,10 @@ bench      measures how fast the backends draw that open here
   --output FILE.png  write the difference, eight times as strong
   --json             print JSON instead of a table
   --seconds SECONDS  how long each measurement takes, 1 unless given
-  --verbose          let the library's log lines through
+  --verbose          print the library's log lines
   -h, --help, --version
 
-Exit status: 0 if all went well, 1 if something asked for could not be done,
+Exit status: 0 if all went well, 1 if a request could not be carried out,
 2 if the command line is wrong, 3 if pictures differ by more than is allowed.
 )";
 
