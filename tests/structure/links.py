@@ -17,7 +17,7 @@ PROJECT = Path(__file__).resolve().parents[2]
 LEFT_OUT = {"build", "out", ".git"}
 LINK = re.compile(r"\]\(([^)\s]+)\)")
 CODE = re.compile(r"^```.*?^```|^    .*?$|`[^`\n]*`", re.DOTALL | re.MULTILINE)
-HEADING = re.compile(r"^#+ +(.*)$", re.MULTILINE)
+HEADING = re.compile(r"^(#+) +(.*)$", re.MULTILINE)
 
 
 def documents():
@@ -26,9 +26,13 @@ def documents():
                   if LEFT_OUT.isdisjoint(path.relative_to(PROJECT).parts))
 
 
-def slug(heading):
-    """The anchor that a code host makes from a heading."""
-    return re.sub(r"[^\w\- ]", "", heading.strip().lower()).replace(" ", "-")
+def anchors(text):
+    """The anchors that a code host makes from the headings of `text`, in their order."""
+    seen = {}
+    for _, heading in HEADING.findall(text):
+        name = re.sub(r"[^\w\- ]", "", heading.strip().lower()).replace(" ", "-")
+        seen[name] = seen.get(name, -1) + 1
+        yield f"{name}-{seen[name]}" if seen[name] else name
 
 
 class Document:
@@ -38,7 +42,7 @@ class Document:
         text = re.sub(r"^```.*?^```", "", path.read_text(encoding="utf-8"),
                       flags=re.DOTALL | re.MULTILINE)
         self.links = LINK.findall(CODE.sub("", text))
-        self.anchors = {slug(heading) for heading in HEADING.findall(text)}
+        self.anchors = set(anchors(text))
 
 
 class Page(html.parser.HTMLParser):
