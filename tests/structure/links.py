@@ -79,7 +79,8 @@ def main(site):
         files = {path: Page(path) for path in sorted(Path(site).resolve().glob("*.html"))}
     else:
         files = {path: Document(path) for path in documents()}
-    found = [f"{path}: {link} leads nowhere" for path, file in files.items() for link in file.links
+    found = [f"{os.path.relpath(path, PROJECT)}: {link} leads nowhere"
+             for path, file in files.items() for link in file.links
              if leads_nowhere(link, path, files)]
     print("\n".join(found))
     print(f"{sum(len(file.links) for file in files.values())} links, {len(found)} lead nowhere")
