@@ -70,7 +70,7 @@ BitmapPtr DrawLineBox(VuGraphics& graphics) {
   Dimension(*t, {kLeft - 16, base}, {kLeft - 16, base + font.GetDescent()}, kRed);
   Dimension(*t, {right + 16, kTop}, {right + 16, bottom - 1}, kRed);
   Label(*t, "ascent", {0, kTop, kLeft - 24, base - kTop}, kit::TextAlign::Right);
-  Label(*t, "base line", {0, base - 20, kLeft - 24, 40}, kit::TextAlign::Right);
+  Label(*t, "baseline", {0, base - 20, kLeft - 24, 40}, kit::TextAlign::Right);
   Label(*t, "descent", {0, base + 8, kLeft - 24, bottom - base}, kit::TextAlign::Right);
   Label(*t, "line height", {right + 24, kTop, 120, height}, kit::TextAlign::Left);
 

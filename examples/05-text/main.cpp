@@ -103,7 +103,7 @@ int main(int argc, char** argv) {
        "こんにちは世界、 你好、 안녕하세요。"},
       {*bold, kAccent, "Bold"},
       {*oblique, kQuiet, "oblique"},
-      {*regular, kInk, "and regular letters share one base line."},
+      {*regular, kInk, "and regular letters share one baseline."},
   };
   Column column(*screen, {56, 146, 708, 260}, regular->GetOneLineHeight() + 8);
   for (const Run& run : paragraph) column.Set(run);

@@ -39,7 +39,7 @@ void DrawArticle(VuBitmap& target, const Fonts& fonts, VuPoint corner, int width
       {"こんにちは世界、你好。", &fonts.eastern, kInk},
       {" Every word may have ", &fonts.regular, kInk},
       {"its own font", &fonts.oblique, kAccent},
-      {", and all of a line stand on one base line.\n", &fonts.regular, kInk},
+      {", and all words of a line share a baseline.\n", &fonts.regular, kInk},
       {"It is measured before it is drawn, and drawn as often as you like.", &fonts.oblique,
        kQuiet},
   };
