@@ -12,13 +12,13 @@ namespace ZIRK::helpers {
 template <class Row>
 using Rows = testing::TestWithParam<Row>;
 
-/// The row's `name`, with underscores for what cannot stand in the name of a test.
-inline constexpr auto RowName = [](const auto& info) {
-  std::string name = info.param.name;
-  for (char& c : name)
+/// The text with underscores for what cannot stand in the name of a test.
+inline std::string ToName(std::string text) {
+  for (char& c : text)
     if (!std::isalnum(static_cast<unsigned char>(c))) c = '_';
-  return name;
-};
+  return text;
+}
+inline constexpr auto RowName = [](const auto& info) { return ToName(info.param.name); };
 
 }  // namespace ZIRK::helpers
 

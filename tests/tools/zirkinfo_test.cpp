@@ -1,9 +1,9 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <string>
 
+#include "helpers/rows.h"
 #include "program.h"
 
 namespace ZIRK {
@@ -70,8 +70,8 @@ const Case kCases[] = {
     {"", 0, "default: FB\n.*\nbackend: Stub\n", "ZIRK_DEFAULT_GFX_BACKEND=FB"},
     {"--plugin $PLAIN", 0, "\nbackend: Plain\nfile: /.*\nopens: yes\ntype: 100\n"},
     {"--plugin no.so", 1, "\nbackend: no\n.*\nopens: no\nreason: [^\n]* no.so\n"},
-    {"card --plugin $PLAIN --screen --no-text small.png", 0, "^$"},
-    {"compare --plugin $PLAIN --no-text Plain small.png", 1, "not as large as the other picture"},
+    {"compare --plugin $PLAIN --no-text Plain small.png", 1, "not as large as the other picture",
+     ZIRKINFO " card --plugin $PLAIN --screen --no-text small.png;"},
     {"compare --plugin $PLAIN --no-text --screen FB Plain", 1, "smaller than the card"},
     {"bench --seconds 0.01 --no-text FB", 0, "frames/s\nFB +[1-9][0-9.]+ +[1-9][0-9.]+ +- "},
     {"bench --seconds 0.01 --json --font $FONTS/sans.ttf FB", 0,
@@ -96,12 +96,15 @@ const Case kCases[] = {
      "^zirkinfo: no/a.png: No such file or directory\n"},
 };
 
-TEST(ZirkinfoProgram, AnswersAsItsManualSays) {
-  for (const Case& c : kCases) {
-    const helpers::Result result = Zirkinfo(c.arguments, c.prefix);
-    EXPECT_EQ(result.status, c.status) << c.arguments;
-    EXPECT_THAT(result.output, ContainsRegex(c.pattern)) << c.arguments;
-  }
+class Answer : public testing::TestWithParam<Case> {};
+INSTANTIATE_TEST_SUITE_P(, Answer, testing::ValuesIn(kCases), [](const auto& row) {
+  return helpers::ToName(std::string("zirkinfo ") + row.param.arguments);
+});
+
+TEST_P(Answer, IsAsTheManualSays) {
+  const helpers::Result result = Zirkinfo(GetParam().arguments, GetParam().prefix);
+  EXPECT_EQ(result.status, GetParam().status);
+  EXPECT_THAT(result.output, ContainsRegex(GetParam().pattern));
 }
 
 /// On a screen, which not all of them draw as they draw a bitmap.
