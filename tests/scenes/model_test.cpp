@@ -1,6 +1,5 @@
 // Backends against the model, pixel by pixel.
 
-#include <cmath>
 #include <functional>
 #include <limits>
 #include <utility>

@@ -1,6 +1,5 @@
 // All backends in one process.
 
-#include <functional>
 #include <vector>
 
 #include "helpers/logged.h"
@@ -62,14 +61,12 @@ TEST_F(Together, BitmapsOfAnotherBackendAreRefused) {
         SCOPED_TRACE(own.graphics->GetGraphicsType());
         VuBitmap& target = *own.bitmap;
         target.Clear();
-        const std::function<void()> uses[] = {
-            [&] { target.DrawObject(all, *stranger); },
-            [&] { target.DrawRect(all, white, VuTransform(), *stranger, nullptr); },
-            [&] {
-              EXPECT_FALSE(target.CopyPixels({0, 0}, *stranger, all));
-            }};
-        for (const auto& use : uses)
+        const auto expectRefused = [&](const auto& use) {
           EXPECT_TRUE(LogsOneError("another backend", [&] { use(), target.Finish(); }));
+        };
+        expectRefused([&] { target.DrawObject(all, *stranger); });
+        expectRefused([&] { target.DrawRect(all, white, VuTransform(), *stranger, nullptr); });
+        expectRefused([&] { EXPECT_FALSE(target.CopyPixels(VuPoint{}, *stranger, all)); });
         EXPECT_EQ(PixelOf(target, 0, 0), 0u);
       }
     }
