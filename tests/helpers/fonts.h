@@ -13,7 +13,6 @@
 
 namespace ZIRK::helpers {
 
-/// The path of a sample font.
 inline std::string FontFile(const std::string& name) {
   return ZIRK_TEST_FONTS "/" + name;
 }

@@ -6,7 +6,6 @@
 
 namespace ZIRK::helpers {
 
-/// The file of the test plug-in `name`.
 inline std::string Plugin(const std::string& name) {
   return ZIRK_TEST_PLUGINS "/libZIRKImplTest" + name + ".so";
 }

@@ -33,8 +33,6 @@ class Canvas {
       graphics_->CreateBitmap(kSide, kSide, VuPixelFormat::ARGB8888)};
 };
 
-// --- Coverage -----------------------------------------------------------------------------------
-
 double FromSegment(double x, double y, Point a, Point b) {
   const double wx = b.x() - a.x(), wy = b.y() - a.y();
   const double t = std::clamp(((x - a.x()) * wx + (y - a.y()) * wy) / (wx * wx + wy * wy), 0., 1.);
@@ -150,8 +148,6 @@ TEST(Shapes, CoverPixelsToTheirArea) {
   });
 }
 
-// --- Cache --------------------------------------------------------------------------------------
-
 TEST(Shapes, AreKeptWithoutFurtherRequestsForMemory) {
   Canvas canvas;
   Shapes shapes(*canvas.graphics_);
@@ -229,31 +225,22 @@ TEST(Shapes, DropWhatWasUsedLongestAgo) {
 TEST(Paint, OfOneColourTwiceIsTheColour) {
   Canvas canvas;
   Shapes shapes(*canvas.graphics_);
-  const std::unique_ptr<VuBitmap> large(
-      canvas.graphics_->CreateBitmap(400, 300, VuPixelFormat::ARGB8888));
   const auto drawn = [&](const Paint& paint) {
-    large->Clear(0);
+    std::unique_ptr<VuBitmap> large(
+        canvas.graphics_->CreateBitmap(400, 300, VuPixelFormat::ARGB8888));
     shapes.FillRoundedRect(*large, {3, 5, 390, 280}, 40.5f, paint);
     shapes.DrawRoundedRect(*large, {8, 10, 380, 270}, 30, 3.5f, paint);
     shapes.DrawRing(*large, {200, 150}, 140, 20, paint);
     shapes.DrawPolyline(*large, {{10, 20}, {390, 200}, {20, 290}}, 9, paint);
-    return helpers::PixelsOf(*large);
+    return large;
   };
   const VuColor color = 0x80406080;
-  const Pixels plain = drawn(color);
+  const auto plain = drawn(color);
   for (const Paint& paint : {Paint::Linear(color, color), Paint::Linear(color, color, 20),
-                             Paint::Linear(color, color, 0), Paint::Radial(color, color)}) {
-    const Pixels gradient = drawn(paint);
-    int worst = 0;
-    for (size_t i = 0; i < plain.size(); ++i)
-      for (int shift = 0; shift < 32; shift += 8)
-        worst = std::max(worst, std::abs(static_cast<int>(plain[i] >> shift & 255) -
-                                         static_cast<int>(gradient[i] >> shift & 255)));
-    EXPECT_LE(worst, 3) << "four shapes above each other, a step each at most";
-  }
+                             Paint::Linear(color, color, 0), Paint::Radial(color, color)})
+    EXPECT_LE(Compare(*plain, *drawn(paint))->worst, 3)
+        << "four shapes above each other, a step each at most";
 }
-
-// --- Gradients, shadows -------------------------------------------------------------------------
 
 TEST(Paint, LiesOverTheShape) {
   Canvas canvas;
@@ -292,8 +279,6 @@ TEST(Shadow, IsTheSameStretchedAndInOnePiece) {
   EXPECT_NEAR(static_cast<double>(cornerOf(4, 0, 40)[20 * kSide] >> 24), 151, 1);
   EXPECT_EQ(cornerOf(4, 0, 40)[20 * kSide + 20], 0xFFFFFFFFu);
 }
-
-// --- Bad input ----------------------------------------------------------------------------------
 
 TEST(Shapes, OfNoSensibleSizeDrawNothing) {
   constexpr float kInfinity = std::numeric_limits<float>::infinity();

@@ -11,7 +11,6 @@
 
 namespace ZIRK::kit {
 
-/// The font of the tests.
 inline const VuFont& Sans() {
   static const VuFont font(helpers::FontFile("sans.ttf").c_str(), 0, 16);
   return font;

@@ -67,7 +67,6 @@ struct TestFont : VuFont {
       : VuFont(new VuFontAtlas(FontFile(name).c_str(), 0, size, bold, false)) {}
 };
 
-/// A test that runs with a context of each backend.
 class OnEachBackend : public testing::TestWithParam<const char*> {
  protected:
   void SetUp() override {

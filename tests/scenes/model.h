@@ -25,7 +25,6 @@ struct Picture {
   VuPixelFormat format;
   std::vector<Pixel> pixels;
 
-  /// What `bitmap` holds.
   explicit Picture(VuBitmap& bitmap);
 
   const Pixel& At(int x, int y) const { return pixels[static_cast<size_t>(y * width + x)]; }
@@ -63,7 +62,6 @@ struct Operation {
   VuRect clip{0, 0, 0, 0};
 };
 
-/// What becomes of one pixel.
 struct Outcome {
   Pixel value;
   double share;    ///< How much of it the operation covers.

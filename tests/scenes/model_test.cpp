@@ -1,5 +1,7 @@
 // Backends against the model, pixel by pixel.
 
+#include <zirk/kit/pictures.h>
+
 #include <functional>
 #include <limits>
 #include <utility>
@@ -298,15 +300,10 @@ TEST_P(Model, RandomFrames) {
 /// Backends may collect them, draw them in another order and move pixels about meanwhile.
 void ExpectSameHoweverSent(const std::function<std::unique_ptr<VuBitmap>(bool oneByOne)>& draw) {
   const auto calm = draw(true), collected = draw(false);
-  const helpers::Pixels expected = helpers::PixelsOf(*calm), drawn = helpers::PixelsOf(*collected);
-  const auto width = static_cast<size_t>(calm->GetBounds().width);
-  for (size_t i = 0; i < drawn.size() * 4; ++i) {
-    const auto channel = [i](const helpers::Pixels& p) {
-      return static_cast<int>(p[i / 4] >> i % 4 * 8 & 255);
-    };
-    // What is rounded in another way adds up.
-    ASSERT_NEAR(channel(drawn), channel(expected), 3) << i / 4 % width << ", " << i / 4 / width;
-  }
+  const auto difference = kit::Compare(*calm, *collected);
+  ASSERT_TRUE(difference);
+  const VuPoint at = difference->worstAt;
+  EXPECT_LE(difference->worst, 3) << "roundings that add up, at " << at.x << ", " << at.y;
 }
 
 TEST_P(Model, AFrameLooksTheSameHoweverItIsSent) {

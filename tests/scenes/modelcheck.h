@@ -112,7 +112,6 @@ class ModelCheck {
     FillWithNoise(*target_, target_->GetBounds(), 1);
   }
 
-  /// The bitmap, to set its state.
   VuBitmap& Target() { return *target_; }
 
   void SetFactors(model::Factors f) {

@@ -21,7 +21,6 @@ namespace {
 
 constexpr unsigned kConnector = 30, kEncoder = 20, kCrtc = 10, kConsole = 5;
 
-/// What a driver can do.
 struct Abilities {
   bool isMaster = true;
   bool hasVblank = true;

@@ -37,7 +37,6 @@ struct Rgba {
   int r, g, b, a;
 };
 
-/// The bytes of a file in tests/images.
 Bytes ReadSample(const std::string& file) {
   std::ifstream in(ZIRK_TEST_IMAGES + file, std::ios::binary);
   Bytes bytes{std::istreambuf_iterator<char>(in), {}};
@@ -78,7 +77,6 @@ int Difference(const Pixels& a, const Pixels& b) {
   return worst;
 }
 
-/// The picture in the bytes of a file.
 std::unique_ptr<Image> Open(const Bytes& file) {
   return Image::Open(file.data(), file.size());
 }
@@ -196,7 +194,6 @@ TEST(BrokenImage, IsReportedByPathAndReason) {
         LogsOneError(c.message, [&] { EXPECT_FALSE(Decode(Image::Open(c.path), 9, 9, {})); }));
 }
 
-/// The name of a picture in memory.
 std::string NameOf(const Bytes& file) {
   return "image in memory (" + std::to_string(file.size()) + " bytes)";
 }

@@ -30,7 +30,6 @@ class Windows : public InjectedGl {
       *height = size_[1];
     };
   }
-  /// What the window shows.
   static uint32_t Shown(int x, int y) {
     const auto device = GlDevice::Acquire();
     const GlScope scope(*device);
