@@ -1,7 +1,7 @@
-// card show      shows red and blue by FB on RGB565 for three seconds, says how many frames that
-//                were in a second, and waits for a line
-// card read      what a program beside it sees of /dev/dri/card0: the number of the frame, bits for
-//                a pixel, and the pixels in the middle of both halves
+// card show   shows red and blue by FB on RGB565 for three seconds, prints how many frames that is
+//             in a second, and waits for a line
+// card read   prints what another program sees of /dev/dri/card0: the number of the frame, bits per
+//             pixel, and the pixels in the middle of both halves
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -35,7 +35,7 @@ int Show() {
   return std::getchar() == EOF;
 }
 
-/// The kernel lets a privileged program map the pages of others. What was asked for is not freed.
+/// The kernel lets a privileged program map the pages of others. Nothing is freed.
 int Read() {
   const int card = open("/dev/dri/card0", O_RDWR);
   drmDropMaster(card);

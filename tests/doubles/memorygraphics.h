@@ -10,7 +10,7 @@
 
 namespace ZIRK::doubles {
 
-/// A surface of one byte a pixel, with what an atlas asks of one. Writes outside it fail a test.
+/// A surface of one byte per pixel that does what an atlas needs. Writes outside fail the test.
 struct MemoryBitmap : Bitmap {
   const int width, height;
   std::string name;
@@ -47,7 +47,7 @@ struct MemoryBitmap : Bitmap {
 /// A context that makes such surfaces.
 struct MemoryGraphics : Graphics {
   int type = TypeCode(BackendType::FB);
-  int highest = 2048;        ///< None is made that is higher.
+  int highest = 2048;        ///< It makes none that is higher.
   std::vector<int> heights;  ///< Those asked for.
   std::function<void()> onCreate = [] {};
   VuPixelFormat format{-1};

@@ -2,7 +2,7 @@
 
 namespace ZIRK::doubles {
 
-// Here, since every file that has them inline takes half a minute more to compile.
+// Out of line, since inline ones cost every file half a minute of compilation.
 MockBitmap::MockBitmap() = default;
 MockBitmap::~MockBitmap() = default;
 MockGraphics::MockGraphics() = default;

@@ -15,7 +15,7 @@ Calls calls;
 
 namespace {
 
-/// The function that `own` stands before.
+/// The function that `own` replaces.
 template <typename F>
 F* Next(const char* name, F* /*own*/) {
   return reinterpret_cast<F*>(dlsym(RTLD_NEXT, name));

@@ -6,12 +6,12 @@
 
 namespace ZIRK::helpers {
 
-/// What the library asks of the C library and of FreeType: the functions below stand before theirs,
-/// note the call, and forward it. The clock is clock_gettime()'s, which std::chrono asks too.
+/// What the library asks of the C library and of FreeType: functions in calls.cpp replace theirs,
+/// note the call, and forward it. The clock is that of clock_gettime(), which std::chrono uses too.
 struct Calls {
   std::vector<std::string> faces;        ///< Paths given to FT_New_Face().
   std::vector<int> loads;                ///< Flags given to FT_Load_Glyph().
-  int glyphsToRefuse = 0;                ///< So many FT_Load_Glyph() run out of memory.
+  int glyphsToRefuse = 0;                ///< So many calls of FT_Load_Glyph() find no memory.
   std::chrono::nanoseconds stoppedAt{};  ///< What the monotonic clock shows, unless it is zero.
 };
 extern Calls calls;

@@ -22,8 +22,8 @@ inline std::vector<unsigned char> FontBytes(const std::string& name) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-/// The file of a font of many different bitmaps of 48 x 48 pixels, from U+E000 on: more than an
-/// atlas holds. Fonts that were opened do without the file.
+/// A font file with more bitmaps of 48 x 48 pixels than an atlas holds, from U+E000 on. An open
+/// font does not need the file.
 class Symbols {
  public:
   static constexpr int kCount = 1700, kSize = 48;

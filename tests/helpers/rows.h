@@ -8,7 +8,7 @@
 
 namespace ZIRK::helpers {
 
-/// A fixture of which every row of a table makes a test of its own.
+/// A fixture for a table, every row of which is a test of its own.
 template <class Row>
 using Rows = testing::TestWithParam<Row>;
 

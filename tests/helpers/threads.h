@@ -8,10 +8,10 @@ namespace ZIRK::helpers {
 
 /// In each round calls `prepare`, with the round's number, and then `use` on two threads at the
 /// same time, with false and with true. Nothing but what `use` calls orders one before the other,
-/// so that a missing lock shows in any order.
+/// so a missing lock shows in any order.
 template <typename F, typename G>
 void InRounds(int rounds, F prepare, G use) {
-  // Two counters: one that both increase before and after would order the calls between.
+  // Two counters, since a single one would order the calls between its increments.
   std::atomic<int> ready = 0, done = 0;
   // Without sleeping, so that both go on at once.
   const auto meet = [](std::atomic<int>& arrived, int round) {

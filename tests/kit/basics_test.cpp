@@ -47,7 +47,8 @@ TEST(Scopes, NestAndRestore) {
   EXPECT_EQ(dst, VuBlendingFactor::OneMinusSrcAlpha);
 }
 
-/// As if it were terminated there, at any length and with kerning between the pieces it goes in.
+/// Text is as if it were terminated, at any length, and with kerning between the pieces in which it
+/// is drawn.
 TEST(Text, NeedsNoTerminator) {
   std::string text;
   while (text.size() < 2300) text += "AVATAR Tö LT, WA\u2026";

@@ -20,7 +20,7 @@ inline int WidthOf(const std::string& text) {
   return Sans().GetOneLineWidth(text.c_str());
 }
 
-/// Two surfaces, of which one has what the kit draws and one what the library does.
+/// Two surfaces, one for what the kit draws and one for what the library draws.
 struct Stage {
   std::unique_ptr<VuGraphics> graphics{VuGraphics::Create("FB", false)};
   std::unique_ptr<VuBitmap> drawn = New(), expected = New();

@@ -1,4 +1,4 @@
-// Text set into boxes, held to what the library says of each line.
+// Text in boxes, compared with what the library measures and draws line by line.
 
 #include <gmock/gmock.h>
 #include <zirk/kit/textbox.h>
@@ -185,7 +185,7 @@ TEST(TextBox, KnowsEveryCharactersPlace) {
   EXPECT_EQ(box.FindCharacter({style.width - 1, box.GetHeight()}), TextBox::npos);
 }
 
-/// Every byte has its place in one line, and no line is wider than it may be, whatever they are.
+/// Whatever the bytes are, each has its place in one line, and no line is too wide.
 TEST(TextBox, SetsAnyBytes) {
   const char* const parts[] = {
       "a",      "VA",     " ",      "  ",   "\t",       "\n",   "\r",   "-",
@@ -253,7 +253,7 @@ TEST(TextBox, LivesWithLittleMemoryAndDrawsWithoutAny) {
   style.width = 60;
   const std::string text = "some words on some lines, ended";
   Stage stage;
-  WidthOf(text);  // Nothing of it is new to the font.
+  WidthOf(text);  // The font knows all of its characters then.
   bool isSet = false;
   for (int granted = 0; !isSet; ++granted) {
     TextBox box;

@@ -1,12 +1,12 @@
-// A plug-in as somebody writes it from the documentation alone, without our headers: the same
-// classes in the same order, with types of its own. It says what happens to it.
+// A plug-in as a stranger writes it from the documentation alone, without the project's headers:
+// the same classes in the same order, with types of its own. It prints what happens to it.
 
 #include <cstdint>
 #include <cstdio>
 #include <ostream>
 
 #define ENTRY_POINT extern "C" __attribute__((visibility("default")))
-/// An operation that nobody calls here, in its place.
+/// Takes the place of an operation that no test calls.
 #define UNUSED(entry) \
   virtual void Unused##entry() {}
 

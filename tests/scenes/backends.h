@@ -21,7 +21,7 @@ inline constexpr const char* kBackends[] = {
     BackendName(BackendType::DirectFB),
 };
 
-/// Pictures are its own, and so it has to match exactly what others may round differently.
+/// It has drawn the golden pictures, and matches exactly what others may round differently.
 inline bool IsReference(const char* backend) {
   return backend == kBackends[0];
 }
@@ -33,7 +33,7 @@ inline bool MayBeMissing(const char* backend) {
   return name == BackendName(BackendType::OpenGLES2) && !std::getenv("ZIRK_TEST_REQUIRE_GL");
 }
 
-/// Null where the backend does not run. One that the library does not know is taken by its file.
+/// Null where the backend does not run. One that the library does not know is opened by its file.
 inline std::unique_ptr<VuGraphics> Open(const char* backend) {
   support::UseOffscreenOpenGl();
   support::UseOffscreenDirectFb();

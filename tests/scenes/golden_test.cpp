@@ -1,6 +1,6 @@
-// Pictures of what the model does not know to the last bit, smooth edges and text, by every backend
-// against one set of pictures. `ZIRK_UPDATE_GOLDEN=1` in the environment writes the pictures anew
-// instead, with the first backend.
+// Smooth edges and text, which the model does not know to the last bit: every backend is compared
+// with one set of pictures. `ZIRK_UPDATE_GOLDEN=1` in the environment writes the pictures anew
+// instead, by the first backend.
 
 #include <zirk/kit/pictures.h>
 

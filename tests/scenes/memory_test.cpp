@@ -1,4 +1,4 @@
-// Creating and drawing while memory runs out, at each place where it is asked for.
+// Creating and drawing while memory runs out, at each place that asks for it.
 
 #include <functional>
 
@@ -22,7 +22,7 @@ TEST_P(Memory, MayRunOutInAnyOperation) {
     SCOPED_TRACE(operation.name);
     Pixels expected;
     bool ranOut = true;
-    // First with all that it asks for. Everything is new, so that nothing is kept from before.
+    // The first turn gets all that it asks for. Everything is new, so that nothing is cached.
     for (int granted = -1; ranOut; ++granted) {
       ASSERT_LT(granted, 1000);
       const auto target = NewTarget(kOperationWidth, kOperationHeight);
@@ -53,7 +53,7 @@ TEST_P(Memory, MayRunOutInAnyOperation) {
 const std::string kPicture = ZIRK_TEST_IMAGES "rgba8.png";
 const std::vector<unsigned char> kFont = helpers::FontBytes("sans.ttf");
 
-/// Deletes what was made; whether there was something.
+/// Whether something was made, which it deletes.
 template <class T>
 bool Made(T* made) {
   delete made;
@@ -88,7 +88,7 @@ const struct {
      }},
 };
 
-/// Gives `make` more memory from time to time until it is enough.
+/// Gives `make` more memory each time until it is enough.
 void ExpectOneLineWhereMemoryRunsOut(const char* name, const std::function<bool()>& make) {
   SCOPED_TRACE(name);
   bool ranOut = true;
@@ -100,7 +100,7 @@ void ExpectOneLineWhereMemoryRunsOut(const char* name, const std::function<bool(
       EXPECT_NO_THROW(made = make());
       ranOut = scarce.HasRunOut();
     });
-    // Some have less to work with and do without.
+    // Some succeed with less.
     EXPECT_TRUE(made || ranOut);
     size_t lines = 0;
     for (size_t at = 0; (at = log.find("memory", at)) != std::string::npos; ++at) ++lines;

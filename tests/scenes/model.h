@@ -5,8 +5,8 @@
 #include <array>
 #include <vector>
 
-/// What drawing means, written down once more: slowly, pixel by pixel, in double precision, and
-/// without a thought for speed. It shares no code with any backend.
+/// What drawing means, written a second time: pixel by pixel, in double precision, without regard
+/// to speed. It shares no code with any backend.
 
 namespace ZIRK::model {
 
@@ -66,7 +66,7 @@ struct Outcome {
   Pixel value;
   double share;    ///< How much of it the operation covers.
   bool partly;     ///< At the edge, where coverage is a matter of precision.
-  bool ambiguous;  ///< A sample or a cut edge lies so near a border that either side will do.
+  bool ambiguous;  ///< A sample or a cut edge is so near a border that either side is right.
 };
 
 /// Row by row, for all pixels of `target`.

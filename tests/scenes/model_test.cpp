@@ -80,7 +80,7 @@ constexpr VuTransform kTransforms[] = {
 };
 
 TEST_P(Model, PowersOfTwoOverTheEdges) {
-  // Devices may stretch so, and cut what they stretch in ways of their own.
+  // Devices may stretch by such factors, and cut the picture in ways of their own.
   for (int i = 0; i < 72 && !HasFailure(); ++i) {
     const auto src = Noise(13, 11, Format(i / 12), 3, VuScaleMode(i % 2));
     ModelCheck check(NewTarget(32, 28, Format(i / 2 % 6)), GetParam());
@@ -296,8 +296,8 @@ TEST_P(Model, RandomFrames) {
   }
 }
 
-/// `draw` leaves the same picture, whether each operation is ended before the next or none.
-/// Backends may collect them, draw them in another order and move pixels about meanwhile.
+/// `draw` leaves the same picture, whether each operation ends before the next one or not. Backends
+/// may collect them, draw them in another order and move pixels meanwhile.
 void ExpectSameHoweverSent(const std::function<std::unique_ptr<VuBitmap>(bool oneByOne)>& draw) {
   const auto calm = draw(true), collected = draw(false);
   const auto difference = kit::Compare(*calm, *collected);
@@ -320,7 +320,7 @@ TEST_P(Model, AFrameLooksTheSameHoweverItIsSent) {
     size_t at = 0;
     VuPoint corner{0, 0};
     for (int i = 0; i < 3000; ++i) {
-      // What is alike comes in runs, and what lies near each other too.
+      // Operations of one kind come in runs, and so do places near each other.
       if (random.OneIn(4)) {
         what = random() % 256, at = random() % 12;
         if (random.OneIn(2)) corner = {random.From(0, 320), random.From(0, 230)};
@@ -340,9 +340,9 @@ TEST_P(Model, AFrameLooksTheSameHoweverItIsSent) {
       if (what / 16 == 13) target->DrawLine({x, y}, {x + 9, y - 5}, color);
       if (what / 2 == 120) src->SetPixels({0, 0, 1, 1}, &color, 4);
       if (what / 2 == 121) src->CopyPixels({1, 2}, *other, {0, 0, 9, 9});
-      // Opaque: OpenGL may round only once what lies over each other in a narrow format.
+      // Opaque, since OpenGL may round overlapping colours of a narrow format only once.
       if (what / 4 == 61) src->DrawRect({x % 9, 2, 3, 4}, VuColor{color.argb | 0xFF000000u});
-      // One takes the place of another. What is made at once would end what is collected.
+      // A bitmap takes the place of another. Making it here would send what is collected.
       if (what / 4 == 62 && !spare[at / 6]) spare[at / 6] = make(at);
       if (what / 4 == 63 && spare[at / 6]) {
         target->DrawObject({x, y, width, 20}, *src, part);
@@ -356,7 +356,7 @@ TEST_P(Model, AFrameLooksTheSameHoweverItIsSent) {
   });
 }
 
-// More places than are remembered one by one.
+// More places than a backend remembers one by one.
 TEST_P(Model, AFrameOfSmallThingsLooksTheSameHoweverItIsSent) {
   ExpectSameHoweverSent([&](bool oneByOne) {
     Random random(6);

@@ -80,7 +80,7 @@ constexpr double kFilterSteps = 3.01;
 // Coverage has 8 bits, and is rounded once more.
 constexpr double kEdgeSteps = 4;
 
-/// Which doubles the error that the source came with.
+/// Whether the source is multiplied by itself, which doubles its error.
 inline bool MultipliesSourceByItself(const model::Factors& f) {
   const auto depends = [](VuBlendingFactor factor) {
     return (factor >= VuBlendingFactor::SrcColor && factor <= VuBlendingFactor::OneMinusSrcAlpha) ||

@@ -33,7 +33,7 @@ struct Sources {
 
 struct Operation {
   const char* name;
-  /// Draws on a surface of that size, which holds something.
+  /// Draws on a surface of that size that is not empty.
   void (*run)(VuBitmap& b, Sources& s);
 };
 

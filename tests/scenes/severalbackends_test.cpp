@@ -42,7 +42,7 @@ class Together : public testing::Test {
 TEST_F(Together, ContextsOfDifferentBackendsLiveSideBySide) {
   constexpr uint32_t kColors[] = {0xFF102030, 0xFF405060, 0xFF708090, 0xFFA0B0C0};
   for (size_t i = 0; i < contexts_.size(); ++i) contexts_[i].bitmap->Clear({kColors[i]});
-  // Those that are left go on while the others go.
+  // Each works on when another is deleted.
   for (size_t left = contexts_.size(); left > 1; --left) {
     contexts_.erase(contexts_.begin());
     for (size_t i = 0; i < contexts_.size(); ++i)

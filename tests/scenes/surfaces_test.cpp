@@ -1,4 +1,4 @@
-// What surfaces do beside drawing, by every backend.
+// What surfaces do besides drawing, by every backend.
 
 #include <chrono>
 #include <cstring>

@@ -85,7 +85,7 @@ const Line kLines[] = {
 constexpr VuPoint kPosition{3, 2};
 constexpr VuColor kColor{0xC0F0A040};
 
-/// The letters, where they belong; `width` becomes the line's.
+/// The letters in their places; `width` becomes that of the line.
 std::vector<Letter> LayOut(const Line& l, int& width) {
   const FreeType own(FontFile(l.file), l.size), cjk(FontFile("cjk.ttf"), l.size + 4);
   FT_Face previousFace = nullptr;
@@ -115,8 +115,8 @@ std::vector<Letter> LayOut(const Line& l, int& width) {
   return letters;
 }
 
-/// Draws a letter as a bitmap, on which the model keeps an eye. `mask` lies over the whole line,
-/// which is `lineWidth` by `lineHeight`.
+/// Draws a letter as a bitmap, which the model checks. `mask` covers the whole line, which is
+/// `lineWidth` by `lineHeight`.
 void DrawLetter(ModelCheck& check, const Line& l, const Letter& letter, VuBitmap& coverage,
                 const VuBitmap* mask, float lineWidth, float lineHeight) {
   coverage.SetPixels(coverage.GetBounds(), letter.coverage.data(),

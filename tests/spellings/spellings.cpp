@@ -1,10 +1,10 @@
-// What a program writes at first sight, from <zirk/zirk.h> and <zirk/backend.h> alone. It compiles
-// with every compiler and language version, and the program ends with the number of the first
-// function whose expectations do not hold.
+// What programs commonly write, with <zirk/zirk.h> and <zirk/backend.h> alone. It compiles with
+// every compiler and language version, and the program ends with the number of the first function
+// whose expectations fail.
 
 #include <zirk/zirk.h>
 
-// The application's header brings these by itself.
+// The application's header declares these.
 using ZIRK::GetUtf8Char;
 using ZIRK::Glyph;
 using ZIRK::GraphicsImplLoader;

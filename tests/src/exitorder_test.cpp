@@ -1,5 +1,5 @@
-// The process ends cleanly whatever the application leaves alive. Each of these ends a process
-// whose static objects still hold something, and reads what the plug-in says to that.
+// The process ends cleanly whatever the application leaves alive. Each test ends a process whose
+// static objects still hold something, and compares what the plug-in prints.
 
 #include <gtest/gtest.h>
 #include <zirk/backend.h>

@@ -84,7 +84,7 @@ TEST_F(Loader, ClosesItsPluginsWhenItGoes) {
                 "");
   }
   EXPECT_EQ(dlopen(dso.c_str(), RTLD_LAZY | RTLD_NOLOAD), nullptr);
-  // One that does not suit is closed once, and so stays open for others.
+  // One without the entry points is closed once, and so stays open for others.
   void* const own = dlopen(dso.c_str(), RTLD_LAZY);
   {
     GraphicsImplLoader shortLived;
@@ -119,7 +119,7 @@ TEST_F(Loader, LooksOnDiskForTheFirst29CharactersOfAPath) {
   }
 }
 
-// What only a process shows that has not asked for the loader yet.
+// These need a process that has not used the loader yet.
 
 TEST(LoaderDeathTest, TheTableIsBuiltInOrder) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");

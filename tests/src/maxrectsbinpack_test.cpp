@@ -14,8 +14,8 @@ namespace ZIRK {
 namespace {
 
 using helpers::LoggedAt;
-/// What is placed where is on record as a sum over all of it, made when each step had been compared
-/// with the algorithm as it is defined.
+/// A sum over all places, recorded when each step had been compared with the definition of the
+/// algorithm.
 struct Record {
   const char* name;
   int rule;

@@ -68,7 +68,7 @@ class Drawing : public testing::Test {
   Vector v{0.5f, 1.5f};
 };
 
-/// The call draws, as is received, and counts so many pixels.
+/// The surface receives `received` for the call, which counts so many pixels.
 #define EXPECT_DRAWN(call, pixels, received) \
   EXPECT_CALL(surface, received).Times(2);   \
   EXPECT_EQ(CountedBy([&] { b.call; }), pixels)

@@ -13,7 +13,7 @@ namespace ZIRK {
 
 namespace {
 
-/// What the test plug-in takes a layer for: it calls this from SetConfiguration.
+/// A layer as the test plug-in has it, whose SetConfiguration calls the function.
 struct TestLayer {
   void (*inside)();
 };

@@ -98,7 +98,7 @@ const std::string kText = FontFile("README.md"), kPair = FontFile("collection.tt
 
 const auto kTextSize = static_cast<unsigned>(helpers::FontBytes("README.md").size());
 
-/// A file or, if that is null, so many bytes of a text, and how the error line begins.
+/// A file or, if that is null, so many bytes of a text; and how the error line begins.
 struct Unopened {
   const char* name;
   const char* path = nullptr;
@@ -150,13 +150,13 @@ TEST_F(FontAtlas, OddFaces) {
                   "<ZIRK.info>: NewFace: couldn't select Unicode encoding, falling back to Latin1\n"
                   "<ZIRK.error>: NewFace: couldn't fallback to Latin1, error 6 FT_Error (0x06) : "
                   "invalid argument\n<ZIRK.info>: VuFontAtlas: font "));
-  // What stands in the table's place 23 is another error's entry.
+  // Entry 23 of the table belongs to another error.
   const auto unsized = [] { EXPECT_EQ(Open("bitmap.bdf", 11).GetOneLineHeight(), 1); };
   EXPECT_EQ(LoggedAt(3, unsized),
             "<ZIRK.error>: NewFace: cannot set desired pixel height 11 error 23 filename " +
                 FontFile("bitmap.bdf") + " FT_Error (0x21) : invalid library handle\n");
-  // The largest size makes glyphs that FreeType refuses; the other ones that no atlas holds, and
-  // that take too long to be made bold.
+  // FreeType refuses glyphs of the largest size. No atlas holds those of the other, which would
+  // also take too long to be made bold.
   for (const int size : {-1, 10000}) {
     const VuFontAtlas font = Open("sans.ttf", size, true);
     font.GetAtlas(&graphics);
@@ -175,7 +175,7 @@ TEST_F(FontAtlas, WhatFailedIsTriedAgainOnceTheCachesAreCleared) {
   for (int time = 0; time < 2; ++time) {
     helpers::calls.loads.clear();
     for (const bool render : {false, true, true}) font.GetGlyph('A', render);
-    EXPECT_EQ(helpers::calls.loads.size(), 2u) << "one looks at the box";
+    EXPECT_EQ(helpers::calls.loads.size(), 2u) << "the first one measures";
     font.SetFallbackFont(nullptr);
   }
 }
@@ -298,7 +298,7 @@ TEST_F(FontAtlas, WhatIsLookedUpIsLogged) {
                 "<ZIRK.info>: AddGlyph: total chars 1 glyphs 1\n");
   EXPECT_EQ(LoggedAt(7, lookUp), "");
   EXPECT_EQ(font.GetOneLineWidth("\u4E41"), 9);
-  // What is known of the code point is not what is loaded for the new outline.
+  // The character is known, but not with the new outline.
   font.SetOutlineType(Type::Outer);
   font.SetOutlineThickness(2);
   font.SetFallbackGlyph('!');
@@ -350,7 +350,7 @@ TEST_F(FontAtlas, WidthsWithKerning) {
     parts.emplace_back(1, byte);
   std::mt19937 random(1);
   for (int round = 0; round < 2000; ++round) {
-    // More outlines than steps are remembered for.
+    // More outlines than the font remembers advances for.
     font.SetOutlineType(Type(round % 4));
     font.SetOutlineThickness(float(round % 601) / 64);
     std::string text;
@@ -435,11 +435,11 @@ TEST_F(FontAtlas, TheAtlasGrowsUntilItIsFull) {
         EXPECT_EQ(g->v1, 1 - (y + float(g->height)) / height);
       }
     });
-    // 40 go into a row of 50 pixels. Those that begin anew with each row never fill the atlas.
+    // A row of 50 pixels holds 40. An atlas that begins anew with each row is never full.
     for (size_t i = 0; i < 10; ++i) EXPECT_EQ(graphics.heights[i], 2 + 50 * int(i));
     EXPECT_EQ(atlas->GetHeight(), type == kFb ? 2048 : 452);
     const std::string name = symbols.Path() + (" " + std::to_string(font.GetOneLineHeight()));
-    EXPECT_EQ(Surface(*atlas).name, name) << "that of the first, too";
+    EXPECT_EQ(Surface(*atlas).name, name) << "as the first one";
     EXPECT_EQ(std::count(graphics.heights.begin(), graphics.heights.end(), 2048), type == kFb);
     EXPECT_GE(there, type == kFb ? 1560u : 40u);
     EXPECT_EQ(full.find("LoadGlyph: GetRegion(50x50) returned 0x0.  No room to fit glyph 1700 "
@@ -475,7 +475,7 @@ TEST_F(FontAtlas, AFullAtlasIsEmptiedOnceOrKept) {
     EXPECT_EQ(reinterpret_cast<const MemoryBitmap&>(*alone).pixels,
               reference.Render(glyph->index).coverage);
   }
-  // Until rendering them all again would not have cost more.
+  // Until emptying the atlas costs no more than drawing them alone has cost.
   const Glyph* const last = leaveOut(0, 1)[0];
   int alone = 3;
   while (font.PlaceLeftOut(*last)) ++alone;

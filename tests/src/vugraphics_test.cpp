@@ -118,7 +118,7 @@ TEST_F(Creation, AnOverrideComesBeforeTheStub) {
   std::string flags;
   VuGraphics::SetGraphicsOverride([&flags, turns = std::string()](bool flag) mutable {
     turns += 'a';
-    // It goes on when it has ended itself.
+    // It runs to its end after it has removed itself.
     if (flag) VuGraphics::SetGraphicsOverride(nullptr);
     flags += turns + (flag ? '1' : '0');
     return nullptr;
@@ -156,7 +156,7 @@ class Context : public testing::Test {
     return os.str();
   }
 
-  /// What one context adds to that.
+  /// What one context adds to the list.
   static std::string Part(const VuGraphics& context, unsigned key) {
     std::ostringstream os;
     os << "VuGraphics instance "
@@ -198,7 +198,7 @@ TEST_F(Context, AllAreListedInOrder) {
   EXPECT_EQ(Listed(0), Part(*second, 0));
 }
 
-/// A context is still listed while this goes.
+/// A context is still listed while this is deleted.
 struct SlowToGo : doubles::Graphics {
   ~SlowToGo() override { std::this_thread::sleep_for(std::chrono::milliseconds(2)); }
 };

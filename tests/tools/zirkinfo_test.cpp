@@ -107,7 +107,7 @@ TEST_P(Answer, IsAsTheManualSays) {
   EXPECT_THAT(result.output, ContainsRegex(GetParam().pattern));
 }
 
-/// On a screen, which not all of them draw as they draw a bitmap.
+/// On a screen, which some of them draw in another way than a bitmap.
 TEST(ZirkinfoProgram, DrawsOneCardByAllBackends) {
   for (const std::string backend : {"OpenGLES2", "Hybrid", "DirectFB"}) {
     const helpers::Result result =

@@ -1,5 +1,5 @@
-// What is particular to DirectFB: its start, its screens, and that it never ends. The model looks
-// at the drawing.
+// What is particular to DirectFB: its start, its screens, and that it never ends. The model checks
+// the drawing.
 
 #include <directfb.h>
 #include <gtest/gtest.h>
@@ -28,14 +28,14 @@ GraphicsPtr Open() {
   return GraphicsPtr(VuGraphics::Create("DirectFB", false));
 }
 
-/// Runs `run` in a process in which DirectFB has not started, and where `said` is written. Neither
-/// an expectation nor the exit may fail there.
+/// Runs `run` in a process of its own, in which DirectFB has not started. It writes `said`, meets
+/// all expectations and ends with 0.
 void ExpectInAProcessOfItsOwn(void (*run)(), const char* said = "") {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   EXPECT_EXIT((run(), exit(testing::Test::HasFailure())), testing::ExitedWithCode(0), said);
 }
 
-TEST(DirectFbDeathTest, FailsWithOneErrorAndThenSucceedsWithoutAWord) {
+TEST(DirectFbDeathTest, FailsWithOneErrorAndThenSucceedsSilently) {
   ExpectInAProcessOfItsOwn([] {
     for (const char* args : {"system=fbdev,fbdev=/nonexistent", "system=dummy,wm=nonexistent",
                              "help", "nonexistent=1"}) {

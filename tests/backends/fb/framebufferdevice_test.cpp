@@ -31,8 +31,8 @@ struct Layout {
 constexpr Layout kPalette{"palette", 8, {0, 8, 0}, {0, 8, 0}, {0, 8, 0}, {}};
 constexpr Layout kXrgb{"XRGB8888", 32, {16, 8, 0}, {8, 8, 0}, {0, 8, 0}, {}};
 
-/// A framebuffer device in memory, with a driver as capable as its fields say. Expects to get back
-/// what it has handed out.
+/// A framebuffer device in memory, whose driver can do what the fields say. Expects back all
+/// descriptors and mappings.
 struct FakeFramebuffer : public FramebufferIo {
   /// Rows beyond the visible ones make a virtual screen.
   FakeFramebuffer(unsigned width, unsigned height, unsigned rows, const Layout& layout) {
@@ -97,13 +97,13 @@ struct FakeFramebuffer : public FramebufferIo {
 
   fb_var_screeninfo mode{};
   fb_fix_screeninfo fixed{};
-  static constexpr size_t kStart = 16;  ///< Where it begins in its first page.
+  static constexpr size_t kStart = 16;  ///< Where the device begins in its first page.
   std::vector<uint8_t> memory;
   int pansLeft = 1000;
-  /// Whether a new mode is taken, perhaps after a change.
+  /// Takes a new mode, which it may change, or refuses it.
   std::function<bool(fb_var_screeninfo& asked)> takesMode = [](auto&) { return false; };
   std::function<bool()> waitForVsync = [] { return false; };
-  std::atomic<int> vsyncWaits{0}, open{0};  ///< Open are descriptors and mappings.
+  std::atomic<int> vsyncWaits{0}, open{0};  ///< `open` counts descriptors and mappings.
 };
 
 auto Fake(unsigned width, unsigned height, unsigned rows = 0, const Layout& layout = kXrgb) {
@@ -152,7 +152,7 @@ struct Picture {
   std::minstd_rand random{7};
 };
 
-/// First those of the surfaces, in the order of VuPixelFormat.
+/// The layouts of surfaces come first, in the order of VuPixelFormat.
 constexpr Layout kLayouts[] = {
     {"ARGB8888", 32, {16, 8, 0}, {8, 8, 0}, {0, 8, 0}, {24, 8, 0}},
     kXrgb,
@@ -183,11 +183,11 @@ uint32_t Mask(const fb_bitfield& field) {
   return ((1u << field.length) - 1) << field.offset;
 }
 
-/// Channel `from` of `pixel` at the width of `to`, bit patterns repeated where it becomes wider.
+/// Channel `from` of `pixel` at the width of `to`. Its bits repeat where it becomes wider.
 uint32_t Moved(uint32_t pixel, const fb_bitfield& from, const fb_bitfield& to) {
   if (to.length == 0) return 0;
   if (from.length == 0) return Mask(to);
-  // Any source is seen with eight bits first, and then with what the device has.
+  // A source is widened to eight bits first, and then brought to the width of the device.
   uint32_t eight = (pixel & Mask(from)) >> from.offset << (8 - from.length);
   for (unsigned have = from.length; have < 8; have *= 2) eight |= eight >> have;
   return (eight << 8 | eight) >> (16 - to.length) << to.offset;
@@ -281,7 +281,7 @@ struct Wish {
   const char* name;
   std::pair<int, int> asked, granted;
   Layout layout = kXrgb;
-  unsigned bits = 32;  ///< At most.
+  unsigned bits = 32;  ///< The most that the driver takes.
 };
 using FramebufferSize = helpers::Rows<Wish>;
 
@@ -328,7 +328,7 @@ struct Pages {
   unsigned rows = 12;
   uint16_t step = 1;
   bool asked = true;
-  unsigned shown = 0;  ///< The first row after a frame.
+  unsigned shown = 0;  ///< The first row shown after a frame.
 };
 using FramebufferPages = helpers::Rows<Pages>;
 
@@ -357,7 +357,7 @@ TEST(FramebufferDevice, KeepsTheVirtualScreenInANewMode) {
 TEST(FramebufferDevice, BringsThePageItShowsUpToDateAndRestoresTheOffset) {
   const VuRect damages[] = {{0, 0, 2, 2}, {6, 4, 2, 2}, {1, 1, 3, 1}, {1, 1, 3, 1},
                             {3, 3, 0, 0}, {0, 5, 8, 1}, {7, 0, 1, 6}};
-  for (const int pans : {1000, 5, 2}) {  // Then panning fails, and one page has to do.
+  for (const int pans : {1000, 5, 2}) {  // Then panning fails, and one page is left.
     const auto io = Fake(8, 6, 13, kLayouts[0]);
     io->mode.yoffset = 3;
     io->pansLeft = pans;

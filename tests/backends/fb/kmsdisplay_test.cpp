@@ -27,10 +27,10 @@ struct Abilities {
   bool takesXrgb = true;
   bool ignoresDamage = false;
   int flipsLeft = 1000;
-  int endsLeft = 1000;  ///< Of flips.
+  int endsLeft = 1000;  ///< Ends of flips that are reported.
 };
 
-/// A card with one display, whose pages lie in a file. Expects to get back what it has handed out.
+/// A card with one display, whose pages are in a file. Expects back all framebuffers.
 struct FakeCard {
   struct Framebuffer {
     uint32_t fourcc, handle, pitch;
@@ -278,7 +278,7 @@ TEST_F(Kms, TakesTheModeOfThePicture) {
   }
 }
 
-TEST_F(Kms, LeavesADisplayToWhoeverHasIt) {
+TEST_F(Kms, LeavesADisplayToItsOwner) {
   std::string error;
   bool isTaken = false;
   auto display = Open({});

@@ -19,7 +19,7 @@ constexpr int kSide = 16;
 
 }  // namespace
 
-/// Stands before the C library's: every file that can be opened is a framebuffer device of
+/// Replaces the C library's function: every file that can be opened is a framebuffer device of
 /// kSide x kSide pixels.
 extern "C" int ioctl(int fd, unsigned long request, ...) {
   va_list arguments;
@@ -57,7 +57,7 @@ struct Machine {
   bool hasFb = false;
   bool chosen = false;  ///< SDL_VIDEODRIVER is set.
   bool hasSdl = true;
-  bool opens = true;  ///< Those that are seen.
+  bool opens = true;  ///< Visible windows.
 
   bool onFb = false;  ///< Where the picture is expected.
   const char* warning = "";

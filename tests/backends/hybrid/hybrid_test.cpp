@@ -1,5 +1,5 @@
-// Bitmaps in memory and screens drawn by OpenGL: what is sent from the ones to the others, and how
-// they come and go.
+// Bitmaps in memory and screens drawn by OpenGL: what is sent from bitmaps to textures, and the
+// order of deletion.
 
 #include <algorithm>
 #include <array>
@@ -181,7 +181,7 @@ TEST_F(Hybrid, OtherThreadsDrawTextAndDeleteBitmaps) {
     drawn = New(*graphics_, 8, 8);
     Draw(*screen, *drawn);
   };
-  // The atlas grows on either thread, and its former bitmaps go.
+  // The atlas grows on either thread, which deletes its former bitmap.
   const auto use = [&](bool isOther) {
     write(isOther ? *bitmap : *screen, isOther ? 'B' + round : 'z' - round);
     if (isOther) drawn.reset();

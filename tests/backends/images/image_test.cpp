@@ -128,7 +128,7 @@ const struct Sample {
   const char* file;
   Rgba (*kind)(Rgba);
   int tolerance = 0;  ///< Steps per channel that the kind's losses may cost.
-  int block = 1;      ///< Pixels a side that share one colour.
+  int block = 1;      ///< Side of the squares that have one colour.
 } kSamples[] = {
     {"rgba8.png", kAll},
     {"rgba8interlaced.png", kAll},
@@ -157,7 +157,8 @@ TEST(Image, ShowsEverySampleInItsOwnSizeAndSmaller) {
       SCOPED_TRACE(path);
       EXPECT_LE(Difference(Shown(Image::Open(path.c_str()), 29, 19, mode), expected),
                 sample.tolerance);
-      // The ways to a smaller picture differ by format: whole or by rows, or from larger steps.
+      // Formats become smaller in different ways: as a whole, row by row, or while they are
+      // decoded.
       EXPECT_LE(Difference(Shown(Open(bytes), 5, 3, mode), Scaled(original, 5, 3, mode)),
                 sample.tolerance);
     }
@@ -286,7 +287,7 @@ TEST(BrokenImage, FailsWithOneLineWhereverItIsCut) {
     const Bytes whole = ReadSample(sample.file);
     for (size_t cut = 4; cut < whole.size() - 1; cut += whole.size() / 16) {
       const Bytes bytes(whole.data(), whole.data() + cut);
-      for (const int side : {19, 1})  // One pixel needs but one row.
+      for (const int side : {19, 1})  // One pixel needs only one row.
         EXPECT_TRUE(
             LogsOneError(NameOf(bytes), [&] { EXPECT_FALSE(Decode(Open(bytes), side, side, {})); }))
             << sample.file << " cut at " << cut;

@@ -56,7 +56,7 @@ ROWS(StartFaults, {.name = "no SDL: SDL_free", .inject = [](auto& sdl) { sdl.Fre
      {.name = "no context: refused", .inject = [](auto& sdl) { Refuse(sdl.CreateContext); }},
      {.name = "no current context", .inject = [](auto& sdl) { Refuse(sdl.MakeCurrent); }},
      {.name = "no function: gl", .inject = [](auto& sdl) { Refuse(sdl.GetProcAddress); }},
-     // As the system has them: what SDL is told to use is not there.
+     // Faults of the system: what SDL is told to use is missing.
      {.name = "no video: nonsense",
       .inject = [](auto&) { setenv("SDL_VIDEODRIVER", "nonsense", 1); }},
      {.name = "Could not load EGL library",
@@ -101,7 +101,7 @@ TEST_F(Faults, OfMakingThingsOfOpenGl) {
   int failing = None;
   seen_ = [&failing](int which) { return which == failing ? !(left_ = 1) : true; };
   for (failing = Buffers; failing <= TexImage; ++failing) ExpectNoStart("starting: out of memory");
-  // A8 does without what is tried first.
+  // A context works without textures of A8 that can be drawn on.
   for (; failing <= Attaching; ++failing) EXPECT_NE(NewContext(), nullptr);
   failing = None;
   const auto graphics = NewContext();
@@ -149,7 +149,7 @@ TEST_F(Faults, ALostContextEndsEverythingButDeletion) {
   EXPECT_FALSE(bitmap->SetPixels({0, 0, 1, 1}, &pixel, 4));
   EXPECT_FALSE(bitmap->Lock(true));
   EXPECT_EQ(New(*graphics, 8, 8), nullptr);
-  // A new context starts anew, and takes nothing from before.
+  // A new context works, and refuses what the lost one made.
   const auto next = NewContext();
   ASSERT_NE(next, nullptr);
   const BitmapPtr fresh = New(*next, 8, 8);

@@ -41,7 +41,7 @@ class Compositor : public InjectedGl {
     return pixel;
   }
 
-  /// By their age.
+  /// All windows, the oldest first.
   static std::vector<SDL_Window*> Windows() {
     std::vector<SDL_Window*> windows;
     for (Uint32 id = 0; id < 1000; ++id)
@@ -87,8 +87,8 @@ TEST_F(Compositor, ComposesOnceForAllLayersThatAreDone) {
   // A swap without drawing keeps the pace of the display.
   ui->SwapBuffers();
   EXPECT_EQ(layers_->Frames(), 3u);
-  // One that is not done holds up the others for one frame only, and without being shown not at
-  // all.
+  // A layer that is not done holds up the others for one frame only, and not at all while it is
+  // disabled.
   video->SetPixels({0, 0, 1, 1}, &kGreen, 4);
   for (unsigned frames : {3u, 4u, 5u}) {
     ui->SwapBuffers();

@@ -1,4 +1,4 @@
-// What surfaces of OpenGL do beside what the scenes show.
+// What surfaces of OpenGL do that the scenes do not show.
 
 #include <array>
 #include <csignal>
@@ -56,7 +56,7 @@ TEST_F(Surfaces, AScreenOfManyPicturesIsFewDrawCalls) {
                        VuTransform(), white, *masks[i], nullptr);
     target->DrawLine({cell.x, cell.y + 60}, {cell.x + 79, cell.y + 50}, white);
   };
-  // Each lies on the one before.
+  // Each overlaps the one before.
   const auto drawTurned = [&](size_t i, VuRect) {
     icons[0]->SetScaleMode(VuScaleMode::Bilinear);
     const VuTransform t(static_cast<float>(12 * i), 40, 1, 1,
@@ -72,14 +72,14 @@ TEST_F(Surfaces, AScreenOfManyPicturesIsFewDrawCalls) {
       target->SetClippingRect({0, 0, 640, 50 + sprite});
     }
   };
-  // Glyphs that are new come between, and the atlas grows.
+  // New glyphs are rendered in between, and the atlas grows.
   const auto drawLine = [&](size_t i, VuRect) {
     target->DrawText(font, "The quick brown fox, 0123456789", {5, int(i) * 10}, white);
   };
   const struct {
     const char* name;
     std::function<void(size_t, VuRect)> draw;
-    int first, next;  ///< Draw calls of the first frame, and of each other.
+    int first, next;  ///< Most draw calls of the first frame, and of each later one.
   } screens[] = {{"rectangles, pictures and labels", drawCell, 5, 2},
                  {"clips, masks and lines", drawMore, 4, 3},
                  {"one bitmap, upright and turned", drawTurned, 1, 1},
@@ -162,7 +162,7 @@ TEST_F(Surfaces, OnlyScreensOfTwoBuffersWaitForTheDisplay) {
   const BitmapPtr screen = HandleOf(graphics_->CreateScreen(true));
   screen->SwapBuffers();
   EXPECT_EQ(intervals, std::vector<int>{1}) << "two unless asked otherwise";
-  // Layers share a window, and the last one to swap says.
+  // Layers share a window, and the last one to swap sets its interval.
   const GlCompositor compositor;
   const BitmapPtr layer = newScreen(false, 1);
   for (const auto& swapped : {&screen, &layer, &layer}) (*swapped)->SwapBuffers();

@@ -60,7 +60,7 @@ TEST_F(Windows, ShowTheWholePictureBetweenBars) {
     screen->SwapBuffers();
     EXPECT_EQ(Shown(box.x0, box.y0), kRed) << window[0];
     EXPECT_EQ(Shown(box.x1 - 1, box.y1 - 1), kBlue) << window[0];
-    // Only a fraction blurs it.
+    // Only scaling by a fraction blurs it.
     EXPECT_EQ(Shown((box.x0 + box.x1) / 2, box.y0) == kBlue, window[0] != 40) << window[0];
     if (box.x0 + box.y0 > 0) {
       EXPECT_EQ(Shown(box.x0 ? box.x0 - 1 : 0, box.y0 ? box.y0 - 1 : 0), kBlack) << window[0];
@@ -88,7 +88,7 @@ TEST_F(Windows, HaveAllPixelsOfADenseDisplay) {
 
 TEST(XWindow, IsResizedWhileFramesAreShown) {
   const std::string folder = testing::TempDir();
-  // It ends with its only client.
+  // The server ends with its only client.
   const std::string command =
       "exec timeout 60 Xvfb -displayfd 1 -terminate -screen 0 320x240x24 "
       "-fbdir " +
@@ -104,7 +104,7 @@ TEST(XWindow, IsResizedWhileFramesAreShown) {
     const auto screen =
         std::make_unique<VuBitmap>(graphics->CreateScreen({160, 80, 0, 2, {}, false}));
     const auto shows = [&](int red) {
-      // As xwd(1) has it: the pixels come last.
+      // The file is a window dump, in which the pixels come last.
       std::vector<uint32_t> pixels(320 * 240);
       std::ifstream file(folder + "/Xvfb_screen0", std::ios::binary);
       const auto bytes = static_cast<std::streamsize>(pixels.size() * 4);
@@ -114,7 +114,7 @@ TEST(XWindow, IsResizedWhileFramesAreShown) {
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
         file.seekg(-std::streamoff{bytes}, std::ios::end)
             .read(reinterpret_cast<char*>(pixels.data()), bytes);
-        for (uint32_t& pixel : pixels) pixel |= kBlack;  // That byte is not used.
+        for (uint32_t& pixel : pixels) pixel |= kBlack;  // The dump leaves alpha out.
         if (std::count(pixels.begin(), pixels.end(), kRed) == red) return true;
       }
       return false;

@@ -18,7 +18,7 @@ namespace ZIRK::backends {
 
 using helpers::PixelOf;
 
-/// OpenGL off-screen, with functions of SDL's or OpenGL's replaced before it is started.
+/// OpenGL off-screen, with functions of SDL or OpenGL replaced before it starts.
 class InjectedGl : public testing::Test {
  protected:
   void SetUp() override {
@@ -45,14 +45,14 @@ class InjectedGl : public testing::Test {
   static void Replace(const char* name, Lambda function) {
     replaced_[name] = reinterpret_cast<void*>(+function);
   }
-  /// What has been replaced.
+  /// The function that was replaced.
   template <typename F>
   static F Real(const char* name) {
     return reinterpret_cast<F>(real_[name]);
   }
 
-  /// Asks `seen_` about every call of OpenGL's function `name`, of the type of the null pointer:
-  /// whether it is to reach OpenGL.
+  /// Asks `seen_` whether a call of OpenGL's function `name` reaches OpenGL. The second argument is
+  /// a null pointer of the function's type.
   template <int Which, typename... A>
   static void Watch(const char* name, void (*)(A...)) {
     static const char* const watched = name;

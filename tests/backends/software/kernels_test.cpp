@@ -20,7 +20,7 @@ namespace {
 
 constexpr int kPitch = 40, kRows = 8;
 
-/// Random pixels, with many of the extreme ones; `valid` means no channel above its alpha.
+/// Random pixels, many of them extreme. If they are `valid`, no channel exceeds alpha.
 std::vector<uint32_t> RandomPixels(unsigned seed, bool valid) {
   std::mt19937 random(seed);
   std::vector<uint32_t> pixels(kPitch * kRows);
@@ -55,7 +55,7 @@ struct Case {
   bool blit, tinted, covered, opaque;
 };
 
-/// What `kernel` makes of random pixels of the format, beside one pixel at a time.
+/// Compares what `kernel` makes of random pixels of the format with one pixel at a time.
 template <VuPixelFormat kFormat>
 void CheckSpan(Kernels::SpanKernel kernel, const Case& c, int width) {
   using Traits = PixelTraits<kFormat>;
@@ -106,7 +106,7 @@ TEST(Kernels, AreChosenByLevel) {
   const std::span<const KernelLevel> runnable = RunnableKernels();
   for (const KernelLevel& level : runnable) EXPECT_EQ(&ChooseKernels(level.name), &level);
   EXPECT_EQ(&ChooseKernels(nullptr), &runnable.front());
-  // Not there where all processors of the kind have NEON.
+  // Where all processors of the kind have NEON, there is no such level.
   EXPECT_EQ(&ChooseKernels("none"), &runnable.back());
   // A level of another kind of processor.
   for (const char* const foreign : {"neon", "avx2"}) {
@@ -115,7 +115,7 @@ TEST(Kernels, AreChosenByLevel) {
   }
   EXPECT_TRUE(helpers::LogsOneError(
       "no level \"avx\"", [&] { EXPECT_EQ(&ChooseKernels("avx"), &runnable.front()); }, 4));
-  // Asked for the first time; in a program of its own, since the answer stays.
+  // A process chooses once, so a process of its own makes this choice.
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const auto ask = [&] {
     setenv("ZIRK_CPU", "none", 1);
@@ -183,8 +183,8 @@ TEST_P(EachLevel, BlendsByAnyFactors) {
   }
 }
 
-/// What the samplers read: a gradient, inside a margin that they must not touch, as wide as
-/// positions can be.
+/// What the samplers read: a gradient, inside a margin that they must not touch. It is as wide as
+/// positions reach.
 struct Image {
   static constexpr int kSize = 12, kMargin = 3, kStride = kSize + 2 * kMargin, kFar = 1 << 16;
   std::vector<uint32_t> pixels = std::vector<uint32_t>(2 * kFar + kStride * kStride, 0xFFFFFFFFu);
@@ -211,7 +211,7 @@ TEST_P(EachLevel, SamplersFollowTheGradientAndStayInside) {
   Image image;
   for (const auto& r : rows)
     for (const bool bilinear : {false, true}) {
-      // Twice as wide, a row lies inside the image.
+      // A row at twice the size stays inside the image.
       const int count = r.stepX == 0.5 ? 21 : kCount;
       SampleRow row = image.Row();
       const auto fixed = [](double v) { return static_cast<int32_t>(std::lround(v * 65536)); };

@@ -21,7 +21,7 @@ TEST(MemoryBudget, ReservesUpToItsLimitAndTakesBack) {
   EXPECT_EQ(budget->Available(), 0u);
   first.reset();
   EXPECT_EQ(budget->Available(), 640u);
-  // A limit beyond 32 bits is cut to them.
+  // A larger limit is cut to 32 bits.
   const auto large = MemoryBudget::Create(uint64_t{5} << 32);
   const auto third = large->Reserve(8, 20, VuPixelFormat::ARGB8888);
   EXPECT_EQ(large->Available(), 0xFFFFFFFFu - 640);

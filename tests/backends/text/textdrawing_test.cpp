@@ -48,7 +48,7 @@ TEST(TextDrawing, NeedsAnAtlasOfItsOwnKind) {
   VuFontAtlas foreign = Open(), orphan = Open();
   foreign.GetAtlas(&stub);
   const Context context(1 << 24);
-  // The other font's atlas got no bitmap, and its allocator is gone.
+  // The other font's atlas has no bitmap, and the context that was to make it is gone.
   EXPECT_EQ(Context(100).Draw(orphan, text.c_str()), kNothing);
   for (VuFontAtlas* font : {&foreign, &orphan}) {
     EXPECT_TRUE(helpers::LogsOneError("glyph atlas", [&] { context.Draw(*font, text.c_str()); }));
