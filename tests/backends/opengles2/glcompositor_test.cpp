@@ -103,7 +103,9 @@ TEST_F(Compositor, ComposesOnceForAllLayersThatAreDone) {
 TEST_F(Compositor, ScreensChangeSidesWithIt) {
   compositor_.reset();
   const BitmapPtr screen = NewScreen(0, 8, 8, kGreen);
-  const auto fill = [&](uint32_t color) { screen->DrawRect({0, 0, 8, 8}, VuColor{color}); };
+  const auto fill = [&](uint32_t color) {
+    screen->DrawRect({0, 0, 8, 8}, VuColor{color}, VuTMatrix2D<float>());
+  };
   fill(kRed);
   screen->SwapBuffers();
   EXPECT_EQ(layers_->Composed(), nullptr);
