@@ -50,43 +50,12 @@ TEST_P(Memory, MayRunOutInAnyOperation) {
   EXPECT_GT(refusals, 10);
 }
 
-const std::string kPicture = ZIRK_TEST_IMAGES "rgba8.png";
-const std::vector<unsigned char> kFont = helpers::FontBytes("sans.ttf");
-
 /// Whether something was made, which it deletes.
 template <class T>
 bool Made(T* made) {
   delete made;
   return made != nullptr;
 }
-
-const struct {
-  const char* name;
-  std::function<bool(VuGraphics&)> make;
-} kCreators[] = {
-    {"a screen", [](VuGraphics& g) { return Made(g.CreateScreen(40, 40, true)); }},
-    {"a bitmap", [](VuGraphics& g) { return Made(g.CreateBitmap(40, 40, {})); }},
-    {"a picture",
-     [](VuGraphics& g) { return Made(g.CreateBitmapFromFile(kPicture.c_str(), 9, 9, {})); }},
-    {"a size", [](VuGraphics& g) { return g.BitmapSize(kPicture.c_str()) != 0; }},
-    {"a font of a file",
-     [](VuGraphics&) { return Made(VuFont::CreateFont(FontFile("sans.ttf").c_str(), 0, 9)); }},
-    {"a font of memory",
-     [](VuGraphics&) {
-       return Made(VuFont::CreateFontFromMemory(kFont.data(), unsigned(kFont.size()), 0, 9));
-     }},
-    {"a width",
-     [](VuGraphics&) {
-       const std::unique_ptr<VuFont> font(VuFont::CreateFont(FontFile("sans.ttf").c_str(), 0, 9));
-       return font && font->GetOneLineWidth("width") != 0;
-     }},
-    {"a font of a registry",
-     [](VuGraphics&) {
-       const std::unique_ptr<VuFontRegistry> registry(VuFontRegistry::Create());
-       return registry && registry->Register(FontFile("sans.ttf").c_str()) &&
-              Made(registry->GetFont("ZIRK Test Sans", 9, false, false));
-     }},
-};
 
 /// Gives `make` more memory each time until it is enough.
 void ExpectOneLineWhereMemoryRunsOut(const char* name, const std::function<bool()>& make) {
@@ -109,11 +78,30 @@ void ExpectOneLineWhereMemoryRunsOut(const char* name, const std::function<bool(
 }
 
 TEST_P(Memory, MayRunOutInAnyCreator) {
-  for (const auto& creator : kCreators)
-    ExpectOneLineWhereMemoryRunsOut(creator.name, [&] { return creator.make(*graphics_); });
-  EXPECT_EQ(graphics_->AvailableMemory(), graphics_->TotalMemory()) << "something stayed behind";
+  const std::string picture = ZIRK_TEST_IMAGES "rgba8.png", sans = FontFile("sans.ttf");
+  const std::vector<unsigned char> bytes = helpers::FontBytes("sans.ttf");
+  const auto expect = ExpectOneLineWhereMemoryRunsOut;
+  VuGraphics& g = *graphics_;
+  expect("a screen", [&] { return Made(g.CreateScreen(40, 40, true)); });
+  expect("a bitmap", [&] { return Made(g.CreateBitmap(40, 40, {})); });
+  expect("a picture", [&] { return Made(g.CreateBitmapFromFile(picture.c_str(), 9, 9, {})); });
+  expect("a size", [&] { return g.BitmapSize(picture.c_str()) != 0; });
+  expect("a font of a file", [&] { return Made(VuFont::CreateFont(sans.c_str(), 0, 9)); });
+  expect("a font of memory", [&] {
+    return Made(VuFont::CreateFontFromMemory(bytes.data(), unsigned(bytes.size()), 0, 9));
+  });
+  expect("a width", [&] {
+    const std::unique_ptr<VuFont> font(VuFont::CreateFont(sans.c_str(), 0, 9));
+    return font && font->GetOneLineWidth("width") != 0;
+  });
+  expect("a font of a registry", [&] {
+    const std::unique_ptr<VuFontRegistry> registry(VuFontRegistry::Create());
+    return registry && registry->Register(sans.c_str()) &&
+           Made(registry->GetFont("ZIRK Test Sans", 9, false, false));
+  });
+  EXPECT_EQ(g.AvailableMemory(), g.TotalMemory()) << "something stayed behind";
   graphics_.reset();
-  ExpectOneLineWhereMemoryRunsOut("a context", [] { return Open(GetParam()) != nullptr; });
+  expect("a context", [] { return Open(GetParam()) != nullptr; });
 }
 
 INSTANTIATE_TEST_SUITE_P(Backends, Memory, testing::ValuesIn(kBackends));
