@@ -21,11 +21,11 @@ bool LiesIn(const void* code, const char* file) {
   return dladdr(code, &place) && std::strstr(place.dli_fname, file);
 }
 
-/// Whether the request that returns to `caller` is refused. Others than the library and its
-/// plug-ins, such as a driver, need not survive that.
+/// Whether the request that returns to `caller` is refused. Only requests of the library and its
+/// plug-ins are, since others, such as a driver, may crash.
 bool IsRefused(const void* caller) {
   if (granted == kUnlimited) return false;
-  // The standard library allocates a string's memory. Its caller decides.
+  // The standard library makes the requests for strings, whichever code owns them.
   if (LiesIn(caller, "libstdc++")) {
     void* frames[16];
     const int count = backtrace(frames, 16);
@@ -44,7 +44,7 @@ bool IsRefused(const void* caller) {
 }
 
 void* Allocate(std::size_t size, const void* caller) {
-  // Relaxed, so that no two threads are ordered by it: the thread sanitizer would miss their races.
+  // Relaxed, so that it does not order threads: the thread sanitizer would miss races between them.
   allocations.fetch_add(1, std::memory_order_relaxed);
   return IsRefused(caller) ? nullptr : std::malloc(size ? size : 1);
 }

@@ -2,11 +2,11 @@
 
 namespace ZIRK::support {
 
-/// How often the process has asked operator new for memory.
+/// The number of calls to operator new in the process so far.
 int Allocations();
 
 /// While it exists, operator new grants the library and its plug-ins `count` requests on this
-/// thread, and refuses all further ones.
+/// thread and refuses all others.
 class ScarceMemory {
  public:
   explicit ScarceMemory(int count);
@@ -14,7 +14,7 @@ class ScarceMemory {
   ScarceMemory(const ScarceMemory&) = delete;
   ScarceMemory& operator=(const ScarceMemory&) = delete;
 
-  /// Whether a request has been refused.
+  /// Whether a request was refused.
   bool HasRunOut() const;
 };
 

@@ -10,14 +10,14 @@ constexpr int kSpriteSize = 128;
 constexpr char kLine[] = "The quick brown fox jumps over the lazy dog.";
 constexpr int kTextSize = 16;
 
-/// A place for the i-th thing of this size, another each time, inside the screen.
+/// A rectangle of this size inside the screen, different for each `i`.
 VuRect PlaceOf(const VuBitmap& screen, int i, int width, int height) {
   const VuRect bounds = screen.GetBounds();
   const int right = bounds.width - width, bottom = bounds.height - height;
   return {right > 0 ? i * 37 % right : 0, bottom > 0 ? i * 23 % bottom : 0, width, height};
 }
 
-/// Opaque rectangles.
+/// Draws opaque rectangles.
 double DrawFills(Stage& stage) {
   constexpr int kCount = 20, kWidth = 200, kHeight = 150;
   for (int i = 0; i < kCount; ++i)
@@ -27,7 +27,7 @@ double DrawFills(Stage& stage) {
   return kCount * kWidth * kHeight * 1e-6;
 }
 
-/// A translucent bitmap at its own size.
+/// Draws a translucent bitmap at its own size.
 double DrawBlits(Stage& stage) {
   constexpr int kCount = 20;
   for (int i = 0; i < kCount; ++i)
@@ -46,7 +46,7 @@ double DrawLines(Stage& stage) {
   return kCount * (sizeof kLine - 1) * 1e-3;
 }
 
-/// The bitmap half as large again, bilinear.
+/// Draws a bitmap enlarged by half, with bilinear filtering.
 double DrawScaled(Stage& stage) {
   constexpr int kCount = 10, kSize = kSpriteSize * 3 / 2;
   stage.sprite->SetScaleMode(VuScaleMode::Bilinear);
@@ -57,7 +57,7 @@ double DrawScaled(Stage& stage) {
   return kCount * kSize * kSize * 1e-6;
 }
 
-/// What an interface draws for a frame, and showing it.
+/// Draws and shows a frame of a typical user interface.
 double DrawFrame(Stage& stage) {
   stage.screen.Clear(0xFF203040);
   for (int i = 0; i < 20; ++i) stage.screen.DrawRect(PlaceOf(stage.screen, i, 80, 40), 0xC0FFC857);
@@ -65,7 +65,7 @@ double DrawFrame(Stage& stage) {
     stage.screen.DrawObject(PlaceOf(stage.screen, i, kSpriteSize, kSpriteSize), *stage.sprite);
   for (int i = 0; stage.font && i < 6; ++i)
     stage.screen.DrawText(*stage.font, kLine, {10, 10 + 24 * i}, white);
-  stage.screen.Finish();  // Off-screen OpenGL may leave out a frame that nobody sees.
+  stage.screen.Finish();  // Off-screen OpenGL may skip a frame that is not visible.
   stage.screen.SwapBuffers();
   return 1;
 }

@@ -7,22 +7,22 @@
 
 namespace ZIRK::support {
 
-/// What the workloads draw with, and onto.
+/// The surfaces and fonts that the workloads use.
 struct Stage {
   VuBitmap& screen;
   std::unique_ptr<VuBitmap> sprite;
   std::unique_ptr<VuFont> font;  ///< Null for no text.
 };
 
-/// Null members where the backend makes no bitmap.
+/// Bitmaps that the backend cannot make are null.
 Stage MakeStage(VuGraphics& graphics, VuBitmap& screen, const std::string& fontFile);
 
-/// One thing that a backend is measured by.
+/// A task that measures a backend.
 struct Workload {
   const char* name;
   const char* unit;
   bool needsFont;
-  /// Draws for some milliseconds at most and gives how much that was, in the unit.
+  /// Draws for some milliseconds at most, and returns the amount in `unit`.
   double (*draw)(Stage& stage);
 };
 
