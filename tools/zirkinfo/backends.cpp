@@ -30,7 +30,7 @@ bool IsListed(const std::string& name) {
   return std::any_of(names, names + count, [&](const char* listed) { return name == listed; });
 }
 
-/// Where the dynamic loader found a plug-in that is open.
+/// The path at which the dynamic loader found an open plug-in.
 std::string PathOf(const std::string& file) {
   void* const handle = dlopen(file.c_str(), RTLD_LAZY | RTLD_NOLOAD);
   if (!handle) return "";
@@ -38,7 +38,7 @@ std::string PathOf(const std::string& file) {
   const bool isKnown = dlinfo(handle, RTLD_DI_LINKMAP, &map) == 0;
   const std::filesystem::path path = isKnown ? map->l_name : "";
   dlclose(handle);
-  std::error_code error;  // A path that cannot be followed is shown as it is.
+  std::error_code error;  // A path that cannot be resolved is shown unchanged.
   const std::filesystem::path followed = std::filesystem::canonical(path, error);
   return error ? path : followed;
 }
@@ -54,12 +54,12 @@ const char* NameOf(VuPixelFormat format) {
   return code < std::size(kNames) ? kNames[code] : "of an unknown format";
 }
 
-/// Those that the library has met so far.
+/// Shows the displays that the library has found so far.
 void ShowDisplays(const LibraryLog& log) {
   PrintLines("display", log.Messages("debug", "display "));
 }
 
-/// The screen that a program gets that asks for the display's own size.
+/// Shows the screen that a program gets if it requests the display's own size.
 void ShowScreen(VuGraphics& graphics) {
   const LibraryLog log;
   const std::unique_ptr<VuBitmap> screen(graphics.CreateScreen(false));
@@ -78,7 +78,7 @@ void ShowScreen(VuGraphics& graphics) {
   PrintLines("warning", log.Messages("warning"));
 }
 
-/// What a graphics context says of itself.
+/// Shows the properties of a graphics context.
 void ShowContext(VuGraphics& graphics) {
   std::printf("type: %d\n", graphics.GetGraphicsType());
   std::printf("largest-texture: %d\n", graphics.GetMaxTextureSize());
@@ -87,7 +87,7 @@ void ShowContext(VuGraphics& graphics) {
   ShowScreen(graphics);
 }
 
-/// Whether it opens, and why not.
+/// Shows whether a plug-in opens, and if not, the reason.
 bool ShowOpening(bool opens, const LibraryLog& log) {
   std::printf("opens: %s\n", YesOrNo(opens));
   if (!opens) PrintLines("reason", log.Messages("error"));
@@ -156,7 +156,7 @@ int ShowBackends(const CommandLine& line) {
   std::vector<std::string> openFiles;
   for (const Plugin& plugin : plugins) {
     const bool isNamed = !line.operands.empty();
-    // A compositor is of no use without the backend in its file, which comes before it.
+    // A compositor needs the backend in its file, which is listed before it.
     if (!plugin.isGraphics && !isNamed &&
         std::find(openFiles.begin(), openFiles.end(), plugin.file) == openFiles.end())
       continue;

@@ -23,7 +23,7 @@ using support::kWorkloadCount, support::kWorkloads, support::Stage, support::Wor
 
 constexpr int kWidth = 640, kHeight = 480;
 
-/// What one backend does in a second of each workload; nothing where one needs a font.
+/// The rates of one backend in all workloads, per second; nothing for a workload that needs a font.
 struct Result {
   std::string name;
   int width, height;
@@ -33,7 +33,7 @@ struct Result {
 
 double Measure(const Workload& workload, Stage& stage, double seconds) {
   using Clock = std::chrono::steady_clock;
-  workload.draw(stage);  // Textures, glyphs and shaders are made by the first.
+  workload.draw(stage);  // The first one makes textures, glyphs and shaders.
   double done = 0, taken = 0;
   const Clock::time_point start = Clock::now();
   do {
@@ -43,7 +43,7 @@ double Measure(const Workload& workload, Stage& stage, double seconds) {
   return done / taken;
 }
 
-/// Nothing for a backend that does not open or has no screen.
+/// Returns nothing for a backend that does not open or has no screen.
 std::optional<Result> MeasureBackend(const std::string& name, const std::string& fontFile,
                                      double seconds) {
   const LibraryLog log;

@@ -7,7 +7,7 @@ namespace ZIRK::zirkinfo {
 
 namespace {
 
-/// A bitmap drawn with a scale mode, which it then loses again.
+/// Sets the scale mode of a bitmap, and resets it at the end of a scope.
 class Filtered {
  public:
   Filtered(VuBitmap& bitmap, VuScaleMode mode) : bitmap_(bitmap), before_(bitmap.GetScaleMode()) {
@@ -24,7 +24,7 @@ class Filtered {
 
 constexpr VuRect kLetterAround{-12, -16, 24, 32};
 
-/// Where a format has its channels: alpha, red, green, blue.
+/// The positions of a format's channels: alpha, red, green, blue.
 struct Layout {
   VuPixelFormat format;
   unsigned bytes;
@@ -54,7 +54,7 @@ uint32_t SwatchPixel(const Layout& layout, int x, int y) {
   return word;
 }
 
-/// Stripes, pixel by pixel, inside a border of what was there.
+/// Writes stripes, pixel by pixel, inside a border that keeps its pixels.
 void DrawByAddress(VuBitmap& bitmap) {
   constexpr int kBorder = 8;
   if (!bitmap.Lock()) return;
@@ -70,7 +70,7 @@ void DrawByAddress(VuBitmap& bitmap) {
   bitmap.Unlock();
 }
 
-/// The pixels as the format has them, which nothing has to round.
+/// Pixels in the format itself, so that nothing is rounded.
 std::vector<uint8_t> Swatch(const Layout& layout) {
   std::vector<uint8_t> pixels;
   for (int y = 0; y < kSwatchHeight; ++y)
@@ -87,7 +87,7 @@ std::vector<uint8_t> Swatch(const Layout& layout) {
 
 }  // namespace
 
-/// Larger and smaller: nearest above or on the left, bilinear below or on the right.
+/// Enlarged and reduced: Nearest above or on the left, Bilinear below or on the right.
 void DrawScaled(const Easel& e) {
   for (const int i : {0, 1}) {
     const auto mode = VuScaleMode(i);
@@ -99,7 +99,7 @@ void DrawScaled(const Easel& e) {
   }
 }
 
-/// Counter-clockwise from nothing to half a turn, nearest above and bilinear below.
+/// Rotated counter-clockwise from 0 to 180 degrees, Nearest above and Bilinear below.
 void DrawTurned(const Easel& e) {
   constexpr float kDegrees[] = {0, 10, 40, 90, 160};
   for (const int row : {0, 1}) {
@@ -110,7 +110,7 @@ void DrawTurned(const Easel& e) {
   }
 }
 
-/// As it is, left for right, upside down, both; and the same after a quarter turn.
+/// Unchanged, mirrored horizontally, vertically, and both; then the same after a quarter turn.
 void DrawMirrored(const Easel& e) {
   for (int i = 0; i < 8; ++i) {
     const float x = i % 2 ? -1.0f : 1.0f, y = i / 2 % 2 ? -1.0f : 1.0f;
@@ -128,7 +128,7 @@ void DrawMasks(const Easel& e) {
                       nullptr);
   for (int i = 0; i < 14; ++i)
     e.target.DrawLine(e.At(104, 4 + i * 3), e.At(143, 4 + i * 3), white, none, disc, nullptr);
-  // A quarter of the disc; the disc four times as large as its rectangle, turned by a quarter.
+  // A quarter of the disc; the disc at four times the size of its rectangle, after a quarter turn.
   VuTVector2D<float> quarter[] = {{20, 0}, {40, 0}, {40, 20}, {20, 20}};
   e.target.DrawRect(e.At(4, 52, 40, 40), kRed, none, disc, quarter);
   VuTVector2D<float> turned[] = {{0, 40}, {0, 0}, {20, 0}, {20, 40}};
@@ -137,8 +137,8 @@ void DrawMasks(const Easel& e) {
                     nullptr);
 }
 
-/// The six formats with pixels of their own: red, green, blue and grey from left to right, alpha
-/// less further down where there is any.
+/// Pixels in each of the six formats: red, green, blue and grey from left to right, with alpha
+/// decreasing downwards if the format has alpha.
 void DrawFormats(const Easel& e) {
   e.Chequer(2, 2, 144, 92);
   int i = 0;
@@ -153,7 +153,7 @@ void DrawFormats(const Easel& e) {
   }
 }
 
-/// A bitmap times a colour, of less and less alpha.
+/// A bitmap multiplied with a colour of decreasing alpha.
 void DrawTints(const Easel& e) {
   constexpr VuColor kColors[] = {{0xFFFFFFFF}, kRed, kGreen, kBlue, kGold, {0xFF808080}};
   e.Chequer(2, 2, 144, 92);
@@ -164,7 +164,7 @@ void DrawTints(const Easel& e) {
           WithAlpha(kColors[i], static_cast<uint32_t>(row == 0 ? 255 : 200 - 64 * row)));
 }
 
-/// Pixels that are written, copied within and between bitmaps, read back, and written by address.
+/// Pixels that are written, copied within and between bitmaps, read back, and written in a lock.
 void DrawPixels(const Easel& e) {
   constexpr int kWidth = 68, kHeight = 44;
   const BitmapPtr written(e.graphics.CreateBitmap(kWidth, kHeight, VuPixelFormat::ARGB8888));
@@ -180,7 +180,7 @@ void DrawPixels(const Easel& e) {
   e.target.DrawObject(e.At(4, 3, kWidth, kHeight), *written);
   e.target.DrawObject(e.At(76, 3, kWidth, kHeight), *copied);
 
-  // What was drawn above, read back from the surface: upside down.
+  // Reads back the pixels above, and draws them upside down.
   const VuRect part{0, 0, kWidth, kHeight};
   if (copied->GetPixels(part, pixels.data()))
     for (int y = 0; y < kHeight; ++y)

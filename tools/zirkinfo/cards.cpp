@@ -31,7 +31,7 @@ std::nullopt_t Failed(const std::string& subject, const char* problem) {
   return std::nullopt;
 }
 
-/// The result of `run`, after what the library logged of errors meanwhile.
+/// Calls `run` and returns its result, after printing the errors that the library logged meanwhile.
 template <class Run>
 auto ReportingErrors(Run run) {
   std::vector<std::string> errors;
@@ -53,7 +53,7 @@ std::unique_ptr<VuBitmap> NewBitmap(VuGraphics& graphics, int width, int height)
   return std::unique_ptr<VuBitmap>(graphics.CreateBitmap(width, height, VuPixelFormat::ARGB8888));
 }
 
-/// The card on a screen that is smaller than it.
+/// Draws the card on a screen that is smaller than the card.
 bool DrawSmallerCard(VuGraphics& graphics, VuBitmap& target, const std::string& fontFile) {
   const std::unique_ptr<VuBitmap> card = NewBitmap(graphics, kCardWidth, kCardHeight);
   if (!card || !DrawTestCard(graphics, *card, fontFile)) return false;
@@ -61,7 +61,7 @@ bool DrawSmallerCard(VuGraphics& graphics, VuBitmap& target, const std::string& 
   return true;
 }
 
-/// Draws the card on a screen, shows it and keeps a copy of it. Null, or why not.
+/// Draws the card on a screen, shows it and keeps a copy. Returns null, or the reason of a failure.
 const char* DrawOnScreen(Picture& picture, const std::string& fontFile, const CommandLine& line) {
   VuGraphics& graphics = *picture.graphics;
   const std::unique_ptr<VuBitmap> screen = OpenScreen(graphics, kCardWidth, kCardHeight);
@@ -73,7 +73,7 @@ const char* DrawOnScreen(Picture& picture, const std::string& fontFile, const Co
     return "has no bitmaps to draw the card with";
   const VuRect part = isSmaller ? bounds : VuRect{0, 0, kCardWidth, kCardHeight};
   picture.bitmap = NewBitmap(graphics, part.width, part.height);
-  // Before it is shown: what a screen holds afterwards is not the same on every backend.
+  // Copied before it is shown: what a screen contains afterwards depends on the backend.
   const bool isCopied = picture.bitmap && picture.bitmap->CopyPixels({0, 0}, *screen, part);
   screen->SwapBuffers();
   if (line.hold > 0) sleep(static_cast<unsigned>(line.hold));
@@ -88,7 +88,7 @@ const char* DrawOnBitmap(Picture& picture, const std::string& fontFile) {
              : "has no bitmaps to draw the card with";
 }
 
-/// The card as `backend`, empty for the default, draws it.
+/// The card drawn by `backend`; by the default backend if that is empty.
 std::optional<Picture> DrawCard(const std::string& backend, const std::string& fontFile,
                                 const CommandLine& line) {
   const std::string name = backend.empty() ? "the default backend" : backend;

@@ -87,7 +87,7 @@ constexpr option kOptions[] = {
     {},
 };
 
-/// What a command takes: options, and how many operands.
+/// A command with its options and its number of operands.
 struct Command {
   const char* name;
   std::vector<int> options;
@@ -124,7 +124,7 @@ bool ReadWholeNumber(const char* text, int least, int most, int& number) {
   return number == value;
 }
 
-/// False if the option's argument is no number in its range, or no name.
+/// Stores an option. Returns false if its argument is empty or not a number in its range.
 bool TakeOption(int code, const char* argument, CommandLine& line) {
   switch (code) {
     case kBackend:
@@ -173,7 +173,7 @@ std::string OutputOf(const CommandLine& line) {
   return line.command == "card" && !line.operands.empty() ? line.operands[0] : line.output;
 }
 
-/// Whether the options and operands go with the command; else the status.
+/// Checks the options and operands of the command. Returns kDone, or the status after an error.
 int Check(const CommandLine& line, const std::vector<int>& used) {
   const Command* const command = FindCommand(line.command);
   if (!command) return kTool.Wrong("unknown command '%s'", line.command.c_str());

@@ -13,11 +13,11 @@ struct CommandLine {
   std::string command = "backends";
   std::vector<std::string> operands;
 
-  std::string backend;   ///< Empty for the default one.
-  std::string fontFile;  ///< Empty for one of the machine.
+  std::string backend;   ///< Empty for the default backend.
+  std::string fontFile;  ///< Empty for an installed font.
   std::string output;
-  std::string plugin;      ///< A third party's file; empty for none.
-  std::string pluginName;  ///< Of the backend in it, once it is entered.
+  std::string plugin;      ///< File of a third-party plug-in; empty for none.
+  std::string pluginName;  ///< Name of its backend, once it is registered.
   int size = 16;
   int hold = 0;
   double worst = 255, mean = 255;
@@ -29,8 +29,8 @@ struct CommandLine {
   bool isVerbose = false;
 };
 
-/// Reads the arguments. False if that is all that is to be done: `status` is then the program's,
-/// and help, the version or what is wrong has been printed.
+/// Reads the arguments. Returns false if the program ends with `status`, after printing help, the
+/// version or an error.
 bool ParseCommandLine(int argc, char** argv, CommandLine& line, int& status);
 
 bool IsPngFile(const std::string& name);

@@ -4,7 +4,7 @@
 
 namespace ZIRK::zirkinfo {
 
-/// Each carries out one command and gives the program's status.
+/// Each carries out one command and returns the program's status.
 int ShowBackends(const CommandLine& line);
 int ShowFonts(const CommandLine& line);
 int WriteCard(const CommandLine& line);

@@ -45,7 +45,7 @@ void ShowMeasures(const VuFontAtlas& font, int size) {
   std::printf("underline-thickness: %d\n", thickness);
 }
 
-/// How many faces the file has; 0 if this one cannot be opened.
+/// Shows a face. Returns the number of faces in the file; 0 if this one cannot be opened.
 long ShowFace(const std::string& file, int index, const CommandLine& line) {
   const VuFontAtlas font(file.c_str(), index, line.size, false, false);
   const FT_Face face = font.GetFontFace();

@@ -5,9 +5,9 @@
 
 namespace ZIRK::zirkinfo {
 
-/// Collects what the library logs, down to the level debug, as long as it lives. Nothing of it
-/// reaches standard error meanwhile, other libraries' messages included; with --verbose all follows
-/// at the end.
+/// Collects the library's log, down to level debug, while it exists. Nothing reaches standard error
+/// meanwhile, messages of other libraries included; with --verbose the destructor prints
+/// everything.
 class LibraryLog {
  public:
   LibraryLog();
@@ -15,14 +15,14 @@ class LibraryLog {
   LibraryLog(const LibraryLog&) = delete;
   LibraryLog& operator=(const LibraryLog&) = delete;
 
-  /// The messages so far of the level with this name, each once.
+  /// The messages so far of the level with this name, without repetitions.
   std::vector<std::string> Messages(const std::string& levelName) const;
-  /// What follows `beginning` in those that begin so.
+  /// Of the messages that start with `beginning`, the text after it.
   std::vector<std::string> Messages(const std::string& levelName,
                                     const std::string& beginning) const;
-  /// The last of these of the level info; empty if there is none.
+  /// The last such text of level info; empty if there is none.
   std::string LastInfo(const std::string& beginning) const;
-  /// What shows the last screen created meanwhile; empty where none is shown.
+  /// The device that shows the last screen that was created; empty if no screen is shown.
   std::string ShownBy() const { return LastInfo("screen 0: "); }
 
  private:

@@ -7,12 +7,12 @@
 
 namespace ZIRK::zirkinfo {
 
-/// A font file of the machine, preferably a plain sans-serif one; empty if there is none. The same
-/// one each time, as long as the same fonts are installed.
+/// The path of an installed font, preferably a plain sans-serif one; empty if there is none. The
+/// choice depends only on the installed fonts.
 std::string FindMachineFont();
 
-/// The font of the text that a command draws, empty for none; nothing if the one that was named
-/// does not open. Says what is missing.
+/// The font file for the text that a command draws; empty if there is none. Returns nothing if the
+/// font that the user named does not open. Prints what is missing.
 std::optional<std::string> ChooseFont(const CommandLine& line);
 
 }  // namespace ZIRK::zirkinfo

@@ -1,4 +1,4 @@
-// What is installed of ZIRK, what works here, and what it looks like.
+// Shows which parts of ZIRK are installed, which of them work here, and what they draw.
 
 #include <zirk/vusyslog.h>
 

@@ -16,8 +16,8 @@ constexpr VuColor kBlack{0xFF000000}, kRed{0xFFE8432E}, kGreen{0xFF35C46A}, kBlu
 
 /// Bitmaps that several panels draw with.
 struct Props {
-  BitmapPtr letter;  ///< An F on a chequered ground, which looks different from every side.
-  BitmapPtr board;   ///< A finer chequer, to be made smaller.
+  BitmapPtr letter;  ///< An F on a chequered ground, which looks different in every orientation.
+  BitmapPtr board;   ///< A finer chequer, to be drawn smaller.
   BitmapPtr disc;    ///< Coverage of a circle, in an A8 bitmap.
   BitmapPtr dot;     ///< One white pixel.
 
@@ -26,19 +26,19 @@ struct Props {
 
 Props MakeProps(VuGraphics& graphics);
 
-/// What a panel is drawn with. Its coordinates count from the panel's corner.
+/// The means of drawing a panel. Coordinates are relative to the corner of the panel.
 struct Easel {
   VuGraphics& graphics;
   VuBitmap& target;
   const Props& props;
-  const std::string& fontFile;  ///< Empty where there is no font.
+  const std::string& fontFile;  ///< Empty if there is no font.
   VuPoint origin;
 
   VuRect At(int x, int y, int width, int height) const {
     return {origin.x + x, origin.y + y, width, height};
   }
   VuPoint At(int x, int y) const { return {origin.x + x, origin.y + y}; }
-  /// Places what is drawn around (0, 0) at (x, y).
+  /// A transform that rotates and scales around (0, 0), which it then moves to (x, y).
   VuTransform Around(int x, int y, float scaleX, float scaleY, float degrees) const {
     return {static_cast<float>(origin.x + x), static_cast<float>(origin.y + y), scaleX, scaleY,
             degrees};
@@ -49,7 +49,7 @@ struct Easel {
   void Line(int x0, int y0, int x1, int y1, VuColor color) const {
     target.DrawLine(At(x0, y0), At(x1, y1), color);
   }
-  /// A light and dark chequer, which what lets light through is drawn on.
+  /// Draws a light and dark chequer as the background of translucent things.
   void Chequer(int x, int y, int width, int height) const;
 };
 

@@ -27,7 +27,7 @@ int Rank(const Plugin& plugin) {
 std::string EnterPlugin(const std::string& file) {
   constexpr char kBeginning[] = "libZIRKImpl";
   std::error_code error;
-  // The loader searches for a name without a folder, but this is a file.
+  // The loader searches for a name without a folder, but the argument is a path.
   const bool exists = std::filesystem::exists(file, error);
   const std::string path = exists ? std::filesystem::absolute(file).string() : file;
   std::string name = std::filesystem::path(file).stem();
@@ -70,7 +70,7 @@ std::unique_ptr<VuGraphics> OpenBackend(const std::string& name) {
   if (name.empty()) return std::unique_ptr<VuGraphics>(VuGraphics::Create());
   if (name != Entered().name)
     return std::unique_ptr<VuGraphics>(VuGraphics::Create(name.c_str(), false));
-  // Create() knows no other names than the library's own.
+  // Create() knows only the library's own names.
   void* const made = GraphicsImplLoader::GetInstance()->CreateImplInstance(name, false);
   return made ? std::make_unique<VuGraphics>(static_cast<VuGraphicsImpl*>(made)) : nullptr;
 }

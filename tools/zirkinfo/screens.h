@@ -6,8 +6,8 @@
 
 namespace ZIRK::zirkinfo {
 
-/// A screen of this size, or of the display's own where that is smaller on either side. Null, with
-/// the backend's error line, where there is none.
+/// A screen of this size, or of the display's size if either side of that is smaller. Null, after
+/// an error line of the backend, if there is none.
 std::unique_ptr<VuBitmap> OpenScreen(VuGraphics& graphics, int width, int height);
 
 /// Draws the whole of `picture` into the middle of `target`, scaled down to fit.

@@ -14,7 +14,7 @@ uint32_t Level(int step, int steps) {
 
 }  // namespace
 
-/// Bars, steps of grey, and ramps of each channel: wrong order, wrong depth and banding show here.
+/// Bars, steps of grey, and a ramp of each channel: show a wrong order, a wrong depth and banding.
 void DrawColours(const Easel& e) {
   constexpr uint32_t kBars[] = {0xFFFFFFFF, 0xFFFFFF00, 0xFF00FFFF, 0xFF00FF00,
                                 0xFFFF00FF, 0xFFFF0000, 0xFF0000FF, 0xFF000000};
@@ -27,7 +27,7 @@ void DrawColours(const Easel& e) {
       e.Rect(2 + x, 48 + row * 12, 1, 11, VuColor{0xFF000000 | Level(x, 144) * kChannels[row]});
 }
 
-/// From nothing to opaque, smoothly and in eight steps.
+/// From transparent to opaque, continuously and in eight steps.
 void DrawAlpha(const Easel& e) {
   e.Chequer(2, 2, 144, 92);
   const VuColor kColors[] = {kRed, kGreen, kBlue, white};
@@ -39,7 +39,7 @@ void DrawAlpha(const Easel& e) {
   }
 }
 
-/// One pixel on, one off: lines, rectangles and points all hit exactly the pixels they name.
+/// One pixel on, one off: lines, rectangles and points cover exactly their own pixels.
 void DrawGrids(const Easel& e) {
   constexpr int kSize = 44;
   const auto line = [&](int i, bool isUpright, int x, int y, VuColor color) {
@@ -54,7 +54,7 @@ void DrawGrids(const Easel& e) {
   for (int i = 0; i < kSize; i += 4) {
     e.Rect(3 + i, 50, 1, kSize, kGold);
     e.Rect(3, 50 + i, kSize, 1, kGold);
-    // Crossings are lighter, each exactly once.
+    // Crossings are lighter, and each is drawn exactly once.
     line(i, true, 52, 50, {0x80FFFFFF});
     line(i, false, 52, 50, {0x80FFFFFF});
   }
@@ -63,7 +63,7 @@ void DrawGrids(const Easel& e) {
       e.target.DrawPoint(e.At(101 + x + size / 2, 54 + y * 9), static_cast<float>(size), kGreen);
 }
 
-/// Every slope from one middle; and pairs there and back, which are one line where they agree.
+/// Lines of every slope from one centre, and pairs in opposite directions, which must coincide.
 void DrawLines(const Easel& e) {
   constexpr int kSlopes = 36;
   for (int i = 0; i < kSlopes; ++i) {
@@ -78,7 +78,7 @@ void DrawLines(const Easel& e) {
   for (int i = 0; i < 5; ++i) e.Line(96 + i * 4, 92, 96 + i * 10, 50 + i * 2, kRed);
 }
 
-/// Sides and corners that meet without a gap or a seam; parts of pixels; slivers that turn.
+/// Sides and corners that meet without a gap or a seam; fractions of pixels; rotated slivers.
 void DrawEdges(const Easel& e) {
   for (int i = 0; i < 12; ++i)
     e.Rect(3 + i * 2, 3 + i * 2, 48 - 4 * i, 48 - 4 * i, i % 2 ? kInk : white);
@@ -99,7 +99,7 @@ void DrawEdges(const Easel& e) {
         e.Around(24 + i % 3 * 50, 62 + i / 3 * 13, 1, 1, static_cast<float>(i) * 1.5f));
 }
 
-/// Nothing is drawn outside the twelve windows, and each is filled up to its edge.
+/// Nothing is drawn outside the twelve rectangles, and each is filled up to its edges.
 void DrawClipping(const Easel& e) {
   for (int i = 0; i < 12; ++i) {
     const int x = 4 + i % 4 * 36, y = 3 + i / 4 * 31;
@@ -114,9 +114,9 @@ void DrawClipping(const Easel& e) {
   }
 }
 
-/// Every factor of the source, from left to right, with every one of the destination, from the top
-/// down: half-transparent orange drawn on half-transparent blue. On the right light that adds up,
-/// blending switched off, and factors of alpha's own.
+/// Every source factor, from left to right, with every destination factor, from the top down:
+/// half-transparent orange drawn on half-transparent blue. On the right: additive blending, no
+/// blending, and separate factors for alpha.
 void DrawBlending(const Easel& e) {
   constexpr int kFactors = 15, kCell = 6, kSide = kFactors * kCell;
   constexpr auto kSaturate = static_cast<int>(VuBlendingFactor::SrcAlphaSaturate);
@@ -127,7 +127,7 @@ void DrawBlending(const Easel& e) {
   sheet->SetBlendColor({0xA0408020});
   for (int dst = 0; dst < kFactors; ++dst)
     for (int src = 0; src < kFactors; ++src) {
-      // As a factor of the destination it is more than some GPUs can do.
+      // Some GPUs do not support it as a destination factor.
       if (dst == kSaturate) continue;
       sheet->SetBlendingFunc(VuBlendingFactor(src), VuBlendingFactor(dst));
       sheet->DrawRect({src * kCell, dst * kCell, kCell - 1, kCell - 1}, {0xA0F08020});

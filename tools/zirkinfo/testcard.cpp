@@ -31,8 +31,8 @@ VuPoint CornerOf(int index) {
   return {kLeft + index % kColumns * kColumnPitch, kTop + index / kColumns * kRowPitch};
 }
 
-/// The outermost pixels, and another colour in each corner: seen if the picture is cut, shifted or
-/// turned round.
+/// Draws the outermost pixels, with another colour in each corner, which shows whether the picture
+/// is cut, shifted or turned.
 void DrawFrame(VuBitmap& t) {
   constexpr int kRight = kCardWidth - 1, kBottom = kCardHeight - 1, kCorner = 6;
   t.DrawRect({0, 0, kCardWidth, kCardHeight}, kGround);
@@ -46,7 +46,7 @@ void DrawFrame(VuBitmap& t) {
   t.DrawRect({kCardWidth - kCorner, kCardHeight - kCorner, kCorner, kCorner}, kGold);
 }
 
-/// Whatever a panel has set, the next one finds a surface as if new.
+/// Resets the state that a panel may have changed to that of a new surface.
 void ResetState(VuBitmap& t) {
   t.SetClippingRect(t.GetBounds());
   t.SetBlendEnabled(true);

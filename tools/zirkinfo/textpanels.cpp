@@ -2,7 +2,7 @@
 
 namespace ZIRK::zirkinfo {
 
-/// The smallest is the first to suffer where glyphs are not laid on whole pixels.
+/// Text of several sizes. The smallest suffers first if glyphs are not placed on whole pixels.
 void DrawTextSizes(const Easel& e) {
   if (e.fontFile.empty()) return;
   constexpr int kSizes[] = {8, 9, 10, 12, 15, 20};
@@ -16,8 +16,8 @@ void DrawTextSizes(const Easel& e) {
   }
 }
 
-/// Made bold; the three borders around a letter; turned, stretched and mirrored; through a mask;
-/// with alpha.
+/// Emboldened text; the three kinds of outline; rotated, stretched and mirrored text; text through
+/// a mask; translucent text.
 void DrawTextEffects(const Easel& e) {
   if (e.fontFile.empty()) return;
   const VuRect noRect{0, 0, 0, 0};
