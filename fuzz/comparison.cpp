@@ -14,7 +14,7 @@ namespace {
 
 constexpr int kSteps = 2;
 
-/// The bits of each channel, for each format in turn; 0 where there is none.
+/// The bits of each channel, format by format; 0 for channels that a format lacks.
 constexpr uint32_t kChannels[][4] = {
     {0xFF000000, 0xFF0000, 0xFF00, 0xFF}, {0, 0xFF0000, 0xFF00, 0xFF},   {0, 0xF800, 0x7E0, 0x1F},
     {0xF000, 0xF00, 0xF0, 0xF},           {0x8000, 0x7C00, 0x3E0, 0x1F}, {0xFF, 0, 0, 0},

@@ -6,12 +6,13 @@ class VuBitmap;
 
 namespace ZIRK::fuzz {
 
-/// Whether two surfaces of one size and format show the same: where both are even, each channel
-/// differs by two steps at most. A pixel is even where it and those around it are the same within
-/// two steps; along edges, and in patterns, which pixel is the nearest is up to rounding.
+/// Whether two surfaces of the same size and format look the same: in flat areas of both, each
+/// channel differs by at most two steps. A pixel is in a flat area if it differs from those around
+/// it by at most two steps. Along edges and in patterns, rounding decides which pixel is the
+/// nearest.
 bool LookTheSame(VuBitmap& a, VuBitmap& b);
 
-/// Gives `to` the pixels of `from`, which has the same size and format.
+/// Copies the pixels of `from` to `to`, which has the same size and format.
 void Replace(VuBitmap& to, VuBitmap& from);
 
 }  // namespace ZIRK::fuzz

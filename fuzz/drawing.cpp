@@ -1,5 +1,5 @@
-// A stream of commands to a screen and three bitmaps. Each command has kCommand bytes: what it is,
-// and what it takes.
+// A stream of commands to a screen and three bitmaps. Each command has kCommand bytes: its kind,
+// and its arguments.
 
 #include <algorithm>
 #include <array>
@@ -16,7 +16,7 @@ namespace {
 constexpr size_t kCommand = 48;
 constexpr size_t kMostCommands = 64;
 constexpr unsigned kSide = 96;
-/// Of those that may lie on a surface.
+/// The largest coordinate that may be on a surface.
 constexpr unsigned kMostCoordinate = 64;
 /// Surfaces to draw on; the first is a screen.
 constexpr unsigned kSurfaces = 4;
@@ -41,7 +41,7 @@ VuRect Rect(fuzz::Input& input) {
   return {corner.x, corner.y, extent.x, extent.y};
 }
 
-/// Every other time close to 1, so that something is to be seen.
+/// A scale, in half of the cases close to 1, so that something is visible.
 VuTVector2D<float> Scale(fuzz::Input& input) {
   const auto factors = Vector(input);
   if (input.Below(2)) return factors;
@@ -54,7 +54,7 @@ VuTransform Transform(fuzz::Input& input) {
   return {move.x(), move.y(), scale.x(), scale.y(), input.Number() * 24};
 }
 
-/// Often the identity; else a step of one kind, or any affine matrix.
+/// A matrix: often the identity, otherwise one step of one kind, or any affine matrix.
 VuTMatrix2D<float> Matrix(fuzz::Input& input) {
   const uint8_t steps = input.Byte();
   VuTMatrix2D<float> matrix;
@@ -73,12 +73,12 @@ class Stage {
     font_.reset(VuFont::CreateFont(ZIRK_FUZZ_FONT, 0, 14));
   }
 
-  /// Returns which surface it was done to.
+  /// Carries out a command. Returns the index of the surface that it changed.
   unsigned Do(fuzz::Input input);
   VuBitmap& Surface(unsigned at) { return *surfaces_[at]; }
 
  private:
-  /// Where a mask lies: nowhere, or on four corners.
+  /// The coordinates of a mask: none, or four corners.
   class Corners {
    public:
     explicit Corners(fuzz::Input& input) : given_(input.Below(2) != 0) {
@@ -93,7 +93,7 @@ class Stage {
   };
 
   void Create(unsigned at, int width, int height, VuPixelFormat format) {
-    // One screen at a time: the old one goes first.
+    // There may be only one screen at a time, so the old one is deleted first.
     surfaces_[at].reset();
     surfaces_[at].reset(at == 0 ? context_.CreateScreen(width, height, true, 0, false, format)
                                 : context_.CreateBitmap(width, height, format));
@@ -166,8 +166,8 @@ unsigned Stage::Do(fuzz::Input input) {
   return at;
 }
 
-/// Formats that there are not are among those asked for, and sizes without extent; a screen of such
-/// a size would be as large as a display.
+/// Requests unknown formats and empty sizes too. A screen without a size would be as large as a
+/// display.
 void Stage::Resize(fuzz::Input& input, unsigned at) {
   const int least = at == 0 ? 1 : 0;
   const int width = std::max<int>(input.Below(kSide + 1), least);
@@ -316,7 +316,7 @@ void Stage::DrawText(fuzz::Input& input, VuBitmap& on) {
   }
 }
 
-/// A locked surface shows every byte of its rows.
+/// Every byte of the rows of a locked surface can be written.
 void Stage::UseLock(fuzz::Input& input, VuBitmap& on) {
   const bool write = input.Below(2) != 0;
   if (!on.Lock(write)) return;
@@ -351,14 +351,14 @@ void Stage::EndFrame(fuzz::Input& input, VuBitmap& on) {
   }
 }
 
-/// The other backend that the environment asks for, or null.
+/// A context of the other backend that the environment names, or null.
 VuGraphics* OtherContext() {
   static const char* const name = getenv("ZIRK_FUZZ_COMPARE");
   static const std::unique_ptr<VuGraphics> context(name ? fuzz::NewContext(name) : nullptr);
   return context.get();
 }
 
-/// What a backend does with one command begins with the same pixels as what FB does.
+/// Compares the result of one command with that of FB. Both started with the same pixels.
 void Compare(VuBitmap& expected, VuBitmap& drawn, unsigned command) {
   const VuBitmapInfo a = expected.GetInfo(), b = drawn.GetInfo();
   if (a.width == b.width && a.height == b.height && a.format == b.format) {

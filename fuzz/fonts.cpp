@@ -1,5 +1,5 @@
-// A font in memory, measured and drawn. The last bytes of the file are the settings and the text as
-// well: every font file is an input.
+// A font in memory, measured and drawn. Every font file is an input: its last bytes are also the
+// settings and the text.
 
 #include <algorithm>
 #include <memory>
@@ -28,7 +28,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const size_t tail = std::min(size, kSettings + kText);
   const uint8_t* settings = data + size - tail;
   const size_t textAt = std::min(tail, kSettings);
-  // Some letters that sample fonts have, an accent, an ideograph, and a word in UTF-8 that is none.
+  // Some letters that the sample fonts have, an accent, an ideograph, and invalid UTF-8.
   std::string text = "AVg \xC3\xA9\xE4\xB8\xAD\xF0\x9F\xFF";
   text.append(settings + textAt, settings + tail);
 

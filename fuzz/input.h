@@ -13,28 +13,28 @@
 
 namespace ZIRK::fuzz {
 
-/// Takes values off the front of an input; once it is used up, they are zeros.
+/// Reads values from the front of an input; zeros after its end.
 class Input {
  public:
   Input(const uint8_t* data, size_t size) : data_(data), end_(data + size) {}
 
   uint8_t Byte() { return data_ == end_ ? uint8_t{0} : *data_++; }
-  /// Below `count`, which is 256 at most.
+  /// A number below `count`, which is at most 256.
   uint8_t Below(unsigned count) { return static_cast<uint8_t>(Byte() % count); }
   uint32_t Word() {
     uint32_t word = 0;
     for (int i = 0; i < 4; ++i) word = word << 8 | Byte();
     return word;
   }
-  /// From -8 to 54: on a small surface or just beside it; now and then as far out as the type
-  /// goes.
+  /// A number from -8 to 54, on a small surface or just outside it; sometimes an extreme value of
+  /// the type.
   int Coordinate() {
     constexpr std::array kFar{std::numeric_limits<int>::min(), std::numeric_limits<int>::max(),
                               -1000000, 40000};
     const uint8_t byte = Byte();
     return byte < 252 ? byte / 4 - 8 : kFar[byte - 252u];
   }
-  /// Between -16 and 14, in steps of 1/8; now and then a number that is hard to compute with.
+  /// A number between -16 and 14, in steps of 1/8; sometimes one that is hard to compute with.
   float Number() {
     constexpr float kMost = std::numeric_limits<float>::max();
     constexpr std::array kHard{std::numeric_limits<float>::quiet_NaN(),
@@ -54,7 +54,7 @@ class Input {
   const uint8_t* end_;
 };
 
-/// A backend's context, away from the machine's displays and without a log.
+/// A context of a backend that uses no display and logs nothing.
 inline std::unique_ptr<VuGraphics> NewContext(const char* backend) {
   LogLevel = 0;
   setenv("ZIRK_FB_DEVICE", "/nonexistent", 1);
@@ -64,7 +64,7 @@ inline std::unique_ptr<VuGraphics> NewContext(const char* backend) {
   return context;
 }
 
-/// That of FB, opened at the first call and kept.
+/// A context of FB, which the first call opens and which stays open.
 inline VuGraphics& Context() {
   static const std::unique_ptr<VuGraphics> context = NewContext("FB");
   return *context;
@@ -72,5 +72,5 @@ inline VuGraphics& Context() {
 
 }  // namespace ZIRK::fuzz
 
-/// What each target defines: does what the input says. Whatever it is, this returns 0.
+/// Each target defines this function, which carries out the input. It always returns 0.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);

@@ -1,4 +1,4 @@
-// A picture in memory: what it would take, and decoded at its own size and at others.
+// A picture in memory: its size as a bitmap, and the bitmap at its own size and at others.
 
 #include <zlib.h>
 
@@ -15,7 +15,7 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-/// Larger ones would only take time: of them the header alone is read.
+/// Larger pictures would only take time, so only their headers are read.
 constexpr unsigned kLargest = 4 << 20;
 
 uint32_t WordAt(const Bytes& bytes, size_t at) {
@@ -23,7 +23,7 @@ uint32_t WordAt(const Bytes& bytes, size_t at) {
          bytes[at + 3];
 }
 
-/// Makes the checksums of a PNG's chunks right, so that changes reach what is behind them.
+/// Corrects the checksums of a PNG's chunks, so that changes reach the code behind the check.
 void RemakeChecksums(Bytes& picture) {
   constexpr uint8_t kSignature[] = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
   size_t at = std::size(kSignature);
@@ -54,7 +54,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (memory > kLargest) return 0;
 
   const std::unique_ptr<VuBitmap> whole(context.CreateBitmapFromMemory(bytes, count));
-  // A picture that decodes was readable, and takes the size that was returned.
+  // A picture that can be decoded must take the size that was returned.
   if (whole && whole->GetSize() != memory) std::abort();
   for (const VuScaleMode mode : {VuScaleMode::Nearest, VuScaleMode::Bilinear})
     std::unique_ptr<VuBitmap>(context.CreateBitmapFromMemory(bytes, count, 37, 23, mode));

@@ -1,5 +1,5 @@
-// Plays inputs once, without a fuzzer: replay FILE|FOLDER...
-// A sanitizer ends the program where it finds something.
+// Plays inputs once, without a fuzzer: replay FILE|FOLDER... A sanitizer ends the program when it
+// finds a fault.
 
 #include <cstdio>
 #include <filesystem>

@@ -1,5 +1,5 @@
-// A trace, read and replayed: the input is its records, or a file with them. What cannot be carried
-// out is passed over, so that the rest is reached.
+// A trace, read and replayed. The input is the trace's records, or a file with them. Operations
+// that cannot be carried out are skipped, so that the others are reached.
 
 #include <zstd.h>
 
