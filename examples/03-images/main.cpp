@@ -17,7 +17,7 @@ using BitmapPtr = std::unique_ptr<VuBitmap>;
 
 const std::string kMedia = ZIRK_EXAMPLE_MEDIA;
 
-/// The display mode decides the bitmap's size; the grey box is the one that was asked for.
+/// The display mode determines the size of the bitmap. The grey box is the requested size.
 bool DrawModes(VuGraphics& graphics, VuBitmap& screen) {
   const VuDisplayMode modes[] = {VuDisplayMode::Stretch, VuDisplayMode::Fit, VuDisplayMode::Fill,
                                  VuDisplayMode::Natural};
@@ -37,8 +37,8 @@ bool DrawModes(VuGraphics& graphics, VuBitmap& screen) {
   return true;
 }
 
-/// The colour is multiplied with each pixel: white leaves the sprite as it is, and the colour's
-/// alpha makes all of it translucent.
+/// Each pixel is multiplied with the colour. White leaves the sprite unchanged, and a colour with
+/// alpha makes it translucent.
 void DrawSprites(VuBitmap& screen, VuBitmap& sprite) {
   const VuColor tints[] = {white, {0xFFFF8A5C}, {0xFF6CC5FF}, {0x80FFFFFF}};
   float x = 90;

@@ -49,11 +49,11 @@ int main(int argc, char** argv) {
   if (!screen) return 1;
 
   LogFPS = true;
-  // On a display SwapBuffers() waits for it; without one the clock keeps the pace.
+  // SwapBuffers() waits for the display. Without a display, the clock limits the rate.
   auto next = std::chrono::steady_clock::now();
   for (int frame = 0; frame < kFrames; ++frame) {
     DrawFrame(*screen, frame);
-    // What the screen holds after the swap depends on the backend.
+    // Saved before the swap, since the contents afterwards depend on the backend.
     if (frame + 1 == kFrames && argc > 1 && !kit::SavePng(*screen, argv[1])) return 1;
     screen->SwapBuffers();
     ShowProgress(frame);

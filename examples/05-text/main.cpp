@@ -74,7 +74,7 @@ int main(int argc, char** argv) {
   const std::unique_ptr<VuBitmap> screen(graphics->CreateScreen(820, 460, false));
   if (!screen) return 1;
 
-  // The registry knows the files; which of them is the best for a style is its business.
+  // The registry knows the files, and chooses the best one for a style.
   VuFontRegistry registry;
   for (const char* file : {"sans.ttf", "sansbold.ttf", "sansoblique.ttf", "cjk.ttf"})
     if (!registry.Register((kFonts + file).c_str())) return 1;
@@ -84,7 +84,7 @@ int main(int argc, char** argv) {
   const FontPtr heading(registry.GetFont(kFamily, 60, true, false));
   const FontPtr eastern(registry.GetFont("ZIRK Test CJK", 22, false, false));
   if (!regular || !bold || !oblique || !heading || !eastern) return 1;
-  // What the first font lacks comes from the second.
+  // The second font supplies the glyphs that the first one lacks.
   regular->SetFallbackFont(eastern.get());
 
   screen->Clear({0xFF2E6FB0});

@@ -1,6 +1,6 @@
-// Three layers that move by themselves: a small moving picture, enlarged to fill the display, a
-// panel that slides in over it, and a cursor. Only the picture is drawn anew for each frame; for
-// the others it is enough to say where they are.
+// Three layers that move separately: a small animated picture, enlarged to fill the display, a
+// panel that slides in over it, and a cursor. Only the picture is redrawn for each frame; the
+// others only get new positions.
 
 #include <zirk/kit/pictures.h>
 #include <zirk/zirk.h>
@@ -48,7 +48,7 @@ void DrawCursor(VuBitmap& screen) {
   }
 }
 
-/// Where everything is at a time, in seconds.
+/// Sets all positions for a time in seconds.
 void Arrange(float time) {
   const float in = std::fmin(1.0f, time);
   const int panelY = kHeight - static_cast<int>(in * in * (3 - 2 * in) * (kPanelHeight + 20));
@@ -77,7 +77,7 @@ int main(int argc, char** argv) {
     return std::unique_ptr<VuBitmap>(
         graphics->CreateScreen(width, height, true, number, false, VuPixelFormat::ARGB8888));
   };
-  // As large as the display; it is not in the configuration, so nothing of it is seen.
+  // As large as the display, but not in the configuration, so it is not visible.
   const auto display = layer(kWidth, kHeight, kDisplay);
   const auto video = layer(kVideoWidth, kVideoHeight, kVideo);
   const auto panel = layer(kPanelWidth, kPanelHeight, kPanel);
@@ -93,7 +93,7 @@ int main(int argc, char** argv) {
     DrawVideo(*video, time);
     video->SwapBuffers();
   }
-  // A layer is read like any other screen; the display is not.
+  // A layer can be read like any other screen, but the display cannot.
   const bool written = argc < 2 || kit::SavePng(*panel, argv[1]);
   VuCompositor::Enable(false);
   return written ? 0 : 1;

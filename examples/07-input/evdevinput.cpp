@@ -58,7 +58,7 @@ class Source {
       const int status = libevdev_next_event(device_.get(), flag, &event);
       if (status == -EAGAIN && flag == LIBEVDEV_READ_FLAG_NORMAL) return true;
       if (status < 0 && status != -EAGAIN) return true;  // Unplugged; the others go on.
-      // The kernel has dropped events: what has changed since comes first.
+      // The kernel dropped events. The changes since then are read first.
       flag =
           status == LIBEVDEV_READ_STATUS_SYNC ? LIBEVDEV_READ_FLAG_SYNC : LIBEVDEV_READ_FLAG_NORMAL;
       if (status == -EAGAIN) continue;
@@ -94,7 +94,7 @@ class Source {
         !libevdev_has_event_code(device_.get(), EV_ABS, ABS_Y))
       return mouse_;
     double x = Along(ABS_X), y = Along(ABS_Y);
-    // The panel stays as it is where the picture on it is turned, clockwise.
+    // The picture may be rotated clockwise on the panel, but the panel's coordinates are not.
     if (rotation_ == 180 || rotation_ == 270) x = 1 - x, y = 1 - y;
     if (rotation_ == 90 || rotation_ == 270) {
       const double across = x;

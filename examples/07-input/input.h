@@ -5,34 +5,36 @@
 #include <memory>
 #include <vector>
 
-/// A place that was touched, clicked or dragged over.
+/// A position that was touched, clicked or dragged over.
 struct Touch {
   ZIRK::VuPoint at;
-  bool isFirst;  ///< Otherwise the finger or pointer has moved here from the last place.
+  bool isFirst;  ///< Otherwise the finger or pointer moved here from the last position.
 };
 
-/// Where touches come from.
+/// A source of touches.
 class Input {
  public:
   virtual ~Input() = default;
-  /// Adds what was touched since the last call. False once the program is to end.
+  /// Appends the touches since the last call. Returns false when the program should end.
   virtual bool Read(std::vector<Touch>& touches) = 0;
 };
 
-/// To be called before the graphics context is made: SDL's events, where the example is built with
-/// SDL and it starts; else null.
+/// Call it before the graphics context is made. Returns a source of SDL's events if the example is
+/// built with SDL and SDL starts; otherwise null.
 std::unique_ptr<Input> PrepareInput(int width, int height);
-/// Whether the screen is in a window, or on a display, of SDL.
+/// Whether SDL shows the screen, in a window or on a display.
 bool IsInWindow();
-/// Where touches of a screen come from: what was prepared for it, or the machine's own devices.
-/// Null where there is neither.
+/// The source of touches for a screen: the prepared one, or the machine's own devices. Null if
+/// there is neither.
 std::unique_ptr<Input> OpenInput(std::unique_ptr<Input> prepared, ZIRK::VuRect screen);
 
-/// SDL's events, for screens of this size in windows of SDL. Made before the graphics context,
-/// which leaves the events to a program that has initialised SDL. Null where SDL does not start.
+/// A source of SDL's events, for screens of this size in windows of SDL. It is made before the
+/// graphics context, which leaves events to a program that has initialised SDL. Null if SDL does
+/// not start.
 std::unique_ptr<Input> OpenSdlInput(int width, int height);
-/// Whether a screen is shown by SDL. Otherwise no event will come from there.
+/// Whether SDL shows a screen. Otherwise it delivers no events.
 bool IsShownBySdl();
 
-/// The touch screens, mice and keyboards of the machine, for screens without a window.
+/// A source that reads the machine's touch screens, mice and keyboards, for screens without a
+/// window.
 std::unique_ptr<Input> OpenEvdevInput(ZIRK::VuRect screen);

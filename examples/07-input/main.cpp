@@ -1,6 +1,6 @@
-// A sheet to draw on, with a finger or the mouse, until Escape or the window's close button ends
-// the program. The library has no input of its own: where a window shows the screen the events are
-// SDL's, elsewhere they are read from the kernel by libevdev.
+// A sheet to draw on with a finger or the mouse. Escape or the window's close button ends the
+// program. The library has no input of its own: if SDL shows the screen, the events are SDL's;
+// otherwise they are read from the kernel by libevdev.
 
 #include <zirk/kit/pictures.h>
 
@@ -19,7 +19,7 @@ constexpr int kWidth = 640, kHeight = 360;
 constexpr auto kFrameTime = std::chrono::microseconds(16667);
 constexpr VuColor kPaper{0xFFF4EFE4};
 
-/// What was drawn so far: a screen need not hold the last frame.
+/// Keeps everything that was drawn, since a screen may not keep its last frame.
 class Sheet {
  public:
   explicit Sheet(VuBitmap& paper) : paper_(paper) { paper_.Clear(kPaper); }
@@ -29,7 +29,7 @@ class Sheet {
       color_ = color_ == 0xFF2E6FB0 ? VuColor{0xFFD9482B} : VuColor{0xFF2E6FB0};
       last_ = touch.at;
     }
-    // Dots that overlap.
+    // Draws dots that overlap.
     const VuPoint way{touch.at.x - last_.x, touch.at.y - last_.y};
     const int steps = std::max({1, std::abs(way.x), std::abs(way.y)});
     for (int i = 0; i <= steps; i += 2)
@@ -45,7 +45,7 @@ class Sheet {
   VuPoint last_{0, 0};
 };
 
-/// Stands in for the user where a picture is asked for: two strokes, a frame for each place.
+/// Replaces the user when a picture is requested: two strokes, with one position per frame.
 class Replay final : public Input {
  public:
   explicit Replay(VuRect screen) : screen_(screen) {}

@@ -35,7 +35,7 @@ class SdlInput final : public Input {
   }
 
  private:
-  /// The picture is scaled to fit its window, and lies in the middle.
+  /// Converts to the picture, which is scaled to fit its window and centred.
   template <class Event>
   ZIRK::VuPoint InPicture(const Event& event) const {
     int windowWidth = width_, windowHeight = height_;
@@ -45,13 +45,13 @@ class SdlInput final : public Input {
             static_cast<int>((event.y - (windowHeight - height_ * scale) / 2) / scale)};
   }
 
-  const int width_, height_;  ///< Of the picture.
+  const int width_, height_;  ///< Size of the picture.
 };
 
 }  // namespace
 
 std::unique_ptr<Input> OpenSdlInput(int width, int height) {
-  // Video is left to the library, which then chooses what shows the screen.
+  // The library starts SDL's video, and so chooses the driver that shows the screen.
   if (SDL_InitSubSystem(SDL_INIT_EVENTS) != 0) return nullptr;
   return std::make_unique<SdlInput>(width, height);
 }

@@ -1,5 +1,5 @@
 // Parts of a user interface, drawn by the kit: a button, a switch and a slider, a gauge, a chart,
-// lamps and a compass. Each recipe draws on a panel of its own, at whose corner it counts from.
+// lamps and a compass. Each recipe draws on its own panel, in coordinates of the panel.
 
 #include <zirk/kit/kit.h>
 #include <zirk/zirk.h>

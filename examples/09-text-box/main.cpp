@@ -1,5 +1,5 @@
-// Text boxes: an article in several fonts, a list whose labels are cut to their room, and a field
-// to write in, with a selection and a caret.
+// Text boxes: an article in several fonts, a list with labels that are cut to fit, and an input
+// field with a selection and a caret.
 
 #include <zirk/kit/kit.h>
 #include <zirk/zirk.h>
@@ -53,7 +53,7 @@ void DrawArticle(VuBitmap& target, const Fonts& fonts, VuPoint corner, int width
 }
 //! [article]
 
-/// A label that gives way to the number on its right.
+/// A label that is cut before the number on its right.
 void DrawEntry(VuBitmap& target, const Fonts& fonts, const VuRect& place, std::string_view title,
                std::string_view number) {
   kit::TextStyle style;

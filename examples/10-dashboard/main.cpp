@@ -1,6 +1,6 @@
-// A thermostat for a touch panel of 800 x 480: a dial that is dragged, a switch, and a chart of the
-// room's temperature. It runs at 60 frames a second, draws again only the panels that show
-// something else, and shows no frame in which nothing has changed.
+// A thermostat for a touch panel of 800 x 480: a dial to drag, a switch, and a chart of the room's
+// temperature. It runs at 60 frames per second, redraws only the panels that changed, and skips
+// frames without changes.
 
 #include <zirk/kit/kit.h>
 
@@ -46,7 +46,7 @@ struct Heating {
   double sinceLast_ = 0;
 };
 
-/// The dial goes clockwise from the lower left to the lower right.
+/// The dial. Its scale runs clockwise from the lower left to the lower right.
 class Dial {
  public:
   static constexpr double kLeast = 10, kMost = 30;  // degrees of temperature
@@ -60,7 +60,7 @@ class Dial {
     const float angle = (kFrom + kSweep * PartOf(temperature)) * 0.0174533f;
     return kMiddle + kit::Point(std::cos(angle), -std::sin(angle)) * radius;
   }
-  /// The temperature in whose direction a place lies, to half a degree.
+  /// The temperature on the scale in the direction of `p`, rounded to half a degree.
   static double TemperatureAt(VuPoint p) {
     const double x = p.x - double{kMiddle.x()}, y = double{kMiddle.y()} - p.y;
     double turn = kFrom - std::atan2(y, x) * 57.29578;  // clockwise from the dial's beginning
@@ -84,7 +84,7 @@ class Dashboard {
     if (isDragging_) heating_.wanted = Dial::TemperatureAt(touch.at);
   }
 
-  /// Goes on by a frame. False where that shows nothing new.
+  /// Advances by one frame. Returns false if it looks the same as the last one.
   bool Advance() {
     heating_.Advance(kFrame);
     pointer_ += (heating_.wanted - pointer_) * 0.2;
@@ -104,7 +104,7 @@ class Dashboard {
     return p.x >= r.x && p.x < r.x + r.width && p.y >= r.y && p.y < r.y + r.height;
   }
 
-  /// Draws a panel if `state`, a number for what it shows, has changed.
+  /// Draws a panel if `state`, a number that stands for its contents, has changed.
   bool Redraw(int& shown, const VuRect& panel, int state, void (Dashboard::*draw)()) {
     if (shown == state) return false;
     shown = state;
@@ -168,7 +168,7 @@ class Dashboard {
     return text;
   }
 
-  /// In the middle of a place.
+  /// Writes text in the middle of a rectangle.
   void Write(const VuFont& font, std::string_view text, const VuRect& place, VuColor color) {
     kit::DrawText(picture_, font, text,
                   {place.x + (place.width - kit::GetWidth(font, text)) / 2,
@@ -178,9 +178,9 @@ class Dashboard {
 
   Heating heating_;
   bool isDragging_ = false;
-  double pointer_ = Dial::kLeast, knob_ = 0;  ///< Where the animations are.
+  double pointer_ = Dial::kLeast, knob_ = 0;  ///< Current values of the animations.
   int frame_ = -1;
-  int dial_ = -1, room_ = -1, switch_ = -1, chart_ = -1;  ///< What the panels show.
+  int dial_ = -1, room_ = -1, switch_ = -1, chart_ = -1;  ///< The panels as drawn last.
   kit::Shapes shapes_;
   VuBitmap& picture_;
   std::vector<kit::Point> points_;
@@ -189,7 +189,7 @@ class Dashboard {
   const VuFont large_{ZIRK_EXAMPLE_FONTS "sansbold.ttf", 0, 84};
 };
 
-/// Stands in for the user where a picture is asked for: drags the dial, then waits.
+/// Replaces the user when a picture is requested: drags the dial, then waits.
 class Replay final : public Input {
  public:
   bool Read(std::vector<Touch>& touches) override {
@@ -209,7 +209,7 @@ class Replay final : public Input {
 int main(int argc, char** argv) {
   const bool replays = argc > 1;
   std::unique_ptr<Input> input = PrepareInput(kWidth, kHeight);
-  // Pictures are drawn in memory, as fast as they can be.
+  // Pictures are drawn in memory, as fast as possible.
   const std::unique_ptr<VuGraphics> graphics(replays ? VuGraphics::Create("FB", false)
                                                      : VuGraphics::Create());
   if (!graphics) return 1;

@@ -28,7 +28,7 @@ VuScreenImpl* Graphics::CreateScreen(bool flag) {
 }
 
 VuScreenImpl* Graphics::CreateScreen(const VuScreenDescription& d) {
-  // Without a size it is to have the device's own.
+  // Without a size, the screen gets the size of the device.
   if (d.width <= 0 || d.height <= 0) return Make<Screen>(640, 360, d.format);
   return Make<Screen>(d.width, d.height, d.format);
 }
@@ -62,7 +62,7 @@ unsigned Graphics::AvailableMemory() const {
   return used < TotalMemory() ? TotalMemory() - used : 0;
 }
 
-/// Bytes; 0 for what cannot be made.
+/// In bytes; 0 for a bitmap that cannot be made.
 unsigned Graphics::BitmapSize(int width, int height, VuPixelFormat format) const {
   const bool known = format == VuPixelFormat::ARGB8888 || format == VuPixelFormat::A8;
   const int most = GetMaxTextureSize();

@@ -1,5 +1,5 @@
-// A program that draws with a backend of its own: with the plug-in libZIRKImplPlain.so, which the
-// rest of this folder is.
+// A program that draws with its own backend: the plug-in libZIRKImplPlain.so, built from the rest
+// of this folder.
 
 #include <zirk/graphicsimplloader.h>
 #include <zirk/kit/pictures.h>
@@ -12,7 +12,7 @@ using namespace ZIRK;
 
 namespace {
 
-/// A board of soft discs, each cut out of a rectangle by a mask that is drawn first.
+/// Draws a board of soft discs, each cut out of a rectangle by a mask.
 void DrawDiscs(VuGraphics& graphics, VuBitmap& screen) {
   constexpr int kSize = 64;
   const std::unique_ptr<VuBitmap> disc(graphics.CreateBitmap(kSize, kSize, VuPixelFormat::A8));
@@ -30,7 +30,7 @@ void DrawDiscs(VuGraphics& graphics, VuBitmap& screen) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  // The loader learns the plug-in's name and file, and Create() opens it by default.
+  // Registers the plug-in with the loader, and makes it the default of Create().
   GraphicsImplLoader::GetInstance()->SetupGfxImpl("Plain", "libZIRKImplPlain.so", {0, 0}, false);
   VuGraphics::SetDefaultImpl("Plain");
   const std::unique_ptr<VuGraphics> graphics(VuGraphics::Create());

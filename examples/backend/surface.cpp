@@ -55,12 +55,12 @@ Box ToBox(const VuTRect2D<float>& r) {
   return {double(r.x()), double(r.y()), double(r.width()), double(r.height())};
 }
 
-/// The value in the range that is next to `v`; its beginning for what is no number.
+/// Clamps `v` to the range; a NaN becomes its beginning.
 double Nearest(double v, double first, double last) {
   return v > first ? std::min(v, last) : first;
 }
 
-/// What two boxes share; without extent if there is nothing.
+/// The intersection of two boxes, which may be empty.
 Box Intersection(const Box& a, const Box& b) {
   const double x = std::max(a.x, b.x), y = std::max(a.y, b.y);
   return {x, y, std::min(a.x + a.width, b.x + b.width) - x,
@@ -79,11 +79,11 @@ Point Between(const std::array<Point, 4>& corners, Point at) {
   return p;
 }
 
-/// Where a box went: the unit square, mapped by two edges from its first corner.
+/// The place of a mapped box: its first corner, and the two edges from there.
 struct Place {
   Point origin, across, down;
   double area;
-  bool upright;  ///< On whole pixels: a part of it has those of which the middle lies inside.
+  bool upright;  ///< On whole pixels: a part of it consists of the pixels whose centres are inside.
 
   Place(const Operation& op) {
     const Box& b = op.box;
@@ -176,8 +176,7 @@ std::mutex textMutex;
 
 }  // namespace
 
-// --- State
-// ----------------------------------------------------------------------------------------
+// --- State ---------------------------------------------------------------------------------------
 
 Surface::Surface(LiveSurfaces& live, int width, int height, VuPixelFormat format)
     : live_(live),
@@ -224,8 +223,7 @@ void Surface::SetBlendingFunc(VuBlendingFactor srcColor, VuBlendingFactor dstCol
   factors_ = {srcColor, dstColor, srcAlpha, dstAlpha};
 }
 
-// --- Pixels
-// ---------------------------------------------------------------------------------------
+// --- Pixels --------------------------------------------------------------------------------------
 
 uint32_t& Surface::At(int x, int y) {
   return pixels_[static_cast<size_t>(y) * static_cast<size_t>(width_) + static_cast<size_t>(x)];
@@ -284,8 +282,7 @@ bool Surface::CopyPixels(VuPoint dst, VuBitmapImpl* src, VuRect srcRect) {
   return true;
 }
 
-// --- Drawing
-// --------------------------------------------------------------------------------------
+// --- Drawing -------------------------------------------------------------------------------------
 
 Channels Texture::Sample(Point at, const Box& limits) const {
   const auto texel = [&](double x, double y) {
@@ -304,13 +301,13 @@ Channels Texture::Sample(Point at, const Box& limits) const {
   return mixed;
 }
 
-/// What is read from may be what is drawn on: then a copy is read.
+/// The pixels to read from `from`. If it is this surface itself, they are a copy.
 Texture Surface::Read(const Surface& from, bool smooth, std::vector<uint32_t>& copy) const {
   if (&from == this) copy = pixels_;
   return {&from == this ? copy.data() : from.pixels_.data(), from.width_, from.height_, smooth};
 }
 
-/// False for a mask of another backend. Null coordinates lay the whole mask over the box.
+/// Returns false for a mask of another backend. Null coordinates map the whole mask to the box.
 bool Surface::SetMask(Operation& op, VuBitmapImpl* mask, const VuTVector2D<float>* coords) const {
   op.mask = dynamic_cast<Surface*>(mask);
   if (!mask) return true;
@@ -398,8 +395,8 @@ void Surface::DrawPoint(VuPoint p, float size, VuColor color, Matrix m, VuBitmap
   if (SetMask(op, mask, everywhere)) Draw(op);
 }
 
-/// Pixel by pixel along the longer direction, from top to bottom, so that a line is the same both
-/// ways.
+/// Draws pixel by pixel along the longer direction, always from top to bottom, so that a line has
+/// the same pixels in both directions.
 void Surface::DrawLine(VuPoint from, VuPoint to, VuColor color, Matrix m, VuBitmapImpl* mask,
                        VuTVector2D<float>* coords) {
   Point a = Rounded(Map(m, from.x, from.y)), b = Rounded(Map(m, to.x, to.y));
@@ -456,8 +453,7 @@ void Surface::DrawObject(VuTRect2D<float> dst, VuBitmapImpl* src, VuTRect2D<floa
   if (SetMask(op, mask, coords)) Draw(op);
 }
 
-// --- Text
-// -----------------------------------------------------------------------------------------
+// --- Text ----------------------------------------------------------------------------------------
 
 //! [text]
 /// The font walks along the line and renders each glyph into its atlas, which is one of this
@@ -500,8 +496,7 @@ void Surface::DrawText(VuFontImpl* font, const char* text, VuPoint pos, VuColor 
 }
 //! [text]
 
-// --- Screens
-// --------------------------------------------------------------------------------------
+// --- Screens -------------------------------------------------------------------------------------
 
 void Screen::SwapBuffers() {
   {

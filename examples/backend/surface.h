@@ -15,7 +15,7 @@ namespace ZIRK::plain {
 class Surface;
 using Matrix = VuTMatrix2D<float>;
 
-/// The surfaces that a context has made. It outlives them.
+/// The surfaces of a context. It outlives them.
 struct LiveSurfaces {
   std::mutex mutex;
   std::set<const Surface*> surfaces;
@@ -28,7 +28,7 @@ struct Box {
   double x, y, width, height;
 };
 
-/// Pixels to read from: of another surface, or of this one as it was.
+/// Pixels to read from: those of another surface, or a copy of this one's.
 struct Texture {
   const uint32_t* pixels;
   int width, height;
@@ -38,24 +38,24 @@ struct Texture {
   std::array<double, 4> Sample(Point at, const Box& limits) const;
 };
 
-/// One drawing operation. All of them come down to this: a rectangle that goes through a matrix,
-/// in one colour or in that of a source times that colour, and perhaps through a mask.
+/// The form to which all drawing operations are reduced: a rectangle, mapped by a matrix, in one
+/// colour or in the pixels of a source multiplied with it, and perhaps through a mask.
 struct Operation {
   Box box;
   Matrix matrix;
   VuColor color;
-  bool wholePixels = true;  ///< Upright edges lie between pixels.
+  bool wholePixels = true;  ///< Whether upright edges are rounded to whole pixels.
   Surface* source = nullptr;
-  Box part{};  ///< Of the source.
+  Box part{};  ///< The part of the source.
   bool smooth = false;
   Surface* mask = nullptr;
   std::array<Point, 4> maskCorners{};
 };
 
-/// A surface in memory, of ARGB8888 or A8. Every pixel is stored as premultiplied ARGB; of A8 all
-/// four channels are the alpha, which is what drawing an A8 surface means.
+/// A surface in memory, of format ARGB8888 or A8. Every pixel is stored as premultiplied ARGB. For
+/// A8 all four channels hold the alpha: it is drawn as white with that alpha.
 ///
-/// The base is virtual, so that it is one and the same for a screen.
+/// The base is virtual, so that a screen has only one.
 class Surface : public virtual VuBitmapImpl {
  public:
   Surface(LiveSurfaces& live, int width, int height, VuPixelFormat format);
@@ -126,7 +126,7 @@ class Surface : public virtual VuBitmapImpl {
   bool CopyPixels(VuPoint dst, VuBitmapImpl* src, VuRect srcRect) override;
   bool IsTextureBacked() const override { return false; }
 
-  /// A line about this surface; its address is not to be read from it without the key.
+  /// Writes a line about this surface. Its address can be read only with the key.
   void Print(unsigned key, std::ostream& os) const;
 
  protected:

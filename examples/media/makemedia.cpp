@@ -1,5 +1,5 @@
-// Makes the pictures of the examples: a balloon with transparent surroundings, and a photograph of
-// a mountain lake that nobody ever took. See README.md.
+// Makes the pictures of the examples: a balloon with transparent surroundings, and what looks like
+// a photograph of a mountain lake. See README.md.
 
 #include <png.h>
 
@@ -32,7 +32,7 @@ Rgb Mix(Rgb a, Rgb b, float t) {
 float Clamp01(float v) {
   return std::clamp(v, 0.0f, 1.0f);
 }
-/// 0 at `from`, 1 at `to`, whichever is larger.
+/// A smooth step from 0 at `from` to 1 at `to`; either may be larger.
 float SmoothStep(float from, float to, float v) {
   const float t = Clamp01((v - from) / (to - from));
   return t * t * (3 - 2 * t);
@@ -43,7 +43,7 @@ uint8_t ToByte(float v) {
 
 // --- Noise --------------------------------------------------------------------------------------
 
-/// A number in 0..1 that depends on a grid point in no visible way.
+/// A pseudo-random number in 0..1 for a grid point.
 float Hash(int x, int y, uint32_t seed) {
   uint32_t h = static_cast<uint32_t>(x) * 0x9E3779B1u ^ static_cast<uint32_t>(y) * 0x85EBCA77u ^
                seed * 0xC2B2AE3Du;
@@ -75,10 +75,10 @@ float Fractal(float x, float y, int octaves, uint32_t seed) {
 
 constexpr int kLakeWidth = 960, kLakeHeight = 600;
 constexpr float kShore = 0.70f;                ///< Height of the water line, from the top.
-constexpr float kSunX = 0.64f, kSunY = 0.27f;  ///< Of the sun's centre.
+constexpr float kSunX = 0.64f, kSunY = 0.27f;  ///< Position of the sun's centre.
 constexpr float kAspect = float(kLakeWidth) / float(kLakeHeight);
 
-/// One range of mountains: where it rises, and how much the air has taken of its colour.
+/// One range of mountains: its position, and how much haze there is before it.
 struct Range {
   float base, height, frequency, haze;
   uint32_t seed;
@@ -130,7 +130,7 @@ Rgb Land(const Range& range, float x, float y, float ridge) {
   return Mix(stone + rim, haze, Clamp01(mist));
 }
 
-/// What is seen above the water, at any height.
+/// The colour of the scene above the water.
 Rgb Scene(float x, float y) {
   for (size_t i = kRanges.size(); i-- > 0;) {
     const float ridge = RidgeOf(kRanges[i], x);

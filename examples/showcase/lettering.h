@@ -11,23 +11,23 @@ using Matrix = VuTMatrix2D<float>;
 
 enum class Align { Left, Centre, Right };
 
-/// The fonts of the picture, and text set with them. Each has a fallback font for the scripts that
-/// it lacks.
+/// The fonts of the picture, and functions that draw text with them. Each font has a fallback font
+/// for scripts that it lacks.
 class Lettering {
  public:
   /// `folder` ends in a slash.
   explicit Lettering(const std::string& folder);
 
-  /// Small letters; (x, y) is the top of the line's left end, middle or right end.
+  /// Draws small text. `at` is the top of the line's left end, middle or right end.
   void Label(VuBitmap& target, const char* text, VuPoint at, VuColor color,
              Align align = Align::Left) const;
   /// The same in bold.
   void Heading(VuBitmap& target, const char* text, VuPoint at, VuColor color,
                Align align = Align::Left) const;
-  /// Middle-sized letters, placed and turned by a matrix.
+  /// Draws medium-sized text, mapped by a matrix.
   void Caption(VuBitmap& target, const char* text, VuPoint at, VuColor color,
                const Matrix& place) const;
-  /// Large letters with an outline.
+  /// Draws large text with an outline.
   void Title(VuBitmap& target, const char* text, VuPoint at, VuColor color, VuColor outline,
              const Matrix& place);
 

@@ -1,6 +1,6 @@
-// The picture of the README: a balloonist's dashboard. Photographs as rotated cards, sprites in
-// front of them, on the right panels of glass with a chart, a dial, line art and bars, and all of
-// it lettered in several scripts.
+// The picture of the README: a balloonist's dashboard. It has photographs as rotated cards, sprites
+// in front of them, translucent panels on the right with a chart, a dial, line art and bars, and
+// text in several scripts.
 
 #include <zirk/kit/kit.h>
 #include <zirk/zirk.h>
@@ -29,7 +29,7 @@ const std::string kMedia = ZIRK_EXAMPLE_MEDIA;
 using BitmapPtr = std::unique_ptr<VuBitmap>;
 using kit::Mix, kit::Paint;
 
-/// What several parts of the picture draw with.
+/// The means that several parts of the picture use.
 struct Studio {
   VuGraphics& graphics;
   VuBitmap& screen;
@@ -44,14 +44,14 @@ BitmapPtr LoadPicture(VuGraphics& graphics, const char* name) {
   return picture;
 }
 
-/// A number in 0..1 that looks like chance and is the same in every run.
+/// A pseudo-random number in 0..1, the same in every run.
 float Chance(uint32_t n) {
   n = (n ^ n >> 16) * 0x7FEB352Du;
   n = (n ^ n >> 15) * 0x846CA68Bu;
   return static_cast<float>((n ^ n >> 16) >> 8) / 16777216.0f;
 }
 
-/// Places what is drawn around (0, 0) at (x, y), turned counter-clockwise and scaled.
+/// A matrix that scales, rotates counter-clockwise, and moves (0, 0) to (x, y).
 Matrix At(float x, float y, float degrees = 0, float scale = 1) {
   Matrix m;
   m.translate({x, y});
@@ -60,7 +60,7 @@ Matrix At(float x, float y, float degrees = 0, float scale = 1) {
   return m;
 }
 
-/// A mask for what is turned or is a picture: what `draw` draws on a bitmap of that size.
+/// Makes a mask: a bitmap of this size on which `draw` has drawn.
 template <typename F>
 BitmapPtr MakeMask(VuGraphics& graphics, int width, int height, F&& draw) {
   BitmapPtr mask(graphics.CreateBitmap(width, height, VuPixelFormat::A8));
@@ -102,7 +102,7 @@ void DrawBackground(const Studio& s) {
   }
 }
 
-/// Two families of lines, each the other's mirror image, that touch a curve none of them is.
+/// Two families of lines, mirror images of each other, whose envelopes are curves.
 void DrawLineArt(const Studio& s) {
   const Light light(s.screen);
   constexpr int kLines = 44;
@@ -119,7 +119,7 @@ void DrawLineArt(const Studio& s) {
 
 struct Card {
   float x, y, degrees;
-  VuRect part;  ///< Of the photograph.
+  VuRect part;  ///< The part of the photograph.
   VuColor tint;
 };
 
@@ -151,7 +151,7 @@ void DrawCards(const Studio& s) {
   }
 }
 
-/// On the uppermost photograph, turned as that is.
+/// Draws the title on the top photograph, with the same rotation.
 void DrawTitle(const Studio& s) {
   const Matrix place = At(404, 312, 3);
   s.lettering.Title(s.screen, "Above the lake", {-216, 62}, {0xFFFFF2D8}, {0xC0241038}, place);
@@ -221,7 +221,7 @@ void DrawProgress(const Studio& s) {
   }
 }
 
-// --- Panels of glass ----------------------------------------------------------------------------
+// --- Translucent panels -------------------------------------------------------------------------
 
 void DrawPanel(const Studio& s, const VuRect& r) {
   constexpr float kRadius = 20;
@@ -268,7 +268,7 @@ void DrawChart(const Studio& s, const VuRect& panel) {
   DrawCurve(s, r, 0.7f, kCoral);
 }
 
-/// Ticks turned around the centre, and the sun of the photograph in the middle.
+/// Ticks rotated around the centre, and the sun of the photograph in the middle.
 void DrawDial(const Studio& s, const VuRect& panel) {
   DrawPanel(s, panel);
   const float x = static_cast<float>(panel.x) + static_cast<float>(panel.width) / 2;
@@ -291,7 +291,7 @@ void DrawDial(const Studio& s, const VuRect& panel) {
                       *s.disc, nullptr);
 }
 
-/// Chords of a circle, each from a point to the one twice as far round: their envelope is a heart.
+/// Chords of a circle, each from an angle to twice that angle. Their envelope is a cardioid.
 void DrawChords(const Studio& s, const VuRect& panel) {
   DrawPanel(s, panel);
   const float x = static_cast<float>(panel.x) + static_cast<float>(panel.width) / 2;
@@ -345,7 +345,7 @@ void DrawPoster(const Studio& s) {
   DrawBalloons(s);
 }
 
-/// What a display shows without a window system may be gone with the program.
+/// Waits for a line of input: without a window system, the picture may disappear with the program.
 void WaitForLine() {
   std::puts("shown; a line ends it");
   std::fflush(stdout);
@@ -373,7 +373,7 @@ int main(int argc, char** argv) {
                       MakeRoundedMask(*graphics, shapes, 200, 200, 100)};
   if (!studio.photo || !studio.balloon) return 1;
   DrawPoster(studio);
-  // Before it is shown: what a screen holds afterwards is not the same on every backend.
+  // Saved before it is shown, since the contents afterwards depend on the backend.
   const bool written = argc < 2 || kit::SavePng(*screen, argv[1]);
   screen->SwapBuffers();
   if (argc > 3) WaitForLine();
