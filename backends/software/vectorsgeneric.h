@@ -1,15 +1,13 @@
 #pragma once
 
 #include "kernels.h"
-#include "vectortypes.h"
+#include "vectorfours.h"
 
 /// The operations of vectors.h by what the compiler makes of vectors, on any processor.
 
 namespace ZIRK::backends {
 
 namespace {
-
-using Coverage = uint32_t;
 
 ZIRK_INLINE Channels DivideBy255(Channels t) {
   // 1/256 + 1/65536: near enough to 1/255 for all products.
@@ -23,29 +21,9 @@ ZIRK_INLINE Pixels AddClamped(Pixels a, Pixels b) {
   return (Pixels)(sum | (Bytes)(sum < (Bytes)a));
 }
 
-ZIRK_INLINE Pixels Alphas(Pixels p) {
-  return BothHalves(p >> 24);
-}
-
-ZIRK_INLINE Pixels Weights(Pixels p) {
-  return BothHalves((p >> 8) & 0xFF);
-}
-
-ZIRK_INLINE Pixels InterpolatePairs(Pixels a, Pixels b, Pixels w) {
-  // The product may be negative, but what it is added to has the sum fit into 16 bits again.
-  const Channels product = ((Channels)b - (Channels)a) * (Channels)w;
-  return (Pixels)((((Channels)a << 8) + product + 128) >> 8);
-}
-
 ZIRK_INLINE bool IsZero(Pixels v) {
   const auto p = (PixelPairs)v;
   return (p[0] | p[1]) == 0;
-}
-ZIRK_INLINE bool IsZero(Coverage c) {
-  return c == 0;
-}
-ZIRK_INLINE bool IsFull(Coverage c) {
-  return c == ~Coverage{0};
 }
 
 ZIRK_INLINE Pixels Spread(Coverage c) {
@@ -81,8 +59,6 @@ ZIRK_INLINE void ForNarrow(const PixelSpan& s, F&& f) {
     if (s.width & 1) f(s.width - 1, y, Piece<1>());
   }
 }
-
-constexpr int kTwoRows = 0;
 
 ZIRK_INLINE void LoadPairs(const uint32_t* p, Integers at, Pixels& left, Pixels& right) {
   left = Pixels{p[at[0]], p[at[1]], p[at[2]], p[at[3]]};

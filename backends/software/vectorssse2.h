@@ -2,6 +2,7 @@
 
 #include <emmintrin.h>
 
+#include "vectorfours.h"
 #include "vectorhalves.h"
 
 /// The operations of vectors.h by SSE2.
@@ -9,8 +10,6 @@
 namespace ZIRK::backends {
 
 namespace {
-
-using Coverage = uint32_t;
 
 ZIRK_INLINE Channels DivideBy255(Channels t) {
   // 257 / 65536 is 1/256 + 1/65536: near enough to 1/255 for all products.
@@ -21,28 +20,8 @@ ZIRK_INLINE Pixels AddClamped(Pixels a, Pixels b) {
   return (Pixels)_mm_adds_epu8((__m128i)a, (__m128i)b);
 }
 
-ZIRK_INLINE Pixels Alphas(Pixels p) {
-  return BothHalves(p >> 24);
-}
-
-ZIRK_INLINE Pixels Weights(Pixels p) {
-  return BothHalves((p >> 8) & 0xFF);
-}
-
-ZIRK_INLINE Pixels InterpolatePairs(Pixels a, Pixels b, Pixels w) {
-  // The product may be negative, but what it is added to has the sum fit into 16 bits again.
-  const Channels product = ((Channels)b - (Channels)a) * (Channels)w;
-  return (Pixels)((((Channels)a << 8) + product + 128) >> 8);
-}
-
 ZIRK_INLINE bool IsZero(Pixels v) {
   return _mm_movemask_epi8(_mm_cmpeq_epi8((__m128i)v, _mm_setzero_si128())) == 0xFFFF;
-}
-ZIRK_INLINE bool IsZero(Coverage c) {
-  return c == 0;
-}
-ZIRK_INLINE bool IsFull(Coverage c) {
-  return c == ~Coverage{0};
 }
 
 ZIRK_INLINE Pixels Spread(Coverage c) {
@@ -64,8 +43,6 @@ template <typename F>
 ZIRK_INLINE void ForNarrow(const PixelSpan& s, F&& f) {
   ForHalves(s, f);
 }
-
-constexpr int kTwoRows = 0;
 
 /// Two pixels at each place.
 ZIRK_INLINE __m128 LoadTwice(const uint32_t* p, const uint32_t* q) {
