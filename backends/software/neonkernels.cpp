@@ -1,5 +1,5 @@
-// The kernels for NEON. Compiled for processors that have it, so what kernels.cpp says of inline
-// functions holds here too.
+// The kernels for NEON. They are compiled for processors that have NEON, so the rule in kernels.cpp
+// about inline functions applies here too.
 
 #include "factors.h"
 #include "kernels.h"

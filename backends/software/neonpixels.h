@@ -7,8 +7,8 @@
 
 #include "inlining.h"
 
-/// Eight pixels at a time on NEON, taken apart by channel, and the arithmetic on them. It is that
-/// of vectors.h, product by product and rounding by rounding.
+/// Arithmetic on eight pixels at a time by NEON, separated by channel. Products and rounding are
+/// exactly those of vectors.h.
 
 namespace ZIRK::backends {
 
@@ -27,9 +27,9 @@ ZIRK_INLINE Pixels Splat(uint32_t color) {
   return {{channel(0), channel(8), channel(16), channel(24)}};
 }
 
-/// Products of two channels, divided and rounded.
+/// Divides products of two channels, and rounds.
 ZIRK_INLINE Channel DivideBy255(uint16x8_t t) {
-  // 1/256 + 1/65536: near enough to 1/255 for all products.
+  // 1/256 + 1/65536 is close enough to 1/255 for all products.
   return vraddhn_u16(t, vrshrq_n_u16(t, 8));
 }
 
@@ -37,12 +37,12 @@ ZIRK_INLINE Channel Multiply(Channel a, Channel b) {
   return DivideBy255(vmull_u8(a, b));
 }
 
-/// a * u + b * v, divided by 255.
+/// (a * u + b * v) / 255.
 ZIRK_INLINE Channel Mix(Channel a, Channel u, Channel b, Channel v) {
   return DivideBy255(vmlal_u8(vmull_u8(a, u), b, v));
 }
 
-/// The pixels whose channels are `f(0)` to `f(3)`.
+/// Pixels with the channels `f(0)` to `f(3)`.
 template <typename F>
 ZIRK_INLINE Pixels ByChannel(F&& f) {
   return {{f(0), f(1), f(2), f(3)}};
@@ -52,7 +52,7 @@ ZIRK_INLINE Pixels Multiply(const Pixels& p, const Pixels& q) {
   return ByChannel([&](int i) ZIRK_INLINE_LAMBDA { return Multiply(p.val[i], q.val[i]); });
 }
 
-/// Each channel of `p` times a factor for each pixel.
+/// Multiplies each channel of `p` with the factor of its pixel.
 ZIRK_INLINE Pixels Scale(const Pixels& p, Channel factor) {
   return ByChannel([&](int i) ZIRK_INLINE_LAMBDA { return Multiply(p.val[i], factor); });
 }

@@ -3,17 +3,17 @@
 #include "kernels.h"
 #include "neonpixels.h"
 
-/// Rows of pixels in memory, read and written eight pixels at a time.
+/// Reads and writes rows of pixels, eight at a time.
 
 namespace ZIRK::backends {
 
 namespace {
 
-// How many pixels there are. With fewer than eight, the other lanes are read as anything and not
-// written.
+// These types select pixels. With fewer than eight, the other lanes have undefined values when they
+// are read, and are not written.
 
 struct Eight {};
-/// Four to seven: the first four, and the four from `second` on, which may be partly the same.
+/// Four to seven pixels: the first four, and the four from `second` on, which may overlap.
 struct TwoFours {
   int second;
 };
@@ -77,7 +77,7 @@ struct Argb8888 {
   }
   ZIRK_INLINE static uint8_t* Bytes(uint32_t* p) { return reinterpret_cast<uint8_t*>(p); }
 
-  /// Bytes with even numbers, and with odd ones.
+  /// Separates the bytes with even and with odd indices.
   ZIRK_INLINE static uint8x8x2_t Unzip(uint8x16_t v) {
     return vuzp_u8(vget_low_u8(v), vget_high_u8(v));
   }
@@ -87,8 +87,8 @@ struct Argb8888 {
   }
 };
 
-/// Pixels of 16 bits. Channels are widened by repeating their bits, and narrowed by dropping the
-/// low ones.
+/// 16-bit pixels. Channels are widened by repeating their bits, and narrowed by dropping the low
+/// ones.
 struct Rgb565 {
   using Stored = uint16_t;
 
@@ -132,7 +132,7 @@ struct Rgb565 {
   }
 };
 
-/// A row of the destination, and what is drawn on it.
+/// A row of the destination, with its source and coverage.
 template <typename Format>
 struct Row {
   typename Format::Stored* dst;
@@ -149,13 +149,13 @@ struct Row {
   }
 };
 
-/// Stores what `shade(row, x, pixels)` makes of all pixels of the span, eight by eight.
+/// Stores the results of `shade(row, x, pixels)` for all pixels of the span, eight at a time.
 ///
-/// The last eight of a row may include some that come before. They are made before anything is
-/// stored, so that these are not drawn twice.
+/// The last eight of a row may overlap the ones before. They are computed before anything is
+/// stored, so that no pixel is drawn twice.
 template <typename Format, typename F>
 ZIRK_INLINE void DrawRows(const PixelSpan& span, F&& shade) {
-  const PixelSpan s = span;  // a copy, which no store can reach
+  const PixelSpan s = span;  // A copy, which no store can alias.
   Row<Format> row(s);
   const auto forRows = [&](auto&& draw) ZIRK_INLINE_LAMBDA {
     for (int y = s.height; y > 0; --y, row.Advance(s)) draw();
@@ -167,7 +167,7 @@ ZIRK_INLINE void DrawRows(const PixelSpan& span, F&& shade) {
   if (s.width < 4) return forRows([&]() ZIRK_INLINE_LAMBDA { draw(0, OneToThree{s.width}); });
   if (s.width < 8) return forRows([&]() ZIRK_INLINE_LAMBDA { draw(0, TwoFours{s.width - 4}); });
   if (s.width == 8) return forRows([&]() ZIRK_INLINE_LAMBDA { draw(0, Eight()); });
-  // Glyphs are rarely wider.
+  // Most glyphs are this narrow.
   if (s.width <= 16)
     return forRows([&]() ZIRK_INLINE_LAMBDA {
       const Pixels end = shade(row, last, Eight());

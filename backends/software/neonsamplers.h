@@ -3,8 +3,8 @@
 #include "kernels.h"
 #include "neonpixels.h"
 
-/// Rows of pixels read from an image: nearest or bilinear. Pixels are not taken apart by channel:
-/// neighbours in memory are mixed as they are, two pixels at a time.
+/// Reads rows of pixels from an image, nearest or bilinear. Pixels are not separated by channel:
+/// adjacent pixels in memory are mixed byte by byte, two pixels at a time.
 
 namespace ZIRK::backends {
 
@@ -26,7 +26,7 @@ ZIRK_INLINE int WholePart(uint32_t position) {
   return static_cast<int32_t>(position) >> 16;
 }
 
-/// Whether no row of such steps goes all the way around.
+/// Whether no row with this step wraps around completely.
 ZIRK_INLINE bool IsShort(uint32_t step) {
   constexpr auto kShort = static_cast<uint32_t>(kShortStep);
   return step + kShort < 2 * kShort;
@@ -34,7 +34,7 @@ ZIRK_INLINE bool IsShort(uint32_t step) {
 
 // --- Nearest ---
 
-/// Along one axis of an image, from `min` to `max`, with pixels `pitch` apart.
+/// One axis of an image, from `min` to `max`, with pixels `pitch` apart.
 struct Line {
   const uint32_t* pixels;
   ptrdiff_t pitch;
@@ -48,7 +48,7 @@ struct Line {
   }
 };
 
-/// Each pixel twice.
+/// Stores each pixel twice.
 ZIRK_INLINE void SampleDoubled(const Line& line, uint32_t* out, int count) {
   const uint32_t* in = line.pixels + WholePart(line.first);
   int i = 0;
@@ -76,7 +76,7 @@ ZIRK_INLINE void SampleAlong(const Line& line, uint32_t* out, int count) {
 }
 
 void SampleAlong(const Line& line, uint32_t* out, int count) {
-  // Where a row can wrap around, its ends tell nothing of what lies between.
+  // If a row can wrap around, its ends do not determine the positions between them.
   const auto isInside = [&](int i) {
     const int index = line.IndexAt(i);
     return index >= line.min && index <= line.max;
@@ -109,12 +109,12 @@ void SampleNearest(const SampleRow& s, uint32_t* out, int count) {
 
 // --- Bilinear ---
 
-/// (a * (256 - w) + b * w + 128) / 256, byte by byte.
+/// (a * (256 - w) + b * w + 128) / 256 for each byte.
 ZIRK_INLINE uint8x8_t Interpolate(uint8x8_t a, uint8x8_t b, uint8x8_t w) {
   return vrshrn_n_u16(vmlal_u8(vmlsl_u8(vshll_n_u8(a, 8), a, w), b, w), 8);
 }
 
-/// A pixel and the one to its right.
+/// Loads a pixel and the one to its right.
 ZIRK_INLINE uint32x2_t LoadPair(const uint32_t* p) {
   return vld1_u32(p);
 }
@@ -122,13 +122,13 @@ ZIRK_INLINE uint32x2_t MakePair(uint32_t left, uint32_t right) {
   return vcreate_u32(uint64_t{right} << 32 | left);
 }
 
-/// Two pixels, each between the two of its pair.
+/// Interpolates between the two pixels of each pair.
 ZIRK_INLINE uint8x8_t InterpolatePairs(uint32x2_t a, uint32x2_t b, uint8x8_t w) {
   const uint32x2x2_t sides = vtrn_u32(a, b);
   return Interpolate(vreinterpret_u8_u32(sides.val[0]), vreinterpret_u8_u32(sides.val[1]), w);
 }
 
-/// Positions of a pixel and the next one: as numbers, for addresses, and as a vector.
+/// The positions of two consecutive pixels, as numbers for addresses and as a vector.
 class TwoPositions {
  public:
   ZIRK_INLINE TwoPositions(Positions p, int i)
@@ -137,7 +137,7 @@ class TwoPositions {
         both_(MakePair(first_, first_ + step_)),
         bothSteps_(vdup_n_u32(2 * step_)) {}
 
-  /// To the two that follow.
+  /// Advances to the next two pixels.
   ZIRK_INLINE void Advance() {
     first_ += 2 * step_;
     both_ = vadd_u32(both_, bothSteps_);
@@ -145,7 +145,7 @@ class TwoPositions {
 
   ZIRK_INLINE int First() const { return WholePart(first_); }
   ZIRK_INLINE int Second() const { return WholePart(first_ + step_); }
-  /// 8 bits of the fractions, each in the four bytes of its pixel.
+  /// The highest 8 bits of both fractions, each in all four bytes of its pixel.
   ZIRK_INLINE uint8x8_t Weights() const {
     return vtbl1_u8(vreinterpret_u8_u32(both_), vcreate_u8(0x0505050501010101u));
   }
@@ -156,7 +156,7 @@ class TwoPositions {
   uint32x2_t both_, bothSteps_;
 };
 
-/// Stores what `f(x, y)` makes of the positions `begin` to `end`, two by two.
+/// Stores the results of `f(x, y)` for the positions `begin` to `end`, two at a time.
 template <typename F>
 ZIRK_INLINE void ForTwos(Positions px, Positions py, int begin, int end, uint32_t* out, F&& f) {
   TwoPositions x(px, begin), y(py, begin);
@@ -164,7 +164,7 @@ ZIRK_INLINE void ForTwos(Positions px, Positions py, int begin, int end, uint32_
   for (; i + 2 <= end; i += 2, x.Advance(), y.Advance())
     vst1_u32(out + i, vreinterpret_u32_u8(f(x, y)));
   if (i == end) return;
-  // An odd one, twice: there may be nothing to read for another.
+  // A last single pixel is computed twice: there may be nothing to read for another.
   const TwoPositions lastX({px.At(i), 0}, 0), lastY({py.At(i), 0}, 0);
   vst1_lane_u32(out + i, vreinterpret_u32_u8(f(lastX, lastY)), 0);
 }
@@ -173,7 +173,7 @@ struct Neighbours {
   uint32x2_t top, bottom;  ///< From left to right.
 };
 
-/// `load(x, y)` gives the neighbours of a position.
+/// Interpolates with the adjacent pixels that `load(x, y)` returns for a position.
 template <typename F>
 ZIRK_INLINE void SampleSlanted(Positions px, Positions py, int begin, int end, uint32_t* out,
                                F&& load) {
@@ -201,8 +201,8 @@ void SampleSlanted(const SampleRow& s, Positions px, Positions py, uint32_t* out
     const int x = WholePart(px.At(i)), y = WholePart(py.At(i));
     return x >= s.minX && x < s.maxX && y >= s.minY && y < s.maxY;
   };
-  // A row is a straight line: what lies between two pixels that have all their neighbours inside
-  // the limits has too. Unless positions wrap around on the way.
+  // A row is a straight line: between two pixels whose neighbours are all inside the limits, all
+  // others have theirs inside too, unless positions wrap around on the way.
   const bool straight = IsShort(px.step) && IsShort(py.step);
   int begin = 0, end = count;
   while (begin < end && !(straight && isInside(begin))) ++begin;
@@ -212,7 +212,7 @@ void SampleSlanted(const SampleRow& s, Positions px, Positions py, uint32_t* out
   SampleSlanted(px, py, end, count, out, clamped);
 }
 
-/// Mixes two rows into a third one.
+/// Interpolates between two rows.
 ZIRK_INLINE void InterpolateRows(const uint32_t* top, const uint32_t* bottom, uint8_t weight,
                                  int count, uint32_t* out) {
   const uint8x8_t w = vdup_n_u8(weight);
@@ -234,13 +234,13 @@ ZIRK_INLINE void InterpolateRows(const uint32_t* top, const uint32_t* bottom, ui
   }
 }
 
-/// Columns `first` to `first + count` of two rows, mixed. Beyond the limits the last column goes
-/// on.
+/// Interpolates between columns `first` to `first + count` of two rows. Beyond the limits, the last
+/// column is repeated.
 ZIRK_INLINE void InterpolateColumns(const SampleRow& s, int first, int count, uint32_t* out) {
   const int y = s.y >> 16;
   const uint32_t* top = s.pixels + Clamp(y, s.minY, s.maxY) * s.pitch;
   const uint32_t* bottom = s.pixels + Clamp(y + 1, s.minY, s.maxY) * s.pitch;
-  // Columns inside the limits, or else the one that is nearest to them.
+  // Columns inside the limits, or the one nearest to them.
   const int begin = Clamp(s.minX - first, 0, count - 1);
   const int end = Clamp(s.maxX + 1 - first, begin + 1, count);
   const int column = Clamp(first + begin, s.minX, s.maxX);
@@ -250,7 +250,7 @@ ZIRK_INLINE void InterpolateColumns(const SampleRow& s, int first, int count, ui
   for (int i = end; i < count; ++i) out[i] = out[end - 1];
 }
 
-/// Mixes neighbours within a row. A function of its own so that `columns` is in a register.
+/// Interpolates within a row. This is a separate function so that `columns` stays in a register.
 [[gnu::noinline]] void StretchRow(const uint32_t* columns, Positions px, uint32_t* out, int count) {
   const auto mix = [=](const TwoPositions& x, const TwoPositions&) ZIRK_INLINE_LAMBDA {
     return InterpolatePairs(LoadPair(columns + x.First()), LoadPair(columns + x.Second()),
@@ -259,8 +259,8 @@ ZIRK_INLINE void InterpolateColumns(const SampleRow& s, int first, int count, ui
   ForTwos(px, {}, 0, count, out, mix);
 }
 
-/// A row that runs along one of the image's, enlarged: the two rows are mixed once, and then
-/// neighbours within.
+/// Samples a row that is parallel to the rows of the image and enlarged. It interpolates between
+/// two rows once, and then within the result.
 void SampleEnlarged(const SampleRow& s, Positions px, uint32_t* out, int count) {
   uint32_t columns[kSampleLimit + 2];
   const int a = WholePart(px.At(0)), b = WholePart(px.At(count - 1));

@@ -5,14 +5,14 @@
 #include "kernels.h"
 #include "vectortypes.h"
 
-/// Spans narrower than a vector, for instruction sets that cannot leave lanes out: two pieces of
-/// each row, which overlap where it is not as wide as both, share a vector.
+/// Handles spans narrower than a vector for instruction sets that cannot skip lanes. Two pieces of
+/// each row share a vector; they overlap if the row is narrower than both together.
 
 namespace ZIRK::backends {
 
 namespace {
 
-/// `kCount` pixels from the first on, 1, 2 or 4, and as many from `second` on.
+/// Selects `kCount` pixels, 1, 2 or 4, from the first on, and as many from `second` on.
 template <int kCount>
 struct Halves {
   ptrdiff_t second;
@@ -27,7 +27,7 @@ ZIRK_INLINE void StoreHalves(uint32_t* p, __m128i v, Halves<2> halves) {
   _mm_storel_epi64(reinterpret_cast<__m128i*>(p + halves.second), _mm_unpackhi_epi64(v, v));
 }
 
-/// One pixel is both.
+/// A single pixel is both pieces.
 ZIRK_INLINE __m128i LoadHalves(const uint32_t* p, Halves<1>) {
   return _mm_cvtsi32_si128(static_cast<int>(*p));
 }

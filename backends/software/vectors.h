@@ -2,33 +2,34 @@
 
 #include "vectortypes.h"
 
-/// Arithmetic on vectors of pixels, on top of what each instruction set does in its own way:
+/// Arithmetic on vectors of pixels. It builds on these operations, which each instruction set
+/// defines:
 ///
-///   DivideBy255(t)       Each 16-bit lane, a product of two channels, divided and rounded.
-///   AddClamped(a, b)     Sums of bytes, 255 at most.
-///   Alphas(p)            Each pixel's alpha, in both its 16-bit halves.
+///   DivideBy255(t)       Divides each 16-bit lane, a product of two channels, and rounds.
+///   AddClamped(a, b)     Adds bytes, and clamps the sums to 255.
+///   Alphas(p)            The alpha of each pixel, in both its 16-bit halves.
 ///   Weights(p)           The second byte of each pixel, for InterpolatePairs().
 ///   InterpolatePairs(a, b, w)
 ///                        a + (b - a) * w / 256 in each 16-bit lane, rounded.
-///   IsZero(v)            Whether all of the vector is, or all coverage.
+///   IsZero(v)            Whether the whole vector, or all coverage, is 0.
 ///   IsFull(c)            Whether all coverage is 255.
-///   Coverage             As many bytes as a vector has pixels.
+///   Coverage             A type of as many bytes as a vector has pixels.
 ///   Spread(c)            Each byte of coverage, in both 16-bit halves of its pixel.
 ///
-///   ForNarrow(span, f)   Calls f(x, y, pixels) for all of a span narrower than a vector.
+///   ForNarrow(span, f)   Calls f(x, y, pixels) for all of a span that is narrower than a vector.
 ///   Load(p, pixels), Store(p, v, pixels), LoadCoverage(p, pixels)
-///                        `pixels` says which pixels a vector holds: Full, or else what `f` is
-///                        called with.
-///   kTwoRows             Up to this width ForTwoRows() takes two rows of coverage at a time, as
-///                        glyphs often allow. 0 where there is no ForTwoRows().
-///   ForTwoRows(span, f)  ForNarrow() for such a span, without source pixels.
+///                        `pixels` selects the pixels of the vector: Full for all, or the value
+///                        with which `f` is called.
+///   kTwoRows             The largest width at which ForTwoRows() handles two rows of coverage at a
+///                        time, as glyphs often allow. 0 if there is no ForTwoRows().
+///   ForTwoRows(span, f)  The same as ForNarrow() for such a span, without source pixels.
 ///
 ///   LoadPairs(p, at, left, right)
-///                        The pixels at some offsets, and the ones to their right.
+///                        Loads the pixels at some offsets, and the ones to their right.
 ///   LoadNearPairs(p, first, step, positions, left, right)
-///                        The same at the whole parts of positions, `first` and those that follow
-///                        by `step`, at most one pixel. From the least one on as many pixels may
-///                        be read as a vector has, and one more.
+///                        The same at the whole parts of positions that start at `first` and
+///                        advance by `step`, at most one pixel. It may read as many pixels from the
+///                        lowest position on as a vector has, and one more.
 #if defined(ZIRK_PORTABLE_KERNELS)
 #include "vectorsgeneric.h"
 #elif defined(__AVX512BW__)
@@ -45,10 +46,11 @@ namespace ZIRK::backends {
 
 namespace {
 
-/// The low bytes of both 16-bit halves. `v ^ kLow` is 255 - v for each byte there.
+/// Masks the low bytes of both 16-bit halves. `v ^ kLow` is 255 - v for each of these bytes.
 constexpr uint32_t kLow = 0x00FF00FFu;
 
-/// Red and blue, with 16 bits for either, so that products fit; or alpha and green.
+/// Red and blue with 16 bits each, so that products fit. HighPair() does the same for alpha and
+/// green.
 ZIRK_INLINE Pixels LowPair(Pixels p) {
   return p & kLow;
 }
@@ -59,22 +61,22 @@ ZIRK_INLINE Pixels JoinPairs(Pixels low, Pixels high) {
   return low | (Pixels)((Channels)high << 8);
 }
 
-/// Both channels of each pair of `a` times those of `b`, divided by 255.
+/// Multiplies both channels of each pair of `a` with those of `b`, and divides by 255.
 ZIRK_INLINE Pixels MultiplyPairs(Pixels a, Pixels b) {
   return (Pixels)DivideBy255((Channels)a * (Channels)b);
 }
 
-/// Both channels of each pair: a * u + b * v, divided by 255.
+/// (a * u + b * v) / 255 for both channels of each pair.
 ZIRK_INLINE Pixels MixPairs(Pixels a, Pixels u, Pixels b, Pixels v) {
   return (Pixels)DivideBy255((Channels)a * (Channels)u + (Channels)b * (Channels)v);
 }
 
-/// Each channel of `p` times the 0 to 255 in `factor`, which has it in both 16-bit halves.
+/// Multiplies each channel of `p` with `factor`, 0 to 255 in both 16-bit halves of each pixel.
 ZIRK_INLINE Pixels Scale(Pixels p, Pixels factor) {
   return JoinPairs(MultiplyPairs(LowPair(p), factor), MultiplyPairs(HighPair(p), factor));
 }
 
-/// Each channel of `p` times the same channel of `q`.
+/// Multiplies each channel of `p` with the same channel of `q`.
 ZIRK_INLINE Pixels Multiply(Pixels p, Pixels q) {
   return JoinPairs(MultiplyPairs(LowPair(p), LowPair(q)), MultiplyPairs(HighPair(p), HighPair(q)));
 }
@@ -89,7 +91,7 @@ ZIRK_INLINE Coverage LoadCoverage(const uint8_t* p, Full) {
   return c;
 }
 
-/// Fewer pixels than a vector has, from the first on; the others are read as 0.
+/// Selects the first pixels of a vector, fewer than it has. The others are read as 0.
 struct Some {
   int count;
 };

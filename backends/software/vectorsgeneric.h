@@ -3,20 +3,20 @@
 #include "kernels.h"
 #include "vectorfours.h"
 
-/// The operations of vectors.h by what the compiler makes of vectors, on any processor.
+/// The operations of vectors.h by the compiler's own vectors, for any processor.
 
 namespace ZIRK::backends {
 
 namespace {
 
 ZIRK_INLINE Channels DivideBy255(Channels t) {
-  // 1/256 + 1/65536: near enough to 1/255 for all products.
+  // 1/256 + 1/65536 is close enough to 1/255 for all products.
   t += 128;
   return (t + (t >> 8)) >> 8;
 }
 
 ZIRK_INLINE Pixels AddClamped(Pixels a, Pixels b) {
-  // A sum that is less than what was added to has wrapped around; the comparison gives all ones.
+  // A sum that is less than `a` has wrapped around; the comparison then gives all ones.
   const Bytes sum = (Bytes)a + (Bytes)b;
   return (Pixels)(sum | (Bytes)(sum < (Bytes)a));
 }
@@ -30,7 +30,8 @@ ZIRK_INLINE Pixels Spread(Coverage c) {
   return BothHalves(Pixels{c & 255, c >> 8 & 255, c >> 16 & 255, c >> 24});
 }
 
-/// A number of pixels that is known beforehand, which makes them cheap to load and store.
+/// Selects a number of pixels that is known at compile time, so that they are cheap to load and
+/// store.
 template <int kCount>
 struct Piece {};
 
@@ -51,7 +52,7 @@ ZIRK_INLINE Coverage LoadCoverage(const uint8_t* p, Piece<kCount>) {
   return c;
 }
 
-/// In pieces that add up to the width.
+/// Uses pieces that add up to the width.
 template <typename F>
 ZIRK_INLINE void ForNarrow(const PixelSpan& s, F&& f) {
   for (int y = 0; y < s.height; ++y) {

@@ -12,7 +12,7 @@ namespace ZIRK::backends {
 namespace {
 
 ZIRK_INLINE Channels DivideBy255(Channels t) {
-  // 257 / 65536 is 1/256 + 1/65536: near enough to 1/255 for all products.
+  // 257 / 65536 is 1/256 + 1/65536, close enough to 1/255 for all products.
   return (Channels)_mm_mulhi_epu16((__m128i)(t + 128), _mm_set1_epi16(257));
 }
 
@@ -44,13 +44,13 @@ ZIRK_INLINE void ForNarrow(const PixelSpan& s, F&& f) {
   ForHalves(s, f);
 }
 
-/// Two pixels at each place.
+/// Loads two pixels each from `p` and from `q`.
 ZIRK_INLINE __m128 LoadTwice(const uint32_t* p, const uint32_t* q) {
   const __m128 low = (__m128)_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p));
   return _mm_loadh_pi(low, reinterpret_cast<const __m64*>(q));
 }
 
-/// Of both, one by one.
+/// Separates the left and the right pixels of pairs.
 ZIRK_INLINE void Separate(__m128 low, __m128 high, Pixels& left, Pixels& right) {
   left = (Pixels)_mm_shuffle_ps(low, high, _MM_SHUFFLE(2, 0, 2, 0));
   right = (Pixels)_mm_shuffle_ps(low, high, _MM_SHUFFLE(3, 1, 3, 1));

@@ -5,10 +5,10 @@
 
 #include "inlining.h"
 
-/// Vectors of pixels, and what every instruction set does alike with them.
+/// Vectors of pixels, and the operations that are the same for every instruction set.
 ///
-/// This and what is built on it is compiled anew for each instruction set: the unnamed namespaces
-/// keep the builds apart.
+/// This header and those that include it are compiled once per instruction set. The unnamed
+/// namespaces keep the results apart.
 
 static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "vectors are taken apart as bytes");
 
@@ -16,7 +16,7 @@ namespace ZIRK::backends {
 
 namespace {
 
-/// Pixels of a vector, as many as a register holds.
+/// The number of pixels in a vector, which fills a register.
 #if defined(ZIRK_PORTABLE_KERNELS)
 constexpr int kLanes = 4;
 #elif defined(__AVX512BW__)
@@ -29,13 +29,13 @@ constexpr int kLanes = 4;
 
 using Pixels = uint32_t __attribute__((vector_size(4 * kLanes)));
 using Integers = int32_t __attribute__((vector_size(4 * kLanes)));
-/// Two channels of each pixel, red and blue or alpha and green, with 16 bits for either.
+/// Two channels of each pixel, red and blue or alpha and green, with 16 bits each.
 using Channels = uint16_t __attribute__((vector_size(4 * kLanes)));
 using Bytes = uint8_t __attribute__((vector_size(4 * kLanes)));
-/// Neighbouring pixels by twos.
+/// Pairs of adjacent pixels.
 using PixelPairs = uint64_t __attribute__((vector_size(4 * kLanes)));
 
-/// Stands for all pixels of a vector, where other types stand for some.
+/// Selects all pixels of a vector; other types select some.
 struct Full {};
 
 ZIRK_INLINE Pixels Load(const uint32_t* p, Full) {
@@ -58,12 +58,12 @@ ZIRK_INLINE Pixels Indices() {
   return index;
 }
 
-/// The low 16 bits of each lane, in its high ones too, which are 0.
+/// Copies the low 16 bits of each lane to its high bits, which must be 0.
 ZIRK_INLINE Pixels BothHalves(Pixels v) {
   return v | (v << 16);
 }
 
-/// Of positions, 16.16 fixed point.
+/// The whole parts of positions in 16.16 fixed point.
 ZIRK_INLINE Integers WholeParts(Pixels positions) {
   return (Integers)positions >> 16;
 }
