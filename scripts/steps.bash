@@ -1,4 +1,4 @@
-# Steps of scripts/test and scripts/test-arm, each run and timed whatever became of the others.
+# The steps of scripts/test and scripts/test-arm. Each is run and timed, even if others fail.
 failed=()
 timings=()
 
@@ -20,7 +20,7 @@ build() {
   cmake --build --preset "$1"
 }
 
-# Keeps ctest's closing lines for the end: run_tests PRESET [CTEST OPTION...]
+# Runs the tests, and keeps ctest's output for summary(): run_tests PRESET [CTEST OPTION...]
 run_tests() {
   ctest --preset "$@" -j "$(nproc)" 2>&1 | tee "build/$1.ctest"
 }
@@ -33,7 +33,7 @@ test_preset() {
   fi
 }
 
-# Prints what became of all steps, and of the tests of the presets given; exits with 1 if any failed.
+# Prints the results of all steps, and of the tests of the presets. Exits with 1 if any failed.
 summary() {
   echo "== summary"
   printf '%s\n' "${timings[@]}"

@@ -16,7 +16,7 @@ from machine import MACHINES, PROJECT, Failure, Machine
 
 RESULTS = PROJECT / "build/device/results"
 
-SIZE = (1280, 720)  # Of a display, where it can be chosen.
+SIZE = (1280, 720)  # Of displays whose size can be chosen.
 
 
 @dataclass
@@ -24,13 +24,13 @@ class DeviceTest:
     machine: str
     backend: str
     environment: str = ""
-    size: tuple = SIZE  # While the console has the display.
-    mode: str = ""  # Set before: width, height, bits and pages; where empty, as the machine starts.
-    shown_at: str = ""  # What the mode says while the picture is shown, where that matters.
-    shown_on: str = ""  # The device that is open while the picture is shown, where that matters.
+    size: tuple = SIZE  # While the console uses the display.
+    mode: str = ""  # Set first: width, height, bits and pages; if empty, the machine's own.
+    shown_at: str = ""  # The mode while the picture is shown; not tested if empty.
+    shown_on: str = ""  # The device that is open while the picture is shown; not tested if empty.
     worst: int = 0  # The largest difference of a channel allowed, and the largest mean.
     mean: float = 0.0
-    turned: int = 0  # By how many degrees, clockwise.
+    turned: int = 0  # Clockwise rotation in degrees.
     top: int = 0  # The picture's first row on the display.
     keeps_colours: bool = True  # Whether the console has its own colours again afterwards.
 
@@ -40,11 +40,11 @@ RGB565 = {"worst": 7, "mean": 4.0}
 # The driver rounds in its own way, the same as in the tests' pictures.
 OPENGL = {"worst": 8, "mean": 0.6}
 
-# It would keep the console, and its driver omap crashes where there is no such hardware.
+# DirectFB would keep the console, and its driver omap crashes without that hardware.
 DIRECTFB = "DFBARGS=system=fbdev,no-vt,disable-module=omap"
 
 TESTS = [
-    # The kernel's display by KMS, as FB finds it, turned for an upright panel, and by fbdev.
+    # The kernel's display by KMS, as FB finds it; rotated for an upright panel; and by fbdev.
     DeviceTest("virtio", "FB", shown_on="/dev/dri/card0"),
     DeviceTest("virtio", "FB", "ZIRK_FB_ROTATE=90", size=(720, 1280), turned=90),
     DeviceTest("virtio", "FB", "ZIRK_FB_DEVICE=/dev/fb0", shown_on="/dev/fb0"),
@@ -52,15 +52,15 @@ TESTS = [
     DeviceTest("virtio", "Hybrid", shown_on="/dev/dri/card0"),
     DeviceTest("pc", "FB", shown_on="/dev/dri/card0"),
     DeviceTest("cirrus", "FB", size=(1024, 768), shown_on="/dev/dri/card0", **RGB565),
-    # In a mode of its own, 1280 x 768, between bars.
+    # In its own mode, 1280 x 768, between bars.
     DeviceTest("virtio", "OpenGLES2", "SDL_VIDEODRIVER=KMSDRM", size=(1024, 768), top=24, **OPENGL),
     DeviceTest("virtio", "Hybrid", "SDL_VIDEODRIVER=KMSDRM", **OPENGL),
     DeviceTest("virtio", "DirectFB", DIRECTFB, worst=2, mean=0.05),
     DeviceTest("board", "FB", **RGB565),
-    # Draws in 16 bits, so that each blending loses a little. Nothing gives back the palette that
-    # DirectFB sets where the driver has one.
+    # Draws in 16 bits, so each blending loses precision. Nothing restores the palette that DirectFB
+    # sets if the driver has one.
     DeviceTest("board", "DirectFB", DIRECTFB, worst=28, mean=4.5, keeps_colours=False),
-    # From 8 bits, which have no true colours, to a mode of the screen's own.
+    # From 8 bits, which have no true colours, to the screen's own mode.
     DeviceTest("memory", "FB"),
     DeviceTest("memory", "FB", mode="1280 720 32 2", shown_at="at 0,720"),
     DeviceTest("memory", "FB", mode="1280 720 16 1", **RGB565),
@@ -104,7 +104,7 @@ def show(machine, test, picture):
     if test.mode:
         machine.run(f"{probe} set {test.mode}")
     mode, before = machine.run(f"{probe} mode"), console(machine, test)
-    # It waits for a line from a pipe, so that the shell stays free.
+    # The program waits for a line from a pipe, so that the shell stays free.
     machine.run("rm -f /tmp/pipe; mkfifo /tmp/pipe")
     showcase = f"{test.environment} {programs}/showcase /tmp/showcase.png {test.backend} wait"
     machine.run(f"{{ {showcase} <>/tmp/pipe; echo ENDED $?; }} & shown=$!", until="shown")
@@ -155,7 +155,7 @@ def touch(machine, degrees):
     program = f"{environment} {machine.programs}/07-input 2>/dev/null"
     machine.run(f"{{ {program}; echo ENDED $?; }} & sleep 1")
     machine.run("until ls -l /proc/[0-9]*/fd 2>/dev/null | grep -q /dev/input; do sleep 1; done")
-    # Along a line of the panel, in parts of 32767.
+    # Along a line of the panel, in units of 1/32767.
     for x, y, down in ((8192, 8192, True), (16384, 8192, True), (16384, 8192, False)):
         machine.input("abs", axis="x", value=x)
         machine.input("abs", axis="y", value=y)
@@ -184,7 +184,7 @@ def attempt(name, kind, size, do):
 
 
 def main():
-    # Its driver takes a download of 150 MB.
+    # Its driver needs a download of 150 MB.
     wanted = sys.argv[1:] or [machine for machine in MACHINES if machine != "vkms"]
     RESULTS.mkdir(parents=True, exist_ok=True)
     succeed = []

@@ -12,7 +12,7 @@ from PIL import Image
 
 PROJECT = Path(__file__).resolve().parents[2]
 
-# Drivers by the bus that the virtual devices sit on.
+# Drivers by the bus of the virtual devices.
 COMMON_DRIVERS = "virtio_console,virtio_blk,crc32c_generic,ext4,9pnet_virtio,9p"
 
 MACHINES = {
@@ -28,8 +28,8 @@ MACHINES = {
         "kernel": "console=ttyAMA0",
         "drivers": f"virtio_mmio,{COMMON_DRIVERS},virtio-gpu",
     },
-    # A PC whose displays are cards alone, one of 32 bits, with a touch screen and a keyboard, and
-    # one of 16 that programs wait for.
+    # PCs that have cards only: one of 32 bits, with a touch screen and a keyboard, and one of 16
+    # bits.
     "pc": {
         "image": "amd64",
         "programs": "device/programs-amd64",
@@ -48,7 +48,7 @@ MACHINES = {
         "kernel": "console=ttyS0",
         "drivers": f"virtio_pci,{COMMON_DRIVERS},cirrus",
     },
-    # A display that nobody sees, with vertical blanks. make-vkms builds its driver.
+    # A display in memory with vertical blanks. make-vkms builds its driver.
     "vkms": {
         "image": "amd64",
         "programs": "device/programs-amd64",
@@ -66,8 +66,8 @@ MACHINES = {
         "kernel": "console=ttyAMA0",
         "drivers": f"virtio_mmio,{COMMON_DRIVERS}",
     },
-    # No display: a frame buffer in memory alone, red in the lowest bits, that starts with 8 bits.
-    # QEMU 7.2 works out some AVX2 instructions wrongly.
+    # A frame buffer in memory, without a display. Red is in the lowest bits, and it starts with 8
+    # bits. QEMU 7.2 computes some AVX2 instructions wrongly.
     "memory": {
         "image": "amd64",
         "programs": "device/programs-amd64",
@@ -78,7 +78,7 @@ MACHINES = {
     },
 }
 
-# Nothing moves on the console, and the kernel leaves out what takes it time.
+# Stops movement on the console, and skips slow steps of the kernel's start.
 KERNEL_WORDS = (
     "quiet panic=-1 vt.global_cursor_default=0 consoleblank=0 logo.nologo"
     " cryptomgr.notests init_on_alloc=0 lsm= mitigations=off"
@@ -103,7 +103,7 @@ class Machine:
         bus = kind["bus"]
         width, height = size
         command = kind["qemu"].format(image=image, width=width, height=height)
-        # KVM is not asked for: a guest of another kind has none, and nested ones may hang.
+        # Without KVM: guests of another architecture cannot use it, and nested ones may hang.
         command = command.split() + [
             *"-accel tcg -m 1024 -nodefaults -nic none -display none -no-reboot".split(),
             *f"-kernel {image}/kernel -initrd {image}/initrd".split(),
