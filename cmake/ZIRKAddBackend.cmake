@@ -1,9 +1,9 @@
 # zirk_add_backend(<name> <source>...)
 #
-# Builds the plug-in libZIRKImpl<name>.so as the target ZIRKImpl<name>. Ours and other people's
-# plug-ins are built by this one function. Only the entry points and the number of the interface,
-# which the function adds, are visible in the result, so that plug-ins, which all live in one
-# process, cannot meet each other's symbols.
+# Builds the plug-in libZIRKImpl<name>.so as the target ZIRKImpl<name>. The project's own plug-ins
+# and third-party ones are built by this function. The result exports only the entry points and the
+# number of the interface, which the function adds, so that the symbols of several plug-ins in one
+# process do not collide.
 set(ZIRK_BACKEND_INTERFACE "${CMAKE_CURRENT_LIST_DIR}/backendinterface.cpp")
 set(ZIRK_BACKEND_EXPORTS "${CMAKE_CURRENT_LIST_DIR}/backend.map")
 

@@ -1,8 +1,8 @@
-# Run by cpack before it makes the packages, with the files of each in a folder of its own: adds what
-# Debian wants in a package and `cmake --install` has no use for.
+# cpack runs this before it makes the packages, with the files of each package in a separate folder.
+# It adds files that Debian requires and that `cmake --install` does not need.
 find_program(ZIRK_GZIP gzip REQUIRED)
 
-# Best compression, and no time of day inside.
+# Compresses as much as possible, without a time stamp.
 function(zirk_compress file)
   execute_process(COMMAND "${ZIRK_GZIP}" -9nf "${file}" COMMAND_ERROR_IS_FATAL ANY)
 endfunction()
@@ -15,7 +15,7 @@ foreach(package IN LISTS CPACK_COMPONENTS_ALL)
   foreach(page IN LISTS pages)
     zirk_compress("${page}")
   endforeach()
-  # All plug-ins have the same; the library, whatever its number, and the kit have the same.
+  # All plug-ins share one file, as do the library, whatever its version, and the kit.
   string(REGEX REPLACE "^zirk-backend-.*" zirk-backend overrides ${package})
   string(REGEX REPLACE "[0-9]+$" "" overrides ${overrides})
   string(REPLACE libzirkkit libzirk overrides ${overrides})

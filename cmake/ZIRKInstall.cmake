@@ -1,6 +1,6 @@
-# What `cmake --install` puts where: the library and its plug-ins side by side, the headers, the
-# package for find_package(ZIRK) and pkg-config, and the documents. Each is in the component of the
-# package that it comes in; ZIRKPackages.cmake makes these.
+# The rules of `cmake --install`: the library with its plug-ins beside it, the headers, the package
+# for find_package(ZIRK) and pkg-config, and the documents. Each file's component is the Debian
+# package that contains it; ZIRKPackages.cmake makes the packages.
 include(CMakePackageConfigHelpers)
 
 set(ZIRK_PACKAGE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/ZIRK")
@@ -11,8 +11,8 @@ install(TARGETS ZIRK EXPORT ZIRKTargets LIBRARY
 install(EXPORT ZIRKTargets NAMESPACE ZIRK::
   DESTINATION "${ZIRK_PACKAGE_DIR}" COMPONENT libzirk-dev)
 
-# zirk_install_plugins(<folder>): every plug-in that is built in or below it. ZIRK_BACKEND_PACKAGES
-# then lists their components, which are named after their folders.
+# zirk_install_plugins(<folder>) installs all plug-ins that are built in the folder or below it, and
+# adds their components, named after their folders, to ZIRK_BACKEND_PACKAGES.
 set(ZIRK_BACKEND_PACKAGES "")
 function(zirk_install_plugins folder)
   get_property(targets DIRECTORY "${folder}" PROPERTY BUILDSYSTEM_TARGETS)
@@ -32,11 +32,11 @@ function(zirk_install_plugins folder)
   endforeach()
   set(ZIRK_BACKEND_PACKAGES "${ZIRK_BACKEND_PACKAGES}" PARENT_SCOPE)
 endfunction()
-# Plug-ins are opened at run time: targets that need them then depend on this one.
+# Plug-ins are opened at run time. Targets that need them depend on this one.
 add_custom_target(zirk_plugins)
 zirk_install_plugins("${PROJECT_SOURCE_DIR}/backends")
 
-# include/zirk/impl is a link to src/impl; installed it is a folder.
+# include/zirk/impl is a link to src/impl, but is installed as a folder.
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/include/zirk"
   DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT libzirk-dev
   FILES_MATCHING PATTERN "*.h" PATTERN impl EXCLUDE PATTERN kit EXCLUDE)
@@ -56,7 +56,7 @@ install(FILES
   "${PROJECT_SOURCE_DIR}/cmake/backendinterface.cpp"
   DESTINATION "${ZIRK_PACKAGE_DIR}" COMPONENT libzirk-dev)
 
-# Relative to the file itself, so that the installed tree may be moved.
+# Relative to the file itself, so that the installed tree can be moved.
 set(ZIRK_PC_PREFIX "${CMAKE_INSTALL_PREFIX}")
 if(NOT IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
   file(RELATIVE_PATH up "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
@@ -72,7 +72,7 @@ cmake_path(APPEND ZIRK_PC_LIBDIR "\${prefix}" "${CMAKE_INSTALL_LIBDIR}")
 cmake_path(APPEND ZIRK_PC_INCLUDEDIR "\${prefix}" "${CMAKE_INSTALL_INCLUDEDIR}")
 zirk_install_pc(zirk.pc libzirk-dev)
 
-# The kit, which who has the library alone does without.
+# The kit, which is separate from the library.
 if(TARGET zirk_kit)
   install(TARGETS zirk_kit EXPORT ZIRKKitTargets LIBRARY
     DESTINATION "${CMAKE_INSTALL_LIBDIR}"
@@ -84,7 +84,7 @@ if(TARGET zirk_kit)
   zirk_install_pc(zirk-kit.pc libzirkkit-dev)
 endif()
 
-# The documents, and what the examples are made of, fonts among it.
+# The documents, and the sources of the examples with their fonts.
 set(ZIRK_DOC_DIR "${CMAKE_INSTALL_DATAROOTDIR}/doc/zirk")
 install(FILES
   "${PROJECT_SOURCE_DIR}/CHANGELOG.md"

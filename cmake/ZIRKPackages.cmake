@@ -1,6 +1,6 @@
-# Debian packages, made by `cpack` in the build folder, one for each component of the installation.
-# The plug-ins go into /usr/lib itself, where HasBackend() looks for them, and the library beside
-# them.
+# Debian packages, which `cpack` makes in the build folder, one for each component of the
+# installation. The plug-ins are in /usr/lib itself, where HasBackend() searches, and the library is
+# beside them.
 if(NOT CMAKE_INSTALL_LIBDIR STREQUAL "lib")
   message(STATUS "Packages: left out, they need CMAKE_INSTALL_LIBDIR to be lib")
   return()
@@ -28,12 +28,12 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
-# The dependencies of a package are read from its files. Of ZIRK's library only the name is known
-# at that time.
+# cpack reads the dependencies of a package from its files. At that time it knows only the name of
+# ZIRK's library.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}")
 
-# What only a package has is added after the installation: see there.
+# Files that only packages have are added after the installation; see that script.
 set(CPACK_PRE_BUILD_SCRIPTS "${PROJECT_SOURCE_DIR}/cmake/ZIRKDebianFiles.cmake")
 set(CPACK_ZIRK_OVERRIDES "${PROJECT_SOURCE_DIR}/packaging/debian")
 set(CPACK_ZIRK_CHANGELOG "${ZIRK_PACKAGES_DIR}/changelog")
@@ -63,7 +63,7 @@ endmacro()
 # zirk_library_package(<name> <library> <description> <our package that it needs>...)
 macro(zirk_library_package name library description)
   zirk_package(${name} libs "${description}" ${ARGN})
-  # What packages of others are to depend on that are linked with it.
+  # The dependency of other packages that are linked with the library.
   file(WRITE "${ZIRK_PACKAGES_DIR}/${name}/shlibs"
     "${library} ${ZIRK_SOVERSION} ${name} (= ${PROJECT_VERSION})\n")
   file(WRITE "${ZIRK_PACKAGES_DIR}/triggers" "activate-noawait ldconfig\n")
@@ -85,8 +85,8 @@ foreach(package IN LISTS ZIRK_BACKEND_PACKAGES)
   string(REPLACE zirk-backend- drawn_by_ text ${package})
   zirk_package(${package} libs "${${text}}" ${ZIRK_LIBRARY_PACKAGE})
 endforeach()
-# Opened at run time. Without SDL OpenGLES2 opens nowhere, while Hybrid draws as FB does; a device
-# may bring an OpenGL that no package holds.
+# These are opened at run time. Without SDL, OpenGLES2 does not open, and Hybrid draws as FB does. A
+# device may have an OpenGL that is in no package.
 string(APPEND CPACK_DEBIAN_ZIRK-BACKEND-OPENGLES2_PACKAGE_DEPENDS ", libsdl2-2.0-0")
 set(CPACK_DEBIAN_ZIRK-BACKEND-OPENGLES2_PACKAGE_RECOMMENDS "libegl1, libgles2")
 set(CPACK_DEBIAN_ZIRK-BACKEND-HYBRID_PACKAGE_RECOMMENDS "libsdl2-2.0-0, libegl1, libgles2")

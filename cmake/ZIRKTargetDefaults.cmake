@@ -12,14 +12,14 @@ function(zirk_target_defaults target)
   target_compile_definitions(${target} PRIVATE _FILE_OFFSET_BITS=64)
   target_compile_options(${target} PRIVATE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion
-    # Single precision is single precision: no fused operation rounds differently on some machine.
+    # Forbids fused operations, which round differently on some machines.
     -ffp-contract=off
-    # Assertions and messages name files relative to the root, whatever the build folder.
+    # Assertions and messages contain paths relative to the project, whatever the build folder.
     "-fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=")
   if(ZIRK_SANITIZE)
     target_compile_options(${target} PRIVATE
       -fsanitize=${ZIRK_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
-    # With Clang, the program brings the sanitizers' functions, for the library and plug-ins as well.
+    # With Clang, the program contains the sanitizers' functions for the library and plug-ins too.
     target_link_options(${target} PRIVATE -fsanitize=${ZIRK_SANITIZE}
       $<$<CXX_COMPILER_ID:Clang>:LINKER:-z,undefs>)
   endif()

@@ -1,5 +1,5 @@
-# 64-bit ARM, against the tree that `scripts/make-sysroot --arch arm64` makes; ZIRK_SYSROOT names
-# another. Programs of the target run here under QEMU.
+# 64-bit ARM, with the tree that `scripts/make-sysroot --arch arm64` makes; ZIRK_SYSROOT names
+# another one. Programs of the target run under QEMU.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)
 set(ZIRK_TARGET aarch64-linux-gnu)

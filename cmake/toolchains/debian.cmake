@@ -1,4 +1,4 @@
-# What the toolchains have in common: cross compilers and libraries as Debian names them.
+# The common part of the toolchains: cross compilers and libraries with Debian's names.
 set(ZIRK_SYSROOT "${CMAKE_CURRENT_LIST_DIR}/../../build/${ZIRK_TARGET_SYSROOT}" CACHE PATH
   "Tree of the target's libraries")
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES ZIRK_SYSROOT)
