@@ -84,7 +84,7 @@ std::optional<FontFile> FindFont(std::string_view family, bool bold, bool italic
   }
   try {
     std::optional<FontFile> file = Find(fontconfig, std::string(family), bold, italic);
-    if (!file) ZIRK_KIT_ERROR("FindFont: the machine has no font");
+    if (!file) ZIRK_KIT_ERROR("FindFont: no font is installed");
     return file;
   } catch (const std::bad_alloc&) {
     ZIRK_KIT_ERROR("FindFont: no memory");

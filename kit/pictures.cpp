@@ -96,7 +96,7 @@ std::optional<Difference> Compare(VuBitmap& a, VuRect partOfA, VuBitmap& b, VuRe
     if (picture->GetInfo().format == VuPixelFormat::ARGB8888 &&
         picture->SetPixels({0, 0, width, height}, first.data(), static_cast<unsigned>(width) * 4))
       return result;
-    ZIRK_KIT_ERROR("Compare: the picture of the difference cannot be set");
+    ZIRK_KIT_ERROR("Compare: the picture of the differences cannot be written");
   } catch (const std::bad_alloc&) {
     ZIRK_KIT_ERROR("Compare: no memory for the pixels");
   }

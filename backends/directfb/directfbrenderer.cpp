@@ -328,7 +328,7 @@ void DirectFbRenderer::Flip() {
   const std::lock_guard lock(DirectFbMutex());
   if (HasDirectFbEnded()) return;
   if (pixels_.IsLocked()) {
-    ZIRK_LOG_ERROR("the screen is locked, and not shown");
+    ZIRK_LOG_ERROR("the screen is locked, so it is not shown");
     return;
   }
   const bool two = buffers_ == Buffers::Two;

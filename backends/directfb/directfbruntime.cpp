@@ -176,7 +176,7 @@ IDirectFB* StartDirectFb() {
   }
   running = nullptr;
   ZIRK_LOG_ERROR("DirectFB cannot be started: %s",
-                 result == DFB_DEAD ? "it breaks off" : DirectFBErrorString(result));
+                 result == DFB_DEAD ? "it ends the process" : DirectFBErrorString(result));
   return nullptr;
 }
 

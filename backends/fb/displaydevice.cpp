@@ -85,7 +85,7 @@ Plugged FindPlugged(int index, const std::string& named, Purpose purpose, std::s
       return found;
     }
   }
-  if (!named.empty() && error.empty()) error = named + ": no such display is plugged in";
+  if (!named.empty() && error.empty()) error = named + ": no such display is connected";
   return {};
 }
 
@@ -95,7 +95,7 @@ Plugged FindPlugged(int index, const std::string& named, Purpose purpose, std::s
 
 std::unique_ptr<DisplayDevice> DisplayDevice::Open(int index, Request request, std::string& error) {
   const std::optional<Rotation> rotation = RotationAsked();
-  if (!rotation) ZIRK_LOG_WARNING("ZIRK_FB_ROTATE has to be 0, 90, 180 or 270");
+  if (!rotation) ZIRK_LOG_WARNING("ZIRK_FB_ROTATE must be 0, 90, 180 or 270");
   request.rotation = rotation.value_or(Rotation::None);
   const std::string named = Environment("ZIRK_FB_DEVICE");
 #ifdef ZIRK_HAVE_KMS

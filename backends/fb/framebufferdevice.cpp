@@ -115,7 +115,7 @@ bool FramebufferDevice::Prepare(const Request& request, std::string& error) {
   const bool sideways = IsSideways(request.rotation);
   if (!TrySize(sideways ? request.height : request.width,
                sideways ? request.width : request.height)) {
-    error = Reason("does not go back to its mode");
+    error = Reason("cannot return to its mode");
     return false;
   }
   if (!MapMemory()) {

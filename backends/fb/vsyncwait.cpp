@@ -122,7 +122,7 @@ void VsyncWait::Wait() {
   } else {
     StayLoaded();
     thread_.detach();
-    ZIRK_LOG_WARNING("%s: the wait for vertical sync does not return: doing without it",
+    ZIRK_LOG_WARNING("%s: the wait for vertical sync does not return: continuing without it",
                      worker_->path.c_str());
   }
   worker_.reset();

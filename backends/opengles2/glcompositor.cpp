@@ -27,7 +27,7 @@ const char* FaultOf(const LayerDescription* layers, int count) {
   for (const LayerDescription* layer = layers; layer != layers + count; ++layer) {
     if (layer->layer < 0 || layer->layer >= GlCompositor::kLayers) return "a layer is unknown";
     bool& there = seen[static_cast<size_t>(layer->layer)];
-    if (there) return "a layer comes twice";
+    if (there) return "a layer occurs twice";
     there = true;
     if (!IsSane(layer->source) || !IsSane(layer->destination))
       return "a rectangle is inverted or half empty";

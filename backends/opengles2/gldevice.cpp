@@ -84,7 +84,7 @@ std::shared_ptr<GlDevice> GlDevice::Acquire() {
   if (device && !device->IsLost())
     if (auto shared = device->weak_from_this().lock()) return shared;
   if (exiting) {
-    Fail("no context", "the process exits");
+    Fail("no context", "the process is exiting");
     return nullptr;
   }
   std::shared_ptr<GlDevice> created(new GlDevice);

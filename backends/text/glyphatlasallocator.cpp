@@ -39,7 +39,7 @@ std::shared_ptr<GlyphAtlasAllocator> GlyphAtlasAllocator::FindOwner(const VuGrap
       if (known == owner) found = known->weak_from_this().lock();
   }
   if (!found)
-    ZIRK_LOG_ERROR("the font's glyph atlas is of another backend, or of a context that is gone");
+    ZIRK_LOG_ERROR("the font's glyph atlas belongs to another backend, or to a deleted context");
   return found;
 }
 
