@@ -104,7 +104,7 @@ std::string FramebufferDevice::Description() const {
 
 bool FramebufferDevice::Prepare(const Request& request, std::string& error) {
   if (!ReadMode()) {
-    error = Reason("is no framebuffer device");
+    error = Reason("is not a framebuffer device");
     return false;
   }
   found_ = mode_;
@@ -255,7 +255,7 @@ void FramebufferDevice::Flip(const Box& damage) {
   if (ShowPage(page)) return vsync_->Wait();
 
   // The page that is still shown lacks only this frame's changes.
-  ZIRK_LOG_WARNING("%s", Reason("does not show its second page: drawing to one").c_str());
+  ZIRK_LOG_WARNING("%s", Reason("cannot show its second page, uses one page").c_str());
   twoPages_ = false;
   copier_->ForgetHidden();
   copier_->Copy(damage, PixelsFrom(mode_.yoffset), fixed_.line_length);

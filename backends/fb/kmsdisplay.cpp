@@ -84,7 +84,7 @@ bool KmsDisplay::Start(const Request& request, std::string& error) {
   constexpr Format kXrgb = {DRM_FORMAT_XRGB8888, PIXMAN_x8r8g8b8, 32};
   constexpr Format kRgb565 = {DRM_FORMAT_RGB565, PIXMAN_r5g6b5, 16};
   if (crtc_ == 0) {
-    error = card_->Path() + ": shows as many pictures as it can";
+    error = card_->Path() + ": cannot show another picture";
     return false;
   }
   const int card = card_->Descriptor();
@@ -203,12 +203,12 @@ bool KmsDisplay::ShowOther(const Box& damage) {
 
 void KmsDisplay::WaitForFlip() {
   if (std::exchange(flipping_, false) && !card_->WaitForFlip(crtc_, kFlipTimeout))
-    DoWithoutPages("the flip does not end");
+    DoWithoutPages("the flip does not complete");
 }
 
 /// From now on draws to the visible page, which lacks only the changes of this frame.
 void KmsDisplay::DoWithoutPages(const char* why) {
-  ZIRK_LOG_WARNING("%s: does not show its second page: drawing to one: %s", card_->Path().c_str(),
+  ZIRK_LOG_WARNING("%s: cannot show its second page, uses one page: %s", card_->Path().c_str(),
                    why);
   twoPages_ = false;
   copier_->ForgetHidden();

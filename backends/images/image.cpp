@@ -110,7 +110,7 @@ std::unique_ptr<Image> Image::Open(const void* data, size_t size) {
 bool Image::ReadHeader() {
   if (stream_.Peek().size == 0) return Fail(stream_.Problem());
   codec_ = NewCodecFor(stream_);
-  if (!codec_) return Fail("it is in no known image format");
+  if (!codec_) return Fail("unknown image format");
   if (!codec_->ReadHeader()) return Fail(codec_->Error());
   const auto [width, height] = Size();
   if (IsValidSurface(width, height, VuPixelFormat::ARGB8888)) return true;

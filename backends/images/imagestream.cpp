@@ -15,7 +15,7 @@ constexpr size_t kBufferSize = 16384;
 
 ImageStream::ImageStream(const char* path) {
   if (!path) {
-    problem_ = "there is no path";
+    problem_ = "no path is given";
     return;
   }
   buffer_ = std::make_unique<uint8_t[]>(kBufferSize);
@@ -52,7 +52,7 @@ ImageStream::Bytes ImageStream::Peek() {
 ImageStream::Bytes ImageStream::Take() {
   const Bytes taken = Peek();
   next_.size = 0;
-  if (taken.size > 0) problem_ = "it ends too early";
+  if (taken.size > 0) problem_ = "it is incomplete";
   return taken;
 }
 

@@ -47,7 +47,7 @@ class ImageStream {
   std::unique_ptr<uint8_t[]> buffer_;
   std::vector<uint8_t> gathered_;
   Bytes next_{nullptr, 0};
-  const char* problem_ = "there is nothing in it";
+  const char* problem_ = "it is empty";
 };
 
 }  // namespace ZIRK::backends

@@ -17,7 +17,7 @@ const char* ErrorText(VP8StatusCode status) {
       return "unsupported kind of WebP";
     case VP8_STATUS_NOT_ENOUGH_DATA:
     case VP8_STATUS_SUSPENDED:
-      return "it ends too early";
+      return "it is incomplete";
     default:
       return "broken WebP data";
   }

@@ -41,7 +41,7 @@ bool MemoryBudget::Fits(int width, int height, VuPixelFormat format, uint32_t fr
   if (picture)
     ZIRK_LOG_ERROR("no memory for %s: %d x %d pixels, %u bytes left", picture, width, height, left);
   else
-    ZIRK_LOG_ERROR("no memory for a surface of %d x %d: %u bytes asked, %u left", width, height,
+    ZIRK_LOG_ERROR("no memory for a surface of %d x %d: %u bytes requested, %u left", width, height,
                    bytes, left);
   return false;
 }

@@ -38,7 +38,7 @@ VuBitmapImpl* Graphics::CreateBitmap(int width, int height, VuPixelFormat format
 }
 
 VuBitmapImpl* Graphics::CreateBitmapFromFile(const char* path) {
-  ZIRK_LOG_ERROR("Plain: %s is in no known image format", path ? path : "(no path)");
+  ZIRK_LOG_ERROR("Plain: %s: unknown image format", path ? path : "(no path)");
   return nullptr;
 }
 

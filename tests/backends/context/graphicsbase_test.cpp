@@ -56,7 +56,7 @@ TEST(GraphicsBase, ReportsOnceWhatItCannotReadOrHasNoMemoryFor) {
                 [&] { return graphics.CreateBitmapFromMemory(nullptr, 10); });
   expectFailure("no memory for " + path + ": 29 x 19 pixels, 1440 bytes left",
                 [&] { return graphics.CreateBitmapFromFile(kPath); });
-  expectFailure("no memory for a surface of 1280 x 720: 3686400 bytes asked, 1440 left",
+  expectFailure("no memory for a surface of 1280 x 720: 3686400 bytes requested, 1440 left",
                 [&] { return graphics.CreateScreen(false); });
   // Even where the bitmap would be small, decoding may need the whole picture.
   expectFailure(path + ": 29 x 19 pixels are more than memory allows",

@@ -245,7 +245,7 @@ TEST(FramebufferDevice, SaysWhyThereIsNone) {
   setenv("ZIRK_FB_DEVICE", "/dev/null", 1);
   std::string error;
   EXPECT_FALSE(DisplayDevice::Open(2, {}, error));
-  EXPECT_EQ(error, "/dev/null: is no framebuffer device: Inappropriate ioctl for device");
+  EXPECT_EQ(error, "/dev/null: is not a framebuffer device: Inappropriate ioctl for device");
   unsetenv("ZIRK_FB_DEVICE");
   EXPECT_EQ(FramebufferDevice::PathOf(2), "/dev/fb2");
   EXPECT_FALSE(FramebufferDevice::SizeOf("", Fake(4, 0)));
@@ -372,8 +372,8 @@ TEST(FramebufferDevice, BringsThePageItShowsUpToDateAndRestoresTheOffset) {
       }
     });
     EXPECT_EQ(log, pans == 1000 ? ""
-                                : "<ZIRK.warning>: /dev/fake: does not show its second page: "
-                                  "drawing to one: Invalid argument\n");
+                                : "<ZIRK.warning>: /dev/fake: cannot show its second page, "
+                                  "uses one page: Invalid argument\n");
     io->pansLeft = 1;
     device.reset();
     EXPECT_EQ(io->mode.yoffset, 3u);

@@ -249,12 +249,12 @@ constexpr Driver kDrivers[] = {
      .can = {.flipsLeft = 2},
      .flips = 2,
      .dirtied = 4,
-     .warning = "drawing to one: Device or resource busy"},
+     .warning = "uses one page: Device or resource busy"},
     {.name = "never_ends_the_second_flip",
      .can = {.endsLeft = 1},
      .flips = 2,
      .dirtied = 4,
-     .warning = "drawing to one: the flip does not end"},
+     .warning = "uses one page: the flip does not complete"},
 };
 INSTANTIATE_TEST_SUITE_P(Kms, KmsDrivers, testing::ValuesIn(kDrivers),
                          [](const auto& row) { return row.param.name; });
@@ -284,7 +284,7 @@ TEST_F(Kms, LeavesADisplayToItsOwner) {
   auto display = Open({});
   const auto same = KmsCard::Acquire("/dev/dri/card0", error, isTaken);
   EXPECT_EQ(KmsDisplay::Open(same, *same->Connectors().at(0), {}, error), nullptr);
-  EXPECT_EQ(error, "/dev/dri/card0: shows as many pictures as it can");
+  EXPECT_EQ(error, "/dev/dri/card0: cannot show another picture");
   display.reset();
   EXPECT_NE(KmsDisplay::Open(same, *same->Connectors().at(0), {}, error), nullptr) << error;
   fake_.can.isMaster = false;

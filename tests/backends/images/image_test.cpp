@@ -184,11 +184,11 @@ TEST(BrokenImage, IsReportedByPathAndReason) {
   const std::string longPath = std::string(3000, 'd') + "/last.png";
   const struct {
     const char *path, *message;
-  } cases[] = {{nullptr, "cannot read (null): there is no path"},
+  } cases[] = {{nullptr, "cannot read (null): no path is given"},
                {ZIRK_TEST_IMAGES "no.png", "images/no.png: No such file or directory"},
                {ZIRK_TEST_IMAGES, "images/: Is a directory"},
-               {"/dev/null", "cannot read /dev/null: there is nothing in it"},
-               {ZIRK_TEST_IMAGES "README.md", "README.md: it is in no known image format"},
+               {"/dev/null", "cannot read /dev/null: it is empty"},
+               {ZIRK_TEST_IMAGES "README.md", "README.md: unknown image format"},
                {longPath.c_str(), "d/last.png: File name too long"}};
   for (const auto& c : cases)
     EXPECT_TRUE(
@@ -247,7 +247,7 @@ TEST(BrokenImage, TakesNoMemoryForWhatItClaims) {
     Put(bytes, 33, 4, 0x3FFFFFFF);
     std::copy_n(chunk, 4, &bytes[37]);
     const long before = peak();
-    EXPECT_TRUE(LogsOneError("it ends too early", [&] { EXPECT_FALSE(Open(bytes)); })) << chunk;
+    EXPECT_TRUE(LogsOneError("it is incomplete", [&] { EXPECT_FALSE(Open(bytes)); })) << chunk;
     EXPECT_LT(peak() - before, 16 << 10) << chunk;
   }
 }

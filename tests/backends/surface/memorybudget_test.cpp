@@ -10,11 +10,11 @@ using helpers::LogsOneError;
 TEST(MemoryBudget, ReservesUpToItsLimitAndTakesBack) {
   const auto budget = MemoryBudget::Create(992);
   auto first = budget->Reserve(8, 20, VuPixelFormat::ARGB8888);  // 640 bytes.
-  EXPECT_TRUE(LogsOneError("384 bytes asked, 352 left",
+  EXPECT_TRUE(LogsOneError("384 bytes requested, 352 left",
                            [&] { EXPECT_FALSE(budget->Reserve(8, 12, VuPixelFormat::ARGB8888)); }));
   EXPECT_TRUE(first->Resize(8, 31, VuPixelFormat::ARGB8888));
   EXPECT_EQ(budget->Available(), 0u);
-  EXPECT_TRUE(LogsOneError("1024 bytes asked, 992 left",
+  EXPECT_TRUE(LogsOneError("1024 bytes requested, 992 left",
                            [&] { EXPECT_FALSE(first->Resize(8, 32, VuPixelFormat::ARGB8888)); }));
   EXPECT_TRUE(first->Resize(16, 20, VuPixelFormat::RGB565));
   const auto second = budget->Reserve(17, 11, VuPixelFormat::A8);  // Eleven rows of 32.
