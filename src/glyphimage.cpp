@@ -51,7 +51,7 @@ GlyphImage::~GlyphImage() {
   FT_Done_Glyph(outlined_);
 }
 
-/// For "return Failed(...)": false, after the line.
+/// Logs an error and returns false, for use as "return Failed(...)".
 bool GlyphImage::Failed(const char* format, FT_Error error) {
   error_ = error;
   const FreeTypeError entry(error);
@@ -175,7 +175,7 @@ std::optional<GlyphImage::Coverage> GlyphImage::ToCoverage() {
   const bool isCoverage = bitmap.pixel_mode == FT_PIXEL_MODE_GRAY && bitmap.num_grays == 256;
   if (isCoverage && bitmap.pitch >= 0)
     return Coverage{bitmap.buffer, static_cast<unsigned>(bitmap.pitch)};
-  // Bitmaps of 1, 2 or 4 bits, and of colours.
+  // Converts bitmaps of 1, 2 or 4 bits and coloured ones.
   GreyBitmap converted(library_);
   FT_Bitmap& grey = converted.bitmap;
   if (const FT_Error error = FT_Bitmap_Convert(library_, bitmap_, &grey, 1)) {

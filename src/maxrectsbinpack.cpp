@@ -47,18 +47,18 @@ bool LiesInsideAny(const BinRect& a, const std::vector<BinRect>& list) {
   return std::any_of(list.begin(), list.end(), [&](const BinRect& b) { return LiesInside(a, b); });
 }
 
-/// Adds `added`, and keeps `list` free of rectangles that lie inside another one. Of equal ones the
-/// later stays.
+/// Adds `added`, and removes rectangles from `list` that are inside another one. Of equal
+/// rectangles the later one stays.
 void AddPruned(std::vector<BinRect>& list, const BinRect& added) {
   const auto inside = [&](const BinRect& r) { return LiesInside(r, added); };
   list.erase(std::remove_if(list.begin(), list.end(), inside), list.end());
   if (!LiesInsideAny(added, list)) list.push_back(added);
 }
 
-/// Calls `add` with what `node` leaves of `f`, which it intersects: above, below, left and right.
+/// Calls `add` with the parts of `f` above, below, left and right of `node`, which intersects it.
 template <typename Add>
 void Split(const BinRect& f, const BinRect& node, Add add) {
-  // All of these lie in `f` and leave out a part of it, so that 32 bits hold them.
+  // These parts are smaller than `f`, so 32 bits are enough for them.
   const auto right = static_cast<int32_t>(Right(node));
   const auto bottom = static_cast<int32_t>(Bottom(node));
   if (node.y > f.y) add(BinRect{f.x, f.y, f.width, node.y - f.y});
@@ -68,7 +68,7 @@ void Split(const BinRect& f, const BinRect& node, Add add) {
   if (right < Right(f)) add(BinRect{right, f.y, static_cast<int32_t>(Right(f) - right), f.height});
 }
 
-/// Takes the elements at `positions`, which ascend, out of `list`.
+/// Removes the elements at `positions`, in ascending order, from `list`.
 void EraseAt(std::vector<BinRect>& list, const std::vector<size_t>& positions) {
   if (positions.empty()) return;
   const auto at = [&](size_t i) { return list.begin() + static_cast<std::ptrdiff_t>(i); };
@@ -80,7 +80,7 @@ void EraseAt(std::vector<BinRect>& list, const std::vector<size_t>& positions) {
   list.erase(end, list.end());
 }
 
-/// Of the intervals [a1, a2] and [b1, b2].
+/// The length that the intervals [a1, a2] and [b1, b2] have in common.
 int64_t CommonLength(int64_t a1, int64_t a2, int64_t b1, int64_t b2) {
   if (a2 < b1 || b2 < a1) return 0;
   return std::min(a2, b2) - std::max(a1, b1);
@@ -101,7 +101,7 @@ struct MaxRectsBinPack::Score {
   }
 };
 
-/// The node's height is 0 until something is found.
+/// A place and its score. The height of `node` is 0 until a place is found.
 struct MaxRectsBinPack::Position {
   BinRect node;
   Score score;

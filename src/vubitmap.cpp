@@ -47,7 +47,7 @@ float Area(const VuTRect2D<float>& r) {
   return (max.x() - min.x()) * (max.y() - min.y());
 }
 
-/// The box of `text` on one line.
+/// The area of the box of `text` on one line.
 float Area(const VuFont& font, const char* text) {
   const int width = font.GetOneLineWidth(text);
   const int height = font.GetOneLineHeight();

@@ -48,7 +48,7 @@ void SetAdvance(Glyph& glyph, FT_Pos advance) {
 
 /// Design units in pixels, rounded half up where they are positive: the divisions go toward zero.
 int ToPixels(int designUnits, int pixelSize, int unitsPerEm) {
-  // A font of bitmaps alone has no such units.
+  // A font that has only bitmaps has no design units.
   if (unitsPerEm == 0) return 0;
   return (WrappingProduct(WrappingProduct(pixelSize, designUnits), 2) / unitsPerEm + 1) / 2;
 }
@@ -359,7 +359,7 @@ inline const Glyph* VuFontAtlas::Find(uint32_t code, bool render, bool insist) c
   return FindOrLoad(code, render, insist);
 }
 
-/// As Find(), for a glyph that is missing or not rendered yet.
+/// The same as Find(), for a glyph that is missing or not rendered yet.
 const Glyph* VuFontAtlas::FindOrLoad(uint32_t code, bool render, bool insist) const {
   State& s = *state_;
   const int type = static_cast<int>(outlineType_);
