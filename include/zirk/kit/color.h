@@ -11,6 +11,6 @@ namespace ZIRK::kit {
 /// Interpolates between two colours: returns `from` for `t` = 0 and `to` for `t` = 1. Each channel,
 /// alpha included, is interpolated and rounded to the nearest value. `t` is clamped to 0..1; NaN
 /// counts as 0. Any thread may call.
-ZIRK_API VuColor Mix(VuColor from, VuColor to, float t);
+[[nodiscard]] ZIRK_API VuColor Mix(VuColor from, VuColor to, float t);
 
 }  // namespace ZIRK::kit

@@ -31,19 +31,19 @@ class ZIRK_API Paint {
   /// A gradient from `from` to `to` in the direction `degrees`, counter-clockwise from the right: 0
   /// points right, 90 up, -90 down. The two colours are reached at the farthest corners of the
   /// rectangle. The direction is rounded to 1/16 degree; a non-finite one points down.
-  static Paint Linear(VuColor from, VuColor to, float degrees = -90);
+  [[nodiscard]] static Paint Linear(VuColor from, VuColor to, float degrees = -90);
   /// A gradient from `from` at the centre to `to` at the ellipse inscribed in the shape's
   /// rectangle. Outside the ellipse the colour is `to`.
-  static Paint Radial(VuColor from, VuColor to);
+  [[nodiscard]] static Paint Radial(VuColor from, VuColor to);
 
   /// The kind of paint.
-  constexpr Kind GetKind() const { return kind_; }
+  [[nodiscard]] constexpr Kind GetKind() const { return kind_; }
   /// The first colour, or the only one.
-  constexpr VuColor GetFrom() const { return from_; }
+  [[nodiscard]] constexpr VuColor GetFrom() const { return from_; }
   /// The second colour; equal to the first if the paint is Plain.
-  constexpr VuColor GetTo() const { return to_; }
+  [[nodiscard]] constexpr VuColor GetTo() const { return to_; }
   /// The direction of a linear gradient in 1/16 degree, from 0 to 5759; 0 for other kinds.
-  constexpr int32_t GetDirection() const { return direction_; }
+  [[nodiscard]] constexpr int32_t GetDirection() const { return direction_; }
 
  private:
   constexpr Paint(Kind kind, VuColor from, VuColor to, int32_t direction)

@@ -164,7 +164,7 @@ class ZIRK_API Shapes {
   // --- Cache ------------------------------------------------------------------------------------
 
   /// The size of the cache in bytes, its own lists included.
-  uint32_t GetCacheSize() const;
+  [[nodiscard]] uint32_t GetCacheSize() const;
   /// Empties the cache, for example when memory is needed elsewhere.
   void ClearCache();
 

@@ -23,6 +23,6 @@ ZIRK_API void DrawText(VuBitmap& target, const VuFont& font, std::string_view te
 /// The width in pixels of the text that DrawText() draws, as VuFont::GetOneLineWidth() measures it.
 /// A width outside the range of `int` becomes the nearest `int`. Only characters that are new to
 /// the font make it allocate memory. Any thread may call.
-ZIRK_API int GetWidth(const VuFont& font, std::string_view text);
+[[nodiscard]] ZIRK_API int GetWidth(const VuFont& font, std::string_view text);
 
 }  // namespace ZIRK::kit

@@ -120,31 +120,31 @@ class ZIRK_API TextBox {
   void Draw(VuBitmap& target, VuPoint pos, VuTransform t) const;
 
   /// Width of the widest line in pixels; 0 without lines.
-  int GetWidth() const;
+  [[nodiscard]] int GetWidth() const;
   /// Height of all lines in pixels, gaps included; 0 without lines.
-  int GetHeight() const;
+  [[nodiscard]] int GetHeight() const;
   /// Whether visible text was left out.
-  bool IsCut() const;
+  [[nodiscard]] bool IsCut() const;
   /// Number of lines.
-  size_t GetLineCount() const;
+  [[nodiscard]] size_t GetLineCount() const;
   /// Line number `index`, from 0; all zeros if there is no such line.
-  TextLine GetLine(size_t index) const;
+  [[nodiscard]] TextLine GetLine(size_t index) const;
 
   /// The rectangle of the character at `offset`, relative to the top-left corner of the box. It is
   /// as wide as the character's advance and as high as its line; a caret before the character is at
   /// its left edge. The end of a line and the end of the text are at the end of the line and have
   /// no width. An offset inside a character counts as its beginning, an offset into text that was
   /// left out as the end. All zeros without lines.
-  VuRect GetCharacter(size_t offset) const;
+  [[nodiscard]] VuRect GetCharacter(size_t offset) const;
 
   /// The result of FindCharacter() if there is no character.
   static constexpr size_t npos = static_cast<size_t>(-1);
   /// The offset of the character at `p`, a position relative to the top-left corner of the box;
   /// npos if no character is there.
-  size_t FindCharacter(VuPoint p) const;
+  [[nodiscard]] size_t FindCharacter(VuPoint p) const;
   /// The offset of the caret for a click at `p`, inside the box or outside: the nearest position in
   /// the nearest line. The result belongs to that line, even if the line was broken after a space.
-  size_t FindCaret(VuPoint p) const;
+  [[nodiscard]] size_t FindCaret(VuPoint p) const;
 
  private:
   struct ZIRK_LOCAL State;
