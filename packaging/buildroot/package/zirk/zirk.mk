@@ -14,7 +14,7 @@ ZIRK_INSTALL_STAGING = YES
 ZIRK_SUPPORTS_IN_SOURCE_BUILD = NO
 ZIRK_DEPENDENCIES = host-pkgconf freetype
 
-# This build type is small, all but the loops over pixels.
+# This build type optimises for size, except in the loops over pixels.
 ZIRK_CONF_OPTS = \
 	-DCMAKE_BUILD_TYPE=$(if $(BR2_ENABLE_RUNTIME_DEBUG),Debug,MinSizeRel) \
 	-DCMAKE_INTERPROCEDURAL_OPTIMIZATION=$(if $(BR2_ENABLE_LTO),ON,OFF) \

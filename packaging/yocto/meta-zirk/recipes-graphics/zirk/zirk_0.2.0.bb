@@ -8,13 +8,13 @@ DEPENDS = "freetype"
 
 inherit cmake pkgconfig externalsrc
 
-# The sources are those that the layer comes with.
+# Builds the sources that contain this layer.
 EXTERNALSRC = "${@os.path.realpath(d.getVar('THISDIR') + '/../../../../..')}"
 
-# No links into this tree.
+# Makes no links in these sources.
 EXTERNALSRC_SYMLINKS = ""
 
-# OpenGL ES comes from the distribution's EGL and SDL 2; DirectFB needs a layer that has it.
+# OpenGL ES comes from the distribution's EGL and SDL 2; DirectFB needs a layer that provides it.
 PACKAGECONFIG ??= "fb kms png jpeg kit tools \
     ${@bb.utils.contains('DISTRO_FEATURES', 'opengl', 'opengles2', '', d)} hybrid"
 
@@ -32,7 +32,7 @@ PACKAGECONFIG[fontconfig] = "-DZIRK_KIT_FONTCONFIG=ON,-DZIRK_KIT_FONTCONFIG=OFF,
 PACKAGECONFIG[tools] = "-DZIRK_BUILD_TOOLS=ON,-DZIRK_BUILD_TOOLS=OFF"
 PACKAGECONFIG[trace] = "-DZIRK_BUILD_TRACE=ON,-DZIRK_BUILD_TRACE=OFF,zstd xxhash"
 
-# This build type is small, all but the loops over pixels.
+# This build type optimises for size, except in the loops over pixels.
 EXTRA_OECMAKE = "\
     -DCMAKE_BUILD_TYPE=MinSizeRel \
     -DCMAKE_INTERPROCEDURAL_OPTIMIZATION=ON \
@@ -45,7 +45,7 @@ BACKENDS = "${@bb.utils.filter('PACKAGECONFIG', 'fb opengles2 hybrid directfb st
 BACKEND_PACKAGES = "${@' '.join('${PN}-backend-' + name for name in d.getVar('BACKENDS').split())}"
 PACKAGES =+ "${BACKEND_PACKAGES} ${PN}-backends ${PN}-kit ${PN}-tools"
 
-# Plug-ins have no versions in their names, but are no development files.
+# Plug-ins have no versions in their names, but are not development files.
 FILES:${PN}-backend-fb = "${libdir}/libZIRKImplFB.so"
 FILES:${PN}-backend-opengles2 = "${libdir}/libZIRKImplOpenGL.so"
 FILES:${PN}-backend-hybrid = "${libdir}/libZIRKImplHybrid.so"
@@ -56,7 +56,7 @@ FILES:${PN}-tools = "${bindir}/zirkinfo ${bindir}/zirktrace ${libdir}/zirktrace"
 ALLOW_EMPTY:${PN}-backends = "1"
 RDEPENDS:${PN}-backends = "${BACKEND_PACKAGES}"
 
-# SDL is opened at run time, so nothing else names it. Without it Hybrid draws as FB does.
+# SDL is opened at run time, so no file depends on it. Without SDL, Hybrid draws as FB does.
 RDEPENDS:${PN}-backend-opengles2 = "libsdl2"
 RRECOMMENDS:${PN}-backend-hybrid = "${@bb.utils.contains('PACKAGECONFIG', 'opengles2', 'libsdl2', '', d)}"
 RRECOMMENDS:${PN} = "${@bb.utils.contains('PACKAGECONFIG', 'hybrid', '${PN}-backend-hybrid', '', d)}"
