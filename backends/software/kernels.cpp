@@ -17,6 +17,22 @@ namespace ZIRK::backends {
 
 namespace {
 
+/// How far below the row that is drawn the destination is fetched. A processor fetches on its own
+/// only within a page, and rows of a wide surface lie on pages of their own.
+constexpr int kRowsAhead = 2;
+/// Of narrower rows many are under way at a time anyway.
+constexpr int kLeastFetched = 32;
+
+/// The rows above this one call FetchBelow().
+ZIRK_INLINE int FetchEnd(const PixelSpan& s) {
+  return s.width < kLeastFetched ? 0 : s.height + s.rowsBelow - kRowsAhead;
+}
+ZIRK_INLINE void FetchBelow(const PixelSpan& s, int y) {
+  constexpr int kCacheLine = 64 / sizeof *s.dst;
+  const uint32_t* const row = s.dst + (y + kRowsAhead) * s.dstPitch;
+  for (int x = 0; x < s.width; x += kCacheLine) __builtin_prefetch(row + x, 1);
+}
+
 /// Stores what `compute(x, y, pixels, v)` puts into the vector `v` for all pixels of the span;
 /// where it returns false they stay as they are.
 ///
@@ -43,7 +59,9 @@ ZIRK_INLINE void ForEach(const PixelSpan& s, bool aligned, F&& compute) {
     }
     return;
   }
+  const int fetchEnd = FetchEnd(s);
   for (int y = 0; y < s.height; ++y) {
+    if (y < fetchEnd) FetchBelow(s, y);
     Pixels v;
     const bool any = compute(last, y, Full(), v);
     if (begin > 0) draw(0, y, Full());
@@ -107,10 +125,11 @@ ZIRK_INLINE void CopyFour(uint32_t* dst, const uint32_t* src) {
 /// boundaries, and than none.
 void Copy(const PixelSpan& s) {
   constexpr int kFour = 4, kGroup = 4 * kFour;
-  const int last = s.width - kFour;
+  const int last = s.width - kFour, fetchEnd = FetchEnd(s);
   for (int y = 0; y < s.height; ++y) {
     uint32_t* const dst = s.dst + y * s.dstPitch;
     const uint32_t* const src = s.src + y * s.srcPitch;
+    if (y < fetchEnd) FetchBelow(s, y);
     CopyFour(dst, src);
     int x = kFour - static_cast<int>(reinterpret_cast<uintptr_t>(dst) / sizeof *dst % kFour);
     for (; x <= s.width - kGroup; x += kGroup)

@@ -194,7 +194,7 @@ void Painter::PaintRows(const Box& box, const SourceSampler* texture, uint32_t c
                         const MaskSampler* mask, bool opaque) {
   if (mask || !texture) {
     const QuadCoverage::Row row = {box.x0, box.x0, box.x1, box.x1};
-    for (int y = box.y0; y < box.y1; ++y) PaintRow(row, y, texture, color, mask, nullptr);
+    for (int y = box.y0; y < box.y1; ++y) PaintRow(row, y, box.y1, texture, color, mask, nullptr);
     return;
   }
   uint32_t scratch[kChunk];
@@ -205,6 +205,7 @@ void Painter::PaintRows(const Box& box, const SourceSampler* texture, uint32_t c
       PixelSpan span = {};
       span.src = texture->Row(x, y, part.Width(), scratch);
       span.color = color;
+      span.rowsBelow = box.y1 - next;
       blender_.Draw(part, span, opaque);
     }
   }
@@ -219,13 +220,15 @@ void Painter::PaintSlanted(const MappedQuad& quad, const Box& box, const SourceS
   for (int y = box.y0; y < box.y1; ++y) {
     QuadCoverage::Row row = coverage.Compute(y);
     if (row.solidEnd - row.solidBegin < kShort) row.solidBegin = row.solidEnd = row.end;
-    PaintRow(row, y, texture, color, mask, &coverage);
+    PaintRow(row, y, box.y1, texture, color, mask, &coverage);
   }
 }
 
-/// The pixels of row `y` that a shape covers; without `coverage` all of them are solid.
-void Painter::PaintRow(const QuadCoverage::Row& row, int y, const SourceSampler* texture,
-                       uint32_t color, const MaskSampler* mask, const QuadCoverage* coverage) {
+/// The pixels of row `y` that a shape covers, down to `bottom`; without `coverage` all of them are
+/// solid.
+void Painter::PaintRow(const QuadCoverage::Row& row, int y, int bottom,
+                       const SourceSampler* texture, uint32_t color, const MaskSampler* mask,
+                       const QuadCoverage* coverage) {
   uint32_t scratch[kChunk];
   for (int x0 = row.begin; x0 < row.end; x0 += kChunk) {
     const int x1 = std::min(x0 + kChunk, row.end);
@@ -234,8 +237,12 @@ void Painter::PaintRow(const QuadCoverage::Row& row, int y, const SourceSampler*
       begin = std::max(begin, x0);
       end = std::min(end, x1);
       if (begin >= end) return;
-      PaintRun(begin, end, y, pixels ? pixels + (begin - x0) : nullptr, color, mask,
-               solid ? nullptr : coverage->Alpha(begin));
+      PixelSpan shading = {};
+      shading.src = pixels ? pixels + (begin - x0) : nullptr;
+      shading.color = color;
+      shading.coverage = solid ? nullptr : coverage->Alpha(begin);
+      shading.rowsBelow = bottom - y - 1;
+      PaintRun(begin, end, y, shading, mask);
     };
     paint(row.begin, row.solidBegin, false);
     paint(row.solidBegin, row.solidEnd, true);
@@ -243,30 +250,26 @@ void Painter::PaintRow(const QuadCoverage::Row& row, int y, const SourceSampler*
   }
 }
 
-/// At most kChunk pixels, from `x0` to `x1` of row `y`: those at `pixels`, or of one colour where
-/// there are none. `alpha` is the shape's coverage, null where it is whole.
-void Painter::PaintRun(int x0, int x1, int y, const uint32_t* pixels, uint32_t color,
-                       const MaskSampler* mask, const uint8_t* alpha) {
+/// At most kChunk pixels, from `x0` to `x1` of row `y`, as Blender::Draw() takes them. The coverage
+/// is the shape's.
+void Painter::PaintRun(int x0, int x1, int y, PixelSpan shading, const MaskSampler* mask) {
   // Pixels that are not covered at all stay as they are even where blending is off.
+  const uint8_t*& alpha = shading.coverage;
   while (alpha && x0 < x1 && *alpha == 0) {
     ++x0;
     ++alpha;
-    if (pixels) ++pixels;
+    if (shading.src) ++shading.src;
   }
   while (alpha && x0 < x1 && alpha[x1 - x0 - 1] == 0) --x1;
   if (x0 >= x1) return;
-  PixelSpan span = {};
-  span.src = pixels;
-  span.color = color;
-  span.coverage = alpha;
   uint8_t masked[kChunk];
   if (mask) {
     const uint8_t* row = mask->Row(x0, y, x1 - x0, masked);
     for (int i = 0; alpha && i < x1 - x0; ++i)
       masked[i] = static_cast<uint8_t>(MultiplyChannel(row[i], alpha[i]));
-    span.coverage = alpha ? masked : row;
+    alpha = alpha ? masked : row;
   }
-  blender_.Draw({x0, y, x1, y + 1}, span, false);
+  blender_.Draw({x0, y, x1, y + 1}, shading, false);
 }
 
 }  // namespace ZIRK::backends

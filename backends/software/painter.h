@@ -76,10 +76,10 @@ class Painter {
                  const MaskSampler* mask, bool opaque);
   void PaintSlanted(const MappedQuad& quad, const Box& box, const SourceSampler* texture,
                     uint32_t color, const MaskSampler* mask);
-  void PaintRow(const QuadCoverage::Row& row, int y, const SourceSampler* texture, uint32_t color,
-                const MaskSampler* mask, const QuadCoverage* coverage);
-  void PaintRun(int x0, int x1, int y, const uint32_t* pixels, uint32_t color,
-                const MaskSampler* mask, const uint8_t* alpha);
+  void PaintRow(const QuadCoverage::Row& row, int y, int bottom, const SourceSampler* texture,
+                uint32_t color, const MaskSampler* mask, const QuadCoverage* coverage);
+  void PaintRun(int x0, int x1, int y, PixelSpan shading, const MaskSampler* mask);
+  void PaintPixel(int x, int y, uint32_t color);
   void DrawSlantedLine(const Hairline& line, uint32_t color);
   void DrawMaskedLine(const Hairline& line, uint32_t color, const Source& mask,
                       const LineEnds& ends);

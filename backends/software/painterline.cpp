@@ -31,16 +31,20 @@ void Painter::DrawMaskedLine(const Hairline& line, uint32_t color, const Source&
                              const LineEnds& ends) {
   const MaskPoints points(mask);
   Walk(line, clip_, [&](int x, int y, int step) {
-    const uint32_t premultiplied = ScalePixel(color, points.AlphaAt(ends.At(line, step)));
-    PaintRun(x, x + 1, y, nullptr, premultiplied, nullptr, nullptr);
+    PaintPixel(x, y, ScalePixel(color, points.AlphaAt(ends.At(line, step))));
   });
+}
+
+void Painter::PaintPixel(int x, int y, uint32_t color) {
+  PixelSpan shading = {};
+  shading.color = color;
+  blender_.Draw({x, y, x + 1, y + 1}, shading, false);
 }
 
 void Painter::DrawSlantedLine(const Hairline& line, uint32_t color) {
   const std::optional<Kernels::Operator> op = blender_.Operator(IsOpaque(color));
   if (!op) {
-    Walk(line, clip_,
-         [&](int x, int y, int) { PaintRun(x, x + 1, y, nullptr, color, nullptr, nullptr); });
+    Walk(line, clip_, [&](int x, int y, int) { PaintPixel(x, y, color); });
     return;
   }
   WithPixelTraits(target_.Format(), [&](auto traits) {
