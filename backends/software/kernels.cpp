@@ -17,6 +17,71 @@ namespace ZIRK::backends {
 
 namespace {
 
+/// RGB565 and back, of one pixel or of a vector: channels are widened by repeating their bits, and
+/// narrowed by dropping the low ones.
+template <typename P>
+ZIRK_INLINE P Widen(P p) {
+  const P red = p & 0xF800, green = p & 0x07E0, blue = p & 0x001F;
+  return red << 8 | (red << 3 & 0x070000) | green << 5 | (green >> 1 & 0x0300) | blue << 3 |
+         blue >> 2;
+}
+template <typename P>
+ZIRK_INLINE P Narrow(P p) {
+  return (p >> 8 & 0xF800) | (p >> 5 & 0x07E0) | (p >> 3 & 0x001F);
+}
+
+/// The formats of destinations, and vectors of their pixels.
+struct Argb8888 {
+  using Stored = uint32_t;
+  static constexpr int kTwoRows = backends::kTwoRows;
+  static ZIRK_INLINE Stored* Row(const PixelSpan& s, int y) { return s.dst + y * s.dstPitch; }
+  template <typename Some>
+  static ZIRK_INLINE Pixels Load(const Stored* p, const Some& pixels) {
+    return backends::Load(p, pixels);
+  }
+  template <typename Some>
+  static ZIRK_INLINE void Store(Stored* p, const Pixels& v, const Some& pixels) {
+    backends::Store(p, v, pixels);
+  }
+  template <typename F>
+  static ZIRK_INLINE void ForNarrow(const PixelSpan& s, F&& f) {
+    backends::ForNarrow(s, f);
+  }
+};
+
+/// Whether to draw on RGB565 without Pixman, which has better loops for vectors of four.
+constexpr bool kDraws565 = kLanes > 4;
+
+struct Rgb565 {
+  using Stored = uint16_t;
+  using Narrowed = uint16_t __attribute__((vector_size(2 * kLanes)));
+  static constexpr int kTwoRows = 0;
+  static ZIRK_INLINE Stored* Row(const PixelSpan& s, int y) { return s.dst565 + y * s.dstPitch; }
+  static ZIRK_INLINE Pixels Load(const Stored* p, Full) {
+    Narrowed v;
+    __builtin_memcpy(&v, p, sizeof v);
+    return Widen(__builtin_convertvector(v, Pixels));
+  }
+  static ZIRK_INLINE void Store(Stored* p, const Pixels& v, Full) {
+    const auto narrowed = __builtin_convertvector(Narrow(v), Narrowed);
+    __builtin_memcpy(p, &narrowed, sizeof narrowed);
+  }
+  static ZIRK_INLINE Pixels Load(const Stored* p, Some some) {
+    Stored pixels[kLanes] = {};
+    for (int i = 0; i < some.count; ++i) pixels[i] = p[i];
+    return Load(pixels, Full());
+  }
+  static ZIRK_INLINE void Store(Stored* p, const Pixels& v, Some some) {
+    Stored pixels[kLanes];
+    Store(pixels, v, Full());
+    for (int i = 0; i < some.count; ++i) p[i] = pixels[i];
+  }
+  template <typename F>
+  static ZIRK_INLINE void ForNarrow(const PixelSpan& s, F&& f) {
+    for (int y = 0; y < s.height; ++y) f(0, y, Some{s.width});
+  }
+};
+
 /// How far below the row that is drawn the destination is fetched. A processor fetches on its own
 /// only within a page, and rows of a wide surface lie on pages of their own.
 constexpr int kRowsAhead = 2;
@@ -27,9 +92,10 @@ constexpr int kLeastFetched = 32;
 ZIRK_INLINE int FetchEnd(const PixelSpan& s) {
   return s.width < kLeastFetched ? 0 : s.height + s.rowsBelow - kRowsAhead;
 }
+template <typename Format>
 ZIRK_INLINE void FetchBelow(const PixelSpan& s, int y) {
-  constexpr int kCacheLine = 64 / sizeof *s.dst;
-  const uint32_t* const row = s.dst + (y + kRowsAhead) * s.dstPitch;
+  constexpr int kCacheLine = 64 / sizeof(typename Format::Stored);
+  const auto* const row = Format::Row(s, y + kRowsAhead);
   for (int x = 0; x < s.width; x += kCacheLine) __builtin_prefetch(row + x, 1);
 }
 
@@ -39,34 +105,28 @@ ZIRK_INLINE void FetchBelow(const PixelSpan& s, int y) {
 /// The last vector of a row overlaps the one before. It is computed first, from the old pixels.
 /// Where memory is only written, `aligned` has the vectors start on their own boundaries: stores
 /// that straddle two cache lines are what such a loop spends its time on.
-template <typename F>
+template <typename Format, typename F>
 ZIRK_INLINE void ForEach(const PixelSpan& s, bool aligned, F&& compute) {
   const auto draw = [&](int x, int y, auto pixels) ZIRK_INLINE_LAMBDA {
     Pixels v;
-    if (compute(x, y, pixels, v)) Store(s.dst + y * s.dstPitch + x, v, pixels);
+    if (compute(x, y, pixels, v)) Format::Store(Format::Row(s, y) + x, v, pixels);
   };
-  if (s.width < kLanes) return ForNarrow(s, draw);
+  if (s.width < kLanes) return Format::ForNarrow(s, draw);
   int begin = 0;
   if (aligned && s.width >= 3 * kLanes) {
-    const auto past = reinterpret_cast<uintptr_t>(s.dst) % sizeof(Pixels) / sizeof(uint32_t);
+    constexpr size_t kPixelBytes = sizeof(typename Format::Stored);
+    const auto past = reinterpret_cast<uintptr_t>(Format::Row(s, 0)) / kPixelBytes % kLanes;
     begin = (kLanes - static_cast<int>(past)) % kLanes;
   }
   const int last = s.width - kLanes;
-  if (aligned && last <= kLanes) {
-    for (int y = 0; y < s.height; ++y) {
-      draw(0, y, Full());
-      draw(last, y, Full());
-    }
-    return;
-  }
   const int fetchEnd = FetchEnd(s);
   for (int y = 0; y < s.height; ++y) {
-    if (y < fetchEnd) FetchBelow(s, y);
+    if (y < fetchEnd) FetchBelow<Format>(s, y);
     Pixels v;
     const bool any = compute(last, y, Full(), v);
     if (begin > 0) draw(0, y, Full());
     for (int x = begin; x < last; x += kLanes) draw(x, y, Full());
-    if (any) Store(s.dst + y * s.dstPitch + last, v, Full());
+    if (any) Format::Store(Format::Row(s, y) + last, v, Full());
   }
 }
 
@@ -79,24 +139,24 @@ ZIRK_INLINE bool IsAllZero(Coverage, const Some&) {
   return false;
 }
 
-template <bool kOver, bool kCovered>
-void Fill(const PixelSpan& span) {
+template <typename Format, bool kOver, bool kCovered>
+[[gnu::noinline]] void Fill(const PixelSpan& span) {
   const PixelSpan s = span;  // a copy, which no store can reach
   const Pixels color = Splat(kOver || kCovered ? s.color : s.color | s.opaque);
   const Pixels alpha = Alphas(color), inverse = alpha ^ kLow;
   const Pixels lowColor = LowPair(color), highColor = HighPair(color);
   const bool isOpaque = s.color >> 24 == 255;
   const auto compute = [&](int x, int y, auto pixels, Pixels& v) ZIRK_INLINE_LAMBDA {
-    const uint32_t* const dst = s.dst + y * s.dstPitch + x;
+    const auto* const dst = Format::Row(s, y) + x;
     if constexpr (!kCovered) {
-      v = kOver ? AddClamped(color, Scale(Load(dst, pixels), inverse)) : color;
+      v = kOver ? AddClamped(color, Scale(Format::Load(dst, pixels), inverse)) : color;
       return true;
     }
     const Coverage bytes = LoadCoverage(s.coverage + y * s.coveragePitch + x, pixels);
     if (kOver && IsAllZero(bytes, pixels)) return false;
     const Pixels coverage = Spread(bytes);
     if constexpr (kOver) {
-      const Pixels d = Load(dst, pixels);
+      const Pixels d = Format::Load(dst, pixels);
       const Pixels rest = (isOpaque ? coverage : MultiplyPairs(alpha, coverage)) ^ kLow;
       const Pixels low = MixPairs(lowColor, coverage, LowPair(d), rest);
       const Pixels high = MixPairs(highColor, coverage, HighPair(d), rest);
@@ -106,14 +166,29 @@ void Fill(const PixelSpan& span) {
     }
     return true;
   };
-  if constexpr (kCovered && kTwoRows > 0)
-    if (s.width <= kTwoRows)
+  if constexpr (kCovered && Format::kTwoRows > 0)
+    if (s.width <= Format::kTwoRows)
       return ForTwoRows(s, [&](int x, int y, auto pixels) ZIRK_INLINE_LAMBDA {
         Pixels v;
         compute(x, y, pixels, v);
-        Store(s.dst + y * s.dstPitch + x, v, pixels);
+        Format::Store(Format::Row(s, y) + x, v, pixels);
       });
-  ForEach(s, !kOver && !kCovered, compute);
+  ForEach<Format>(s, !kOver && !kCovered, compute);
+}
+
+/// One colour that replaces others. Small rectangles are drawn apart: they need few registers.
+template <typename Format>
+void FillSource(const PixelSpan& span) {
+  if (span.width > 2 * kLanes) return Fill<Format, false, false>(span);
+  const PixelSpan s = span;  // a copy, which no store can reach
+  const Pixels color = Splat(s.color | s.opaque);
+  const auto draw = [&](int x, int y, auto pixels)
+                        ZIRK_INLINE_LAMBDA { Format::Store(Format::Row(s, y) + x, color, pixels); };
+  if (s.width < kLanes) return Format::ForNarrow(s, draw);
+  for (int y = 0; y < s.height; ++y) {
+    draw(0, y, Full());
+    draw(s.width - kLanes, y, Full());
+  }
 }
 
 ZIRK_INLINE void CopyFour(uint32_t* dst, const uint32_t* src) {
@@ -129,7 +204,7 @@ void Copy(const PixelSpan& s) {
   for (int y = 0; y < s.height; ++y) {
     uint32_t* const dst = s.dst + y * s.dstPitch;
     const uint32_t* const src = s.src + y * s.srcPitch;
-    if (y < fetchEnd) FetchBelow(s, y);
+    if (y < fetchEnd) FetchBelow<Argb8888>(s, y);
     CopyFour(dst, src);
     int x = kFour - static_cast<int>(reinterpret_cast<uintptr_t>(dst) / sizeof *dst % kFour);
     for (; x <= s.width - kGroup; x += kGroup)
@@ -139,10 +214,9 @@ void Copy(const PixelSpan& s) {
   }
 }
 
-template <bool kOver, bool kTinted, bool kCovered>
+template <typename Format, bool kOver, bool kTinted, bool kCovered>
 void Blit(const PixelSpan& span) {
   const PixelSpan s = span;  // a copy, which no store can reach
-  if (!kOver && !kTinted && !kCovered && s.opaque == 0 && s.width >= 4) return Copy(s);
   const Pixels color = Splat(s.color);
   const auto compute = [&](int x, int y, auto pixels, Pixels& v) ZIRK_INLINE_LAMBDA {
     Pixels p = Load(s.src + y * s.srcPitch + x, pixels);
@@ -154,28 +228,21 @@ void Blit(const PixelSpan& span) {
       if (!IsFull(coverage)) p = Scale(p, Spread(coverage));
     }
     if constexpr (kOver)
-      v = BlendOver(p, Load(s.dst + y * s.dstPitch + x, pixels));
+      v = BlendOver(p, Format::Load(Format::Row(s, y) + x, pixels));
     else
       v = p | s.opaque;
     return true;
   };
-  ForEach(s, !kOver && !kTinted && !kCovered, compute);
+  ForEach<Format>(s, !kOver && !kTinted && !kCovered, compute);
+}
+
+/// Pixels that replace others, as they are but for the X byte.
+void Replace(const PixelSpan& s) {
+  if (s.opaque == 0 && s.width >= 4) return Copy(s);
+  Blit<Argb8888, false, false, false>(s);
 }
 
 using FourNarrow = uint16_t __attribute__((vector_size(8)));
-
-/// RGB565 and back, of one pixel or of four: channels are widened by repeating their bits, and
-/// narrowed by dropping the low ones.
-template <typename P>
-ZIRK_INLINE P Widen(P p) {
-  const P red = p & 0xF800, green = p & 0x07E0, blue = p & 0x001F;
-  return red << 8 | (red << 3 & 0x070000) | green << 5 | (green >> 1 & 0x0300) | blue << 3 |
-         blue >> 2;
-}
-template <typename P>
-ZIRK_INLINE P Narrow(P p) {
-  return (p >> 8 & 0xF800) | (p >> 5 & 0x07E0) | (p >> 3 & 0x001F);
-}
 
 /// Calls `four(x)` for four pixels of a row at a time, the last of which may overlap those before,
 /// or else `one(x)`.
@@ -206,9 +273,10 @@ ZIRK_INLINE void NarrowRow(const uint32_t* from, int width, uint16_t* to) {
   ForFours(width, four, [=](int x) { to[x] = static_cast<uint16_t>(Narrow(from[x])); });
 }
 
-/// A colour through coverage onto RGB565, as text is drawn: by way of 32-bit pixels, as many at a
-/// time as stay close by. For what is larger Pixman has code of its own.
+/// A colour through coverage onto RGB565. What is narrow, as text, is drawn by way of 32-bit
+/// pixels, as many at a time as stay close by.
 void CoverOnto565(const PixelSpan& s) {
+  if (kDraws565 && s.width >= kLanes) return Fill<Rgb565, true, true>(s);
   uint32_t pixels[kSampleLimit];
   const int columns = s.width < kSampleLimit ? s.width : kSampleLimit;
   const int rows = kSampleLimit / columns;
@@ -223,10 +291,14 @@ void CoverOnto565(const PixelSpan& s) {
       uint16_t* const dst = s.dst565 + ptrdiff_t{y0} * s.dstPitch + x;
       for (int y = 0; y < part.height; ++y)
         WidenRow(dst + y * s.dstPitch, part.width, pixels + ptrdiff_t{y} * columns);
-      Fill<true, true>(part);
+      Fill<Argb8888, true, true>(part);
       for (int y = 0; y < part.height; ++y)
         NarrowRow(pixels + ptrdiff_t{y} * columns, part.width, dst + y * s.dstPitch);
     }
+}
+
+constexpr Kernels::SpanKernel Where565(Kernels::SpanKernel kernel) {
+  return kDraws565 ? kernel : nullptr;
 }
 
 }  // namespace
@@ -234,13 +306,14 @@ void CoverOnto565(const PixelSpan& s) {
 extern const Kernels ZIRK_KERNELS;
 
 const Kernels ZIRK_KERNELS = {
-    {{Fill<false, false>, Fill<false, true>}, {Fill<true, false>, Fill<true, true>}},
-    {{{Blit<false, false, false>, Blit<false, false, true>},
-      {Blit<false, true, false>, Blit<false, true, true>}},
-     {{Blit<true, false, false>, Blit<true, false, true>},
-      {Blit<true, true, false>, Blit<true, true, true>}}},
-    {{nullptr, nullptr}, {nullptr, CoverOnto565}},
-    {nullptr, nullptr},
+    {{FillSource<Argb8888>, Fill<Argb8888, false, true>},
+     {Fill<Argb8888, true, false>, Fill<Argb8888, true, true>}},
+    {{{Replace, Blit<Argb8888, false, false, true>},
+      {Blit<Argb8888, false, true, false>, Blit<Argb8888, false, true, true>}},
+     {{Blit<Argb8888, true, false, false>, Blit<Argb8888, true, false, true>},
+      {Blit<Argb8888, true, true, false>, Blit<Argb8888, true, true, true>}}},
+    {{Where565(FillSource<Rgb565>), nullptr}, {Where565(Fill<Rgb565, true, false>), CoverOnto565}},
+    {Where565(Blit<Rgb565, false, false, false>), Where565(Blit<Rgb565, true, false, false>)},
     SampleNearest,
     SampleBilinear,
     BlendByFactors,

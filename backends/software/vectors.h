@@ -101,6 +101,11 @@ ZIRK_INLINE Pixels Load(const uint32_t* p, Some some) {
   for (int i = 0; i < some.count; ++i) pixels[i] = p[i];
   return Load(pixels, Full());
 }
+ZIRK_INLINE Coverage LoadCoverage(const uint8_t* p, Some some) {
+  uint8_t bytes[kLanes] = {};
+  for (int i = 0; i < some.count; ++i) bytes[i] = p[i];
+  return LoadCoverage(bytes, Full());
+}
 ZIRK_INLINE void Store(uint32_t* p, const Pixels& v, Some some) {
   uint32_t pixels[kLanes];
   Store(pixels, v, Full());
