@@ -33,7 +33,7 @@ ZIRK_INLINE P Narrow(P p) {
 /// The formats of destinations, and vectors of their pixels.
 struct Argb8888 {
   using Stored = uint32_t;
-  static constexpr int kTwoRows = backends::kTwoRows;
+  static constexpr int kTwoRows = backends::kTwoRows, kTwoEnds = backends::kTwoEnds;
   static ZIRK_INLINE Stored* Row(const PixelSpan& s, int y) { return s.dst + y * s.dstPitch; }
   template <typename Some>
   static ZIRK_INLINE Pixels Load(const Stored* p, const Some& pixels) {
@@ -55,7 +55,7 @@ constexpr bool kDraws565 = kLanes > 4;
 struct Rgb565 {
   using Stored = uint16_t;
   using Narrowed = uint16_t __attribute__((vector_size(2 * kLanes)));
-  static constexpr int kTwoRows = 0;
+  static constexpr int kTwoRows = 0, kTwoEnds = 0;
   static ZIRK_INLINE Stored* Row(const PixelSpan& s, int y) { return s.dst565 + y * s.dstPitch; }
   static ZIRK_INLINE Pixels Load(const Stored* p, Full) {
     Narrowed v;
@@ -173,6 +173,12 @@ template <typename Format, bool kOver, bool kCovered>
         compute(x, y, pixels, v);
         Format::Store(Format::Row(s, y) + x, v, pixels);
       });
+  if constexpr (kCovered && Format::kTwoEnds > 0)
+    if (s.width > kLanes && s.width <= Format::kTwoEnds)
+      return ForTwoEnds(s, compute,
+                        [&](int x, int y, const Pixels& v, auto pixels) ZIRK_INLINE_LAMBDA {
+                          Format::Store(Format::Row(s, y) + x, v, pixels);
+                        });
   ForEach<Format>(s, !kOver && !kCovered, compute);
 }
 

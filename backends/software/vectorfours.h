@@ -32,6 +32,7 @@ ZIRK_INLINE Pixels InterpolatePairs(Pixels a, Pixels b, Pixels w) {
 }
 
 constexpr int kTwoRows = 0;
+constexpr int kTwoEnds = 0;
 
 }  // namespace
 

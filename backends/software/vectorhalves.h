@@ -16,7 +16,14 @@ namespace {
 template <int kCount>
 struct Halves {
   ptrdiff_t second;
+  ptrdiff_t secondCoverage;  ///< Where the coverage of the second ones is.
 };
+
+/// Those at both ends of a row.
+template <int kCount>
+ZIRK_INLINE Halves<kCount> HalvesOf(int width) {
+  return {width - kCount, width - kCount};
+}
 
 ZIRK_INLINE __m128i LoadHalves(const uint32_t* p, Halves<2> halves) {
   return _mm_unpacklo_epi64(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)),
@@ -38,7 +45,7 @@ ZIRK_INLINE void StoreHalves(uint32_t* p, __m128i v, Halves<1>) {
 ZIRK_INLINE uint32_t LoadCoverage(const uint8_t* p, Halves<2> halves) {
   uint16_t first, second;
   __builtin_memcpy(&first, p, sizeof first);
-  __builtin_memcpy(&second, p + halves.second, sizeof second);
+  __builtin_memcpy(&second, p + halves.secondCoverage, sizeof second);
   return first | uint32_t{second} << 16;
 }
 ZIRK_INLINE uint32_t LoadCoverage(const uint8_t* p, Halves<1>) {
@@ -53,8 +60,8 @@ ZIRK_INLINE void ForRows(int height, Pieces pieces, F&& f) {
 /// Calls f(0, y, halves) for each row of a span at most 4 pixels wide.
 template <typename F>
 ZIRK_INLINE void ForHalves(const PixelSpan& s, F&& f) {
-  if (s.width > 1) return ForRows(s.height, Halves<2>{s.width - 2}, f);
-  ForRows(s.height, Halves<1>{0}, f);
+  if (s.width > 1) return ForRows(s.height, HalvesOf<2>(s.width), f);
+  ForRows(s.height, HalvesOf<1>(1), f);
 }
 
 }  // namespace

@@ -18,7 +18,7 @@
 namespace ZIRK::backends {
 namespace {
 
-constexpr int kPitch = 40, kRows = 8;
+constexpr int kPitch = 40, kRows = 7;
 
 /// Random pixels, many of them extreme. If they are `valid`, no channel exceeds alpha.
 std::vector<uint32_t> RandomPixels(unsigned seed, bool valid) {
