@@ -269,6 +269,33 @@ TEST(TraceReader, UsesACutTraceAndNoChangedOne) {
     }
 }
 
+TEST(ZirktraceInfo, CountsSurfacesGlyphsAndUploads) {
+  constexpr Id kSmall{5}, kFont{6};
+  Trace trace = Begun();
+  trace
+      .Add(Operation::CreateBitmap, kContext, 4, 4, VuPixelFormat::RGB565,
+           CreatedValue{kSmall, 4, 4, VuPixelFormat::RGB565})
+      .Add(Operation::SetPixels, kSmall, VuRect{0, 0, 4, 2}, kOther, 8u, true)
+      .Add(Operation::Lock, kSurface, true, true)
+      .Add(Operation::Unlock, kSurface, true)
+      .Add(Operation::PixelsWritten, kSurface, VuRect{0, 0, 1, 1}, kOther)
+      .Add(Operation::CopyPixels, kSurface, VuPoint{}, kSmall, VuRect{0, 0, 4, 4}, true)
+      .Add(Operation::DrawText, kSurface, kFont, "n\u00F1\u00F1n", VuPoint{}, VuColor(1),
+           VuTransform(), Id::None, PointsValue<4>{}, VuRect{})
+      .Add(Operation::Close, kSmall);
+  trace.InFile();
+  const std::string info = "info CountsSurfacesGlyphsAndUploads";
+  EXPECT_THAT(Zirktrace(info).output,
+              ContainsRegex("\nglyphs: 4\ndistinct-glyphs: 2\nuploads: 2\nupload-bytes: 20\n.*"
+                            "\nsurfaces: 2\nmost-surface-bytes: 288\nsurfaces-never-read: 1\n.*"
+                            "\nsurface: 8 x 8 ARGB8888, 1 made, 256 bytes\n"
+                            "surface: 4 x 4 RGB565, 1 made, 32 bytes\n"
+                            "never-read: @2, 8 x 8 ARGB8888, 256 bytes, drawn on 3 times\n$"));
+  // A lock through which nothing is written is for reading.
+  trace.Add(Operation::Lock, kSurface, true, true).InFile();
+  EXPECT_THAT(Zirktrace(info).output, HasSubstr("surfaces-never-read: 0\n"));
+}
+
 /// Runs statements of Python in which `bench` is what was measured of a trace, and `counts` what
 /// its operations are.
 helpers::Result CheckBench(const std::string& arguments, const std::string& checks) {
