@@ -178,10 +178,10 @@ double Rate(uint64_t count, double seconds) {
 constexpr double kMillisecond = 1e-3, kMicrosecond = 1e-6;
 
 void PrintTable(const Measured& m) {
-  std::printf("backend: %s\noperations: %llu\nframes: %llu\nseconds: %.6f\n", m.backend.c_str(),
+  std::printf("backend: %s\noperations: %llu\nframes: %llu\nseconds: %.9f\n", m.backend.c_str(),
               static_cast<unsigned long long>(m.operations),
               static_cast<unsigned long long>(m.frames), m.seconds);
-  std::printf("processor-seconds: %.6f\noperations-per-second: %.1f\nframes-per-second: %.1f\n\n",
+  std::printf("processor-seconds: %.9f\noperations-per-second: %.1f\nframes-per-second: %.1f\n\n",
               m.processorSeconds, Rate(m.operations, m.seconds), Rate(m.frames, m.seconds));
   std::printf("%-26s%10s%14s%12s%8s\n", "operation", "count", "processor-ms", "us each", "share");
   for (const auto& [operation, kind] : Sorted(m))
@@ -195,7 +195,7 @@ void PrintJson(const Measured& m) {
   std::printf("{\n  \"backend\": \"%s\",\n  \"operations\": %llu,\n  \"frames\": %llu,\n",
               m.backend.c_str(), static_cast<unsigned long long>(m.operations),
               static_cast<unsigned long long>(m.frames));
-  std::printf("  \"seconds\": %.6f,\n  \"processor-seconds\": %.6f,\n", m.seconds,
+  std::printf("  \"seconds\": %.9f,\n  \"processor-seconds\": %.9f,\n", m.seconds,
               m.processorSeconds);
   std::printf("  \"operations-per-second\": %.1f,\n  \"frames-per-second\": %.1f,\n  \"kinds\": [",
               Rate(m.operations, m.seconds), Rate(m.frames, m.seconds));
