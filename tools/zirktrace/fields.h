@@ -19,7 +19,7 @@
 
 namespace ZIRK::trace {
 
-// What a parameter of a row is on its way to and from the file.
+// Values that are made of several.
 
 struct FileValue {
   const char* path = nullptr;
@@ -43,38 +43,20 @@ struct ValueOf {
   using Type = W;
 };
 template <class W>
-using Value = typename ValueOf<W>::Type;
-#define ZIRK_TRACE_VALUE(parameter, type) \
-  template <>                             \
-  struct ValueOf<parameter> {             \
-    using Type = type;                    \
-  }
-ZIRK_TRACE_VALUE(Text, const char*);
-ZIRK_TRACE_VALUE(Source, Id);
-ZIRK_TRACE_VALUE(Mask, Id);
-ZIRK_TRACE_VALUE(Font, Id);
-ZIRK_TRACE_VALUE(File, FileValue);
-ZIRK_TRACE_VALUE(Data, Id);
-ZIRK_TRACE_VALUE(Size, uint32_t);
-ZIRK_TRACE_VALUE(Into, std::monostate);
-ZIRK_TRACE_VALUE(Stream, std::monostate);
-ZIRK_TRACE_VALUE(Filled, std::monostate);
-ZIRK_TRACE_VALUE(Layers, std::vector<LayerDescription>);
-ZIRK_TRACE_VALUE(NewBitmap, CreatedValue);
-ZIRK_TRACE_VALUE(NewScreen, CreatedValue);
-#undef ZIRK_TRACE_VALUE
-template <int N>
-struct ValueOf<Points<N>> {
-  using Type = PointsValue<N>;
+concept HasValue = requires {
+  typename W::Value;
 };
-template <class T>
-struct ValueOf<Out<T>> {
-  using Type = T;
+template <HasValue W>
+struct ValueOf<W> {
+  using Type = typename W::Value;
 };
 template <>
 struct ValueOf<void> {
   using Type = std::monostate;
 };
+/// What a trace has for a parameter or result of a row.
+template <class W>
+using Value = typename ValueOf<W>::Type;
 
 /// 0 for a format that is none.
 constexpr uint32_t BytesPerPixel(VuPixelFormat format) {

@@ -25,41 +25,25 @@ KnownSurface Know(VuBitmapImpl* surface);
 std::pair<VuBitmapImpl*, CreatedValue> Wrap(VuBitmapImpl* real, Id context);
 std::pair<VuScreenImpl*, CreatedValue> Wrap(VuScreenImpl* real, Id context);
 
-/// What a row's parameter is in C++.
 template <class W>
 struct GivenAs {
   using Type = W;
 };
 template <class W>
+concept HasGiven = requires {
+  typename W::Given;
+};
+template <HasGiven W>
+struct GivenAs<W> {
+  using Type = typename W::Given;
+};
+template <>
+struct GivenAs<VuScreenDescription> {
+  using Type = const VuScreenDescription&;
+};
+/// What a row's parameter or result is in C++.
+template <class W>
 using Given = typename GivenAs<W>::Type;
-#define ZIRK_TRACE_GIVEN(parameter, type) \
-  template <>                             \
-  struct GivenAs<parameter> {             \
-    using Type = type;                    \
-  }
-ZIRK_TRACE_GIVEN(Text, const char*);
-ZIRK_TRACE_GIVEN(Source, VuBitmapImpl*);
-ZIRK_TRACE_GIVEN(Mask, VuBitmapImpl*);
-ZIRK_TRACE_GIVEN(Font, VuFontImpl*);
-ZIRK_TRACE_GIVEN(File, const char*);
-ZIRK_TRACE_GIVEN(Data, const void*);
-ZIRK_TRACE_GIVEN(Size, unsigned);
-ZIRK_TRACE_GIVEN(Into, void*);
-ZIRK_TRACE_GIVEN(Stream, std::ostream&);
-ZIRK_TRACE_GIVEN(Layers, const LayerDescription*);
-ZIRK_TRACE_GIVEN(Filled, LayerDescription*);
-ZIRK_TRACE_GIVEN(VuScreenDescription, const VuScreenDescription&);
-ZIRK_TRACE_GIVEN(NewBitmap, VuBitmapImpl*);
-ZIRK_TRACE_GIVEN(NewScreen, VuScreenImpl*);
-#undef ZIRK_TRACE_GIVEN
-template <int N>
-struct GivenAs<Points<N>> {
-  using Type = VuTVector2D<float>*;
-};
-template <class T>
-struct GivenAs<Out<T>> {
-  using Type = T&;
-};
 
 /// What the real operation gets for an argument.
 template <class W, class T>

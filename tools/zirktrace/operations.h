@@ -3,6 +3,9 @@
 #include <zirk/backend.h>
 
 #include <cstdint>
+#include <iosfwd>
+#include <variant>
+#include <vector>
 
 /// @file
 /// The operations of a trace, each in one row: its number in the file, what calls it and what its
@@ -13,29 +16,91 @@ namespace ZIRK::trace {
 /// A number that stands for a context, a surface, a font, a compositor or a content.
 enum class Id : uint32_t { None = 0 };
 
-// What a parameter is in a trace where its type does not say that. Other types stand for
-// themselves.
+// What a parameter or result is where its type alone does not say that: a type with what a trace
+// has for it, and with what the operation is given or gives. Other types stand for themselves.
 
-struct Text {};    ///< A string that ends with 0, or null.
-struct Source {};  ///< A surface.
-struct Mask {};    ///< A surface, or null.
-struct Font {};    ///< A font of the library.
-struct File {};    ///< A path, and the content of its file.
-struct Data {};    ///< A content; the parameter after it is its Size.
-struct Size {};    ///< Bytes of the Data before it.
-struct Into {};    ///< Where pixels go: nothing is recorded.
-struct Stream {};  ///< Where text goes: nothing is recorded.
-struct Layers {};  ///< Layers; the parameter after it is their number.
-struct Filled {};  ///< Where layers go: nothing is recorded.
+struct FileValue;
+struct CreatedValue;
 template <int N>
-struct Points {};  ///< So many points, or null.
+struct PointsValue;
+
+/// A string that ends with 0, or null.
+struct Text {
+  using Value = const char*;
+  using Given = const char*;
+};
+/// A surface.
+struct Source {
+  using Value = Id;
+  using Given = VuBitmapImpl*;
+};
+/// A surface, or null.
+struct Mask {
+  using Value = Id;
+  using Given = VuBitmapImpl*;
+};
+/// A font of the library.
+struct Font {
+  using Value = Id;
+  using Given = VuFontImpl*;
+};
+/// A path, and the content of its file.
+struct File {
+  using Value = FileValue;
+  using Given = const char*;
+};
+/// A content; the parameter after it is its Size.
+struct Data {
+  using Value = Id;
+  using Given = const void*;
+};
+/// Bytes of the Data before it.
+struct Size {
+  using Value = uint32_t;
+  using Given = unsigned;
+};
+/// Where pixels go: nothing is recorded.
+struct Into {
+  using Value = std::monostate;
+  using Given = void*;
+};
+/// Where text goes: nothing is recorded.
+struct Stream {
+  using Value = std::monostate;
+  using Given = std::ostream&;
+};
+/// Layers; the parameter after it is their number.
+struct Layers {
+  using Value = std::vector<LayerDescription>;
+  using Given = const LayerDescription*;
+};
+/// Where layers go: nothing is recorded.
+struct Filled {
+  using Value = std::monostate;
+  using Given = LayerDescription*;
+};
+/// So many points, or null.
+template <int N>
+struct Points {
+  using Value = PointsValue<N>;
+  using Given = VuTVector2D<float>*;
+};
+/// What the operation stores.
 template <class T>
-struct Out {};  ///< What the operation stores.
-
-// Results.
-
-struct NewBitmap {};  ///< A surface, which the trace knows by a new Id from then on.
-struct NewScreen {};  ///< The same for a screen.
+struct Out {
+  using Value = T;
+  using Given = T&;
+};
+/// A surface, which the trace knows by a new Id from then on.
+struct NewBitmap {
+  using Value = CreatedValue;
+  using Given = VuBitmapImpl*;
+};
+/// The same for a screen.
+struct NewScreen {
+  using Value = CreatedValue;
+  using Given = VuScreenImpl*;
+};
 
 // The rows: number, name in the trace, operation, result, const, number of parameters, parameters.
 // The numbers are part of the format: a new operation gets a new one.
