@@ -1,5 +1,6 @@
 #pragma once
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
@@ -36,6 +37,19 @@ inline Result Run(const std::string& folder, const std::string& command) {
   const int status = pipe ? pclose(pipe) : -1;
   if (WIFEXITED(status)) result.status = WEXITSTATUS(status);
   return result;
+}
+
+/// What a tool is asked, and how it answers.
+struct Case {
+  const char* arguments;
+  int status;
+  const char* pattern;  ///< Somewhere in the output.
+  const char* prefix = "";
+};
+
+inline void ExpectAnswer(const Case& asked, const Result& result) {
+  EXPECT_EQ(result.status, asked.status) << asked.arguments << '\n' << result.output;
+  EXPECT_THAT(result.output, testing::ContainsRegex(asked.pattern)) << asked.arguments;
 }
 
 }  // namespace ZIRK::helpers

@@ -18,14 +18,7 @@ helpers::Result Zirkinfo(const std::string& arguments, const std::string& prefix
   return helpers::Run(helpers::FolderOf("zirkinfo_test"), prefix + " " ZIRKINFO " " + arguments);
 }
 
-struct Case {
-  const char* arguments;
-  int status;
-  const char* pattern;  ///< Somewhere in the output.
-  const char* prefix = "";
-};
-
-const Case kCases[] = {
+const helpers::Case kCases[] = {
     {"--version", 0, "^zirkinfo " ZIRK_VERSION "\n$"},
     {"--help", 0, "Exit status: 0"},
     {"-h", 0, "Exit status: 0"},
@@ -96,15 +89,13 @@ const Case kCases[] = {
      "^zirkinfo: no/a.png: No such file or directory\n"},
 };
 
-class Answer : public testing::TestWithParam<Case> {};
+class Answer : public testing::TestWithParam<helpers::Case> {};
 INSTANTIATE_TEST_SUITE_P(, Answer, testing::ValuesIn(kCases), [](const auto& row) {
   return helpers::ToName(std::string("zirkinfo ") + row.param.arguments);
 });
 
 TEST_P(Answer, IsAsTheManualSays) {
-  const helpers::Result result = Zirkinfo(GetParam().arguments, GetParam().prefix);
-  EXPECT_EQ(result.status, GetParam().status);
-  EXPECT_THAT(result.output, ContainsRegex(GetParam().pattern));
+  helpers::ExpectAnswer(GetParam(), Zirkinfo(GetParam().arguments, GetParam().prefix));
 }
 
 /// On a screen, which some of them draw in another way than a bitmap.

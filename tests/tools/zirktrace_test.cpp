@@ -138,14 +138,8 @@ TEST(ZirktraceProgram, NamesTheFirstOperationThatDiffers) {
   EXPECT_FALSE(FileBytes("differs/differs-2-Stub.png").empty());
 }
 
-struct Case {
-  const char* arguments;
-  int status;
-  const char* pattern;
-};
-
 TEST(ZirktraceProgram, AnswersAsItsManualSays) {
-  const Case cases[] = {
+  const helpers::Case cases[] = {
       {"--version", 0, "^zirktrace " ZIRK_VERSION "\n$"},
       {"-h", 0, "Exit status: 0"},
       {"", 2, "^zirktrace: a command is missing; [^\n]*\n$"},
@@ -166,11 +160,8 @@ TEST(ZirktraceProgram, AnswersAsItsManualSays) {
       {"record -o a.zirktrace -- true -o b", 1, "^zirktrace: true: opened no backend of the"},
       {"record -o /dev/full $EXAMPLES/01-minimal", 1, "zirktrace: /dev/full: No space left"},
   };
-  for (const Case& c : cases) {
-    const helpers::Result result = Zirktrace(c.arguments);
-    EXPECT_EQ(result.status, c.status) << c.arguments << '\n' << result.output;
-    EXPECT_THAT(result.output, ContainsRegex(c.pattern)) << c.arguments;
-  }
+  for (const helpers::Case& asked : cases)
+    helpers::ExpectAnswer(asked, Zirktrace(asked.arguments));
 }
 
 struct Played {
@@ -282,15 +273,18 @@ TEST(ZirktraceInfo, CountsSurfacesGlyphsAndUploads) {
       .Add(Operation::CopyPixels, kSurface, VuPoint{}, kSmall, VuRect{0, 0, 4, 4}, true)
       .Add(Operation::DrawText, kSurface, kFont, "n\u00F1\u00F1n", VuPoint{}, VuColor(1),
            VuTransform(), Id::None, PointsValue<4>{}, VuRect{})
-      .Add(Operation::Close, kSmall);
+      .Add(Operation::Close, kSmall)
+      .Add(Operation::CreateScreenAs, kContext, VuScreenDescription{8, 4, 0, 2, {}, false},
+           CreatedValue{Id{7}, 8, 4, VuPixelFormat::A8});
   trace.InFile();
   const std::string info = "info CountsSurfacesGlyphsAndUploads";
-  EXPECT_THAT(Zirktrace(info).output,
-              ContainsRegex("\nglyphs: 4\ndistinct-glyphs: 2\nuploads: 2\nupload-bytes: 20\n.*"
-                            "\nsurfaces: 2\nmost-surface-bytes: 288\nsurfaces-never-read: 1\n.*"
-                            "\nsurface: 8 x 8 ARGB8888, 1 made, 256 bytes\n"
-                            "surface: 4 x 4 RGB565, 1 made, 32 bytes\n"
-                            "never-read: @2, 8 x 8 ARGB8888, 256 bytes, drawn on 3 times\n$"));
+  EXPECT_THAT(
+      Zirktrace(info).output,
+      ContainsRegex("\nglyphs: 4\ndistinct-glyphs: 2\nuploads: 2\nupload-bytes: 20\n.*"
+                    "\nsurfaces: 3\nmost-surface-bytes: 288\nsurfaces-never-read: 1\n.*"
+                    "\nsurface: 8 x 8 ARGB8888, 1 made, 256 bytes\n"
+                    "surface: 8 x 4 A8, 1 made, 32 bytes\nsurface: 4 x 4 RGB565, 1 made, 32 bytes\n"
+                    "never-read: @2, 8 x 8 ARGB8888, 256 bytes, drawn on 3 times\n$"));
   // A lock through which nothing is written is for reading.
   trace.Add(Operation::Lock, kSurface, true, true).InFile();
   EXPECT_THAT(Zirktrace(info).output, HasSubstr("surfaces-never-read: 0\n"));

@@ -20,7 +20,7 @@ double Seconds(clockid_t clock) {
   return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * kNanosecond;
 }
 
-/// Of all threads: drivers draw by their own.
+/// Of all threads, as drivers draw by threads of their own.
 double ProcessorSeconds() {
   return Seconds(CLOCK_PROCESS_CPUTIME_ID);
 }
@@ -36,8 +36,8 @@ double CostOfReading() {
 /// Records of one frame that were read ahead, so that reading is not measured.
 class Batch {
  public:
-  /// Replaces them by the next ones: up to the end of their frame, or so many that they take some
-  /// memory. False where there are none.
+  /// Replaces them by the next ones: up to the end of their frame, or until they take 16 MiB. False
+  /// where there are none.
   bool Read(OpenedTrace& trace, uint64_t lastFrame) {
     constexpr size_t kEnough = size_t{16} << 20;
     records_.clear();

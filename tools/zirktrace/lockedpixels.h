@@ -8,8 +8,7 @@
 
 namespace ZIRK::trace {
 
-/// The pixels of a surface as they were when it was locked, by which is found what the program
-/// wrote.
+/// The pixels of a surface as they were when it was locked, to find what the program wrote.
 class LockedPixels {
  public:
   /// To be called when the surface is locked for writing. Copies its pixels, unless they are known.

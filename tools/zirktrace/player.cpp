@@ -297,7 +297,7 @@ void Player::Open(PlayedFont& font) {
   Apply(font, font.fallbackFile != nullptr);
 }
 
-/// Gives a font what it was given. Another fallback font makes it forget its glyphs.
+/// Gives a font the style of the trace. Another fallback font makes it forget its glyphs.
 void Player::Apply(const PlayedFont& font, bool hasOtherFallback) {
   constexpr float kUnits = 64;
   font.impl->SetOutlineType(font.outlineType);
@@ -338,7 +338,7 @@ bool Player::DoOpenContext(Decoder&, Id id, const char* file, bool flag) {
   return true;
 }
 
-/// Layers are those of one backend; with others the screens are drawn alone.
+/// Only OpenGLES2 has layers; by other backends the screens are drawn and not composed.
 bool Player::DoOpenCompositor(Decoder&, Id id, const char*, bool flag) {
   compositors_[id].reset();
   if (opened_ != BackendName(BackendType::OpenGLES2)) return true;

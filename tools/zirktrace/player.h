@@ -13,7 +13,8 @@
 
 namespace ZIRK::trace {
 
-/// The contents that a trace can name, each with its bytes. The oldest go as in the recording.
+/// The contents that a trace can name, each with its bytes. The oldest are dropped when the
+/// recording dropped them.
 class Contents {
  public:
   void Add(Id id, std::span<const uint8_t> bytes);
@@ -65,7 +66,7 @@ class Player {
     VuPixelFormat recordedFormat{};
     std::unique_ptr<VuBitmap> bitmap;  ///< Owns the implementation.
   };
-  /// Fonts are not deleted in a trace, but what they keep of a context is when that is.
+  /// A trace does not delete fonts, but what they keep of a context is deleted with it.
   struct PlayedFont {
     std::shared_ptr<const MemoryFile> file, fallbackFile;
     int faceIndex = 0, pixelSize = 0;

@@ -69,7 +69,7 @@ bool Drain(Ring& ring, TraceWriter& writer) {
 bool WriteTrace(Ring& ring, TraceWriter& writer, pid_t program, int& status) {
   bool isWritten = true, hasEnded = false;
   for (Clock::time_point flushed = Clock::now(); !hasEnded;) {
-    // Looked at first: what it did before its end is in the ring then.
+    // Looked at first: all that the program did before its end is then in the ring.
     hasEnded = waitpid(program, &status, isWritten ? WNOHANG : 0) == program;
     if (!isWritten) continue;
     isWritten = Drain(ring, writer);

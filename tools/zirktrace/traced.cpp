@@ -6,7 +6,7 @@ namespace ZIRK::trace {
 
 namespace {
 
-/// Information is asked of the real surface, which the program did not.
+/// The real surface is asked for its information, which is not recorded: the program did not ask.
 template <class Traced, class Base>
 std::pair<Base*, CreatedValue> WrapAs(Base* real, Id context) {
   if (!real) return {};

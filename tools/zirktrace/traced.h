@@ -33,7 +33,7 @@ class TracedSurface : public Base, private Described {
   ZIRK_TRACE_DRAWING_OPERATIONS(ZIRK_TRACE_OVERRIDE_DRAWING)
 #undef ZIRK_TRACE_OVERRIDE_DRAWING
 
-  // The real surface tells two of the four factors.
+  // The real surface tells only two of the four factors.
 
   void SetBlendingFunc(VuBlendingFactor src, VuBlendingFactor dst) override {
     factors_.reset();
