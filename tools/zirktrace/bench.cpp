@@ -197,7 +197,7 @@ void PrintJson(const Measured& m) {
               static_cast<unsigned long long>(m.frames));
   std::printf("  \"seconds\": %.9f,\n  \"processor-seconds\": %.9f,\n", m.seconds,
               m.processorSeconds);
-  std::printf("  \"operations-per-second\": %.1f,\n  \"frames-per-second\": %.1f,\n  \"kinds\": [",
+  std::printf("  \"operations-per-second\": %.3f,\n  \"frames-per-second\": %.3f,\n  \"kinds\": [",
               Rate(m.operations, m.seconds), Rate(m.frames, m.seconds));
   const char* separator = "\n";
   for (const auto& [operation, kind] : Sorted(m)) {
