@@ -160,8 +160,7 @@ TEST(ZirktraceProgram, AnswersAsItsManualSays) {
       {"record -o a.zirktrace -- true -o b", 1, "^zirktrace: true: opened no backend of the"},
       {"record -o /dev/full $EXAMPLES/01-minimal", 1, "zirktrace: /dev/full: No space left"},
   };
-  for (const helpers::Case& asked : cases)
-    helpers::ExpectAnswer(asked, Zirktrace(asked.arguments));
+  for (const helpers::Case& asked : cases) helpers::ExpectAnswer(asked, Zirktrace(asked.arguments));
 }
 
 struct Played {
