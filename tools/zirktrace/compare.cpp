@@ -1,11 +1,7 @@
-#include <zirk/kit/pictures.h>
-
-#include <algorithm>
 #include <filesystem>
-#include <optional>
-#include <set>
 
 #include "commands.h"
+#include "comparison.h"
 #include "openedtrace.h"
 #include "printer.h"
 
@@ -17,42 +13,34 @@ namespace {
 class Pair {
  public:
   explicit Pair(const CommandLine& line)
-      : line_(line), trace_(line.operands[2]), a_(line.operands[0]), b_(line.operands[1]) {}
+      : line_(line),
+        trace_(line.operands[2]),
+        comparison_(line.operands[0], line.operands[1], line.worst) {}
 
   /// False at the end, and where something cannot be carried out: IsSound() tells.
   bool Next(Record& record) {
     return isSound_ && trace_.Next(record) && record.frame <= line_.lastFrame;
   }
-  bool Play(const Record& record) { return PlayBy(a_, record) && PlayBy(b_, record); }
+  bool Play(const Record& record) {
+    if (comparison_.Play(record)) return true;
+    trace_.Report(record, comparison_.Failed());
+    return isSound_ = false;
+  }
   /// To be asked once, at the end.
   bool IsSound() const { return isSound_ && trace_.Report(); }
 
-  bool IsSurface(Id id) { return a_.Find(id) != nullptr; }
-  /// Nothing where the surfaces of this number agree, or are not there any more.
-  std::optional<kit::Difference> Differ(Id surface) {
-    VuBitmap *const a = a_.Find(surface), *const b = b_.Find(surface);
-    if (!a || !b) return std::nullopt;
-    const auto difference = kit::Compare(*a, *b);
-    if (difference && difference->worst <= line_.worst) return std::nullopt;
-    return difference ? difference : kit::Difference{255, 255, {}};
-  }
+  Comparison& Players() { return comparison_; }
 
   /// Writes both surfaces of this number. False, with a line, where that cannot be.
   bool Save(Id surface) {
-    const bool isFirstSaved = SaveOne(a_, surface, line_.operands[0], "-1");
-    return SaveOne(b_, surface, line_.operands[1], "-2") && isFirstSaved;
+    const auto [a, b] = comparison_.Find(surface);
+    const bool isFirstSaved = SaveOne(a, line_.operands[0], "-1");
+    return SaveOne(b, line_.operands[1], "-2") && isFirstSaved;
   }
 
  private:
-  bool PlayBy(Player& player, const Record& record) {
-    if (player.Play(record)) return true;
-    trace_.Report(record, player);
-    return isSound_ = false;
-  }
-
   /// The names of the backends may be the same.
-  bool SaveOne(Player& player, Id surface, const std::string& backend, const char* which) {
-    VuBitmap* const bitmap = player.Find(surface);
+  bool SaveOne(VuBitmap* bitmap, const std::string& backend, const char* which) {
     const std::string path = (std::filesystem::path(line_.pngFolder) /
                               ("differs" + std::string(which) + "-" + backend + ".png"))
                                  .string();
@@ -66,33 +54,20 @@ class Pair {
 
   const CommandLine& line_;
   OpenedTrace trace_;
-  Player a_, b_;
+  Comparison comparison_;
   bool isSound_ = true;
 };
 
 /// The first frame at whose end a surface differs that was drawn on in it; 0 if none does.
 uint64_t FindFrame(Pair& pair, uint64_t firstFrame) {
-  std::set<Id> drawn;
   uint64_t frame = 0;
-  const auto differs = [&] {
-    return std::any_of(drawn.begin(), drawn.end(), [&](Id id) { return pair.Differ(id); });
-  };
-  // What is about to go is looked at, a surface alone, a context with its surfaces.
-  const auto goesDifferent = [&](Id id) {
-    return pair.IsSurface(id) ? drawn.count(id) > 0 && pair.Differ(id) : differs();
-  };
   for (Record record; pair.Next(record);) {
     const Id object = ObjectOf(record);
     if (record.frame >= firstFrame) frame = record.frame;
-    if (ChangesPixels(record.operation)) drawn.insert(object);
-    const bool isShown = record.operation == Operation::SwapBuffers;
-    const bool goes = record.operation == Operation::Close;
-    if (frame > 0 && ((isShown && differs()) || (goes && goesDifferent(object)))) return frame;
-    if (isShown) drawn.clear();
-    if (goes) drawn.erase(object);
+    if (pair.Players().DiffersBefore(record, frame > 0)) return frame;
     if (!pair.Play(record)) return 0;
   }
-  return frame > 0 && differs() ? frame : 0;
+  return frame > 0 && pair.Players().DiffersAtEnd() ? frame : 0;
 }
 
 /// Says after which operation of a frame the backends differ first, and writes both pictures.
@@ -101,7 +76,7 @@ bool ShowDifference(Pair& pair, uint64_t frame) {
     const bool isOfFrame = record.frame == frame && ChangesPixels(record.operation);
     if (!pair.Play(record)) return false;
     if (!isOfFrame) continue;
-    const auto difference = pair.Differ(ObjectOf(record));
+    const auto difference = pair.Players().Differ(ObjectOf(record));
     if (!difference) continue;
     std::printf("operation: %s\nworst: %d at %d,%d\nmean: %.4f\n", ToLine(record).c_str(),
                 difference->worst, difference->worstAt.x, difference->worstAt.y, difference->mean);
