@@ -1,4 +1,4 @@
-// A trace, read and replayed. The input is the trace's records, or a file with them. Operations
+// A trace, read, replayed and looked at. The input is the trace's records, or a file with them. Operations
 // that cannot be carried out are skipped, so that the others are reached.
 
 #include <zstd.h>
@@ -7,8 +7,10 @@
 #include <string>
 
 #include "input.h"
+#include "tools/zirktrace/hints.h"
 #include "tools/zirktrace/player.h"
 #include "tools/zirktrace/tracefile.h"
+#include "tools/zirktrace/writecounts.h"
 
 using namespace ZIRK;
 using namespace ZIRK::trace;
@@ -57,8 +59,18 @@ void Replay(const std::string& file) {
   std::istringstream stream(file);
   TraceReader reader(stream);
   Player player("FB");
-  for (Record record; reader.Next(record);)
-    if (IsWorthPlaying(record)) player.Play(record);
+  Coverage coverage(player);
+  Hints hints(player, coverage);
+  FrameCounts counts;
+  for (Record record; reader.Next(record);) {
+    if (!IsWorthPlaying(record)) continue;
+    coverage.Follow(record);
+    counts.Count(record, player, coverage);
+    hints.Before(record);
+    player.Play(record);
+    hints.After(record);
+  }
+  hints.Found();
 }
 
 /// A file with these records.

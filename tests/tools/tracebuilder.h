@@ -32,6 +32,7 @@ class TraceBuilder {
     bytes_.insert(bytes_.end(), body.begin(), body.end());
     return *this;
   }
+  std::vector<uint8_t>& Bytes() { return bytes_; }
   /// Writes it to a file.
   void Save(const std::string& path) const {
     const auto writer = TraceWriter::Create(path);

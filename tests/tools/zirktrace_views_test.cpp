@@ -34,13 +34,19 @@ constexpr VuPixelFormat kArgb = VuPixelFormat::ARGB8888;
 const VuTransform kStraight;
 const PointsValue<4> kNoPoints;
 
-/// A screen of 8 x 8 pixels, a transparent bitmap of 4 x 4, and a mask with half of its pixels.
-TraceBuilder Begun() {
+/// A screen of 8 x 8 pixels.
+TraceBuilder Screen() {
   TraceBuilder trace;
   trace.Add(Operation::OpenContext, kContext, "libZIRKImplFB.so", false)
       .Add(Operation::CreateScreenAs, kContext, VuScreenDescription{8, 8, 0, 2, kArgb, false},
-           CreatedValue{kScreen, 8, 8, kArgb})
-      .Add(Operation::CreateBitmap, kContext, 4, 4, kArgb, CreatedValue{kBitmap, 4, 4, kArgb})
+           CreatedValue{kScreen, 8, 8, kArgb});
+  return trace;
+}
+
+/// That, a transparent bitmap of 4 x 4, and a mask with half of its pixels.
+TraceBuilder Begun() {
+  TraceBuilder trace = Screen();
+  trace.Add(Operation::CreateBitmap, kContext, 4, 4, kArgb, CreatedValue{kBitmap, 4, 4, kArgb})
       .Add(Operation::CreateBitmap, kContext, 2, 1, VuPixelFormat::A8,
            CreatedValue{kMask, 2, 1, VuPixelFormat::A8})
       .Add(Operation::Content, kBytes, uint16_t{0xFF00})
@@ -162,14 +168,14 @@ TEST(ZirktraceOverdraw, DrawsAMapWithALegend) {
   for (int i = 0; i < 9; ++i) EXPECT_EQ(pixel(8 + i * step, 8 + 8), kHeatColors[i]) << i;
 }
 
-/// A font from the tests' own, with glyphs of which few have room in an atlas.
-TraceBuilder& AddFont(TraceBuilder& trace) {
+/// A font from the tests' own, by default with glyphs of which few have room in an atlas.
+TraceBuilder& AddFont(TraceBuilder& trace, int size = 700) {
   std::ifstream file(ZIRK_TEST_FONTS "/sans.ttf", std::ios::binary);
   std::string bytes{std::istreambuf_iterator<char>(file), {}};
   bytes.insert(0, "\7\0\0\0", 4);
   trace.AddRaw(static_cast<uint32_t>(kHeadSize - 4 + bytes.size()), Operation::Content,
                {reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()});
-  return trace.Add(Operation::MakeFont, kFont, Id{7}, 0, 700, false, false);
+  return trace.Add(Operation::MakeFont, kFont, Id{7}, 0, size, false, false);
 }
 
 TraceBuilder& AddText(TraceBuilder& trace, const char* text) {
@@ -320,6 +326,28 @@ TEST(ZirktraceReport, HoldsNothingThatTheTraceCouldRun) {
   size_t scripts = 0;
   for (size_t at = 0; (at = page.find("</script", at)) != std::string::npos; ++at) ++scripts;
   EXPECT_EQ(scripts, 2u);
+}
+
+/// A trace with a bit changed is refused, or is another trace. Sanitizers see the rest.
+TEST(ZirktraceViews, RefuseOrUseChangedTraces) {
+  TraceBuilder trace = Begun();
+  AddText(AddFont(trace, 9), "A").Add(Operation::Clear, kScreen);
+  trace.Add(Operation::SetClippingRect, kScreen, VuRect{1, 1, 5, 5});
+  AddRect(AddObject(trace, {0, 0, 8, 8}, {0, 0, 4, 4}), {0, 0, 8, 8}, 0xFFFFFFFF, kStraight, kMask);
+  AddObject(trace, {0, 0, 4, 4}, {0, 0, 8, 8}, kScreen);
+  trace.Add(Operation::CopyPixels, kScreen, VuPoint{6, -1}, kBitmap, VuRect{0, 0, 4, 4}, true)
+      .Add(Operation::SwapBuffers, kScreen);
+  EXPECT_EQ(HintsOf(trace), "");
+  int refused = 0;
+  for (size_t at = 0; at < trace.Bytes().size(); ++at) {
+    // The font's own bytes are FreeType's.
+    if (at > 300 && at < trace.Bytes().size() - 600) continue;
+    const auto bit = static_cast<uint8_t>(1 << at % 8);
+    trace.Bytes()[at] ^= bit;
+    refused += HintsOf(trace).empty() ? 0 : 1;
+    trace.Bytes()[at] ^= bit;
+  }
+  EXPECT_GT(refused, 100);
 }
 
 struct Case {

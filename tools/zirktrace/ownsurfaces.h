@@ -10,7 +10,7 @@ namespace ZIRK::trace {
 /// that made them, and made again when they are asked for.
 class OwnSurfaces {
  public:
-  /// Their numbers go down from `last`, as traces count from the other end.
+  /// Their numbers go down from `last`, which is far above kLastId.
   OwnSurfaces(Player& player, uint32_t last) : player_(player), last_(last) {}
 
   /// To be called with each record of the trace, which open and close contexts.

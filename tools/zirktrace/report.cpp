@@ -127,7 +127,7 @@ class Report {
   Player player_{"FB"};
   Coverage coverage_{player_};
   Hints hints_{player_, coverage_};
-  OwnSurfaces own_{player_, UINT32_MAX / 2};
+  OwnSurfaces own_{player_, UINT32_MAX - 1000};
   Frame frame_;
   FrameCounts counts_;
   uint64_t begin_ = 0, latest_ = 0;  ///< Nanoseconds: the frame, and the record before.

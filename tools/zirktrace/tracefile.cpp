@@ -144,12 +144,21 @@ bool TraceReader::Next(Record& record) {
 /// Whether the fields are those of the operation.
 bool TraceReader::CheckFields(const Record& record) {
   Decoder decoder(record.fields);
-  const auto read = [&](auto value) { Transfer(decoder, value); };
+  Id largest = Id::None;
+  const auto read = [&](auto value) {
+    Transfer(decoder, value);
+    if constexpr (std::is_same_v<decltype(value), Id>) largest = std::max(largest, value);
+    if constexpr (std::is_same_v<decltype(value), CreatedValue>)
+      largest = std::max(largest, value.id);
+    if constexpr (std::is_same_v<decltype(value), FileValue>)
+      largest = std::max(largest, value.content);
+  };
   if (HasObject(record.operation)) read(Id{});
   WithFields(record.operation, [&]<class Result, class... W>() {
     (read(Value<W>{}), ...);
     read(Value<Result>{});
   });
+  if (largest > kLastId) return false;
   return record.operation == Operation::Content ? decoder.IsRight() : decoder.IsDone();
 }
 

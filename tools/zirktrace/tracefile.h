@@ -26,6 +26,9 @@ constexpr size_t kContentWindow = size_t{256} << 20;
 /// Longer records are refused; the longest have a content.
 constexpr size_t kLongestRecord = kContentWindow + 64;
 
+/// The largest number of an object or content. Those above it are left to what replays a trace.
+constexpr Id kLastId{INT32_MAX};
+
 /// Bytes of what each record begins with.
 constexpr size_t kHeadSize = 16;
 
