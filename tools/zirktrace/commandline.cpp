@@ -20,6 +20,7 @@ constexpr char kHelp[] =
        zirktrace info FILE
        zirktrace overdraw --frame N [--surface NUMBER] -o PNG FILE
        zirktrace report [--frames A-B] -o HTML FILE
+       zirktrace trim [--worst STEPS] -o SMALL A B FILE
 
 record     runs a program and writes down what it draws; a trace holds the
            program's fonts, texts and pictures
@@ -28,6 +29,7 @@ dump       prints the operations of a trace, one a line
 info       says what is in a trace
 overdraw   draws how often each pixel of a frame was written
 report     writes a page with the frames, what they cost, and hints
+trim       makes the smallest trace that the backends A and B draw differently
 
   -o, --output FILE  what is written; record names it after the program unless given
   --backend NAME     the backend that draws, that of the recording unless given
@@ -98,6 +100,7 @@ const Command* FindCommand(const std::string& name) {
       {"info", {}, 1},
       {"overdraw", {kOutput, kFrames, kSurface}, 1},
       {"report", {kOutput, kFrames}, 1},
+      {"trim", {kOutput, kWorst}, 3},
   };
   for (const Command& command : kCommands)
     if (name == command.name) return &command;
@@ -182,7 +185,7 @@ int Check(const CommandLine& line, const std::vector<int>& used) {
     return kTool.Wrong("--%s goes with --bench", kTool.NameOf(kJson));
   if (line.command == "overdraw" && (line.output.empty() || line.firstFrame != line.lastFrame))
     return kTool.Wrong("'%s' needs --output and one --frame", command->name);
-  if (line.command == "report" && line.output.empty())
+  if ((line.command == "report" || line.command == "trim") && line.output.empty())
     return kTool.Wrong("'%s' needs --output", command->name);
   return kDone;
 }

@@ -13,5 +13,6 @@ int DumpTrace(const CommandLine& line);
 int ShowTrace(const CommandLine& line);
 int ShowOverdraw(const CommandLine& line);
 int WriteReport(const CommandLine& line);
+int TrimTrace(const CommandLine& line);
 
 }  // namespace ZIRK::trace

@@ -15,6 +15,7 @@ int RunCommand(const CommandLine& line) {
   if (line.measures) return MeasureReplay(line);
   if (line.command == "overdraw") return ShowOverdraw(line);
   if (line.command == "report") return WriteReport(line);
+  if (line.command == "trim") return TrimTrace(line);
   return line.compares ? CompareBackends(line) : ReplayTrace(line);
 }
 
