@@ -22,12 +22,17 @@ std::optional<kit::Difference> Comparison::Differ(Id surface) {
 }
 
 bool Comparison::DiffersBefore(const Record& record, bool looks) {
-  if (ChangesPixels(record.operation)) drawn_.insert(ObjectOf(record));
-  // Before surfaces go, and before the next picture covers this one.
+  const Id object = ObjectOf(record);
+  if (ChangesPixels(record.operation)) drawn_.insert(object);
   const bool isShown = record.operation == Operation::SwapBuffers;
-  const bool isLastLook = isShown || record.operation == Operation::Close;
-  const bool differs = looks && isLastLook && DiffersAtEnd();
+  const bool goes = record.operation == Operation::Close;
+  // What is about to go is looked at: a surface alone, a context with its surfaces.
+  const bool goesAlone = goes && a_.Find(object);
+  const bool differs = looks && (goesAlone ? drawn_.count(object) > 0 && Differ(object)
+                                           : (isShown || goes) && DiffersAtEnd());
+  // The next picture covers this one.
   if (isShown) drawn_.clear();
+  if (goes) drawn_.erase(object);
   return differs;
 }
 
