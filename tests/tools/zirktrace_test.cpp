@@ -10,7 +10,8 @@
 
 #include "player.h"
 #include "program.h"
-#include "tracebuilder.h"
+#include "trace.h"
+#include "tracefile.h"
 
 namespace ZIRK::trace {
 namespace {
@@ -183,8 +184,8 @@ Played Play(const std::string& bytes) {
 
 constexpr Id kContext{1}, kSurface{2}, kOther{3}, kNothing{99};
 
-TraceBuilder Begun() {
-  TraceBuilder trace;
+Trace Begun() {
+  Trace trace;
   trace.Add(Operation::OpenContext, kContext, "libZIRKImplFB.so", false)
       .Add(Operation::CreateBitmap, kContext, 8, 8, VuPixelFormat::ARGB8888,
            CreatedValue{kSurface, 8, 8, VuPixelFormat::ARGB8888})
@@ -194,7 +195,7 @@ TraceBuilder Begun() {
 
 TEST(TraceReader, RefusesWhatIsNoTrace) {
   const VuRect part{0, 0, 8, 8};
-  const std::tuple<const char*, TraceBuilder, const char*> cases[] = {
+  const std::tuple<const char*, Trace, const char*> cases[] = {
       {"length", Begun().AddRaw(0xFFFFFFFF, Operation::Clear),
        "operation 4: a length of 4294967295"},
       {"short", Begun().AddRaw(3, Operation::Clear), "operation 4: a length of 3"},
@@ -237,11 +238,11 @@ TEST(TraceReader, RefusesWhatIsNoTrace) {
 
 /// Several blocks, cut and changed at every byte.
 TEST(TraceReader, UsesACutTraceAndNoChangedOne) {
-  TraceBuilder trace = Begun();
+  Trace trace = Begun();
   for (int i = 0; i < 5; ++i) trace.Add(Operation::ClearTo, kSurface, VuColor(uint32_t(i)));
   std::string whole = trace.InFile();
   const size_t block = whole.size();
-  whole += TraceBuilder().Add(Operation::Clear, kSurface).InFile().substr(12);
+  whole += Trace().Add(Operation::Clear, kSurface).InFile().substr(12);
   for (size_t size = 0; size <= whole.size(); ++size) {
     const Played cut = Play(whole.substr(0, size));
     EXPECT_EQ(cut.problem, size < 12 ? "no trace" : "") << size;

@@ -16,7 +16,7 @@
 #include "hints.h"
 #include "player.h"
 #include "program.h"
-#include "tracebuilder.h"
+#include "trace.h"
 
 namespace ZIRK::trace {
 namespace {
@@ -36,8 +36,8 @@ const VuTransform kStraight;
 const PointsValue<4> kNoPoints;
 
 /// A screen of 8 x 8 pixels.
-TraceBuilder Screen() {
-  TraceBuilder trace;
+Trace Screen() {
+  Trace trace;
   trace.Add(Operation::OpenContext, kContext, "libZIRKImplFB.so", false)
       .Add(Operation::CreateScreenAs, kContext, VuScreenDescription{8, 8, 0, 2, kArgb, false},
            CreatedValue{kScreen, 8, 8, kArgb});
@@ -45,8 +45,8 @@ TraceBuilder Screen() {
 }
 
 /// That, a transparent bitmap of 4 x 4, and a mask with half of its pixels.
-TraceBuilder Begun() {
-  TraceBuilder trace = Screen();
+Trace Begun() {
+  Trace trace = Screen();
   trace.Add(Operation::CreateBitmap, kContext, 4, 4, kArgb, CreatedValue{kBitmap, 4, 4, kArgb})
       .Add(Operation::CreateBitmap, kContext, 2, 1, VuPixelFormat::A8,
            CreatedValue{kMask, 2, 1, VuPixelFormat::A8})
@@ -55,20 +55,19 @@ TraceBuilder Begun() {
   return trace;
 }
 
-TraceBuilder& AddRect(TraceBuilder& trace, const VuRect& rect, VuColor color,
-                      const VuTransform& transform = kStraight, Id mask = Id::None) {
+Trace& AddRect(Trace& trace, const VuRect& rect, VuColor color,
+               const VuTransform& transform = kStraight, Id mask = Id::None) {
   return trace.Add(Operation::DrawRect, kScreen, rect, color, transform, mask, kNoPoints);
 }
 
-TraceBuilder& AddObject(TraceBuilder& trace, const VuRect& to, const VuRect& from,
-                        Id source = kBitmap) {
+Trace& AddObject(Trace& trace, const VuRect& to, const VuRect& from, Id source = kBitmap) {
   return trace.Add(Operation::DrawObject, kScreen, to, source, from, kStraight, VuColor{0x00FFFFFF},
                    Id::None, kNoPoints);
 }
 
 /// Plays a trace and says what its last operation that draws writes: how many pixels, in which
 /// rectangle, and how many of them whatever was there; or the problem.
-std::string LastWritten(const TraceBuilder& trace) {
+std::string LastWritten(const Trace& trace) {
   std::istringstream stream(trace.InFile());
   TraceReader reader(stream);
   Player player("FB");
@@ -102,17 +101,17 @@ TEST(ZirktraceCoverage, CountsWhatAnOperationWritesOrBlends) {
   const VuRect middle{2, 2, 4, 4}, whole{0, 0, 4, 4};
   const VuColor red{0xFFFF0000}, none{0x00000000}, half{0x80FF0000};
   const auto with = [](auto... fields) { return std::move(Begun().Add(fields...)); };
-  const auto rect = [](TraceBuilder trace, const VuRect& r, VuColor color,
+  const auto rect = [](Trace trace, const VuRect& r, VuColor color,
                        const VuTransform& transform = kStraight,
                        Id mask = Id::None) { return AddRect(trace, r, color, transform, mask); };
-  const TraceBuilder clipped = with(Operation::SetClippingRect, kScreen, VuRect{-4, 3, 8, 9});
-  const TraceBuilder unblended = with(Operation::SetBlendEnabled, kScreen, false);
+  const Trace clipped = with(Operation::SetClippingRect, kScreen, VuRect{-4, 3, 8, 9});
+  const Trace unblended = with(Operation::SetBlendEnabled, kScreen, false);
   const auto added =
       with(Operation::SetBlendingFunc, kScreen, VuBlendingFactor::One, VuBlendingFactor::One);
   const auto multiplied = with(Operation::SetBlendingFunc, kScreen, VuBlendingFactor::Zero,
                                VuBlendingFactor::OneMinusDstAlpha);
-  TraceBuilder object = Begun(), beyond = Begun(), self = Begun();
-  const std::tuple<const char*, TraceBuilder, const char*> cases[] = {
+  Trace object = Begun(), beyond = Begun(), self = Begun();
+  const std::tuple<const char*, Trace, const char*> cases[] = {
       {"opaque", rect(Begun(), middle, red), "16 in 2,2-6,6, 16 replaced"},
       {"half", rect(Begun(), middle, half), "16 in 2,2-6,6"},
       {"transparent", rect(Begun(), middle, none), "16 in 2,2-6,6"},
@@ -127,10 +126,9 @@ TEST(ZirktraceCoverage, CountsWhatAnOperationWritesOrBlends) {
       {"object", AddObject(object, middle, {0, 0, 2, 2}), "16 in 2,2-6,6"},
       {"beyond", AddObject(beyond, middle, {2, 2, 4, 4}), "4 in 2,2-4,4"},
       {"self", AddObject(self, middle, {0, 0, 8, 8}, kScreen), "16 in 2,2-6,6"},
-      {"clear", TraceBuilder(clipped).Add(Operation::Clear, kScreen), "64 in 0,0-8,8, 64 replaced"},
+      {"clear", Trace(clipped).Add(Operation::Clear, kScreen), "64 in 0,0-8,8, 64 replaced"},
       {"copy",
-       TraceBuilder(clipped).Add(Operation::CopyPixels, kScreen, VuPoint{6, -1}, kBitmap, whole,
-                                 true),
+       Trace(clipped).Add(Operation::CopyPixels, kScreen, VuPoint{6, -1}, kBitmap, whole, true),
        "6 in 6,0-8,3, 6 replaced"},
       {"pixels", with(Operation::SetPixels, kMask, VuRect{1, 0, 1, 1}, kBytes, 1u, true),
        "1 in 1,0-2,1"},
@@ -145,7 +143,7 @@ TEST(ZirktraceCoverage, CountsWhatAnOperationWritesOrBlends) {
 }
 
 TEST(ZirktraceOverdraw, DrawsAMapWithALegend) {
-  TraceBuilder trace = Begun();
+  Trace trace = Begun();
   trace.Add(Operation::Clear, kScreen).Add(Operation::SwapBuffers, kScreen);
   AddRect(AddRect(trace, {0, 0, 8, 8}, 0), {0, 0, 4, 8}, 0);
   for (int i = 0; i < 9; ++i) AddRect(trace, {7, 7, 1, 1}, 0);
@@ -170,7 +168,7 @@ TEST(ZirktraceOverdraw, DrawsAMapWithALegend) {
 }
 
 /// A font from the tests' own, by default with glyphs of which few have room in an atlas.
-TraceBuilder& AddFont(TraceBuilder& trace, int size = 700) {
+Trace& AddFont(Trace& trace, int size = 700) {
   std::ifstream file(ZIRK_TEST_FONTS "/sans.ttf", std::ios::binary);
   std::string bytes{std::istreambuf_iterator<char>(file), {}};
   bytes.insert(0, "\7\0\0\0", 4);
@@ -179,13 +177,13 @@ TraceBuilder& AddFont(TraceBuilder& trace, int size = 700) {
   return trace.Add(Operation::MakeFont, kFont, Id{7}, 0, size, false, false);
 }
 
-TraceBuilder& AddText(TraceBuilder& trace, const char* text) {
+Trace& AddText(Trace& trace, const char* text) {
   return trace.Add(Operation::DrawText, kScreen, kFont, text, VuPoint{-200, -200},
                    VuColor{0xFFFFFFFF}, kStraight, Id::None, kNoPoints, VuRect{});
 }
 
 /// The hints of a trace, a line each, without what they say of the surface.
-std::string HintsOf(const TraceBuilder& trace) {
+std::string HintsOf(const Trace& trace) {
   std::istringstream stream(trace.InFile());
   TraceReader reader(stream);
   Player player("FB");
@@ -207,8 +205,8 @@ TEST(ZirktraceHints, AreWhatWasMeasured) {
   const VuRect left{0, 0, 4, 8}, right{4, 0, 4, 8}, all{0, 0, 8, 8}, small{0, 0, 4, 4};
   const VuColor red{0xFFFF0000}, half{0x80FF0000};
   /// Frames, each after a clearing.
-  const auto frames = [](int count, const std::function<void(TraceBuilder&, int)>& draw) {
-    TraceBuilder trace = Begun();
+  const auto frames = [](int count, const std::function<void(Trace&, int)>& draw) {
+    Trace trace = Begun();
     for (int i = 0; i < count; ++i) {
       draw(trace.Add(Operation::ClearTo, kScreen, VuColor{0xFF000000}), i);
       trace.Add(Operation::SwapBuffers, kScreen);
@@ -216,12 +214,12 @@ TEST(ZirktraceHints, AreWhatWasMeasured) {
     return trace;
   };
   const auto rects = [&](const std::vector<std::pair<VuRect, VuColor>>& drawn) {
-    return frames(2, [&](TraceBuilder& trace, int) {
+    return frames(2, [&](Trace& trace, int) {
       for (const auto& [rect, color] : drawn) AddRect(trace, rect, color);
     });
   };
   const auto blits = [&](int count, const std::function<VuRect(int)>& to, bool changes) {
-    return frames(count, [&](TraceBuilder& trace, int i) {
+    return frames(count, [&](Trace& trace, int i) {
       if (changes) trace.Add(Operation::ClearTo, kBitmap, VuColor{uint32_t(i)});
       AddObject(trace, to(i), small);
     });
@@ -229,31 +227,31 @@ TEST(ZirktraceHints, AreWhatWasMeasured) {
   const std::string over =
       "2 in 2 from 7: What clears @2, a screen of 8 \u00D7 8 ARGB8888 is drawn";
   const std::string scaled = "@3, a bitmap of 4 \u00D7 4 ARGB8888 is scaled by 2 \u00D7 0.5";
-  TraceBuilder text = Begun(), converted = Begun();
+  Trace text = Begun(), converted = Begun();
   AddFont(text);
   for (int i = 0; i < 3; ++i) AddText(AddText(text, "ABCDEFGH"), "abcdefghmnop");
   converted.Add(Operation::CreateBitmap, kContext, 4, 4, VuPixelFormat::RGB565,
                 CreatedValue{Id{9}, 4, 4, VuPixelFormat::RGB565});
   for (int i = 0; i < 2; ++i)
     AddObject(converted, small, small, Id{9}).Add(Operation::SwapBuffers, kScreen);
-  const std::tuple<const char*, TraceBuilder, std::string> cases[] = {
+  const std::tuple<const char*, Trace, std::string> cases[] = {
       {"opaque", rects({{all, red}}), over},
       {"opaque parts", rects({{left, red}, {right, red}, {all, half}}), over},
       {"blended", rects({{all, half}}), ""},
       {"blended first", rects({{left, half}, {all, red}}), ""},
       {"part", rects({{left, red}}), ""},
-      {"cleared again",
-       frames(2, [](TraceBuilder& trace, int) { trace.Add(Operation::Clear, kScreen); }), over},
+      {"cleared again", frames(2, [](Trace& trace, int) { trace.Add(Operation::Clear, kScreen); }),
+       over},
       {"read",
        frames(2,
-              [&](TraceBuilder& trace, int) {
+              [&](Trace& trace, int) {
                 trace.Add(Operation::GetPixels, kScreen, all, true);
                 AddRect(trace, all, red);
               }),
        ""},
       {"its own source",
        frames(2,
-              [&](TraceBuilder& trace, int) {
+              [&](Trace& trace, int) {
                 AddObject(trace, small, small, kScreen);
                 AddRect(trace, all, red);
               }),
@@ -312,7 +310,7 @@ TEST(ZirktraceHints, AreWhatWasMeasured) {
 
 /// The page's own test is scripts/test-report.
 TEST(ZirktraceReport, HoldsNothingThatTheTraceCouldRun) {
-  TraceBuilder trace = Begun();
+  Trace trace = Begun();
   trace.Add(Operation::SetName, kScreen,
             "</script><script>alert('\xFF \xC3\xA9 \xF0\x9F\x98\x80')");
   trace.Add(Operation::Clear, kScreen).Add(Operation::SwapBuffers, kScreen);
@@ -338,7 +336,7 @@ TEST(ZirktraceTrim, KeepsWhatTheDifferenceNeeds) {
     return Zirktrace("dump trimmed.zirktrace | sed 's/.* ms //; s/(.*//; s/.*\\.//' | tr '\\n' ' '")
         .output;
   };
-  TraceBuilder trace = Screen();
+  Trace trace = Screen();
   AddRect(trace, {9, 9, 1, 1}, 0xFFFFFFFF).Add(Operation::SwapBuffers, kScreen);
   AddText(AddFont(trace), "A").Add(Operation::SwapBuffers, kScreen);
   AddRect(trace, {0, 0, 8, 8}, 0xFFFFFFFF).Save(kFolder + "/drawn.zirktrace");
@@ -362,7 +360,7 @@ TEST(ZirktraceTrim, KeepsWhatTheDifferenceNeeds) {
 
 /// A trace with a bit changed is refused, or is another trace. Sanitizers see the rest.
 TEST(ZirktraceViews, RefuseOrUseChangedTraces) {
-  TraceBuilder trace = Begun();
+  Trace trace = Begun();
   AddText(AddFont(trace, 9), "A").Add(Operation::Clear, kScreen);
   trace.Add(Operation::SetClippingRect, kScreen, VuRect{1, 1, 5, 5});
   AddRect(AddObject(trace, {0, 0, 8, 8}, {0, 0, 4, 4}), {0, 0, 8, 8}, 0xFFFFFFFF, kStraight, kMask);

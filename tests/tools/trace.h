@@ -1,30 +1,29 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <cstdio>
 #include <fstream>
 #include <iterator>
 #include <string>
 #include <vector>
 
 #include "fields.h"
+#include "program.h"
 #include "tracefile.h"
 
 namespace ZIRK::trace {
 
-/// Makes a trace of these records.
-class TraceBuilder {
+/// A trace of these records.
+class Trace {
  public:
   template <class... T>
-  TraceBuilder& Add(Operation operation, T... fields) {
+  Trace& Add(Operation operation, T... fields) {
     Encoder body;
     (Transfer(body, fields), ...);
     return AddRaw(static_cast<uint32_t>(kHeadSize - 4 + body.Bytes().size()), operation,
                   body.Bytes());
   }
-  TraceBuilder& AddRaw(uint32_t length, Operation operation, std::span<const uint8_t> body = {}) {
+  Trace& AddRaw(uint32_t length, Operation operation, std::span<const uint8_t> body = {}) {
     Encoder head;
     RecordHead values{length, operation, 0, 0};
     Transfer(head, values);
@@ -38,14 +37,13 @@ class TraceBuilder {
     const auto writer = TraceWriter::Create(path);
     ASSERT_TRUE(writer && writer->Add(bytes_) && writer->Flush());
   }
-  /// As a file has it.
+  /// As a file has it, which is named after the test.
   std::string InFile() const {
-    const std::string path = testing::TempDir() + "tracebuilder-" + std::to_string(getpid());
+    const std::string path = helpers::FolderOf("zirktrace_test") + '/' +
+                             testing::UnitTest::GetInstance()->current_test_info()->name();
     Save(path);
     std::ifstream file(path, std::ios::binary);
-    std::string bytes{std::istreambuf_iterator<char>(file), {}};
-    std::remove(path.c_str());
-    return bytes;
+    return {std::istreambuf_iterator<char>(file), {}};
   }
 
  private:
