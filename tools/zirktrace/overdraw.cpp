@@ -1,5 +1,7 @@
 #include <zirk/kit/pictures.h>
 
+#include <algorithm>
+
 #include "commands.h"
 #include "heatmap.h"
 #include "openedtrace.h"
@@ -30,6 +32,26 @@ bool CountFrame(const CommandLine& line, FrameCounts& counts) {
   return false;
 }
 
+/// How much was written on which surfaces, the most first.
+void PrintWritten(const FrameCounts& frame) {
+  constexpr size_t kMostSurfaces = 10;
+  std::vector<std::pair<uint64_t, Id>> sums;
+  for (const auto& [id, counts] : frame.Surfaces()) sums.emplace_back(counts.Sum(), id);
+  std::sort(sums.rbegin(), sums.rend());
+  uint64_t others = 0;
+  for (size_t i = 0; i < sums.size(); ++i) {
+    const auto [sum, id] = sums[i];
+    if (i >= kMostSurfaces)
+      others += sum;
+    else
+      std::printf("written on %u: %llu\n", static_cast<uint32_t>(id),
+                  static_cast<unsigned long long>(sum));
+  }
+  if (sums.size() > kMostSurfaces)
+    std::printf("written on %zu others: %llu\n", sums.size() - kMostSurfaces,
+                static_cast<unsigned long long>(others));
+}
+
 bool SaveMap(const WriteCounts& counts, const std::string& path) {
   const std::unique_ptr<VuGraphics> graphics(VuGraphics::Create("FB", false));
   const std::unique_ptr<VuBitmap> picture(graphics ? DrawHeatWithLegend(*graphics, counts)
@@ -53,9 +75,7 @@ int ShowOverdraw(const CommandLine& line) {
   const WriteCounts& counts = found->second;
   std::printf("surface: %u\nmean: %.4f\nmost: %u\n", static_cast<uint32_t>(asked), counts.Mean(),
               counts.Most());
-  for (const auto& [id, others] : frame.Surfaces())
-    std::printf("written on %u: %llu\n", static_cast<uint32_t>(id),
-                static_cast<unsigned long long>(others.Sum()));
+  PrintWritten(frame);
   return SaveMap(counts, line.output) ? kDone : kFailed;
 }
 

@@ -22,7 +22,7 @@ namespace {
 // What a page has at most, so that a browser can show it.
 constexpr size_t kMostFrames = 5000;              // Afterwards the trace is left.
 constexpr size_t kMostDetail = size_t{24} << 20;  // Bytes of pictures and operations.
-constexpr size_t kMostOperations = 2000;          // Of a frame.
+constexpr size_t kMostOperations = 5000;          // Of a frame.
 constexpr size_t kLongestText = 400;              // Characters of an operation.
 constexpr size_t kMostHints = 100;
 constexpr int kPictureWidth = 400, kPictureHeight = 400;
