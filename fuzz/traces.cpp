@@ -1,5 +1,5 @@
-// A trace, read, replayed and looked at. The input is the trace's records, or a file with them. Operations
-// that cannot be carried out are skipped, so that the others are reached.
+// A trace, read, replayed and looked at. The input is the trace's records, or a file with them.
+// Operations that cannot be carried out are skipped, so that the others are reached.
 
 #include <zstd.h>
 

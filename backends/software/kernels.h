@@ -24,8 +24,8 @@ struct PixelSpan {
   uint32_t color = 0;                 ///< Colour drawn, or multiplied with each source pixel.
   const uint8_t* coverage = nullptr;  ///< 0 to 255 for each pixel.
   ptrdiff_t coveragePitch = 0;
-  uint32_t opaque = 0;         ///< 0xFF000000 for a destination without alpha, else 0.
-  int rowsBelow = 0;           ///< How many more rows follow this span at once, at the same columns.
+  uint32_t opaque = 0;  ///< 0xFF000000 for a destination without alpha, else 0.
+  int rowsBelow = 0;    ///< How many more rows follow this span at once, at the same columns.
   uint16_t* dst565 = nullptr;  ///< Instead of `dst`, for a destination of RGB565.
 };
 

@@ -62,7 +62,6 @@ class Pair {
 uint64_t FindFrame(Pair& pair, uint64_t firstFrame) {
   uint64_t frame = 0;
   for (Record record; pair.Next(record);) {
-    const Id object = ObjectOf(record);
     if (record.frame >= firstFrame) frame = record.frame;
     if (pair.Players().DiffersBefore(record, frame > 0)) return frame;
     if (!pair.Play(record)) return 0;
