@@ -23,8 +23,8 @@
 ///   kTwoRows             The largest width at which ForTwoRows() handles two rows of coverage at a
 ///                        time, as glyphs often allow. 0 if there is no ForTwoRows().
 ///   ForTwoRows(span, f)  The same as ForNarrow() for such a span, without source pixels.
-///   kTwoEnds             The largest width of spans wider than a vector that ForTwoEnds() handles. 0
-///                        if there is no ForTwoEnds().
+///   kTwoEnds             The largest width of spans wider than a vector that ForTwoEnds() handles.
+///                        0 if there is no ForTwoEnds().
 ///   ForTwoEnds(span, compute, store)
 ///                        Calls store(x, y, v, pixels) for all vectors of such a span, without
 ///                        source pixels, if compute(x, y, pixels, v) returns true.

@@ -14,25 +14,19 @@ TEST(MachineFonts, AreFoundByFamilyAndStyle) {
   const std::string log = helpers::LoggedAt(3, [] { FindFont("any"); });
   for (const char* const lack : {"libfontconfig.so.1 does not open", "without fontconfig"})
     if (log.find(lack) != std::string::npos) GTEST_SKIP() << log;
-  const struct {
-    std::string_view family;
-    bool bold, italic;
-    const char* file;
-    int faceIndex = 0;
-  } cases[] = {
-      {"ZIRK Test Sans", false, false, "sans.ttf"},
-      {"ZIRK Test Sans", true, false, "sansbold.ttf"},
-      {"ZIRK Test Sans", false, true, "sansoblique.ttf"},
-      {std::string_view("ZIRK Test CJK and more").substr(0, 13), true, true, "cjk.ttf"},
-      {"ZIRK Test Two", false, false, "collection.ttc", 1},
-      {"sans-serif", true, false, "sansbold.ttf"},
-  };
-  for (const auto& c : cases) {
-    const auto found = FindFont(c.family, c.bold, c.italic);
+  const auto expect = [](std::string_view family, bool bold, bool italic, const char* file,
+                         int faceIndex = 0) {
+    const auto found = FindFont(family, bold, italic);
     ASSERT_TRUE(found);
-    EXPECT_EQ(found->path, helpers::FontFile(c.file));
-    EXPECT_EQ(found->faceIndex, c.faceIndex);
-  }
+    EXPECT_EQ(found->path, helpers::FontFile(file));
+    EXPECT_EQ(found->faceIndex, faceIndex);
+  };
+  expect("ZIRK Test Sans", false, false, "sans.ttf");
+  expect("ZIRK Test Sans", true, false, "sansbold.ttf");
+  expect("ZIRK Test Sans", false, true, "sansoblique.ttf");
+  expect(std::string_view("ZIRK Test CJK and more").substr(0, 13), true, true, "cjk.ttf");
+  expect("ZIRK Test Two", false, false, "collection.ttc", 1);
+  expect("sans-serif", true, false, "sansbold.ttf");
   EXPECT_TRUE(FindFont("no such family")) << "as fontconfig has it";
 }
 

@@ -260,22 +260,17 @@ INSTANTIATE_TEST_SUITE_P(Kms, KmsDrivers, testing::ValuesIn(kDrivers),
                          [](const auto& row) { return row.param.name; });
 
 TEST_F(Kms, TakesTheModeOfThePicture) {
-  const struct {
-    int width, height;
-    Rotation rotation;
-    const char* mode;
-    int shownWidth;
-  } cases[] = {{0, 0, Rotation::None, "64x16", 64},
-               {40, 30, Rotation::None, "40x30", 40},
-               {41, 30, Rotation::None, "64x16", 64},
-               {30, 40, Rotation::Quarter, "40x30", 30},
-               {16, 64, Rotation::ThreeQuarters, "64x16", 16},
-               {40, 30, Rotation::Half, "40x30", 40}};
-  for (const auto& c : cases) {
-    const auto display = Open({.width = c.width, .height = c.height, .rotation = c.rotation});
-    EXPECT_STREQ(fake_.mode.name, c.mode);
-    EXPECT_EQ(display->Width(), c.shownWidth);
-  }
+  const auto expect = [&](int width, int height, Rotation rotation, const char* mode, int shown) {
+    const auto display = Open({.width = width, .height = height, .rotation = rotation});
+    EXPECT_STREQ(fake_.mode.name, mode);
+    EXPECT_EQ(display->Width(), shown);
+  };
+  expect(0, 0, Rotation::None, "64x16", 64);
+  expect(40, 30, Rotation::None, "40x30", 40);
+  expect(41, 30, Rotation::None, "64x16", 64);
+  expect(30, 40, Rotation::Quarter, "40x30", 30);
+  expect(16, 64, Rotation::ThreeQuarters, "64x16", 16);
+  expect(40, 30, Rotation::Half, "40x30", 40);
 }
 
 TEST_F(Kms, LeavesADisplayToItsOwner) {

@@ -182,17 +182,15 @@ TEST(Image, FitsABoxThatASurfaceCanFill) {
 
 TEST(BrokenImage, IsReportedByPathAndReason) {
   const std::string longPath = std::string(3000, 'd') + "/last.png";
-  const struct {
-    const char *path, *message;
-  } cases[] = {{nullptr, "cannot read (null): no path is given"},
-               {ZIRK_TEST_IMAGES "no.png", "images/no.png: No such file or directory"},
-               {ZIRK_TEST_IMAGES, "images/: Is a directory"},
-               {"/dev/null", "cannot read /dev/null: it is empty"},
-               {ZIRK_TEST_IMAGES "README.md", "README.md: unknown image format"},
-               {longPath.c_str(), "d/last.png: File name too long"}};
-  for (const auto& c : cases)
-    EXPECT_TRUE(
-        LogsOneError(c.message, [&] { EXPECT_FALSE(Decode(Image::Open(c.path), 9, 9, {})); }));
+  const auto expect = [](const char* path, const char* message) {
+    EXPECT_TRUE(LogsOneError(message, [&] { EXPECT_FALSE(Decode(Image::Open(path), 9, 9, {})); }));
+  };
+  expect(nullptr, "cannot read (null): no path is given");
+  expect(ZIRK_TEST_IMAGES "no.png", "images/no.png: No such file or directory");
+  expect(ZIRK_TEST_IMAGES, "images/: Is a directory");
+  expect("/dev/null", "cannot read /dev/null: it is empty");
+  expect(ZIRK_TEST_IMAGES "README.md", "README.md: unknown image format");
+  expect(longPath.c_str(), "d/last.png: File name too long");
 }
 
 std::string NameOf(const Bytes& file) {
