@@ -337,6 +337,7 @@ TEST_P(Model, AFrameLooksTheSameHoweverItIsSent) {
       if (what / 16 == 12)
         target->DrawObject(VuRect{x, y, 24, 20}, *src, {0, 0, 20, 20}, VuTransform(), color, *other,
                            i % 2 ? beyond : nullptr);
+      if (what / 4 == 48) FillWithNoise(*other, {0, 0, 9, 9}, unsigned(i));
       if (what / 16 == 13) target->DrawLine({x, y}, {x + 9, y - 5}, color);
       if (what / 2 == 120) src->SetPixels({0, 0, 1, 1}, &color, 4);
       if (what / 2 == 121) src->CopyPixels({1, 2}, *other, {0, 0, 9, 9});

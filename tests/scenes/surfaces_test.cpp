@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <cstring>
-#include <functional>
 #include <string>
 #include <thread>
 #include <utility>
@@ -10,7 +9,7 @@
 
 #include "helpers/logged.h"
 #include "helpers/pixels.h"
-#include "scenes/modelcheck.h"
+#include "scenes/backends.h"
 #include "scenes/operations.h"
 
 namespace ZIRK::scenes {
@@ -134,72 +133,6 @@ TEST_P(Surfaces, WhateverDrawsIsInTheNextPictureAndTheNextFrame) {
     screen->SwapBuffers();
     EXPECT_EQ(PixelsOf(*screen), drawn);
   }
-}
-
-TEST_P(Surfaces, WhatIsDrawnComesBeforeWhatChangesAfterwards) {
-  using Bitmap = std::unique_ptr<VuBitmap>;
-  Bitmap target, other, source, mask;
-  const VuRect left{1, 1, 24, 24}, right{22, 3, 32, 32}, eight{0, 0, 8, 8}, one{4, 0, 1, 8};
-  const VuRect some{30, 1, 9, 9};
-  const VuColor glass{0x80FF8040};
-  const VuPoint corner{2, 2};
-  const Pixels blue(8, 0xFF0000FFu);
-  const auto noise = [&](Format format, unsigned seed) {
-    Bitmap made = New(8, 8, format);
-    FillWithNoise(*made, made->GetBounds(), seed);
-    return made;
-  };
-  const std::function<void()> changes[] = {
-      [&] { source->SetScaleMode(VuScaleMode::Bilinear); },
-      [&] { source->SetScaleMode(VuScaleMode::Nearest); },
-      [&] { mask->SetScaleMode(VuScaleMode::Bilinear); },
-      [&] { source->SetPixels(one, blue.data(), 4); },
-      [&] { mask->SetPixels(one, blue.data(), 1); },
-      [&] { target->SetPixels(one, blue.data(), 4); },
-      [&] { source->CopyPixels(corner, *mask, eight); },
-      [&] { mask->CopyPixels(corner, *source, eight); },
-      [&] { target->CopyPixels(corner, *source, eight); },
-      [&] { source->DrawRect(one, white); },
-      [&] { mask->DrawRect(one, VuColor{0}), mask->Clear(); },
-      [&] { source = noise(Format::ARGB8888, 5); },
-      [&] { mask = noise(Format::A8, 6); },
-      [&] { other->Clear(white); },
-      [&] { other.reset(), other = New(9, 9); },
-      [&] { target->SetBlendEnabled(false); },
-      [&] { target->SetBlendingFunc(VuBlendingFactor::One, VuBlendingFactor::BlendColor); },
-      [&] { target->SetBlendColor(VuColor{0x80FF4020}); },
-      [&] { target->SetClippingRect(left); },
-  };
-  const std::function<void()> draws[] = {
-      [&] { target->DrawObject(left, *source, eight, VuTransform(), white, *mask, nullptr); },
-      [&] { target->DrawObject(right, *source, eight), target->DrawRect(some, glass); },
-      [&] { other->DrawRect(left, white); },
-  };
-  for (const auto& change : changes)
-    for (const size_t variant : {0, 1, 2, 3, 4, 5}) {
-      const bool filtered = variant % 2 != 0;
-      SCOPED_TRACE(std::to_string(&change - changes) + ", " + std::to_string(variant));
-      const auto drawn = [&](bool readBetween) {
-        target = New(60, 40), other = New(60, 40);
-        source = noise(Format::ARGB8888, 3), mask = noise(Format::A8, 4);
-        source->SetScaleMode(VuScaleMode(filtered));
-        target->SetClippingRect({0, 0, filtered ? 38 : 60, 40});
-        target->SetBlendingFunc(VuBlendingFactor::BlendColor, VuBlendingFactor::OneMinusSrcAlpha);
-        target->SetBlendColor(VuColor{0xC0FFFFFF});
-        for (const bool again : {false, true}) {
-          if (again) change();
-          // Each is the last one once, which is the one that may not be drawn yet.
-          for (size_t i = 0; i < 3; ++i) draws[(i + variant / 2) % 3]();
-          if (readBetween) PixelsOf(*target);
-        }
-        return PixelsOf(*target);
-      };
-      // One of Mesa's renderers rounds only once what a draw call puts over each other.
-      const Pixels there = drawn(true), late = drawn(false);
-      for (size_t i = 0; i < there.size(); ++i)
-        for (int shift = 0; shift < 32; shift += 8)
-          ASSERT_NEAR(int(there[i] >> shift & 255), int(late[i] >> shift & 255), 2) << i;
-    }
 }
 
 TEST_P(Surfaces, LargeCopiesComeAfterWhatIsDrawnBefore) {
