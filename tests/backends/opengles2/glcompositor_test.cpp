@@ -102,15 +102,14 @@ TEST_F(Compositor, ComposesOnceForAllLayersThatAreDone) {
 
 TEST_F(Compositor, ScreensChangeSidesWithIt) {
   compositor_.reset();
-  const BitmapPtr screen = NewScreen(0, 8, 8, kGreen);
-  const auto fill = [&](uint32_t color) {
-    screen->DrawRect({0, 0, 8, 8}, VuColor{color}, VuTMatrix2D<float>());
-  };
+  const BitmapPtr screen = NewScreen(0, 200, 8, kGreen);  // Too large for a page.
+  const auto fill = [&](uint32_t color) { screen->DrawRect({0, 0, 200, 8}, VuColor{color}); };
   fill(kRed);
   screen->SwapBuffers();
   EXPECT_EQ(layers_->Composed(), nullptr);
   compositor_ = std::make_unique<GlCompositor>();
   Configure({Layer(0, {0, 0, 4, 8})});
+  fill(kRed);
   screen->SwapBuffers();
   EXPECT_EQ(Shown(1, 1), kRed);
   EXPECT_EQ(Shown(6, 1), kBlack);
