@@ -37,6 +37,12 @@ bool IsSingular(const VuTMatrix2D<float>& m) {
   return !std::isfinite(determinant) || determinant == 0;
 }
 
+/// `part` of `whole` in 1/2^64, less than 1.
+uint64_t ToFraction(double part, int64_t whole) {
+  constexpr double kLargest = 0x1.fffffffffffffp63;
+  return static_cast<uint64_t>(std::min(part * (0x1p64 / static_cast<double>(whole)), kLargest));
+}
+
 }  // namespace
 
 std::optional<Hairline> MapLine(VuPoint from, VuPoint to, const VuTMatrix2D<float>& m) {
@@ -94,9 +100,10 @@ LineWay WayInside(const Hairline& s, const Box& clip) {
   way.count = static_cast<int>(last - first + 1);
   (flat ? way.alongX : way.alongY) = alongSign;
   (flat ? way.acrossY : way.acrossX) = acrossSign;
-  way.rest = static_cast<int>(position - (turned + 1) * unit);
-  way.increment = static_cast<int>(slope);
-  way.unit = static_cast<int>(unit);
+  // All exact positions are multiples of 1 / unit. Half of that added, rounding never takes one to
+  // the other side of a whole pixel.
+  way.position = ToFraction(static_cast<double>(position - turned * unit) + 0.5, unit);
+  way.slope = ToFraction(static_cast<double>(slope), unit);
   return way;
 }
 

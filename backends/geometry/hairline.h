@@ -5,6 +5,8 @@
 #include <zirk/vuvector2d.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <optional>
 
@@ -46,19 +48,18 @@ LineEnds MaskEnds(const VuTVector2D<float>* coords, int width, int height, VuPoi
 /// The way along a line inside a clip. Every step moves along the longer axis; the other coordinate
 /// is the nearest one.
 struct LineWay {
-  int x, y;                   ///< The first pixel.
-  int first, count;           ///< Its step, and how many there are.
-  int alongX, alongY;         ///< What each step adds,
-  int acrossX, acrossY;       ///< and what a step adds as well if it turns().
-  int rest, increment, unit;  ///< `rest` is negative: the distance to the next such step.
+  int x, y;              ///< The first pixel.
+  int first, count;      ///< Its step, and how many there are.
+  int alongX, alongY;    ///< What each step adds,
+  int acrossX, acrossY;  ///< and what a step adds as well if it turns().
+  /// How far across since the last such step, and how much further by each, in 1/2^64 of a pixel.
+  uint64_t position, slope;
 
   /// -1 if this step moves across as well, otherwise 0. Call it once per step. A branch would be
   /// mispredicted at every other turn.
-  int Turns() {
-    rest += increment;
-    const int turns = ~(rest >> 31);
-    rest -= unit & turns;
-    return turns;
+  ptrdiff_t Turns() {
+    position += slope;
+    return -static_cast<ptrdiff_t>(position < slope);
   }
 };
 
@@ -70,7 +71,7 @@ void Walk(const Hairline& line, const Box& clip, F&& pixel) {
   LineWay way = WayInside(line, clip);
   for (int step = way.first, end = way.first + way.count; step < end; ++step) {
     pixel(way.x, way.y, step);
-    const int turns = way.Turns();
+    const int turns = static_cast<int>(way.Turns());
     way.x += way.alongX + (way.acrossX & turns);
     way.y += way.alongY + (way.acrossY & turns);
   }
