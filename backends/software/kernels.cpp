@@ -226,8 +226,14 @@ void Blit(const PixelSpan& span) {
   const Pixels color = Splat(s.color);
   const auto compute = [&](int x, int y, auto pixels, Pixels& v) ZIRK_INLINE_LAMBDA {
     Pixels p = Load(s.src + y * s.srcPitch + x, pixels);
-    // Sprites have transparent margins, which cost less than the rest.
-    if (kOver && !kTinted && IsZero(p)) return false;
+    // Sprites have transparent margins and opaque middles, which cost less than the rest.
+    if (kOver && !kTinted && !IsTranslucent(p)) {
+      if (IsZero(p)) return false;
+      if (!kCovered && IsOpaque(p)) {
+        v = p;
+        return true;
+      }
+    }
     if constexpr (kTinted) p = Multiply(p, color);
     if constexpr (kCovered) {
       const Coverage coverage = LoadCoverage(s.coverage + y * s.coveragePitch + x, pixels);

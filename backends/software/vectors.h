@@ -12,6 +12,10 @@
 ///   InterpolatePairs(a, b, w)
 ///                        a + (b - a) * w / 256 in each 16-bit lane, rounded.
 ///   IsZero(v)            Whether the whole vector, or all coverage, is 0.
+///   IsTranslucent(p)     False if IsZero(p) or IsOpaque(p), true for most other pixels: one test
+///                        in place of two.
+///   IsOpaque(p)          Whether the alpha of all pixels is 255. Always false where this test
+///                        gains nothing.
 ///   IsFull(c)            Whether all coverage is 255.
 ///   Coverage             A type of as many bytes as a vector has pixels.
 ///   Spread(c)            Each byte of coverage, in both 16-bit halves of its pixel.

@@ -25,6 +25,9 @@ ZIRK_INLINE bool IsZero(Pixels v) {
   const auto p = (PixelPairs)v;
   return (p[0] | p[1]) == 0;
 }
+ZIRK_INLINE bool IsTranslucent(Pixels p) {
+  return !IsZero(p);
+}
 
 ZIRK_INLINE Pixels Spread(Coverage c) {
   return BothHalves(Pixels{c & 255, c >> 8 & 255, c >> 16 & 255, c >> 24});

@@ -23,6 +23,9 @@ ZIRK_INLINE Pixels AddClamped(Pixels a, Pixels b) {
 ZIRK_INLINE bool IsZero(Pixels v) {
   return _mm_movemask_epi8(_mm_cmpeq_epi8((__m128i)v, _mm_setzero_si128())) == 0xFFFF;
 }
+ZIRK_INLINE bool IsTranslucent(Pixels p) {
+  return !IsZero(p);
+}
 
 ZIRK_INLINE Pixels Spread(Coverage c) {
   const __m128i bytes = _mm_cvtsi32_si128(static_cast<int>(c));

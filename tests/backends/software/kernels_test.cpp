@@ -24,10 +24,13 @@ constexpr int kPitch = 40, kRows = 7;
 std::vector<uint32_t> RandomPixels(unsigned seed, bool valid) {
   std::mt19937 random(seed);
   std::vector<uint32_t> pixels(kPitch * kRows);
-  for (uint32_t& p : pixels) {
+  for (size_t i = 0; i < pixels.size(); ++i) {
     const uint32_t extremes[] = {0, 0xFFFFFFFFu, static_cast<uint32_t>(random()),
                                  static_cast<uint32_t>(random())};
-    p = extremes[random() % 4];
+    uint32_t& p = pixels[i] = extremes[random() % 4];
+    // One row is opaque, and one has colours without alpha.
+    if (i / kPitch == 1) p |= 0xFF000000u;
+    if (i / kPitch == 2) p &= 0x00FFFFFFu;
     if (valid) p = Premultiply(VuColor{p});
   }
   return pixels;
