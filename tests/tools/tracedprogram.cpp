@@ -7,6 +7,7 @@
 #include <csignal>
 #include <cstring>
 #include <fstream>
+#include <initializer_list>
 #include <iterator>
 #include <memory>
 #include <numeric>
@@ -36,13 +37,14 @@ std::unique_ptr<VuBitmap> MakeMask(VuGraphics& graphics) {
   return mask;
 }
 
-/// Writes into a part of a locked bitmap.
-void WriteBytes(VuBitmap& bitmap, VuRect part, int byte) {
+/// Writes into parts of a locked bitmap.
+void WriteBytes(VuBitmap& bitmap, std::initializer_list<VuRect> parts, int byte) {
   bitmap.Lock();
   const VuBitmapInfo info = bitmap.GetInfo();
-  for (int y = part.y; y < part.y + part.height; ++y)
-    std::memset(static_cast<char*>(info.pixels) + y * info.pitch + 2 * part.x, byte,
-                static_cast<size_t>(2 * part.width));
+  for (const VuRect& part : parts)
+    for (int y = part.y; y < part.y + part.height; ++y)
+      std::memset(static_cast<char*>(info.pixels) + y * info.pitch + 2 * part.x, byte,
+                  static_cast<size_t>(2 * part.width));
   bitmap.Unlock();
 }
 
@@ -136,12 +138,11 @@ int main(int argc, char** argv) {
   picture->SetScaleMode(VuScaleMode::Bilinear);
   // The bitmap is locked again and again, and once drawn on before the same is written.
   for (const int byte : {0x22, 0x44}) {
-    WriteBytes(*locked, {12, 2, 5, 9}, byte);
-    WriteBytes(*locked, {2, 8, 3, 9}, byte);
-    WriteBytes(*locked, {9, 5, 3, 3}, byte);
+    WriteBytes(*locked, {{12, 2, 5, 9}}, byte);
+    WriteBytes(*locked, {{6, 8, 3, 4}, {2, 12, 15, 5}}, byte);
   }
-  locked->DrawRect({8, 4, 6, 6}, 0xFFFF0000);
-  WriteBytes(*locked, {9, 5, 3, 3}, 0x44);
+  locked->DrawRect({12, 2, 5, 9}, 0xFFFF0000);
+  WriteBytes(*locked, {{12, 2, 5, 9}}, 0x44);
   screen->SwapBuffers();
   screen->DrawRect({0, 0, 100, 50}, 0xFFFFFFFF);
   screen->DrawObject({100, 100, 60, 60}, *picture);

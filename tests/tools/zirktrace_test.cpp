@@ -56,7 +56,7 @@ TEST(ZirktraceProgram, ReplaysAKilledProgramUpToItsEnd) {
     EXPECT_TRUE(FileBytes("second.png") == FileBytes(pictures + "frame-000003.png"));
     EXPECT_THAT(Zirktrace("dump --frames 2 " + file).output,
                 ContainsRegex("PixelsWritten\\(@[0-9]+, \\(12, 2, 5, 9\\), .*"
-                              "PixelsWritten\\(@[0-9]+, \\(2, 8, 3, 9\\), "));
+                              "PixelsWritten\\(@[0-9]+, \\(2, 8, 15, 9\\), "));
     EXPECT_THAT(Zirktrace("dump --frames 3- " + file).output,
                 ContainsRegex("^[0-9]+ frame 3 thread 0 [0-9.]+ ms @[0-9]+\\.DrawRect\\(\\(0, 0"
                               ".*GetPixels[^\n]* -> true\n[^\n]*\n$"));
