@@ -323,7 +323,7 @@ assert kinds["GetBounds"]["processor-ms"] < 0.1 * kinds["ClearTo"]["processor-ms
 assert bench["frames"] == 0 and bench["backend"] == "FB")");
   EXPECT_EQ(shares.status, 0) << shares.output;
 
-  Zirktrace("record -o bench.zirktrace $TRACED FB first.png second.png");
+  Zirktrace("record -o bench.zirktrace $TRACED FB bench-1.png bench-2.png");
   const auto frame = CheckBench("--backend Hybrid --frames 1-2 bench.zirktrace", R"(
 assert bench["frames"] == 2 and bench["backend"] == "Hybrid"
 assert abs(bench["frames-per-second"] * bench["seconds"] - 2) < 0.01
