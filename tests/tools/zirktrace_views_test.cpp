@@ -108,6 +108,10 @@ TEST(ZirktraceCoverage, CountsWhatAnOperationWritesOrBlends) {
   const Trace unblended = with(Operation::SetBlendEnabled, kScreen, false);
   const auto added =
       with(Operation::SetBlendingFunc, kScreen, VuBlendingFactor::One, VuBlendingFactor::One);
+  Trace over = with(Operation::SetBlendingFuncs, kScreen, VuBlendingFactor::One,
+                    VuBlendingFactor::One, VuBlendingFactor::One, VuBlendingFactor::One);
+  over.Add(Operation::SetBlendingFunc, kScreen, VuBlendingFactor::One,
+           VuBlendingFactor::OneMinusSrcAlpha);
   const auto multiplied = with(Operation::SetBlendingFunc, kScreen, VuBlendingFactor::Zero,
                                VuBlendingFactor::OneMinusDstAlpha);
   Trace object = Begun(), beyond = Begun(), self = Begun();
@@ -117,6 +121,7 @@ TEST(ZirktraceCoverage, CountsWhatAnOperationWritesOrBlends) {
       {"transparent", rect(Begun(), middle, none), "16 in 2,2-6,6"},
       {"unblended", rect(unblended, middle, half), "16 in 2,2-6,6, 16 replaced"},
       {"added", rect(added, middle, half), "16 in 2,2-6,6"},
+      {"set again", rect(over, middle, VuColor{0xFF808080}), "16 in 2,2-6,6, 16 replaced"},
       {"multiplied", rect(multiplied, middle, red), "16 in 2,2-6,6"},
       {"clipped", rect(clipped, middle, red), "6 in 2,3-4,6, 6 replaced"},
       {"outside", rect(Begun(), {8, 0, 4, 4}, red), "0"},
