@@ -277,6 +277,14 @@ TEST(ZirktraceHints, AreWhatWasMeasured) {
            },
            false),
        ""},
+      {"zoomed in steps",
+       blits(
+           4,
+           [](int n) {
+             return VuRect{0, 0, 8 + n / 2, 2};
+           },
+           false),
+       ""},
       {"zoomed",
        blits(
            3,
@@ -343,9 +351,12 @@ TEST(ZirktraceTrim, KeepsWhatTheDifferenceNeeds) {
   };
   Trace trace = Screen();
   AddRect(trace, {9, 9, 1, 1}, 0xFFFFFFFF).Add(Operation::SwapBuffers, kScreen);
-  AddText(AddFont(trace), "A").Add(Operation::SwapBuffers, kScreen);
+  // The second of these is needed as long as the first is there.
+  AddFont(trace).Add(Operation::SetClippingRect, kScreen, VuRect{});
+  trace.Add(Operation::SetClippingRect, kScreen, VuRect{0, 0, 8, 8});
+  AddText(trace, "A").Add(Operation::SwapBuffers, kScreen);
   AddRect(trace, {0, 0, 8, 8}, 0xFFFFFFFF).Save(kFolder + "/drawn.zirktrace");
-  EXPECT_EQ(trim("FB Stub", "drawn"), "operations: 5 of 7\n");
+  EXPECT_EQ(trim("FB Stub", "drawn"), "operations: 5 of 9\n");
   EXPECT_EQ(kept(), "OpenContext CreateScreenAs Content MakeFont DrawText ");
   EXPECT_EQ(Zirktrace("replay --compare FB Stub trimmed.zirktrace").status, 3);
   EXPECT_THAT(trim("FB FB", "drawn"), HasSubstr("drawn.zirktrace: FB and FB draw the same\n"));
