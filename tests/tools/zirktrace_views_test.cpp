@@ -396,6 +396,37 @@ TEST(ZirktraceViews, RefuseOrUseChangedTraces) {
   EXPECT_GT(refused, 100);
 }
 
+TEST(ZirktraceViews, RefuseDamagedTracesByALine) {
+  const auto save = [](const char* name, const std::string& bytes) {
+    std::ofstream(kFolder + '/' + name, std::ios::binary) << bytes;
+  };
+  const std::string whole = Begun().Add(Operation::ClearTo, kScreen, VuColor{~0u}).InFile();
+  const std::string more = Trace().Add(Operation::SwapBuffers, kScreen).InFile().substr(12);
+  std::string flipped = whole + more;
+  flipped[whole.size() + more.size() / 2] ^= 1;
+  save("cut", whole + more.substr(0, more.size() / 2));
+  save("flipped", flipped);
+  save("absurd", Begun()
+                     .Add(Operation::CreateBitmap, kContext, 1 << 30, 1 << 30, kArgb,
+                          CreatedValue{kFont, 1 << 30, 1 << 30, kArgb})
+                     .InFile());
+  save("taken", Begun().Add(Operation::Clear, Id{UINT32_MAX}).InFile());
+  for (const std::string command :
+       {"overdraw --frame 1 -o a.png", "report -o a.html", "trim -o a FB FB"}) {
+    EXPECT_THAT(Zirktrace(command + " cut").output, HasSubstr("zirktrace: cut: is cut off"));
+    const std::tuple<const char*, const char*> cases[] = {
+        {"flipped", "^zirktrace: flipped: damaged after operation 7: [^\n]*\n$"},
+        {"absurd", "^zirktrace: absurd: operation 7, CreateBitmap: the backend makes no such s"},
+        {"taken", "^zirktrace: taken: operation 7: Clear has wrong fields\n$"},
+    };
+    for (const auto& [file, line] : cases) {
+      const auto refused = Zirktrace(command + ' ' + file);
+      EXPECT_EQ(refused.status, 1) << command << ' ' << file;
+      EXPECT_THAT(refused.output, ContainsRegex(line)) << command;
+    }
+  }
+}
+
 struct Case {
   const char* arguments;
   int status;
