@@ -277,14 +277,12 @@ bool WithFields(Operation operation, const Use& use) {
   case Operation::name:                                             \
     call(static_cast<result(*) parameters>(nullptr));               \
     return true;
-    // NOLINTNEXTLINE(bugprone-branch-clone): operations may have the same fields.
     ZIRK_TRACE_OPERATIONS(X)
 #undef X
 #define X(number, name, fields)                 \
   case Operation::name:                         \
     call(static_cast<void(*) fields>(nullptr)); \
     return true;
-    // NOLINTNEXTLINE(bugprone-branch-clone): as above.
     ZIRK_TRACE_EVENTS(X)
 #undef X
   }
