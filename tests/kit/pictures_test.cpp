@@ -108,8 +108,8 @@ TEST_F(Pictures, AreComparedAsTheyAreSeen) {
   EXPECT_EQ(helpers::PixelOf(*shown, 0, 0), 0xFF000000);
 
   EXPECT_TRUE(helpers::LogsOneError("4 x 3 and 5 x 3", [&] { EXPECT_FALSE(Compare(*a, *b)); }));
-  EXPECT_TRUE(
-      helpers::LogsOneError("cannot be set", [&] { EXPECT_FALSE(Compare(*a, *a, narrow.get())); }));
+  EXPECT_TRUE(helpers::LogsOneError("cannot be written",
+                                    [&] { EXPECT_FALSE(Compare(*a, *a, narrow.get())); }));
   const VuRect outside{2, 0, 4, 3};
   EXPECT_TRUE(helpers::LogsOneError(
       "cannot be read", [&] { EXPECT_FALSE(Compare(*a, a->GetBounds(), *b, outside)); }));

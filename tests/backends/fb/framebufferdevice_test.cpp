@@ -409,8 +409,8 @@ TEST(FramebufferDevice, DoesNotHangOnADriverThatNeverReturns) {
   };
   std::unique_ptr<FramebufferDevice> device;
   EXPECT_EQ(helpers::LoggedAt(4, [&] { device = OpenOn(io); }),
-            "<ZIRK.warning>: /dev/fake: the wait for vertical sync does not return: doing without "
-            "it\n");
+            "<ZIRK.warning>: /dev/fake: the wait for vertical sync does not return: continuing "
+            "without it\n");
   Picture().ShowOn(*device);
   EXPECT_EQ(io->vsyncWaits, 1);
   device.reset();
