@@ -33,8 +33,8 @@ enum PictureId { Opaque64, Alpha64, Alpha16, Alpha128, Opaque200 };
 enum MaskId { Mask200, Mask64 };
 
 /// The pictures and masks that every peer makes its own copies of, in the order of their ids. The
-/// alpha of the translucent ones runs through the whole range, so that no peer gets far with
-/// shortcuts for opaque or empty pixels.
+/// alpha of the translucent ones runs through the whole range, so that shortcuts for opaque or
+/// empty pixels gain little.
 std::vector<Picture> MakePictures();
 std::vector<Coverage> MakeMasks();
 

@@ -104,7 +104,7 @@ const std::vector<Operation> kOperations = {
      1, 2},
     {"Gradient200", 50, 200, 200,
      [](Peer& p, const Batch& b) { return p.FillGradient(b.places, kOpaque, white); }, 1, 2},
-    // Which pixels a line consists of is everybody's own choice.
+    // Each library chooses for itself which pixels make a line.
     {"Line100", 500, 201, 201,
      [](Peer& p, const Batch& b) { return p.DrawLines(b.lines, kOpaque); }, 8, 4},
 };

@@ -85,7 +85,7 @@ bool VerifyOperation(const Operation& operation, const Peers& peers) {
   return good;
 }
 
-/// Libraries differ in how they hint and where they round, but not in what is written where.
+/// Libraries hint and round differently, but they draw the same text at the same places.
 constexpr double kTextWidths = 0.02;
 constexpr int kTextCell = 8;
 constexpr double kTextTolerance = 8;

@@ -21,7 +21,7 @@ class Blender {
   /// Takes the blending function from `state`. Comes before everything else.
   void Update(const SurfaceState& state);
 
-  /// The operator that has the same effect as the factors, if there is one.
+  /// The operator that does the same as the blending factors, if there is one.
   std::optional<Kernels::Operator> Operator(bool opaque) const {
     return factors_ ? std::nullopt : std::optional(Simplified(opaque));
   }

@@ -103,8 +103,8 @@ ZIRK_INLINE void FetchBelow(const PixelSpan& s, int y) {
 /// where it returns false they stay as they are.
 ///
 /// The last vector of a row overlaps the one before. It is computed first, from the old pixels.
-/// Where memory is only written, `aligned` has the vectors start on their own boundaries: stores
-/// that straddle two cache lines are what such a loop spends its time on.
+/// With `aligned`, vectors start on boundaries of their own size. That is for memory that is only
+/// written: such a loop spends most of its time on stores that straddle two cache lines.
 template <typename Format, typename F>
 ZIRK_INLINE void ForEach(const PixelSpan& s, bool aligned, F&& compute) {
   const auto draw = [&](int x, int y, auto pixels) ZIRK_INLINE_LAMBDA {

@@ -49,8 +49,8 @@ constexpr int kSampleLimit = 256;
 /// Steps shorter than this, either way, never take the positions of a row all the way around.
 constexpr int32_t kShortStep = (1 << 30) / kSampleLimit;
 
-/// Whole part of a first position. From here no enlarged row reaches where positions wrap around;
-/// another row that does reads the wrong pixels inside the limits.
+/// The largest whole part of a first position. No enlarged row that starts within reaches positions
+/// that wrap around. A row that is made smaller may: it then reads wrong pixels, inside the limits.
 constexpr int kFarthestSample = 32000;
 
 /// One build of the loops for one instruction set.

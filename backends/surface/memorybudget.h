@@ -21,7 +21,7 @@ class MemoryBudget : public std::enable_shared_from_this<MemoryBudget> {
 
   /// `limit` is in bytes; it is cut to what 32 bits hold.
   static std::shared_ptr<MemoryBudget> Create(uint64_t limit = QuarterOfMachineMemory());
-  /// Bytes; 0 if the system does not tell.
+  /// In bytes; 0 if the system does not say.
   static uint64_t QuarterOfMachineMemory();
 
   /// Reserves the memory of a surface. Null, after an error line with the reason, if no surface can

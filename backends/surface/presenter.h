@@ -4,7 +4,7 @@
 
 namespace ZIRK::backends {
 
-/// What screens of all backends do alike to have their picture seen.
+/// How the screens of all backends present their pictures.
 ///
 /// It stands beside the surface as a base of its own. One between surface and screen would add 2 to
 /// 7 KiB to a plug-in: with a virtual base, each class on the way repeats all tables.
@@ -22,15 +22,15 @@ class Presenter {
     Show();
     if (LogFPS) ShowFPS();
   }
-  /// For Finish() and Flush(): on a single-buffered screen drawing is seen without a swap. Whether
-  /// it is one.
+  /// For Finish() and Flush(): drawing on a single-buffered screen appears without a swap. Returns
+  /// whether the screen is single-buffered.
   bool ShowIfSingleBuffered() {
     if (singleBuffered_) Show();
     return singleBuffered_;
   }
 
  private:
-  /// Has the picture seen as it is now. May throw std::bad_alloc.
+  /// Shows the picture as it is now. May throw std::bad_alloc.
   virtual void Present() = 0;
 
   const bool singleBuffered_;

@@ -61,8 +61,8 @@ concept DrawsPrimitives = requires(R& renderer, VuPoint point, float size, VuRec
   { renderer.DrawLine(point, point, color, matrix, mask) } -> std::same_as<void>;
   { renderer.DrawRect(extent, color, matrix, mask) } -> std::same_as<void>;
 
-  /// The destination comes first, then the source and its part. `edges` says whether what comes
-  /// out upright is moved to whole pixels.
+  /// The destination comes first, then the source and its part. `edges` says whether an upright
+  /// result is moved to whole pixels.
   { renderer.DrawObject(extent, source, extent, edges, matrix, color, mask) } -> std::same_as<void>;
 
   { renderer.DrawText(text, color, matrix, mask) } -> std::same_as<void>;
