@@ -6,6 +6,7 @@ usage: compare.py path/to/zirk_bench [benchmark options]
 
 import collections
 import json
+import statistics
 import subprocess
 import sys
 import tempfile
@@ -35,6 +36,8 @@ TARGETS = {
 LEVEL = ("FillRect200Half", "BlitOpaque64", "BlitAlpha64", "Mask", "MaskBlit", "ScaleBilinear",
          "Rotate128", "ScaleTwice", "OpaqueOn565", "AlphaOn565", "UiFrame")
 LEVEL_RATIO = 0.95
+# What is no library of others.
+NO_PEERS = ("memset", "memcpy", "blit", "ZIRK on DirectFB")
 FRONT_END_LIMIT = 2  # nanoseconds
 PACKER_RULE = "ShortSide"  # the one that atlases use
 PACKER_LIMIT = 30  # milliseconds
@@ -83,6 +86,7 @@ def print_operations(groups, title="Drawing: items"):
     print(f"\n{title} in {unit}, and how many times as many as each peer")
     print(f"{'operation':<17}{'items':>12}{'instr.':>8}{'alloc.':>8}"
           + "".join(f"{peer:>9}" for peer in peers) + "   best peer  target")
+    least = []
     for operation, runs in groups.items():
         ours = runs[OURS]
         ratios = {peer: speed(ours) / speed(run)
@@ -90,8 +94,10 @@ def print_operations(groups, title="Drawing: items"):
         instructions = f"{ours['instructions']:.0f}" if "instructions" in ours else "-"
         line = f"{operation:<17}{speed(ours):>12.0f}{instructions:>8}{ours['allocations']:>8.2g}"
         line += "".join(f"{ratios[peer]:>9.2f}" if peer in ratios else f"{'-':>9}" for peer in peers)
-        best = min((peer for peer in ratios if peer not in ("memset", "blit")), key=ratios.get)
-        line += f"   {best:<9}"
+        others = [peer for peer in ratios if peer not in NO_PEERS]
+        best = min(others, key=ratios.get, default=None)
+        least += [ratios[best]] if best else []
+        line += f"   {best or '-':<9}"
         for (name, peer), target in TARGETS.items():
             if name == operation and peer in ratios:
                 verdict = "met" if ratios[peer] >= target else "MISSED"
@@ -99,6 +105,8 @@ def print_operations(groups, title="Drawing: items"):
         if operation in LEVEL:
             line += "  level: " + ("met" if ratios[best] >= LEVEL_RATIO else "MISSED")
         print(line)
+    if least:
+        print(f"Geometric mean of the ratios to the best peers: {statistics.geometric_mean(least):.2f}")
 
 
 def print_front_end(groups):
