@@ -38,9 +38,9 @@ bool IsSingular(const VuTMatrix2D<float>& m) {
 }
 
 /// `part` of `whole` in 1/2^64, less than 1.
-uint64_t ToFraction(double part, int64_t whole) {
+uint64_t ToFraction(double part, double whole) {
   constexpr double kLargest = 0x1.fffffffffffffp63;
-  return static_cast<uint64_t>(std::min(part * (0x1p64 / static_cast<double>(whole)), kLargest));
+  return static_cast<uint64_t>(std::min(part * (0x1p64 / whole), kLargest));
 }
 
 }  // namespace
@@ -102,8 +102,9 @@ LineWay WayInside(const Hairline& s, const Box& clip) {
   (flat ? way.acrossY : way.acrossX) = acrossSign;
   // All exact positions are multiples of 1 / unit. Half of that added, rounding never takes one to
   // the other side of a whole pixel.
-  way.position = ToFraction(static_cast<double>(position - turned * unit) + 0.5, unit);
-  way.slope = ToFraction(static_cast<double>(slope), unit);
+  const auto whole = static_cast<double>(unit);
+  way.position = ToFraction(static_cast<double>(position - turned * unit) + 0.5, whole);
+  way.slope = ToFraction(static_cast<double>(slope), whole);
   return way;
 }
 

@@ -252,7 +252,7 @@ void Painter::PaintRow(const QuadCoverage::Row& row, int y, int bottom,
 
 /// At most kChunk pixels, from `x0` to `x1` of row `y`, as Blender::Draw() takes them. The coverage
 /// is the shape's.
-void Painter::PaintRun(int x0, int x1, int y, PixelSpan shading, const MaskSampler* mask) {
+void Painter::PaintRun(int x0, int x1, int y, PixelSpan& shading, const MaskSampler* mask) {
   // Pixels that are not covered at all stay as they are even where blending is off.
   const uint8_t*& alpha = shading.coverage;
   while (alpha && x0 < x1 && *alpha == 0) {

@@ -78,8 +78,9 @@ class Painter {
                     uint32_t color, const MaskSampler* mask);
   void PaintRow(const QuadCoverage::Row& row, int y, int bottom, const SourceSampler* texture,
                 uint32_t color, const MaskSampler* mask, const QuadCoverage* coverage);
-  void PaintRun(int x0, int x1, int y, PixelSpan shading, const MaskSampler* mask);
-  void PaintPixel(int x, int y, uint32_t color);
+  void PaintRun(int x0, int x1, int y, PixelSpan& shading, const MaskSampler* mask);
+  // Separate, as few lines need it.
+  [[gnu::noinline]] void PaintPixel(int x, int y, uint32_t color);
   void DrawSlantedLine(const Hairline& line, uint32_t color);
   void DrawMaskedLine(const Hairline& line, uint32_t color, const Source& mask,
                       const LineEnds& ends);
