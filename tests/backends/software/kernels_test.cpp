@@ -28,10 +28,13 @@ std::vector<uint32_t> RandomPixels(unsigned seed, bool valid) {
     const uint32_t extremes[] = {0, 0xFFFFFFFFu, static_cast<uint32_t>(random()),
                                  static_cast<uint32_t>(random())};
     uint32_t& p = pixels[i] = extremes[random() % 4];
+    if (valid) {
+      p = Premultiply(VuColor{p});
+      continue;
+    }
     // One row is opaque, and one has colours without alpha.
     if (i / kPitch == 1) p |= 0xFF000000u;
     if (i / kPitch == 2) p &= 0x00FFFFFFu;
-    if (valid) p = Premultiply(VuColor{p});
   }
   return pixels;
 }
