@@ -249,6 +249,7 @@ TEST_P(RectPair, OverlapAndContainment) {
 
 ROWS(RectPair, {.name = "outside_around", .a{2, 2, 3, 3}, .overlap = true},
      {.name = "inside", .b{2, 2, 3, 3}, .overlap = true, .contains = true},
+     {.name = "itself", .overlap = true, .contains = true},
      {.name = "corner_touches", .b{10, 10, 5, 5}, .overlap = true},
      {.name = "beside", .b{11, 0, 5, 5}}, {.name = "below", .b{0, 11, 5, 5}},
      {.name = "crossing", .b{2, -5, 2, 20}, .overlap = true},
