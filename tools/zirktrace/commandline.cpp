@@ -22,34 +22,34 @@ constexpr char kHelp[] =
        zirktrace report [--frames A-B] -o HTML FILE
        zirktrace trim [--worst STEPS] -o SMALL A B FILE
 
-record     runs a program and writes down what it draws; a trace holds the
+record     runs a program and records what it draws; a trace contains the
            program's fonts, texts and pictures
-replay     draws it again, without the program, by any backend
-dump       prints the operations of a trace, one a line
-info       says what is in a trace
-overdraw   draws how often each pixel of a frame was written
-report     writes a page with the frames, what they cost, and hints
+replay     draws a trace again, without the program, on any backend
+dump       prints the operations of a trace, one per line
+info       counts what a trace contains
+overdraw   draws a map of how often a frame writes each pixel
+report     writes a page with the frames, their cost, and hints
 trim       makes the smallest trace that the backends A and B draw differently
 
-  -o, --output FILE  what is written; record names it after the program unless given
-  --backend NAME     the backend that draws, that of the recording unless given
+  -o, --output FILE  the file to write; record names it after the program unless given
+  --backend NAME     the backend that draws, the recorded one unless given
   --frames A-B       only these frames, counted from 1: A, A-, -B or A-B
   --frame N          only this frame
-  --surface NUMBER   a surface as dump numbers it, the shown screen unless given
-  --loop N           replay so many times
+  --surface NUMBER   a surface by its number in dump, the shown screen unless given
+  --loop N           replay this many times
   --png FOLDER       write what each frame shows, or the pictures that differ
   --bench            measure operations and frames per second, and the processor's
                      time by kind of operation
-  --json             print that as JSON
-  --compare          replay by the backends A and B, and name the first operation
+  --json             print the results of --bench as JSON
+  --compare          replay on the backends A and B, and name the first operation
                      after which they differ
   --worst STEPS      allowed difference of a channel, of 255; 2 unless given
-  --verbose          let the library's log lines through
+  --verbose          print the library's log lines
   -h, --help, --version
 
-Exit status: 0 if all went well, 1 if something asked for could not be done,
-2 if the command line is wrong, 3 if backends differ; record ends as the
-program does.
+Exit status: 0 if all went well, 1 if a request could not be carried out,
+2 if the command line is wrong, 3 if backends differ; record returns the
+program's own status.
 )";
 
 enum OptionCode {
