@@ -155,6 +155,7 @@ void Summary::PrintSurfaces() const {
     ++count;
   }
   std::vector<std::pair<std::pair<uint64_t, uint64_t>, std::string>> kinds;
+  kinds.reserve(byKind.size());
   for (const auto& [kind, sums] : byKind) kinds.emplace_back(sums, kind);
   std::sort(kinds.rbegin(), kinds.rend());
   for (const auto& [sums, kind] : kinds)

@@ -106,6 +106,7 @@ std::vector<Group> Trimmer::Frames() const {
   for (size_t i = 0; i < records_.size(); ++i)
     if (!records_[i].isDefinition) frames[records_[i].record.frame].push_back(i);
   std::vector<Group> groups;
+  groups.reserve(frames.size());
   for (auto& [frame, group] : frames) groups.push_back(std::move(group));
   return groups;
 }
