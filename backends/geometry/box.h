@@ -7,7 +7,7 @@
 
 namespace ZIRK::backends {
 
-/// Whole pixels from (x0, y0) up to, not including, (x1, y1).
+/// A rectangle of whole pixels, from (x0, y0) inclusive to (x1, y1) exclusive.
 struct Box {
   int x0 = 0, y0 = 0, x1 = 0, y1 = 0;
 
@@ -27,14 +27,14 @@ inline Box Intersection(const Box& a, const Box& b) {
   return {std::max(a.x0, b.x0), std::max(a.y0, b.y0), std::min(a.x1, b.x1), std::min(a.y1, b.y1)};
 }
 
-/// The smallest box around both; an empty one does not count.
+/// Returns the smallest box that contains both. Ignores empty boxes.
 inline Box Union(const Box& a, const Box& b) {
   if (a.IsEmpty()) return b;
   if (b.IsEmpty()) return a;
   return {std::min(a.x0, b.x0), std::min(a.y0, b.y0), std::max(a.x1, b.x1), std::max(a.y1, b.y1)};
 }
 
-/// `r` cut to what an int holds; empty if `r` is.
+/// Converts `r`, clamped to the range of int. Returns an empty box if `r` is empty.
 inline Box ToBox(const VuRect& r) {
   if (r.width <= 0 || r.height <= 0) return {};
   const auto end = [](int32_t start, int32_t extent) {
@@ -43,19 +43,19 @@ inline Box ToBox(const VuRect& r) {
   return {r.x, r.y, end(r.x, r.width), end(r.y, r.height)};
 }
 
-/// A box with extent.
+/// Converts a box that is not empty.
 inline VuRect ToRect(const Box& b) {
   return {b.x0, b.y0, b.Width(), b.Height()};
 }
 
-/// A copy of pixels, cut to what both surfaces have: `box` of the destination is filled from
-/// (srcX, srcY) of the source on.
+/// A copy of pixels, clipped to both surfaces. It fills `box` of the destination with the pixels
+/// that start at (srcX, srcY) of the source.
 struct CopyPlan {
   Box box;
   int srcX, srcY;
 };
 
-/// The plan for copying `srcRect` to (toX, toY). Its box is empty if there is nothing to copy.
+/// Plans a copy of `srcRect` to (toX, toY). The plan's box is empty if there is nothing to copy.
 inline CopyPlan PlanCopy(int toX, int toY, const Box& target, const VuRect& srcRect,
                          const Box& source) {
   const Box wanted = Intersection(ToBox(srcRect), source);

@@ -7,7 +7,7 @@ namespace ZIRK::backends {
 
 namespace {
 
-/// Cuts the line to the range of coordinates; false if nothing is left.
+/// Clips the line to the range of coordinates. Returns false if nothing is left.
 bool CutLine(Point& a, Point& b) {
   const Point d = b - a;
   double first = 0, last = 1;
@@ -20,7 +20,7 @@ bool CutLine(Point& a, Point& b) {
     return true;
   };
   if (!cut(a.x, d.x) || !cut(a.y, d.y) || first > last) return false;
-  // Cut again: huge coordinates lose precision.
+  // Clamp the result: huge coordinates lose precision.
   const auto near = [](Point p) {
     return Point{std::clamp(p.x, -kMaxCoordinate, kMaxCoordinate),
                  std::clamp(p.y, -kMaxCoordinate, kMaxCoordinate)};
@@ -37,7 +37,7 @@ bool IsSingular(const VuTMatrix2D<float>& m) {
   return !std::isfinite(determinant) || determinant == 0;
 }
 
-/// `part` of `whole` in 1/2^64, less than 1.
+/// Returns part / whole in units of 1/2^64. The result is less than 1.
 uint64_t ToFraction(double part, double whole) {
   constexpr double kLargest = 0x1.fffffffffffffp63;
   return static_cast<uint64_t>(std::min(part * (0x1p64 / whole), kLargest));
@@ -65,9 +65,9 @@ LineWay WayInside(const Hairline& s, const Box& clip) {
   const int alongSign = along < 0 ? -1 : 1, acrossSign = across < 0 ? -1 : 1;
   const int64_t length = std::abs(along), unit = std::max<int64_t>(2 * length, 1);
   const int64_t slope = 2 * int64_t{std::abs(across)};
-  // Counted from the start in the line's own directions, the clip and the way across: of the
-  // position across * step / length, rounded to nearest, the whole part, by `unit`, and the rest.
-  // Rounded up at half a pixel in the direction of the surface, so down where the line runs back.
+  // Steps and turns count from the start of the line in its own directions. The clip is converted
+  // to such counts. The position across is slope * step / unit, rounded to nearest by adding
+  // `half`. Half a pixel rounds up on the surface, so down if the line runs backwards.
   const int64_t half = acrossSign > 0 ? length : unit - 1 - length;
   struct Range {
     int64_t low, high;
@@ -80,7 +80,7 @@ LineWay WayInside(const Hairline& s, const Box& clip) {
       flat ? count(s.x0, alongSign, clip.x0, clip.x1) : count(s.y0, alongSign, clip.y0, clip.y1);
   const Range turns =
       flat ? count(s.y0, acrossSign, clip.y0, clip.y1) : count(s.x0, acrossSign, clip.x0, clip.x1);
-  // The first step at which `turned` turns have been made.
+  // Returns the first step after `turned` turns.
   const auto stepOf = [=](int64_t turned) -> int64_t {
     const int64_t distance = turned * unit - half;
     if (distance <= 0) return 0;
@@ -100,8 +100,8 @@ LineWay WayInside(const Hairline& s, const Box& clip) {
   way.count = static_cast<int>(last - first + 1);
   (flat ? way.alongX : way.alongY) = alongSign;
   (flat ? way.acrossY : way.acrossX) = acrossSign;
-  // All exact positions are multiples of 1 / unit. Half of that added, rounding never takes one to
-  // the other side of a whole pixel.
+  // All exact positions are multiples of 1 / unit. Adding half of that keeps rounding from moving a
+  // position across a whole pixel.
   const auto whole = static_cast<double>(unit);
   way.position = ToFraction(static_cast<double>(position - turned * unit) + 0.5, whole);
   way.slope = ToFraction(static_cast<double>(slope), whole);
@@ -114,7 +114,7 @@ LineEnds MaskEnds(const VuTVector2D<float>* coords, int width, int height, VuPoi
   if (coords) {
     ends = {ToPoint(coords[0]), ToPoint(coords[1])};
   } else {
-    // The mask lies over the pixels from one end to the other.
+    // The mask covers the pixels from one end to the other.
     const double left = std::min(from.x, to.x), top = std::min(from.y, to.y);
     const double across = std::max(from.x, to.x) - left + 1;
     const double down = std::max(from.y, to.y) - top + 1;

@@ -15,17 +15,18 @@
 
 namespace ZIRK::backends {
 
-/// A line between pixels, one pixel wide, hard-edged, both ends included. It runs top to bottom or
-/// else left to right, so that both directions of the same line are one.
+/// A line between pixels: one pixel wide, hard-edged, both ends included. It runs from top to
+/// bottom, or from left to right if it is horizontal, so that both directions of a line draw the
+/// same pixels.
 struct Hairline {
   int x0, y0, x1, y1;
-  bool reversed;  ///< With respect to the line as it was given.
+  bool reversed;  ///< The caller gave the line in the other direction.
 
   int Steps() const { return std::max(std::abs(x1 - x0), std::abs(y1 - y0)); }
   Box Bounds() const { return {std::min(x0, x1), y0, std::max(x0, x1) + 1, y1 + 1}; }
 };
 
-/// Maps a line to the surface. Returns nullopt for a singular matrix, and if no part of the line
+/// Maps a line to the surface. Returns nullopt if the matrix is singular or no part of the line
 /// lies in the range of coordinates.
 std::optional<Hairline> MapLine(VuPoint from, VuPoint to, const VuTMatrix2D<float>& m);
 
@@ -33,30 +34,32 @@ std::optional<Hairline> MapLine(VuPoint from, VuPoint to, const VuTMatrix2D<floa
 struct LineEnds {
   Point first, last;
 
-  /// At step `step` of `line`.
+  /// Returns the position at step `step` of `line`.
   Point At(const Hairline& line, int step) const {
     const int steps = line.Steps();
     return first + (last - first) * (steps ? static_cast<double>(step) / steps : 0);
   }
 };
 
-/// The positions in a mask of `width` x `height` at the ends of `line`: the two at `coords`, or if
-/// there are none those of the mask laid over the pixels of the line as it was given.
+/// Returns the positions in a mask of `width` x `height` at the ends of `line`: the two at
+/// `coords`, or, if `coords` is null, those of a mask that covers the pixels of the line from
+/// `from` to `to`.
 LineEnds MaskEnds(const VuTVector2D<float>* coords, int width, int height, VuPoint from, VuPoint to,
                   const Hairline& line);
 
-/// The way along a line inside a clip. Every step moves along the longer axis; the other coordinate
-/// is the nearest one.
+/// The path of a line inside a clip. Every step moves along the longer axis; the other coordinate
+/// is rounded to nearest.
 struct LineWay {
   int x, y;              ///< The first pixel.
-  int first, count;      ///< Its step, and how many there are.
-  int alongX, alongY;    ///< What each step adds,
-  int acrossX, acrossY;  ///< and what a step adds as well if it turns().
-  /// How far across since the last such step, and how much further by each, in 1/2^64 of a pixel.
+  int first, count;      ///< The step of the first pixel, and the number of steps.
+  int alongX, alongY;    ///< Added at each step.
+  int acrossX, acrossY;  ///< Added too at steps for which Turns() is -1.
+  /// The distance across since the last turn, and the distance added by each step, in 1/2^64 of a
+  /// pixel.
   uint64_t position, slope;
 
-  /// -1 if this step moves across as well, otherwise 0. Call it once per step. A branch would be
-  /// mispredicted at every other turn.
+  /// Returns -1 if this step also moves across, otherwise 0. Call it once per step. A branch would
+  /// be mispredicted at every other turn.
   ptrdiff_t Turns() {
     position += slope;
     return -static_cast<ptrdiff_t>(position < slope);
@@ -77,13 +80,13 @@ void Walk(const Hairline& line, const Box& clip, F&& pixel) {
   }
 }
 
-/// Calls `run(box)` for the same pixels, those side by side as one box.
+/// Calls `run(box)` for the same pixels. Adjacent pixels of a row or column form one box.
 template <typename F>
 void WalkRuns(const Hairline& line, const Box& clip, F&& run) {
   Box box;
   Walk(line, clip, [&](int x, int y, int) {
     const Box pixel = {x, y, x + 1, y + 1};
-    // No two pixels of a line share their place along the longer axis.
+    // No two pixels of a line share their position along the longer axis.
     if (box.IsEmpty() || x == box.x0 || y == box.y0) {
       box = Union(box, pixel);
     } else {

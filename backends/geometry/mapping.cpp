@@ -7,13 +7,14 @@ namespace ZIRK::backends {
 
 namespace {
 
-// Deviations below this, in pixels, are rounding: the sine of half a turn is not quite zero.
+// Deviations below this, in pixels, are rounding errors: the computed sine of half a turn is not
+// quite zero.
 constexpr double kTolerance = 1.0 / 512;
-// The same for one element of a matrix beside another. It would draw the corners of an edge that
-// lies in the middle of a row of pixels to different sides.
+// The same for one element of a matrix relative to another. Such an error would round the two
+// corners of an edge in the middle of a row of pixels to different sides.
 constexpr double kNoise = 1e-6;
 
-/// x * a + y * b + move. An element that is only rounding noise counts as 0.
+/// Returns x * a + y * b + move. Treats an element that is only rounding noise as 0.
 double Sum(double x, double a, double y, double b, double move) {
   if (std::abs(a) < kNoise * std::abs(b)) return y * b + move;
   if (std::abs(b) < kNoise * std::abs(a)) return x * a + move;
@@ -36,14 +37,14 @@ bool IsInRange(double v) {
   return std::abs(v) <= kMaxCoordinate;
 }
 
-/// Whether the sides are parallel to the axes, in either order and direction.
+/// Returns whether the sides are parallel to the axes, in either order and direction.
 bool IsAxisAligned(const Affine& a) {
   const bool upright = std::abs(a.dx.y) < kTolerance && std::abs(a.dy.x) < kTolerance;
   const bool turned = std::abs(a.dx.x) < kTolerance && std::abs(a.dy.y) < kTolerance;
   return upright || turned;
 }
 
-/// Corner by corner, so that rectangles that share an edge still do.
+/// Rounds corner by corner, so that rectangles that share an edge still share it.
 Affine MoveToWholePixels(const Affine& a) {
   const auto snap = [](Point p) { return Point{NearestWhole(p.x), NearestWhole(p.y)}; };
   const Point origin = snap(a.origin);
@@ -87,13 +88,13 @@ void SetCorners(MappedQuad& p, double u0, double v0, double u1, double v1) {
              ClampToRange(std::ceil(right)), ClampToRange(std::ceil(bottom))};
 }
 
-/// `outer` of `inner`.
+/// Returns the function that applies `inner`, then `outer`.
 Affine Compose(const Affine& outer, const Affine& inner) {
   const auto linear = [&outer](Point p) { return outer.dx * p.x + outer.dy * p.y; };
   return {outer(inner.origin.x, inner.origin.y), linear(inner.dx), linear(inner.dy)};
 }
 
-/// `toTexels` with the bias, where the nearest texels are read by it along the axes.
+/// Adds the bias to `toTexels` if it reads nearest texels along the axes.
 Affine Biased(const Affine& toTexels, VuScaleMode mode) {
   const bool upright = toTexels.dx.y == 0 && toTexels.dy.x == 0,
              turned = toTexels.dx.x == 0 && toTexels.dy.y == 0;
@@ -103,7 +104,7 @@ Affine Biased(const Affine& toTexels, VuScaleMode mode) {
   return {toTexels.origin + bias, toTexels.dx, toTexels.dy};
 }
 
-/// The part of `r` that lies inside `bounds`; without extent if there is none.
+/// Returns the part of `r` inside `bounds`. The result is empty if there is no such part.
 RectD Cut(const RectD& r, const Box& bounds) {
   const double x0 = std::max<double>(r.x, bounds.x0), y0 = std::max<double>(r.y, bounds.y0);
   const double x1 = std::min<double>(r.x + r.width, bounds.x1);
@@ -111,7 +112,7 @@ RectD Cut(const RectD& r, const Box& bounds) {
   return {x0, y0, x1 - x0, y1 - y0};
 }
 
-/// All pixels that `r`, which has been cut, touches.
+/// Returns all pixels that `r` touches. Expects a rectangle that Cut() returned.
 Box Around(const RectD& r) {
   return {static_cast<int>(std::floor(r.x)), static_cast<int>(std::floor(r.y)),
           static_cast<int>(std::ceil(r.x + r.width)), static_cast<int>(std::ceil(r.y + r.height))};
@@ -163,7 +164,8 @@ std::optional<MappedQuad> MapRect(const RectD& r, const VuTMatrix2D<float>& m, E
   MappedQuad p;
   if (!(r.width > 0 && r.height > 0)) return std::nullopt;
   const Point origin = MapPoint(m, r.x, r.y);
-  // From corner to corner, not extent times element: a neighbour computes the same corner.
+  // Subtract mapped corners instead of multiplying the extent by elements of the matrix: a
+  // neighbour then computes the same corner.
   p.toSurface = {origin, MapPoint(m, r.x + r.width, r.y) - origin,
                  MapPoint(m, r.x, r.y + r.height) - origin};
   if (!IsFinite(p.toSurface.origin) || !IsFinite(p.toSurface.dx) || !IsFinite(p.toSurface.dy))

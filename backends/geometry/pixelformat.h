@@ -8,21 +8,22 @@
 
 namespace ZIRK::backends {
 
-/// The position of a channel in a pixel, in bits. No bits: the format does not have the channel.
+/// The position of a channel in a pixel, in bits. A channel that the format lacks has 0 bits.
 struct PixelChannel {
   int shift = 0;
   int bits = 0;
 
-  /// The channel's bits in the pixel, all set.
+  /// Returns a pixel with all bits of the channel set.
   constexpr uint32_t Mask() const { return ((1u << bits) - 1) << shift; }
 };
 
-/// How a format stores a pixel, as a number in the machine's byte order.
+/// The layout of a pixel, which is stored as a number in the machine's byte order.
 struct PixelLayout {
   VuPixelFormat format;
   int bytes;
   PixelChannel alpha, red, green, blue;
-  /// The bits of no channel. They are always set, so that XRGB8888 can be read as ARGB8888.
+  /// The bits that belong to no channel. They are always set, so that XRGB8888 can be read as
+  /// ARGB8888.
   uint32_t unusedBits;
 
   constexpr PixelLayout(VuPixelFormat format_, int bytes_, PixelChannel alpha_, PixelChannel red_,
@@ -36,9 +37,9 @@ struct PixelLayout {
         unusedBits((0xFFFFFFFFu >> (32 - 8 * bytes_)) &
                    ~(alpha_.Mask() | red_.Mask() | green_.Mask() | blue_.Mask())) {}
 
-  /// Pixels of a format without alpha are opaque.
+  /// Returns whether the format has alpha. Pixels without it are opaque.
   constexpr bool HasAlpha() const { return alpha.bits != 0; }
-  /// A pixel of a format without colour stands for white of its alpha.
+  /// Returns whether the format has colour. Pixels without it are white with their alpha.
   constexpr bool HasColor() const { return green.bits != 0; }
 };
 
@@ -53,7 +54,7 @@ inline constexpr PixelLayout kPixelLayouts[] = {
     {VuPixelFormat::A8, 1, {0, 8}, {}, {}, {}},
 };
 
-/// Whether the layout of each format is found by the format's number.
+/// Returns whether each format's number is the index of its layout.
 constexpr bool IsInOrder() {
   for (size_t i = 0; i < std::size(kPixelLayouts); ++i)
     if (kPixelLayouts[i].format != static_cast<VuPixelFormat>(i)) return false;
@@ -61,17 +62,17 @@ constexpr bool IsInOrder() {
 }
 static_assert(IsInOrder());
 
-/// Whether there is such a format.
+/// Returns whether the format is valid.
 constexpr bool IsPixelFormat(VuPixelFormat format) {
   return static_cast<uint32_t>(format) < std::size(kPixelLayouts);
 }
 
-/// Expects a format that exists.
+/// Returns the layout of a valid format.
 constexpr const PixelLayout& PixelLayoutOf(VuPixelFormat format) {
   return kPixelLayouts[static_cast<uint32_t>(format)];
 }
 
-/// 0 for a format that does not exist.
+/// Returns the size of a pixel, or 0 if the format is invalid.
 constexpr int BytesPerPixel(VuPixelFormat format) {
   return IsPixelFormat(format) ? PixelLayoutOf(format).bytes : 0;
 }

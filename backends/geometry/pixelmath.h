@@ -6,13 +6,13 @@
 
 namespace ZIRK::backends {
 
-/// Product of two channels of 0..255 that stand for 0..1, rounded to nearest.
+/// Returns the product of two channels, rounded to nearest. Their values 0 to 255 represent 0 to 1.
 constexpr uint32_t MultiplyChannel(uint32_t a, uint32_t b) {
   const uint32_t t = a * b + 128;
   return (t + (t >> 8)) >> 8;
 }
 
-/// Each channel of `pixel` times `factor`.
+/// Multiplies each channel of `pixel` by `factor`.
 constexpr uint32_t ScalePixel(uint32_t pixel, uint32_t factor) {
   uint32_t result = 0;
   for (int shift = 0; shift < 32; shift += 8)
@@ -30,7 +30,7 @@ constexpr uint32_t Premultiply(VuColor color) {
   return a << 24 | (ScalePixel(color.argb, a) & 0x00FFFFFFu);
 }
 
-/// source + destination * (1 - source alpha), clamped, on premultiplied pixels.
+/// Returns source + destination * (1 - source alpha) for premultiplied pixels, clamped.
 constexpr uint32_t BlendOver(uint32_t src, uint32_t dst) {
   const uint32_t low = 0x00FF00FFu, inverse = 255 - (src >> 24);
   const auto scaled = [=](uint32_t pair) {

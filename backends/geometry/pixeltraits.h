@@ -14,11 +14,11 @@ namespace ZIRK::backends {
 template <VuPixelFormat kFormat>
 struct PixelTraits {
   static constexpr PixelLayout kLayout = PixelLayoutOf(kFormat);
-  /// A pixel as it is stored.
+  /// The type of a stored pixel.
   using Stored = std::conditional_t<kLayout.bytes == 4, uint32_t,
                                     std::conditional_t<kLayout.bytes == 2, uint16_t, uint8_t>>;
 
-  /// `p` as premultiplied ARGB8888.
+  /// Converts a stored pixel to premultiplied ARGB8888.
   static constexpr uint32_t Unpack(Stored p) {
     if constexpr (!kLayout.HasColor()) {
       return p * 0x01010101u;
@@ -37,7 +37,7 @@ struct PixelTraits {
     }
   }
 
-  /// Premultiplied ARGB8888 as a stored pixel.
+  /// Converts premultiplied ARGB8888 to a stored pixel.
   static constexpr Stored Pack(uint32_t p) {
     if constexpr (kLayout.bytes == 4) return p | kLayout.unusedBits;
     return static_cast<Stored>(
@@ -46,17 +46,17 @@ struct PixelTraits {
   }
 
  private:
-  /// The alpha of `p`, of one bit or none, in its place in ARGB8888.
+  /// Returns the alpha of `p`, which has at most one bit, at its position in ARGB8888.
   static constexpr uint32_t WidenAlpha(Stored p) {
     if constexpr (!kLayout.HasAlpha()) return 0xFF000000u;
     return p & kLayout.alpha.Mask() ? 0xFF000000u : 0u;
   }
-  /// The channel of `p` as a number of eight bits.
+  /// Widens a channel of `p` to eight bits.
   static constexpr uint32_t WidenChannel(Stored p, PixelChannel channel) {
     const uint32_t value = p >> channel.shift & ((1u << channel.bits) - 1);
     return value << (8 - channel.bits) | value >> (2 * channel.bits - 8);
   }
-  /// The channel at bit `from` of ARGB8888, where `channel` lies.
+  /// Narrows the channel at bit `from` of ARGB8888 and moves it to the position of `channel`.
   static constexpr uint32_t NarrowChannel(uint32_t p, int from, PixelChannel channel) {
     if (channel.bits == 0) return 0;
     return p >> (from + 8 - channel.bits - channel.shift) & channel.Mask();
@@ -83,7 +83,7 @@ decltype(auto) WithPixelTraits(VuPixelFormat format, F&& f) {
   return f(PixelTraits<VuPixelFormat::ARGB8888>());
 }
 
-/// `count` pixels of a row of `format`, from pixel `x` on, to ARGB8888.
+/// Converts `count` pixels of a row of `format`, starting at pixel `x`, to ARGB8888.
 inline void UnpackRow(VuPixelFormat format, const uint8_t* row, int x, int count, uint32_t* out) {
   WithPixelTraits(format, [=](auto traits) {
     using Traits = decltype(traits);
@@ -92,7 +92,7 @@ inline void UnpackRow(VuPixelFormat format, const uint8_t* row, int x, int count
   });
 }
 
-/// The reverse conversion.
+/// Performs the reverse conversion.
 inline void PackRow(VuPixelFormat format, const uint32_t* in, int count, uint8_t* row, int x) {
   WithPixelTraits(format, [=](auto traits) {
     using Traits = decltype(traits);
