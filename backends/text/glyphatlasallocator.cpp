@@ -13,7 +13,7 @@ namespace {
 std::mutex listMutex;
 static_assert(std::is_trivially_destructible_v<std::mutex>);
 
-GlyphAtlasAllocator* first = nullptr;  // of the list
+GlyphAtlasAllocator* first = nullptr;  // The head of the list.
 
 }  // namespace
 

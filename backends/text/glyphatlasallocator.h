@@ -10,30 +10,32 @@
 
 namespace ZIRK::backends {
 
-/// Makes the bitmaps of glyph atlases. A graphics context has one.
+/// The allocator of a graphics context for the bitmaps of glyph atlases.
 ///
-/// A font keeps a pointer to the allocator of its atlas so that it can grow it, and may outlive the
-/// graphics context. The allocator is therefore an object of its own, which the context's surfaces
-/// and the bitmaps of the atlases keep alive. A backend adds how a bitmap is made.
+/// A font keeps a pointer to the allocator of its atlas to grow the atlas, and may outlive the
+/// graphics context. The allocator is therefore a separate object, which the context's surfaces and
+/// the bitmaps of the atlases keep alive. Backends implement MakeBitmap().
 class GlyphAtlasAllocator : public VuGraphicsImpl,
                             public std::enable_shared_from_this<GlyphAtlasAllocator> {
  public:
-  /// The bitmaps count in `budget`. `graphicsType` is the context's. Owned by a std::shared_ptr.
+  /// The bitmaps' memory counts towards `budget`. `graphicsType` is the context's. A
+  /// std::shared_ptr must own the object.
   GlyphAtlasAllocator(std::shared_ptr<MemoryBudget> budget, int graphicsType);
   ~GlyphAtlasAllocator() override;
 
-  /// The allocator at the address that an atlas stores: usually this one, otherwise that of another
-  /// context. Null, after an error line, if it belongs to another plug-in or was deleted.
+  /// Returns the allocator at the address that an atlas stores: usually this one, otherwise that of
+  /// another context. Returns null and logs an error if it belongs to another plug-in or was
+  /// deleted.
   std::shared_ptr<GlyphAtlasAllocator> FindOwner(const VuGraphicsImpl* owner);
 
-  /// Locked while text is drawn from one of the atlases.
+  /// Returns the mutex to lock while text is drawn from one of the atlases.
   std::mutex& DrawingMutex() { return drawingMutex_; }
 
-  // The operations that an atlas uses.
+  // The operations that atlases use.
   VuBitmapImpl* CreateBitmap(int width, int height, VuPixelFormat format) final;
   int GetGraphicsType() const final { return graphicsType_; }
 
-  // The other operations of a context. No atlas uses them.
+  // The other operations of a context, which atlases do not use.
   VuScreenImpl* CreateScreen(bool) final { return nullptr; }
   VuScreenImpl* CreateScreen(const VuScreenDescription&) final { return nullptr; }
   VuBitmapImpl* CreateBitmapFromFile(const char*) final { return nullptr; }
@@ -58,15 +60,15 @@ class GlyphAtlasAllocator : public VuGraphicsImpl,
   using Reservation = std::unique_ptr<MemoryBudget::Reservation>;
 
  private:
-  /// A bitmap, which need not be cleared: only glyphs are read. Null after an error line; may throw
-  /// std::bad_alloc, which becomes both.
+  /// Makes a bitmap. It need not be cleared, since only glyphs are read. Returns null after it logs
+  /// an error. May throw std::bad_alloc, which the caller logs and turns into null.
   virtual std::unique_ptr<VuBitmapImpl> MakeBitmap(Reservation reservation, int width, int height,
                                                    VuPixelFormat format) = 0;
 
   const std::shared_ptr<MemoryBudget> budget_;
   const int graphicsType_;
   std::mutex drawingMutex_;
-  GlyphAtlasAllocator* next_;  ///< In the list of all that exist.
+  GlyphAtlasAllocator* next_;  ///< In the list of all allocators.
 };
 
 }  // namespace ZIRK::backends

@@ -14,27 +14,28 @@
 
 namespace ZIRK::backends {
 
-/// The properties that the glyphs of a line share.
+/// The properties that all glyphs of a line share.
 template <class Pixels>
 struct LineStyle {
   VuColor color;
-  uint32_t premultiplied;  ///< The same colour.
+  uint32_t premultiplied;  ///< `color`, premultiplied.
   const MatrixF& matrix;
-  const Mask<Pixels>* mask;     ///< Lies over the whole line. Null if there is none.
-  std::optional<VuPoint> move;  ///< Set if the matrix only moves by whole pixels, without a mask.
+  const Mask<Pixels>* mask;     ///< Covers the whole line. Null for no mask.
+  std::optional<VuPoint> move;  ///< Set without a mask if the matrix moves by whole pixels.
 };
 
-/// The operation DrawText of a renderer, which derives from this and has
+/// The operation DrawText of a renderer, which derives from this class and has
 ///
-/// - `GlyphAtlasAllocator& Atlases()`, which makes the atlas of a font that has none yet;
+/// - `GlyphAtlasAllocator& Atlases()`, which makes the atlas of a font that has none;
 /// - `bool DrawGlyph(const TextLayout::Glyph&, const LineStyle<Pixels>&)`, which draws before it
-///   returns, or keeps what it takes: the next glyph may move the atlas to another bitmap, empty
-///   it, or delete the bitmap of a glyph that has one of its own. False ends the line.
+///   returns, or keeps the pixels that it needs: the next glyph may move the atlas to another
+///   bitmap, empty it, or delete a bitmap that holds a single glyph. If it returns false, the rest
+///   of the line is not drawn.
 template <class Renderer, class Pixels>
 class TextDrawing {
  public:
-  /// Only one thread at a time draws from an atlas. A font whose atlas was made by another plug-in
-  /// draws nothing, after an error line.
+  /// Draws a line of text. Only one thread at a time draws from an atlas. If another plug-in made
+  /// the font's atlas, logs an error and draws nothing.
   void DrawText(const TextArguments& text, VuColor color, const MatrixF& m,
                 const Mask<Pixels>* mask);
 };
@@ -43,7 +44,7 @@ template <class Renderer, class Pixels>
 void TextDrawing<Renderer, Pixels>::DrawText(const TextArguments& text, VuColor color,
                                              const MatrixF& m, const Mask<Pixels>* mask) {
   auto& renderer = static_cast<Renderer&>(*this);
-  // The font and its atlas throw.
+  // The font and its atlas may throw.
   try {
     TextLayout layout(text, &renderer.Atlases());
     if (!layout.Owner()) return;

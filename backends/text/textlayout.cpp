@@ -20,7 +20,7 @@ bool IsZero(const VuRect& r) {
   return r.x == 0 && r.y == 0 && r.width == 0 && r.height == 0;
 }
 
-/// Cuts a glyph's extent in one direction.
+/// Clips a glyph in one direction.
 void Cut(int32_t& source, int32_t& start, int32_t& extent, int32_t clipStart, int32_t clipExtent) {
   const int64_t first = std::max<int64_t>(start, clipStart);
   const int64_t end = std::min(int64_t{start} + extent, int64_t{clipStart} + clipExtent);
@@ -50,7 +50,7 @@ VuRect TextLayout::Box() const {
   return {pos_.x, pos_.y, font_->GetOneLineWidth(cursor_.text), font_->GetOneLineHeight()};
 }
 
-/// False if nothing is left.
+/// Returns false if nothing is left.
 bool TextLayout::CutToClip(Glyph& glyph) const {
   VuRect &to = glyph.destination, &from = glyph.source;
   Cut(from.x, to.x, to.width, clip_->x, clip_->width);

@@ -20,32 +20,32 @@ class VuGraphicsImpl;
 
 namespace ZIRK::backends {
 
-/// Lays out one line of text: which parts of the font's atlas go where, in the text's own
-/// coordinates.
+/// The layout of one line of text: the part of the font's atlas and the destination of each glyph,
+/// in the coordinates of the text.
 ///
-/// The caller draws a glyph before it requests the next one, which may move the atlas to another
-/// bitmap, or empty it. A glyph without room in a full atlas has a bitmap of its own. Threads that
-/// draw from one atlas take turns, a line at a time.
+/// Draw each glyph before you request the next one, which may move the atlas to another bitmap or
+/// empty it. A glyph that does not fit into a full atlas has a separate bitmap. Only one thread at
+/// a time may draw from an atlas; hold its lock for a whole line.
 class TextLayout {
  public:
   struct Glyph {
-    VuBitmapImpl* atlas;  ///< Or a bitmap of this glyph alone.
+    VuBitmapImpl* atlas;  ///< Or a bitmap with this glyph only.
     VuRect source;        ///< In the atlas.
     VuRect destination;   ///< Of the same size.
   };
 
-  /// `graphics` makes the font's atlas if it has none yet. May throw std::bad_alloc.
+  /// `graphics` makes the font's atlas if it has none. May throw std::bad_alloc.
   TextLayout(const TextArguments& arguments, VuGraphicsImpl* graphics);
 
-  /// The maker of the font's atlas; null if there is nothing to draw. If the atlas has no bitmap,
-  /// the maker may be deleted already.
+  /// Returns the object that made the font's atlas, or null if there is nothing to draw. If the
+  /// atlas has no bitmap, that object may already be deleted.
   VuGraphicsImpl* Owner() const;
 
-  /// The line, as wide as it is measured.
+  /// Returns the line's rectangle, as wide as its measured width.
   VuRect Box() const;
 
-  /// Stores the next glyph that has pixels to draw; false at the end. Do not call it if Owner() is
-  /// null. May throw std::bad_alloc.
+  /// Stores the next glyph that has pixels to draw. Returns false at the end. Expects that Owner()
+  /// is not null. May throw std::bad_alloc.
   bool Next(Glyph& placed) {
     while (const ZIRK::Glyph* const glyph = font_->NextGlyph(cursor_, true))
       if (Place(*glyph, placed)) return true;
@@ -70,7 +70,7 @@ class TextLayout {
                           glyph.height};
     return !clip_ || CutToClip(placed);
   }
-  /// Whether the extent's end is in the range of coordinates too.
+  /// Returns whether both ends of the extent are in the range of coordinates.
   static bool Fits(int64_t start, int extent) {
     return start >= std::numeric_limits<int32_t>::min() &&
            start + extent <= std::numeric_limits<int32_t>::max();
@@ -79,8 +79,7 @@ class TextLayout {
 
   const VuFontAtlas* font_;
   std::shared_ptr<VuTextureAtlasImpl> atlas_;
-  std::shared_ptr<VuBitmapImpl>
-      apart_;  ///< The latest glyph alone for which the atlas had no room.
+  std::shared_ptr<VuBitmapImpl> apart_;  ///< The latest glyph that did not fit into the atlas.
   TextCursor cursor_;
   const VuPoint pos_;
   std::optional<VuRect> clip_;
