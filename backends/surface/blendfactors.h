@@ -4,7 +4,7 @@
 
 namespace ZIRK::backends {
 
-/// The four factors of the blending function.
+/// The factors of the blending function.
 struct BlendFactors {
   VuBlendingFactor srcColor = VuBlendingFactor::One;
   VuBlendingFactor dstColor = VuBlendingFactor::OneMinusSrcAlpha;

@@ -5,15 +5,15 @@
 #include <new>
 
 // Temporary memory for drawing. The operations of a surface throw no exceptions, so renderers
-// allocate with these functions, or catch std::bad_alloc where a library throws it, and do nothing
-// more if memory runs out.
+// allocate with these functions, or catch std::bad_alloc if a library throws it. If memory runs
+// out, the operation ends.
 
 namespace ZIRK::backends {
 
-/// Logs that there is no memory to draw with. Returns false.
+/// Logs that memory to draw with ran out. Returns false.
 bool ReportNoMemory();
 
-/// `count` values, not initialised. Null after the error line if memory runs out.
+/// Allocates `count` values, not initialised. Logs an error and returns null if memory runs out.
 template <class T>
 std::unique_ptr<T[]> AllocateToDraw(size_t count) {
   std::unique_ptr<T[]> memory(new (std::nothrow) T[count]);
@@ -21,12 +21,12 @@ std::unique_ptr<T[]> AllocateToDraw(size_t count) {
   return memory;
 }
 
-/// Working memory that is kept from one operation to the next.
+/// Memory that is reused from one operation to the next.
 template <class T>
 class WorkMemory {
  public:
-  /// Has room for `count` values, which are not initialised. False after the error line if memory
-  /// runs out.
+  /// Makes room for `count` values, which are not initialised. Logs an error and returns false if
+  /// memory runs out.
   bool Reserve(size_t count) {
     if (count <= size_) return true;
     memory_ = AllocateToDraw<T>(count);

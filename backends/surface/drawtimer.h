@@ -6,8 +6,8 @@
 
 namespace ZIRK::backends {
 
-/// Adds the time of its scope to `draw_time` or `swap_time` while LogPerf is set. Of nested timers
-/// in one thread, only the outermost counts.
+/// A timer that adds the time of its scope to `draw_time` or `swap_time` while LogPerf is set. If
+/// timers of one thread nest, only the outermost counts.
 class DrawTimer {
  public:
   static DrawTimer Drawing() { return DrawTimer(false); }
@@ -23,8 +23,8 @@ class DrawTimer {
   using Clock = std::chrono::steady_clock;
 
   struct Thread {
-    int depth;  ///< Of timers that run.
-    // Nanoseconds left over from last time: one drawing operation often takes less than a
+    int depth;  ///< The number of running timers.
+    // The nanoseconds that are not yet counted: a drawing operation often takes less than a
     // microsecond.
     uint64_t remainders[2];
   };
@@ -33,8 +33,8 @@ class DrawTimer {
     if (LogPerf) Start(swapping);
   }
 
-  // Separate: computing the address of thread-local variables takes longer than a small operation,
-  // and compilers tend to do it in advance.
+  // Not inlined: computing the address of thread-local variables takes longer than a small
+  // operation, and compilers tend to do it in advance.
   [[gnu::cold, gnu::noinline]] void Start(bool swapping) {
     static thread_local Thread thread = {};
     ++thread.depth;
@@ -51,8 +51,8 @@ class DrawTimer {
     remainder %= 1000;
   }
 
-  Thread* thread_ = nullptr;  ///< Null where nothing is measured.
-  bool swapping_;             ///< These two only where something is.
+  Thread* thread_ = nullptr;  ///< Null if the timer does not measure.
+  bool swapping_;             ///< Set, like `start_`, only if it does.
   Clock::time_point start_;
 };
 

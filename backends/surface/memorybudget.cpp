@@ -55,7 +55,7 @@ std::unique_ptr<MemoryBudget::Reservation> MemoryBudget::Reserve(int width, int 
   std::list<Record> record;
   record.push_back({width, height, format, bytes, {}});
   std::unique_ptr<Reservation> reservation(new Reservation(shared_from_this(), record.begin()));
-  // Nothing throws from here on, so that no record stays without a reservation.
+  // From here on nothing throws, so every record has a reservation.
   records_.splice(records_.end(), record);
   reserved_ += bytes;
   return reservation;

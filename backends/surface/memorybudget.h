@@ -11,28 +11,28 @@
 
 namespace ZIRK::backends {
 
-/// The memory that the surfaces of a graphics context may take, and the list of those that exist.
+/// The limit on the memory of a graphics context's surfaces, and the list of these surfaces.
 ///
-/// The context and its surfaces share it, so that either may be deleted first. All operations may
-/// be called from any thread.
+/// The context and its surfaces share it, so that either may be deleted first. All operations are
+/// safe to call from any thread.
 class MemoryBudget : public std::enable_shared_from_this<MemoryBudget> {
  public:
   class Reservation;
 
-  /// `limit` is in bytes; it is cut to what 32 bits hold.
+  /// `limit` is in bytes and clamped to 32 bits.
   static std::shared_ptr<MemoryBudget> Create(uint64_t limit = QuarterOfMachineMemory());
-  /// In bytes; 0 if the system does not say.
+  /// Returns the bytes, or 0 if the system does not report its memory.
   static uint64_t QuarterOfMachineMemory();
 
-  /// Reserves the memory of a surface. Null, after an error line with the reason, if no surface can
-  /// have this size or format, or if too little memory is left. The line names `picture`, if there
-  /// is one, as what the memory is for.
+  /// Reserves the memory of a surface. Logs an error with the reason and returns null if the size
+  /// or format is invalid, or if too little memory is left. The error names `picture`, if it is not
+  /// null, as the purpose of the memory.
   std::unique_ptr<Reservation> Reserve(int width, int height, VuPixelFormat format,
                                        const char* picture = nullptr);
 
-  /// The bytes that are not reserved.
+  /// Returns the bytes that are not reserved.
   unsigned Available() const;
-  /// The limit in bytes.
+  /// Returns the limit in bytes.
   unsigned Total() const;
 
   /// Prints one line per surface, oldest first. Addresses are XORed with `key`.
@@ -50,8 +50,8 @@ class MemoryBudget : public std::enable_shared_from_this<MemoryBudget> {
 
   explicit MemoryBudget(uint64_t limit);
 
-  /// Whether there can be such a surface, and memory for it once `freed` bytes are freed. If
-  /// not, logs an error line. The caller holds the lock.
+  /// Returns whether the size and format are valid and the memory suffices once `freed` bytes are
+  /// freed. Logs an error otherwise. The caller holds the lock.
   bool Fits(int width, int height, VuPixelFormat format, uint32_t freed,
             const char* picture = nullptr) const;
 
@@ -61,19 +61,19 @@ class MemoryBudget : public std::enable_shared_from_this<MemoryBudget> {
   std::list<Record> records_;
 };
 
-/// The memory of one surface. It is returned when this object is deleted, with the surface.
+/// The reserved memory of one surface, which owns this object. The destructor returns the memory.
 class MemoryBudget::Reservation {
  public:
   ~Reservation();
   Reservation(const Reservation&) = delete;
   Reservation& operator=(const Reservation&) = delete;
 
-  /// Changes the size and format. False, after an error line with the reason, if Reserve() would
-  /// fail; then nothing changes.
+  /// Changes the size and format. If Reserve() would fail, changes nothing, logs an error with the
+  /// reason and returns false.
   bool Resize(int width, int height, VuPixelFormat format);
 
-  /// Names the surface in the list; null is an empty name. Without memory for the name, the surface
-  /// keeps the old one.
+  /// Names the surface in the list; null means an empty name. If there is no memory for the name,
+  /// the surface keeps its old one.
   void Rename(const char* name);
 
  private:

@@ -12,7 +12,7 @@ namespace ZIRK {
 class VuFontImpl;
 }  // namespace ZIRK
 
-// What the operations of a renderer are given besides rectangles and colours.
+// The arguments of a renderer's operations other than rectangles and colours.
 
 namespace ZIRK::backends {
 
@@ -29,12 +29,12 @@ struct Source {
 template <class Pixels>
 struct Mask {
   Source<Pixels> source;
-  const VuTVector2D<float>* coords;       ///< As many as the primitive has, or null.
-  const MappedQuad* primitive = nullptr;  ///< What the mask lies over, if not over what is drawn.
+  const VuTVector2D<float>* coords;       ///< One for each corner or end of the primitive, or null.
+  const MappedQuad* primitive = nullptr;  ///< What the mask covers, if not what is drawn.
 };
 
-/// One line of text. The pen starts at `pos`, the top-left corner of the line. A `rect` that is not
-/// all zeros clips the glyphs.
+/// One line of text. The pen starts at `pos`, the top-left corner of the line. If `rect` is not all
+/// zeros, it clips the glyphs.
 struct TextArguments {
   const VuFontImpl* font;
   const char* text;

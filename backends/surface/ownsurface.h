@@ -8,11 +8,12 @@
 
 namespace ZIRK::backends {
 
-/// `surface` as a T, which is a final class, if this very plug-in has made it as one; else null.
+/// Returns `surface` as a T, which is a final class, if this plug-in made it as a T, otherwise
+/// null.
 ///
-/// Plug-ins link the same code, so that a class of one has the name, but maybe not the contents, of
-/// another's. What tells them apart is where the class is described: each has its own copy, which
-/// is not visible outside.
+/// Plug-ins link the same code, so their classes have the same names but perhaps different
+/// contents. The address of the type information tells them apart: each plug-in has its own copy,
+/// which is not visible outside.
 template <class T>
 T* AsOwn(VuBitmapImpl* surface) {
   static_assert(std::is_final_v<T>);

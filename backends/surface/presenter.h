@@ -4,10 +4,10 @@
 
 namespace ZIRK::backends {
 
-/// How the screens of all backends present their pictures.
+/// The part that presents pictures, shared by the screens of all backends.
 ///
-/// It stands beside the surface as a base of its own. One between surface and screen would add 2 to
-/// 7 KiB to a plug-in: with a virtual base, each class on the way repeats all tables.
+/// It is a separate base class beside the surface. A class between surface and screen would add 2
+/// to 7 KiB to a plug-in: with a virtual base, each intermediate class repeats all tables.
 class Presenter {
  protected:
   explicit Presenter(bool singleBuffered) : singleBuffered_(singleBuffered) {}
@@ -15,15 +15,15 @@ class Presenter {
 
   bool IsSingleBuffered() const { return singleBuffered_; }
 
-  /// Presents the picture, takes the time, and reports memory that runs out.
+  /// Presents the picture, measures the time, and logs an error if memory runs out.
   void Show();
-  /// For VuScreenImpl::SwapBuffers().
+  /// Implements VuScreenImpl::SwapBuffers().
   void Swap() {
     Show();
     if (LogFPS) ShowFPS();
   }
-  /// For Finish() and Flush(): drawing on a single-buffered screen appears without a swap. Returns
-  /// whether the screen is single-buffered.
+  /// Presents the picture of a single-buffered screen, for Finish() and Flush(): its drawing
+  /// appears without a swap. Returns whether the screen is single-buffered.
   bool ShowIfSingleBuffered() {
     if (singleBuffered_) Show();
     return singleBuffered_;

@@ -12,12 +12,12 @@
 // The operations that a Surface requires of its renderer. Renderers declare them in this order and
 // under these headings.
 //
-// - Its constructor takes the `const SurfaceState&` of the surface before anything else. The state
+// - The first parameter of its constructor is the `const SurfaceState&` of the surface. The state
 //   outlives the renderer, and operations use its values at the time of the call.
-// - A renderer may rely on its surface to call one operation at a time, with pointers that are not
-//   null and, for pixels, boxes that lie on the surface. Primitives come from the application
-//   unchecked: they may be empty, inverted, far away or not finite.
-// - An operation that fails logs an error and does nothing more. None throws.
+// - The surface calls one operation at a time, with pointers that are not null and, for pixels,
+//   boxes that lie on the surface. Primitives come from the application unchecked: they may be
+//   empty, inverted, far away or not finite.
+// - An operation that fails logs an error and does nothing more. No operation throws.
 
 namespace ZIRK::backends {
 
@@ -40,8 +40,9 @@ concept ReadsSurfaces = requires(R& renderer, VuBitmapImpl& surface, RectD* part
 
 // --- Drawing ------------------------------------------------------------------------------------
 //
-// As VuBitmap says. Sources and masks come from Resolve(). A mask's coordinates are as many as the
-// primitive has, or null, for a point one at least; the mask is null where there is none.
+// The operations draw as VuBitmap documents. Sources and masks come from Resolve(). A mask has one
+// pair of coordinates for each corner or end of the primitive, and at least one for a point, or
+// null. A null mask means no mask.
 
 template <class R>
 concept DrawsPrimitives = requires(R& renderer, VuPoint point, float size, VuRect rect,
@@ -49,11 +50,11 @@ concept DrawsPrimitives = requires(R& renderer, VuPoint point, float size, VuRec
                                    const TextArguments& text, VuColor color, const MatrixF& matrix,
                                    const Source<typename R::Pixels>& source,
                                    const Mask<typename R::Pixels>* mask) {
-  /// Fast path for a rectangle with the identity and without a mask. Returns false, with nothing
-  /// drawn, if DrawRect() must draw it.
+  /// Draws a rectangle with the identity matrix and without a mask, quickly. Returns false, with
+  /// nothing drawn, if the caller must use DrawRect().
   { renderer.FillBox(rect, color) } -> std::same_as<bool>;
 
-  /// The same for the part of a surface, through any matrix. False also for a surface that
+  /// Does the same for a part of a surface, with any matrix. Also returns false for a surface that
   /// Resolve() would refuse or copy.
   { renderer.BlitBox(rect, surface, rect, matrix, color) } -> std::same_as<bool>;
 
@@ -61,8 +62,8 @@ concept DrawsPrimitives = requires(R& renderer, VuPoint point, float size, VuRec
   { renderer.DrawLine(point, point, color, matrix, mask) } -> std::same_as<void>;
   { renderer.DrawRect(extent, color, matrix, mask) } -> std::same_as<void>;
 
-  /// The destination comes first, then the source and its part. `edges` says whether an upright
-  /// result is moved to whole pixels.
+  /// The first rectangle is the destination, the second is the part of the source. `edges` says
+  /// whether an upright result is moved to whole pixels.
   { renderer.DrawObject(extent, source, extent, edges, matrix, color, mask) } -> std::same_as<void>;
 
   { renderer.DrawText(text, color, matrix, mask) } -> std::same_as<void>;
@@ -78,32 +79,32 @@ concept TransfersPixels = requires(R& renderer, VuColor color, const Box& box, v
                                    VuBitmapImpl& surface, const VuRect& rect) {
   { renderer.Clear(color) } -> std::same_as<bool>;
 
-  /// Reads tight rows.
+  /// Reads pixels into rows without gaps.
   { renderer.Read(box, to) } -> std::same_as<bool>;
 
-  /// Writes rows that lie `pitch` bytes apart.
+  /// Writes pixels from rows that are `pitch` bytes apart.
   { renderer.Write(box, from, pitch) } -> std::same_as<bool>;
 
-  /// Copies `rect` of a surface, which may be the renderer's own, to `at`. Both are cut to what
-  /// there is. False for a surface that Resolve() would refuse.
+  /// Copies `rect` of a surface, which may be the renderer's own, to `at`. Clips to both surfaces.
+  /// Returns false for a surface that Resolve() would refuse.
   { renderer.Copy(at, surface, rect) } -> std::same_as<bool>;
 };
 
 // --- Locking ------------------------------------------------------------------------------------
 //
-// Locks do not nest. While there is one, all other operations may be called.
+// Locks do not nest. All other operations may be called while the surface is locked.
 
 template <class R>
 concept LocksPixels = requires(R& renderer, const R& constant, bool write) {
   { renderer.Lock(write) } -> std::same_as<bool>;
 
-  /// Ends the lock, also if it returns false. `write` is what Lock() was given.
+  /// Ends the lock, even if it returns false. `write` is what Lock() was given.
   { renderer.Unlock(write) } -> std::same_as<bool>;
 
-  /// The first row, while there is a lock; null where pixels cannot be had.
+  /// Returns the first row while the surface is locked, or null if its pixels are not accessible.
   { constant.LockedPixels() } -> std::same_as<void*>;
 
-  /// Bytes from one row to the next, with or without a lock.
+  /// Returns the bytes from one row to the next, locked or not.
   { constant.Pitch() } -> std::same_as<int>;
 };
 
@@ -111,16 +112,16 @@ concept LocksPixels = requires(R& renderer, const R& constant, bool write) {
 
 template <class R>
 concept EndsFrames = requires(R& renderer, const R& constant, const char* name) {
-  /// Returns when all drawing is done.
+  /// Waits until all drawing is complete.
   { renderer.Finish() } -> std::same_as<void>;
 
   /// Submits pending drawing without waiting for it.
   { renderer.Flush() } -> std::same_as<void>;
 
-  /// A name for debuggers, null for none. It is valid during the call.
+  /// Sets a name for debuggers; null means none. The string is valid only during the call.
   { renderer.SetName(name) } -> std::same_as<void>;
 
-  /// Whether the pixels are in a texture.
+  /// Returns whether the pixels are in a texture.
   { constant.IsTextureBacked() } -> std::same_as<bool>;
 };
 

@@ -17,9 +17,9 @@
 
 namespace ZIRK::backends {
 
-/// The part that all surfaces share, on top of `Base`, which is VuBitmapImpl for a bitmap and
-/// VuScreenImpl for a screen. It keeps the state, converts arguments to those of a renderer, finds
-/// the surfaces that an operation reads, tracks locks and measures time. `Renderer` does the rest.
+/// The common part of all surfaces. `Base` is VuBitmapImpl for a bitmap and VuScreenImpl for a
+/// screen. It keeps the state, converts arguments to those of a renderer, finds the surfaces that
+/// an operation reads, tracks locks and measures time. `Renderer` does the rest.
 template <class Base, SurfaceRenderer Renderer>
 class Surface : public Base {
  public:
@@ -194,7 +194,7 @@ class Surface : public Base {
   using Pixels = typename Renderer::Pixels;
   enum class Locked { No, ForReading, ForWriting };
 
-  // The usual transform needs no conversion to a matrix.
+  // The identity, the usual transform, needs no conversion to a matrix.
   static inline const MatrixF kIdentity;
   static bool IsIdentity(const VuTransform& t) {
     return t.translateX == 0 && t.translateY == 0 && t.scaleX == 1 && t.scaleY == 1 &&
@@ -206,14 +206,14 @@ class Surface : public Base {
     return renderer_.FillBox(rect, color);
   }
 
-  /// The mask of an operation as the renderer reads it, if one is given.
+  /// The optional mask of an operation, in the form that the renderer reads.
   class GivenMask {
    public:
     GivenMask(Renderer& renderer, VuBitmapImpl* surface, const VuTVector2D<float>* coords) {
       if (surface) Read(renderer, *surface, coords);
     }
 
-    /// False if nothing is to be drawn, since the mask cannot be read.
+    /// False if the mask cannot be read; then nothing is drawn.
     explicit operator bool() const { return readable_; }
     const Mask<Pixels>* OrNull() const { return read_ ? &read_->mask : nullptr; }
 
@@ -222,7 +222,7 @@ class Surface : public Base {
       Mask<Pixels> mask;
       typename Renderer::SourceCopy copy;
     };
-    // Apart, as most operations have no mask.
+    // Not inlined, since most operations have no mask.
     [[gnu::noinline]] void Read(Renderer& renderer, VuBitmapImpl& surface,
                                 const VuTVector2D<float>* coords) {
       read_.emplace(ReadMask{{{}, coords}, {}});
@@ -239,7 +239,7 @@ class Surface : public Base {
     ++state_.revision;
   }
 
-  // Separate, so that the usual cases need few registers.
+  // Not inlined, so that the usual cases need few registers.
   [[gnu::noinline]] void DrawSource(const RectD& dst, VuBitmapImpl& src, RectD srcRect, Edges edges,
                                     const MatrixF& m, VuColor color, VuBitmapImpl* mask,
                                     const VuTVector2D<float>* maskCoords) {

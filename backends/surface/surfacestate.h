@@ -8,7 +8,7 @@
 
 namespace ZIRK::backends {
 
-/// The state of a surface between drawing calls, besides its pixels.
+/// The state of a surface between drawing calls, without its pixels.
 struct SurfaceState {
   int width;
   int height;
@@ -19,17 +19,17 @@ struct SurfaceState {
   VuColor blendColor{0};
   VuScaleMode scaleMode = VuScaleMode::Nearest;
 
-  /// Incremented with every change of the fields above; see SeenRevision.
+  /// Incremented at every change of the fields above; see SeenRevision.
   unsigned revision = 0;
 };
 
 /// The revision of a surface's state that derived data is based on.
 class SeenRevision {
  public:
-  /// `state` lives as long.
+  /// `state` must outlive this object.
   explicit SeenRevision(const SurfaceState& state) : state_(state) { Forget(); }
 
-  /// Whether the state has changed since the last call. True the first time.
+  /// Returns whether the state has changed since the last call. The first call returns true.
   bool CatchUp() {
     if (seen_ == state_.revision) return false;
     seen_ = state_.revision;
