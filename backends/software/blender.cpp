@@ -77,7 +77,7 @@ void Blender::Run(const PixelSpan& span, Kernels::Operator op) const {
     kernels_.fill[op][covered](span);
 }
 
-/// Null if there is none.
+/// Returns the kernel for RGB565, or null if there is none.
 Kernels::SpanKernel Blender::KernelFor565(const PixelSpan& span, Kernels::Operator op) const {
   const bool covered = span.coverage != nullptr;
   if (!span.src) return kernels_.fill565[op][covered];
@@ -119,7 +119,7 @@ void Blender::Draw(const Box& box, PixelSpan& shading, bool opaque) {
   }
 }
 
-/// Draws a part of one row, converted to pixels that the kernels know and back.
+/// Draws a part of one row: converts it to pixels that the kernels support, and back.
 void Blender::DrawIndirect(int x, int y, PixelSpan span, bool opaque) {
   uint32_t shaded[kChunk];
   uint32_t pixels[kChunk];
@@ -137,7 +137,8 @@ bool Blender::DrawByPixman(const Box& box, const PixmanSource& s, bool opaque) {
   const std::optional<pixman_op_t> op = !simple                    ? PixmanOperator(*factors_)
                                         : *simple == Kernels::Over ? PIXMAN_OP_OVER
                                                                    : PIXMAN_OP_SRC;
-  // An A8 source is white of that alpha for us, black for Pixman. As a mask it is the same to both.
+  // Pixels of an A8 source are white with their alpha here, but black in Pixman. As a mask, A8
+  // means the same to both.
   const bool whiteSource = s.source && s.source->Format() == VuPixelFormat::A8;
   const bool tinted = s.source && !whiteSource && s.color != 0xFFFFFFFFu;
   if (!op || tinted || (whiteSource && s.mask)) return false;

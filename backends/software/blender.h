@@ -10,35 +10,36 @@
 
 namespace ZIRK::backends {
 
-/// Blends shaded pixels onto a surface as its state specifies.
+/// The part that blends shaded pixels onto a surface as the surface's state specifies.
 ///
-/// A source that is passed as opaque is opaque in every pixel, and covers every pixel completely.
+/// If a source is passed as opaque, all its pixels are opaque and it covers every pixel completely.
 class Blender {
  public:
   explicit Blender(PixelBuffer& target)
       : target_(target), kernels_(BestKernels()), opaqueBits_(target.OpaqueBits()) {}
 
-  /// Takes the blending function from `state`. Comes before everything else.
+  /// Takes the blending function from `state`. Call it before any other function.
   void Update(const SurfaceState& state);
 
-  /// The operator that does the same as the blending factors, if there is one.
+  /// Returns the operator that is equivalent to the blending factors, or nullopt if there is none.
   std::optional<Kernels::Operator> Operator(bool opaque) const {
     return factors_ ? std::nullopt : std::optional(Simplified(opaque));
   }
 
-  /// Whether Draw() works on the target's own pixels, any number of rows at a time.
+  /// Returns whether Draw() works on the target's pixels themselves, any number of rows at a time.
   bool IsDirect() const { return isDirect_; }
 
-  /// Draws `shading` on the pixels of `box`, which lie on the target. Of `shading` only the source
-  /// (pixels, colour, coverage) is looked at; the rest is filled in. Colour alone draws a flat
-  /// colour; with source pixels it is multiplied with them.
+  /// Draws `shading` on the pixels of `box`, which lie on the target. Reads only the source fields
+  /// of `shading` (pixels, colour, coverage) and fills in the others. Without source pixels, draws
+  /// the colour; otherwise multiplies them by it.
   void Draw(const Box& box, PixelSpan& shading, bool opaque);
 
-  /// The same by a kernel that works on the target's own pixels: where IsDirect(), and for some of
-  /// what is drawn on RGB565. False, with nothing drawn, where there is no such kernel.
+  /// Does the same with a kernel that works on the target's pixels themselves. There is one if
+  /// IsDirect() is true, and for some operations on RGB565. Otherwise returns false and draws
+  /// nothing.
   bool DrawDirect(const Box& box, PixelSpan& shading, bool opaque);
 
-  /// The same with one colour, where IsDirect().
+  /// Does the same with one colour. Expects that IsDirect() is true.
   void FillDirect(const Box& box, uint32_t color, bool opaque) {
     PixelSpan span{target_.Row32(box.y0) + box.x0, target_.Pitch32(), box.Width(), box.Height()};
     span.color = color;
@@ -46,10 +47,10 @@ class Blender {
     kernels_.fill[Simplified(opaque)][false](span);
   }
 
-  /// The same as Draw() by Pixman, which has fast paths for narrow formats and for the usual
-  /// operators: `source` pixels from (sourceX, sourceY) on, or `color` where there are none,
-  /// through an A8 `mask` from (maskX, maskY) on where there is one. False if that cannot be said
-  /// in its terms.
+  /// The arguments of DrawByPixman(), which draws like Draw() but uses Pixman's fast paths for
+  /// narrow formats and the usual operators. The pixels of `source` start at (sourceX, sourceY); if
+  /// it is null, `color` is drawn. The A8 `mask`, if not null, starts at (maskX, maskY).
+  /// DrawByPixman() returns false if Pixman has no equivalent operation.
   struct PixmanSource {
     const PixelBuffer* source = nullptr;
     int sourceX = 0, sourceY = 0;
@@ -68,10 +69,10 @@ class Blender {
   PixelBuffer& target_;
   const Kernels& kernels_;
   const uint32_t opaqueBits_;
-  bool isDirect_ = false;     ///< Onto 32-bit pixels,
-  bool isDirect565_ = false;  ///< or onto RGB565, where there are kernels.
+  bool isDirect_ = false;     ///< Draws directly onto 32-bit pixels.
+  bool isDirect565_ = false;  ///< Draws onto RGB565, directly if there is a kernel.
   Kernels::Operator operator_ = Kernels::Source;
-  std::optional<BlendFactors> factors_;  ///< Set where neither operator will do.
+  std::optional<BlendFactors> factors_;  ///< Set if neither operator is equivalent.
   uint32_t blendColor_ = 0;
 };
 

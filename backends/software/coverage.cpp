@@ -1,6 +1,6 @@
-// An edge covers what lies to its right: some of each pixel that it runs through, added to `area`,
-// and its whole height from there on, added once to `carry`; right sides take both away again. A
-// pixel's coverage is the sum of `carry` up to it and of its own `area`.
+// A left edge covers everything to its right. In each pixel that it crosses, it adds the covered
+// part to `area`; for all pixels after that, it adds its height to `carry` once. A right edge
+// subtracts both. The coverage of a pixel is its `area` plus the sum of `carry` up to it.
 
 #include "software/coverage.h"
 
@@ -10,7 +10,7 @@ namespace ZIRK::backends {
 
 namespace {
 
-/// Mean over x, spread evenly from `left` to `right`, of how far `column` lies to its right.
+/// Returns the mean of max(column - x, 0) for x evenly distributed from `left` to `right`.
 double MeanReach(double column, double left, double right) {
   if (column <= left) return 0;
   if (column >= right) return column - (left + right) / 2;
@@ -38,13 +38,13 @@ QuadCoverage::QuadCoverage(const Point corners[4], const Box& limits, Scratch& s
   }
 }
 
-/// The part of the edge between two heights in one row.
+/// Adds the part of the edge between two heights in one row.
 QuadCoverage::Columns QuadCoverage::AddEdge(const Edge& edge, double top, double bottom) {
   const double height = edge.leftSide ? bottom - top : top - bottom;
   const double x = edge.x0 - limits_.x0;
   const auto [left, right] =
       std::minmax({x + (top - edge.y0) * edge.slope, x + (bottom - edge.y0) * edge.slope});
-  // Conversions truncate, which rounds down, as nothing here is negative.
+  // Conversions truncate. That rounds down, since no value here is negative.
   const double width = limits_.Width();
   const int begin = static_cast<int>(std::clamp(left, 0.0, width));
   const double last = std::clamp(right, 0.0, width);

@@ -9,36 +9,36 @@
 
 namespace ZIRK::backends {
 
-/// Exact area coverage of a convex quadrilateral, pixel row by pixel row.
+/// The exact area coverage of a convex quadrilateral, computed row by row.
 class QuadCoverage {
  public:
   /// One row: pixels `begin` to `end` are touched; `solidBegin` to `solidEnd`, which may be empty,
-  /// are completely inside. All have their coverage in Alpha().
+  /// are completely inside. Alpha() returns the coverage of all of them.
   struct Row {
     int begin, solidBegin, solidEnd, end;
   };
 
-  /// Memory to work in, kept from one shape to the next.
+  /// Working memory, reused from one shape to the next.
   struct Scratch {
-    WorkMemory<float> area;     ///< Covered to the right of the edges, within the pixel.
-    WorkMemory<float> carry;    ///< Height that is covered from this pixel on.
-    WorkMemory<uint8_t> alpha;  ///< Of the row that was computed last.
+    WorkMemory<float> area;     ///< The part of a pixel that edges inside it cover.
+    WorkMemory<float> carry;    ///< The height that is covered from this pixel on.
+    WorkMemory<uint8_t> alpha;  ///< The coverage of the row computed last.
 
-    /// Has room for rows of `width` pixels. False after an error line if memory runs out.
+    /// Makes room for rows of `width` pixels. Logs an error and returns false if memory runs out.
     bool Reserve(int width) {
       const auto count = static_cast<size_t>(width);
       return area.Reserve(count + 1) && carry.Reserve(count + 1) && alpha.Reserve(count);
     }
   };
 
-  /// `corners` in order around the shape, either way. Only pixels inside `limits` are looked at.
-  /// `scratch` has room for rows of their width, and is in use until the end of the object.
+  /// `corners` go around the shape in either direction. Only pixels inside `limits` are computed.
+  /// `scratch` has room for rows of their width and must outlive this object.
   QuadCoverage(const Point corners[4], const Box& limits, Scratch& scratch);
 
   /// Computes row `y`, which lies inside the limits.
   Row Compute(int y);
 
-  /// Coverage, 0 to 255, of pixel `x` of the computed row and those that follow.
+  /// Returns the coverage, 0 to 255, of the computed row from pixel `x` on.
   const uint8_t* Alpha(int x) const { return scratch_.alpha.Data() + (x - limits_.x0); }
 
  private:
@@ -46,7 +46,7 @@ class QuadCoverage {
     double x0, y0, y1, slope;  ///< y0 < y1
     bool leftSide;
   };
-  /// Columns that an edge runs through in the row.
+  /// The columns that an edge crosses in the row.
   struct Columns {
     int begin, end;
   };

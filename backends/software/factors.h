@@ -3,8 +3,8 @@
 #include "inlining.h"
 #include "kernels.h"
 
-/// The blending equation with any factors: source * factor + destination * factor. Part of each
-/// table of kernels, and built with it: its vectors are those that all instruction sets have.
+/// The blending equation with any factors: source * factor + destination * factor. It is compiled
+/// into each table of kernels, and uses only vectors that all instruction sets have.
 
 namespace ZIRK::backends {
 
@@ -12,19 +12,19 @@ namespace {
 
 using FourPixels = uint32_t __attribute__((vector_size(16)));
 
-/// As many pixels as are worked on at a time, so that each factor is looked at once for all.
+/// The pixels that are processed at a time, so that each factor is looked up once for all of them.
 struct PixelBlock {
   static constexpr int kVectors = 16, kPixels = 4 * kVectors;
   FourPixels vectors[kVectors];
 };
 
-/// Each pixel's alpha in all its channels.
+/// Returns each pixel's alpha in all its channels.
 ZIRK_INLINE FourPixels RepeatAlpha(FourPixels p) {
   const FourPixels twice = p >> 24 | (p >> 24) << 16;
   return twice | twice << 8;
 }
 
-/// A factor for each channel, 0 to 255.
+/// Computes a factor for each channel, 0 to 255.
 void FindFactors(VuBlendingFactor factor, const PixelBlock& src, const PixelBlock& dst,
                  uint32_t blendColor, PixelBlock& out) {
   using Factor = VuBlendingFactor;
@@ -72,7 +72,7 @@ void FindFactors(VuBlendingFactor factor, const PixelBlock& src, const PixelBloc
   }
 }
 
-/// The factors of colour and, where they are others, of alpha.
+/// Computes the factors of colour and, if they differ, those of alpha.
 void FindFactors(VuBlendingFactor color, VuBlendingFactor alpha, const PixelBlock& src,
                  const PixelBlock& dst, uint32_t blendColor, PixelBlock& out) {
   FindFactors(color, src, dst, blendColor, out);
@@ -83,14 +83,15 @@ void FindFactors(VuBlendingFactor color, VuBlendingFactor alpha, const PixelBloc
     out.vectors[i] = (out.vectors[i] & 0x00FFFFFFu) | (alphas.vectors[i] & 0xFF000000u);
 }
 
-/// s * sf + d * df, rounded once and clamped, of the channels in the low byte of each half.
+/// Returns s * sf + d * df, rounded once and clamped, for the channels in the low byte of each
+/// half.
 ZIRK_INLINE FourPixels BlendPairs(FourPixels s, FourPixels sf, FourPixels d, FourPixels df) {
   using Channels = uint16_t __attribute__((vector_size(16)));
   constexpr uint32_t kLow = 0x00FF00FFu;
   constexpr uint16_t kMost = 255 * 255;
   const Channels source = (Channels)(s & kLow) * (Channels)(sf & kLow);
   const Channels room = kMost - (Channels)(d & kLow) * (Channels)(df & kLow);
-  // 1/256 + 1/65536: near enough to 1/255 for all products.
+  // 1/256 + 1/65536 is close enough to 1/255 for all products.
   const Channels sum = kMost - room + (source < room ? source : room) + 128;
   return (FourPixels)((sum + (sum >> 8)) >> 8);
 }

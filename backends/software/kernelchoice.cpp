@@ -29,7 +29,7 @@ namespace {
 /// From the lowest to the highest.
 constexpr const char* kLevels[] = {"none", "base", "neon", "avx2", "avx512"};
 
-/// The place of `name` among the levels, or else past them all.
+/// Returns the index of `name` among the levels, or their number if it is unknown.
 ptrdiff_t RankOf(const char* name) {
   const auto isIt = [name](const char* level) { return std::strcmp(level, name) == 0; };
   return std::find_if(std::begin(kLevels), std::end(kLevels), isIt) - std::begin(kLevels);

@@ -6,23 +6,23 @@
 
 namespace ZIRK::backends {
 
-/// The kernels for one instruction set, under the name that ZIRK_CPU has for it.
+/// The kernels for one instruction set, and the name that ZIRK_CPU uses for it.
 struct KernelLevel {
   const char* name;
   const Kernels* kernels;
 };
 
-/// What this processor runs, the fastest first; one at least.
+/// Returns the kernels that this processor can run, at least one, fastest first.
 std::span<const KernelLevel> RunnableKernels();
 
-/// The fastest of those up to the level that `wanted` names: "none" (portable code, as it is for
-/// processors without kernels of their own), "base" (SSE2), "neon", "avx2" or "avx512"; if all are
-/// above it, the lowest. Without a name the fastest of all, and for an unknown one too, after a
-/// warning.
+/// Returns the fastest runnable kernels up to the level `wanted`: "none" (portable code, which
+/// processors without special kernels use), "base" (SSE2), "neon", "avx2" or "avx512". If all are
+/// above that level, returns the lowest. If `wanted` is null, returns the fastest of all; if it is
+/// unknown, logs a warning and does the same.
 const KernelLevel& ChooseKernels(const char* wanted);
 
-/// What is in use: ChooseKernels() with the value that ZIRK_CPU has in the environment at the first
-/// call.
+/// Returns the kernels in use: ChooseKernels() with the value of the environment variable ZIRK_CPU
+/// at the first call.
 const KernelLevel& ChosenKernels();
 
 inline const Kernels& BestKernels() {

@@ -1,7 +1,8 @@
 // Compiled once for the base instruction set and again for each better one (CMakeLists.txt).
 // Nothing here, nor in the headers from vectors.h on, may instantiate an inline function that
-// another file also uses: the linker would keep one copy of it, perhaps the one for a processor
-// that is not there. So: no standard library, and unnamed namespaces in those headers too.
+// another file also uses: the linker would keep one copy of it, perhaps one that this processor
+// cannot run. These files therefore use no standard library, and the headers use unnamed
+// namespaces.
 
 #include "kernels.h"
 
@@ -17,8 +18,8 @@ namespace ZIRK::backends {
 
 namespace {
 
-/// RGB565 and back, of one pixel or of a vector: channels are widened by repeating their bits, and
-/// narrowed by dropping the low ones.
+/// Converts one pixel or a vector of pixels from RGB565 to 8 bits per channel by repeating the
+/// channels' bits. Narrow() converts back by dropping the low bits.
 template <typename P>
 ZIRK_INLINE P Widen(P p) {
   const P red = p & 0xF800, green = p & 0x07E0, blue = p & 0x001F;
@@ -30,7 +31,7 @@ ZIRK_INLINE P Narrow(P p) {
   return (p >> 8 & 0xF800) | (p >> 5 & 0x07E0) | (p >> 3 & 0x001F);
 }
 
-/// The formats of destinations, and vectors of their pixels.
+/// The formats of destinations, with vectors of their pixels.
 struct Argb8888 {
   using Stored = uint32_t;
   static constexpr int kTwoRows = backends::kTwoRows, kTwoEnds = backends::kTwoEnds;
@@ -49,7 +50,7 @@ struct Argb8888 {
   }
 };
 
-/// Whether to draw on RGB565 without Pixman, which has better loops for vectors of four.
+/// Whether to draw on RGB565 without Pixman. Pixman's loops are faster for vectors of four.
 constexpr bool kDraws565 = kLanes > 4;
 
 struct Rgb565 {
@@ -82,13 +83,14 @@ struct Rgb565 {
   }
 };
 
-/// How far below the row that is drawn the destination is fetched. A processor fetches on its own
-/// only within a page, and rows of a wide surface lie on pages of their own.
+/// The distance in rows from the row being drawn to the row of the destination that is prefetched.
+/// Processors prefetch by themselves only within a page, and each row of a wide surface is on a
+/// different page.
 constexpr int kRowsAhead = 2;
-/// Of narrower rows many are under way at a time anyway.
+/// The least width to prefetch: the processor works on many narrower rows at a time anyway.
 constexpr int kLeastFetched = 32;
 
-/// The rows above this one call FetchBelow().
+/// Returns the number of rows, from the first, that call FetchBelow().
 ZIRK_INLINE int FetchEnd(const PixelSpan& s) {
   return s.width < kLeastFetched ? 0 : s.height + s.rowsBelow - kRowsAhead;
 }
@@ -99,12 +101,12 @@ ZIRK_INLINE void FetchBelow(const PixelSpan& s, int y) {
   for (int x = 0; x < s.width; x += kCacheLine) __builtin_prefetch(row + x, 1);
 }
 
-/// Stores what `compute(x, y, pixels, v)` puts into the vector `v` for all pixels of the span;
-/// where it returns false they stay as they are.
+/// Stores the vectors `v` that `compute(x, y, pixels, v)` computes for all pixels of the span. If
+/// it returns false, the pixels keep their values.
 ///
 /// The last vector of a row overlaps the one before. It is computed first, from the old pixels.
-/// With `aligned`, vectors start on boundaries of their own size. That is for memory that is only
-/// written: such a loop spends most of its time on stores that straddle two cache lines.
+/// With `aligned`, vectors start on multiples of their size. Use it for memory that is only
+/// written: otherwise such a loop spends most of its time on stores that straddle two cache lines.
 template <typename Format, typename F>
 ZIRK_INLINE void ForEach(const PixelSpan& s, bool aligned, F&& compute) {
   const auto draw = [&](int x, int y, auto pixels) ZIRK_INLINE_LAMBDA {
@@ -130,7 +132,7 @@ ZIRK_INLINE void ForEach(const PixelSpan& s, bool aligned, F&& compute) {
   }
 }
 
-/// Whether to leave the pixels out: worth a test where they fill a vector.
+/// Returns whether to skip the pixels. Testing pays off only for a full vector.
 ZIRK_INLINE bool IsAllZero(Coverage coverage, Full) {
   return IsZero(coverage);
 }
@@ -141,7 +143,7 @@ ZIRK_INLINE bool IsAllZero(Coverage, const Some&) {
 
 template <typename Format, bool kOver, bool kCovered>
 [[gnu::noinline]] void Fill(const PixelSpan& span) {
-  const PixelSpan s = span;  // a copy, which no store can reach
+  const PixelSpan s = span;  // A copy: no store can change it.
   const Pixels color = Splat(kOver || kCovered ? s.color : s.color | s.opaque);
   const Pixels alpha = Alphas(color), inverse = alpha ^ kLow;
   const Pixels lowColor = LowPair(color), highColor = HighPair(color);
@@ -182,11 +184,12 @@ template <typename Format, bool kOver, bool kCovered>
   ForEach<Format>(s, !kOver && !kCovered, compute);
 }
 
-/// One colour that replaces others. Small rectangles are drawn apart: they need few registers.
+/// Fills with one colour, without blending. Small rectangles have a separate loop that needs few
+/// registers.
 template <typename Format>
 void FillSource(const PixelSpan& span) {
   if (span.width > 2 * kLanes) return Fill<Format, false, false>(span);
-  const PixelSpan s = span;  // a copy, which no store can reach
+  const PixelSpan s = span;  // A copy: no store can change it.
   const Pixels color = Splat(s.color | s.opaque);
   const auto draw = [&](int x, int y, auto pixels)
                         ZIRK_INLINE_LAMBDA { Format::Store(Format::Row(s, y) + x, color, pixels); };
@@ -201,9 +204,9 @@ ZIRK_INLINE void CopyFour(uint32_t* dst, const uint32_t* src) {
   __builtin_memcpy(dst, src, 4 * sizeof *dst);
 }
 
-/// Copies rows, at least 4 pixels wide, by 16 bytes, to boundaries of 16 but for those at both
-/// ends, which overlap them: measured to be faster than memcpy(), than larger vectors and
-/// boundaries, and than none.
+/// Copies rows of at least 4 pixels, 16 bytes at a time. Stores are aligned to 16 bytes except at
+/// both ends of a row, where they overlap the others. This was measured to be faster than memcpy(),
+/// than larger vectors and alignments, and than unaligned stores.
 void Copy(const PixelSpan& s) {
   constexpr int kFour = 4, kGroup = 4 * kFour;
   const int last = s.width - kFour, fetchEnd = FetchEnd(s);
@@ -222,11 +225,11 @@ void Copy(const PixelSpan& s) {
 
 template <typename Format, bool kOver, bool kTinted, bool kCovered>
 void Blit(const PixelSpan& span) {
-  const PixelSpan s = span;  // a copy, which no store can reach
+  const PixelSpan s = span;  // A copy: no store can change it.
   const Pixels color = Splat(s.color);
   const auto compute = [&](int x, int y, auto pixels, Pixels& v) ZIRK_INLINE_LAMBDA {
     Pixels p = Load(s.src + y * s.srcPitch + x, pixels);
-    // Sprites have transparent margins and opaque middles, which cost less than the rest.
+    // Sprites have transparent margins and opaque centres, which take less work than other pixels.
     if (kOver && !kTinted && !IsTranslucent(p)) {
       if (IsZero(p)) return false;
       if (!kCovered && IsOpaque(p)) {
@@ -248,7 +251,7 @@ void Blit(const PixelSpan& span) {
   ForEach<Format>(s, !kOver && !kTinted && !kCovered, compute);
 }
 
-/// Pixels that replace others, as they are but for the X byte.
+/// Copies pixels without a change, except for the X byte.
 void Replace(const PixelSpan& s) {
   if (s.opaque == 0 && s.width >= 4) return Copy(s);
   Blit<Argb8888, false, false, false>(s);
@@ -256,8 +259,8 @@ void Replace(const PixelSpan& s) {
 
 using FourNarrow = uint16_t __attribute__((vector_size(8)));
 
-/// Calls `four(x)` for four pixels of a row at a time, the last of which may overlap those before,
-/// or else `one(x)`.
+/// Calls `four(x)` for four pixels of a row at a time; the last four may overlap those before.
+/// Calls `one(x)` for each pixel of a narrower row.
 template <typename F, typename G>
 ZIRK_INLINE void ForFours(int width, F&& four, G&& one) {
   for (int x = 0; x < width - 4; x += 4) four(x);
@@ -285,8 +288,8 @@ ZIRK_INLINE void NarrowRow(const uint32_t* from, int width, uint16_t* to) {
   ForFours(width, four, [=](int x) { to[x] = static_cast<uint16_t>(Narrow(from[x])); });
 }
 
-/// A colour through coverage onto RGB565. What is narrow, as text, is drawn by way of 32-bit
-/// pixels, as many at a time as stay close by.
+/// Draws a colour through coverage onto RGB565. Narrow spans, such as text, are converted to 32-bit
+/// pixels and back, in batches that fit into the cache.
 void CoverOnto565(const PixelSpan& s) {
   if (kDraws565 && s.width >= kLanes) return Fill<Rgb565, true, true>(s);
   uint32_t pixels[kSampleLimit];

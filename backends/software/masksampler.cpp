@@ -6,7 +6,7 @@ namespace ZIRK::backends {
 
 namespace {
 
-// Positions closer than this, in pixels of the mask, are the same.
+// Positions closer than this, in pixels of the mask, count as equal.
 constexpr double kTolerance = 1.0 / 1024;
 
 }  // namespace

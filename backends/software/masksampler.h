@@ -12,18 +12,18 @@ namespace ZIRK::backends {
 /// The coverage that a mask gives to a primitive.
 class MaskSampler {
  public:
-  /// `coords` are the mask's positions at the four corners of the unit square of `quad`; null
-  /// lays the mask over it. Only the pixels of `area` may be requested. Nothing if a coordinate
-  /// is not finite.
+  /// `coords` are the positions in the mask at the four corners of the unit square of `quad`; if
+  /// null, the whole mask covers it. Only the pixels of `area` may be requested. Returns nullopt if
+  /// a coordinate is not finite.
   static std::optional<MaskSampler> Create(const Source<const PixelBuffer>& mask,
                                            const VuTVector2D<float>* coords, const MappedQuad& quad,
                                            const Box& area);
 
-  /// Coverage of `count` pixels, at most kChunk, from (x, y) on. It is written to `scratch`, or
-  /// stands where the result points.
+  /// Returns the coverage of `count` pixels, at most kChunk, from (x, y) on. The result points to
+  /// `scratch` or into the mask.
   const uint8_t* Row(int x, int y, int count, uint8_t* scratch) const;
 
-  /// Whether Row() needs no scratch, and rows lie Pitch() bytes apart.
+  /// Returns whether Row() needs no scratch and rows are Pitch() bytes apart.
   bool IsInPlace() const {
     return !hasCrossTerm_ && texture_.IsAligned() &&
            texture_.Pixels().Format() == VuPixelFormat::A8;
@@ -39,12 +39,12 @@ class MaskSampler {
   bool hasCrossTerm_;  ///< `place_.toMask` alone does not give the positions.
 };
 
-/// A mask read position by position.
+/// A mask that is read one position at a time.
 class MaskPoints {
  public:
   explicit MaskPoints(const Source<const PixelBuffer>& mask);
 
-  /// Alpha at a position of the mask, 0 to 255; 0 where the position is not finite.
+  /// Returns the alpha at a position of the mask, 0 to 255, or 0 if the position is not finite.
   uint32_t AlphaAt(Point position) const;
 
  private:

@@ -1,11 +1,11 @@
-// How pixels get onto the target. The kernels draw on it directly if it has 32 bits a pixel and
-// new pixels replace the old ones or go over them.
+// How pixels are drawn on the target. The kernels draw on it directly if it has 32 bits per pixel
+// and the operator is Source or Over.
 //
 //   Edges on whole pixels; source and mask, if any, unscaled, and the mask A8:
 //     directly, with a 32-bit source, or A8 and no mask   all rows at once by the kernels
-//     on RGB565, the same where there is a kernel         all rows at once by that kernel
+//     on RGB565, the same if there is a kernel            all rows at once by that kernel
 //     not directly                                        all rows at once by Pixman
-//   Anything else, and what Pixman cannot do              row by row: PaintRows(), PaintSlanted()
+//   All else, and what Pixman does not support            row by row: PaintRows(), PaintSlanted()
 //   Slanted or masked lines                               pixel by pixel: painterline.cpp
 
 #include "software/painter.h"
@@ -19,8 +19,8 @@ namespace ZIRK::backends {
 
 namespace {
 
-/// Whether the kernels can read an aligned texture and mask, if any, where they are; then `shading`
-/// says where.
+/// Returns whether the kernels can read an aligned texture and mask, if any, in place. If so,
+/// stores their addresses in `shading`.
 bool AreInPlace(const Box& box, const SourceSampler* texture, const MaskSampler* mask,
                 PixelSpan& shading) {
   if (mask) {
@@ -35,7 +35,7 @@ bool AreInPlace(const Box& box, const SourceSampler* texture, const MaskSampler*
     return true;
   }
   if (mask || pixels.Format() != VuPixelFormat::A8) return false;
-  // White of an alpha, times a colour, is that colour with that coverage.
+  // White with an alpha, multiplied by a colour, is that colour with the alpha as coverage.
   shading.coverage = pixels.Row(texture->AlignedY(box.y0)) + texture->AlignedX(box.x0);
   shading.coveragePitch = pixels.Pitch();
   return true;
@@ -114,7 +114,7 @@ bool Painter::BlitBox(const VuRect& dst, const Source& src, const VuRect& srcRec
   return true;
 }
 
-/// Whether the source needs no resampling; then it has been drawn.
+/// Draws the source if it needs no resampling. Returns whether it did.
 bool Painter::DrawUnscaled(const RectD& dst, const Source& src, const RectD& srcRect,
                            const MatrixF& m, VuColor color) {
   const std::optional<Box> box = MapUpright(dst, m);
@@ -136,7 +136,7 @@ void Painter::DrawCoverageIndirect(const Box& box, const PixelBuffer& src, int m
     PaintRows(box, &texture, color, nullptr, false);
 }
 
-/// Whole pixels of one colour, or of an aligned texture.
+/// Draws whole pixels of one colour or of an aligned texture.
 void Painter::PaintBox(const Box& whole, const SourceSampler* texture, uint32_t color) {
   const Box box = Visible(whole);
   if (box.IsEmpty()) return;
@@ -147,7 +147,7 @@ void Painter::PaintBox(const Box& whole, const SourceSampler* texture, uint32_t 
   PaintRows(box, texture, color, nullptr, opaque);
 }
 
-/// Draws `quad`, a part of `whole`, over which the mask lies.
+/// Draws `quad`, a part of `whole`. The mask covers `whole`.
 void Painter::Paint(const MappedQuad& quad, const MappedQuad& whole, const SourceSampler* texture,
                     uint32_t color, const Mask* maskArgument) {
   const Box box = Visible(quad.box);
@@ -166,7 +166,7 @@ void Painter::Paint(const MappedQuad& quad, const MappedQuad& whole, const Sourc
   PaintRows(box, texture, color, maskOrNull, opaque);
 }
 
-/// All rows at once, where source and mask, if any, need no resampling.
+/// Draws all rows at once if source and mask, if any, need no resampling. Returns whether it did.
 bool Painter::PaintAligned(const Box& box, const SourceSampler* texture, uint32_t color,
                            const MaskSampler* mask, bool opaque) {
   if ((texture && !texture->IsAligned()) || (mask && !mask->IsInPlace())) return false;
@@ -189,7 +189,7 @@ bool Painter::PaintAligned(const Box& box, const SourceSampler* texture, uint32_
   return blender_.DrawByPixman(box, source, opaque);
 }
 
-/// Whole pixels, row by row, or as many rows at once as are the same.
+/// Draws whole pixels row by row; rows that are the same are drawn at once.
 void Painter::PaintRows(const Box& box, const SourceSampler* texture, uint32_t color,
                         const MaskSampler* mask, bool opaque) {
   if (mask || !texture) {
@@ -213,7 +213,7 @@ void Painter::PaintRows(const Box& box, const SourceSampler* texture, uint32_t c
 
 void Painter::PaintSlanted(const MappedQuad& quad, const Box& box, const SourceSampler* texture,
                            uint32_t color, const MaskSampler* mask) {
-  // In a short row the solid part is drawn with the edges: one operation costs less than three.
+  // In a short row, the solid part is drawn with the edges: one operation costs less than three.
   constexpr int kShort = 192;
   if (!scratch_.Reserve(box.Width())) return;
   QuadCoverage coverage(quad.corners, box, scratch_);
@@ -224,8 +224,8 @@ void Painter::PaintSlanted(const MappedQuad& quad, const Box& box, const SourceS
   }
 }
 
-/// The pixels of row `y` that a shape covers, down to `bottom`; without `coverage` all of them are
-/// solid.
+/// Draws the pixels that a shape covers in the rows from `y` to `bottom`. Without `coverage`, all
+/// of them are solid.
 void Painter::PaintRow(const QuadCoverage::Row& row, int y, int bottom,
                        const SourceSampler* texture, uint32_t color, const MaskSampler* mask,
                        const QuadCoverage* coverage) {
@@ -250,10 +250,10 @@ void Painter::PaintRow(const QuadCoverage::Row& row, int y, int bottom,
   }
 }
 
-/// At most kChunk pixels, from `x0` to `x1` of row `y`, as Blender::Draw() takes them. The coverage
-/// is the shape's.
+/// Draws at most kChunk pixels, from `x0` to `x1` of row `y`. `shading` is as for Blender::Draw();
+/// its coverage is the shape's.
 void Painter::PaintRun(int x0, int x1, int y, PixelSpan& shading, const MaskSampler* mask) {
-  // Pixels that are not covered at all stay as they are even where blending is off.
+  // Pixels that are not covered at all keep their values even if blending is off.
   const uint8_t*& alpha = shading.coverage;
   while (alpha && x0 < x1 && *alpha == 0) {
     ++x0;

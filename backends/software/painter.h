@@ -19,33 +19,33 @@
 namespace ZIRK::backends {
 
 /// The drawing operations on pixels in memory. Sources and masks are never the target: the caller
-/// makes a copy where they would be.
+/// copies them if they would be.
 class Painter {
  public:
   using Source = backends::Source<const PixelBuffer>;
   using Mask = backends::Mask<const PixelBuffer>;
 
-  /// Both live as long as the painter; operations use the values of `state` at the time.
+  /// Both must outlive the painter. Operations use the values of `state` at the time of the call.
   Painter(PixelBuffer& target, const SurfaceState& state);
 
   void DrawPoint(VuPoint p, float size, VuColor color, const MatrixF& m, const Mask* mask);
   void DrawLine(VuPoint from, VuPoint to, VuColor color, const MatrixF& m, const Mask* mask);
-  /// A rectangle of one colour. If it is axis-aligned on the surface, its edges are on whole
-  /// pixels.
+  /// Draws a rectangle of one colour. If it is axis-aligned on the surface, its edges are moved to
+  /// whole pixels.
   void DrawRect(const RectD& rect, VuColor color, const MatrixF& m, const Mask* mask);
-  /// The part `srcRect` of `src` in the place of `dst`.
+  /// Draws the part `srcRect` of `src` at `dst`.
   void DrawObject(const RectD& dst, const Source& src, const RectD& srcRect, Edges edges,
                   const MatrixF& m, VuColor color, const Mask* mask);
 
-  /// The usual cases, worked out quickly; false, with nothing drawn, in any other.
+  /// Draws the usual cases quickly. Otherwise returns false and draws nothing.
   bool FillBox(const VuRect& rect, VuColor color);
   bool BlitBox(const VuRect& dst, const Source& src, const VuRect& srcRect, const MatrixF& m,
                VuColor color);
 
-  /// The pixels that may have changed since the last TakeTouched().
+  /// Returns the pixels that may have changed since the last TakeTouched().
   const Box& Touched() const { return touched_; }
   Box TakeTouched() { return std::exchange(touched_, Box()); }
-  /// Records pixels that were changed from outside.
+  /// Records pixels that others have changed.
   void Touch(const Box& box) {
     if (!touched_.Contains(box)) touched_ = Union(touched_, box);
   }
@@ -59,8 +59,8 @@ class Painter {
   }
   Box Visible(const Box& box) const { return Intersection(box, clip_); }
   Blender& Blending() { return blender_; }
-  /// One premultiplied colour through the A8 pixels of `src` that `box`, which is visible, moved by
-  /// (moveX, moveY) covers; where Blending() is not direct.
+  /// Draws one premultiplied colour on `box`, which is visible, through the A8 pixels of `src` at
+  /// `box` moved by (moveX, moveY). Use it if Blending() is not direct.
   void DrawCoverageIndirect(const Box& box, const PixelBuffer& src, int moveX, int moveY,
                             uint32_t color);
 
@@ -79,7 +79,7 @@ class Painter {
   void PaintRow(const QuadCoverage::Row& row, int y, int bottom, const SourceSampler* texture,
                 uint32_t color, const MaskSampler* mask, const QuadCoverage* coverage);
   void PaintRun(int x0, int x1, int y, PixelSpan& shading, const MaskSampler* mask);
-  // Separate, as few lines need it.
+  // Not inlined, since few lines need it.
   [[gnu::noinline]] void PaintPixel(int x, int y, uint32_t color);
   void DrawSlantedLine(const Hairline& line, uint32_t color);
   void DrawMaskedLine(const Hairline& line, uint32_t color, const Source& mask,
@@ -90,7 +90,7 @@ class Painter {
   const SurfaceState& state_;
   Blender blender_;
   Box clip_;
-  SeenRevision revision_;  ///< What blender and clip are up to.
+  SeenRevision revision_;  ///< The state that blender and clip are based on.
   Box touched_;
   QuadCoverage::Scratch scratch_;
 };

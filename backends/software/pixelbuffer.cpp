@@ -20,10 +20,10 @@ std::optional<PixelBuffer> PixelBuffer::TryCreate(int width, int height, VuPixel
   return std::nullopt;
 }
 
-/// Allocates memory that the buffer owns. False if there is none.
+/// Allocates memory that the buffer owns. Returns false if memory runs out.
 bool PixelBuffer::Allocate(Contents contents) {
   const auto rows = static_cast<size_t>(height_), pitch = static_cast<size_t>(pitch_);
-  // Less than 4 GiB, as every surface.
+  // Less than 4 GiB, like every surface.
   void* const memory =
       contents == Contents::Clear ? std::calloc(rows, pitch) : std::malloc(rows * pitch);
   own_.reset(static_cast<uint8_t*>(memory));

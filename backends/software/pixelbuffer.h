@@ -18,24 +18,24 @@ namespace ZIRK::backends {
 class PixelBuffer {
  public:
   enum class Contents {
-    Clear,      ///< Transparent, or black where there is no alpha.
+    Clear,      ///< Transparent, or black if there is no alpha.
     Undefined,  ///< For callers that write every pixel before they read it.
   };
 
-  /// Expects a size and format that a surface can have; throws std::bad_alloc.
+  /// Expects a valid size and format. May throw std::bad_alloc.
   PixelBuffer(int width, int height, VuPixelFormat format, Contents contents = Contents::Clear);
 
-  /// The same with undefined pixels, during drawing: nothing after the error line if memory runs
-  /// out.
+  /// Creates a buffer with undefined pixels during drawing. Logs an error and returns nullopt if
+  /// memory runs out.
   static std::optional<PixelBuffer> TryCreate(int width, int height, VuPixelFormat format);
 
-  /// A buffer for borrowed pixels. It has none until PlaceAt() is called.
+  /// Creates a buffer for borrowed pixels. It has no pixels until PlaceAt() is called.
   static PixelBuffer Elsewhere(int width, int height, VuPixelFormat format) {
     return {width, height, format, 0};
   }
-  /// Borrows the pixels at this address: rows `pitch` bytes apart, aligned as the format's pixels
-  /// are. Their owner keeps the X bytes of XRGB8888 at 255; see RestoreOpaqueBits(). The buffer
-  /// releases pixels that it owns.
+  /// Borrows the pixels at this address, whose rows are `pitch` bytes apart and aligned for the
+  /// format. Their owner keeps the X bytes of XRGB8888 at 255; see RestoreOpaqueBits(). Releases
+  /// pixels that the buffer owns.
   void PlaceAt(void* pixels, int pitch) {
     pixels_ = static_cast<uint8_t*>(pixels);
     pitch_ = pitch;
@@ -52,20 +52,21 @@ class PixelBuffer {
   uint8_t* Row(int y) { return pixels_ + int64_t{y} * pitch_; }
   const uint8_t* Row(int y) const { return pixels_ + int64_t{y} * pitch_; }
 
-  /// For the 32-bit formats.
+  /// The following are for the 32-bit formats.
   bool Is32Bit() const { return PixelLayoutOf(format_).bytes == 4; }
   uint32_t* Row32(int y) { return reinterpret_cast<uint32_t*>(Row(y)); }
   const uint32_t* Row32(int y) const { return reinterpret_cast<const uint32_t*>(Row(y)); }
   ptrdiff_t Pitch32() const { return pitch_ / 4; }
-  /// What to set in every pixel stored, to keep the X byte.
+  /// Returns the bits to set in every stored pixel, to keep the X byte at 255.
   uint32_t OpaqueBits() const { return PixelLayoutOf(format_).unusedBits; }
-  /// Sets the X bytes again after `box` was written from outside.
+  /// Sets the X bytes in `box` again after others wrote it.
   void RestoreOpaqueBits(const Box& box);
 
-  /// Whether every pixel is opaque by its format.
+  /// Returns whether the format makes every pixel opaque.
   bool IsOpaque() const { return !PixelLayoutOf(format_).HasAlpha(); }
 
-  /// The same memory as an image of Pixman, created by the first call; null if memory runs out.
+  /// Returns a Pixman image of the same memory, which the first call creates, or null if memory
+  /// runs out.
   pixman_image_t* Image() const;
 
  private:

@@ -10,18 +10,18 @@
 
 namespace ZIRK::backends {
 
-/// Finds the pixels that software surfaces of one context read, and makes their glyph atlases.
-/// Software bitmaps need no resolver: FindSource() reads their pixels directly.
+/// The interface by which software surfaces of one context find the pixels that they read, and make
+/// glyph atlases. Software bitmaps need no resolver: FindSource() reads their pixels directly.
 class PixelSourceResolver {
  public:
-  /// Allocates the atlas of a font that is drawn for the first time.
+  /// Returns the allocator for the atlas of a font that is drawn for the first time.
   virtual GlyphAtlasAllocator& Atlases() = 0;
 
-  /// The pixels that `surface` has in memory. Null, without a log line, if it has none there.
+  /// Returns the pixels of `surface` if they are in memory, otherwise null. Logs nothing.
   virtual const PixelBuffer* PixelsOf(VuBitmapImpl& surface) = 0;
 
-  /// Copies the pixels of `part`, which lies on `surface` and may be empty. False after an error
-  /// line, also for a surface of another plug-in.
+  /// Copies the pixels of `part`, which lies on `surface` and may be empty. Logs an error and
+  /// returns false on failure, and for a surface of another plug-in.
   virtual bool CopyToBuffer(VuBitmapImpl& surface, const Box& part,
                             std::optional<PixelBuffer>& copy) = 0;
 
@@ -29,8 +29,8 @@ class PixelSourceResolver {
   ~PixelSourceResolver() = default;
 };
 
-/// The pixels of `surface` in memory: a software bitmap's own, or those that `resolver` finds. Null
-/// if it has none there.
+/// Returns the pixels of `surface` in memory: those of a software bitmap, or those that `resolver`
+/// finds. They are null if the surface has none in memory.
 Source<const PixelBuffer> FindSource(PixelSourceResolver& resolver, VuBitmapImpl& surface);
 
 }  // namespace ZIRK::backends

@@ -60,7 +60,7 @@ Box CopyRect(PixelBuffer& dst, VuPoint at, const PixelBuffer& src, const VuRect&
   const auto [box, srcX, srcY] = PlanCopy(at.x, at.y, dst.Bounds(), srcRect, src.Bounds());
   if (box.IsEmpty()) return {};
   const bool sameFormat = dst.Format() == src.Format();
-  // Within one surface rows are copied from the side that is overwritten last.
+  // Within one surface, start at the side from which no unread row is overwritten.
   const bool upwards = &dst == &src && box.y0 > srcY;
   for (int i = 0; i < box.Height(); ++i) {
     const int row = upwards ? box.Height() - 1 - i : i;

@@ -10,7 +10,7 @@ namespace ZIRK::backends {
 
 // Neither clipping nor blending applies.
 
-/// Reads `box`, which lies on the surface, as tight rows.
+/// Reads `box`, which lies on the surface, into rows without gaps.
 void ReadPixels(const PixelBuffer& pixels, const Box& box, void* dst);
 /// Writes `box`, which lies on the surface, from rows `pitch` bytes apart.
 void WritePixels(PixelBuffer& pixels, const Box& box, const void* src, unsigned pitch);

@@ -3,7 +3,7 @@
 #include "kernels.h"
 #include "vectors.h"
 
-/// Rows of pixels read from an image: nearest or bilinear. Part of kernels.cpp, and built with it.
+/// Reads rows of pixels from an image, nearest or bilinear. This header is part of kernels.cpp.
 
 namespace ZIRK::backends {
 
@@ -18,12 +18,13 @@ ZIRK_INLINE Integers Clamp(Integers v, int low, int high) {
   return raised > high ? Integers{} + high : raised;
 }
 
-/// Nearest pixels along one axis of the image. Positions are unsigned: they may wrap around.
+/// Reads nearest pixels along one axis of the image. Positions are unsigned, since they may wrap
+/// around.
 ZIRK_INLINE void SampleClampedAlong(const uint32_t* pixels, ptrdiff_t pitch, int32_t first,
                                     int32_t step, int32_t rest, int min, int max, uint32_t* out,
                                     int count) {
   uint32_t position = static_cast<uint32_t>(first);
-  int32_t rests = 0;  // all `rest` so far, which is too small to be added to a position
+  int32_t rests = 0;  // The sum of `rest`, which is too small to add to a position.
   for (int i = 0; i < count; ++i) {
     const uint32_t exact = position + static_cast<uint32_t>(rests >> 16);
     out[i] = pixels[Clamp(static_cast<int32_t>(exact) >> 16, min, max) * pitch];
@@ -32,7 +33,7 @@ ZIRK_INLINE void SampleClampedAlong(const uint32_t* pixels, ptrdiff_t pitch, int
   }
 }
 
-/// The same, by fewer steps where no position lies beyond the limits, as is usual.
+/// Does the same in fewer steps if no position is outside the limits, the usual case.
 ZIRK_INLINE void SampleAlong(const uint32_t* pixels, ptrdiff_t pitch, int32_t first, int32_t step,
                              int32_t rest, int min, int max, uint32_t* out, int count) {
   // 32.32 fixed point.
@@ -89,7 +90,7 @@ ZIRK_INLINE Pixels Interpolate(const Neighbours& n, Pixels wx, Pixels wy) {
 struct Positions {
   uint32_t start;
   uint32_t step;
-  Pixels ramp;  ///< From the first of a vector.
+  Pixels ramp;  ///< The distances from the first position of a vector.
 
   ZIRK_INLINE Positions(int32_t first, int32_t increment)
       : start(static_cast<uint32_t>(first)),
@@ -98,12 +99,12 @@ struct Positions {
 
   ZIRK_INLINE uint32_t At(int i) const { return start + static_cast<uint32_t>(i) * step; }
   ZIRK_INLINE int WholePart(int i) const { return static_cast<int32_t>(At(i)) >> 16; }
-  /// A vector of them, from position `i` on.
+  /// Returns a vector of positions from position `i` on.
   ZIRK_INLINE Pixels From(int i) const { return Splat(At(i)) + ramp; }
 };
 
-/// Calls `f(i, pixels)` for all of a row from `begin` to `end`, the last vector of which overlaps
-/// the one before.
+/// Calls `f(i, pixels)` for all vectors of a row from `begin` to `end`. The last one overlaps the
+/// one before.
 template <typename F>
 ZIRK_INLINE void ForRow(int begin, int end, F&& f) {
   if (end - begin < kLanes) return f(begin, Some{end - begin});
@@ -111,7 +112,7 @@ ZIRK_INLINE void ForRow(int begin, int end, F&& f) {
   for (int i = begin; i < end; i += kLanes) f(i < last ? i : last, Full());
 }
 
-/// Groups of neighbours that all lie inside the limits, from the top left ones on.
+/// Loads groups of neighbours that are all inside the limits. `x` and `y` are the top left ones.
 ZIRK_INLINE Neighbours LoadInside(const SampleRow& s, Integers x, Integers y) {
   Neighbours n;
   const Integers at = y * static_cast<int32_t>(s.pitch) + x;
@@ -120,7 +121,7 @@ ZIRK_INLINE Neighbours LoadInside(const SampleRow& s, Integers x, Integers y) {
   return n;
 }
 
-/// One row of neighbours, some of which may lie beyond the limits: the last pixel inside goes on.
+/// Loads one row of neighbours. Outside the limits, the last pixel inside is repeated.
 ZIRK_INLINE void LoadClamped(const SampleRow& s, Integers x, Integers row, Pixels& left,
                              Pixels& right) {
   if (s.minX == s.maxX) {
@@ -143,7 +144,7 @@ ZIRK_INLINE Neighbours LoadClamped(const SampleRow& s, Integers x, Integers y) {
 }
 
 void SampleSlanted(const SampleRow& row, uint32_t* out, int count) {
-  const SampleRow s = row;  // a copy, which no store can reach
+  const SampleRow s = row;  // A copy: no store can change it.
   const Positions px(s.x, s.stepX), py(s.y, s.stepY);
   const auto clamped = [&](int i, auto pixels) ZIRK_INLINE_LAMBDA {
     const Pixels x = px.From(i), y = py.From(i);
@@ -152,8 +153,8 @@ void SampleSlanted(const SampleRow& row, uint32_t* out, int count) {
   };
   if (count < kLanes) return clamped(0, Some{count});
 
-  // A row is a straight line: what lies between two pixels that have all their neighbours inside
-  // the limits has too. Unless positions wrap around on the way.
+  // A row is a straight line: if two of its pixels have all their neighbours inside the limits, so
+  // do all pixels between them, unless positions wrap around.
   const bool straight = s.stepX < kShortStep && s.stepX > -kShortStep && s.stepY < kShortStep &&
                         s.stepY > -kShortStep;
   const auto isInside = [&](int i) {
@@ -178,17 +179,17 @@ void SampleSlanted(const SampleRow& row, uint32_t* out, int count) {
   outside(begin, count);
 }
 
-/// Source pixels that an enlarged row can need, and room for vectors that reach beyond on either
-/// side.
+/// The source pixels that an enlarged row can need, with room for vectors that extend beyond them
+/// on either side.
 constexpr int kEnlargedMargin = 2 * kLanes;
 constexpr int kEnlargedColumns = kSampleLimit + 2 + 2 * kEnlargedMargin;
 
-/// Columns `first` to `first + count` of two rows, mixed. Beyond the limits the last column goes
-/// on.
+/// Interpolates the columns `first` to `first + count` between two rows. Outside the limits, the
+/// last column is repeated.
 ZIRK_INLINE void InterpolateRows(const SampleRow& s, int first, int count, uint32_t* out) {
   const int y = s.y >> 16;
   const Pixels weight = Weights(Splat(static_cast<uint32_t>(s.y)));
-  // Columns inside the limits, or else the one that is nearest to them.
+  // The columns inside the limits, or the nearest one if there are none.
   const int begin = Clamp(s.minX - first, 0, count - 1);
   const int end = Clamp(s.maxX + 1 - first, begin + 1, count);
   const int column = Clamp(first + begin, s.minX, s.maxX) - begin;
@@ -201,10 +202,10 @@ ZIRK_INLINE void InterpolateRows(const SampleRow& s, int first, int count, uint3
   for (int i = end; i < count; ++i) out[i] = out[end - 1];
 }
 
-/// A row that runs along one of the image's, enlarged: the two rows are mixed once, and then
-/// neighbours within.
+/// Samples an enlarged row that is parallel to the image's rows: interpolates once between two
+/// rows, and then between neighbours of the result.
 void SampleEnlarged(const SampleRow& row, uint32_t* out, int count) {
-  const SampleRow s = row;  // a copy, which no store can reach
+  const SampleRow s = row;  // A copy: no store can change it.
   uint32_t mixed[kEnlargedColumns];
   const Positions px(s.x, s.stepX);
   const int a = px.WholePart(0), b = px.WholePart(count - 1);

@@ -7,7 +7,7 @@
 
 namespace ZIRK::backends {
 
-/// What a cache of textures keeps at a bitmap: whether there is a texture of the bitmap.
+/// The base of the object that a cache of textures attaches to a bitmap.
 class CachedTexture {
  public:
   virtual ~CachedTexture() = default;
@@ -21,8 +21,8 @@ class SoftwareBitmap final : public Surface<VuBitmapImpl, SoftwareRenderer> {
 
   bool IsTextureBacked() const override { return cached_ && cached_->HasTexture(); }
 
-  /// The cache's object, null at first; it is deleted with the bitmap. The cache uploads what the
-  /// renderer has touched.
+  /// Returns the cache's object, which is null at first and is deleted with the bitmap. The cache
+  /// uploads the pixels that the renderer has touched.
   std::unique_ptr<CachedTexture>& Cached() { return cached_; }
 
  private:

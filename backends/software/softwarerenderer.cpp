@@ -22,7 +22,7 @@ std::optional<PixelBuffer> CopyOf(const PixelBuffer& pixels, const Box& part) {
 }
 
 Source<const PixelBuffer> FindSource(PixelSourceResolver& resolver, VuBitmapImpl& surface) {
-  // Nearly always a bitmap, which is quickly found out.
+  // Nearly all sources are bitmaps, which this finds quickly.
   if (const auto* bitmap = AsOwn<SoftwareBitmap>(&surface))
     return {&bitmap->Drawing().Buffer(), bitmap->GetScaleMode()};
   return {resolver.PixelsOf(surface), surface.GetScaleMode()};

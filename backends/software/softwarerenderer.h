@@ -14,7 +14,8 @@
 
 namespace ZIRK::backends {
 
-/// `part` of `pixels`. Nothing if it is empty or, after an error line, if memory runs out.
+/// Copies `part` of `pixels`. Returns nullopt if it is empty. Logs an error and returns nullopt if
+/// memory runs out.
 std::optional<PixelBuffer> CopyOf(const PixelBuffer& pixels, const Box& part);
 
 /// The pixels of a software surface.
@@ -22,8 +23,8 @@ struct OwnPixels {
   PixelBuffer pixels_;
 };
 
-/// Draws on pixels in memory by the processor. Its PixelSourceResolver finds the sources and masks.
-/// surface/renderer.h says what the operations mean.
+/// The renderer that draws on pixels in memory with the processor. Its PixelSourceResolver finds
+/// the sources and masks. surface/renderer.h documents the operations.
 class SoftwareRenderer : private OwnPixels,
                          private Painter,
                          public TextDrawing<SoftwareRenderer, const PixelBuffer> {

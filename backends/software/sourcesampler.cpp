@@ -10,10 +10,10 @@ namespace ZIRK::backends {
 
 namespace {
 
-constexpr double kOne = 65536;        // 1 in 16.16 fixed point
-constexpr int32_t kHalfWeight = 128;  // half of the step between two bilinear weights
+constexpr double kOne = 65536;        // 1 in 16.16 fixed point.
+constexpr int32_t kHalfWeight = 128;  // Half of the step between two bilinear weights.
 
-/// `v`, cut to what the samplers can count with; the least for not-a-number.
+/// Converts `v`, clamped to the range of the samplers. Not-a-number becomes the minimum.
 int32_t ToFixed(double v) {
   constexpr double kLimit = kFarthestSample;
   const double cut = v > -kLimit ? std::min(v, kLimit) : -kLimit;
@@ -21,8 +21,8 @@ int32_t ToFixed(double v) {
   return static_cast<int32_t>(fixed + (fixed < 0 ? -0.5 : 0.5));
 }
 
-/// What `step` lacks of `v`, in 1/65536 of its last place; nothing where it had to be cut, nor
-/// where the texture is not read along one of its axes, pixel by pixel.
+/// Returns the rounding error of `step` for `v`, in 1/65536 of its last bit. Returns 0 if `step` is
+/// clamped, or unless nearest pixels are read along an axis of the texture.
 int32_t StepFraction(double v, int32_t step, double across, bool bilinear) {
   if (bilinear || across != 0) return 0;
   const double rest = (v * kOne - step) * kOne;
@@ -33,7 +33,7 @@ bool IsInSampleRange(Point p) {
   return std::abs(p.x) < kFarthestSample && std::abs(p.y) < kFarthestSample;
 }
 
-/// a + (b - a) * w / 256 per channel.
+/// Returns a + (b - a) * w / 256 for each channel.
 uint32_t Mix(uint32_t a, uint32_t b, uint32_t w) {
   const auto pair = [w](uint32_t p, uint32_t q) {
     return ((p & 0x00FF00FFu) * (256 - w) + (q & 0x00FF00FFu) * w + 0x00800080u) >> 8 & 0x00FF00FFu;
@@ -41,13 +41,13 @@ uint32_t Mix(uint32_t a, uint32_t b, uint32_t w) {
   return pair(a, b) | pair(a >> 8, b >> 8) << 8;
 }
 
-/// Position `i` of a row; it may wrap around.
+/// Returns position `i` of a row, which may wrap around.
 uint32_t PositionAt(int32_t first, int32_t step, int32_t rest, int i) {
   return static_cast<uint32_t>(first) + static_cast<uint32_t>(step) * static_cast<uint32_t>(i) +
          static_cast<uint32_t>((rest * i) >> 16);
 }
 
-/// What the kernels do, for any format.
+/// Does what the kernels do, for any format.
 template <typename Traits>
 void SampleAny(const PixelBuffer& pixels, const SampleRow& s, bool bilinear, int count,
                uint32_t* out) {
@@ -70,7 +70,7 @@ void SampleAny(const PixelBuffer& pixels, const SampleRow& s, bool bilinear, int
   }
 }
 
-/// Whether a value equals `whole` within the precision of bilinear weights.
+/// Returns whether a value equals `whole` within the precision of bilinear weights.
 bool AlmostEqual(double v, double whole) {
   return std::abs(v - whole) < 1.0 / 512;
 }
@@ -87,14 +87,15 @@ SourceSampler::SourceSampler(const PixelBuffer& pixels, const Box& limits, VuSca
       stepY_(ToFixed(toTexture.dx.y)),
       stepFractionX_(StepFraction(toTexture.dx.x, stepX_, toTexture.dx.y, bilinear_)),
       stepFractionY_(StepFraction(toTexture.dx.y, stepY_, toTexture.dx.x, bilinear_)) {
-  // Two opposite corners that keep their distance to the texture keep it everywhere between.
+  // If the offset to the texture is the same at two opposite corners, it is the same everywhere
+  // between them.
   const Point first = toTexture(area.x0, area.y0), last = toTexture(area.x1, area.y1);
   const double offsetX = std::floor(first.x - area.x0 + 0.5);
   const double offsetY = std::floor(first.y - area.y0 + 0.5);
   aligned_ = toTexture.dx.x > 0.5 && toTexture.dy.y > 0.5 &&
              AlmostEqual(first.x, area.x0 + offsetX) && AlmostEqual(first.y, area.y0 + offsetY) &&
              AlmostEqual(last.x, area.x1 + offsetX) && AlmostEqual(last.y, area.y1 + offsetY);
-  // Nor does anything lie so far away.
+  // The offset must also be in the range of the samplers.
   aligned_ = aligned_ && IsInSampleRange({offsetX, offsetY});
   if (!aligned_) return;
   offsetX_ = static_cast<int>(offsetX);
@@ -147,7 +148,7 @@ const uint32_t* SourceSampler::Row(int x, int y, int count, uint32_t* scratch) c
     if (IsInSampleRange(first) && IsInSampleRange(first + toTexture_.dx * count)) {
       Sample(first, count, scratch);
     } else {
-      // Positions would wrap around on the way, so each is worked out by itself.
+      // Positions would wrap around within the row, so compute each one separately.
       for (int i = 0; i < count; ++i) scratch[i] = At(toTexture_(x + i + 0.5, y + 0.5));
     }
     return scratch;

@@ -12,36 +12,38 @@
 
 namespace ZIRK::backends {
 
-/// Pixels that are worked on at a time, so that intermediate results stay on the stack.
+/// The number of pixels that are processed at a time, so that intermediate results fit on the
+/// stack.
 constexpr int kChunk = kSampleLimit;
 
-/// A part of a surface that another one is filled from, or masked with.
+/// A part of a surface that another surface is filled from or masked with.
 class SourceSampler {
  public:
-  /// `limits` is what may be read, `toTexture` takes positions on the destination to positions in
-  /// `pixels`. Only the pixels of `area` may be requested.
+  /// `limits` are the pixels that may be read. `toTexture` maps positions on the destination to
+  /// positions in `pixels`. Only the pixels of `area` may be requested.
   SourceSampler(const PixelBuffer& pixels, const Box& limits, VuScaleMode mode,
                 const Affine& toTexture, const Box& area);
 
-  /// An aligned one: the pixel (x, y) of the destination is (x + offsetX, y + offsetY) of `pixels`.
+  /// Makes an aligned sampler: pixel (x, y) of the destination is (x + offsetX, y + offsetY) of
+  /// `pixels`.
   SourceSampler(const PixelBuffer& pixels, int offsetX, int offsetY);
 
-  /// Whether each destination pixel is one pixel of the texture, moved by whole pixels.
+  /// Returns whether each destination pixel is one pixel of the texture, moved by whole pixels.
   bool IsAligned() const { return aligned_; }
   const PixelBuffer& Pixels() const { return pixels_; }
-  /// The texture's pixel for a destination pixel, while aligned.
+  /// Return the texture's pixel for a destination pixel. Expect that IsAligned() is true.
   int AlignedX(int x) const { return x + offsetX_; }
   int AlignedY(int y) const { return y + offsetY_; }
 
-  /// Premultiplied ARGB8888 for `count` pixels, at most kChunk, from (x, y) on. They are written to
-  /// `scratch`, or stand where the result points.
+  /// Returns `count` pixels, at most kChunk, from (x, y) on, as premultiplied ARGB8888. The result
+  /// points to `scratch` or into the texture.
   const uint32_t* Row(int x, int y, int count, uint32_t* scratch) const;
 
-  /// How many rows from `y` on, up to `end`, have the same pixels from `x` on: more than one where
-  /// nearest pixels are enlarged upright.
+  /// Returns how many rows from `y` on, up to `end`, have the same pixels from `x` on. It is more
+  /// than one if nearest pixels are enlarged without rotation.
   int SameRows(int x, int y, int end) const;
 
-  /// One position, for what does not run along a row.
+  /// Returns the pixel at one position, for callers that do not read along a row.
   uint32_t At(Point position) const;
 
  private:
@@ -53,7 +55,7 @@ class SourceSampler {
   const Affine toTexture_;
   const int32_t stepX_;  ///< Along a row, 16.16 fixed point.
   const int32_t stepY_;
-  const int32_t stepFractionX_;  ///< What these lack, see SampleRow.
+  const int32_t stepFractionX_;  ///< The rounding errors of the steps; see SampleRow.
   const int32_t stepFractionY_;
   bool aligned_;
   int offsetX_ = 0;

@@ -12,14 +12,14 @@ namespace ZIRK::backends {
 
 namespace {
 
-/// Selects `kCount` pixels, 1, 2 or 4, from the first on, and as many from `second` on.
+/// Selects `kCount` pixels (1, 2 or 4) from the first on, and `kCount` pixels from `second` on.
 template <int kCount>
 struct Halves {
   ptrdiff_t second;
-  ptrdiff_t secondCoverage;  ///< Where the coverage of the second ones is.
+  ptrdiff_t secondCoverage;  ///< The offset of the coverage of the second piece.
 };
 
-/// Those at both ends of a row.
+/// Returns the pieces at both ends of a row.
 template <int kCount>
 ZIRK_INLINE Halves<kCount> HalvesOf(int width) {
   return {width - kCount, width - kCount};
@@ -34,7 +34,7 @@ ZIRK_INLINE void StoreHalves(uint32_t* p, __m128i v, Halves<2> halves) {
   _mm_storel_epi64(reinterpret_cast<__m128i*>(p + halves.second), _mm_unpackhi_epi64(v, v));
 }
 
-/// A single pixel is both pieces.
+/// For one pixel, both pieces are the same.
 ZIRK_INLINE __m128i LoadHalves(const uint32_t* p, Halves<1>) {
   return _mm_cvtsi32_si128(static_cast<int>(*p));
 }

@@ -51,7 +51,7 @@ ZIRK_INLINE Pixels Splat(uint32_t c) {
   return Pixels{} + c;
 }
 
-/// 0, 1, 2 and so on.
+/// Returns 0, 1, 2 and so on.
 ZIRK_INLINE Pixels Indices() {
   Pixels index;
   for (uint32_t i = 0; i < kLanes; ++i) index[i] = i;
@@ -63,7 +63,7 @@ ZIRK_INLINE Pixels BothHalves(Pixels v) {
   return v | (v << 16);
 }
 
-/// The whole parts of positions in 16.16 fixed point.
+/// Returns the whole parts of positions in 16.16 fixed point.
 ZIRK_INLINE Integers WholeParts(Pixels positions) {
   return (Integers)positions >> 16;
 }
