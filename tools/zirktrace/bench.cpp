@@ -20,12 +20,12 @@ double Seconds(clockid_t clock) {
   return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * kNanosecond;
 }
 
-/// Of all threads, as drivers draw by threads of their own.
+/// Returns the time of all threads, since drivers draw in their own threads.
 double ProcessorSeconds() {
   return Seconds(CLOCK_PROCESS_CPUTIME_ID);
 }
 
-/// What it costs to read that clock.
+/// Returns the time that one reading of that clock takes.
 double CostOfReading() {
   constexpr int kReadings = 10'000;
   const double start = ProcessorSeconds();
@@ -33,11 +33,11 @@ double CostOfReading() {
   return (ProcessorSeconds() - start) / kReadings;
 }
 
-/// Records of one frame that were read ahead, so that reading is not measured.
+/// Records of one frame, read in advance so that reading is not measured.
 class Batch {
  public:
-  /// Replaces them by the next ones: up to the end of their frame, or until they take 16 MiB. False
-  /// where there are none.
+  /// Replaces the records by the next ones, up to the end of their frame or 16 MiB. Returns false
+  /// if no records are left.
   bool Read(OpenedTrace& trace, uint64_t lastFrame) {
     constexpr size_t kEnough = size_t{16} << 20;
     records_.clear();
@@ -64,24 +64,24 @@ class Batch {
 
 struct Kind {
   uint64_t count = 0;
-  double seconds = 0;  ///< Of the processor.
+  double seconds = 0;  ///< Processor time.
 };
 
-/// What is measured of the frames that are asked for.
+/// The measurements of the requested frames.
 struct Measured {
-  std::string backend;  ///< The latest that was opened.
+  std::string backend;  ///< The backend opened last.
   uint64_t operations = 0, frames = 0;
   double seconds = 0, processorSeconds = 0;
   std::map<Operation, Kind> kinds;
 };
 
-/// Replays a trace, and measures the frames that are asked for.
+/// One replay of a trace, which measures the requested frames.
 class Pass {
  public:
-  /// The clocks are read before and after each batch. `readsByKind` has the processor's read after
-  /// each operation too, which takes about as long as the smallest of them: that tells how the time
-  /// divides, not how much there is. Nothing, after a line, where an operation cannot be carried
-  /// out or the trace is damaged.
+  /// Measures one replay. Reads the clocks before and after each batch. If `readsByKind` is set,
+  /// also reads the processor's clock after each operation. That takes about as long as the
+  /// smallest operations, so it shows each kind's share of the time, but not the total. Prints a
+  /// line and returns nullopt if an operation fails or the trace is damaged.
   static std::optional<Measured> Of(const CommandLine& line, bool readsByKind) {
     Pass pass(line, readsByKind);
     if (!pass.Run()) return std::nullopt;
@@ -107,7 +107,7 @@ class Pass {
         trace_.Report(record, player_);
         return false;
       }
-      // What is not shown is drawn nevertheless.
+      // Wait for drawing that no SwapBuffers() ends.
       if (&record == &records.back() && record.operation != Operation::SwapBuffers)
         player_.Finish();
       if (readsByKind_) stamps_.push_back(ProcessorSeconds());
@@ -140,7 +140,7 @@ class Pass {
   Measured measured_;
 };
 
-/// The least of several runs, divided as the time by kind does.
+/// The shortest of several runs, divided among the kinds of operation.
 class Results {
  public:
   void Add(const Measured& plain, const Measured& byKind) {

@@ -115,7 +115,7 @@ bool ReadNumber(const char* begin, const char* end, T least, T most, T& number) 
   return error == std::errc() && stop == end && number >= least && number <= most;
 }
 
-/// A, A-, -B or A-B.
+/// Reads A, A-, -B or A-B. Returns false if the text is invalid.
 bool ReadFrames(const std::string& text, CommandLine& line) {
   constexpr uint64_t kMost = UINT64_MAX - 1;
   const char *const begin = text.data(), *const end = begin + text.size();
@@ -127,7 +127,7 @@ bool ReadFrames(const std::string& text, CommandLine& line) {
          ReadNumber(dash + 1, end, line.firstFrame, kMost, line.lastFrame);
 }
 
-/// False if the option's argument is not valid.
+/// Stores an option. Returns false if its argument is invalid.
 bool TakeOption(int code, const char* argument, CommandLine& line) {
   const char* const end = argument ? argument + std::strlen(argument) : nullptr;
   switch (code) {
@@ -164,7 +164,8 @@ bool TakeOption(int code, const char* argument, CommandLine& line) {
   return true;
 }
 
-/// Whether the options and operands go with the command; else the status.
+/// Checks that the command takes these options and operands. Returns the exit status if it does
+/// not.
 int Check(const CommandLine& line, const std::vector<int>& used) {
   const Command* const command = FindCommand(line.command);
   if (line.command.empty()) return kTool.Wrong("a %s is missing", "command");
@@ -198,7 +199,7 @@ bool ParseCommandLine(int argc, char** argv, CommandLine& line, int& status) {
     line.command = argv[1];
     ++argv, --argc;
   }
-  // The options of the program that is recorded are its own.
+  // Options after the name of the recorded program belong to that program.
   const char* const letters = line.command == "record" ? "+:ho:" : ":ho:";
   const auto take = [&line](int code, const char* argument) {
     return TakeOption(code, argument, line);

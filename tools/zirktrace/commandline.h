@@ -14,11 +14,11 @@ struct CommandLine {
   std::string command;
   std::vector<std::string> operands;
 
-  std::string output;   ///< Empty for one named after the program.
-  std::string backend;  ///< Empty for the one of the recording.
+  std::string output;   ///< Empty for a name made from the program's.
+  std::string backend;  ///< Empty for the backend of the recording.
   std::string pngFolder;
   uint64_t firstFrame = 1, lastFrame = UINT64_MAX;
-  uint32_t surface = 0;  ///< 0 for the one that the frame shows.
+  uint32_t surface = 0;  ///< 0 for the surface that the frame shows.
   int loops = 1;
   int worst = 2;
   bool compares = false;
@@ -27,8 +27,8 @@ struct CommandLine {
   bool isVerbose = false;
 };
 
-/// Reads the arguments. False if that is all that is to be done: `status` is then the program's,
-/// and help, the version or what is wrong has been printed.
+/// Reads the arguments. Returns false if the program is to end with `status`: the help, the version
+/// or an error has then been printed.
 bool ParseCommandLine(int argc, char** argv, CommandLine& line, int& status);
 
 }  // namespace ZIRK::trace

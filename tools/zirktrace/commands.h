@@ -4,7 +4,7 @@
 
 namespace ZIRK::trace {
 
-/// Each carries out one command and gives the program's status.
+/// Each function runs one command and returns the program's exit status.
 int RecordProgram(const CommandLine& line);
 int ReplayTrace(const CommandLine& line);
 int MeasureReplay(const CommandLine& line);

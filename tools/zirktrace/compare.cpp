@@ -9,7 +9,7 @@ namespace ZIRK::trace {
 
 namespace {
 
-/// One trace, replayed by two backends.
+/// One trace, replayed on two backends.
 class Pair {
  public:
   explicit Pair(const CommandLine& line)
@@ -17,7 +17,7 @@ class Pair {
         trace_(line.operands[2]),
         comparison_(line.operands[0], line.operands[1], line.worst) {}
 
-  /// False at the end, and where something cannot be carried out: IsSound() tells.
+  /// Reads the next record. Returns false at the end or after an error; see IsSound().
   bool Next(Record& record) {
     return isSound_ && trace_.Next(record) && record.frame <= line_.lastFrame;
   }
@@ -26,12 +26,12 @@ class Pair {
     trace_.Report(record, comparison_.Failed());
     return isSound_ = false;
   }
-  /// To be asked once, at the end.
+  /// Returns whether no error occurred. Call it once, at the end.
   bool IsSound() const { return isSound_ && trace_.Report(); }
 
   Comparison& Players() { return comparison_; }
 
-  /// Writes both surfaces of this number. False, with a line, where that cannot be.
+  /// Writes both surfaces of this number. Prints a line and returns false on failure.
   bool Save(Id surface) {
     const auto [a, b] = comparison_.Find(surface);
     const bool isFirstSaved = SaveOne(a, line_.operands[0], "-1");
@@ -39,7 +39,7 @@ class Pair {
   }
 
  private:
-  /// The names of the backends may be the same.
+  /// `which` is part of the name, since the names of the backends may be the same.
   bool SaveOne(VuBitmap* bitmap, const std::string& backend, const char* which) {
     const std::string path = (std::filesystem::path(line_.pngFolder) /
                               ("differs" + std::string(which) + "-" + backend + ".png"))
@@ -58,7 +58,7 @@ class Pair {
   bool isSound_ = true;
 };
 
-/// The first frame at whose end a surface differs that was drawn on in it; 0 if none does.
+/// Returns the first frame at whose end a surface drawn on in it differs, or 0 if there is none.
 uint64_t FindFrame(Pair& pair, uint64_t firstFrame) {
   uint64_t frame = 0;
   for (Record record; pair.Next(record);) {
@@ -69,7 +69,7 @@ uint64_t FindFrame(Pair& pair, uint64_t firstFrame) {
   return frame > 0 && pair.Players().DiffersAtEnd() ? frame : 0;
 }
 
-/// Says after which operation of a frame the backends differ first, and writes both pictures.
+/// Prints the first operation of a frame after which the backends differ, and writes both pictures.
 bool ShowDifference(Pair& pair, uint64_t frame) {
   for (Record record; pair.Next(record) && record.frame <= frame;) {
     const bool isOfFrame = record.frame == frame && ChangesPixels(record.operation);

@@ -26,11 +26,11 @@ bool Comparison::DiffersBefore(const Record& record, bool looks) {
   if (ChangesPixels(record.operation)) drawn_.insert(object);
   const bool isShown = record.operation == Operation::SwapBuffers;
   const bool goes = record.operation == Operation::Close;
-  // What is about to go is looked at: a surface alone, a context with its surfaces.
+  // Compare what the record deletes: one surface, or a context with its surfaces.
   const bool goesAlone = goes && a_.Find(object);
   const bool differs = looks && (goesAlone ? drawn_.count(object) > 0 && Differ(object)
                                            : (isShown || goes) && DiffersAtEnd());
-  // The next picture covers this one.
+  // The next frame starts here.
   if (isShown) drawn_.clear();
   if (goes) drawn_.erase(object);
   return differs;

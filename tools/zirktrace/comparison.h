@@ -11,26 +11,28 @@
 
 namespace ZIRK::trace {
 
-/// Two backends that draw the same trace.
+/// A comparison of two backends that draw the same trace.
 class Comparison {
  public:
-  /// Differences of up to `worst` steps of a channel are none.
+  /// Ignores differences of up to `worst` steps of a channel.
   Comparison(const std::string& a, const std::string& b, int worst) : a_(a), b_(b), worst_(worst) {}
 
-  /// Carries out one operation by both. False where one cannot: see Failed().
+  /// Runs one operation on both backends. Returns false if either fails; see Failed().
   bool Play(const Record& record);
-  /// The player that could not carry out the operation.
+  /// Returns the player on which the operation failed.
   const Player& Failed() const { return *failed_; }
 
-  /// Nothing where the surfaces of this number agree, or are not there.
+  /// Returns the difference between the surfaces of this number, or nullopt if they agree or
+  /// either does not exist.
   std::optional<kit::Difference> Differ(Id surface);
-  /// The same surface as both have it; null where it is not there.
+  /// Returns the surface of each backend, or null if it does not exist.
   std::pair<VuBitmap*, VuBitmap*> Find(Id surface) { return {a_.Find(surface), b_.Find(surface)}; }
 
-  /// Whether a surface differs that was drawn on since a screen was shown. To be called before each
-  /// record is played; looks where the record shows a screen or ends a surface, if `looks`.
+  /// Returns whether any surface drawn on since the last SwapBuffers() differs. Call it before each
+  /// record is played. It compares only if `looks` is set and the record shows a screen or deletes
+  /// a surface.
   bool DiffersBefore(const Record& record, bool looks = true);
-  /// The same after the last record.
+  /// Does the same after the last record.
   bool DiffersAtEnd();
 
  private:

@@ -9,11 +9,11 @@ namespace ZIRK::trace {
 
 namespace {
 
-/// Bitmaps of its own; white ones come after them.
+/// Numbers of this class's bitmaps. White ones come after the others.
 enum Own : uint32_t { kScratch, kFirstBackground, kSecondBackground, kFirstWhite };
 constexpr size_t kMostWhites = 64;
 
-/// Two that no blending takes for the same, other than by writing over them.
+/// Two backgrounds that stay different under any blending that does not replace them.
 constexpr uint32_t kBackgrounds[] = {0x00000000, 0x99FFFFFF};
 
 bool SetsState(Operation operation) {
@@ -29,8 +29,8 @@ bool SetsState(Operation operation) {
   }
 }
 
-/// Writes the fields of an operation of an object again, with another object, and each value as
-/// `change` leaves it.
+/// Copies the fields of an object's operation for another object, with each value as changed by
+/// `change`.
 template <class Change>
 Encoder Rewrite(const Record& record, Id object, const Change& change) {
   Encoder encoder;
@@ -42,7 +42,7 @@ Encoder Rewrite(const Record& record, Id object, const Change& change) {
   return encoder;
 }
 
-/// The last field of this type.
+/// Returns the last field of this type.
 template <class T>
 T FieldOf(const Record& record) {
   T found{};
@@ -52,7 +52,7 @@ T FieldOf(const Record& record) {
   return found;
 }
 
-/// What an operation of a surface can draw on at most.
+/// Returns the largest part of a surface that an operation can draw on.
 VuRect LimitOf(Operation operation, const VuBitmap& target) {
   switch (operation) {
     case Operation::Clear:
@@ -86,7 +86,7 @@ void Coverage::Follow(const Record& record) {
   if (record.operation == Operation::Close) states_.erase(ObjectOf(record));
   if (!SetsState(record.operation)) return;
   auto& states = states_[ObjectOf(record)];
-  // The later one of the two holds.
+  // The later of the two operations applies.
   if (record.operation == Operation::SetBlendingFunc) states.erase(Operation::SetBlendingFuncs);
   states[record.operation].assign(record.fields.begin(), record.fields.end());
 }
@@ -116,7 +116,8 @@ bool Coverage::Find(const Record& record, Written& written) {
   return DrawWhite(record, *target, written);
 }
 
-/// Draws in opaque white on nothing. What is not nothing afterwards was written.
+/// Draws in opaque white on a transparent surface. Pixels that are not transparent afterwards were
+/// written.
 bool Coverage::DrawWhite(const Record& record, const VuBitmap& target, Written& written) {
   const VuRect bounds = target.GetBounds(), part = written.part;
   if (part.width == 0) return true;
@@ -129,7 +130,8 @@ bool Coverage::DrawWhite(const Record& record, const VuBitmap& target, Written& 
   return scratch->GetPixels(part, written.pixels.data());
 }
 
-/// Draws as the trace has it on two backgrounds. Where the results are the same, neither matters.
+/// Draws the operation unchanged on two backgrounds. If the results are equal, the background does
+/// not matter.
 bool Coverage::FindReplaced(const Record& record, Written& written) {
   written = {};
   const VuBitmap* const target = player_.Find(ObjectOf(record));
@@ -158,7 +160,7 @@ bool Coverage::DrawOver(size_t background, const Record& record, const VuBitmap&
                         const VuRect& part, Drawn& drawn) {
   const auto which = static_cast<uint32_t>(kFirstBackground + background);
   const VuBitmapInfo info = target.GetInfo();
-  own_.Drop(which);  // And with it its state.
+  own_.Drop(which);  // This drops its state too.
   VuBitmap* const own = own_.Get(which, info.width, info.height, info.format);
   if (!own) return false;
   const auto read = [&](std::vector<uint8_t>& pixels) {
@@ -177,7 +179,7 @@ bool Coverage::DrawOver(size_t background, const Record& record, const VuBitmap&
   return PlayOn(own_.IdOf(which), record, false) && read(drawn.after);
 }
 
-/// Has an operation drawn on another surface, in opaque white instead of its colours or as it is.
+/// Plays an operation on another surface, in opaque white if `isWhite` is set.
 bool Coverage::PlayOn(Id target, const Record& record, bool isWhite) {
   bool isComplete = true;
   const auto whiten = [&]<class W>(W*, Value<W>& value) {
@@ -194,7 +196,7 @@ bool Coverage::PlayOn(Id target, const Record& record, bool isWhite) {
   return isComplete && player_.Play(changed);
 }
 
-/// An opaque white bitmap of the size of a source; the source itself if that does not exist.
+/// Returns an opaque white bitmap of the size of a source, or `source` if it does not exist.
 Id Coverage::WhiteLike(Id source) {
   const VuBitmap* const bitmap = player_.Find(source);
   if (!bitmap) return source;

@@ -8,38 +8,39 @@
 
 namespace ZIRK::trace {
 
-/// The part of a rectangle that lies inside another one at the origin; all zeros if there is none.
+/// Returns the part of `rect` inside `bounds`, which starts at the origin. Returns all zeros if
+/// they do not overlap.
 VuRect Inside(const VuRect& rect, const VuRect& bounds);
 
-/// Which pixels of its surface an operation writes or blends.
+/// The pixels of its surface that an operation writes or blends.
 struct Written {
   VuRect part{0, 0, 0, 0};      ///< Inside the surface.
-  std::vector<uint8_t> pixels;  ///< Of the part, row by row; 0 where nothing is written.
+  std::vector<uint8_t> pixels;  ///< Of the part, row by row; 0 if not written.
 
   uint64_t Count() const;
 };
 
-/// Finds out which pixels operations write, by having them drawn elsewhere.
+/// The part that finds which pixels operations write, by drawing them on other surfaces.
 class Coverage {
  public:
   explicit Coverage(Player& player) : player_(player), own_(player, UINT32_MAX) {}
 
-  /// To be called with each record before it is played.
+  /// Call it with each record before it is played.
   void Follow(const Record& record);
 
-  /// What an operation that changes pixels writes, to be asked before it is played. A pixel counts
-  /// where the shape, the mask or the glyph covers it inside the clipping rectangle, whatever its
-  /// colour and alpha, and also where it gets the value that it has. False where that cannot be
-  /// found out: the player knows the problem.
+  /// Finds the pixels that an operation writes. Call it before the operation is played. A pixel
+  /// counts if the shape, the mask or the glyph covers it inside the clipping rectangle, regardless
+  /// of colour and alpha, and even if its value does not change. Returns false on failure; see the
+  /// player's Problem().
   bool Find(const Record& record, Written& written);
 
-  /// The same for a drawing operation as it is, with its colours and its surface's blending. The
-  /// pixels are kReplaced where what was there before does not matter, else kBlended.
+  /// Does the same for a drawing operation with its own colours and its surface's blending. The
+  /// pixels are kReplaced if the result does not depend on their old values, otherwise kBlended.
   bool FindReplaced(const Record& record, Written& written);
   static constexpr uint8_t kBlended = 1, kReplaced = 2;
 
  private:
-  /// Pixels of a part before and after an operation.
+  /// The pixels of a part before and after an operation.
   struct Drawn {
     std::vector<uint8_t> before, after;
   };
@@ -51,9 +52,9 @@ class Coverage {
                 Drawn& drawn);
 
   Player& player_;
-  OwnSurfaces own_;                                 ///< Fewer than a hundred.
-  std::map<std::pair<int, int>, uint32_t> whites_;  ///< Opaque bitmaps by their size.
-  /// The latest record of each operation that sets a state of a surface.
+  OwnSurfaces own_;                                 ///< Fewer than 100 bitmaps.
+  std::map<std::pair<int, int>, uint32_t> whites_;  ///< Opaque bitmaps by size.
+  /// The latest record of each operation that sets a part of a surface's state.
   std::map<Id, std::map<Operation, std::vector<uint8_t>>> states_;
 };
 

@@ -16,7 +16,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The folder of the library that holds an address.
+/// Returns the folder of the library that contains an address.
 fs::path FolderOf(const void* address) {
   Dl_info info{};
   if (!dladdr(address, &info)) return {};
@@ -24,7 +24,7 @@ fs::path FolderOf(const void* address) {
   return fs::canonical(info.dli_fname, error).parent_path();
 }
 
-/// Where the loader would have looked: the environment's folders, and the library's own.
+/// Returns the folders that the loader would search: those of the environment, and the library's.
 std::vector<fs::path> SearchPath() {
   std::vector<fs::path> folders;
   const char* const path = std::getenv("LD_LIBRARY_PATH");
@@ -35,8 +35,8 @@ std::vector<fs::path> SearchPath() {
   return folders;
 }
 
-/// The plug-in that is recorded, by its path: its name alone is that of the recording one. As the
-/// library does, it is left open.
+/// Opens the plug-in to record. It needs the path, since the recording plug-in has the same name.
+/// Like the library, it never closes the plug-in.
 void* OpenReal(const char* file) {
   const fs::path own = FolderOf(reinterpret_cast<const void*>(&OpenReal));
   std::error_code error;

@@ -4,8 +4,8 @@
 
 namespace ZIRK::trace {
 
-/// What the entry points of the plug-in in the file of this name make, but recorded. Null where the
-/// real plug-in is not found or makes nothing.
+/// Call the entry points of the real plug-in with this file name and return objects that record.
+/// Return null if the real plug-in is not found or its entry point returns null.
 ZIRK_API void* OpenTracedGraphics(const char* file, bool flag);
 ZIRK_API void* OpenTracedCompositor(const char* file, bool flag);
 ZIRK_API void CloseTracedGraphics(void* graphics);

@@ -13,13 +13,12 @@
 
 #include "operations.h"
 
-/// @file
-/// How the fields of a record are written and read. Transfer() says of each type, once, which
-/// scalars it is made of; an archive writes, reads or prints these.
+/// @file Writes and reads the fields of a record. Transfer() lists the scalars of each type once;
+/// an archive writes, reads or prints them.
 
 namespace ZIRK::trace {
 
-// Values that are made of several.
+// Values that consist of several scalars.
 
 struct FileValue {
   const char* path = nullptr;
@@ -35,7 +34,7 @@ struct PointsValue {
   bool isThere = false;
   std::array<VuTVector2D<float>, N> points{};
 };
-/// More than this are cut.
+/// The largest number of layers in a record; further layers are dropped.
 constexpr size_t kMostLayers = 256;
 
 template <class W>
@@ -54,11 +53,11 @@ template <>
 struct ValueOf<void> {
   using Type = std::monostate;
 };
-/// What a trace has for a parameter or result of a row.
+/// The type of a row's parameter or result in a trace.
 template <class W>
 using Value = typename ValueOf<W>::Type;
 
-/// 0 for a format that is none.
+/// Returns the bytes of a pixel, or 0 if the format is invalid.
 constexpr uint32_t BytesPerPixel(VuPixelFormat format) {
   switch (format) {
     case VuPixelFormat::ARGB8888:
@@ -74,7 +73,7 @@ constexpr uint32_t BytesPerPixel(VuPixelFormat format) {
   return 0;
 }
 
-// What each type is made of.
+// The scalars of each type.
 
 template <class T>
 concept ScalarField = std::is_arithmetic_v<T>;
@@ -115,7 +114,7 @@ template <class Archive>
 void Transfer(Archive& archive, VuTransform& value) {
   archive.Group(value.translateX, value.translateY, value.scaleX, value.scaleY, value.rotation);
 }
-/// The address of pixels means nothing outside the process.
+/// Leaves out the address of the pixels, which is meaningless outside the process.
 template <class Archive>
 void Transfer(Archive& archive, VuBitmapInfo& value) {
   archive.Group(value.width, value.height, value.format, value.pitch);
@@ -141,7 +140,7 @@ void Transfer(Archive& archive, VuTRect2D<float>& value) {
   archive.Group(min, max);
   value.set(min, max);
 }
-/// Its nine elements row by row, and the flags that say which kinds of transform went into it.
+/// Transfers the nine elements row by row, and the flags for the kinds of transform in the matrix.
 template <class Archive>
 void Transfer(Archive& archive, VuTMatrix2D<float>& value) {
   struct Parts {
@@ -177,7 +176,8 @@ void Transfer(Archive& archive, std::vector<LayerDescription>& value) {
   for (LayerDescription& layer : value) Transfer(archive, layer);
 }
 
-/// Writes fields, the lowest byte first, into memory that is used again for the next record.
+/// An archive that writes fields, lowest byte first, into memory that is reused for the next
+/// record.
 class Encoder {
  public:
   void Clear() { size_ = 0; }
@@ -190,7 +190,7 @@ class Encoder {
   }
   void Color(uint32_t argb) { Scalar(argb); }
   void Number(Id id) { Scalar(id); }
-  /// Length with the 0 at the end, which is 0 for null, and the characters.
+  /// Writes the length including the final 0, or a length of 0 for null, and the characters.
   void Characters(const char* text) {
     const size_t length = text ? std::strlen(text) + 1 : 0;
     Scalar(static_cast<uint32_t>(length));
@@ -213,13 +213,12 @@ class Encoder {
   size_t size_ = 0;
 };
 
-/// Reads fields; what is wrong is remembered, and read as zeros from then on. Texts point into the
-/// bytes.
+/// An archive that reads fields. After an error, it reads zeros. Strings point into the bytes.
 class Decoder {
  public:
   explicit Decoder(std::span<const uint8_t> bytes) : rest_(bytes) {}
 
-  /// Whether all was right, and nothing is left.
+  /// Returns whether no error occurred and no bytes are left.
   bool IsDone() const { return isRight_ && rest_.empty(); }
   bool IsRight() const { return isRight_; }
   std::span<const uint8_t> Rest() const { return rest_; }
@@ -265,8 +264,8 @@ class Decoder {
   bool isRight_ = true;
 };
 
-/// Calls `use` with the operation's parameter and result types, as `use.operator()<Result, W...>`;
-/// those of operations of an object follow its Id in the record. False for an unknown operation.
+/// Calls `use.operator()<Result, W...>` with the operation's result and parameter types. In a
+/// record, the object's Id comes before them. Returns false if the operation is unknown.
 template <class Use>
 bool WithFields(Operation operation, const Use& use) {
   const auto call = [&use]<class Result, class... W>(Result (*)(W...)) {

@@ -12,16 +12,16 @@
 
 namespace ZIRK::trace {
 
-/// A surface of the program's, as the real backend and the trace know it.
+/// The real surface and the Id of a surface of the program.
 struct KnownSurface {
   VuBitmapImpl* real = nullptr;
   Id id = Id::None;
-  bool isOurs = true;  ///< Whether a trace can name it. Null can be named.
+  bool isOurs = true;  ///< Whether a trace can name it, as it can null.
 };
 KnownSurface Know(VuBitmapImpl* surface);
 
-/// What the program gets for a surface that the context's real backend has made, and what the trace
-/// gets. Null stays null.
+/// Wraps a surface that the context's real backend has made. Returns the surface for the program
+/// and the value for the trace. Null stays null.
 std::pair<VuBitmapImpl*, CreatedValue> Wrap(VuBitmapImpl* real, Id context);
 std::pair<VuScreenImpl*, CreatedValue> Wrap(VuScreenImpl* real, Id context);
 
@@ -41,11 +41,11 @@ template <>
 struct GivenAs<VuScreenDescription> {
   using Type = const VuScreenDescription&;
 };
-/// What a row's parameter or result is in C++.
+/// The C++ type of a row's parameter or result.
 template <class W>
 using Given = typename GivenAs<W>::Type;
 
-/// What the real operation gets for an argument.
+/// Converts an argument for the real operation.
 template <class W, class T>
 decltype(auto) Pass(T& given) {
   if constexpr (std::is_same_v<W, Source> || std::is_same_v<W, Mask>)
@@ -54,7 +54,7 @@ decltype(auto) Pass(T& given) {
     return (given);
 }
 
-/// Whether a trace can name an argument.
+/// Returns whether a trace can name an argument.
 template <class W, class T>
 bool CanRecord(const T& given) {
   if constexpr (std::is_same_v<W, Source> || std::is_same_v<W, Mask>)
@@ -65,7 +65,7 @@ bool CanRecord(const T& given) {
     return true;
 }
 
-/// What the trace gets for an argument; `next` is the one after it.
+/// Converts an argument to its value in the trace. `next` is the argument after it.
 template <class W, class T, class Next>
 Value<W> ToValue(const T& given, const Next& next) {
   Recorder& recorder = Recorder::Get();
@@ -93,7 +93,7 @@ Value<W> ToValue(const T& given, const Next& next) {
   }
 }
 
-/// Records an operation that was called; `results` are what it returned.
+/// Records an operation after its call. `results` are the values that it returned.
 template <class... W, size_t... Index, class... Given, class... Results>
 void RecordCall(Operation operation, Id object, std::index_sequence<Index...>,
                 const std::tuple<Given&...>& given, Results... results) {
@@ -105,7 +105,7 @@ void RecordCall(Operation operation, Id object, std::index_sequence<Index...>,
                  results...);
 }
 
-/// Calls the real operation and records it as `operation` of the object.
+/// Calls the real operation and records it as the object's `operation`.
 template <class Result, class... W, class Call, class... Given>
 auto Forward(Operation operation, Result (*)(W...), Id object, const Call& call, Given&... given) {
   constexpr std::index_sequence_for<W...> kIndices;
@@ -154,7 +154,7 @@ auto Forward(Operation operation, Result (*)(W...), Id object, const Call& call,
 /// Overrides the operation in a row, in a class that has the object as `real_` and its Id as `id_`.
 #define ZIRK_TRACE_OVERRIDE(number, name, method, result, isConst, count, parameters) \
   ZIRK_TRACE_OVERRIDE_BY(real_, name, method, result, isConst, count, parameters)
-/// The same with an expression for the object.
+/// Does the same with an expression for the object.
 #define ZIRK_TRACE_OVERRIDE_BY(real, name, method, result, isConst, count, parameters) \
   Given<result> method(ZIRK_TRACE_PARAMETERS_##count parameters) isConst override {    \
     return Forward(Operation::name, static_cast<result(*) parameters>(nullptr), id_,   \

@@ -16,8 +16,8 @@ size_t StepOf(uint32_t count) {
   return std::min<size_t>(count, kSteps - 1);
 }
 
-/// Characters of the legend, which has to be there on a machine without fonts: three columns by
-/// five rows, the top left one in the highest bit.
+/// Returns the dots of a character of the legend, which is drawn without fonts: three columns by
+/// five rows, the top left dot in the highest bit.
 uint32_t DotsOf(char character) {
   static constexpr char kCharacters[] = "0123456789%+<";
   static constexpr uint32_t kDots[] = {075557, 026227, 071747, 071717, 055711, 074717, 074757,
@@ -27,7 +27,7 @@ uint32_t DotsOf(char character) {
   return found == std::end(kCharacters) - 1 ? 0 : kDots[found - kCharacters];
 }
 
-/// In the middle of a place; each dot is so large.
+/// Draws a text in the middle of `place`, with dots of `dot` x `dot` pixels.
 void DrawLabel(VuBitmap& picture, const std::string& text, const VuRect& place, int dot,
                VuColor color) {
   constexpr int kColumns = 3, kRows = 5;
@@ -42,7 +42,7 @@ void DrawLabel(VuBitmap& picture, const std::string& text, const VuRect& place, 
   }
 }
 
-/// In whole percents, which 0 of them is not if there is any.
+/// Returns the percentage as a whole number, or "<1%" if it is between 0 and 1.
 std::string PercentOf(uint64_t part, uint64_t all) {
   if (part > 0 && part * 100 < all) return "<1%";
   return std::to_string(all > 0 ? part * 100 / all : 0) + '%';

@@ -9,7 +9,7 @@ namespace ZIRK::trace {
 
 namespace {
 
-/// What happens once, as at the start, is no matter.
+/// Ignore what happens in one frame only, such as at the start.
 constexpr uint64_t kFewestFrames = 2;
 
 bool IsBlit(Operation operation) {
@@ -23,7 +23,7 @@ const char* NameOf(VuPixelFormat format) {
   return index < std::size(kNames) ? kNames[index] : "no format";
 }
 
-/// Whether a pixel of one format has other bytes in the other one. Alpha alone is no colour.
+/// Returns whether pixels are converted between the two formats. A8 does not count.
 bool IsConverted(VuPixelFormat from, VuPixelFormat to) {
   const auto kind = [](VuPixelFormat format) {
     return format == VuPixelFormat::XRGB8888 ? VuPixelFormat::ARGB8888 : format;
@@ -31,7 +31,7 @@ bool IsConverted(VuPixelFormat from, VuPixelFormat to) {
   return from != VuPixelFormat::A8 && to != VuPixelFormat::A8 && kind(from) != kind(to);
 }
 
-/// Width and height of the rectangles of a blit, and how its transform scales.
+/// The widths and heights of a blit's rectangles, and the scale of its transform.
 struct Blit {
   std::vector<std::pair<double, double>> sizes;
   double across = 1, down = 1;
@@ -56,7 +56,8 @@ Blit BlitOf(const Record& record) {
   return blit;
 }
 
-/// How many times as large, in thousandths; 1000 where one pixel is stretched, as for a gradient.
+/// Returns the scale factor in thousandths. It is 1000 if a single pixel is stretched, as for a
+/// gradient.
 int FactorOf(double to, double from, double scale) {
   constexpr double kMost = 1000, kUnit = 1000;
   const double factor = to * scale / from;
@@ -98,7 +99,7 @@ void Hints::After(const Record& record) {
 bool Hints::WatchClears(const Record& record) {
   const Operation operation = record.operation;
   const Id object = ObjectOf(record);
-  // What reads a surface needs the clearing.
+  // Operations that read the surface need the clear.
   if (operation == Operation::SwapBuffers || operation == Operation::GetPixels ||
       operation == Operation::Lock || operation == Operation::Close)
     cleared_.erase(object);
@@ -124,14 +125,15 @@ bool Hints::WatchClears(const Record& record) {
   return true;
 }
 
-/// Takes away what the operation draws over. Its pixels are empty where it needs the clearing.
+/// Removes the pixels that the operation draws over. Clears the list of pixels if the operation
+/// needs the clear.
 bool Hints::DrawOnCleared(const Record& record, Cleared& cleared) {
   const VuBitmap* const surface = player_.Find(ObjectOf(record));
   if (!surface) return true;
   const VuRect bounds = surface->GetBounds();
   const auto width = static_cast<size_t>(bounds.width);
   if (cleared.pixels.size() != width * static_cast<size_t>(bounds.height)) {
-    cleared.pixels.clear();  // Another surface of this number.
+    cleared.pixels.clear();  // It belongs to an earlier surface with this number.
     return true;
   }
   Written written;
@@ -186,9 +188,9 @@ void Hints::WatchSources(const Record& record) {
 
 // --- Text -------------------------------------------------------------------------------------
 
-/// Glyphs that are not where they were in a font's atlas tell that it was emptied.
+/// Counts how often a font's atlas was emptied. The positions of its glyphs show it: they change.
 void Hints::WatchAtlas(const Record& record) {
-  // What a font is changes, or it is made anew: no glyph is what it was.
+  // If a font is restyled or made again, its glyphs are different ones.
   if (record.operation == Operation::Close) inAtlas_.clear();
   if (record.operation == Operation::StyleFont || record.operation == Operation::MakeFont)
     inAtlas_.erase(ObjectOf(record));
@@ -231,7 +233,7 @@ void Hints::Name(const Record& record) {
     }
   });
   if (record.operation == Operation::MakeFont) {
-    std::vector<int> numbers;  // Face and size.
+    std::vector<int> numbers;  // The face index and the size.
     VisitFields(record, [&]<class W>(W*, const Value<W>& value) {
       if constexpr (std::is_same_v<W, int>) numbers.push_back(value);
     });

@@ -37,14 +37,14 @@ void Print(const char* key, uint64_t value) {
   std::printf("%s: %llu\n", key, static_cast<unsigned long long>(value));
 }
 
-/// What a trace says of a surface.
+/// The use of a surface in a trace.
 struct SurfaceUse {
   std::string kind;  ///< Size and format.
   VuPixelFormat format{};
   uint64_t bytes = 0;
   uint64_t drawn = 0;        ///< Operations that may have changed its pixels.
-  uint64_t unusedLocks = 0;  ///< Through which nothing was written: the program read.
-  bool isRead = false;       ///< By a drawing operation, or it is a screen.
+  uint64_t unusedLocks = 0;  ///< Locks for writing without a write: the program only read.
+  bool isRead = false;       ///< Whether a drawing operation reads it, or it is a screen.
   bool isOpen = true;
 
   bool IsNeverRead() const { return !isRead && unusedLocks == 0; }
@@ -67,7 +67,7 @@ class Summary {
   std::set<std::pair<Id, unsigned>> distinctGlyphs_;
   uint64_t uploads_ = 0, uploadBytes_ = 0;
   uint64_t contents_ = 0, contentBytes_ = 0;
-  uint64_t bytes_ = 0, mostBytes_ = 0;  ///< Of the surfaces that there are at one time.
+  uint64_t bytes_ = 0, mostBytes_ = 0;  ///< Of the surfaces that exist at a time.
   std::map<Id, SurfaceUse> surfaces_;
   std::map<Operation, uint64_t> kinds_;
 };
@@ -103,7 +103,7 @@ void Summary::CountGlyphs(Id font, const char* text) {
   }
 }
 
-/// Counts what happens to a surface.
+/// Counts the operations of a surface.
 void Summary::CountObject(const Record& record, Id object) {
   const auto found = surfaces_.find(object);
   if (found == surfaces_.end()) return;
@@ -146,9 +146,10 @@ void Summary::Count(const Record& record) {
   });
 }
 
-/// By kind, what takes most bytes first; then those that are never read.
+/// Prints the surfaces by kind, those that take the most bytes first, then the surfaces that are
+/// never read.
 void Summary::PrintSurfaces() const {
-  std::map<std::string, std::pair<uint64_t, uint64_t>> byKind;  ///< Bytes, and how many.
+  std::map<std::string, std::pair<uint64_t, uint64_t>> byKind;  ///< Bytes and number.
   for (const auto& [id, use] : surfaces_) {
     auto& [bytes, count] = byKind[use.kind];
     bytes += use.bytes;

@@ -9,7 +9,7 @@ namespace ZIRK::trace {
 
 namespace {
 
-/// The columns of bytes of a row that changed, up to `end`; nothing while `end` is 0.
+/// The columns of bytes that changed in a row, from `begin` up to `end`. None if `end` is 0.
 struct Span {
   size_t begin = 0, end = 0;
 };
@@ -24,7 +24,7 @@ uint64_t Word(const uint8_t* bytes) {
   return word;
 }
 
-/// The first byte before `end` that differs; `end` if none does.
+/// Returns the first byte before `end` that differs, or `end` if none does.
 size_t FirstDifference(const uint8_t* a, const uint8_t* b, size_t end) {
   size_t at = 0;
   while (at + sizeof(uint64_t) <= end && Word(a + at) == Word(b + at)) at += sizeof(uint64_t);
@@ -32,7 +32,7 @@ size_t FirstDifference(const uint8_t* a, const uint8_t* b, size_t end) {
   return at;
 }
 
-/// The byte after the last that differs from `begin` on; `begin` if none does.
+/// Returns the end of the last byte from `begin` on that differs, or `begin` if none does.
 size_t EndOfDifference(const uint8_t* a, const uint8_t* b, size_t begin, size_t end) {
   constexpr size_t kWord = sizeof(uint64_t);
   while (begin + kWord <= end && Word(a + end - kWord) == Word(b + end - kWord)) end -= kWord;
@@ -40,7 +40,7 @@ size_t EndOfDifference(const uint8_t* a, const uint8_t* b, size_t begin, size_t 
   return end;
 }
 
-/// Adds what differs in a row. Whether anything does.
+/// Adds the differences in a row. Returns whether there are any.
 bool Extend(Span& changed, const uint8_t* now, const uint8_t* before, size_t size) {
   if (changed.end == 0) {
     changed.begin = FirstDifference(now, before, size);
@@ -58,7 +58,7 @@ bool Extend(Span& changed, const uint8_t* now, const uint8_t* before, size_t siz
 }  // namespace
 
 void LockedPixels::Begin(const VuBitmapInfo& info) {
-  // Some backends do not show their pixels.
+  // Some backends do not give access to their pixels.
   hasBegun_ = info.pixels && info.pitch > 0;
   if (!hasBegun_) return;
   const Rows rows = RowsOf(info, {0, 0, info.width, info.height});
@@ -83,8 +83,8 @@ VuRect LockedPixels::End(const VuBitmapInfo& info) {
   for (size_t y = top; y < bottom; ++y)
     std::memcpy(pixels_.data() + y * rows.size + changed.begin,
                 rows.first + y * rows.pitch + changed.begin, changed.end - changed.begin);
-  // What is locked a second time is likely to be locked in each frame; other copies take memory in
-  // vain.
+  // A surface that is locked a second time is likely to be locked in each frame. Copies of other
+  // surfaces would waste memory.
   isKnown_ = ++locks_ > 1;
   if (!isKnown_) pixels_ = {};
   const size_t pixel = BytesPerPixel(info.format);

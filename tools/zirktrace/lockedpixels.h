@@ -8,24 +8,24 @@
 
 namespace ZIRK::trace {
 
-/// The pixels of a surface as they were when it was locked, to find what the program wrote.
+/// The pixels of a surface when it was locked, used to find what the program wrote.
 class LockedPixels {
  public:
-  /// To be called when the surface is locked for writing. Copies its pixels, unless they are known.
+  /// Copies the pixels unless they are known. Call it when the surface is locked for writing.
   void Begin(const VuBitmapInfo& info);
-  /// Whether there is a part to be found.
+  /// Returns whether End() can find the changed part.
   bool HasBegun() const { return hasBegun_; }
-  /// Gives the smallest part with all that changed, empty if nothing did. To be called while the
-  /// surface is still locked.
+  /// Returns the smallest part that contains all changes, empty if nothing changed. Call it while
+  /// the surface is still locked.
   VuRect End(const VuBitmapInfo& info);
-  /// To be called when the pixels may change otherwise.
+  /// Call it when the pixels may change in another way.
   void Forget() { isKnown_ = false; }
 
  private:
   std::vector<uint8_t> pixels_;  ///< Without gaps.
   int locks_ = 0;
   bool hasBegun_ = false;
-  bool isKnown_ = false;  ///< Whether they are still those of the surface.
+  bool isKnown_ = false;  ///< Whether `pixels_` are still those of the surface.
 };
 
 }  // namespace ZIRK::trace

@@ -1,4 +1,4 @@
-// Records what a program draws, and draws it again.
+// Records what a program draws, and replays it.
 
 #include <zirk/vusyslog.h>
 

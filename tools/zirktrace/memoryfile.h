@@ -7,10 +7,10 @@
 
 namespace ZIRK::trace {
 
-/// A file without a name in any folder, for what is opened by a path.
+/// A file in memory, for functions that open a file by its path.
 class MemoryFile {
  public:
-  /// Empty where it cannot be made.
+  /// Returns null if the file cannot be made.
   static std::shared_ptr<const MemoryFile> Create(std::span<const uint8_t> bytes);
   ~MemoryFile();
   MemoryFile(const MemoryFile&) = delete;

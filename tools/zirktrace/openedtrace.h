@@ -9,7 +9,7 @@
 
 namespace ZIRK::trace {
 
-/// A trace in a file, read from its beginning.
+/// A trace file, read from the beginning.
 class OpenedTrace {
  public:
   explicit OpenedTrace(const std::string& path)
@@ -17,8 +17,8 @@ class OpenedTrace {
 
   bool Next(Record& record) { return reader_.Next(record); }
 
-  /// Says on standard error what is wrong with the trace, or that it ends too early, which is no
-  /// failure. True if it can be relied on.
+  /// Prints on standard error what is wrong with the trace, or that it is cut off, which is no
+  /// failure. Returns whether the trace is usable.
   bool Report() const {
     if (!stream_.is_open())
       std::fprintf(stderr, "zirktrace: %s: cannot be read\n", path_.c_str());
@@ -29,7 +29,7 @@ class OpenedTrace {
     return stream_.is_open() && reader_.Problem().empty();
   }
 
-  /// Says that an operation cannot be carried out.
+  /// Prints that an operation failed.
   void Report(const Record& record, const Player& player) const {
     std::fprintf(stderr, "zirktrace: %s: operation %llu, %s: %s\n", path_.c_str(),
                  static_cast<unsigned long long>(record.number), NameOf(record.operation),

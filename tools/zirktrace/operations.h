@@ -7,24 +7,23 @@
 #include <variant>
 #include <vector>
 
-/// @file
-/// The operations of a trace, each in one row: its number in the file, what calls it and what its
-/// fields are. Recording, reading, replaying and printing are generated from these rows.
+/// @file The operations of a trace, one per row: the number in the file, the function and the
+/// fields. The code for recording, reading, replaying and printing is generated from these rows.
 
 namespace ZIRK::trace {
 
-/// A number that stands for a context, a surface, a font, a compositor or a content.
+/// The number of a context, surface, font, compositor or content.
 enum class Id : uint32_t { None = 0 };
 
-// What a parameter or result is where its type alone does not say that: a type with what a trace
-// has for it, and with what the operation is given or gives. Other types stand for themselves.
+// The kinds of parameters and results that a C++ type alone does not determine. Value is the type
+// in the trace, Given the type of the argument or result. All other types are used as they are.
 
 struct FileValue;
 struct CreatedValue;
 template <int N>
 struct PointsValue;
 
-/// A string that ends with 0, or null.
+/// A null-terminated string, or null.
 struct Text {
   using Value = const char*;
   using Given = const char*;
@@ -44,66 +43,66 @@ struct Font {
   using Value = Id;
   using Given = VuFontImpl*;
 };
-/// A path, and the content of its file.
+/// A path and the content of its file.
 struct File {
   using Value = FileValue;
   using Given = const char*;
 };
-/// A content; the parameter after it is its Size.
+/// A content; the next parameter is its Size.
 struct Data {
   using Value = Id;
   using Given = const void*;
 };
-/// Bytes of the Data before it.
+/// The number of bytes in the preceding Data.
 struct Size {
   using Value = uint32_t;
   using Given = unsigned;
 };
-/// Where pixels go: nothing is recorded.
+/// A destination for pixels, which is not recorded.
 struct Into {
   using Value = std::monostate;
   using Given = void*;
 };
-/// Where text goes: nothing is recorded.
+/// A destination for text, which is not recorded.
 struct Stream {
   using Value = std::monostate;
   using Given = std::ostream&;
 };
-/// Layers; the parameter after it is their number.
+/// Layers; the next parameter is their number.
 struct Layers {
   using Value = std::vector<LayerDescription>;
   using Given = const LayerDescription*;
 };
-/// Where layers go: nothing is recorded.
+/// A destination for layers, which is not recorded.
 struct Filled {
   using Value = std::monostate;
   using Given = LayerDescription*;
 };
-/// So many points, or null.
+/// N points, or null.
 template <int N>
 struct Points {
   using Value = PointsValue<N>;
   using Given = VuTVector2D<float>*;
 };
-/// What the operation stores.
+/// A value that the operation stores.
 template <class T>
 struct Out {
   using Value = T;
   using Given = T&;
 };
-/// A surface, which the trace knows by a new Id from then on.
+/// A new surface, to which the trace gives a new Id.
 struct NewBitmap {
   using Value = CreatedValue;
   using Given = VuBitmapImpl*;
 };
-/// The same for a screen.
+/// A new screen, to which the trace gives a new Id.
 struct NewScreen {
   using Value = CreatedValue;
   using Given = VuScreenImpl*;
 };
 
-// The rows: number, name in the trace, operation, result, const, number of parameters, parameters.
-// The numbers are part of the format: a new operation gets a new one.
+// The rows: number, name in the trace, function, result, const, number of parameters, parameters.
+// The numbers are part of the format: give each new operation a new number.
 
 #define ZIRK_TRACE_CONTEXT_OPERATIONS(X)                                                  \
   X(20, CreateScreen, CreateScreen, NewScreen, , 1, (bool))                               \
@@ -128,7 +127,7 @@ struct NewScreen {
   X(37, GetGraphicsType, GetGraphicsType, int, const, 0, ())                              \
   X(38, GetMaxTextureSize, GetMaxTextureSize, int, const, 0, ())
 
-/// Those that may change the pixels of their surface.
+/// Operations that may change the pixels of their surface.
 #define ZIRK_TRACE_DRAWING_OPERATIONS(X)                                                          \
   X(52, Clear, Clear, void, , 0, ())                                                              \
   X(53, ClearTo, Clear, void, , 1, (VuColor))                                                     \
@@ -177,7 +176,7 @@ struct NewScreen {
 #define ZIRK_TRACE_SURFACE_OPERATIONS(X) \
   ZIRK_TRACE_DRAWING_OPERATIONS(X) ZIRK_TRACE_OTHER_SURFACE_OPERATIONS(X)
 
-/// Surface operations with which more is done than recording them.
+/// Surface operations that need more code than recording alone.
 #define ZIRK_TRACE_WATCHED_OPERATIONS(X)                                                   \
   X(60, SetBlendingFunc, SetBlendingFunc, void, , 2, (VuBlendingFactor, VuBlendingFactor)) \
   X(61, SetBlendingFuncs, SetBlendingFunc, void, , 4,                                      \
@@ -193,7 +192,7 @@ struct NewScreen {
   X(112, GetVirtualLayerCount, GetVirtualLayerCount, int, , 0, ())     \
   X(113, GetConfiguration, GetConfiguration, void, , 2, (Filled, Out<int>))
 
-/// What no one operation of an interface is. Number, name, fields.
+/// Events, which are not single operations of an interface: number, name, fields.
 #define ZIRK_TRACE_EVENTS(X)                                                                   \
   /* A content, which follows the field: file, font or pixels. */                              \
   X(1, Content, (Id))                                                                          \
@@ -201,7 +200,7 @@ struct NewScreen {
   X(2, MakeFont, (Id, Id, int, int, bool, bool))                                               \
   /* A font's outline and its thickness, fallback glyph; content, face and size of another. */ \
   X(3, StyleFont, (Id, VuFont::OutlineType, int, unsigned, Id, int, int))                      \
-  /* A context: the plug-in's file, and what was asked for. */                                 \
+  /* A context: the plug-in's file and the requested flag. */                                  \
   X(4, OpenContext, (Id, Text, bool))                                                          \
   X(5, OpenCompositor, (Id, Text, bool))                                                       \
   /* A context, surface or compositor is deleted. */                                           \
@@ -218,19 +217,19 @@ struct NewScreen {
   ZIRK_TRACE_SCREEN_OPERATIONS(X)  \
   ZIRK_TRACE_COMPOSITOR_OPERATIONS(X)
 
-/// What a record is of.
+/// The operation or event of a record.
 enum class Operation : uint16_t {
 #define X(number, name, ...) name = number,
   ZIRK_TRACE_OPERATIONS(X) ZIRK_TRACE_EVENTS(X)
 #undef X
 };
 
-/// Whether the first field of the record is the Id of the object that the operation is of.
+/// Returns whether the first field of the record is the Id of the operation's object.
 constexpr bool HasObject(Operation operation) {
   return static_cast<int>(operation) >= 20;
 }
 
-/// Whether the operation may change the pixels of the surface that it is of.
+/// Returns whether the operation may change the pixels of its surface.
 constexpr bool ChangesPixels(Operation operation) {
   switch (operation) {
 #define X(number, name, ...) case Operation::name:
@@ -244,7 +243,7 @@ constexpr bool ChangesPixels(Operation operation) {
   }
 }
 
-/// Whether the operation only asks for something.
+/// Returns whether the operation is a query.
 constexpr bool IsQuery(Operation operation) {
   switch (operation) {
 #define X(number, name, method, result, isConst, ...) \
@@ -257,7 +256,7 @@ constexpr bool IsQuery(Operation operation) {
   }
 }
 
-/// The operation's name; null for a number that is none.
+/// Returns the operation's name, or null if the number is invalid.
 constexpr const char* NameOf(Operation operation) {
   switch (operation) {
 #define X(number, name, ...) \

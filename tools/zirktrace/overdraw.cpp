@@ -10,7 +10,7 @@ namespace ZIRK::trace {
 
 namespace {
 
-/// Counts what one frame writes. False, after a line, where that cannot be done.
+/// Counts the pixels that one frame writes. Prints a line and returns false on failure.
 bool CountFrame(const CommandLine& line, FrameCounts& counts) {
   OpenedTrace trace(line.operands[0]);
   Player player("FB");
@@ -32,7 +32,7 @@ bool CountFrame(const CommandLine& line, FrameCounts& counts) {
   return false;
 }
 
-/// How much was written on which surfaces, the most first.
+/// Prints how much was written on which surfaces, the most first.
 void PrintWritten(const FrameCounts& frame) {
   constexpr size_t kMostSurfaces = 10;
   std::vector<std::pair<uint64_t, Id>> sums;

@@ -62,7 +62,8 @@ VuBitmapImpl* Player::SurfaceOf(Id id) {
   return nullptr;
 }
 
-/// The bytes of a content. What could not be recorded cannot be played, which is no problem.
+/// Returns the bytes of a content. An operation whose content was not recorded is skipped, which is
+/// no error.
 const std::vector<uint8_t>* Player::BytesOf(Id id) {
   const std::vector<uint8_t>* const bytes = contents_.Find(id);
   if (id == Id::None) isSkipped_ = true;
@@ -78,7 +79,7 @@ const char* Player::PathOf(const FileValue& value) {
   return openFile_ ? openFile_->Path().c_str() : nullptr;
 }
 
-/// Room for all pixels of the surface that they are asked of.
+/// Returns memory for all pixels of the current operation's surface.
 void* Player::Scratch() {
   const VuRect bounds = surfaces_.at(object_).impl->GetBounds();
   scratch_.resize(size_t{4} * static_cast<size_t>(bounds.width) *
@@ -86,7 +87,7 @@ void* Player::Scratch() {
   return scratch_.data();
 }
 
-/// What the operation gets for a value of the trace.
+/// Converts a value of the trace to an argument of the operation.
 template <class W>
 decltype(auto) Player::ToArgument(Value<W>& value) {
   if constexpr (std::is_same_v<W, Source>) {
@@ -130,7 +131,7 @@ bool Player::Keep(Impl* made, const CreatedValue& recorded) {
   return true;
 }
 
-/// Screens are as large as they were, also where the program left that to the display.
+/// Makes a screen of the recorded size, even if the program left the size to the display.
 VuScreenImpl* Player::MakeScreen(VuGraphicsImpl& graphics, VuScreenDescription asked,
                                  const CreatedValue& recorded) {
   asked.width = recorded.width;
@@ -297,7 +298,7 @@ void Player::Open(PlayedFont& font) {
   Apply(font, font.fallbackFile != nullptr);
 }
 
-/// Gives a font the style of the trace. Another fallback font makes it forget its glyphs.
+/// Applies the style in the trace to a font. A new fallback font makes the font drop its glyphs.
 void Player::Apply(const PlayedFont& font, bool hasOtherFallback) {
   constexpr float kUnits = 64;
   font.impl->SetOutlineType(font.outlineType);
@@ -338,7 +339,7 @@ bool Player::DoOpenContext(Decoder&, Id id, const char* file, bool flag) {
   return true;
 }
 
-/// Only OpenGLES2 has layers; by other backends the screens are drawn and not composed.
+/// Only OpenGLES2 has layers. On other backends, screens are drawn but not composed.
 bool Player::DoOpenCompositor(Decoder&, Id id, const char*, bool flag) {
   compositors_[id].reset();
   if (opened_ != BackendName(BackendType::OpenGLES2)) return true;
@@ -351,7 +352,7 @@ bool Player::DoClose(Decoder&, Id id) {
   if (surfaces_.erase(id) + compositors_.erase(id) > 0) return true;
   const auto context = contexts_.find(id);
   if (context == contexts_.end()) return Fail("there is no such object");
-  // A font's atlas is made by a context, and its surfaces go before that.
+  // A context makes the atlases of fonts. Delete the fonts and the context's surfaces before it.
   for (auto& [fontId, font] : fonts_) font.impl.reset();
   std::erase_if(surfaces_, [&](const auto& entry) { return entry.second.context == id; });
   contexts_.erase(context);
@@ -378,7 +379,7 @@ bool Player::DoPixelsWritten(Decoder&, Id id, VuRect part, Id content) {
     surface.impl->SetPixels(part, bytes->data(), pitch);
     return true;
   }
-  // Screens may have another format here than where they were recorded.
+  // A screen's format may differ from the recorded one.
   const std::unique_ptr<VuBitmapImpl> between(
       contexts_.at(surface.context)->CreateBitmap(part.width, part.height, surface.recordedFormat));
   if (!between) return Fail("the backend makes no bitmap of this format");

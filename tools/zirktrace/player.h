@@ -13,14 +13,14 @@
 
 namespace ZIRK::trace {
 
-/// The contents that a trace can name, each with its bytes. The oldest are dropped when the
-/// recording dropped them.
+/// The contents that a trace can name, with their bytes. The oldest are dropped when the recorder
+/// dropped them.
 class Contents {
  public:
   void Add(Id id, std::span<const uint8_t> bytes);
-  /// Null for one that is not there.
+  /// Returns null if there is no such content.
   const std::vector<uint8_t>* Find(Id id) const;
-  /// The same as a file; empty for one that is not there, and where no file can be made.
+  /// Returns the content as a file, or null if there is no such content or the file cannot be made.
   std::shared_ptr<const MemoryFile> FileOf(Id id);
 
  private:
@@ -33,30 +33,32 @@ class Contents {
   size_t size_ = 0;
 };
 
-/// What the first field of a record names: the object that its operation is of, if it is.
+/// Returns the Id in the first field of a record, which is that of the operation's object if it has
+/// one.
 Id ObjectOf(const Record& record);
 
-/// Carries out the operations of a trace by a backend. Trusts none of them.
+/// A player of a trace's operations on a backend. It does not trust the trace.
 class Player {
  public:
-  /// `backend` draws, or each context's own one where that is empty.
+  /// Plays on `backend`, or on each context's own backend if the name is empty.
   explicit Player(std::string backend) : backend_(std::move(backend)) {}
   ~Player();
   Player(const Player&) = delete;
   Player& operator=(const Player&) = delete;
 
-  /// Carries out one operation. False where that cannot be: see Problem().
+  /// Plays one operation. Returns false on failure; see Problem().
   bool Play(const Record& record);
   const std::string& Problem() const { return problem_; }
 
-  /// Waits until everything is drawn.
+  /// Waits until all drawing is complete.
   void Finish();
-  /// The name of the backend that the latest context opened; empty before.
+  /// Returns the name of the backend of the context opened last, or an empty name before that.
   const std::string& Backend() const { return opened_; }
 
-  /// The surface of this number; null if there is none.
+  /// Returns the surface with this number, or null if there is none.
   VuBitmap* Find(Id surface);
-  /// The font of this number, null if nothing was drawn with it. It may go with any context.
+  /// Returns the font with this number, or null if nothing was drawn with it. Closing any context
+  /// may delete it.
   const VuFontAtlas* FindFont(Id font) const;
 
  private:
@@ -66,7 +68,7 @@ class Player {
     VuPixelFormat recordedFormat{};
     std::unique_ptr<VuBitmap> bitmap;  ///< Owns the implementation.
   };
-  /// A trace does not delete fonts, but what they keep of a context is deleted with it.
+  /// A trace does not delete fonts. What they keep of a context is deleted with the context.
   struct PlayedFont {
     std::shared_ptr<const MemoryFile> file, fallbackFile;
     int faceIndex = 0, pixelSize = 0;
@@ -97,7 +99,7 @@ class Player {
   const char* PathOf(const FileValue& value);
   void* Scratch();
 
-  // Events, each by its name.
+  // One function for each event.
   bool PlayEvent(Operation operation, Decoder& fields);
   bool DoContent(Decoder& fields, Id id);
   bool DoMakeFont(Decoder&, Id id, Id content, int faceIndex, int pixelSize, bool bold,
@@ -116,8 +118,8 @@ class Player {
   std::string opened_;
   std::string problem_;
   bool isSkipped_ = false;  ///< An argument was not recorded.
-  Id object_ = Id::None;    ///< Of the operation that is carried out.
-  size_t dataSize_ = 0;     ///< Of the content among the arguments.
+  Id object_ = Id::None;    ///< The object of the current operation.
+  size_t dataSize_ = 0;     ///< The size of the content among the arguments.
   std::vector<uint8_t> scratch_;
   std::ostream nowhere_{nullptr};
   std::shared_ptr<const MemoryFile> openFile_;  ///< During the operation.

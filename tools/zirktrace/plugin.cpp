@@ -1,5 +1,5 @@
-// A plug-in by the name of a real one. The loader takes one file under several names for one
-// library, so each name has a file of its own, made of this alone.
+// A plug-in with the name of a real one. The loader treats one file with several names as one
+// library, so each plug-in is a separate file, built from this source only.
 
 #include "entry.h"
 

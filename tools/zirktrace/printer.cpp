@@ -8,7 +8,7 @@ namespace ZIRK::trace {
 
 namespace {
 
-/// An archive that prints what it gets.
+/// An archive that prints fields.
 class Printer {
  public:
   template <class T>
@@ -17,7 +17,7 @@ class Printer {
       text_ += value ? "true" : "false";
     } else if constexpr (std::is_floating_point_v<T>) {
       char number[32];
-      // As many digits as it takes to read the same number again.
+      // Enough digits to read back the same number.
       std::snprintf(number, sizeof number, "%.9g", static_cast<double>(value));
       text_ += number;
     } else {
@@ -63,7 +63,7 @@ class Printer {
   std::string text_;
 };
 
-/// The values of the types, separated by commas.
+/// Reads the values of the types and returns them as text, separated by commas.
 template <class... W>
 std::string ReadAndPrint(Decoder& decoder) {
   std::string line;

@@ -6,11 +6,11 @@
 
 namespace ZIRK::trace {
 
-/// The operation with its fields.
+/// Returns the operation and its fields as text.
 std::string ToText(const Record& record);
 
-/// A record as a line without its end: number, frame, thread, milliseconds since the beginning, and
-/// the operation with its fields.
+/// Returns a record as a line without a line break: number, frame, thread, milliseconds since the
+/// beginning, and the operation with its fields.
 std::string ToLine(const Record& record);
 
 }  // namespace ZIRK::trace

@@ -23,7 +23,7 @@ using Clock = std::chrono::steady_clock;
 namespace fs = std::filesystem;
 
 constexpr auto kPause = std::chrono::milliseconds(2);
-/// The most that a crash of this program or of the machine costs.
+/// A crash of this program or of the machine loses at most the records of this time.
 constexpr auto kFlushInterval = std::chrono::milliseconds(100);
 
 int Failed(const std::string& what) {
@@ -31,14 +31,15 @@ int Failed(const std::string& what) {
   return kFailed;
 }
 
-/// The plug-ins that record, where they lie beside this program's own file.
+/// Returns the folder of the recording plug-ins, which is relative to this program's file.
 std::string FolderOfPlugins() {
   std::error_code error;
   const fs::path program = fs::canonical("/proc/self/exe", error);
   return (program.parent_path() / ZIRK_TRACE_PLUGINS).lexically_normal();
 }
 
-/// Runs the program with the plug-ins that record in front of the others; -1 with `errno`.
+/// Starts the program with the folder of recording plug-ins first in the search path. Returns -1
+/// and sets `errno` on failure.
 pid_t Start(const CommandLine& line, const Ring& ring) {
   const char* const before = std::getenv("LD_LIBRARY_PATH");
   const std::string path = FolderOfPlugins() + (before && *before ? std::string(":") + before : "");
@@ -55,7 +56,7 @@ pid_t Start(const CommandLine& line, const Ring& ring) {
   return errno == 0 ? program : -1;
 }
 
-/// Moves what is in the ring to the file. False, with `errno`, where it cannot be written.
+/// Moves the bytes in the ring to the file. Returns false and sets `errno` if it cannot be written.
 bool Drain(Ring& ring, TraceWriter& writer) {
   for (std::span<const uint8_t> bytes; !(bytes = ring.Readable()).empty();) {
     if (!writer.Add(bytes)) return false;
@@ -64,12 +65,12 @@ bool Drain(Ring& ring, TraceWriter& writer) {
   return true;
 }
 
-/// Writes the file until the program has ended, which gives `status`. False, with `errno`, where
-/// the file cannot be written; the program then goes on.
+/// Writes the file until the program ends, and stores its `status`. Returns false and sets `errno`
+/// if the file cannot be written; the program then still runs to its end.
 bool WriteTrace(Ring& ring, TraceWriter& writer, pid_t program, int& status) {
   bool isWritten = true, hasEnded = false;
   for (Clock::time_point flushed = Clock::now(); !hasEnded;) {
-    // Looked at first: all that the program did before its end is then in the ring.
+    // Check this first: if the program has ended, the ring now holds all its records.
     hasEnded = waitpid(program, &status, isWritten ? WNOHANG : 0) == program;
     if (!isWritten) continue;
     isWritten = Drain(ring, writer);
@@ -99,7 +100,8 @@ int RecordProgram(const CommandLine& line) {
     std::remove(file.c_str());
     return kFailed;
   }
-  // What the terminal sends is for the program; this one then writes the rest.
+  // Signals from the terminal are for the recorded program. After its end, this one writes the
+  // remaining records.
   std::signal(SIGINT, SIG_IGN);
   std::signal(SIGQUIT, SIG_IGN);
   int status = 0;

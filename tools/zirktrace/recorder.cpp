@@ -18,7 +18,7 @@ uint16_t ThisThread() {
   return number;
 }
 
-/// A font's style is its implementation's own, for backends that derive from it.
+/// Access to a font's style, which is protected in VuFontImpl.
 struct Style : VuFontImpl {
   static constexpr auto kOutlineType = &Style::outlineType_;
   static constexpr auto kOutlineThickness = &Style::outlineThickness_;
@@ -29,7 +29,7 @@ const char* OrEmpty(const char* text) {
   return text ? text : "";
 }
 
-/// The same as of the rows without gaps.
+/// Returns the hash of the rows without the gaps between them.
 XXH128_hash_t HashOf(const Rows& rows) {
   if (rows.pitch == rows.size) return XXH3_128bits(rows.first, rows.Bytes());
   XXH3_state_t state;
@@ -39,7 +39,7 @@ XXH128_hash_t HashOf(const Rows& rows) {
   return XXH3_128bits_digest(&state);
 }
 
-/// Whether a font was made of the same: a path by its characters, memory by its place.
+/// Returns whether two fonts have the same source: the same path, or the same address in memory.
 bool IsSame(const FontSource& a, const std::string& pathOfA, const FontSource& b) {
   return a.data == b.data && a.size == b.size && a.faceIndex == b.faceIndex &&
          a.pixelSize == b.pixelSize && a.bold == b.bold && a.italic == b.italic &&
@@ -62,11 +62,11 @@ Recorder::Recorder() : ring_(Ring::Claim()) {
     lastFrame_ = last;
   }
   isOn_ = ring_ && firstFrame_ == 1;
-  // A child has a copy of this program's half of the ring.
+  // A forked child must not write to the ring, which the parent uses.
   pthread_atfork(nullptr, nullptr, [] { Get().isOn_ = false; });
 }
 
-/// Writes the record's head, its fields, and the content that follows them.
+/// Writes the record's head, its fields and the content that follows them.
 void Recorder::HandOver(Operation operation, const Rows& content) {
   const std::span<const uint8_t> fields = record_.Bytes();
   const auto time = std::chrono::steady_clock::now() - start_;

@@ -21,25 +21,25 @@
 
 namespace ZIRK::trace {
 
-/// An object of the program's that a trace may begin with.
+/// An object of the program that may exist when the recording begins.
 class Described {
  public:
   virtual ~Described() = default;
-  /// Writes the records after which the object is as it is now.
+  /// Writes the records that create the object in its current state.
   virtual void Describe() = 0;
 };
 
-/// Writes records into the ring, as long as there is one, in the order in which operations end.
-/// Any thread may call. Logs nothing.
+/// The writer of records into the ring, if there is one, in the order in which operations end. All
+/// functions are safe to call from any thread. Logs nothing.
 class Recorder {
  public:
-  /// The process's one.
+  /// Returns the recorder of the process.
   static Recorder& Get();
 
   bool IsOn() const { return isOn_.load(std::memory_order_relaxed); }
   Id NewId() { return Id{++lastId_}; }
 
-  /// Writes a record with these fields.
+  /// Writes a record with the given fields.
   template <class... T>
   void Write(Operation operation, T... fields) {
     if (!IsOn()) return;
@@ -49,24 +49,24 @@ class Recorder {
     HandOver(operation, {});
   }
 
-  /// Every object of the program's, from when it is made until it is deleted.
+  /// Register an object of the program after its creation, and remove it before its deletion.
   void Add(Id id, Described& object);
   void Remove(Id id);
-  /// To be called after a screen was shown: begins and ends recording where not all frames are
-  /// asked for.
+  /// Begins or ends the recording if only some frames are requested. Call it after each
+  /// SwapBuffers().
   void EndFrame();
 
-  /// The content with the bytes of these rows, which is written where it was not yet. 0 for one
-  /// that is too large.
+  /// Returns the Id of the content with the bytes of these rows, and writes the content if it is
+  /// new. Returns None if it is too large.
   Id ContentOf(const Rows& rows);
-  /// That of a file; None where it cannot be read.
+  /// Returns the Id of a file's content, or None if the file cannot be read.
   Id ContentOfFile(const char* path);
-  /// The font, which is written where it is new or has changed. 0 for one that is not the
-  /// library's.
+  /// Returns the Id of a font, and writes the font if it is new or has changed. Returns None if it
+  /// is not a font of the library.
   Id FontOf(const VuFontImpl* font);
 
  private:
-  /// Fonts are made and deleted without a record, so one is known by what it was made of.
+  /// No records show that fonts are made or deleted, so a font is identified by its source.
   struct KnownFont {
     Id id = Id::None;
     std::string path, fallbackPath;
@@ -99,7 +99,7 @@ class Recorder {
   Encoder head_, record_;
 
   std::mutex objectMutex_;
-  std::map<Id, Described*> objects_;  ///< In the order in which they were made.
+  std::map<Id, Described*> objects_;  ///< In the order of their creation.
 
   std::mutex contentMutex_;
   std::unordered_map<Hash, Id, LowHalf> contents_;

@@ -21,11 +21,11 @@ bool Save(VuBitmap& screen, const std::string& path) {
   return false;
 }
 
-/// Replays once, and counts the frames that are asked for.
+/// Replays once and counts the requested frames.
 bool ReplayOnce(const CommandLine& line, uint64_t& operations, uint64_t& frames) {
   OpenedTrace trace(line.operands[0]);
   Player player(line.backend);
-  Id unfinished = Id::None;  // Drawn on and not shown.
+  Id unfinished = Id::None;  // The surface drawn on since the last SwapBuffers().
   uint64_t frame = 1;
   const auto save = [&](VuBitmap* surface) {
     return !surface || line.pngFolder.empty() || frame < line.firstFrame ||

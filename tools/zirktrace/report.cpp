@@ -19,15 +19,15 @@ namespace ZIRK::trace {
 
 namespace {
 
-// What a page has at most, so that a browser can show it.
-constexpr size_t kMostFrames = 5000;              // Afterwards the trace is left.
+// The limits of a page, so that a browser can show it.
+constexpr size_t kMostFrames = 5000;              // The rest of the trace is not read.
 constexpr size_t kMostDetail = size_t{24} << 20;  // Bytes of pictures and operations.
 constexpr size_t kMostOperations = 5000;          // Of a frame.
 constexpr size_t kLongestText = 400;              // Characters of an operation.
 constexpr size_t kMostHints = 100;
 constexpr int kPictureWidth = 400, kPictureHeight = 400;
 
-/// A string of JSON, in ASCII and without anything that ends a script.
+/// Returns a JSON string in ASCII, in which nothing can end a script.
 std::string Quote(const std::string& text) {
   std::string quoted = "\"";
   const auto escape = [&](unsigned unit) {
@@ -66,14 +66,14 @@ std::string Base64(const std::string& bytes) {
   return text;
 }
 
-/// A number of JSON, with three digits after the point.
+/// Returns a JSON number with three decimal places.
 std::string Rounded(double value) {
   char text[40];
   std::snprintf(text, sizeof text, "%.3f", value);
   return text;
 }
 
-/// The bitmap as the address of a picture in a page; empty where that cannot be made.
+/// Returns the bitmap as the data URI of a picture, or an empty string on failure.
 std::string ToDataUri(VuBitmap& bitmap) {
   const std::shared_ptr<const MemoryFile> file = MemoryFile::Create({});
   if (!file || !kit::SavePng(bitmap, file->Path().c_str())) return "";
@@ -81,13 +81,13 @@ std::string ToDataUri(VuBitmap& bitmap) {
   return "data:image/png;base64," + Base64({std::istreambuf_iterator<char>(stream), {}});
 }
 
-/// What the page has of a frame.
+/// The data of a frame in the page.
 struct Frame {
   uint64_t number = 0;
   double drawing = 0, showing = 0;     ///< Milliseconds.
   double onScreen = 0, elsewhere = 0;  ///< Pixels written for each pixel of the screen.
   uint64_t operations = 0, queries = 0;
-  std::string rows;  ///< JSON of the operations that are listed.
+  std::string rows;  ///< JSON of the listed operations.
   size_t listed = 0;
   std::string picture, heat, heatOf;
 };
@@ -105,12 +105,12 @@ std::string ToJson(const Frame& frame, bool isDetailed) {
   return json.str();
 }
 
-/// Replays a trace by FB and collects what the page has of it.
+/// The data of a page, collected by replaying a trace on FB.
 class Report {
  public:
   explicit Report(const CommandLine& line) : line_(line) {}
 
-  /// False, after a line, where the trace cannot be replayed.
+  /// Prints a line and returns false if the trace cannot be replayed.
   bool Read();
   std::string ToPage() const;
 
@@ -130,8 +130,8 @@ class Report {
   OwnSurfaces own_{player_, UINT32_MAX - 1000};
   Frame frame_;
   FrameCounts counts_;
-  uint64_t begin_ = 0, latest_ = 0;  ///< Nanoseconds: the frame, and the record before.
-  std::string frames_;               ///< JSON of those that have ended.
+  uint64_t begin_ = 0, latest_ = 0;  ///< Nanoseconds: start of frame, last record.
+  std::string frames_;               ///< JSON of the complete frames.
   size_t frameCount_ = 0, detailed_ = 0, detail_ = 0;
   bool isCutOff_ = false;
 };
@@ -193,7 +193,7 @@ void Report::List(const Record& record, uint64_t pixels) {
   frame_.rows += row.str();
 }
 
-/// To be called before the screen is shown.
+/// Ends the frame. Call it before the screen's SwapBuffers() is played.
 void Report::EndFrame() {
   const auto shown = counts_.Surfaces().find(counts_.Shown());
   VuBitmap* const bitmap = player_.Find(counts_.Shown());
@@ -228,7 +228,8 @@ void Report::TakePictures(VuBitmap& shown, const WriteCounts& hottest) {
   frame_.heat = Shrunk(*heat);
 }
 
-/// A picture no larger than pages have them, halved until a pixel is the average of at most four.
+/// Returns a picture no larger than the page's limit. Halves it repeatedly, so that each step
+/// averages at most four pixels.
 std::string Report::Shrunk(VuBitmap& bitmap) {
   VuBitmap* from = &bitmap;
   for (uint32_t step = 1;; ++step) {
@@ -260,7 +261,7 @@ std::string Report::HintsToJson() const {
   return json.str();
 }
 
-/// What the page does not have, as JSON.
+/// Returns notes about what the page leaves out, as elements of a JSON array.
 std::string Report::LeftOut() const {
   std::ostringstream left;
   if (isCutOff_)

@@ -4,7 +4,7 @@
 
 namespace ZIRK::trace {
 
-/// The page of a report, which the build makes of report.html. The data go where it has kDataMark.
+/// The page of a report, which the build makes from report.html. The data replace kDataMark.
 extern const std::string_view kReportPage;
 inline constexpr std::string_view kDataMark = "<!--data-->";
 

@@ -19,7 +19,7 @@ constexpr uint32_t kCapacity = uint32_t{4} << 20;
 
 }  // namespace
 
-/// Counts go on past 2^32; their difference is what is in the ring.
+/// The counts wrap around at 2^32. Their difference is the number of bytes in the ring.
 struct Ring::Shared {
   pid_t reader;
   std::atomic<pid_t> writer{0};
@@ -30,7 +30,7 @@ struct Ring::Shared {
 };
 
 std::unique_ptr<Ring> Ring::Create() {
-  // Inherited by the program.
+  // The recorded program inherits the descriptor.
   const int descriptor = memfd_create("zirktrace", 0);
   if (descriptor < 0) return nullptr;
   void* memory = MAP_FAILED;

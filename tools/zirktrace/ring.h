@@ -5,39 +5,38 @@
 #include <memory>
 #include <span>
 
-/// @file
-/// How records get from the program that is recorded to zirktrace: through memory that both have,
-/// so that a program that ends by a signal has handed over all that it did.
+/// @file Passes records from the recorded program to zirktrace through shared memory, so that no
+/// record is lost if a signal ends the program.
 
 namespace ZIRK::trace {
 
 /// Names the ring's file descriptor in the program's environment.
 inline constexpr char kRingVariable[] = "ZIRK_TRACE_RING";
 
-/// Has the frames that are recorded, as "A-B"; all where it is not set.
+/// Names the variable with the frames to record, as "A-B". All are recorded if it is not set.
 inline constexpr char kFramesVariable[] = "ZIRK_TRACE_FRAMES";
 
-/// One end of the ring. One process writes, one thread at a time, and one process reads.
+/// One end of the ring. One process writes to it, from one thread at a time, and one process reads.
 class Ring {
  public:
   ~Ring();
   Ring(const Ring&) = delete;
   Ring& operator=(const Ring&) = delete;
 
-  /// Makes a ring, for the reader. Empty, with `errno`, where that cannot be.
+  /// Makes a ring for the reader. Returns null and sets `errno` on failure.
   static std::unique_ptr<Ring> Create();
-  /// The ring of the environment, for the first process that asks for it. Empty where there is
-  /// none.
+  /// Opens the ring named in the environment. Returns null if another process has claimed it, or if
+  /// there is none.
   static std::unique_ptr<Ring> Claim();
 
   int Descriptor() const { return descriptor_; }
-  /// Whether a process has claimed it.
+  /// Returns whether a process has claimed the ring.
   bool IsClaimed() const;
 
-  /// Waits for room. False once the reader has gone.
+  /// Writes bytes, and waits for room if necessary. Returns false if the reader has exited.
   bool Write(std::span<const uint8_t> bytes);
 
-  /// What is there to be read, or the part of it before the memory's end.
+  /// Returns the bytes that can be read, or the part of them before the end of the memory.
   std::span<const uint8_t> Readable() const;
   void Consume(size_t count);
   /// Ends writing.

@@ -6,7 +6,7 @@ namespace ZIRK::trace {
 
 namespace {
 
-/// The real surface is asked for its information, which is not recorded: the program did not ask.
+/// Reads the real surface's information without a record: the program did not ask for it.
 template <class Traced, class Base>
 std::pair<Base*, CreatedValue> WrapAs(Base* real, Id context) {
   if (!real) return {};
@@ -27,7 +27,7 @@ std::pair<VuScreenImpl*, CreatedValue> Wrap(VuScreenImpl* real, Id context) {
 
 KnownSurface Know(VuBitmapImpl* surface) {
   if (!surface) return {};
-  // The usual case, without a search in the class hierarchy.
+  // The usual case needs no search in the class hierarchy.
   if (typeid(*surface) == typeid(TracedBitmap)) {
     const auto& bitmap = static_cast<const TracedBitmap&>(*surface);
     return {bitmap.Real(), bitmap.GetId()};

@@ -6,12 +6,13 @@
 #include "forwarding.h"
 #include "lockedpixels.h"
 
-/// @file
-/// The objects that a recorded program gets: each forwards to the real one, which it owns.
+/// @file The objects that a recorded program receives. Each owns the real object and forwards to
+/// it.
 
 namespace ZIRK::trace {
 
-/// A surface, whose pixels are looked at where the program may have written them.
+/// A surface that records its operations, and compares its pixels if the program may have written
+/// them.
 template <class Base>
 class TracedSurface : public Base, private Described {
  public:
@@ -33,7 +34,7 @@ class TracedSurface : public Base, private Described {
   ZIRK_TRACE_DRAWING_OPERATIONS(ZIRK_TRACE_OVERRIDE_DRAWING)
 #undef ZIRK_TRACE_OVERRIDE_DRAWING
 
-  // The real surface tells only two of the four factors.
+  // The real surface returns only two of the four factors.
 
   void SetBlendingFunc(VuBlendingFactor src, VuBlendingFactor dst) override {
     factors_.reset();
@@ -75,7 +76,7 @@ class TracedSurface : public Base, private Described {
     const bool isDone = Changing()->SetPixels(rect, src, pitch);
     Recorder& recorder = Recorder::Get();
     if (!recorder.IsOn()) return isDone;
-    // What was refused may not be readable.
+    // If the call failed, its pixels may not be readable.
     const Id content = isDone ? recorder.ContentOf(RowsOf(src, pitch, rect.width, rect.height,
                                                           real_->GetInfo().format))
                               : Id::None;
@@ -84,7 +85,7 @@ class TracedSurface : public Base, private Described {
   }
 
  protected:
-  /// The real surface, for what may change its pixels.
+  /// Returns the real surface for operations that may change its pixels.
   Base* Changing() {
     locked_.Forget();
     return real_;
@@ -126,7 +127,7 @@ class TracedSurface : public Base, private Described {
 
   const Id context_;
   const CreatedValue created_;
-  std::optional<std::array<VuBlendingFactor, 4>> factors_;  ///< Where the latest ones were four.
+  std::optional<std::array<VuBlendingFactor, 4>> factors_;  ///< Set if the latest call set four.
   LockedPixels locked_;
 };
 

@@ -11,7 +11,7 @@ namespace ZIRK::trace {
 namespace {
 
 constexpr int kCompressionLevel = 3;
-/// Of zstd: what its decoder may take.
+/// The largest window of zstd, which limits the decoder's memory.
 constexpr int kLargestWindow = 20;
 constexpr size_t kHeaderSize = sizeof kFileMagic + sizeof kFormatVersion;
 
@@ -80,8 +80,8 @@ bool TraceReader::ReadHeader() {
   return true;
 }
 
-/// Adds what one frame of zstd holds to what was read. Nothing of it is used before its checksum
-/// is right.
+/// Reads one zstd frame and appends its content. The content is not used until its checksum has
+/// been verified.
 bool TraceReader::ReadBlock() {
   ZSTD_outBuffer out{block_.data(), block_.size(), 0};
   for (bool isBegun = false;; isBegun = true) {
@@ -107,7 +107,7 @@ bool TraceReader::ReadBlock() {
   return true;
 }
 
-/// Whether there are so many bytes.
+/// Makes `count` bytes available. Returns false if the trace has fewer.
 bool TraceReader::Fill(size_t count) {
   while (records_.size() - begin_ < count)
     if (!ReadBlock()) {
@@ -141,7 +141,7 @@ bool TraceReader::Next(Record& record) {
   return CheckFields(record) || Fail(where + NameOf(head.operation) + " has wrong fields");
 }
 
-/// Whether the fields are those of the operation.
+/// Returns whether the fields are valid for the operation.
 bool TraceReader::CheckFields(const Record& record) {
   Decoder decoder(record.fields);
   Id largest = Id::None;

@@ -12,27 +12,27 @@
 
 #include "operations.h"
 
-/// @file
-/// A trace as a file; docs/trace-format.md describes it.
+/// @file Reads and writes trace files. docs/trace-format.md describes the format.
 
 namespace ZIRK::trace {
 
 inline constexpr char kFileMagic[] = {'Z', 'I', 'R', 'K', 't', 'r', 'c', '\n'};
 constexpr uint32_t kFormatVersion = 1;
-/// The most that one frame of zstd holds.
+/// The most bytes that one zstd frame holds, uncompressed.
 constexpr size_t kBlockSize = size_t{1} << 18;
-/// The most that contents take together before the oldest can no longer be named.
+/// The total size of the contents that a record can name. Beyond it, the oldest are dropped.
 constexpr size_t kContentWindow = size_t{256} << 20;
-/// Longer records are refused; the longest have a content.
+/// The size of the longest valid record, which has a content.
 constexpr size_t kLongestRecord = kContentWindow + 64;
 
-/// The largest number of an object or content. Those above it are left to what replays a trace.
+/// The largest number of an object or content. Larger numbers are reserved for programs that replay
+/// traces.
 constexpr Id kLastId{INT32_MAX};
 
-/// Bytes of what each record begins with.
+/// The size of a RecordHead in a file.
 constexpr size_t kHeadSize = 16;
 
-/// What each record begins with.
+/// The beginning of each record.
 struct RecordHead {
   uint32_t length = 0;  ///< Bytes after this field.
   Operation operation{};
@@ -49,20 +49,20 @@ struct Record {
   uint16_t thread = 0;
   uint64_t time = 0;
   uint64_t number = 0;  ///< Counted from 1.
-  /// The one that it belongs to, which its screen's SwapBuffers() ends. Counted from 1.
+  /// The record's frame, which ends with SwapBuffers() of a screen. Counted from 1.
   uint64_t frame = 1;
   std::span<const uint8_t> fields;  ///< Valid until the next record is read.
 };
 
-/// Compresses records into a file.
+/// A writer that compresses records into a file.
 class TraceWriter {
  public:
-  /// Empty if the file cannot be made.
+  /// Returns null if the file cannot be created.
   static std::unique_ptr<TraceWriter> Create(const std::string& path);
 
-  /// Adds bytes of records. False, with `errno`, where the file cannot be written.
+  /// Adds bytes of records. Returns false and sets `errno` if the file cannot be written.
   bool Add(std::span<const uint8_t> bytes);
-  /// Writes what was added so far.
+  /// Writes all bytes added so far.
   bool Flush();
 
  private:
@@ -74,19 +74,19 @@ class TraceWriter {
   std::vector<uint8_t> compressed_;
 };
 
-/// Reads a trace record by record, and trusts none of it. Takes as much memory as the longest
-/// record.
+/// A reader of a trace, record by record. It does not trust the trace, and takes as much memory as
+/// the longest record.
 class TraceReader {
  public:
-  /// Reads from `stream`, which has to live as long.
+  /// Reads from `stream`, which must outlive the reader.
   explicit TraceReader(std::istream& stream);
 
-  /// False at the end and where the trace is damaged: see Problem().
+  /// Reads the next record. Returns false at the end or if the trace is damaged; see Problem().
   bool Next(Record& record);
 
-  /// What is wrong, empty if nothing is.
+  /// Returns the error, or an empty string if there is none.
   const std::string& Problem() const { return problem_; }
-  /// Whether the file ends inside a block or a record.
+  /// Returns whether the file ends inside a block or a record.
   bool IsCut() const { return isCut_; }
 
  private:
@@ -101,7 +101,7 @@ class TraceReader {
   std::vector<uint8_t> input_;
   ZSTD_inBuffer in_{};
   std::vector<uint8_t> block_;
-  std::vector<uint8_t> records_;  ///< Read, from `begin_` on not yet handed out.
+  std::vector<uint8_t> records_;  ///< The bytes from `begin_` on are not yet used.
   size_t begin_ = 0;
   uint64_t number_ = 0, frame_ = 1;
   std::string problem_;

@@ -10,23 +10,23 @@ namespace ZIRK::trace {
 
 namespace {
 
-/// More is not taken apart.
+/// The most that can be trimmed.
 constexpr size_t kMostBytes = size_t{1} << 30;
 
 /// A record that is kept in memory.
 struct KeptRecord {
-  Record record;  ///< Its fields are those below.
+  Record record;  ///< Its fields refer to the member below.
   std::vector<uint8_t> fields;
-  /// Earlier records that make the objects and contents that this one names.
+  /// Earlier records that create the objects and contents that this one names.
   std::vector<size_t> needs;
-  bool isDefinition = false;  ///< Makes one itself.
+  bool isDefinition = false;  ///< Creates an object or content itself.
 };
 
-/// Numbers of records that are kept or dropped together.
+/// The indices of records that are kept or dropped together.
 using Group = std::vector<size_t>;
 
-/// How many records there are up to where the backends differ. 0 where they do not, or after a line
-/// where the trace cannot be replayed.
+/// Returns the number of records up to the first difference. Prints a line and returns 0 if the
+/// backends do not differ or the trace cannot be replayed.
 uint64_t FindDifference(const CommandLine& line) {
   OpenedTrace trace(line.operands[2]);
   Comparison comparison(line.operands[0], line.operands[1], line.worst);
@@ -44,15 +44,15 @@ uint64_t FindDifference(const CommandLine& line) {
   return 0;
 }
 
-/// Finds the fewest records of a trace after which two backends differ.
+/// A search for the fewest records of a trace after which two backends differ.
 class Trimmer {
  public:
   explicit Trimmer(const CommandLine& line) : line_(line) {}
 
-  /// Reads so many records. False, after a line, where they are too large.
+  /// Reads `count` records. Prints a line and returns false if they are too large.
   bool Read(uint64_t count);
   void Trim();
-  /// False, after a line, where the file cannot be written.
+  /// Writes the kept records. Prints a line and returns false if the file cannot be written.
   bool Write() const;
   size_t Count() const { return static_cast<size_t>(std::count(kept_.begin(), kept_.end(), true)); }
 
@@ -64,8 +64,8 @@ class Trimmer {
 
   const CommandLine& line_;
   std::vector<KeptRecord> records_;
-  std::map<Id, size_t> definitions_;  ///< The record that names an Id first.
-  std::vector<bool> kept_;            ///< As it was tried last with success.
+  std::map<Id, size_t> definitions_;  ///< The first record that names an Id.
+  std::vector<bool> kept_;            ///< The last selection that still differs.
 };
 
 bool Trimmer::Read(uint64_t count) {
@@ -85,7 +85,8 @@ bool Trimmer::Read(uint64_t count) {
   return true;
 }
 
-/// What a trace names has been made before, so the first record with a number makes it.
+/// Finds the records that `kept` needs. A trace creates objects before it uses them, so the first
+/// record with a number creates its object.
 void Trimmer::FindNeeds(KeptRecord& kept) {
   const auto name = [&](Id id) {
     if (id == Id::None) return;
@@ -100,7 +101,7 @@ void Trimmer::FindNeeds(KeptRecord& kept) {
   });
 }
 
-/// What is not a definition, by its frame.
+/// Returns the records that are not definitions, grouped by frame.
 std::vector<Group> Trimmer::Frames() const {
   std::map<uint64_t, Group> frames;
   for (size_t i = 0; i < records_.size(); ++i)
@@ -111,7 +112,7 @@ std::vector<Group> Trimmer::Frames() const {
   return groups;
 }
 
-/// Replays these records and those that they need.
+/// Replays these records and those that they need. Returns whether the backends differ.
 bool Trimmer::Differs(const std::vector<Group>& groups) {
   std::vector<bool> isKept(records_.size());
   for (const Group& group : groups)
@@ -131,8 +132,9 @@ bool Trimmer::Differs(const std::vector<Group>& groups) {
   return true;
 }
 
-/// Drops what the difference does not need: all, halves, quarters and so on, at last one by one
-/// until none can be dropped. The last ones go first, so that the first difference stays.
+/// Drops the groups that the difference does not need: all, then halves, quarters and so on, and
+/// finally single groups until none can be dropped. Tries the last groups first, so that the first
+/// difference remains.
 void Trimmer::Reduce(std::vector<Group>& groups) {
   for (size_t size = groups.size(); size > 0;) {
     const size_t before = groups.size();

@@ -5,8 +5,8 @@
 
 namespace ZIRK::trace {
 
-/// Calls `use(static_cast<W*>(nullptr), value)` for each field of a record in their order. W is
-/// what the row says of the field; it is Id for the object that the operation is of.
+/// Calls `use(static_cast<W*>(nullptr), value)` for each field of a record, in order. W is the
+/// field's type in the row, or Id for the operation's object.
 template <class Use>
 void VisitFields(const Record& record, const Use& use) {
   Decoder decoder(record.fields);

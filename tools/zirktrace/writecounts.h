@@ -9,7 +9,7 @@
 
 namespace ZIRK::trace {
 
-/// How often each pixel of a surface was written.
+/// The number of writes to each pixel of a surface.
 class WriteCounts {
  public:
   WriteCounts() = default;
@@ -25,7 +25,7 @@ class WriteCounts {
   const std::vector<uint32_t>& Counts() const { return counts_; }
   uint64_t Sum() const;
   uint32_t Most() const;
-  /// Per pixel.
+  /// Returns the mean per pixel.
   double Mean() const;
 
  private:
@@ -33,16 +33,17 @@ class WriteCounts {
   std::vector<uint32_t> counts_;
 };
 
-/// How often the pixels of each surface were written in a frame.
+/// The numbers of writes to the pixels of each surface in a frame.
 class FrameCounts {
  public:
-  /// To be called for each record of the frame before it is played. Gives how many pixels it
-  /// writes, nothing where that cannot be found out: the player knows the problem.
+  /// Counts the writes of a record and returns how many pixels it writes. Call it with each record
+  /// of the frame before the record is played. Returns nullopt on failure; see the player's
+  /// Problem().
   std::optional<uint64_t> Count(const Record& record, Player& player, Coverage& coverage);
 
   const std::map<Id, WriteCounts>& Surfaces() const { return surfaces_; }
-  /// The screen that ends the frame, or else the surface that was drawn on last. None if nothing
-  /// was.
+  /// Returns the screen that ends the frame, or otherwise the surface drawn on last, or None if
+  /// nothing was drawn.
   Id Shown() const { return shown_; }
 
  private:
