@@ -25,7 +25,7 @@ class OpenedTrace {
     else if (!reader_.Problem().empty())
       std::fprintf(stderr, "zirktrace: %s: %s\n", path_.c_str(), reader_.Problem().c_str());
     else if (reader_.IsCut())
-      std::fprintf(stderr, "zirktrace: %s: is cut off, and used up to there\n", path_.c_str());
+      std::fprintf(stderr, "zirktrace: %s: is cut off; the part before is used\n", path_.c_str());
     return stream_.is_open() && reader_.Problem().empty();
   }
 

@@ -75,7 +75,7 @@ const std::vector<uint8_t>* Player::BytesOf(Id id) {
 const char* Player::PathOf(const FileValue& value) {
   if (!BytesOf(value.content)) return nullptr;
   openFile_ = contents_.FileOf(value.content);
-  if (!openFile_) Fail("no file can be made in memory");
+  if (!openFile_) Fail("cannot make a file in memory");
   return openFile_ ? openFile_->Path().c_str() : nullptr;
 }
 
@@ -330,7 +330,7 @@ bool Player::DoOpenContext(Decoder&, Id id, const char* file, bool flag) {
     if (name.empty() && record.IsGraphics() && file && std::string(record.dso) == file)
       name = record.name;
   if (name.empty()) return Fail("its backend is not the library's");
-  if (contexts_.count(id) > 0) return Fail("a second context of this number");
+  if (contexts_.count(id) > 0) return Fail("the context is already open");
   auto* const made = static_cast<VuGraphicsImpl*>(
       GraphicsImplLoader::GetInstance()->CreateImplInstance(name, flag));
   if (!made) return Fail(name + " does not open here");

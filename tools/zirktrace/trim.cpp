@@ -74,7 +74,7 @@ bool Trimmer::Read(uint64_t count) {
   for (Record record; records_.size() < count && trace.Next(record);) {
     size += record.fields.size();
     if (size > kMostBytes) {
-      std::fprintf(stderr, "zirktrace: %s: too large to be trimmed\n", line_.operands[2].c_str());
+      std::fprintf(stderr, "zirktrace: %s: too large to trim\n", line_.operands[2].c_str());
       return false;
     }
     KeptRecord kept{record, {record.fields.begin(), record.fields.end()}, {}, false};
