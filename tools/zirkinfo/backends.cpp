@@ -8,13 +8,13 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <iterator>
 #include <memory>
 #include <optional>
 
 #include "commands.h"
 #include "librarylog.h"
 #include "plugins.h"
+#include "support/formatname.h"
 
 namespace ZIRK::zirkinfo {
 
@@ -48,12 +48,6 @@ void ShowMemory(const char* key, unsigned bytes) {
               static_cast<unsigned>((uint64_t{bytes} + (1u << 19)) >> 20));
 }
 
-const char* NameOf(VuPixelFormat format) {
-  constexpr const char* kNames[] = {"ARGB8888", "XRGB8888", "RGB565", "ARGB4444", "ARGB1555", "A8"};
-  const auto code = static_cast<size_t>(format);
-  return code < std::size(kNames) ? kNames[code] : "of an unknown format";
-}
-
 /// Shows the displays that the library has found so far.
 void ShowDisplays(const LibraryLog& log) {
   PrintLines("display", log.Messages("debug", "display "));
@@ -65,7 +59,7 @@ void ShowScreen(VuGraphics& graphics) {
   const std::unique_ptr<VuBitmap> screen(graphics.CreateScreen(false));
   if (screen) {
     const VuBitmapInfo info = screen->GetInfo();
-    std::printf("screen: %d x %d, %s\n", info.width, info.height, NameOf(info.format));
+    std::printf("screen: %d x %d, %s\n", info.width, info.height, support::NameOf(info.format));
     const std::string shownBy = log.ShownBy();
     if (!shownBy.empty()) std::printf("shown-by: %s\n", shownBy.c_str());
     const std::string kernels = log.LastInfo("kernels: ");

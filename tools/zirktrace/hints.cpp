@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "support/formatname.h"
 #include "visit.h"
 
 namespace ZIRK::trace {
@@ -14,13 +15,6 @@ constexpr uint64_t kFewestFrames = 2;
 
 bool IsBlit(Operation operation) {
   return operation >= Operation::DrawObject && operation <= Operation::DrawObjectSubPixel;
-}
-
-const char* NameOf(VuPixelFormat format) {
-  static constexpr const char* kNames[] = {"ARGB8888", "XRGB8888", "RGB565",
-                                           "ARGB4444", "ARGB1555", "A8"};
-  const auto index = static_cast<size_t>(format);
-  return index < std::size(kNames) ? kNames[index] : "no format";
 }
 
 /// Returns whether pixels are converted between the two formats. A8 does not count.
@@ -227,7 +221,7 @@ void Hints::Name(const Record& record) {
       const VuBitmapInfo info = made->GetInfo();
       kinds_[value.id] = std::string(std::is_same_v<W, NewScreen> ? "screen" : "bitmap") + " of " +
                          std::to_string(info.width) + " \u00D7 " + std::to_string(info.height) +
-                         ' ' + NameOf(info.format);
+                         ' ' + support::NameOf(info.format);
     } else if constexpr (std::is_same_v<W, Text>) {
       if (record.operation == Operation::SetName) names_[ObjectOf(record)] = value ? value : "";
     }

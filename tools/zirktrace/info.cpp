@@ -9,29 +9,12 @@
 
 #include "commands.h"
 #include "openedtrace.h"
+#include "support/formatname.h"
 #include "visit.h"
 
 namespace ZIRK::trace {
 
 namespace {
-
-std::string NameOf(VuPixelFormat format) {
-  switch (format) {
-    case VuPixelFormat::ARGB8888:
-      return "ARGB8888";
-    case VuPixelFormat::XRGB8888:
-      return "XRGB8888";
-    case VuPixelFormat::RGB565:
-      return "RGB565";
-    case VuPixelFormat::ARGB4444:
-      return "ARGB4444";
-    case VuPixelFormat::ARGB1555:
-      return "ARGB1555";
-    case VuPixelFormat::A8:
-      return "A8";
-  }
-  return "format " + std::to_string(static_cast<int>(format));
-}
 
 void Print(const char* key, uint64_t value) {
   std::printf("%s: %llu\n", key, static_cast<unsigned long long>(value));
@@ -76,7 +59,7 @@ void Summary::CountSurface(const CreatedValue& created, bool isScreen) {
   if (created.id == Id::None) return;
   SurfaceUse use;
   use.kind = std::to_string(created.width) + " x " + std::to_string(created.height) + ' ' +
-             NameOf(created.format);
+             support::NameOf(created.format);
   use.format = created.format;
   use.bytes = uint64_t{BytesPerPixel(created.format)} * static_cast<uint32_t>(created.width) *
               static_cast<uint32_t>(created.height);
@@ -191,7 +174,7 @@ void Summary::Print() const {
     return surface.second.IsNeverRead();
   });
   Print("surfaces-never-read", static_cast<uint64_t>(neverRead));
-  for (const auto& [operation, count] : kinds_) Print(trace::NameOf(operation), count);
+  for (const auto& [operation, count] : kinds_) Print(NameOf(operation), count);
   PrintSurfaces();
 }
 
